@@ -1,0 +1,32 @@
+// The forms of a colour. A colour reference holds red in bits 0..7, green in 8..15, blue in 16..23; a packed
+// colour holds blue there instead, so that its bytes lie in memory in band order.
+#pragma once
+
+#include <cstdint>
+
+namespace qnv {
+
+constexpr uint32_t kWhite = 0x00FFFFFF;
+constexpr uint32_t kColourBits = 0x00FFFFFF;
+
+// Colour reference to packed colour and back. The top byte is kept.
+constexpr uint32_t ExchangeRedBlue(uint32_t colour) {
+  return (colour & 0xFF00FF00u) | (colour & 0xFF) << 16 | (colour >> 16 & 0xFF);
+}
+
+// 0..255; the arguments are weighted in this order, truncated.
+constexpr uint32_t WeightedGray(uint32_t weight30, uint32_t weight59, uint32_t weight11) {
+  return (weight30 * 30 + weight59 * 59 + weight11 * 11) / 100;
+}
+
+constexpr uint32_t Replicated(uint32_t byte) { return byte * 0x010101u; }
+
+// The gray level of a colour reference in all three bytes; its top byte is dropped.
+constexpr uint32_t GrayLevel(uint32_t colour) {
+  return Replicated(WeightedGray(colour & 0xFF, colour >> 8 & 0xFF, colour >> 16 & 0xFF));
+}
+
+// Logical to physical colour.
+constexpr uint32_t PhysicalColour(uint32_t colour, bool gray) { return gray ? GrayLevel(colour) : colour; }
+
+}  // namespace qnv

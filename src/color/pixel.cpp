@@ -1,0 +1,20 @@
+#include "color/pixel.h"
+
+#include "device/raster_device.h"
+
+namespace qnv {
+
+uint32_t RasterDevice::Pixel(int32_t x, int32_t y, const PixelArguments& a) {
+  if (a.clip == nullptr) return 0;
+  const int32_t xDevice = WrapAdd(x, state_.originX);
+  const int32_t yDevice = WrapAdd(y, state_.originY);
+  const BandView band = Band();
+  if (!Contains(band.rect, xDevice, yDevice)) return 0;
+  if (!Contains(Shifted(*a.clip, state_.originX, state_.originY), xDevice, yDevice)) return 0;
+  uint8_t* pixel = band.At(xDevice, yDevice);
+  if (a.drawMode == nullptr) return ReadPixel(pixel, band.bytesPerPixel);
+  WritePixel(pixel, band.bytesPerPixel, a.colour, static_cast<uint16_t>(a.drawMode->Rop2));
+  return 0;
+}
+
+}  // namespace qnv

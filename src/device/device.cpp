@@ -1,0 +1,88 @@
+#include "device/device.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "color/color_forms.h"
+#include "color/pens_and_brushes.h"
+
+namespace qnv {
+
+uint32_t Device::GetDeviceInfo(DeviceSize* result) const {
+  if (result == nullptr) return 0;
+  *result = state_.deviceSize;
+  return sizeof *result;
+}
+
+uint32_t Device::ColorInfo(uint32_t colour, uint32_t* result) const {
+  const uint32_t physical = PhysicalColour(colour, ConvertsToGray());
+  if (result != nullptr) std::memcpy(result, &physical, sizeof physical);
+  return physical;
+}
+
+uint32_t Device::RealizeObject(uint32_t kind, const void* input, void* output) {
+  switch (kind & 0xFFFF) {
+    case OBJ_PEN: {
+      if (output == nullptr) return sizeof(PhysicalPen);
+      if (input == nullptr) return 0;
+      const auto& pen = *static_cast<const LogicalPen*>(input);
+      return RealizePen(pen, ColorInfo(pen.colour, nullptr), static_cast<PhysicalPen*>(output));
+    }
+    case OBJ_BRUSH:
+      if (output == nullptr) return sizeof(PhysicalBrush);
+      if (input == nullptr) return 0;
+      return RealizeBrush(*static_cast<const LogicalBrush*>(input), BrushRules{ConvertsToGray(), HatchScale()},
+                          static_cast<PhysicalBrush*>(output));
+    default:
+      return 0;
+  }
+}
+
+uint32_t Device::PolyPixel(int32_t x1, int32_t y1, int32_t x2, int32_t y2, const PixelArguments& a) {
+  const int64_t xMin = std::min(x1, x2), xMax = std::max(x1, x2);
+  const int64_t yMin = std::min(y1, y2), yMax = std::max(y1, y2);
+  for (int64_t y = yMin; y <= yMax; ++y) {
+    for (int64_t x = xMin; x <= xMax; ++x) Pixel(static_cast<int32_t>(x), static_cast<int32_t>(y), a);
+  }
+  return 0;
+}
+
+uint16_t Device::SetDIBitsToDevice(int32_t x, int32_t y, uint32_t startScan, uint32_t numScans, const BandRect* clip,
+                                   const DRAWMODE* drawMode, const void* bits, const void* bitmapInfo,
+                                   const void* conversionInfo) {
+  if (bitmapInfo == nullptr) return 0;
+  int32_t width;
+  std::memcpy(&width, static_cast<const uint8_t*>(bitmapInfo) + 4, sizeof width);
+  const int32_t rows = static_cast<int32_t>(numScans);
+  return StretchDIBits(ImageArguments{0, x, y, width, rows, 0, static_cast<int32_t>(startScan), width, rows, bits,
+                                      bitmapInfo, conversionInfo, SRCCOPY, nullptr, drawMode, clip});
+}
+
+uint16_t Device::Control(uint16_t code, const void* data) {
+  switch (code) {
+    case QNV_SET_ORIGIN: {
+      if (data == nullptr) return 0;
+      DrawingOrigin origin;
+      std::memcpy(&origin, data, sizeof origin);
+      state_.originX = origin.x;
+      state_.originY = origin.y;
+      return 1;
+    }
+    case QNV_SET_BAND_RECT:
+      if (data == nullptr) return 0;
+      std::memcpy(&state_.bandRect, data, sizeof state_.bandRect);
+      return 1;
+    case QNV_CLEAR_BAND:
+      ClearBand();
+      return 1;
+    default:
+      return 0;
+  }
+}
+
+void ClearWords(uint8_t* buffer, int32_t words, uint32_t height, uint8_t value) {
+  if (buffer == nullptr || words <= 0) return;
+  std::memset(buffer, value, static_cast<std::size_t>(words) * height * 4);
+}
+
+}  // namespace qnv

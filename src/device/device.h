@@ -1,0 +1,64 @@
+// The interface of every device class, and the three operations that are the same for all of them.
+#pragma once
+
+#include <cstdint>
+
+#include "device/band_state.h"
+#include "image/image_arguments.h"
+#include "output/output_arguments.h"
+#include "qnvdrv10.h"
+#include "raster/blt_arguments.h"
+#include "text/text_arguments.h"
+
+namespace qnv {
+
+// Arguments of Pixel, which PolyPixel repeats.
+struct PixelArguments {
+  uint32_t colour;
+  const DRAWMODE* drawMode;
+  const BandRect* clip;
+};
+
+class Device {
+ public:
+  virtual ~Device() = default;
+  Device(const Device&) = delete;
+  Device& operator=(const Device&) = delete;
+
+  // False when the device could not get its memory; it must not be used then.
+  virtual bool IsReady() const { return state_.scratch.HasMemory(); }
+
+  uint32_t GetDeviceInfo(DeviceSize* result) const;
+  virtual void Enable(const BandRect& bandRect) = 0;
+  virtual uint32_t RealizeObject(uint32_t kind, const void* input, void* output);
+  uint32_t ColorInfo(uint32_t colour, uint32_t* result) const;
+  virtual int16_t Output(const OutputArguments& a) = 0;
+  virtual uint16_t BitBlt(const BltArguments& a) = 0;
+  virtual int32_t ExtTextOut(const TextArguments& a) = 0;
+  virtual uint16_t StretchDIBits(const ImageArguments& a) = 0;
+  virtual uint32_t Pixel(int32_t x, int32_t y, const PixelArguments& a) = 0;
+  uint32_t PolyPixel(int32_t x1, int32_t y1, int32_t x2, int32_t y2, const PixelArguments& a);
+  uint16_t SetDIBitsToDevice(int32_t x, int32_t y, uint32_t startScan, uint32_t numScans, const BandRect* clip,
+                             const DRAWMODE* drawMode, const void* bits, const void* bitmapInfo,
+                             const void* conversionInfo);
+  virtual uint16_t Control(uint16_t code, const void* data);
+
+  // For the device that owns this one as a plane of its own.
+  BandState& state() { return state_; }
+
+ protected:
+  explicit Device(const DeviceDescription& description) { state_.description = description; }
+
+  // The device's logical colours become gray levels.
+  virtual bool ConvertsToGray() const = 0;
+  virtual uint8_t HatchScale() const = 0;
+  virtual void ClearBand() = 0;
+
+  BandState state_;
+};
+
+// Fills the first `words` * height * 4 bytes of a buffer; the products are the host's own, and nothing is
+// written when they come out negative.
+void ClearWords(uint8_t* buffer, int32_t words, uint32_t height, uint8_t value);
+
+}  // namespace qnv

@@ -1,0 +1,48 @@
+#include "device/dual_plane_device.h"
+
+#include <new>
+
+namespace qnv {
+
+DualPlaneDevice::DualPlaneDevice(const DeviceDescription& description) : RasterDevice24(description) {}
+
+DualPlaneDevice::DualPlaneDevice(const DeviceDescription& description, const BandRect& bandRect, void* buffer,
+                                 void* secondBuffer)
+    : RasterDevice24(description, bandRect, buffer) {
+  DeviceDescription tagDescription = description;
+  tagDescription.bitsPerPixel = 8;
+  colourDevice_ = new (std::nothrow) RasterDevice24(description, bandRect, buffer);
+  tagDevice_ = new (std::nothrow) RasterDevice8(tagDescription, bandRect, secondBuffer);
+  if (colourDevice_ != nullptr) colourDevice_->Enable(bandRect);
+  if (tagDevice_ != nullptr) tagDevice_->Enable(bandRect);
+}
+
+DualPlaneDevice::~DualPlaneDevice() {
+  delete tagDevice_;
+  delete colourDevice_;
+}
+
+bool DualPlaneDevice::IsReady() const {
+  return RasterDevice24::IsReady() && colourDevice_ != nullptr && colourDevice_->IsReady() && tagDevice_ != nullptr &&
+         tagDevice_->IsReady();
+}
+
+uint16_t DualPlaneDevice::Control(uint16_t code, const void* data) {
+  const uint16_t result = RasterDevice24::Control(code, data);
+  if (code == QNV_SET_ORIGIN || code == QNV_SET_BAND_RECT) {
+    tagDevice_->Control(code, data);
+    colourDevice_->Control(code, data);
+  }
+  return result;
+}
+
+void DualPlaneDevice::ClearBand() {
+  // Intended: three bytes a pixel whatever the described depth.
+  const int32_t width = static_cast<int32_t>(state_.description.width);
+  ClearWords(state_.buffer, WrapMultiply(WrapAdd(width, 1), 3) / 4, state_.description.height, 0xFF);
+  uint8_t* tags = tagDevice_->state().buffer;
+  ClearWords(tags, WrapAdd(width, 3) / 4, state_.description.height, QNV_TAG_GRAPHICS);
+  if (tags != nullptr) planeUniform_ = true;
+}
+
+}  // namespace qnv

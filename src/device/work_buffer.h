@@ -1,0 +1,40 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <new>
+
+namespace qnv {
+
+// Memory of the device that a call may use until it returns. It only grows, so that calls of one kind allocate
+// once.
+class WorkBuffer {
+ public:
+  WorkBuffer() = default;
+  ~WorkBuffer() { delete[] data_; }
+  WorkBuffer(const WorkBuffer&) = delete;
+  WorkBuffer& operator=(const WorkBuffer&) = delete;
+
+  // At least `count` values, uninitialised; null without memory.
+  template <class T>
+  T* Take(std::size_t count) {
+    static_assert(alignof(T) <= alignof(std::max_align_t));
+    if (count > SIZE_MAX / sizeof(T)) return nullptr;
+    return static_cast<T*>(Reserve(count * sizeof(T)));
+  }
+
+ private:
+  void* Reserve(std::size_t bytes) {
+    if (bytes <= capacity_ && data_ != nullptr) return data_;
+    delete[] data_;
+    capacity_ = 0;
+    data_ = new (std::nothrow) uint8_t[bytes];
+    if (data_ != nullptr) capacity_ = bytes;
+    return data_;
+  }
+
+  uint8_t* data_ = nullptr;
+  std::size_t capacity_ = 0;
+};
+
+}  // namespace qnv

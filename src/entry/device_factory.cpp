@@ -1,0 +1,64 @@
+#include "entry/device_factory.h"
+
+#include <new>
+
+#include "device/dual_plane_device.h"
+#include "device/raster_device.h"
+#include "device/scaled_raster_device.h"
+
+namespace qnv {
+namespace {
+
+Device* NewDevice(const DeviceDescription& description, const BandRect& bandRect, void* buffer, void* secondBuffer) {
+  switch (description.kind) {
+    case QNV_KIND_SCALED:
+      return new (std::nothrow) ScaledRasterDevice(description, bandRect, buffer);
+    case QNV_KIND_RASTER:
+      if (secondBuffer != nullptr) {
+        return new (std::nothrow) DualPlaneDevice(description, bandRect, buffer, secondBuffer);
+      }
+      if (description.bitsPerPixel == 24) return new (std::nothrow) RasterDevice24(description, bandRect, buffer);
+      if (description.bitsPerPixel == 8) return new (std::nothrow) RasterDevice8(description, bandRect, buffer);
+      return nullptr;
+    default:
+      return nullptr;  // Intended: kind 2 too, which is known to ReportDeviceInfo alone.
+  }
+}
+
+}  // namespace
+
+Device* MakeDevice(const DeviceDescription& description, const BandRect& bandRect, void* buffer, void* secondBuffer) {
+  Device* device = NewDevice(description, bandRect, buffer, secondBuffer);
+  if (device == nullptr) return nullptr;
+  if (!device->IsReady()) {
+    delete device;
+    return nullptr;
+  }
+  device->Enable(bandRect);
+  return device;
+}
+
+bool ReportDeviceInfo(const DeviceDescription& description, DeviceSize* result, uint32_t* written) {
+  switch (description.kind) {
+    case QNV_KIND_SCALED:
+      if (description.resolutionA == 0) return false;
+      *written = ScaledRasterDevice(description).GetDeviceInfo(result);
+      return true;
+    case QNV_KIND_RASTER:
+      if (description.bitsPerPixel == 24) {
+        *written = RasterDevice24(description).GetDeviceInfo(result);
+      } else if (description.bitsPerPixel == 8) {
+        *written = RasterDevice8(description).GetDeviceInfo(result);
+      } else {
+        return false;
+      }
+      return true;
+    case QNV_KIND_DUAL_PLANE:
+      *written = DualPlaneDevice(description).GetDeviceInfo(result);
+      return true;
+    default:
+      return false;
+  }
+}
+
+}  // namespace qnv

@@ -1,0 +1,54 @@
+#include "image/color_tables.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "color/color_forms.h"
+
+namespace qnv {
+namespace {
+
+constexpr uint32_t kMaskOffset = 40;  // whatever biSize says
+
+// entry: blue, green, red in memory.
+uint32_t TableEntry(const uint8_t* entry, PixelTarget target) {
+  const uint32_t blue = entry[0], green = entry[1], red = entry[2];
+  switch (target) {
+    case PixelTarget::kBand24: return blue | green << 8 | red << 16;
+    case PixelTarget::kSource24: return red | green << 8 | blue << 16;
+    case PixelTarget::kGray8: break;
+  }
+  return WeightedGray(red, green, blue);
+}
+
+ComponentMask MakeComponent(uint32_t mask) {
+  uint32_t bits = 0;
+  while (1u << bits < mask) ++bits;
+  const uint32_t up = 16 - bits;
+  // What the shifted mask leaves open below 255 is filled from the component's own high bits.
+  const uint32_t open = (255 - (mask << up >> 8)) & 0xFFFF;
+  uint32_t openBits = 0;
+  while (open != 0 && 1u << openBits <= open) ++openBits;
+  // A mask of a single bit would need a negative shift: it adds nothing.
+  constexpr uint32_t kAddsNothing = 31;
+  return {mask, up, openBits <= 8 ? 8 - openBits : kAddsNothing};
+}
+
+}  // namespace
+
+void MakeColorTable(const Dib& dib, PixelTarget target, ColorTable* table) {
+  const uint32_t full = 1u << dib.bitCount;
+  const uint32_t given = dib.colorsUsed != 0 ? std::min(dib.colorsUsed, full) : full;
+  const uint8_t* entry = dib.info + dib.infoSize;
+  for (uint32_t i = 0; i < given; ++i, entry += 4) table->entries[i] = TableEntry(entry, target);
+  std::fill(table->entries + given, table->entries + full, target == PixelTarget::kGray8 ? 0xFFu : kWhite);
+}
+
+PixelMasks MakePixelMasks(const Dib& dib) {
+  if (dib.compression != BI_BITFIELDS) return {MakeComponent(0x7C00), MakeComponent(0x03E0), MakeComponent(0x001F)};
+  uint32_t masks[3];
+  std::memcpy(masks, dib.info + kMaskOffset, sizeof masks);
+  return {MakeComponent(masks[0] & 0xFFFF), MakeComponent(masks[1] & 0xFFFF), MakeComponent(masks[2] & 0xFFFF)};
+}
+
+}  // namespace qnv

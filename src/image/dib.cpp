@@ -1,0 +1,35 @@
+#include "image/dib.h"
+
+#include <cstring>
+
+namespace qnv {
+namespace {
+
+constexpr int32_t kMostPixels = 32767;  // what 16-bit source rectangles can hold
+
+bool IsDepth(uint16_t bits) {
+  return bits == 1 || bits == 4 || bits == 8 || bits == 16 || bits == 24 || bits == 32;
+}
+
+}  // namespace
+
+bool ReadDib(const void* bitmapInfo, Dib* dib) {
+  BITMAPINFOHEADER header;
+  std::memcpy(&header, bitmapInfo, sizeof header);
+  if (header.biPlanes != 1 || !IsDepth(header.biBitCount)) return false;
+  if (header.biWidth < 1 || header.biWidth > kMostPixels) return false;
+  if (header.biHeight == 0 || header.biHeight < -kMostPixels || header.biHeight > kMostPixels) return false;
+  if (header.biCompression == BI_RLE8 && header.biBitCount != 8) return false;
+  if (header.biCompression == BI_RLE4 && header.biBitCount != 4) return false;
+  dib->width = header.biWidth;
+  dib->topDown = header.biHeight < 0;
+  dib->height = dib->topDown ? -header.biHeight : header.biHeight;
+  dib->bitCount = header.biBitCount;
+  dib->compression = header.biCompression;
+  dib->colorsUsed = header.biClrUsed;
+  dib->info = static_cast<const uint8_t*>(bitmapInfo);
+  dib->infoSize = header.biSize;
+  return true;
+}
+
+}  // namespace qnv

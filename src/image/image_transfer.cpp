@@ -1,0 +1,106 @@
+#include "image/image_transfer.h"
+
+#include <cstring>
+
+namespace qnv {
+
+bool ImageTransfer::Prepare(const BandState& state, const Rect& bandRect, bool is24, const ImageArguments& a) {
+  if (a.clip == nullptr || a.get == 1 || a.bitmapInfo == nullptr || a.bits == nullptr) return false;
+  if (!ReadDib(a.bitmapInfo, &dib_)) return false;
+
+  const StretchRequest request{WrapAdd(a.dstX, state.originX),
+                               WrapAdd(a.dstY, state.originY),
+                               a.dstWidth,
+                               a.dstHeight,
+                               a.srcX,
+                               a.srcY,
+                               a.srcWidth,
+                               a.srcHeight};
+  const int32_t xEnd = WrapAdd(request.dstX, request.dstWidth);
+  const int32_t yEnd = WrapAdd(request.dstY, request.dstHeight);
+  clipped_ = {std::min<int32_t>(request.dstX, xEnd), std::min<int32_t>(request.dstY, yEnd),
+              std::max<int32_t>(request.dstX, xEnd), std::max<int32_t>(request.dstY, yEnd)};
+  RectIntersect(clipped_, clipped_, Shifted(*a.clip, state.originX, state.originY));
+  if (!RectIntersect(clipped_, clipped_, bandRect)) return false;
+
+  SourceMapping mapping;
+  if (!MapSource(request, clipped_, bandRect, dib_.width, dib_.height, dib_.topDown, &mapping)) return false;
+  leftInBand_ = WrapSubtract(clipped_.left, bandRect.left);
+  const int32_t topInBand = WrapSubtract(clipped_.top, bandRect.top);
+
+  bits_ = static_cast<const uint8_t*>(a.bits);
+  rows_ = state.rows;
+  target_ = !is24                                  ? PixelTarget::kGray8
+            : ImageModeOf(a.rop) == ImageMode::kBitBlt ? PixelTarget::kSource24
+                                                       : PixelTarget::kBand24;
+  if (dib_.HasPalette()) MakeColorTable(dib_, target_, &colours_.table);
+  if (dib_.bitCount == 16) colours_.masks = MakePixelMasks(dib_);
+  convert_ = RowConverterFor(dib_.IsRle() ? 8 : dib_.bitCount, target_);
+
+  walk_ = RowWalk(MakeStepping(mapping.dstTop, mapping.dstHeight, mapping.rows, topInBand,
+                               clipped_.bottom - clipped_.top));
+  return PrepareColumns(MakeStepping(mapping.dstLeft, mapping.dstWidth, mapping.columns, leftInBand_, Width()),
+                        mapping) &&
+         PrepareRows(mapping);
+}
+
+// Lists the source column of every destination column, unless they simply follow each other.
+bool ImageTransfer::PrepareColumns(const Stepping& stepping, const SourceMapping& mapping) {
+  const int32_t first = mapping.mirrorX ? mapping.left + mapping.columns - 1 : mapping.left;
+  const int32_t advance = mapping.mirrorX ? -1 : 1;
+  auto* picks = buffers_.picks.Take<uint16_t>(stepping.dstPixels);
+  if (picks == nullptr) return false;
+  bool consecutive = true;
+  const int32_t covered = WalkColumns(stepping, [&](int32_t i, int32_t begin, int32_t end) {
+    const int32_t column = first + i * advance;
+    if (end - begin != 1 || column != first + begin) consecutive = false;
+    for (int32_t at = begin; at < end; ++at) picks[at] = static_cast<uint16_t>(column);
+  });
+  columns_ = {consecutive ? nullptr : picks, first, covered};
+  return true;
+}
+
+// Rows are walked from the top of the picture down: bottom-up storage backwards.
+bool ImageTransfer::PrepareRows(const SourceMapping& mapping) {
+  firstRow_ = mapping.mirrorY ? mapping.top : mapping.top + mapping.rows - 1;
+  rowAdvance_ = mapping.mirrorY ? 1 : -1;
+  topRow_ = mapping.top;
+  if (!dib_.IsRle()) return true;
+  // Run-length rows can only be found by walking from the first one; where each begins is kept, so that rows
+  // are decoded in any order, and only those that are seen.
+  rleRows_ = buffers_.rleRows.Take<RleState>(static_cast<std::size_t>(mapping.rows));
+  rleRow_ = buffers_.rleRow.Take<uint8_t>(static_cast<std::size_t>(dib_.width));
+  if (rleRows_ == nullptr || rleRow_ == nullptr) return false;
+  const RleDecoder decoder(dib_.compression == BI_RLE4, dib_.width);
+  RleState state{bits_};
+  for (int32_t row = 0; row < mapping.top; ++row) decoder.SkipRow(&state);
+  for (int32_t row = 0; row < mapping.rows; ++row) {
+    rleRows_[row] = state;
+    if (row + 1 < mapping.rows) decoder.SkipRow(&state);
+  }
+  return true;
+}
+
+bool ImageTransfer::NextRow(CoveredRows* rows) { return walk_.Next(rows); }
+
+void ImageTransfer::ConvertRow(uint8_t* out) {
+  const int32_t stored = firstRow_ + walk_.Index() * rowAdvance_;
+  const uint8_t* row;
+  if (dib_.IsRle()) {
+    RleState state = rleRows_[stored - topRow_];
+    RleDecoder(dib_.compression == BI_RLE4, dib_.width).DecodeRow(&state, rleRow_);
+    row = rleRow_;
+  } else {
+    row = bits_ + static_cast<std::size_t>(stored) * DibRowBytes(dib_.width, dib_.bitCount);
+  }
+  convert_(out, row, columns_, colours_, *rows_);
+}
+
+uint8_t* ImageTransfer::TakeRowBuffer(int32_t pixels) {
+  const std::size_t bytes = static_cast<std::size_t>(pixels) * BytesOf(target_);
+  auto* buffer = buffers_.row.Take<uint8_t>(bytes);
+  if (buffer != nullptr) std::memset(buffer, 0, bytes);
+  return buffer;
+}
+
+}  // namespace qnv

@@ -1,0 +1,75 @@
+// One image transfer: validation and set-up, then converted rows on demand. The device classes differ only in
+// what they do with the rows.
+#pragma once
+
+#include <cstdint>
+
+#include "device/band_state.h"
+#include "image/dib.h"
+#include "image/image_arguments.h"
+#include "image/rle_decoder.h"
+#include "image/row_converters.h"
+#include "image/row_stepping.h"
+
+namespace qnv {
+
+// How rows reach the band, decided by the raster code alone.
+enum class ImageMode : uint8_t {
+  kCopy,    // SRCCOPY: rows are converted straight into the band
+  kMerge,   // extended codes: rows are merged with the band
+  kBitBlt,  // everything else: rows become sources of bit-block transfers
+};
+
+constexpr ImageMode ImageModeOf(uint32_t rop) {
+  if (rop == SRCCOPY) return ImageMode::kCopy;
+  return rop > 0x00FFFFFF ? ImageMode::kMerge : ImageMode::kBitBlt;
+}
+
+class ImageTransfer {
+ public:
+  explicit ImageTransfer(ImageBuffers& buffers) : buffers_(buffers) {}
+
+  // bandRect: the band in the caller's pixels. False when the transfer is refused or wholly clipped away, or
+  // without memory; nothing has been painted then.
+  bool Prepare(const BandState& state, const Rect& bandRect, bool is24, const ImageArguments& a);
+
+  // The visible destination, caller's pixels with the origin added, and its place relative to the band.
+  const Rect& Clipped() const { return clipped_; }
+  int32_t LeftInBand() const { return leftInBand_; }
+  int32_t Width() const { return clipped_.right - clipped_.left; }
+  uint16_t BitCount() const { return dib_.bitCount; }
+
+  // Steps to the next source row; false at the end.
+  bool NextRow(CoveredRows* rows);
+  bool IsLastRow() const { return walk_.IsLast(); }
+
+  // Converts the current source row; out: place of the first visible pixel. Columns that no source pixel
+  // reaches are left as they are.
+  void ConvertRow(uint8_t* out);
+
+  // A cleared row buffer of `pixels` band pixels; null without memory.
+  uint8_t* TakeRowBuffer(int32_t pixels);
+
+ private:
+  bool PrepareColumns(const Stepping& stepping, const SourceMapping& mapping);
+  bool PrepareRows(const SourceMapping& mapping);
+
+  ImageBuffers& buffers_;
+  Dib dib_{};
+  const uint8_t* bits_ = nullptr;
+  PixelTarget target_ = PixelTarget::kBand24;
+  Rect clipped_{};
+  int32_t leftInBand_ = 0;
+  RowWalk walk_{Stepping{}};
+  int32_t firstRow_ = 0;    // stored row walked first
+  int32_t rowAdvance_ = 1;  // +1 or -1
+  SourceColumns columns_{};
+  RowConverter convert_ = nullptr;
+  PixelColours colours_;
+  const RowKernels* rows_ = nullptr;
+  RleState* rleRows_ = nullptr;  // run-length sources: where each stored row of the source rectangle begins
+  uint8_t* rleRow_ = nullptr;
+  int32_t topRow_ = 0;           // stored row of rleRows_[0]
+};
+
+}  // namespace qnv

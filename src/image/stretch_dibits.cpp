@@ -1,0 +1,27 @@
+#include "image/stretch_dibits.h"
+
+#include "device/raster_device.h"
+
+namespace qnv {
+
+uint16_t RasterDevice::StretchDIBits(const ImageArguments& a) {
+  const BandView band = ImageBand(Band());
+  ImageTransfer transfer(state_.imageBuffers);
+  if (!transfer.Prepare(state_, band.rect, state_.Is24(), a)) return 0;
+  const OriginAtZero origin(state_);
+  switch (ImageModeOf(a.rop)) {
+    case ImageMode::kCopy:
+      CopyImage(transfer, band);
+      return 1;
+    case ImageMode::kMerge:
+      return MergeImage(transfer, band, *state_.rows, state_.description.width, a,
+                        [](const BltArguments&) { return true; });
+    case ImageMode::kBitBlt:
+      break;
+  }
+  return BlitImage(
+      transfer, state_.description.width, band.bytesPerPixel, a, [](uint8_t*, std::size_t) {},
+      [this](const BltArguments& row) { return BitBlt(row), true; });
+}
+
+}  // namespace qnv

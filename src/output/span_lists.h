@@ -1,0 +1,212 @@
+// The span encodings of Output, decoded and painted. What a list holds is in caller coordinates; a mapping
+// carries them into the band.
+#pragma once
+
+#include <algorithm>
+#include <cstdint>
+#include <cstring>
+
+#include "device/scratch_buffer.h"
+#include "output/span_painter.h"
+#include "raster/mappings.h"
+#include "raster/rect.h"
+
+namespace qnv {
+
+enum class SpanStyle : uint8_t {
+  kUnknown,
+  kBracket,      // 80, 81: nothing to paint
+  kScanlines,    // 4, 104
+  kBandedSpans,  // 5, 105
+  kRowRecords,   // 205
+  kRowSpans,     // 305
+  kByteDeltas,   // 405
+  kNibbleDeltas, // 505
+};
+
+constexpr SpanStyle SpanStyleOf(uint16_t style) {
+  switch (style) {
+    case OS_BEGINNSCAN:
+    case OS_ENDNSCAN: return SpanStyle::kBracket;
+    case OS_SCANLINES:
+    case OS_SCANLINES + 100: return SpanStyle::kScanlines;
+    case OS_BANDED_SPANS:
+    case OS_BANDED_SPANS + 100: return SpanStyle::kBandedSpans;
+    case OS_ROW_RECORDS: return SpanStyle::kRowRecords;
+    case OS_ROW_SPANS: return SpanStyle::kRowSpans;
+    case OS_BYTE_DELTAS: return SpanStyle::kByteDeltas;
+    case OS_NIBBLE_DELTAS: return SpanStyle::kNibbleDeltas;
+    default: return SpanStyle::kUnknown;
+  }
+}
+
+// The words of a list. The host need not align it.
+class SpanWords {
+ public:
+  explicit SpanWords(const int16_t* points) : bytes_(reinterpret_cast<const uint8_t*>(points)) {}
+
+  int16_t At(std::ptrdiff_t word) const {
+    int16_t value;
+    std::memcpy(&value, bytes_ + 2 * word, 2);
+    return value;
+  }
+  const int8_t* BytesFrom(std::ptrdiff_t word) const { return reinterpret_cast<const int8_t*>(bytes_ + 2 * word); }
+  void Advance(std::ptrdiff_t words) { bytes_ += 2 * words; }
+
+ private:
+  const uint8_t* bytes_;
+};
+
+template <class Mapping>
+class SpanLists {
+ public:
+  // limits: band and clip together, device space; may be empty or turned inside out.
+  SpanLists(const Mapping& mapping, SpanPainter& painter, const Rect& limits, int32_t originX, int32_t originY,
+            ScratchBuffer& scratch)
+      : mapping_(mapping), painter_(painter), limits_(limits), originX_(originX), originY_(originY), scratch_(scratch) {}
+
+  void Paint(SpanStyle style, uint16_t count, const int16_t* points) {
+    const SpanWords words(points);
+    switch (style) {
+      case SpanStyle::kScanlines: return Scanlines(words, count);
+      case SpanStyle::kBandedSpans: return BandedSpans(words, count);
+      case SpanStyle::kRowRecords: return RowRecords(words, count);
+      case SpanStyle::kRowSpans: return RowSpans(words, count);
+      case SpanStyle::kByteDeltas: return ByteDeltas(words, count);
+      case SpanStyle::kNibbleDeltas: return NibbleDeltas(words, count);
+      case SpanStyle::kUnknown:
+      case SpanStyle::kBracket: return;
+    }
+  }
+
+ private:
+  struct Span {
+    int32_t left, right;  // clipped, device space; left >= right paints nothing
+  };
+
+  int32_t MappedX(int32_t x) const { return mapping_.ToBand(WrapAdd(x, originX_)); }
+  int32_t MappedY(int32_t y) const { return mapping_.ToBand(WrapAdd(y, originY_)); }
+  bool RowInside(int32_t y) const { return limits_.top <= y && y < limits_.bottom; }
+
+  // left, right: caller coordinates without the origin.
+  Span Clipped(int32_t left, int32_t right) const {
+    return {std::max<int32_t>(MappedX(left), limits_.left), std::min<int32_t>(MappedX(right), limits_.right)};
+  }
+
+  void PaintSpan(int32_t y, const Span& span) {
+    if (span.left < span.right) painter_.Paint(y, span.left, span.right);
+  }
+
+  // Word pair 0 is (unused, y); the others are the spans of that row.
+  void Scanlines(SpanWords words, uint16_t count) {
+    const int32_t y = MappedY(words.At(1));
+    if (!RowInside(y)) return;
+    for (int32_t i = 1; i < count; ++i) PaintSpan(y, Clipped(words.At(2 * i), words.At(2 * i + 1)));
+  }
+
+  // Records of n, top, bottom, n words, n again. The spans of a record hold for all its rows, so they are
+  // clipped once.
+  void BandedSpans(SpanWords words, uint16_t count) {
+    for (int32_t record = 0; record < count; ++record) {
+      const int32_t n = words.At(0);
+      const int32_t top = std::max<int32_t>(MappedY(words.At(1)), limits_.top);
+      const int32_t bottom = std::min<int32_t>(MappedY(words.At(2)), limits_.bottom);
+      if (top < bottom && n > 0) {
+        // An odd n pairs its last value with the n that closes the record.
+        const int32_t pairs = (n + 1) / 2;
+        auto* spans = static_cast<Span*>(scratch_.Acquire(static_cast<uint32_t>(pairs) * sizeof(Span)));
+        if (spans != nullptr) {
+          for (int32_t i = 0; i < pairs; ++i) spans[i] = Clipped(words.At(3 + 2 * i), words.At(4 + 2 * i));
+          for (int32_t y = top; y < bottom; ++y) {
+            for (int32_t i = 0; i < pairs; ++i) PaintSpan(y, spans[i]);
+          }
+          scratch_.Release();
+        }
+      }
+      words.Advance(std::ptrdiff_t{n} + 4);
+    }
+  }
+
+  // The first row's y, then for each row n and n words.
+  void RowRecords(SpanWords words, uint16_t count) {
+    const int32_t yStart = words.At(0);
+    words.Advance(1);
+    for (int32_t row = 0; row < count; ++row) {
+      const int32_t y = MappedY(yStart + row);
+      if (y >= limits_.bottom) return;
+      const int32_t n = words.At(0);
+      if (RowInside(y)) {
+        for (int32_t i = 0; i < n; i += 2) PaintSpan(y, Clipped(words.At(1 + i), words.At(2 + i)));
+      }
+      words.Advance(std::ptrdiff_t{n} + 1);
+    }
+  }
+
+  // The first row's y, then one word pair a row.
+  void RowSpans(SpanWords words, uint16_t count) {
+    const int32_t yStart = words.At(0);
+    for (int32_t row = 0; row < count; ++row) {
+      const int32_t y = MappedY(yStart + row);
+      if (y >= limits_.bottom) return;
+      if (RowInside(y)) PaintSpan(y, Clipped(words.At(1 + 2 * row), words.At(2 + 2 * row)));
+    }
+  }
+
+  struct Deltas {
+    int32_t left, right;
+  };
+
+  // y, left and right of the first row; nextDeltas() gives the change to each further row. The count is
+  // looked at only after a row: 0 still paints one. Rows outside change the edges all the same.
+  // rowOf(y, &row): the band row of a caller row with the origin added, false when it is stored nowhere.
+  template <class NextDeltas, class RowOf>
+  void Edges(const SpanWords& words, uint16_t count, NextDeltas nextDeltas, RowOf rowOf) {
+    int32_t y = WrapAdd(words.At(0), originY_);
+    int32_t left = words.At(1);
+    int32_t right = words.At(2);
+    for (int32_t done = 0;;) {
+      int32_t row = 0;
+      if (rowOf(y, &row)) {
+        if (row >= limits_.bottom) return;
+        if (RowInside(row)) PaintSpan(row, Clipped(left, right));
+      }
+      if (++done >= count) return;
+      const Deltas deltas = nextDeltas();
+      left = WrapAdd(left, deltas.left);
+      right = WrapAdd(right, deltas.right);
+      y = WrapAdd(y, 1);
+    }
+  }
+
+  void ByteDeltas(const SpanWords& words, uint16_t count) {
+    const int8_t* next = words.BytesFrom(3);
+    const auto nextDeltas = [&next] {
+      const Deltas deltas{next[0], next[1]};
+      next += 2;
+      return deltas;
+    };
+    Edges(words, count, nextDeltas, [this](int32_t y, int32_t* row) {
+      *row = mapping_.ToBand(y);
+      return true;
+    });
+  }
+
+  // Intended: these thin rows out on a resolution-mapping device where byte deltas repeat them.
+  void NibbleDeltas(const SpanWords& words, uint16_t count) {
+    const int8_t* next = words.BytesFrom(3);
+    const auto nextDeltas = [&next] {
+      const uint8_t both = static_cast<uint8_t>(*next++);
+      const auto signedNibble = [](int32_t nibble) { return (nibble ^ 8) - 8; };
+      return Deltas{signedNibble(both & 0x0F), signedNibble(both >> 4)};
+    };
+    Edges(words, count, nextDeltas, [this](int32_t y, int32_t* row) { return mapping_.KeptRow(y, row); });
+  }
+
+  const Mapping& mapping_;
+  SpanPainter& painter_;
+  const Rect limits_;
+  const int32_t originX_, originY_;
+  ScratchBuffer& scratch_;
+};
+
+}  // namespace qnv

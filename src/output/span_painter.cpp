@@ -1,0 +1,54 @@
+#include "output/span_painter.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "raster/rop3.h"
+#include "raster/transfer_operations.h"
+
+namespace qnv {
+
+SpanPainter::SpanPainter(const BandView& band, const RowKernels& rows, const FillPattern& pattern, bool regray)
+    : band_(band),
+      rows_(rows),
+      masks_(IndexOfRop2(pattern.rop2), &pattern, pattern.style == kFillHatched, band.bytesPerPixel),
+      painted_(kWhiteness, &pattern, true, band.bytesPerPixel),
+      hatched_(pattern.style == kFillHatched),
+      regray_(regray) {
+  const uint8_t index = IndexOfRop2(pattern.rop2);
+  fills_ = !hatched_ && !RopUsesDestination(index);
+  // A pixel written with its own value still becomes gray.
+  paints_ = !masks_.IsEmpty() && (index != kDestination || regray);
+}
+
+void SpanPainter::Paint(int32_t y, int32_t left, int32_t right) {
+  uint8_t* dst = band_.At(left, y);
+  const std::size_t pixels = static_cast<std::size_t>(right - left);
+  const std::size_t bytes = pixels * band_.bytesPerPixel;
+  const TileMasks masks = masks_.At(masks_.RowOf(y), masks_.PhaseOf(left));
+  if (fills_) {
+    rows_.FillTileRow(dst, bytes, masks.xor2);
+  } else {
+    rows_.RopTileRow(dst, bytes, masks.and2, masks.xor2);
+  }
+  if (regray_) Regray(dst, pixels, y, left);
+}
+
+void SpanPainter::Regray(uint8_t* dst, std::size_t pixels, int32_t y, int32_t left) {
+  if (!hatched_) return rows_.RegrayRow24(dst, pixels);
+  // The gaps of a hatch are not written and keep their colour.
+  static constexpr Tile kZeros{};
+  constexpr std::size_t kMostPixels = 256;
+  uint8_t gray[kMostPixels * 3];
+  for (std::size_t done = 0; done < pixels; done += kMostPixels) {
+    const std::size_t count = std::min(kMostPixels, pixels - done);
+    uint8_t* part = dst + 3 * done;
+    std::memcpy(gray, part, 3 * count);
+    rows_.RegrayRow24(gray, count);
+    const TileMasks painted =
+        painted_.At(painted_.RowOf(y), painted_.PhaseOf(left + static_cast<int32_t>(done)));
+    rows_.RopSourceTileRow(part, gray, 3 * count, TileMasks{kZeros.bytes, painted.and2, painted.xor2, kZeros.bytes});
+  }
+}
+
+}  // namespace qnv

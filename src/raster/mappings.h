@@ -1,0 +1,85 @@
+// From the coordinates of the caller to rows and columns of the band: the one thing in which a plain device
+// and a resolution-mapping one differ when they paint. Transfers, spans and text are written over a mapping.
+#pragma once
+
+#include <cstdint>
+
+#include "device/coordinate_map.h"
+#include "raster/rect.h"
+
+namespace qnv {
+
+// Neighbouring band pixels and the caller columns that they come from.
+struct ColumnRun {
+  int32_t bandColumn;     // of the first pixel, from the band's left edge
+  int32_t callerColumn;   // of the first pixel, from the start of the walk
+  int32_t count;          // pixels
+  const uint16_t* picks;  // caller column of each pixel, from the start of the walk; null: one after another
+};
+
+// Plain devices: caller pixels are band pixels.
+struct PlainMapping {
+  Rect CallerRect(const Rect& band) const { return band; }
+  int32_t ToBand(int32_t v) const { return v; }
+
+  // The band row of a caller row by the thinning rule; false when it is stored nowhere.
+  bool KeptRow(int32_t y, int32_t* row) const {
+    *row = y;
+    return true;
+  }
+
+  // Band row of a caller row, both from the band's top.
+  int32_t BandRow(int32_t row) const { return row; }
+
+  // Calls paint(ColumnRun) for caller columns [first, first + count), counted from the band's left edge.
+  template <class Paint>
+  void ForEachRun(int32_t first, int32_t count, int32_t /*bandColumns*/, Paint paint) const {
+    paint(ColumnRun{first, 0, count, nullptr});
+  }
+};
+
+// The resolution-mapping device: caller pixels are thinned or spread.
+struct KeptMapping {
+  const CoordinateMap* map;
+
+  Rect CallerRect(const Rect& band) const {
+    return {map->MapToPage(band.left), map->MapToPage(band.top), map->MapToPage(band.right),
+            map->MapToPage(band.bottom)};
+  }
+  int32_t ToBand(int32_t v) const { return map->MapToBand(v); }
+  bool KeptRow(int32_t y, int32_t* row) const {
+    *row = map->MapKept(y);
+    return *row >= 0;
+  }
+  int32_t BandRow(int32_t row) const { return map->MapKept(row); }
+
+  template <class Paint>
+  void ForEachRun(int32_t first, int32_t count, int32_t bandColumns, Paint paint) const {
+    ForEachMappedRun(count, bandColumns, [&](int32_t i) { return map->MapKept(first + i); }, paint);
+  }
+
+  // Gathers the columns 0 .. count - 1 of a walk whose band column bandColumnOf(i) lies in [0, bandColumns)
+  // into runs of neighbours. Dropped columns have a negative band column.
+  template <class BandColumnOf, class Paint>
+  static void ForEachMappedRun(int32_t count, int32_t bandColumns, BandColumnOf bandColumnOf, Paint paint) {
+    constexpr int32_t kMostPicks = 256;
+    uint16_t picks[kMostPicks];
+    ColumnRun run{0, 0, 0, picks};
+    for (int32_t i = 0; i < count; ++i) {
+      const int32_t column = bandColumnOf(i);
+      if (column < 0 || column >= bandColumns) continue;
+      const bool joins = run.count != 0 && run.count != kMostPicks && column == run.bandColumn + run.count &&
+                         i - run.callerColumn <= UINT16_MAX;
+      if (!joins) {
+        if (run.count != 0) paint(static_cast<const ColumnRun&>(run));
+        run.bandColumn = column;
+        run.callerColumn = i;
+        run.count = 0;
+      }
+      picks[run.count++] = static_cast<uint16_t>(i - run.callerColumn);
+    }
+    if (run.count != 0) paint(static_cast<const ColumnRun&>(run));
+  }
+};
+
+}  // namespace qnv

@@ -1,0 +1,69 @@
+// A raster operation with its pattern folded in: four mask tiles for each pattern row, made when a row first
+// needs them.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#include "raster/fill_pattern.h"
+#include "raster/rop3.h"
+#include "raster/rows/row_kernels.h"
+#include "raster/tile.h"
+
+namespace qnv {
+
+class PatternMasks {
+ public:
+  // index: the ternary operation. Without a pattern (null) P is 0. useMask: cells whose mask is 0 keep the
+  // destination. The pattern must outlive this object and not change.
+  PatternMasks(uint8_t index, const FillPattern* pattern, bool useMask, uint32_t bytesPerPixel)
+      : recipe_(kRopRecipes[index]),
+        pattern_(pattern),
+        useMask_(useMask),
+        usesSource_(RopUsesSource(index)),
+        bytesPerPixel_(bytesPerPixel),
+        width_(pattern != nullptr ? pattern->width : 1u),
+        height_(pattern != nullptr ? pattern->height : 1u) {}
+
+  PatternMasks(const PatternMasks&) = delete;
+  PatternMasks& operator=(const PatternMasks&) = delete;
+
+  // A pattern without a period paints nothing.
+  bool IsEmpty() const { return width_ == 0 || height_ == 0; }
+
+  // Both remainders are kept non-negative for coordinates left of or above the page.
+  uint32_t RowOf(int32_t y) const { return Remainder(y, height_); }
+  std::size_t PhaseOf(int32_t x) const { return std::size_t{Remainder(x, width_)} * bytesPerPixel_; }
+
+  // The masks of a pattern row (see RowOf) from a phase (see PhaseOf). and1 and xor1 are only there for
+  // operations that use the source.
+  TileMasks At(uint32_t row, std::size_t phase) {
+    if ((madeRows_ >> row & 1) == 0) MakeRow(row);
+    const RowTiles& tiles = rows_[row];
+    return {tiles.and1.bytes + phase, tiles.and2.bytes + phase, tiles.xor1.bytes + phase, tiles.xor2.bytes + phase};
+  }
+
+ private:
+  struct RowTiles {
+    Tile and2, xor2, and1, xor1;
+  };
+
+  static uint32_t Remainder(int32_t value, uint32_t period) {
+    if ((period & (period - 1)) == 0) return static_cast<uint32_t>(value) & (period - 1);
+    const int32_t r = value % static_cast<int32_t>(period);
+    return static_cast<uint32_t>(r < 0 ? r + static_cast<int32_t>(period) : r);
+  }
+
+  void MakeRow(uint32_t row);
+
+  const RopRecipe recipe_;
+  const FillPattern* const pattern_;
+  const bool useMask_;
+  const bool usesSource_;
+  const uint32_t bytesPerPixel_;
+  const uint32_t width_, height_;
+  uint32_t madeRows_ = 0;
+  RowTiles rows_[kMaxPeriod];
+};
+
+}  // namespace qnv

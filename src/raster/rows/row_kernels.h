@@ -1,0 +1,58 @@
+// Row kernels: loops over one row of band bytes. They know pointers, counts and constants, no geometry, and
+// for most of them no pixel depth either.
+//
+// Common to all: any alignment, any count including 0; exactly the named bytes are read and written; source
+// and destination do not overlap; nothing can fail. A `tile` points at the phase byte of a Tile: kTilePeriod
+// bytes from there are one period, and kMaxAdvance more may be read.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#include "raster/rows/cpu_level.h"
+
+namespace qnv {
+
+// D' = (D & ((S & and1) ^ and2)) ^ ((S & xor1) ^ xor2), each mask one byte for every byte of the row ...
+struct ByteMasks {
+  uint8_t and1, and2, xor1, xor2;
+};
+
+// ... or a tile.
+struct TileMasks {
+  const uint8_t *and1, *and2, *xor1, *xor2;
+};
+
+struct RowKernels {
+  // D' = tile
+  void (*FillTileRow)(uint8_t* dst, std::size_t bytes, const uint8_t* tile);
+  // D' = (D & andTile) ^ xorTile
+  void (*RopTileRow)(uint8_t* dst, std::size_t bytes, const uint8_t* andTile, const uint8_t* xorTile);
+  // source: `bytes` bytes in band order
+  void (*RopSourceRow)(uint8_t* dst, const uint8_t* source, std::size_t bytes, const ByteMasks& masks);
+  void (*RopSourceTileRow)(uint8_t* dst, const uint8_t* source, std::size_t bytes, const TileMasks& masks);
+  // D' = min(D, S)
+  void (*MinimumRow)(uint8_t* dst, const uint8_t* source, std::size_t bytes);
+
+  // Exchanges bytes 0 and 2 of each pixel: source 3 * pixels bytes red, green, blue.
+  void (*SwapRow24)(uint8_t* dst, const uint8_t* source, std::size_t pixels);
+
+  // One bit a pixel, most significant first, starting at bit `offset` (0..7) of *bits: set and clear bits
+  // become packed colours (the low byte alone in 8-bit bands).
+  void (*ExpandBitsRow24)(uint8_t* dst, const uint8_t* bits, std::size_t offset, std::size_t pixels, uint32_t set,
+                          uint32_t clear);
+  void (*ExpandBitsRow8)(uint8_t* dst, const uint8_t* bits, std::size_t offset, std::size_t pixels, uint32_t set,
+                         uint32_t clear);
+  // Only set bits are painted.
+  void (*PaintBitsRow24)(uint8_t* dst, const uint8_t* bits, std::size_t offset, std::size_t pixels, uint32_t set);
+  void (*PaintBitsRow8)(uint8_t* dst, const uint8_t* bits, std::size_t offset, std::size_t pixels, uint32_t set);
+
+  // Replaces each pixel by its gray level; intended: the first byte, blue, weighs 30.
+  void (*RegrayRow24)(uint8_t* dst, std::size_t pixels);
+};
+
+// The kernels of a level; what a level does not improve is that of the level below. The plain ones are the
+// readable reference of all. Requires: a level that the processor has.
+const RowKernels& KernelsFor(CpuLevel level);
+
+}  // namespace qnv

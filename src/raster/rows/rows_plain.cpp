@@ -1,0 +1,104 @@
+#include <algorithm>
+
+#include "color/color_forms.h"
+#include "raster/rows/row_tables.h"
+#include "raster/tile.h"
+
+namespace qnv {
+namespace {
+
+// Walks a row in pieces of at most one tile period.
+template <class Piece>
+void ForEachPeriod(std::size_t bytes, Piece piece) {
+  for (std::size_t at = 0; at < bytes; at += kTilePeriod) piece(at, std::min(kTilePeriod, bytes - at));
+}
+
+void FillTileRow(uint8_t* dst, std::size_t bytes, const uint8_t* tile) {
+  ForEachPeriod(bytes, [=](std::size_t at, std::size_t count) { std::copy_n(tile, count, dst + at); });
+}
+
+void RopTileRow(uint8_t* dst, std::size_t bytes, const uint8_t* andTile, const uint8_t* xorTile) {
+  ForEachPeriod(bytes, [=](std::size_t at, std::size_t count) {
+    for (std::size_t i = 0; i < count; ++i) {
+      dst[at + i] = static_cast<uint8_t>((dst[at + i] & andTile[i]) ^ xorTile[i]);
+    }
+  });
+}
+
+uint8_t Rop(uint8_t d, uint8_t s, uint8_t and1, uint8_t and2, uint8_t xor1, uint8_t xor2) {
+  return static_cast<uint8_t>((d & ((s & and1) ^ and2)) ^ ((s & xor1) ^ xor2));
+}
+
+void RopSourceRow(uint8_t* dst, const uint8_t* source, std::size_t bytes, const ByteMasks& masks) {
+  const ByteMasks m = masks;
+  for (std::size_t i = 0; i < bytes; ++i) dst[i] = Rop(dst[i], source[i], m.and1, m.and2, m.xor1, m.xor2);
+}
+
+void RopSourceTileRow(uint8_t* dst, const uint8_t* source, std::size_t bytes, const TileMasks& masks) {
+  const TileMasks m = masks;
+  ForEachPeriod(bytes, [=](std::size_t at, std::size_t count) {
+    for (std::size_t i = 0; i < count; ++i) {
+      dst[at + i] = Rop(dst[at + i], source[at + i], m.and1[i], m.and2[i], m.xor1[i], m.xor2[i]);
+    }
+  });
+}
+
+void MinimumRow(uint8_t* dst, const uint8_t* source, std::size_t bytes) {
+  for (std::size_t i = 0; i < bytes; ++i) dst[i] = std::min(dst[i], source[i]);
+}
+
+void SwapRow24(uint8_t* dst, const uint8_t* source, std::size_t pixels) {
+  for (std::size_t i = 0; i < pixels; ++i, dst += 3, source += 3) {
+    const uint8_t red = source[0], green = source[1], blue = source[2];
+    dst[0] = blue;
+    dst[1] = green;
+    dst[2] = red;
+  }
+}
+
+void Store24(uint8_t* dst, uint32_t packed) {
+  dst[0] = static_cast<uint8_t>(packed);
+  dst[1] = static_cast<uint8_t>(packed >> 8);
+  dst[2] = static_cast<uint8_t>(packed >> 16);
+}
+
+void Store8(uint8_t* dst, uint32_t packed) { dst[0] = static_cast<uint8_t>(packed); }
+
+bool Bit(const uint8_t* bits, std::size_t at) { return (bits[at / 8] >> (7 - at % 8) & 1) != 0; }
+
+template <std::size_t kBytes, auto Store>
+void ExpandBitsRow(uint8_t* dst, const uint8_t* bits, std::size_t offset, std::size_t pixels, uint32_t set,
+                   uint32_t clear) {
+  for (std::size_t i = 0; i < pixels; ++i, dst += kBytes) Store(dst, Bit(bits, offset + i) ? set : clear);
+}
+
+template <std::size_t kBytes, auto Store>
+void PaintBitsRow(uint8_t* dst, const uint8_t* bits, std::size_t offset, std::size_t pixels, uint32_t set) {
+  for (std::size_t i = 0; i < pixels; ++i, dst += kBytes) {
+    if (Bit(bits, offset + i)) Store(dst, set);
+  }
+}
+
+}  // namespace
+
+void plain::RegrayRow24(uint8_t* dst, std::size_t pixels) {
+  for (std::size_t i = 0; i < pixels; ++i, dst += 3) {
+    dst[0] = dst[1] = dst[2] = static_cast<uint8_t>(WeightedGray(dst[0], dst[1], dst[2]));
+  }
+}
+
+constinit const RowKernels kPlainRowKernels = {
+    FillTileRow,
+    RopTileRow,
+    RopSourceRow,
+    RopSourceTileRow,
+    MinimumRow,
+    SwapRow24,
+    ExpandBitsRow<3, Store24>,
+    ExpandBitsRow<1, Store8>,
+    PaintBitsRow<3, Store24>,
+    PaintBitsRow<1, Store8>,
+    plain::RegrayRow24,
+};
+
+}  // namespace qnv

@@ -1,0 +1,25 @@
+// 16-byte vectors of the baseline. Included inside a namespace by the files of an instruction set.
+#pragma once
+
+#include <emmintrin.h>
+
+#include <cstddef>
+#include <cstdint>
+
+namespace qnv {
+namespace {
+
+struct Vector16 {
+  static constexpr std::size_t kBytes = 16;
+  __m128i v;
+
+  static Vector16 Load(const uint8_t* p) { return {_mm_loadu_si128(reinterpret_cast<const __m128i*>(p))}; }
+  static Vector16 Fill(uint8_t byte) { return {_mm_set1_epi8(static_cast<char>(byte))}; }
+  void Store(uint8_t* p) const { _mm_storeu_si128(reinterpret_cast<__m128i*>(p), v); }
+  friend Vector16 operator&(Vector16 a, Vector16 b) { return {_mm_and_si128(a.v, b.v)}; }
+  friend Vector16 operator^(Vector16 a, Vector16 b) { return {_mm_xor_si128(a.v, b.v)}; }
+  friend Vector16 Min(Vector16 a, Vector16 b) { return {_mm_min_epu8(a.v, b.v)}; }
+};
+
+}  // namespace
+}  // namespace qnv

@@ -1,0 +1,42 @@
+// The source of a transfer, row by row, in band byte order.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#include "raster/rows/row_kernels.h"
+
+namespace qnv {
+
+// How the bytes of a source become band bytes.
+enum class SourceForm : uint8_t {
+  kOneBitTo24,    // set bits stand for the background colour, clear ones for the text colour
+  kOneBitTo8,
+  kRedGreenBlue,  // three bytes a pixel, into a 24-bit band
+  kGray,          // one byte a pixel, into an 8-bit band
+  kGrayTo24,      // one byte a pixel, into all three band bytes
+};
+
+struct SourceRows {
+  // The longest run fetched into a chunk; it stays in the first-level cache.
+  static constexpr std::size_t kMostPixels = 256;
+  using Chunk = uint8_t[kMostPixels * 3];
+
+  SourceForm form;
+  const uint8_t* first;   // byte that holds the first source pixel
+  std::size_t firstBit;   // 0..7, one-bit sources only
+  std::ptrdiff_t stride;  // bytes from one row to the next
+  uint32_t set, clear;    // packed colours, one-bit sources only
+
+  // Band bytes of `count` pixels of row `row` (0 = the row of the first source pixel) from pixel `column`
+  // (0 = the first) on: where they are, in the host's own memory or in `chunk`.
+  // picks: with them, the columns to take instead of consecutive ones, counted from `column`.
+  const uint8_t* Fetch(const RowKernels& rows, int32_t row, int32_t column, const uint16_t* picks, std::size_t count,
+                       uint8_t* chunk) const;
+
+  // The same into memory that the caller names, any count without picks.
+  void FetchInto(const RowKernels& rows, int32_t row, int32_t column, const uint16_t* picks, std::size_t count,
+                 uint8_t* out) const;
+};
+
+}  // namespace qnv

@@ -1,0 +1,134 @@
+#include "raster/tag_plane.h"
+
+#include <cstring>
+
+#include "color/color_forms.h"
+#include "raster/tag_brushes.h"
+
+namespace qnv {
+namespace {
+
+constexpr uint32_t kReplaceMasked = 0x00E20746;  // where S is 1 the pattern, else the destination
+constexpr uint32_t kAndPattern = 0x00A000C9;
+constexpr uint32_t kOrPattern = 0x00FA0089;
+
+// An edge of the clip that is 0 does not limit.
+Rect OpenEdges(const Rect& clip, int32_t originX, int32_t originY) {
+  const Rect shifted = Shifted(clip, originX, originY);
+  return {clip.left != 0 ? shifted.left : INT32_MIN, clip.top != 0 ? shifted.top : INT32_MIN,
+          clip.right != 0 ? shifted.right : INT32_MAX, clip.bottom != 0 ? shifted.bottom : INT32_MAX};
+}
+
+void TagFromPixels(RasterDevice8& tagDevice, uint8_t tag, const BltArguments& a, uint32_t skip) {
+  const BandState& state = tagDevice.state();
+  const BandView band = tagDevice.Band();
+  const int32_t x = WrapAdd(a.destX, state.originX);
+  const int32_t y = WrapAdd(a.destY, state.originY);
+  Rect area{x, y, WrapAdd(x, a.width), WrapAdd(y, a.height)};
+  const Rect source = Shifted(Rect{0, 0, a.source->bmWidth, a.source->bmHeight}, WrapSubtract(x, a.srcX),
+                              WrapSubtract(y, a.srcY));
+  if (!RectIntersect(area, area, band.rect) || !RectIntersect(area, area, source) ||
+      !RectIntersect(area, area, OpenEdges(*a.clip, state.originX, state.originY))) {
+    return;
+  }
+  const auto* bits = static_cast<const uint8_t*>(a.source->bmBits);
+  for (int32_t row = area.top; row < area.bottom; ++row) {
+    const uint8_t* pixel = bits + std::ptrdiff_t{row - source.top} * a.source->bmWidthBytes +
+                           std::ptrdiff_t{area.left - source.left} * 3;
+    uint8_t* dst = band.At(area.left, row);
+    for (int32_t column = area.left; column < area.right; ++column, pixel += 3, ++dst) {
+      if (static_cast<uint32_t>(pixel[0] | pixel[1] << 8 | pixel[2] << 16) != skip) *dst = tag;
+    }
+  }
+}
+
+// A one-bit source paints where its colour is not the skip colour: a transfer of the tag through the source.
+void TagFromBits(RasterDevice8& tagDevice, uint8_t tag, const BltArguments& a, uint32_t skip) {
+  DRAWMODE mode = *a.drawMode;
+  mode.bkColor = a.drawMode->bkColor != skip ? kWhite : 0;
+  mode.TextColor = a.drawMode->TextColor != skip ? kWhite : 0;
+  if (mode.bkColor == 0 && mode.TextColor == 0) return;
+  PhysicalBrush brush;
+  MakeTagBrush(nullptr, mode, tag, &brush);
+  BltArguments tagging = a;
+  tagging.rop = kReplaceMasked;
+  tagging.brush = &brush;
+  tagging.drawMode = &mode;
+  tagDevice.BitBlt(tagging);
+}
+
+// Transfers read no mask: the first pass clears the painting cells, the second writes the tag into them.
+void TagFromCells(RasterDevice8& tagDevice, uint8_t tag, const BltArguments& a, uint32_t skip) {
+  const bool backgroundPaints = a.drawMode->bkColor != skip;
+  const PhysicalBrush cells = MakeCellBrush(*a.brush, BS_PATTERN, 1, kWhite, 0, [=](uint32_t cell) {
+    return (cell & kForeground) != 0 ? (cell & kColourBits) != skip : backgroundPaints;
+  });
+  DRAWMODE mode = *a.drawMode;
+  BltArguments tagging = a;
+  tagging.source = nullptr;
+  tagging.brush = &cells;
+  tagging.drawMode = &mode;
+  tagging.rop = kAndPattern;
+  mode.bkColor = 0;  // the colour of painting cells
+  mode.TextColor = kWhite;
+  tagDevice.BitBlt(tagging);
+  tagging.rop = kOrPattern;
+  mode.bkColor = TagColour(tag);
+  mode.TextColor = 0;
+  tagDevice.BitBlt(tagging);
+}
+
+}  // namespace
+
+void FillTagRect(RasterDevice8& tagDevice, uint8_t value, int32_t x, int32_t y, int32_t width, int32_t height,
+                 const Rect& clip) {
+  const BandState& state = tagDevice.state();
+  const int32_t left = WrapAdd(x, state.originX);
+  const int32_t top = WrapAdd(y, state.originY);
+  Rect area{left, top, WrapAdd(left, width), WrapAdd(top, height)};
+  if (!IsAllZero(clip)) {
+    Rect widened = Shifted(clip, state.originX, state.originY);
+    if (left < 0) widened.left = WrapAdd(widened.left, left);
+    if (top < 0) widened.top = WrapAdd(widened.top, top);
+    if (!RectIntersect(area, area, widened)) return;
+  }
+  const BandView band = tagDevice.Band();
+  if (!RectIntersect(area, area, band.rect)) return;
+  for (int32_t row = area.top; row < area.bottom; ++row) {
+    std::memset(band.At(area.left, row), value, static_cast<std::size_t>(area.right - area.left));
+  }
+}
+
+bool TagFromSource(RasterDevice8& tagDevice, uint8_t tag, const BltArguments& a, uint32_t skip) {
+  if (a.source == nullptr) return true;
+  const bool oneBit = a.source->bmBitsPixel == 1;
+  if (a.source->bmPlanes != 1 || (!oneBit && a.source->bmBitsPixel != 24)) return false;
+  if (a.source->bmBits == nullptr) return true;
+  if (!oneBit) {
+    TagFromPixels(tagDevice, tag, a, skip);
+  } else if (a.drawMode != nullptr) {
+    TagFromBits(tagDevice, tag, a, skip);
+  }
+  return true;
+}
+
+bool TagFromBrush(RasterDevice8& tagDevice, uint8_t tag, const BltArguments& a, uint32_t skip) {
+  if (a.brush == nullptr) return true;
+  switch (a.brush->style) {
+    case BS_SOLID:
+      if (a.brush->colour != skip) FillTagRect(tagDevice, tag, a.destX, a.destY, a.width, a.height, *a.clip);
+      return true;
+    case BS_HOLLOW:
+      return true;
+    case BS_HATCHED:
+    case BS_PATTERN:
+      if (a.drawMode == nullptr) return true;
+      if (a.brush->style == BS_HATCHED && a.brush->colour == skip && a.drawMode->bkColor == skip) return true;
+      TagFromCells(tagDevice, tag, a, skip);
+      return true;
+    default:
+      return false;
+  }
+}
+
+}  // namespace qnv

@@ -1,0 +1,26 @@
+// Where a bit-block transfer paints and what it reads there. One rule for all transfer operations, in the
+// coordinates of the caller; the band's rectangle is given in the same units.
+#pragma once
+
+#include <cstdint>
+
+#include "raster/blt_arguments.h"
+#include "raster/rect.h"
+
+namespace qnv {
+
+struct TransferArea {
+  Rect rect;           // to paint, never empty
+  int32_t srcX, srcY;  // source pixel of (rect.left, rect.top); 0 when no source is read
+};
+
+// clip: blitClip, origin already added; all zeros = none. False when nothing is to be painted.
+bool FillArea(const BltArguments& a, int32_t originX, int32_t originY, const Rect& clip, const Rect& band,
+              TransferArea* area);
+
+// The same for operations that read a source. Intended: what the clip cuts off on the left or top does not
+// shift the source, except for the part of a destination that lies left of or above 0.
+bool CopyArea(const BltArguments& a, int32_t originX, int32_t originY, const Rect& clip, const Rect& band,
+              TransferArea* area);
+
+}  // namespace qnv

@@ -1,0 +1,63 @@
+// Paints a transfer once its geometry is known: chooses the row kernel for the operation's shape and walks
+// the band's rows and runs of columns.
+#pragma once
+
+#include <cstdint>
+
+#include "raster/band_view.h"
+#include "raster/mappings.h"
+#include "raster/pattern_masks.h"
+#include "raster/rows/row_kernels.h"
+#include "raster/source_rows.h"
+#include "raster/transfer_geometry.h"
+
+namespace qnv {
+
+class TransferRows {
+ public:
+  // pattern: null when the operation reads none. source: null when it reads none. regray: pixels become
+  // gray levels after they are written.
+  TransferRows(const RowKernels& rows, uint8_t index, const FillPattern* pattern, const SourceRows* source,
+               uint32_t bytesPerPixel, bool regray)
+      : rows_(rows),
+        masks_(index, pattern, false, bytesPerPixel),
+        source_(source),
+        shape_(ShapeOf(index)),
+        bytesPerPixel_(bytesPerPixel),
+        regray_(regray) {}
+
+  template <class Mapping>
+  void Paint(const BandView& band, const Mapping& mapping, const Rect& callerBand, const TransferArea& area) {
+    if (masks_.IsEmpty()) return;
+    const int32_t bandColumns = WrapSubtract(band.rect.right, band.rect.left);
+    const int32_t bandRows = WrapSubtract(band.rect.bottom, band.rect.top);
+    const Rect relative = Shifted(area.rect, WrapSubtract(0, callerBand.left), WrapSubtract(0, callerBand.top));
+    mapping.ForEachRun(relative.left, relative.right - relative.left, bandColumns, [&](const ColumnRun& run) {
+      for (int32_t row = relative.top; row < relative.bottom; ++row) {
+        const int32_t bandRow = mapping.BandRow(row);
+        if (bandRow < 0 || bandRow >= bandRows) continue;
+        uint8_t* dst = band.RelativeAt(static_cast<uint32_t>(run.bandColumn), static_cast<uint32_t>(bandRow));
+        PaintRun(dst, bandRow, row - relative.top, run);
+      }
+    });
+  }
+
+ private:
+  // What of destination (D), source (S) and pattern (P) a row loop has to combine.
+  enum class Shape : uint8_t { kFill, kBandOnly, kSourceCopy, kSource, kSourcePattern };
+
+  static Shape ShapeOf(uint8_t index);
+
+  // sourceRow: counted from the row of the first source pixel.
+  void PaintRun(uint8_t* dst, int32_t bandRow, int32_t sourceRow, const ColumnRun& run);
+  void PaintSourceRun(uint8_t* dst, int32_t bandRow, int32_t sourceRow, const ColumnRun& run);
+
+  const RowKernels& rows_;
+  PatternMasks masks_;
+  const SourceRows* source_;
+  Shape shape_;
+  uint32_t bytesPerPixel_;
+  bool regray_;
+};
+
+}  // namespace qnv
