@@ -1,0 +1,32 @@
+// A block of host memory between two fences. The fences are canaries; where the platform offers it the block
+// also ends at an unreadable page, so that one byte too many stops the test at once.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+namespace qnv::test {
+
+class FencedBuffer {
+ public:
+  FencedBuffer(std::size_t size, uint8_t fill);
+  ~FencedBuffer();
+  FencedBuffer(const FencedBuffer&) = delete;
+  FencedBuffer& operator=(const FencedBuffer&) = delete;
+
+  uint8_t* data() { return data_; }
+  const uint8_t* data() const { return data_; }
+  std::size_t size() const { return size_; }
+  void Fill(uint8_t value);
+
+  // True while no byte outside the block has changed.
+  bool FencesIntact() const;
+
+ private:
+  uint8_t* mapping_ = nullptr;
+  std::size_t mappingSize_ = 0;
+  uint8_t* data_ = nullptr;
+  std::size_t size_ = 0;
+};
+
+}  // namespace qnv::test

@@ -1,0 +1,82 @@
+#include "image/row_stepping.h"
+
+#include <gtest/gtest.h>
+
+#include <vector>
+
+namespace qnv {
+namespace {
+
+constexpr int32_t kOne = 65536;
+
+std::vector<int32_t> RowCounts(const Stepping& stepping) {
+  std::vector<int32_t> counts;
+  RowWalk walk(stepping);
+  for (CoveredRows rows; walk.Next(&rows);) counts.push_back(rows.count);
+  return counts;
+}
+
+struct Case {
+  const char* name;
+  int32_t dst, extent, source, clipStart, clipPixels;
+  std::vector<int32_t> counts;
+};
+
+TEST(RowStepping, CountsDestinationRows) {
+  const Case cases[] = {
+      {"one to one", 0, 4 * kOne, 4, 0, 4, {1, 1, 1, 1}},
+      {"four rows to two", 0, 2 * kOne, 4, 0, 2, {1, 0, 1}},
+      {"one row to three", 0, 3 * kOne, 1, 0, 3, {3}},
+      {"clip in the middle of an enlarged row", 0, 8 * kOne, 2, 2, 6, {2, 4}},
+      {"mirrored", 4 * kOne, -4 * kOne, 4, 0, 4, {1, 1, 1, 1}},
+      {"clip ends early", 0, 4 * kOne, 4, 0, 2, {1, 1}},
+  };
+  for (const Case& c : cases) {
+    EXPECT_EQ(RowCounts(MakeStepping(c.dst, c.extent, c.source, c.clipStart, c.clipPixels)), c.counts) << c.name;
+  }
+}
+
+TEST(RowStepping, ColumnsEqualRows) {
+  std::vector<int32_t> ends;
+  const int32_t covered = WalkColumns(MakeStepping(0, 3 * kOne, 2, 0, 3), [&](int32_t, int32_t begin, int32_t end) {
+    EXPECT_LT(begin, end);
+    ends.push_back(end);
+  });
+  EXPECT_EQ(covered, 3);
+  EXPECT_EQ(ends, (std::vector<int32_t>{2, 3}));
+}
+
+// Whatever a document's numbers wrap to, nothing outside the destination is named.
+TEST(RowStepping, HostileValuesStayInside) {
+  constexpr int32_t kValues[] = {0,        1,         -1,        kOne,          -kOne,     32767 * kOne, INT32_MAX,
+                                 INT32_MIN, 0x55555555, -0x33333333, 12345678, -87654321, 0x7FFF8000};
+  for (const int32_t dst : kValues) {
+    for (const int32_t extent : kValues) {
+      for (const int32_t clipStart : {0, 5, 40000}) {
+        for (const int32_t source : {1, 3, 500}) {
+          const Stepping stepping = MakeStepping(dst, extent, source, clipStart, 100);
+          RowWalk walk(stepping);
+          int32_t calls = 0;
+          for (CoveredRows rows; walk.Next(&rows); ++calls) {
+            ASSERT_GE(rows.first, 0);
+            ASSERT_LT(rows.first, 100);
+            ASSERT_GE(rows.count, 0);
+            ASSERT_LE(rows.first + rows.count, 100);
+          }
+          ASSERT_LE(calls, source);
+          const int32_t covered = WalkColumns(stepping, [&](int32_t i, int32_t begin, int32_t end) {
+            ASSERT_GE(i, 0);
+            ASSERT_LT(i, source);
+            ASSERT_GE(begin, 0);
+            ASSERT_LE(end, 100);
+          });
+          ASSERT_GE(covered, 0);
+          ASSERT_LE(covered, 100);
+        }
+      }
+    }
+  }
+}
+
+}  // namespace
+}  // namespace qnv
