@@ -15,15 +15,19 @@ void PatternMasks::MakeRow(uint32_t row) {
   madeRows_ |= 1u << row;
   RowTiles& tiles = rows_[row];
   constexpr uint32_t kNoPattern[1] = {0};
-  Tile cells;
+  Tile& cells = tiles.xor2;  // completed last, in place
   MakeTile(&cells, pattern_ != nullptr ? pattern_->cells[row] : kNoPattern, width_, bytesPerPixel_);
-  Complete(&tiles.and2, cells, recipe_.and2);
-  Complete(&tiles.xor2, cells, recipe_.xor2);
-  if (usesSource_) {
+  if (needs_ != Needs::kOne) Complete(&tiles.and2, cells, recipe_.and2);
+  if (needs_ == Needs::kFour) {
     Complete(&tiles.and1, cells, recipe_.and1);
     Complete(&tiles.xor1, cells, recipe_.xor1);
   }
-  if (!useMask_) return;
+  if (recipe_.xor2.open != 0xFF || recipe_.xor2.fixed != 0) Complete(&tiles.xor2, cells, recipe_.xor2);
+  if (useMask_) ApplyMask(row);
+}
+
+void PatternMasks::ApplyMask(uint32_t row) {
+  RowTiles& tiles = rows_[row];
   uint32_t painted[kMaxPeriod];
   for (uint32_t i = 0; i < width_; ++i) painted[i] = pattern_->mask[row][i] != 0 ? 0xFFFFFFFF : 0;
   Tile mask;

@@ -20,7 +20,9 @@ class PatternMasks {
       : recipe_(kRopRecipes[index]),
         pattern_(pattern),
         useMask_(useMask),
-        usesSource_(RopUsesSource(index)),
+        needs_(useMask || RopUsesSource(index) || RopUsesDestination(index)
+                   ? (RopUsesSource(index) ? Needs::kFour : Needs::kTwo)
+                   : Needs::kOne),
         bytesPerPixel_(bytesPerPixel),
         width_(pattern != nullptr ? pattern->width : 1u),
         height_(pattern != nullptr ? pattern->height : 1u) {}
@@ -35,8 +37,8 @@ class PatternMasks {
   uint32_t RowOf(int32_t y) const { return Remainder(y, height_); }
   std::size_t PhaseOf(int32_t x) const { return std::size_t{Remainder(x, width_)} * bytesPerPixel_; }
 
-  // The masks of a pattern row (see RowOf) from a phase (see PhaseOf). and1 and xor1 are only there for
-  // operations that use the source.
+  // The masks of a pattern row (see RowOf) from a phase (see PhaseOf). An operation that reads neither source
+  // nor band has xor2 alone; and1 and xor1 are only there for those that read the source.
   TileMasks At(uint32_t row, std::size_t phase) {
     if ((madeRows_ >> row & 1) == 0) MakeRow(row);
     const RowTiles& tiles = rows_[row];
@@ -44,22 +46,22 @@ class PatternMasks {
   }
 
  private:
+  enum class Needs : uint8_t { kOne, kTwo, kFour };
+
   struct RowTiles {
     Tile and2, xor2, and1, xor1;
   };
 
-  static uint32_t Remainder(int32_t value, uint32_t period) {
-    if ((period & (period - 1)) == 0) return static_cast<uint32_t>(value) & (period - 1);
-    const int32_t r = value % static_cast<int32_t>(period);
-    return static_cast<uint32_t>(r < 0 ? r + static_cast<int32_t>(period) : r);
-  }
+  // Periods are powers of two.
+  static uint32_t Remainder(int32_t value, uint32_t period) { return static_cast<uint32_t>(value) & (period - 1); }
 
   void MakeRow(uint32_t row);
+  void ApplyMask(uint32_t row);
 
   const RopRecipe recipe_;
   const FillPattern* const pattern_;
   const bool useMask_;
-  const bool usesSource_;
+  const Needs needs_;
   const uint32_t bytesPerPixel_;
   const uint32_t width_, height_;
   uint32_t madeRows_ = 0;

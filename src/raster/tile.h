@@ -17,23 +17,21 @@ struct alignas(16) Tile {
   uint8_t bytes[kTilePeriod + kMaxPhase + kMaxAdvance];
 };
 
-// Fills the tile from its first `length` bytes. Requires: length divides kTilePeriod.
-inline void RepeatTile(Tile* tile, std::size_t length) {
-  for (std::size_t filled = length; filled < sizeof tile->bytes;) {
-    const std::size_t rest = sizeof tile->bytes - filled;
-    const std::size_t part = filled < rest ? filled : rest;
-    std::memcpy(tile->bytes + filled, tile->bytes, part);
-    filled += part;
+// cells: `width` packed colours, 1, 8 or 16 of them.
+template <std::size_t kBytesPerPixel>
+void MakeTileOf(Tile* tile, const uint32_t* cells, std::size_t width) {
+  constexpr std::size_t kRow = kMaxPhase / 3 * kBytesPerPixel;  // 16 cells
+  uint8_t row[kRow + 4];
+  for (std::size_t i = 0; i < kRow / kBytesPerPixel; ++i) {
+    std::memcpy(row + kBytesPerPixel * i, &cells[i & (width - 1)], 4);  // the next cell overwrites the rest
   }
+  std::size_t at = 0;
+  for (; at + kRow <= sizeof tile->bytes; at += kRow) std::memcpy(tile->bytes + at, row, kRow);
+  std::memcpy(tile->bytes + at, row, sizeof tile->bytes % kRow);
 }
 
-// cells: `width` packed colours.
 inline void MakeTile(Tile* tile, const uint32_t* cells, std::size_t width, std::size_t bytesPerPixel) {
-  uint8_t* out = tile->bytes;
-  for (std::size_t i = 0; i < width; ++i) {
-    for (std::size_t byte = 0; byte < bytesPerPixel; ++byte) *out++ = static_cast<uint8_t>(cells[i] >> 8 * byte);
-  }
-  RepeatTile(tile, width * bytesPerPixel);
+  bytesPerPixel == 3 ? MakeTileOf<3>(tile, cells, width) : MakeTileOf<1>(tile, cells, width);
 }
 
 }  // namespace qnv

@@ -41,9 +41,8 @@ int32_t ExtTextOutOn(Device& device, const BandState& state, const BandView& ban
     const uint32_t exchanged = ExchangeRedBlue(colour);
     return regray ? GrayLevel(exchanged) : exchanged;
   };
-  const TextColours colours{packed(a.drawMode->TextColor), packed(a.drawMode->bkColor),
-                            a.drawMode->bkMode == TRANSPARENT};
-  const BitRowPainter painter(*state.rows, colours, band.bytesPerPixel);
+  const BitPainter painter(*state.rows, packed(a.drawMode->TextColor), packed(a.drawMode->bkColor),
+                           a.drawMode->bkMode == TRANSPARENT, band.bytesPerPixel);
   const auto paint = [&](const PlacedGlyph& glyph) { PaintGlyph(band, mapping, painter, limits, glyph); };
 
   const FontRecord font(a.fontBase, a.fontOffset);

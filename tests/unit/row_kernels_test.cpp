@@ -45,8 +45,7 @@ class RowKernelsTest : public testing::TestWithParam<Level> {
   Tile RandomTile(std::size_t length) {
     const std::vector<uint8_t> row = Random(length);
     Tile tile;
-    std::memcpy(tile.bytes, row.data(), length);
-    RepeatTile(&tile, length);
+    for (std::size_t i = 0; i < sizeof tile.bytes; ++i) tile.bytes[i] = row[i % length];
     return tile;
   }
 
@@ -200,6 +199,54 @@ TEST_P(RowKernelsTest, ExpandAndPaintBits) {
       Check(
           pixels, lead, [&](uint8_t* dst) { rows().PaintBitsRow8(dst, source.data(), offset, pixels, kSet); },
           [&](std::size_t i, uint8_t d) { return BitAt(bits, offset + i) ? byteOf(kSet, 0) : d; });
+    }
+  }
+}
+
+BitColours MakeColours(uint32_t set, uint32_t clear, uint32_t bytesPerPixel) {
+  BitColours colours{set, clear, {}, {}, {}};
+  for (uint32_t i = 0; i < 24; ++i) {
+    colours.setBytes[i] = static_cast<uint8_t>(set >> i % bytesPerPixel * 8);
+    colours.clearBytes[i] = static_cast<uint8_t>(clear >> i % bytesPerPixel * 8);
+    colours.changeBytes[i] = static_cast<uint8_t>(colours.setBytes[i] ^ colours.clearBytes[i]);
+  }
+  return colours;
+}
+
+TEST_P(RowKernelsTest, GlyphColumns) {
+  constexpr std::size_t kRows = 5;
+  struct Kernel {
+    const char* name;
+    uint32_t bytesPerPixel;
+    bool transparent;
+    void (*kernel)(uint8_t*, std::size_t, const GlyphColumn&, const BitColours&);
+  };
+  const Kernel kernels[] = {{"expand 24", 3, false, rows().ExpandGlyph24},
+                            {"expand 8", 1, false, rows().ExpandGlyph8},
+                            {"paint 24", 3, true, rows().PaintGlyph24},
+                            {"paint 8", 1, true, rows().PaintGlyph8}};
+  for (const Kernel& k : kernels) {
+    SCOPED_TRACE(k.name);
+    const BitColours colours = MakeColours(0x00C3A55A, 0x000F1E2D, k.bytesPerPixel);
+    for (std::size_t offset = 0; offset < 8; ++offset) {
+      for (std::size_t pixels = 0; offset + pixels <= 8; ++pixels) {
+        for (const std::size_t gap : {std::size_t{0}, std::size_t{7}}) {
+          const std::vector<uint8_t> bits = Random(kRows);
+          const Source source(bits);
+          const std::size_t width = pixels * k.bytesPerPixel;
+          const std::size_t stride = width + gap;
+          const GlyphColumn column{source.data(), kRows, offset, pixels};
+          Check(
+              kRows * stride, offset, [&](uint8_t* dst) { k.kernel(dst, stride, column, colours); },
+              [&](std::size_t i, uint8_t d) -> uint8_t {
+                const std::size_t row = i / stride, at = i % stride;
+                if (at >= width) return d;
+                const bool set = (bits[row] >> (7 - offset - at / k.bytesPerPixel) & 1) != 0;
+                if (!set && k.transparent) return d;
+                return set ? colours.setBytes[at] : colours.clearBytes[at];
+              });
+        }
+      }
     }
   }
 }

@@ -23,6 +23,21 @@ struct TileMasks {
   const uint8_t *and1, *and2, *xor1, *xor2;
 };
 
+// Up to eight pixels of a glyph in all its rows: one byte a row, most significant bit leftmost.
+struct GlyphColumn {
+  const uint8_t* bytes;
+  std::size_t rows;
+  std::size_t offset, pixels;  // the bits to paint; offset + pixels <= 8
+};
+
+// The two colours of text, prepared once per call: the bytes of eight pixels.
+struct BitColours {
+  uint32_t set, clear;  // packed
+  alignas(16) uint8_t setBytes[24];
+  alignas(16) uint8_t clearBytes[24];
+  alignas(16) uint8_t changeBytes[24];  // set ^ clear
+};
+
 struct RowKernels {
   // D' = tile
   void (*FillTileRow)(uint8_t* dst, std::size_t bytes, const uint8_t* tile);
@@ -43,6 +58,12 @@ struct RowKernels {
                           uint32_t clear);
   void (*ExpandBitsRow8)(uint8_t* dst, const uint8_t* bits, std::size_t offset, std::size_t pixels, uint32_t set,
                          uint32_t clear);
+  // A column of a glyph into the rows of a band that lie `stride` bytes apart: both colours, or only set bits.
+  void (*ExpandGlyph24)(uint8_t* dst, std::size_t stride, const GlyphColumn& column, const BitColours& colours);
+  void (*ExpandGlyph8)(uint8_t* dst, std::size_t stride, const GlyphColumn& column, const BitColours& colours);
+  void (*PaintGlyph24)(uint8_t* dst, std::size_t stride, const GlyphColumn& column, const BitColours& colours);
+  void (*PaintGlyph8)(uint8_t* dst, std::size_t stride, const GlyphColumn& column, const BitColours& colours);
+
   // Only set bits are painted.
   void (*PaintBitsRow24)(uint8_t* dst, const uint8_t* bits, std::size_t offset, std::size_t pixels, uint32_t set);
   void (*PaintBitsRow8)(uint8_t* dst, const uint8_t* bits, std::size_t offset, std::size_t pixels, uint32_t set);

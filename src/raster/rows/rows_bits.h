@@ -85,5 +85,85 @@ void PaintBitsRowOf(uint8_t* dst, const uint8_t* bits, std::size_t offset, std::
   }
 }
 
+// The pixels of one glyph row, from a byte's mask on: D' = D ^ ((D ^ set) & mask), or without looking at D.
+
+struct PaintOperation {
+  const uint8_t* mask;
+  const uint8_t* set;
+
+  template <class Vector>
+  Vector At(Vector band, std::size_t offset) const {
+    return band ^ ((band ^ Vector::Load(set + offset)) & Vector::Load(mask + offset));
+  }
+};
+
+struct ExpandOperation {
+  const uint8_t* mask;
+  const uint8_t* clear;
+  const uint8_t* change;
+
+  template <class Vector>
+  Vector At(Vector, std::size_t offset) const {
+    return Vector::Load(clear + offset) ^ (Vector::Load(change + offset) & Vector::Load(mask + offset));
+  }
+};
+
+// Fewer than eight pixels: 0..23 bytes.
+template <class Operation>
+void PartialEight(uint8_t* dst, std::size_t bytes, const Operation& operation) {
+  if (bytes < 16) return ShortRow(dst, bytes, operation);
+  using Tail = WordVector<uint64_t>;
+  const std::size_t last = bytes - Tail::kBytes;
+  const Vector16 head = operation.template At<Vector16>(Vector16::Load(dst), 0);
+  const Tail tail = operation.template At<Tail>(Tail::Load(dst + last), last);
+  head.Store(dst);
+  tail.Store(dst + last);
+}
+
+template <class Eight>
+const uint8_t* MaskBytes(uint8_t bits) {
+  if constexpr (Eight::kBytesPerPixel == 3) {
+    return kPixelMasks24[bits].data();
+  } else {
+    return kPixelMasks8[bits].data();
+  }
+}
+
+template <class Eight>
+void PaintGlyphOf(uint8_t* dst, std::size_t stride, const GlyphColumn& column, const BitColours& colours) {
+  const uint8_t* const end = column.bytes + column.rows;
+  if (column.pixels == 8) {
+    const Eight set = Eight::Load(colours.setBytes);
+    for (const uint8_t* bits = column.bytes; bits != end; ++bits, dst += stride) {
+      const Eight band = Eight::Load(dst);
+      (band ^ ((band ^ set) & Eight::Mask(*bits))).Store(dst);
+    }
+    return;
+  }
+  const std::size_t skipped = column.offset * Eight::kBytesPerPixel;
+  for (const uint8_t* bits = column.bytes; bits != end; ++bits, dst += stride) {
+    PartialEight(dst, column.pixels * Eight::kBytesPerPixel,
+                 PaintOperation{MaskBytes<Eight>(*bits) + skipped, colours.setBytes});
+  }
+}
+
+template <class Eight>
+void ExpandGlyphOf(uint8_t* dst, std::size_t stride, const GlyphColumn& column, const BitColours& colours) {
+  const uint8_t* const end = column.bytes + column.rows;
+  if (column.pixels == 8) {
+    const Eight clear = Eight::Load(colours.clearBytes);
+    const Eight change = Eight::Load(colours.changeBytes);
+    for (const uint8_t* bits = column.bytes; bits != end; ++bits, dst += stride) {
+      (clear ^ (Eight::Mask(*bits) & change)).Store(dst);
+    }
+    return;
+  }
+  const std::size_t skipped = column.offset * Eight::kBytesPerPixel;
+  for (const uint8_t* bits = column.bytes; bits != end; ++bits, dst += stride) {
+    PartialEight(dst, column.pixels * Eight::kBytesPerPixel,
+                 ExpandOperation{MaskBytes<Eight>(*bits) + skipped, colours.clearBytes, colours.changeBytes});
+  }
+}
+
 }  // namespace
 }  // namespace qnv

@@ -79,6 +79,20 @@ void PaintBitsRow(uint8_t* dst, const uint8_t* bits, std::size_t offset, std::si
   }
 }
 
+template <std::size_t kBytes, auto Store>
+void ExpandGlyph(uint8_t* dst, std::size_t stride, const GlyphColumn& column, const BitColours& colours) {
+  for (std::size_t row = 0; row < column.rows; ++row, dst += stride) {
+    ExpandBitsRow<kBytes, Store>(dst, column.bytes + row, column.offset, column.pixels, colours.set, colours.clear);
+  }
+}
+
+template <std::size_t kBytes, auto Store>
+void PaintGlyph(uint8_t* dst, std::size_t stride, const GlyphColumn& column, const BitColours& colours) {
+  for (std::size_t row = 0; row < column.rows; ++row, dst += stride) {
+    PaintBitsRow<kBytes, Store>(dst, column.bytes + row, column.offset, column.pixels, colours.set);
+  }
+}
+
 }  // namespace
 
 void plain::RegrayRow24(uint8_t* dst, std::size_t pixels) {
@@ -96,6 +110,10 @@ constinit const RowKernels kPlainRowKernels = {
     SwapRow24,
     ExpandBitsRow<3, Store24>,
     ExpandBitsRow<1, Store8>,
+    ExpandGlyph<3, Store24>,
+    ExpandGlyph<1, Store8>,
+    PaintGlyph<3, Store24>,
+    PaintGlyph<1, Store8>,
     PaintBitsRow<3, Store24>,
     PaintBitsRow<1, Store8>,
     plain::RegrayRow24,

@@ -1,0 +1,25 @@
+#include "raster/tile.h"
+
+#include <gtest/gtest.h>
+
+namespace qnv {
+namespace {
+
+TEST(Tile, RepeatsItsCells) {
+  uint32_t cells[16];
+  for (uint32_t i = 0; i < 16; ++i) cells[i] = 0xAA000000 | i * 0x030201;
+  for (const std::size_t bytesPerPixel : {std::size_t{1}, std::size_t{3}}) {
+    for (const std::size_t width : {std::size_t{1}, std::size_t{8}, std::size_t{16}}) {
+      Tile tile;
+      MakeTile(&tile, cells, width, bytesPerPixel);
+      for (std::size_t i = 0; i < sizeof tile.bytes; ++i) {
+        const uint32_t cell = cells[i / bytesPerPixel % width];
+        ASSERT_EQ(tile.bytes[i], static_cast<uint8_t>(cell >> i % bytesPerPixel * 8))
+            << "byte " << i << ", " << width << " cells of " << bytesPerPixel;
+      }
+    }
+  }
+}
+
+}  // namespace
+}  // namespace qnv
