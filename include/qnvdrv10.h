@@ -329,9 +329,10 @@ uint32_t QNV_CALL QNVDevBitBlt(DeviceHandle *handle, int32_t destX, int32_t dest
                                int32_t srcX, int32_t srcY, int32_t width, int32_t height, uint32_t rop,
                                const PhysicalBrush *brush, const DRAWMODE *drawMode, const BandRect *clip);
 
-/* Paints a list of spans (OS_...) with the pen or, without one, the brush, under drawMode->Rop2. `style` and
- * `count` count on their low 16 bits. 16-bit result: 1 understood (even if all was clipped), 0xFFFF unknown
- * style (0 on a dual-plane device), 0 for a null clip.
+/* Paints a list of spans (OS_...) with the brush or, without one, the pen, under drawMode->Rop2; a null drawMode
+ * keeps the pattern of the call before. `style` and `count` count on their low 16 bits. 16-bit result: 1
+ * understood (even if all was clipped), 0xFFFF unknown style (0 on a dual-plane device whose tag plane holds
+ * images), 0 for a null clip.
  *
  *   OS_SCANLINES      count word pairs: (unused, y), then (left, right) ...
  *   OS_BANDED_SPANS   count records: n, top, bottom, n words (left, right) ..., n again

@@ -20,7 +20,9 @@ constexpr uint32_t StrideOf(uint32_t width, uint32_t bytesPerPixel) { return (wi
 
 // Memory of image transfers, kept between calls.
 struct ImageBuffers {
-  WorkBuffer picks;
+  WorkBuffer columns;
+  WorkBuffer converted;
+  WorkBuffer reversed;
   WorkBuffer row;
   WorkBuffer rleRows;
   WorkBuffer rleRow;

@@ -44,11 +44,14 @@ void MakeColorTable(const Dib& dib, PixelTarget target, ColorTable* table) {
   std::fill(table->entries + given, table->entries + full, target == PixelTarget::kGray8 ? 0xFFu : kWhite);
 }
 
-PixelMasks MakePixelMasks(const Dib& dib) {
-  if (dib.compression != BI_BITFIELDS) return {MakeComponent(0x7C00), MakeComponent(0x03E0), MakeComponent(0x001F)};
-  uint32_t masks[3];
-  std::memcpy(masks, dib.info + kMaskOffset, sizeof masks);
-  return {MakeComponent(masks[0] & 0xFFFF), MakeComponent(masks[1] & 0xFFFF), MakeComponent(masks[2] & 0xFFFF)};
+PixelMasks MakePixelMasks(const Dib& dib, PixelTarget target) {
+  uint32_t masks[3] = {0x7C00, 0x03E0, 0x001F};  // red, green, blue
+  if (dib.compression == BI_BITFIELDS) std::memcpy(masks, dib.info + kMaskOffset, sizeof masks);
+  const ComponentMask red = MakeComponent(masks[0] & 0xFFFF);
+  const ComponentMask green = MakeComponent(masks[1] & 0xFFFF);
+  const ComponentMask blue = MakeComponent(masks[2] & 0xFFFF);
+  if (target == PixelTarget::kSource24) return {{red, green, blue}};
+  return {{blue, green, red}};
 }
 
 }  // namespace qnv

@@ -4,6 +4,7 @@
 #include <cstdint>
 
 #include "image/dib.h"
+#include "raster/rows/pixel_rows.h"
 
 namespace qnv {
 
@@ -25,23 +26,8 @@ struct ColorTable {
 // Requires: dib has a palette. Reads min(biClrUsed, 2^depth) entries, all 2^depth for a biClrUsed of 0.
 void MakeColorTable(const Dib& dib, PixelTarget target, ColorTable* table);
 
-// How one component of a 16-bit pixel becomes a byte: v = ((P & mask) << up) >> 8, then v + (v >> fill).
-struct ComponentMask {
-  uint32_t mask;
-  uint32_t up;
-  uint32_t fill;
-
-  uint8_t Extract(uint32_t pixel) const {
-    const uint32_t v = (pixel & mask) << up >> 8;
-    return static_cast<uint8_t>(v + (v >> fill));
-  }
-};
-
-struct PixelMasks {
-  ComponentMask red, green, blue;
-};
-
-// The masks of a 16-bit source: those of the header with BI_BITFIELDS, else five bits each.
-PixelMasks MakePixelMasks(const Dib& dib);
+// The masks of a 16-bit source in target order (gray: as for the band): those of the header with
+// BI_BITFIELDS, else five bits each.
+PixelMasks MakePixelMasks(const Dib& dib, PixelTarget target);
 
 }  // namespace qnv

@@ -34,30 +34,13 @@ bool ImageTransfer::Prepare(const BandState& state, const Rect& bandRect, bool i
             : ImageModeOf(a.rop) == ImageMode::kBitBlt ? PixelTarget::kSource24
                                                        : PixelTarget::kBand24;
   if (dib_.HasPalette()) MakeColorTable(dib_, target_, &colours_.table);
-  if (dib_.bitCount == 16) colours_.masks = MakePixelMasks(dib_);
+  if (dib_.bitCount == 16) colours_.masks = MakePixelMasks(dib_, target_);
   convert_ = RowConverterFor(dib_.IsRle() ? 8 : dib_.bitCount, target_);
 
   walk_ = RowWalk(MakeStepping(mapping.dstTop, mapping.dstHeight, mapping.rows, topInBand,
                                clipped_.bottom - clipped_.top));
-  return PrepareColumns(MakeStepping(mapping.dstLeft, mapping.dstWidth, mapping.columns, leftInBand_, Width()),
-                        mapping) &&
-         PrepareRows(mapping);
-}
-
-// Lists the source column of every destination column, unless they simply follow each other.
-bool ImageTransfer::PrepareColumns(const Stepping& stepping, const SourceMapping& mapping) {
-  const int32_t first = mapping.mirrorX ? mapping.left + mapping.columns - 1 : mapping.left;
-  const int32_t advance = mapping.mirrorX ? -1 : 1;
-  auto* picks = buffers_.picks.Take<uint16_t>(stepping.dstPixels);
-  if (picks == nullptr) return false;
-  bool consecutive = true;
-  const int32_t covered = WalkColumns(stepping, [&](int32_t i, int32_t begin, int32_t end) {
-    const int32_t column = first + i * advance;
-    if (end - begin != 1 || column != first + begin) consecutive = false;
-    for (int32_t at = begin; at < end; ++at) picks[at] = static_cast<uint16_t>(column);
-  });
-  columns_ = {consecutive ? nullptr : picks, first, covered};
-  return true;
+  const Stepping columns = MakeStepping(mapping.dstLeft, mapping.dstWidth, mapping.columns, leftInBand_, Width());
+  return columns_.Make(columns, mapping, target_, buffers_) && PrepareRows(mapping);
 }
 
 // Rows are walked from the top of the picture down: bottom-up storage backwards.
@@ -93,7 +76,7 @@ void ImageTransfer::ConvertRow(uint8_t* out) {
   } else {
     row = bits_ + static_cast<std::size_t>(stored) * DibRowBytes(dib_.width, dib_.bitCount);
   }
-  convert_(out, row, columns_, colours_, *rows_);
+  columns_.Apply(out, row, convert_, ConverterContext{colours_, *rows_});
 }
 
 uint8_t* ImageTransfer::TakeRowBuffer(int32_t pixels) {

@@ -5,6 +5,7 @@
 #include <cstdint>
 
 #include "device/band_state.h"
+#include "image/column_plan.h"
 #include "image/dib.h"
 #include "image/image_arguments.h"
 #include "image/rle_decoder.h"
@@ -51,7 +52,6 @@ class ImageTransfer {
   uint8_t* TakeRowBuffer(int32_t pixels);
 
  private:
-  bool PrepareColumns(const Stepping& stepping, const SourceMapping& mapping);
   bool PrepareRows(const SourceMapping& mapping);
 
   ImageBuffers& buffers_;
@@ -63,8 +63,8 @@ class ImageTransfer {
   RowWalk walk_{Stepping{}};
   int32_t firstRow_ = 0;    // stored row walked first
   int32_t rowAdvance_ = 1;  // +1 or -1
-  SourceColumns columns_{};
-  RowConverter convert_ = nullptr;
+  ColumnPlan columns_;
+  RowConverter convert_{};
   PixelColours colours_;
   const RowKernels* rows_ = nullptr;
   RleState* rleRows_ = nullptr;  // run-length sources: where each stored row of the source rectangle begins

@@ -1,12 +1,15 @@
 #include "image/row_converters.h"
 
+#include <algorithm>
 #include <cstring>
 
 #include "color/color_forms.h"
+#include "raster/rows/store_pixel.h"
 
 namespace qnv {
 namespace {
 
+// bytes: blue, green, red in the order of the band or reversed.
 template <PixelTarget kTarget>
 uint32_t Compose(uint32_t blue, uint32_t green, uint32_t red) {
   if constexpr (kTarget == PixelTarget::kBand24) return blue | green << 8 | red << 16;
@@ -14,97 +17,97 @@ uint32_t Compose(uint32_t blue, uint32_t green, uint32_t red) {
   if constexpr (kTarget == PixelTarget::kGray8) return WeightedGray(red, green, blue);
 }
 
-// Readers: the pixel of a column, as a colour in target form.
-
-struct Indexed1 {
-  const ColorTable& table;
-  uint32_t operator()(const uint8_t* row, uint32_t x) const { return table.entries[row[x / 8] >> (7 - x % 8) & 1]; }
-};
-
-struct Indexed4 {
-  const ColorTable& table;
-  uint32_t operator()(const uint8_t* row, uint32_t x) const {
-    return table.entries[x % 2 == 0 ? row[x / 2] >> 4 : row[x / 2] & 0x0F];
-  }
-};
-
-struct Indexed8 {
-  const ColorTable& table;
-  uint32_t operator()(const uint8_t* row, uint32_t x) const { return table.entries[row[x]]; }
-};
-
-template <PixelTarget kTarget>
-struct Masked16 {
-  const PixelMasks& masks;
-  uint32_t operator()(const uint8_t* row, uint32_t x) const {
+template <PixelTarget kTarget, uint32_t kBits>
+uint32_t ReadPixel(const uint8_t* row, uint32_t x, const PixelColours& colours) {
+  const uint32_t* table = colours.table.entries;
+  if constexpr (kBits == 1) return table[row[x / 8] >> (7 - x % 8) & 1];
+  if constexpr (kBits == 4) return table[x % 2 == 0 ? row[x / 2] >> 4 : row[x / 2] & 0x0F];
+  if constexpr (kBits == 8) return table[row[x]];
+  if constexpr (kBits == 16) {
     const uint32_t pixel = static_cast<uint32_t>(row[2 * x] | row[2 * x + 1] << 8);
-    return Compose<kTarget>(masks.blue.Extract(pixel), masks.green.Extract(pixel), masks.red.Extract(pixel));
+    const uint32_t first = colours.masks.component[0].Extract(pixel);
+    const uint32_t second = colours.masks.component[1].Extract(pixel);
+    const uint32_t third = colours.masks.component[2].Extract(pixel);
+    // The masks are in target order already.
+    return kTarget == PixelTarget::kGray8 ? WeightedGray(third, second, first) : first | second << 8 | third << 16;
   }
-};
-
-// Blue, green, red and, at 32 bits, a byte that is not looked at.
-template <PixelTarget kTarget, uint32_t kBytes>
-struct Direct {
-  uint32_t operator()(const uint8_t* row, uint32_t x) const {
-    const uint8_t* pixel = row + kBytes * x;
+  if constexpr (kBits >= 24) {
+    const uint8_t* pixel = row + std::size_t{kBits / 8} * x;
     return Compose<kTarget>(pixel[0], pixel[1], pixel[2]);
-  }
-};
-
-template <PixelTarget kTarget>
-void Store(uint8_t* out, uint32_t colour) {
-  out[0] = static_cast<uint8_t>(colour);
-  if constexpr (kTarget != PixelTarget::kGray8) {
-    out[1] = static_cast<uint8_t>(colour >> 8);
-    out[2] = static_cast<uint8_t>(colour >> 16);
-  }
-}
-
-template <PixelTarget kTarget, class Reader>
-void Convert(uint8_t* out, const uint8_t* row, const SourceColumns& columns, const Reader& reader) {
-  for (int32_t i = 0; i < columns.count; ++i, out += BytesOf(kTarget)) {
-    const int32_t x = columns.picks != nullptr ? columns.picks[i] : columns.first + i;
-    Store<kTarget>(out, reader(row, static_cast<uint32_t>(x)));
   }
 }
 
 template <PixelTarget kTarget, uint32_t kBits>
-void ConvertRow(uint8_t* out, const uint8_t* row, const SourceColumns& columns, const PixelColours& colours,
-                const RowKernels& rows) {
-  if constexpr (kBits == 1) {
-    Convert<kTarget>(out, row, columns, Indexed1{colours.table});
-  } else if constexpr (kBits == 4) {
-    Convert<kTarget>(out, row, columns, Indexed4{colours.table});
-  } else if constexpr (kBits == 8) {
-    Convert<kTarget>(out, row, columns, Indexed8{colours.table});
-  } else if constexpr (kBits == 16) {
-    Convert<kTarget>(out, row, columns, Masked16<kTarget>{colours.masks});
-  } else {
-    if constexpr (kBits == 24 && kTarget != PixelTarget::kGray8) {
-      if (columns.picks == nullptr) {
-        const uint8_t* first = row + std::ptrdiff_t{3} * columns.first;
-        const std::size_t count = static_cast<std::size_t>(columns.count);
-        if constexpr (kTarget == PixelTarget::kBand24) {
-          std::memcpy(out, first, 3 * count);
-        } else {
-          rows.SwapRow24(out, first, count);
-        }
-        return;
-      }
+void Picked(uint8_t* out, const uint8_t* row, const uint16_t* picks, std::size_t count,
+            const ConverterContext& context) {
+  StorePixels<BytesOf(kTarget)>(out, count, [&](std::size_t i) {
+    return ReadPixel<kTarget, kBits>(row, picks[i], context.colours);
+  });
+}
+
+// 24 bits in target order, from pixels that lie byte-aligned.
+template <PixelTarget kTarget, uint32_t kBits>
+void Convert24(uint8_t* out, const uint8_t* pixels, std::size_t count, const ConverterContext& context) {
+  const PixelRows& image = *context.rows.image;
+  if constexpr (kBits == 16) {
+    image.UnpackRow16(out, pixels, count, context.colours.masks);
+  } else if constexpr (kBits == 24) {
+    if constexpr (kTarget == PixelTarget::kSource24) {
+      context.rows.SwapRow24(out, pixels, count);
+    } else {
+      std::memcpy(out, pixels, 3 * count);
     }
-    Convert<kTarget>(out, row, columns, Direct<kTarget, kBits / 8>{});
+  } else {
+    (kTarget == PixelTarget::kSource24 ? image.PackSwapRow32 : image.PackRow32)(out, pixels, count);
+  }
+}
+
+// Gray by way of band pixels, a cached piece at a time.
+template <uint32_t kBits>
+void ConvertGray(uint8_t* out, const uint8_t* pixels, std::size_t count, const ConverterContext& context) {
+  const PixelRows& image = *context.rows.image;
+  if constexpr (kBits == 24) {
+    image.GrayRow24(out, pixels, count);
+  } else {
+    constexpr std::size_t kPiece = 256;
+    uint8_t colours[3 * kPiece];
+    for (std::size_t done = 0; done < count; done += kPiece) {
+      const std::size_t piece = std::min(kPiece, count - done);
+      Convert24<PixelTarget::kGray8, kBits>(colours, pixels + kBits / 8 * done, piece, context);
+      image.GrayRow24(out + done, colours, piece);
+    }
+  }
+}
+
+template <PixelTarget kTarget, uint32_t kBits>
+void Consecutive(uint8_t* out, const uint8_t* row, uint32_t first, std::size_t count,
+                 const ConverterContext& context) {
+  constexpr bool kGray = kTarget == PixelTarget::kGray8;
+  const RowKernels& rows = context.rows;
+  const PixelRows& image = *rows.image;
+  const uint32_t* table = context.colours.table.entries;
+  if constexpr (kBits == 1) {
+    (kGray ? rows.ExpandBitsRow8 : rows.ExpandBitsRow24)(out, row + first / 8, first % 8, count, table[1], table[0]);
+  } else if constexpr (kBits == 4) {
+    (kGray ? image.ExpandNibblesRow8 : image.ExpandNibblesRow24)(out, row + first / 2, first % 2 != 0, count, table);
+  } else if constexpr (kBits == 8) {
+    (kGray ? image.ExpandBytesRow8 : image.ExpandBytesRow24)(out, row + first, count, table);
+  } else if constexpr (kGray) {
+    ConvertGray<kBits>(out, row + std::size_t{kBits / 8} * first, count, context);
+  } else {
+    Convert24<kTarget, kBits>(out, row + std::size_t{kBits / 8} * first, count, context);
   }
 }
 
 template <PixelTarget kTarget>
 RowConverter ConverterOf(uint32_t bitCount) {
   switch (bitCount) {
-    case 1: return ConvertRow<kTarget, 1>;
-    case 4: return ConvertRow<kTarget, 4>;
-    case 8: return ConvertRow<kTarget, 8>;
-    case 16: return ConvertRow<kTarget, 16>;
-    case 24: return ConvertRow<kTarget, 24>;
-    default: return ConvertRow<kTarget, 32>;
+    case 1: return {Consecutive<kTarget, 1>, Picked<kTarget, 1>};
+    case 4: return {Consecutive<kTarget, 4>, Picked<kTarget, 4>};
+    case 8: return {Consecutive<kTarget, 8>, Picked<kTarget, 8>};
+    case 16: return {Consecutive<kTarget, 16>, Picked<kTarget, 16>};
+    case 24: return {Consecutive<kTarget, 24>, Picked<kTarget, 24>};
+    default: return {Consecutive<kTarget, 32>, Picked<kTarget, 32>};
   }
 }
 

@@ -1,4 +1,5 @@
-// Converts rows of bitmap pixels, stretched by a list of columns, into one of the three target forms.
+// Converts rows of bitmap pixels into one of the three target forms. A format is two functions: consecutive
+// pixels, and picked ones. Mirroring and enlarging work on converted pixels and know no format.
 #pragma once
 
 #include <cstdint>
@@ -8,23 +9,25 @@
 
 namespace qnv {
 
-// What a converter stores: destination pixel i comes from source column picks[i], or first + i without picks.
-// Mirroring and stretching are nothing but other columns.
-struct SourceColumns {
-  const uint16_t* picks;
-  int32_t first;
-  int32_t count;  // destination pixels
-};
-
 // Constants of a call; which of them is read depends on the depth.
 struct PixelColours {
   ColorTable table;
   PixelMasks masks;
 };
 
-// out: count pixels of the target; row: the first byte of the source row.
-using RowConverter = void (*)(uint8_t* out, const uint8_t* row, const SourceColumns& columns,
-                              const PixelColours& colours, const RowKernels& rows);
+struct ConverterContext {
+  const PixelColours& colours;
+  const RowKernels& rows;
+};
+
+struct RowConverter {
+  // Pixels first .. first + count - 1 of a row. out: count pixels of the target.
+  void (*Consecutive)(uint8_t* out, const uint8_t* row, uint32_t first, std::size_t count,
+                      const ConverterContext& context);
+  // Pixels picks[0] .. picks[count - 1]; each is looked at once for each place that it takes.
+  void (*Picked)(uint8_t* out, const uint8_t* row, const uint16_t* picks, std::size_t count,
+                 const ConverterContext& context);
+};
 
 // Requires: a depth of 1, 4, 8, 16, 24 or 32.
 RowConverter RowConverterFor(uint32_t bitCount, PixelTarget target);

@@ -15,30 +15,30 @@ PixelMasks MasksOf(uint32_t compression, uint32_t red, uint32_t green, uint32_t 
   dib.compression = compression;
   dib.bitCount = 16;
   dib.info = info;
-  return MakePixelMasks(dib);
+  return MakePixelMasks(dib, PixelTarget::kSource24);
 }
 
 TEST(ComponentMasks, FiveBitsEachWithoutBitFields) {
   const PixelMasks masks = MasksOf(BI_RGB, 1, 2, 3);
   for (uint32_t x = 0; x < 32; ++x) {
     const uint8_t expected = static_cast<uint8_t>(x * 8 + x / 4);
-    EXPECT_EQ(masks.red.Extract(x << 10), expected);
-    EXPECT_EQ(masks.green.Extract(x << 5), expected);
-    EXPECT_EQ(masks.blue.Extract(x), expected);
+    EXPECT_EQ(masks.component[0].Extract(x << 10), expected);
+    EXPECT_EQ(masks.component[1].Extract(x << 5), expected);
+    EXPECT_EQ(masks.component[2].Extract(x), expected);
   }
-  EXPECT_EQ(masks.red.Extract(0x83FF), 0);
+  EXPECT_EQ(masks.component[0].Extract(0x83FF), 0);
 }
 
 TEST(ComponentMasks, FiveSixFive) {
   const PixelMasks masks = MasksOf(BI_BITFIELDS, 0xF800, 0x07E0, 0x001F);
-  EXPECT_EQ(masks.red.up, 0u);
-  EXPECT_EQ(masks.green.up, 5u);
-  EXPECT_EQ(masks.blue.up, 11u);
-  EXPECT_EQ(masks.red.fill, 5u);
-  EXPECT_EQ(masks.green.fill, 6u);
-  EXPECT_EQ(masks.blue.fill, 5u);
-  EXPECT_EQ(masks.green.Extract(0x07E0), 255);
-  EXPECT_EQ(masks.green.Extract(0x0020), 4);
+  EXPECT_EQ(masks.component[0].up, 0u);
+  EXPECT_EQ(masks.component[1].up, 5u);
+  EXPECT_EQ(masks.component[2].up, 11u);
+  EXPECT_EQ(masks.component[0].fill, 5u);
+  EXPECT_EQ(masks.component[1].fill, 6u);
+  EXPECT_EQ(masks.component[2].fill, 5u);
+  EXPECT_EQ(masks.component[1].Extract(0x07E0), 255);
+  EXPECT_EQ(masks.component[1].Extract(0x0020), 4);
 }
 
 struct Case {
@@ -59,7 +59,7 @@ TEST(ComponentMasks, DegenerateMasks) {
       {"two bits", 0x0003, 0x0003, 0xC0 + 0x30},
   };
   for (const Case& c : kCases) {
-    EXPECT_EQ(MasksOf(BI_BITFIELDS, c.mask, 0, 0).red.Extract(c.pixel), c.expected) << c.name;
+    EXPECT_EQ(MasksOf(BI_BITFIELDS, c.mask, 0, 0).component[0].Extract(c.pixel), c.expected) << c.name;
   }
 }
 

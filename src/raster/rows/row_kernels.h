@@ -10,6 +10,7 @@
 #include <cstdint>
 
 #include "raster/rows/cpu_level.h"
+#include "raster/rows/pixel_rows.h"
 
 namespace qnv {
 
@@ -70,6 +71,9 @@ struct RowKernels {
 
   // Replaces each pixel by its gray level; intended: the first byte, blue, weighs 30.
   void (*RegrayRow24)(uint8_t* dst, std::size_t pixels);
+
+  // Rows of images at the same level.
+  const PixelRows* image;
 };
 
 // The kernels of a level; what a level does not improve is that of the level below. The plain ones are the

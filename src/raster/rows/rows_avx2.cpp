@@ -38,6 +38,7 @@ constinit const RowKernels kAvx2RowKernels = {
     PaintBitsRowOf<Eight24>,
     PaintBitsRowOf<Eight8>,
     plain::RegrayRow24,
+    &kSsse3PixelRows,
 };
 
 }  // namespace qnv

@@ -7,6 +7,7 @@
 
 #include "raster/rows/byte_masks.h"
 #include "raster/rows/rows_vector.h"
+#include "raster/rows/store_pixel.h"
 #include "raster/rows/vector16.h"
 
 namespace qnv {
@@ -54,11 +55,6 @@ struct Eight8 : WordVector<uint64_t> {
 };
 
 template <class Eight>
-void StorePixel(uint8_t* dst, uint32_t packed) {
-  for (std::size_t i = 0; i < Eight::kBytesPerPixel; ++i) dst[i] = static_cast<uint8_t>(packed >> 8 * i);
-}
-
-template <class Eight>
 void ExpandBitsRowOf(uint8_t* dst, const uint8_t* bits, std::size_t offset, std::size_t pixels, uint32_t set,
                      uint32_t clear) {
   const Eight clearEight = Eight::Colour(clear);
@@ -67,7 +63,7 @@ void ExpandBitsRowOf(uint8_t* dst, const uint8_t* bits, std::size_t offset, std:
     (clearEight ^ (Eight::Mask(EightBits(bits, offset)) & change)).Store(dst);
   }
   for (std::size_t i = 0; i < pixels; ++i, dst += Eight::kBytesPerPixel) {
-    StorePixel<Eight>(dst, OneBit(bits, offset + i) ? set : clear);
+    StorePixel<Eight::kBytesPerPixel>(dst, OneBit(bits, offset + i) ? set : clear);
   }
 }
 
@@ -81,7 +77,7 @@ void PaintBitsRowOf(uint8_t* dst, const uint8_t* bits, std::size_t offset, std::
     (band ^ ((band ^ colour) & Eight::Mask(eight))).Store(dst);
   }
   for (std::size_t i = 0; i < pixels; ++i, dst += Eight::kBytesPerPixel) {
-    if (OneBit(bits, offset + i)) StorePixel<Eight>(dst, set);
+    if (OneBit(bits, offset + i)) StorePixel<Eight::kBytesPerPixel>(dst, set);
   }
 }
 

@@ -2,6 +2,7 @@
 
 #include "color/color_forms.h"
 #include "raster/rows/row_tables.h"
+#include "raster/rows/store_pixel.h"
 #include "raster/tile.h"
 
 namespace qnv {
@@ -56,40 +57,32 @@ void SwapRow24(uint8_t* dst, const uint8_t* source, std::size_t pixels) {
   }
 }
 
-void Store24(uint8_t* dst, uint32_t packed) {
-  dst[0] = static_cast<uint8_t>(packed);
-  dst[1] = static_cast<uint8_t>(packed >> 8);
-  dst[2] = static_cast<uint8_t>(packed >> 16);
-}
-
-void Store8(uint8_t* dst, uint32_t packed) { dst[0] = static_cast<uint8_t>(packed); }
-
 bool Bit(const uint8_t* bits, std::size_t at) { return (bits[at / 8] >> (7 - at % 8) & 1) != 0; }
 
-template <std::size_t kBytes, auto Store>
+template <std::size_t kBytes>
 void ExpandBitsRow(uint8_t* dst, const uint8_t* bits, std::size_t offset, std::size_t pixels, uint32_t set,
                    uint32_t clear) {
-  for (std::size_t i = 0; i < pixels; ++i, dst += kBytes) Store(dst, Bit(bits, offset + i) ? set : clear);
+  for (std::size_t i = 0; i < pixels; ++i, dst += kBytes) StorePixel<kBytes>(dst, Bit(bits, offset + i) ? set : clear);
 }
 
-template <std::size_t kBytes, auto Store>
+template <std::size_t kBytes>
 void PaintBitsRow(uint8_t* dst, const uint8_t* bits, std::size_t offset, std::size_t pixels, uint32_t set) {
   for (std::size_t i = 0; i < pixels; ++i, dst += kBytes) {
-    if (Bit(bits, offset + i)) Store(dst, set);
+    if (Bit(bits, offset + i)) StorePixel<kBytes>(dst, set);
   }
 }
 
-template <std::size_t kBytes, auto Store>
+template <std::size_t kBytes>
 void ExpandGlyph(uint8_t* dst, std::size_t stride, const GlyphColumn& column, const BitColours& colours) {
   for (std::size_t row = 0; row < column.rows; ++row, dst += stride) {
-    ExpandBitsRow<kBytes, Store>(dst, column.bytes + row, column.offset, column.pixels, colours.set, colours.clear);
+    ExpandBitsRow<kBytes>(dst, column.bytes + row, column.offset, column.pixels, colours.set, colours.clear);
   }
 }
 
-template <std::size_t kBytes, auto Store>
+template <std::size_t kBytes>
 void PaintGlyph(uint8_t* dst, std::size_t stride, const GlyphColumn& column, const BitColours& colours) {
   for (std::size_t row = 0; row < column.rows; ++row, dst += stride) {
-    PaintBitsRow<kBytes, Store>(dst, column.bytes + row, column.offset, column.pixels, colours.set);
+    PaintBitsRow<kBytes>(dst, column.bytes + row, column.offset, column.pixels, colours.set);
   }
 }
 
@@ -108,15 +101,16 @@ constinit const RowKernels kPlainRowKernels = {
     RopSourceTileRow,
     MinimumRow,
     SwapRow24,
-    ExpandBitsRow<3, Store24>,
-    ExpandBitsRow<1, Store8>,
-    ExpandGlyph<3, Store24>,
-    ExpandGlyph<1, Store8>,
-    PaintGlyph<3, Store24>,
-    PaintGlyph<1, Store8>,
-    PaintBitsRow<3, Store24>,
-    PaintBitsRow<1, Store8>,
+    ExpandBitsRow<3>,
+    ExpandBitsRow<1>,
+    ExpandGlyph<3>,
+    ExpandGlyph<1>,
+    PaintGlyph<3>,
+    PaintGlyph<1>,
+    PaintBitsRow<3>,
+    PaintBitsRow<1>,
     plain::RegrayRow24,
+    &kPlainPixelRows,
 };
 
 }  // namespace qnv

@@ -21,6 +21,7 @@ constinit const RowKernels kSse2RowKernels = {
     PaintBitsRowOf<Eight24>,
     PaintBitsRowOf<Eight8>,
     plain::RegrayRow24,
+    &kPlainPixelRows,
 };
 
 }  // namespace qnv

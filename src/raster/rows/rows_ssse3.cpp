@@ -21,6 +21,7 @@ constinit const RowKernels kSsse3RowKernels = {
     PaintBitsRowOf<Eight24>,
     PaintBitsRowOf<Eight8>,
     plain::RegrayRow24,
+    &kSsse3PixelRows,
 };
 
 }  // namespace qnv

@@ -1,0 +1,81 @@
+// Row kernels of images: pixels of bitmap formats into band pixels, and stretching. The rules are those of
+// row_kernels.h.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+namespace qnv {
+
+// How one component of a 16-bit pixel becomes a byte: v = ((P & mask) << up) >> 8, then v + (v >> fill).
+struct ComponentMask {
+  uint32_t mask;
+  uint32_t up;
+  uint32_t fill;
+
+  constexpr uint8_t Extract(uint32_t pixel) const {
+    const uint32_t v = (pixel & mask) << up >> 8;
+    return static_cast<uint8_t>(v + (v >> fill));
+  }
+};
+
+// In the order of the bytes that they become.
+struct PixelMasks {
+  ComponentMask component[3];
+};
+
+struct PixelRows {
+  // Palette indices of 8 and of 4 bits. table: packed colours (the low byte alone for 8-bit bands), 256 or 16
+  // of them. odd: the first pixel stands in the low half of *source.
+  void (*ExpandBytesRow24)(uint8_t* dst, const uint8_t* source, std::size_t pixels, const uint32_t* table);
+  void (*ExpandBytesRow8)(uint8_t* dst, const uint8_t* source, std::size_t pixels, const uint32_t* table);
+  void (*ExpandNibblesRow24)(uint8_t* dst, const uint8_t* source, bool odd, std::size_t pixels, const uint32_t* table);
+  void (*ExpandNibblesRow8)(uint8_t* dst, const uint8_t* source, bool odd, std::size_t pixels, const uint32_t* table);
+
+  // 16-bit pixels into three bytes.
+  void (*UnpackRow16)(uint8_t* dst, const uint8_t* source, std::size_t pixels, const PixelMasks& masks);
+
+  // The first three bytes of every four, and the same in reverse order.
+  void (*PackRow32)(uint8_t* dst, const uint8_t* source, std::size_t pixels);
+  void (*PackSwapRow32)(uint8_t* dst, const uint8_t* source, std::size_t pixels);
+
+  // Blue, green, red into gray: blue weighs 11.
+  void (*GrayRow24)(uint8_t* dst, const uint8_t* source, std::size_t pixels);
+
+  // Last pixel first.
+  void (*ReverseRow24)(uint8_t* dst, const uint8_t* source, std::size_t pixels);
+  void (*ReverseRow8)(uint8_t* dst, const uint8_t* source, std::size_t pixels);
+
+  // Pixel i of the source counts[i] times. pixels: of the source; kStretchSlack bytes after it may be read.
+  // total: sum of the counts.
+  void (*StretchRow24)(uint8_t* dst, const uint8_t* source, std::size_t pixels, const uint16_t* counts,
+                       std::size_t total);
+  void (*StretchRow8)(uint8_t* dst, const uint8_t* source, std::size_t pixels, const uint16_t* counts,
+                      std::size_t total);
+};
+
+inline constexpr std::size_t kStretchSlack = 16;
+
+extern const PixelRows kPlainPixelRows;
+#if defined(__SSE2__)
+extern const PixelRows kSsse3PixelRows;
+#endif
+
+namespace plain {
+
+void ExpandBytesRow24(uint8_t* dst, const uint8_t* source, std::size_t pixels, const uint32_t* table);
+void ExpandBytesRow8(uint8_t* dst, const uint8_t* source, std::size_t pixels, const uint32_t* table);
+void ExpandNibblesRow24(uint8_t* dst, const uint8_t* source, bool odd, std::size_t pixels, const uint32_t* table);
+void ExpandNibblesRow8(uint8_t* dst, const uint8_t* source, bool odd, std::size_t pixels, const uint32_t* table);
+void UnpackRow16(uint8_t* dst, const uint8_t* source, std::size_t pixels, const PixelMasks& masks);
+void PackRow32(uint8_t* dst, const uint8_t* source, std::size_t pixels);
+void PackSwapRow32(uint8_t* dst, const uint8_t* source, std::size_t pixels);
+void GrayRow24(uint8_t* dst, const uint8_t* source, std::size_t pixels);
+void ReverseRow24(uint8_t* dst, const uint8_t* source, std::size_t pixels);
+void ReverseRow8(uint8_t* dst, const uint8_t* source, std::size_t pixels);
+void StretchRow24(uint8_t* dst, const uint8_t* source, std::size_t pixels, const uint16_t* counts, std::size_t total);
+void StretchRow8(uint8_t* dst, const uint8_t* source, std::size_t pixels, const uint16_t* counts, std::size_t total);
+
+}  // namespace plain
+
+}  // namespace qnv

@@ -1,0 +1,115 @@
+#include <algorithm>
+#include <cstring>
+
+#include "color/color_forms.h"
+#include "raster/rows/pixel_rows.h"
+#include "raster/rows/store_pixel.h"
+
+namespace qnv {
+namespace plain {
+namespace {
+
+template <std::size_t kBytes>
+void ExpandBytes(uint8_t* dst, const uint8_t* source, std::size_t pixels, const uint32_t* table) {
+  StorePixels<kBytes>(dst, pixels, [=](std::size_t i) { return table[source[i]]; });
+}
+
+template <std::size_t kBytes>
+void ExpandNibbles(uint8_t* dst, const uint8_t* source, bool odd, std::size_t pixels, const uint32_t* table) {
+  StorePixels<kBytes>(dst, pixels, [=](std::size_t i) {
+    const std::size_t at = i + (odd ? 1 : 0);
+    return table[at % 2 == 0 ? source[at / 2] >> 4 : source[at / 2] & 0x0F];
+  });
+}
+
+template <std::size_t kBytes>
+void Reverse(uint8_t* dst, const uint8_t* source, std::size_t pixels) {
+  for (std::size_t i = 0; i < pixels; ++i) std::memcpy(dst + kBytes * i, source + kBytes * (pixels - 1 - i), kBytes);
+}
+
+template <std::size_t kBytes>
+void Stretch(uint8_t* dst, const uint8_t* source, std::size_t pixels, const uint16_t* counts) {
+  for (std::size_t i = 0; i < pixels; ++i, source += kBytes) {
+    for (std::size_t k = 0; k < counts[i]; ++k, dst += kBytes) std::memcpy(dst, source, kBytes);
+  }
+}
+
+}  // namespace
+
+void ExpandBytesRow24(uint8_t* dst, const uint8_t* source, std::size_t pixels, const uint32_t* table) {
+  ExpandBytes<3>(dst, source, pixels, table);
+}
+
+void ExpandBytesRow8(uint8_t* dst, const uint8_t* source, std::size_t pixels, const uint32_t* table) {
+  ExpandBytes<1>(dst, source, pixels, table);
+}
+
+void ExpandNibblesRow24(uint8_t* dst, const uint8_t* source, bool odd, std::size_t pixels, const uint32_t* table) {
+  ExpandNibbles<3>(dst, source, odd, pixels, table);
+}
+
+void ExpandNibblesRow8(uint8_t* dst, const uint8_t* source, bool odd, std::size_t pixels, const uint32_t* table) {
+  ExpandNibbles<1>(dst, source, odd, pixels, table);
+}
+
+void UnpackRow16(uint8_t* dst, const uint8_t* source, std::size_t pixels, const PixelMasks& masks) {
+  for (std::size_t i = 0; i < pixels; ++i) {
+    const uint32_t pixel = static_cast<uint32_t>(source[2 * i] | source[2 * i + 1] << 8);
+    for (std::size_t c = 0; c < 3; ++c) dst[3 * i + c] = masks.component[c].Extract(pixel);
+  }
+}
+
+void PackRow32(uint8_t* dst, const uint8_t* source, std::size_t pixels) {
+  StorePixels<3>(dst, pixels, [=](std::size_t i) {
+    uint32_t pixel;
+    std::memcpy(&pixel, source + 4 * i, 4);
+    return pixel;
+  });
+}
+
+void PackSwapRow32(uint8_t* dst, const uint8_t* source, std::size_t pixels) {
+  StorePixels<3>(dst, pixels, [=](std::size_t i) {
+    uint32_t pixel;
+    std::memcpy(&pixel, source + 4 * i, 4);
+    return ExchangeRedBlue(pixel);
+  });
+}
+
+void GrayRow24(uint8_t* dst, const uint8_t* source, std::size_t pixels) {
+  for (std::size_t i = 0; i < pixels; ++i) {
+    dst[i] = static_cast<uint8_t>(WeightedGray(source[3 * i + 2], source[3 * i + 1], source[3 * i]));
+  }
+}
+
+void ReverseRow24(uint8_t* dst, const uint8_t* source, std::size_t pixels) { Reverse<3>(dst, source, pixels); }
+
+void ReverseRow8(uint8_t* dst, const uint8_t* source, std::size_t pixels) { Reverse<1>(dst, source, pixels); }
+
+void StretchRow24(uint8_t* dst, const uint8_t* source, std::size_t pixels, const uint16_t* counts,
+                  std::size_t /*total*/) {
+  Stretch<3>(dst, source, pixels, counts);
+}
+
+void StretchRow8(uint8_t* dst, const uint8_t* source, std::size_t pixels, const uint16_t* counts,
+                 std::size_t /*total*/) {
+  Stretch<1>(dst, source, pixels, counts);
+}
+
+}  // namespace plain
+
+constinit const PixelRows kPlainPixelRows = {
+    plain::ExpandBytesRow24,
+    plain::ExpandBytesRow8,
+    plain::ExpandNibblesRow24,
+    plain::ExpandNibblesRow8,
+    plain::UnpackRow16,
+    plain::PackRow32,
+    plain::PackSwapRow32,
+    plain::GrayRow24,
+    plain::ReverseRow24,
+    plain::ReverseRow8,
+    plain::StretchRow24,
+    plain::StretchRow8,
+};
+
+}  // namespace qnv

@@ -1,0 +1,221 @@
+// Image rows by byte shuffles. Whole blocks go through vectors, what is left through the plain kernels.
+#include <tmmintrin.h>
+
+#include <cstring>
+
+#include "raster/rows/pixel_rows.h"
+
+namespace qnv {
+namespace {
+
+__m128i Load16(const uint8_t* p) { return _mm_loadu_si128(reinterpret_cast<const __m128i*>(p)); }
+void Store16(uint8_t* p, __m128i v) { _mm_storeu_si128(reinterpret_cast<__m128i*>(p), v); }
+
+// Four pixels of four bytes to twelve bytes; the upper four become 0.
+struct PackShuffle {
+  static __m128i InOrder() { return _mm_setr_epi8(0, 1, 2, 4, 5, 6, 8, 9, 10, 12, 13, 14, -1, -1, -1, -1); }
+  static __m128i Swapped() { return _mm_setr_epi8(2, 1, 0, 6, 5, 4, 10, 9, 8, 14, 13, 12, -1, -1, -1, -1); }
+};
+
+// Sixteen pixels in four vectors of twelve used bytes each, into 48 bytes.
+void Store48(uint8_t* dst, __m128i a, __m128i b, __m128i c, __m128i d) {
+  Store16(dst, _mm_or_si128(a, _mm_slli_si128(b, 12)));
+  Store16(dst + 16, _mm_or_si128(_mm_srli_si128(b, 4), _mm_slli_si128(c, 8)));
+  Store16(dst + 32, _mm_or_si128(_mm_srli_si128(c, 8), _mm_slli_si128(d, 4)));
+}
+
+template <auto Plain>
+void PackRow(uint8_t* dst, const uint8_t* source, std::size_t pixels, __m128i shuffle) {
+  std::size_t i = 0;
+  for (; i + 16 <= pixels; i += 16, source += 64, dst += 48) {
+    Store48(dst, _mm_shuffle_epi8(Load16(source), shuffle), _mm_shuffle_epi8(Load16(source + 16), shuffle),
+            _mm_shuffle_epi8(Load16(source + 32), shuffle), _mm_shuffle_epi8(Load16(source + 48), shuffle));
+  }
+  Plain(dst, source, pixels - i);
+}
+
+void PackRow32(uint8_t* dst, const uint8_t* source, std::size_t pixels) {
+  PackRow<plain::PackRow32>(dst, source, pixels, PackShuffle::InOrder());
+}
+
+void PackSwapRow32(uint8_t* dst, const uint8_t* source, std::size_t pixels) {
+  PackRow<plain::PackSwapRow32>(dst, source, pixels, PackShuffle::Swapped());
+}
+
+// Three planes of sixteen bytes, woven into sixteen pixels.
+void StorePlanes(uint8_t* dst, __m128i first, __m128i second, __m128i third) {
+  const __m128i zero = _mm_setzero_si128();
+  const __m128i lowPairs = _mm_unpacklo_epi8(first, second), highPairs = _mm_unpackhi_epi8(first, second);
+  const __m128i lowThird = _mm_unpacklo_epi8(third, zero), highThird = _mm_unpackhi_epi8(third, zero);
+  const __m128i pack = PackShuffle::InOrder();
+  Store48(dst, _mm_shuffle_epi8(_mm_unpacklo_epi16(lowPairs, lowThird), pack),
+          _mm_shuffle_epi8(_mm_unpackhi_epi16(lowPairs, lowThird), pack),
+          _mm_shuffle_epi8(_mm_unpacklo_epi16(highPairs, highThird), pack),
+          _mm_shuffle_epi8(_mm_unpackhi_epi16(highPairs, highThird), pack));
+}
+
+// A sixteen-colour table as one vector for each byte of a colour.
+__m128i TablePlane(const uint32_t* table, int byte) {
+  uint8_t plane[16];
+  for (int i = 0; i < 16; ++i) plane[i] = static_cast<uint8_t>(table[i] >> 8 * byte);
+  return Load16(plane);
+}
+
+// Sixteen palette indices from eight bytes.
+__m128i SixteenNibbles(const uint8_t* source) {
+  const __m128i bytes = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(source));
+  const __m128i low = _mm_set1_epi8(0x0F);
+  return _mm_unpacklo_epi8(_mm_and_si128(_mm_srli_epi16(bytes, 4), low), _mm_and_si128(bytes, low));
+}
+
+// Setting the table up costs as much as some dozens of pixels.
+constexpr std::size_t kFewNibbles = 64;
+
+void ExpandNibblesRow24(uint8_t* dst, const uint8_t* source, bool odd, std::size_t pixels, const uint32_t* table) {
+  if (pixels < kFewNibbles) return plain::ExpandNibblesRow24(dst, source, odd, pixels, table);
+  if (odd) {
+    plain::ExpandNibblesRow24(dst, source, true, 1, table);
+    ++source;
+    dst += 3;
+    --pixels;
+  }
+  const __m128i planes[3] = {TablePlane(table, 0), TablePlane(table, 1), TablePlane(table, 2)};
+  for (; pixels >= 16; pixels -= 16, source += 8, dst += 48) {
+    const __m128i indices = SixteenNibbles(source);
+    StorePlanes(dst, _mm_shuffle_epi8(planes[0], indices), _mm_shuffle_epi8(planes[1], indices),
+                _mm_shuffle_epi8(planes[2], indices));
+  }
+  plain::ExpandNibblesRow24(dst, source, false, pixels, table);
+}
+
+void ExpandNibblesRow8(uint8_t* dst, const uint8_t* source, bool odd, std::size_t pixels, const uint32_t* table) {
+  if (pixels < kFewNibbles) return plain::ExpandNibblesRow8(dst, source, odd, pixels, table);
+  if (odd) {
+    plain::ExpandNibblesRow8(dst, source, true, 1, table);
+    ++source;
+    ++dst;
+    --pixels;
+  }
+  const __m128i plane = TablePlane(table, 0);
+  for (; pixels >= 16; pixels -= 16, source += 8, dst += 16) {
+    Store16(dst, _mm_shuffle_epi8(plane, SixteenNibbles(source)));
+  }
+  plain::ExpandNibblesRow8(dst, source, false, pixels, table);
+}
+
+// One component of eight 16-bit pixels. The left shift keeps to 16 bits because a mask shifted up ends at bit 15;
+// only a mask of one bit does not, and its component is 0 either way.
+struct VectorMask {
+  __m128i mask, up, fill;
+
+  explicit VectorMask(const ComponentMask& m)
+      : mask(_mm_set1_epi16(static_cast<int16_t>(m.mask))),
+        up(_mm_cvtsi32_si128(static_cast<int>(m.up))),
+        fill(_mm_cvtsi32_si128(static_cast<int>(m.fill))) {}
+
+  __m128i Extract(__m128i pixels) const {
+    const __m128i v = _mm_srli_epi16(_mm_sll_epi16(_mm_and_si128(pixels, mask), up), 8);
+    return _mm_and_si128(_mm_add_epi16(v, _mm_srl_epi16(v, fill)), _mm_set1_epi16(0xFF));
+  }
+};
+
+void UnpackRow16(uint8_t* dst, const uint8_t* source, std::size_t pixels, const PixelMasks& masks) {
+  const VectorMask component[3] = {VectorMask(masks.component[0]), VectorMask(masks.component[1]),
+                                   VectorMask(masks.component[2])};
+  for (; pixels >= 16; pixels -= 16, source += 32, dst += 48) {
+    const __m128i low = Load16(source), high = Load16(source + 16);
+    __m128i plane[3];
+    for (int c = 0; c < 3; ++c) {
+      plane[c] = _mm_packus_epi16(component[c].Extract(low), component[c].Extract(high));
+    }
+    StorePlanes(dst, plane[0], plane[1], plane[2]);
+  }
+  plain::UnpackRow16(dst, source, pixels, masks);
+}
+
+void GrayRow24(uint8_t* dst, const uint8_t* source, std::size_t pixels) {
+  const __m128i spread = _mm_setr_epi8(0, 1, 2, -1, 3, 4, 5, -1, 6, 7, 8, -1, 9, 10, 11, -1);
+  const __m128i weights = _mm_setr_epi8(11, 59, 30, 0, 11, 59, 30, 0, 11, 59, 30, 0, 11, 59, 30, 0);
+  const auto sums = [=](const uint8_t* p) {  // of four pixels, in pairs of 16 bits
+    return _mm_maddubs_epi16(_mm_shuffle_epi8(Load16(p), spread), weights);
+  };
+  const auto hundredth = [](__m128i v) {  // exact for sums up to 25500
+    return _mm_srli_epi16(_mm_mulhi_epu16(v, _mm_set1_epi16(5243)), 3);
+  };
+  // The last four bytes that a block loads belong to the next pixels.
+  for (; pixels >= 18; pixels -= 16, source += 48, dst += 16) {
+    const __m128i a = _mm_hadd_epi16(sums(source), sums(source + 12));
+    const __m128i b = _mm_hadd_epi16(sums(source + 24), sums(source + 36));
+    Store16(dst, _mm_packus_epi16(hundredth(a), hundredth(b)));
+  }
+  plain::GrayRow24(dst, source, pixels);
+}
+
+void ReverseRow24(uint8_t* dst, const uint8_t* source, std::size_t pixels) {
+  const __m128i reverse = _mm_setr_epi8(12, 13, 14, 9, 10, 11, 6, 7, 8, 3, 4, 5, 0, 1, 2, -1);
+  // Five pixels a turn; the sixteenth byte stored is overwritten by the next pixels.
+  for (; pixels >= 6; pixels -= 5, dst += 15) {
+    Store16(dst, _mm_shuffle_epi8(_mm_srli_si128(Load16(source + 3 * pixels - 16), 1), reverse));
+  }
+  plain::ReverseRow24(dst, source, pixels);
+}
+
+void ReverseRow8(uint8_t* dst, const uint8_t* source, std::size_t pixels) {
+  const __m128i reverse = _mm_setr_epi8(15, 14, 13, 12, 11, 10, 9, 8, 7, 6, 5, 4, 3, 2, 1, 0);
+  for (; pixels >= 16; pixels -= 16, dst += 16) {
+    Store16(dst, _mm_shuffle_epi8(Load16(source + pixels - 16), reverse));
+  }
+  plain::ReverseRow8(dst, source, pixels);
+}
+
+// Five copies of a pixel are stored at once; the next pixel begins where they are no longer wanted.
+void StretchRow24(uint8_t* dst, const uint8_t* source, std::size_t pixels, const uint16_t* counts, std::size_t total) {
+  const __m128i replicate = _mm_setr_epi8(0, 1, 2, 0, 1, 2, 0, 1, 2, 0, 1, 2, 0, 1, 2, 0);
+  uint8_t* const end = dst + 3 * total;
+  std::size_t i = 0;
+  for (; i < pixels; ++i, source += 3) {
+    const std::size_t bytes = std::size_t{3} * counts[i];
+    // Room for the last store of this pixel, which may reach 15 bytes too far.
+    if (bytes + 16 > static_cast<std::size_t>(end - dst)) break;
+    int32_t pixel;
+    std::memcpy(&pixel, source, 4);
+    const __m128i copies = _mm_shuffle_epi8(_mm_cvtsi32_si128(pixel), replicate);
+    Store16(dst, copies);
+    for (std::size_t at = 15; at < bytes; at += 15) Store16(dst + at, copies);
+    dst += bytes;
+  }
+  plain::StretchRow24(dst, source, pixels - i, counts + i, 0);
+}
+
+void StretchRow8(uint8_t* dst, const uint8_t* source, std::size_t pixels, const uint16_t* counts, std::size_t total) {
+  uint8_t* const end = dst + total;
+  std::size_t i = 0;
+  for (; i < pixels; ++i, ++source) {
+    const std::size_t bytes = counts[i];
+    if (bytes + 8 > static_cast<std::size_t>(end - dst)) break;
+    const uint64_t copies = *source * uint64_t{0x0101010101010101};
+    std::memcpy(dst, &copies, 8);
+    for (std::size_t at = 8; at < bytes; at += 8) std::memcpy(dst + at, &copies, 8);
+    dst += bytes;
+  }
+  plain::StretchRow8(dst, source, pixels - i, counts + i, 0);
+}
+
+}  // namespace
+
+constinit const PixelRows kSsse3PixelRows = {
+    plain::ExpandBytesRow24,
+    plain::ExpandBytesRow8,
+    ExpandNibblesRow24,
+    ExpandNibblesRow8,
+    UnpackRow16,
+    PackRow32,
+    PackSwapRow32,
+    GrayRow24,
+    ReverseRow24,
+    ReverseRow8,
+    StretchRow24,
+    StretchRow8,
+};
+
+}  // namespace qnv

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+
+namespace qnv {
+
+// Stores a packed pixel of 3 or 1 bytes.
+template <std::size_t kBytes>
+void StorePixel(uint8_t* dst, uint32_t packed) {
+  for (std::size_t i = 0; i < kBytes; ++i) dst[i] = static_cast<uint8_t>(packed >> 8 * i);
+}
+
+// Stores pixelOf(0) .. pixelOf(pixels - 1) one after another. A three-byte pixel is stored with four: the next
+// one overwrites the fourth.
+template <std::size_t kBytes, class PixelOf>
+void StorePixels(uint8_t* dst, std::size_t pixels, PixelOf pixelOf) {
+  if (pixels == 0) return;
+  const std::size_t last = pixels - 1;
+  for (std::size_t i = 0; i < last; ++i, dst += kBytes) {
+    const uint32_t packed = pixelOf(i);
+    if constexpr (kBytes == 3) {
+      std::memcpy(dst, &packed, 4);
+    } else {
+      *dst = static_cast<uint8_t>(packed);
+    }
+  }
+  StorePixel<kBytes>(dst, pixelOf(last));
+}
+
+}  // namespace qnv

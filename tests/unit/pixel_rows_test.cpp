@@ -1,0 +1,204 @@
+// Image rows of every level against the formula that they stand for: all counts up to 200, sources that end at a
+// fence, destinations between fences.
+#include "raster/rows/pixel_rows.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <random>
+#include <vector>
+
+#include "raster/rows/row_kernels.h"
+#include "support/fenced_buffer.h"
+
+namespace qnv {
+namespace {
+
+constexpr std::size_t kMost = 200;
+
+struct Level {
+  const char* name;
+  CpuLevel level;
+};
+
+constexpr Level kLevels[] = {{"plain", CpuLevel::kPlain},
+                             {"sse2", CpuLevel::kSse2},
+                             {"ssse3", CpuLevel::kSsse3},
+                             {"avx2", CpuLevel::kAvx2}};
+
+using Bytes = std::vector<uint8_t>;
+
+class PixelRowsTest : public testing::TestWithParam<Level> {
+ protected:
+  void SetUp() override {
+    if (GetParam().level > DetectCpuLevel()) GTEST_SKIP() << "not on this machine";
+  }
+  const PixelRows& rows() const { return *KernelsFor(GetParam().level).image; }
+
+  Bytes Random(std::size_t bytes) {
+    Bytes result(bytes);
+    for (uint8_t& byte : result) byte = static_cast<uint8_t>(random_());
+    return result;
+  }
+
+  // Runs kernel(dst, source) and compares the bytes that it wrote.
+  template <class Kernel>
+  void Check(const Bytes& sourceBytes, const Bytes& expected, Kernel kernel) {
+    test::FencedBuffer source(sourceBytes.size(), 0);
+    if (!sourceBytes.empty()) std::memcpy(source.data(), sourceBytes.data(), sourceBytes.size());
+    for (const std::size_t lead : {std::size_t{0}, std::size_t{1}, std::size_t{7}}) {
+      test::FencedBuffer memory(lead + expected.size() + 1, 0x5A);
+      uint8_t* dst = memory.data() + lead;
+      kernel(dst, static_cast<const uint8_t*>(source.data()));
+      for (std::size_t i = 0; i < lead; ++i) ASSERT_EQ(memory.data()[i], 0x5A);
+      ASSERT_EQ(dst[expected.size()], 0x5A) << "after " << expected.size() << " bytes";
+      ASSERT_EQ(Bytes(dst, dst + expected.size()), expected) << expected.size() << " bytes, lead " << lead;
+      ASSERT_TRUE(memory.FencesIntact());
+    }
+  }
+
+  std::mt19937 random_{4711};
+};
+
+void Append24(Bytes* out, uint32_t packed) {
+  for (int i = 0; i < 3; ++i) out->push_back(static_cast<uint8_t>(packed >> 8 * i));
+}
+
+TEST_P(PixelRowsTest, ExpandBytes) {
+  uint32_t table[256];
+  for (uint32_t& entry : table) entry = random_() & 0xFFFFFF;
+  for (std::size_t pixels = 0; pixels <= kMost; ++pixels) {
+    const Bytes source = Random(pixels);
+    Bytes colours, grays;
+    for (const uint8_t index : source) {
+      Append24(&colours, table[index]);
+      grays.push_back(static_cast<uint8_t>(table[index]));
+    }
+    Check(source, colours, [&](uint8_t* d, const uint8_t* s) { rows().ExpandBytesRow24(d, s, pixels, table); });
+    Check(source, grays, [&](uint8_t* d, const uint8_t* s) { rows().ExpandBytesRow8(d, s, pixels, table); });
+  }
+}
+
+TEST_P(PixelRowsTest, ExpandNibbles) {
+  uint32_t table[16];
+  for (uint32_t& entry : table) entry = random_() & 0xFFFFFF;
+  for (std::size_t pixels = 0; pixels <= kMost; ++pixels) {
+    for (const bool odd : {false, true}) {
+      const Bytes source = Random((pixels + (odd ? 1 : 0) + 1) / 2);
+      Bytes colours, grays;
+      for (std::size_t i = 0; i < pixels; ++i) {
+        const std::size_t at = i + (odd ? 1 : 0);
+        const uint32_t entry = table[at % 2 == 0 ? source[at / 2] >> 4 : source[at / 2] & 15];
+        Append24(&colours, entry);
+        grays.push_back(static_cast<uint8_t>(entry));
+      }
+      Check(source, colours,
+            [&](uint8_t* d, const uint8_t* s) { rows().ExpandNibblesRow24(d, s, odd, pixels, table); });
+      Check(source, grays, [&](uint8_t* d, const uint8_t* s) { rows().ExpandNibblesRow8(d, s, odd, pixels, table); });
+    }
+  }
+}
+
+TEST_P(PixelRowsTest, UnpackRow16) {
+  constexpr PixelMasks kMasks[] = {
+      {{{0x001F, 11, 5}, {0x03E0, 6, 5}, {0x7C00, 1, 5}}},
+      {{{0x001F, 11, 5}, {0x07E0, 5, 6}, {0xF800, 0, 5}}},
+      {{{0x8000, 1, 31}, {0x0000, 16, 0}, {0x0001, 16, 31}}},
+      {{{0xFFFF, 0, 8}, {0xBF00, 0, 1}, {0x00FF, 8, 8}}},  // the second one's sum does not fit a byte
+  };
+  for (const PixelMasks& masks : kMasks) {
+    for (std::size_t pixels = 0; pixels <= kMost; ++pixels) {
+      const Bytes source = Random(2 * pixels);
+      Bytes expected;
+      for (std::size_t i = 0; i < pixels; ++i) {
+        const uint32_t pixel = static_cast<uint32_t>(source[2 * i] | source[2 * i + 1] << 8);
+        for (const ComponentMask& m : masks.component) {
+          const uint32_t v = (pixel & m.mask) << m.up >> 8;
+          expected.push_back(static_cast<uint8_t>(v + (v >> m.fill)));
+        }
+      }
+      Check(source, expected, [&](uint8_t* d, const uint8_t* s) { rows().UnpackRow16(d, s, pixels, masks); });
+    }
+  }
+}
+
+TEST_P(PixelRowsTest, Pack32AndGray24) {
+  for (std::size_t pixels = 0; pixels <= kMost; ++pixels) {
+    const Bytes four = Random(4 * pixels), three = Random(3 * pixels);
+    Bytes packed, swapped, gray;
+    for (std::size_t i = 0; i < pixels; ++i) {
+      for (std::size_t c = 0; c < 3; ++c) packed.push_back(four[4 * i + c]);
+      for (std::size_t c = 0; c < 3; ++c) swapped.push_back(four[4 * i + 2 - c]);
+      gray.push_back(static_cast<uint8_t>((three[3 * i] * 11 + three[3 * i + 1] * 59 + three[3 * i + 2] * 30) / 100));
+    }
+    Check(four, packed, [&](uint8_t* d, const uint8_t* s) { rows().PackRow32(d, s, pixels); });
+    Check(four, swapped, [&](uint8_t* d, const uint8_t* s) { rows().PackSwapRow32(d, s, pixels); });
+    Check(three, gray, [&](uint8_t* d, const uint8_t* s) { rows().GrayRow24(d, s, pixels); });
+  }
+}
+
+// The division by 100 is done by multiplication: every sum that can occur, through gray and near-gray pixels.
+TEST_P(PixelRowsTest, GrayOfEverySum) {
+  Bytes source;
+  for (int blue = 0; blue < 256; blue += 5) {
+    for (int green = 0; green < 256; ++green) {
+      for (int red = 0; red < 256; red += 3) {
+        source.push_back(static_cast<uint8_t>(blue));
+        source.push_back(static_cast<uint8_t>(green));
+        source.push_back(static_cast<uint8_t>(red));
+      }
+    }
+  }
+  const std::size_t pixels = source.size() / 3;
+  Bytes gray(pixels);
+  rows().GrayRow24(gray.data(), source.data(), pixels);
+  for (std::size_t i = 0; i < pixels; ++i) {
+    ASSERT_EQ(gray[i], (source[3 * i] * 11 + source[3 * i + 1] * 59 + source[3 * i + 2] * 30) / 100) << i;
+  }
+}
+
+TEST_P(PixelRowsTest, Reverse) {
+  for (std::size_t pixels = 0; pixels <= kMost; ++pixels) {
+    const Bytes three = Random(3 * pixels), one = Random(pixels);
+    Bytes threeBack, oneBack;
+    for (std::size_t i = pixels; i-- > 0;) {
+      threeBack.insert(threeBack.end(), three.begin() + static_cast<std::ptrdiff_t>(3 * i),
+                       three.begin() + static_cast<std::ptrdiff_t>(3 * i + 3));
+      oneBack.push_back(one[i]);
+    }
+    Check(three, threeBack, [&](uint8_t* d, const uint8_t* s) { rows().ReverseRow24(d, s, pixels); });
+    Check(one, oneBack, [&](uint8_t* d, const uint8_t* s) { rows().ReverseRow8(d, s, pixels); });
+  }
+}
+
+TEST_P(PixelRowsTest, Stretch) {
+  for (std::size_t pixels = 0; pixels <= 60; ++pixels) {
+    for (const uint32_t most : {1u, 2u, 4u, 9u, 40u}) {
+      const Bytes three = Random(3 * pixels), one = Random(pixels);
+      std::vector<uint16_t> counts(pixels);
+      Bytes threeStretched, oneStretched;
+      for (std::size_t i = 0; i < pixels; ++i) {
+        counts[i] = static_cast<uint16_t>(random_() % (most + 1));
+        for (std::size_t k = 0; k < counts[i]; ++k) {
+          for (std::size_t c = 0; c < 3; ++c) threeStretched.push_back(three[3 * i + c]);
+          oneStretched.push_back(one[i]);
+        }
+      }
+      const auto withSlack = [](Bytes bytes) {
+        bytes.resize(bytes.size() + kStretchSlack);
+        return bytes;
+      };
+      const std::size_t total = oneStretched.size();
+      Check(withSlack(three), threeStretched,
+            [&](uint8_t* d, const uint8_t* s) { rows().StretchRow24(d, s, pixels, counts.data(), total); });
+      Check(withSlack(one), oneStretched,
+            [&](uint8_t* d, const uint8_t* s) { rows().StretchRow8(d, s, pixels, counts.data(), total); });
+    }
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Levels, PixelRowsTest, testing::ValuesIn(kLevels),
+                         [](const auto& level) { return std::string(level.param.name); });
+
+}  // namespace
+}  // namespace qnv
