@@ -1,0 +1,285 @@
+// Realising brushes: header, hatch cells, pattern cells, and which bytes of the record stay untouched.
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cstddef>
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include "support/fenced_buffer.h"
+#include "support/random_bytes.h"
+#include "support/test_device.h"
+
+namespace qnv::test {
+namespace {
+
+constexpr uint8_t kStale = 0xEE;
+
+struct DeviceCase {
+  const char* name;
+  DeviceOptions options;
+  bool gray;
+};
+
+const DeviceCase kDevices[] = {
+    {"plain 24 bits", {.bitsPerPixel = 24}, false},
+    {"plain 8 bits", {.bitsPerPixel = 8}, true},
+    {"scaled", {.kind = QNV_KIND_SCALED, .bitsPerPixel = 24}, false},
+    {"scaled, 8 bits", {.kind = QNV_KIND_SCALED, .bitsPerPixel = 8}, false},
+    {"scaled gray mode", {.kind = QNV_KIND_SCALED, .bitsPerPixel = 0}, true},
+    {"dual-plane", {.bitsPerPixel = 24, .tagPlane = true}, false},
+    {"dual-plane, 8 bits", {.bitsPerPixel = 8, .tagPlane = true}, true},
+};
+
+// Realises into a record that is filled with kStale and ends where its memory ends.
+struct Realised {
+  uint32_t result = 0;
+  PhysicalBrush brush{};
+};
+
+Realised Realise(const TestDevice& device, const LogicalBrush& logical, uint32_t kind = OBJ_BRUSH) {
+  const LogicalBrush before = logical;
+  FencedBuffer memory(sizeof(PhysicalBrush), kStale);
+  Realised realised;
+  realised.result = QNVRealizeObject(device.handle(), kind, &logical, memory.data(), nullptr);
+  std::memcpy(&realised.brush, memory.data(), sizeof realised.brush);
+  EXPECT_TRUE(memory.FencesIntact());
+  EXPECT_EQ(0, std::memcmp(&before, &logical, sizeof logical)) << "the logical brush was written";
+  return realised;
+}
+
+void ExpectHeader(const PhysicalBrush& brush, uint16_t style, uint16_t hatch, uint16_t depth, uint32_t colour) {
+  EXPECT_EQ(style, uint16_t{brush.style});
+  EXPECT_EQ(hatch, uint16_t{brush.hatch});
+  EXPECT_EQ(depth, uint16_t{brush.patternDepth});
+  EXPECT_EQ(colour, uint32_t{brush.colour});
+}
+
+void ExpectCells(const PhysicalBrush& brush, const std::array<uint32_t, 64>& expected) {
+  for (std::size_t i = 0; i < 64; ++i) {
+    ASSERT_EQ(expected[i], uint32_t{brush.cells[i]}) << "cell " << i % 8 << " of row " << i / 8;
+  }
+}
+
+std::array<uint32_t, 64> StaleCells() {
+  std::array<uint32_t, 64> cells;
+  cells.fill(0xEEEEEEEE);
+  return cells;
+}
+
+TEST(Brushes, StylesAndResults) {
+  struct Case {
+    const char* name;
+    uint16_t style;
+    uint32_t result;
+  };
+  constexpr Case kStyles[] = {
+      {"solid", BS_SOLID, 0x8002}, {"hollow", BS_HOLLOW, 0x8000}, {"4", 4, 0}, {"5", 5, 0},
+      {"0x0100", 0x0100, 0},       {"0xFFFF", 0xFFFF, 0},
+  };
+  for (const DeviceCase& d : kDevices) {
+    const TestDevice device(d.options);
+    for (const Case& c : kStyles) {
+      SCOPED_TRACE(std::string(d.name) + ", style " + c.name);
+      const Realised realised = Realise(device, {c.style, 0x000000FF, -2, 0x00ABCDEF});
+      EXPECT_EQ(c.result, realised.result);
+      // Even of an unknown style the twelve bytes of the header are there.
+      ExpectHeader(realised.brush, c.style, 0xFFFE, 0, d.gray ? 0x004C4C4C : 0x000000FF);
+      EXPECT_EQ(1, realised.brush.hatchScale[0]);
+      EXPECT_EQ(1, realised.brush.hatchScale[1]);
+      ExpectCells(realised.brush, StaleCells());
+    }
+  }
+}
+
+TEST(Brushes, ColourKeepsItsTopByteOnColourDevices) {
+  const TestDevice device({.bitsPerPixel = 24});
+  EXPECT_EQ(0x7F112233u, uint32_t{Realise(device, {BS_SOLID, 0x7F112233, 0, 0}).brush.colour});
+  const TestDevice gray({.bitsPerPixel = 8});
+  EXPECT_EQ(0x00252525u, uint32_t{Realise(gray, {BS_SOLID, 0x7F112233, 0, 0}).brush.colour});
+}
+
+// One row of eight bits for each style, leftmost pixel first: 0 is a line pixel, 1 a gap.
+struct HatchCase {
+  const char* name;
+  int16_t hatch;
+  std::array<uint8_t, 8> rows;
+};
+
+constexpr HatchCase kHatches[] = {
+    {"HS_HORIZONTAL", HS_HORIZONTAL, {0x00, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF}},
+    {"HS_VERTICAL", HS_VERTICAL, {0x7F, 0x7F, 0x7F, 0x7F, 0x7F, 0x7F, 0x7F, 0x7F}},
+    {"HS_FDIAGONAL", HS_FDIAGONAL, {0x7F, 0xBF, 0xDF, 0xEF, 0xF7, 0xFB, 0xFD, 0xFE}},
+    {"HS_BDIAGONAL", HS_BDIAGONAL, {0xFE, 0xFD, 0xFB, 0xF7, 0xEF, 0xDF, 0xBF, 0x7F}},
+    {"HS_CROSS", HS_CROSS, {0x00, 0x7F, 0x7F, 0x7F, 0x7F, 0x7F, 0x7F, 0x7F}},
+    // Its last row has one pixel at the right end, where symmetry would ask for another.
+    {"HS_DIAGCROSS", HS_DIAGCROSS, {0x7D, 0xBB, 0xD7, 0xEF, 0xD7, 0xBB, 0x7D, 0xFE}},
+};
+
+TEST(Brushes, HatchCells) {
+  for (const DeviceCase& d : kDevices) {
+    const TestDevice device(d.options);
+    for (const HatchCase& h : kHatches) {
+      SCOPED_TRACE(std::string(d.name) + ", " + h.name);
+      // The gaps' colour is taken as it is, top byte and all, on gray devices too.
+      const uint32_t gap = 0x12AB34CD;
+      const Realised realised = Realise(device, {BS_HATCHED, 0x000000FF, h.hatch, gap});
+      EXPECT_EQ(0x8000u, realised.result);
+      const uint32_t colour = d.gray ? 0x004C4C4Cu : 0x000000FFu;
+      ExpectHeader(realised.brush, BS_HATCHED, static_cast<uint16_t>(h.hatch), 0, colour);
+      std::array<uint32_t, 64> expected;
+      for (std::size_t i = 0; i < 64; ++i) {
+        expected[i] = (h.rows[i / 8] >> (7 - i % 8) & 1) != 0 ? gap : colour | 0xFF000000u;
+      }
+      ExpectCells(realised.brush, expected);
+    }
+  }
+}
+
+TEST(Brushes, HatchIndexOutsideTheTableLeavesTheCells) {
+  const TestDevice device({});
+  for (int16_t hatch : {int16_t{6}, int16_t{7}, int16_t{-1}, int16_t{256}, int16_t{32767}, int16_t{-32768}}) {
+    SCOPED_TRACE(hatch);
+    const Realised realised = Realise(device, {BS_HATCHED, 0x00010203, hatch, 0x00FFFFFF});
+    EXPECT_EQ(0x8000u, realised.result);
+    ExpectHeader(realised.brush, BS_HATCHED, static_cast<uint16_t>(hatch), 0, 0x00010203);
+    ExpectCells(realised.brush, StaleCells());
+  }
+}
+
+TEST(Brushes, HatchScaleFollowsTheResolution) {
+  struct Case {
+    uint16_t resolutionA;
+    uint8_t scale;
+  };
+  constexpr Case kScales[] = {{0, 1},    {1, 1},    {360, 1},  {719, 1},  {720, 2},   {721, 2},
+                              {1439, 2}, {1440, 3}, {2159, 3}, {2160, 4}, {65535, 92}};
+  for (const DeviceCase& d : kDevices) {
+    for (const Case& c : kScales) {
+      SCOPED_TRACE(std::string(d.name) + ", resolution " + std::to_string(c.resolutionA));
+      const bool scaled = d.options.kind == QNV_KIND_SCALED;
+      if (scaled && c.resolutionA == 0) continue;  // no such device
+      DeviceOptions options = d.options;
+      options.resolutionA = c.resolutionA;
+      const TestDevice device(options);
+      const PhysicalBrush brush = Realise(device, {BS_HATCHED, 0, HS_CROSS, 0}).brush;
+      EXPECT_EQ(scaled ? 1 : c.scale, brush.hatchScale[0]);
+      EXPECT_EQ(scaled ? 1 : c.scale, brush.hatchScale[1]);
+    }
+  }
+}
+
+// The first eight pixels of eight rows of `bitsPixel`, `widthBytes` apart; the memory ends after the last of them.
+struct PatternBitmap {
+  PatternBitmap(uint8_t bitsPixel, uint16_t widthBytes, uint64_t seed, uint8_t planes = 1)
+      : memory(std::size_t{widthBytes} * 7 + (bitsPixel == 24  ? 24u
+                                              : bitsPixel == 8 ? 8u
+                                                               : 1u),
+               0),
+        record{0, 32, 32, widthBytes, planes, bitsPixel, memory.data()} {
+    FillWithNoise(&memory, seed);
+  }
+  const uint8_t* Row(std::size_t row) const { return memory.data() + row * record.bmWidthBytes; }
+  LogicalBrush Logical() const { return {BS_PATTERN, reinterpret_cast<uintptr_t>(&record), 3, 0x00ABCDEF}; }
+
+  FencedBuffer memory;
+  SourceBitmap record;
+};
+
+// The address of the bitmap is what stands in the colour field, and goes the way of a colour.
+uint32_t ColourOfAddress(const TestDevice& device, const PatternBitmap& bitmap) {
+  return QNVColorInfo(device.handle(), static_cast<uint32_t>(reinterpret_cast<uintptr_t>(&bitmap.record)), nullptr);
+}
+
+TEST(Brushes, ColourPatternCells) {
+  for (const DeviceCase& d : kDevices) {
+    for (uint16_t widthBytes : {uint16_t{24}, uint16_t{96}, uint16_t{25}, uint16_t{40000}}) {
+      SCOPED_TRACE(std::string(d.name) + ", rows " + std::to_string(widthBytes) + " bytes apart");
+      const TestDevice device(d.options);
+      const PatternBitmap bitmap(24, widthBytes, widthBytes);
+      const Realised realised = Realise(device, bitmap.Logical());
+      EXPECT_EQ(0x8000u, realised.result);
+      ExpectHeader(realised.brush, BS_PATTERN, 3, 24, ColourOfAddress(device, bitmap));
+      std::array<uint32_t, 64> expected;
+      for (std::size_t i = 0; i < 64; ++i) {
+        const uint8_t* p = bitmap.Row(i / 8) + i % 8 * 3;
+        expected[i] = 0xFF000000u | static_cast<uint32_t>(p[2]) << 16 | static_cast<uint32_t>(p[1]) << 8 | p[0];
+      }
+      ExpectCells(realised.brush, expected);
+    }
+  }
+}
+
+TEST(Brushes, GrayPatternCells) {
+  for (const DeviceCase& d : kDevices) {
+    for (uint16_t widthBytes : {uint16_t{8}, uint16_t{32}, uint16_t{65535}}) {
+      SCOPED_TRACE(std::string(d.name) + ", rows " + std::to_string(widthBytes) + " bytes apart");
+      const TestDevice device(d.options);
+      const PatternBitmap bitmap(8, widthBytes, widthBytes);
+      const Realised realised = Realise(device, bitmap.Logical());
+      EXPECT_EQ(0x8000u, realised.result);
+      ExpectHeader(realised.brush, BS_PATTERN, 3, 8, ColourOfAddress(device, bitmap));
+      std::array<uint32_t, 64> expected;
+      for (std::size_t i = 0; i < 64; ++i) expected[i] = 0xFF000000u | bitmap.Row(i / 8)[i % 8] * 0x010101u;
+      ExpectCells(realised.brush, expected);
+    }
+  }
+}
+
+// Every depth but 24 and 8 is read as one bit: a set bit is a white background cell.
+TEST(Brushes, OneBitPatternCells) {
+  for (const DeviceCase& d : kDevices) {
+    for (uint8_t bits : {uint8_t{1}, uint8_t{4}, uint8_t{16}, uint8_t{32}, uint8_t{0}}) {
+      for (uint8_t planes : {uint8_t{1}, uint8_t{3}}) {
+        SCOPED_TRACE(std::string(d.name) + ", " + std::to_string(bits) + " bits");
+        const TestDevice device(d.options);
+        const PatternBitmap bitmap(bits, 4, bits + 77u, planes);
+        const Realised realised = Realise(device, bitmap.Logical());
+        EXPECT_EQ(0x8000u, realised.result);
+        ExpectHeader(realised.brush, BS_PATTERN, 3, 1, 0);
+        std::array<uint32_t, 64> expected;
+        for (std::size_t i = 0; i < 64; ++i) {
+          expected[i] = (bitmap.Row(i / 8)[0] >> (7 - i % 8) & 1) != 0 ? 0x00FFFFFFu : 0xFF000000u;
+        }
+        ExpectCells(realised.brush, expected);
+      }
+    }
+  }
+}
+
+TEST(Brushes, RecordSizeWhenThereIsNoOutput) {
+  for (const DeviceCase& d : kDevices) {
+    SCOPED_TRACE(d.name);
+    const TestDevice device(d.options);
+    const LogicalBrush logical{BS_SOLID, 0, 0, 0};
+    EXPECT_EQ(268u, QNVRealizeObject(device.handle(), OBJ_BRUSH, &logical, nullptr, nullptr));
+    EXPECT_EQ(268u, QNVRealizeObject(device.handle(), OBJ_BRUSH, nullptr, nullptr, nullptr));
+    EXPECT_EQ(268u, QNVRealizeObject(device.handle(), 0x50002, &logical, nullptr, nullptr));
+  }
+}
+
+TEST(Brushes, KindCountsOnItsLowHalf) {
+  const TestDevice device({});
+  const Realised realised = Realise(device, {BS_SOLID, 0x00112233, 0, 0}, 0xABCD0002);
+  EXPECT_EQ(0x8002u, realised.result);
+  EXPECT_EQ(0x00112233u, uint32_t{realised.brush.colour});
+}
+
+TEST(Brushes, NullInputAndNullBitmapAreRefused) {
+  for (const DeviceCase& d : kDevices) {
+    SCOPED_TRACE(d.name);
+    const TestDevice device(d.options);
+    PhysicalBrush brush;
+    std::memset(&brush, kStale, sizeof brush);
+    const PhysicalBrush before = brush;
+    EXPECT_EQ(0u, QNVRealizeObject(device.handle(), OBJ_BRUSH, nullptr, &brush, nullptr));
+    EXPECT_EQ(0, std::memcmp(&before, &brush, sizeof brush));
+    const Realised realised = Realise(device, {BS_PATTERN, 0, 0, 0});
+    EXPECT_EQ(0u, realised.result);
+    ExpectCells(realised.brush, StaleCells());
+  }
+}
+
+}  // namespace
+}  // namespace qnv::test

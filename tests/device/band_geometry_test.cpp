@@ -1,0 +1,184 @@
+// Where a page pixel lies in band memory: stride, padding, moved bands, origin.
+#include <gtest/gtest.h>
+
+#include <climits>
+#include <string>
+
+#include "support/host_handle.h"
+#include "support/plane_image.h"
+#include "support/random_bytes.h"
+#include "support/test_device.h"
+#include "support/transfer_call.h"
+
+namespace qnv::test {
+namespace {
+
+struct StrideCase {
+  const char* name;
+  uint16_t kind;
+  uint16_t bitsPerPixel;
+  uint32_t width;
+  uint32_t stride;
+};
+
+constexpr StrideCase kStrides[] = {
+    {"24 bits, 1", 1, 24, 1, 4},       {"24 bits, 2", 1, 24, 2, 8},        {"24 bits, 3", 1, 24, 3, 12},
+    {"24 bits, 4", 1, 24, 4, 12},      {"24 bits, 5", 1, 24, 5, 16},       {"24 bits, 100", 1, 24, 100, 300},
+    {"24 bits, 101", 1, 24, 101, 304}, {"8 bits, 1", 1, 8, 1, 4},          {"8 bits, 4", 1, 8, 4, 4},
+    {"8 bits, 5", 1, 8, 5, 8},         {"8 bits, 100", 1, 8, 100, 100},    {"8 bits, 101", 1, 8, 101, 104},
+    {"scaled, 100", 0, 24, 100, 300},  {"scaled, 101", 0, 24, 101, 304},   {"scaled, 102", 0, 24, 102, 308},
+    {"scaled, 103", 0, 24, 103, 312},  {"gray mode, 101", 0, 0, 101, 304}, {"scaled 8 bits, 101", 0, 8, 101, 304},
+};
+
+// The first pixel of row 2 lies two strides into the buffer, the last one a pixel before the row's padding.
+TEST(BandGeometry, Stride) {
+  for (const StrideCase& c : kStrides) {
+    SCOPED_TRACE(c.name);
+    const uint32_t pixelBytes = c.kind == QNV_KIND_SCALED || c.bitsPerPixel == 24 ? 3 : 1;
+    FencedBuffer band(std::size_t{c.stride} * 3, 0xCC);
+    const HostHandle host({c.kind, c.bitsPerPixel, 360, c.width, 3, 360}, {0, 0, static_cast<int32_t>(c.width), 3},
+                          band.data());
+    const DRAWMODE mode = MakeDrawMode();
+    QNVPixel(host.get(), 0, 2, 0x111111, &mode, &kEverywhere);
+    QNVPixel(host.get(), static_cast<int32_t>(c.width) - 1, 0, 0x222222, &mode, &kEverywhere);
+    EXPECT_EQ(0xCC, band.data()[2 * c.stride - 1]);
+    EXPECT_EQ(0x11, band.data()[2 * c.stride]);
+    const std::size_t lastOfRow0 = (c.width - 1) * pixelBytes;
+    EXPECT_EQ(0x22, band.data()[lastOfRow0]);
+    EXPECT_EQ(0x22, band.data()[lastOfRow0 + pixelBytes - 1]);
+    for (std::size_t i = lastOfRow0 + pixelBytes; i < c.stride; ++i) EXPECT_EQ(0xCC, band.data()[i]) << "padding";
+    EXPECT_TRUE(band.FencesIntact());
+  }
+}
+
+// Every width up to 70: white over the whole band reaches every pixel and no byte of padding.
+TEST(BandGeometry, WholeBandAtEveryWidth) {
+  for (uint16_t bits : {uint16_t{24}, uint16_t{8}}) {
+    for (uint32_t width = 1; width <= 70; ++width) {
+      SCOPED_TRACE(std::to_string(bits) + " bits, width " + std::to_string(width));
+      TestDevice device({.bitsPerPixel = bits, .width = width, .height = 3, .left = -5, .top = 9});
+      FillWithNoise(&device.band(), width);
+      PlaneImage expected = BandImage(device);
+      expected.Fill({0, 0, expected.columns(), 3}, {0xFF, 0xFF, 0xFF});
+      const DRAWMODE mode = MakeDrawMode();
+      EXPECT_EQ(
+          1u,
+          Transfer(device.handle(),
+                   {.destX = -100, .destY = -100, .width = 300, .height = 300, .rop = WHITENESS, .drawMode = &mode}));
+      EXPECT_TRUE(BandShows(device, expected));
+    }
+  }
+}
+
+TEST(BandGeometry, EdgesOfABandAnywhereOnThePage) {
+  struct Case {
+    const char* name;
+    int32_t left;
+    int32_t top;
+    int32_t originX;
+    int32_t originY;
+  };
+  constexpr Case kCases[] = {
+      {"at the page's corner", 0, 0, 0, 0}, {"further down", 0, 96, 0, 0},
+      {"inside the page", 31, 77, 0, 0},    {"left of and above the page", -17, -9, 0, 0},
+      {"with an origin", 0, 0, 12, 34},     {"with a negative origin", 31, 77, -40, -80},
+      {"far out", 1000000, 2000000, 0, 0},  {"across zero", -3, -2, 1, 1},
+  };
+  for (uint16_t bits : {uint16_t{24}, uint16_t{8}}) {
+    for (const Case& c : kCases) {
+      SCOPED_TRACE(std::string(c.name) + ", " + std::to_string(bits) + " bits");
+      TestDevice device({.bitsPerPixel = bits, .width = 7, .height = 4, .left = c.left, .top = c.top});
+      device.SetOrigin(c.originX, c.originY);
+      PlaneImage expected = BandImage(device);
+      const DRAWMODE mode = MakeDrawMode();
+      const BandRect clip{INT_MIN / 2, INT_MIN / 2, INT_MAX / 2, INT_MAX / 2};
+      const int32_t x = c.left - c.originX;
+      const int32_t y = c.top - c.originY;
+      const auto put = [&](int32_t column, int32_t row, uint32_t colour) {
+        EXPECT_EQ(0u, QNVPixel(device.handle(), x + column, y + row, colour, &mode, &clip));
+      };
+      put(0, 0, 0x010101);
+      put(6, 3, 0x020202);
+      put(-1, 0, 0x999999);
+      put(0, -1, 0x999999);
+      put(7, 3, 0x999999);
+      put(6, 4, 0x999999);
+      expected.Set(0, 0, {1, 1, 1});
+      expected.Set(6, 3, {2, 2, 2});
+      EXPECT_TRUE(BandShows(device, expected));
+    }
+  }
+}
+
+// Coordinates at the ends of their range: whatever they wrap to, the band's memory is all that can be written.
+TEST(BandGeometry, ExtremeCoordinatesStayInsideTheBand) {
+  constexpr int32_t kExtremes[] = {INT_MIN, INT_MIN + 1, INT_MIN / 2, -1, 0, 1, INT_MAX / 2, INT_MAX - 1, INT_MAX};
+  struct Device {
+    const char* name;
+    DeviceOptions options;
+  };
+  const Device kDevices[] = {
+      {"24 bits", {.width = 7, .height = 3}},
+      {"8 bits", {.bitsPerPixel = 8, .width = 7, .height = 3}},
+      {"scaled", {.kind = QNV_KIND_SCALED, .width = 7, .height = 3, .resolutionA = 600, .resolutionB = 400}},
+      {"scaled up", {.kind = QNV_KIND_SCALED, .width = 7, .height = 3, .resolutionA = 300, .resolutionB = 400}},
+      {"dual-plane", {.width = 7, .height = 3, .tagPlane = true}},
+  };
+  const uint8_t pixels[16] = {};
+  const SourceBitmap source{0, 2, 2, 8, 1, 24, pixels};
+  for (const Device& d : kDevices) {
+    SCOPED_TRACE(d.name);
+    TestDevice device(d.options);
+    const DRAWMODE mode = MakeDrawMode();
+    const PhysicalBrush brush = SolidBrush(device.handle(), 0);
+    for (int32_t origin : kExtremes) {
+      device.SetOrigin(origin, -1 - origin);
+      for (int32_t a : kExtremes) {
+        for (int32_t b : kExtremes) {
+          const BandRect clip{b, b, a, a};
+          for (const BandRect* c : {&clip, &kEverywhere}) {
+            QNVPixel(device.handle(), a, b, 0, &mode, c);
+            QNVPixel(device.handle(), a, b, 0, nullptr, c);
+            EXPECT_EQ(1u, Transfer(device.handle(), {.destX = a,
+                                                     .destY = b,
+                                                     .width = b,
+                                                     .height = a,
+                                                     .rop = PATCOPY,
+                                                     .brush = &brush,
+                                                     .drawMode = &mode,
+                                                     .clip = c}));
+            EXPECT_EQ(1u, Transfer(device.handle(), {.destX = a,
+                                                     .destY = a,
+                                                     .source = &source,
+                                                     .srcX = b,
+                                                     .srcY = origin,
+                                                     .width = b,
+                                                     .height = b,
+                                                     .rop = SRCCOPY,
+                                                     .drawMode = &mode,
+                                                     .clip = c}));
+          }
+        }
+      }
+      ASSERT_TRUE(device.FencesIntact());
+    }
+  }
+}
+
+// A band rectangle moved to the ends of the coordinate range.
+TEST(BandGeometry, ExtremeBandRectangles) {
+  const DRAWMODE mode = MakeDrawMode();
+  for (int32_t left : {INT_MIN, INT_MAX - 7}) {
+    SCOPED_TRACE(left);
+    TestDevice device({.width = 7, .height = 1});
+    const BandRect rect{left, left, left + 7, left + 1};
+    QNVControl(device.handle(), QNV_SET_BAND_RECT, &rect, nullptr);
+    PlaneImage expected = BandImage(device);
+    QNVPixel(device.handle(), left + 6, left, 0x010203, &mode, &rect);
+    expected.Set(6, 0, {1, 2, 3});
+    EXPECT_TRUE(BandShows(device, expected));
+  }
+}
+
+}  // namespace
+}  // namespace qnv::test

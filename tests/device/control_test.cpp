@@ -1,0 +1,231 @@
+// The escapes of QNVControl on every device class: origin, band rectangle, clear.
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include "support/host_handle.h"
+#include "support/plane_image.h"
+#include "support/random_bytes.h"
+#include "support/tag_plane.h"
+#include "support/test_device.h"
+
+namespace qnv::test {
+namespace {
+
+struct DeviceClass {
+  const char* name;
+  uint16_t kind;
+  uint16_t bitsPerPixel;
+  bool tagPlane;
+};
+
+constexpr DeviceClass kClasses[] = {
+    {"plain 24 bits", QNV_KIND_RASTER, 24, false}, {"plain 8 bits", QNV_KIND_RASTER, 8, false},
+    {"scaled", QNV_KIND_SCALED, 24, false},        {"scaled gray mode", QNV_KIND_SCALED, 0, false},
+    {"dual-plane", QNV_KIND_RASTER, 24, true},
+};
+
+DeviceOptions OptionsOf(const DeviceClass& c) {
+  return {.kind = c.kind, .bitsPerPixel = c.bitsPerPixel, .width = 9, .height = 5, .tagPlane = c.tagPlane};
+}
+
+uint32_t Escape(const TestDevice& device, uint32_t code, const void* data) {
+  return QNVControl(device.handle(), code, data, nullptr) & 0xFFFF;
+}
+
+TEST(Control, ResultsOfEveryCode) {
+  struct Case {
+    const char* name;
+    uint32_t code;
+    uint32_t result;
+  };
+  constexpr Case kCodes[] = {
+      {"origin", 0x2000, 1},
+      {"band rectangle", 0x2001, 1},
+      {"clear", 0x2002, 1},
+      {"origin, upper half ignored", 0x12000, 1},
+      {"band rectangle, upper half ignored", 0xFFFF2001, 1},
+      {"clear, upper half ignored", 0x80002002, 1},
+      {"nothing", 0, 0},
+      {"below", 0x1FFF, 0},
+      {"above", 0x2003, 0},
+      {"low byte alone", 0x0000, 0},
+      {"code in the upper half", 0x20000000, 0},
+      {"code in the upper half, swapped", 0x20010000, 0},
+      {"all bits", 0xFFFFFFFF, 0},
+  };
+  const BandRect data{0, 0, 9, 5};  // also a fine origin
+  for (const DeviceClass& c : kClasses) {
+    for (const Case& k : kCodes) {
+      SCOPED_TRACE(std::string(c.name) + ", " + k.name);
+      TestDevice device(OptionsOf(c));
+      const PlaneImage before = BandImage(device);
+      EXPECT_EQ(k.result, Escape(device, k.code, &data));
+      if (k.code << 16 != QNV_CLEAR_BAND << 16) {
+        EXPECT_TRUE(BandShows(device, before));
+      }
+    }
+  }
+}
+
+TEST(Control, UnknownCodesChangeNothing) {
+  for (const DeviceClass& c : kClasses) {
+    SCOPED_TRACE(c.name);
+    TestDevice device(OptionsOf(c));
+    const BandRect data{3, 2, 12, 7};
+    for (uint32_t code : {0x1FFFu, 0x2003u, 0u, 0x2100u}) EXPECT_EQ(0u, Escape(device, code, &data));
+    PlaneImage expected = BandImage(device);
+    const DRAWMODE mode = MakeDrawMode();
+    QNVPixel(device.handle(), 1, 1, 0x040404, &mode, &kEverywhere);
+    expected.Set(1, 1, {4, 4, 4});
+    EXPECT_TRUE(BandShows(device, expected));
+  }
+}
+
+TEST(Control, NullDataIsRefusedAndChangesNothing) {
+  for (const DeviceClass& c : kClasses) {
+    SCOPED_TRACE(c.name);
+    TestDevice device(OptionsOf(c));
+    device.SetOrigin(2, 1);
+    EXPECT_EQ(0u, Escape(device, QNV_SET_ORIGIN, nullptr));
+    EXPECT_EQ(0u, Escape(device, QNV_SET_BAND_RECT, nullptr));
+    PlaneImage expected = BandImage(device);
+    const DRAWMODE mode = MakeDrawMode();
+    QNVPixel(device.handle(), 1, 1, 0x040404, &mode, &kEverywhere);
+    expected.Set(3, 2, {4, 4, 4});
+    EXPECT_TRUE(BandShows(device, expected));
+  }
+}
+
+TEST(Control, OriginIsReplacedNotAdded) {
+  for (const DeviceClass& c : kClasses) {
+    SCOPED_TRACE(c.name);
+    TestDevice device(OptionsOf(c));
+    device.SetOrigin(5, 4);
+    device.SetOrigin(2, 1);
+    PlaneImage expected = BandImage(device);
+    const DRAWMODE mode = MakeDrawMode();
+    QNVPixel(device.handle(), 1, 1, 0x040404, &mode, &kEverywhere);
+    expected.Set(3, 2, {4, 4, 4});
+    device.SetOrigin(-3, -2);
+    QNVPixel(device.handle(), 4, 2, 0x070707, &mode, &kEverywhere);
+    expected.Set(1, 0, {7, 7, 7});
+    EXPECT_TRUE(BandShows(device, expected));
+  }
+}
+
+TEST(Control, BandRectMovesTheBandAndKeepsTheOrigin) {
+  for (const DeviceClass& c : kClasses) {
+    SCOPED_TRACE(c.name);
+    TestDevice device(OptionsOf(c));
+    device.SetOrigin(1, 2);
+    device.MoveBand(100, 50);
+    PlaneImage expected = BandImage(device);
+    const DRAWMODE mode = MakeDrawMode();
+    QNVPixel(device.handle(), 100, 50, 0x040404, &mode, &kEverywhere);
+    expected.Set(1, 2, {4, 4, 4});
+    QNVPixel(device.handle(), 1, 1, 0x070707, &mode, &kEverywhere);  // where the band was
+    device.MoveBand(-4, -3);
+    QNVPixel(device.handle(), -5, -5, 0x050505, &mode, &kEverywhere);
+    expected.Set(0, 0, {5, 5, 5});
+    EXPECT_TRUE(BandShows(device, expected));
+  }
+}
+
+// A band may be narrower and lower than its buffer: rows still lie a whole stride apart.
+TEST(Control, BandRectMayBeSmallerThanTheBuffer) {
+  for (const DeviceClass& c : kClasses) {
+    SCOPED_TRACE(c.name);
+    TestDevice device(OptionsOf(c));
+    const BandRect small{20, 30, 24, 33};
+    EXPECT_EQ(1u, Escape(device, QNV_SET_BAND_RECT, &small));
+    PlaneImage expected = BandImage(device);
+    DRAWMODE mode = MakeDrawMode();
+    QNVPolyPixel(device.handle(), 10, 25, 40, 45, 0x040404, &mode, &kEverywhere);
+    expected.Fill({0, 0, 4, 3}, {4, 4, 4});
+    EXPECT_TRUE(BandShows(device, expected));
+  }
+}
+
+TEST(Control, InputIsNotWritten) {
+  TestDevice device({.width = 9, .height = 5});
+  DrawingOrigin origin{3, -4};
+  BandRect rect{1, 2, 10, 7};
+  uint32_t extra = 0x12345678;
+  QNVControl(device.handle(), QNV_SET_ORIGIN, &origin, &extra);
+  QNVControl(device.handle(), QNV_SET_BAND_RECT, &rect, &extra);
+  QNVControl(device.handle(), QNV_CLEAR_BAND, &rect, &extra);
+  EXPECT_EQ(3, int32_t{origin.x});
+  EXPECT_EQ(-4, int32_t{origin.y});
+  EXPECT_EQ("(1, 2, 10, 7)", Describe(rect));
+  EXPECT_EQ(0x12345678u, extra);
+}
+
+// Clear: how many bytes of 0xFF, from the first byte of a buffer that has a few more.
+struct ClearCase {
+  const char* name;
+  uint16_t kind;
+  uint16_t bitsPerPixel;
+  bool second;
+  uint32_t width;
+  uint32_t height;
+  uint32_t white;  // bytes
+  uint32_t ones;   // bytes of 0x01 in the second buffer
+};
+
+constexpr ClearCase kClearCases[] = {
+    {"24 bits, no padding", 1, 24, false, 100, 10, 3000, 0},
+    {"24 bits, one byte of padding", 1, 24, false, 101, 10, 3040, 0},
+    {"24 bits, one pixel", 1, 24, false, 1, 1, 4, 0},
+    {"24 bits, no columns", 1, 24, false, 0, 7, 0, 0},
+    {"24 bits, no rows", 1, 24, false, 10, 0, 0, 0},
+    {"8 bits, no padding", 1, 8, false, 100, 10, 1000, 0},
+    {"8 bits, padding", 1, 8, false, 101, 10, 1040, 0},
+    {"8 bits, one pixel", 1, 8, false, 1, 3, 12, 0},
+    {"scaled, width 100", 0, 24, false, 100, 3, 900, 0},
+    {"scaled, width 101", 0, 24, false, 101, 3, 912, 0},
+    {"scaled gray mode keeps three bytes a pixel", 0, 0, false, 101, 3, 912, 0},
+    {"scaled 8 bits keeps three bytes a pixel", 0, 8, false, 101, 3, 912, 0},
+    {"dual-plane", 1, 24, true, 101, 2, 608, 208},
+    {"dual-plane, no padding", 1, 24, true, 100, 2, 600, 200},
+    {"dual-plane of 8 bits clears three bytes a pixel", 1, 8, true, 101, 2, 608, 208},
+    {"dual-plane of 16 bits", 1, 16, true, 5, 3, 48, 24},
+};
+
+TEST(Control, ClearFillsTheWholeBuffer) {
+  for (const ClearCase& c : kClearCases) {
+    SCOPED_TRACE(c.name);
+    constexpr std::size_t kBeyond = 64;
+    FencedBuffer band(c.white + kBeyond, 0xCC);
+    FencedBuffer second(c.ones + kBeyond, 0xCC);
+    const BandRect rect{0, 0, static_cast<int32_t>(c.width), static_cast<int32_t>(c.height)};
+    const HostHandle host({c.kind, c.bitsPerPixel, 360, c.width, c.height, 360}, rect, band.data(),
+                          c.second ? second.data() : nullptr);
+    ASSERT_NE(nullptr, host.get());
+    // Neither the band's place nor the origin nor the band's size matters.
+    const BandRect elsewhere{1000, 2000, 1002, 2001};
+    const DrawingOrigin origin{77, -33};
+    QNVControl(host.get(), QNV_SET_BAND_RECT, &elsewhere, nullptr);
+    QNVControl(host.get(), QNV_SET_ORIGIN, &origin, nullptr);
+    EXPECT_EQ(1u, QNVControl(host.get(), QNV_CLEAR_BAND, nullptr, nullptr) & 0xFFFF);
+    for (std::size_t i = 0; i < band.size(); ++i) ASSERT_EQ(i < c.white ? 0xFF : 0xCC, band.data()[i]) << "byte " << i;
+    for (std::size_t i = 0; i < second.size(); ++i) {
+      ASSERT_EQ(i < c.ones ? 0x01 : 0xCC, second.data()[i]) << "second buffer, byte " << i;
+    }
+    EXPECT_TRUE(band.FencesIntact());
+    EXPECT_TRUE(second.FencesIntact());
+  }
+}
+
+TEST(Control, ClearWithoutABufferSucceeds) {
+  for (uint16_t kind : {uint16_t{QNV_KIND_SCALED}, uint16_t{QNV_KIND_RASTER}}) {
+    SCOPED_TRACE(kind);
+    const HostHandle host({kind, 24, 360, 8, 4, 360}, {0, 0, 8, 4}, nullptr);
+    EXPECT_EQ(1u, QNVControl(host.get(), QNV_CLEAR_BAND, nullptr, nullptr) & 0xFFFF);
+  }
+}
+
+}  // namespace
+}  // namespace qnv::test

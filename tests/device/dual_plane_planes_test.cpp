@@ -1,0 +1,185 @@
+// The two planes of a dual-plane device: when tags are written at all, and that both planes share band and origin.
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "support/plane_image.h"
+#include "support/tag_plane.h"
+#include "support/test_device.h"
+#include "support/transfer_call.h"
+
+namespace qnv::test {
+namespace {
+
+constexpr DeviceOptions kDual{.width = 9, .height = 5, .tagPlane = true};
+
+// One pixel of ink by each drawing call that is neither text nor image.
+struct DrawingCase {
+  const char* name;
+  void (*draw)(const TestDevice& device, int32_t x, int32_t y);
+};
+
+void DrawPixel(const TestDevice& device, int32_t x, int32_t y) {
+  const DRAWMODE mode = MakeDrawMode();
+  QNVPixel(device.handle(), x, y, 0x010203, &mode, &kEverywhere);
+}
+
+void DrawPolyPixel(const TestDevice& device, int32_t x, int32_t y) {
+  const DRAWMODE mode = MakeDrawMode();
+  QNVPolyPixel(device.handle(), x, y, x, y, 0x010203, &mode, &kEverywhere);
+}
+
+void DrawSpan(const TestDevice& device, int32_t x, int32_t y) {
+  const DRAWMODE mode = MakeDrawMode();
+  const PhysicalPen pen = SolidPen(device.handle(), 0x010203);
+  const int16_t points[] = {0, static_cast<int16_t>(y), static_cast<int16_t>(x), static_cast<int16_t>(x + 1)};
+  QNVOutput(device.handle(), OS_SCANLINES, 2, points, &pen, nullptr, &mode, &kEverywhere);
+}
+
+void DrawTransfer(const TestDevice& device, int32_t x, int32_t y) {
+  const DRAWMODE mode = MakeDrawMode();
+  const PhysicalBrush brush = SolidBrush(device.handle(), 0x010203);
+  EXPECT_EQ(
+      1u,
+      Transfer(device.handle(),
+               {.destX = x, .destY = y, .width = 1, .height = 1, .rop = PATCOPY, .brush = &brush, .drawMode = &mode}));
+}
+
+constexpr DrawingCase kDrawings[] = {
+    {"Pixel", DrawPixel}, {"PolyPixel", DrawPolyPixel}, {"Output", DrawSpan}, {"DevBitBlt", DrawTransfer}};
+
+TEST(DualPlane, UniformPlaneIsNeverWritten) {
+  for (bool cleared : {false, true}) {
+    for (const DrawingCase& c : kDrawings) {
+      SCOPED_TRACE(std::string(c.name) + (cleared ? ", after a clear" : ", just made"));
+      TestDevice device(kDual);
+      if (cleared) device.Clear();
+      device.tags()->Fill(kOldTag);  // what a uniform plane really holds is not looked at
+      PlaneImage band = BandImage(device);
+      const PlaneImage tags = TagImage(device);
+      c.draw(device, 3, 2);
+      band.Set(3, 2, {1, 2, 3});
+      EXPECT_TRUE(BandShows(device, band));
+      EXPECT_TRUE(TagsShow(device, tags));
+    }
+  }
+}
+
+TEST(DualPlane, AfterAnImageEveryDrawingTags) {
+  for (const DrawingCase& c : kDrawings) {
+    SCOPED_TRACE(c.name);
+    TestDevice device(kDual);
+    MakeTagsMixed(&device, 1);
+    PlaneImage band = BandImage(device);
+    PlaneImage tags = TagImage(device);
+    c.draw(device, 8, 4);
+    band.Set(8, 4, {1, 2, 3});
+    tags.Set(8, 4, {1, 0, 0});
+    EXPECT_TRUE(BandShows(device, band));
+    EXPECT_TRUE(TagsShow(device, tags));
+  }
+}
+
+TEST(DualPlane, ImagesTagWithThree) {
+  TestDevice device(kDual);
+  device.Clear();
+  PlaneImage band = BandImage(device);
+  PlaneImage tags = TagImage(device);
+  EXPECT_EQ(1u, PaintOnePixelImage(device.handle(), 4, 1));
+  band.Set(4, 1, {0x10, 0x20, 0x30});
+  tags.Set(4, 1, {3, 0, 0});
+  EXPECT_TRUE(BandShows(device, band));
+  EXPECT_TRUE(TagsShow(device, tags));
+  // Overpainted by graphics it is no image any more.
+  DrawPixel(device, 4, 1);
+  band.Set(4, 1, {1, 2, 3});
+  tags.Set(4, 1, {1, 0, 0});
+  EXPECT_TRUE(BandShows(device, band));
+  EXPECT_TRUE(TagsShow(device, tags));
+}
+
+TEST(DualPlane, ClearMakesThePlaneUniformAgain) {
+  TestDevice device(kDual);
+  MakeTagsMixed(&device, 2);
+  device.Clear();
+  device.tags()->Fill(kOldTag);
+  const PlaneImage tags = TagImage(device);
+  for (const DrawingCase& c : kDrawings) c.draw(device, 3, 2);
+  EXPECT_TRUE(TagsShow(device, tags));
+}
+
+// An image that is clipped away whole paints nothing and leaves the plane as uniform as it was.
+TEST(DualPlane, ClippedImageLeavesThePlaneUniform) {
+  TestDevice device(kDual);
+  device.Clear();
+  EXPECT_EQ(0u, PaintOnePixelImage(device.handle(), 9, 5));
+  device.tags()->Fill(kOldTag);
+  const PlaneImage tags = TagImage(device);
+  DrawPixel(device, 3, 2);
+  EXPECT_TRUE(TagsShow(device, tags));
+}
+
+TEST(DualPlane, BothPlanesMoveTogether) {
+  for (const DrawingCase& c : kDrawings) {
+    SCOPED_TRACE(c.name);
+    TestDevice device(kDual);
+    MakeTagsMixed(&device, 3);
+    device.MoveBand(100, 50);
+    device.SetOrigin(90, 40);
+    PlaneImage band = BandImage(device);
+    PlaneImage tags = TagImage(device);
+    c.draw(device, 12, 13);  // (102, 53) on the page
+    band.Set(2, 3, {1, 2, 3});
+    tags.Set(2, 3, {1, 0, 0});
+    c.draw(device, 9, 10);   // left of the band
+    c.draw(device, 10, 9);   // above it
+    c.draw(device, 19, 10);  // right of it
+    c.draw(device, 10, 15);  // below it
+    EXPECT_TRUE(BandShows(device, band));
+    EXPECT_TRUE(TagsShow(device, tags));
+  }
+}
+
+// A description of another depth still makes a dual-plane device. Whatever its rows then mean, they lie inside
+// stride x height of that depth.
+TEST(DualPlane, OtherDepthsStayInsideTheirPlanes) {
+  for (uint16_t bits : {uint16_t{8}, uint16_t{16}, uint16_t{32}, uint16_t{0}}) {
+    for (bool mixed : {false, true}) {
+      SCOPED_TRACE(std::to_string(bits) + " bits" + (mixed ? ", tags mixed" : ""));
+      TestDevice device({.bitsPerPixel = bits, .width = 9, .height = 5, .tagPlane = true});
+      if (mixed) PaintOnePixelImage(device.handle(), 0, 0);
+      for (const DrawingCase& c : kDrawings) {
+        for (int32_t y = -1; y <= 5; ++y) {
+          for (int32_t x = -1; x <= 9; ++x) c.draw(device, x, y);
+        }
+        EXPECT_TRUE(device.FencesIntact()) << c.name;
+      }
+      const DRAWMODE mode = MakeDrawMode();
+      const PhysicalBrush brush = HatchBrush(device.handle(), HS_CROSS, 0x123456);
+      const uint8_t pixels[12 * 3 * 8] = {};
+      const SourceBitmap source{0, 12, 8, 36, 1, 24, pixels};
+      const uint8_t bitRows[2 * 8] = {0x5A, 0xA5, 0xFF, 0x00};
+      const SourceBitmap oneBit{0, 12, 8, 2, 1, 1, bitRows};
+      for (uint32_t index = 0; index < 256; ++index) {
+        for (const SourceBitmap* s : {&source, &oneBit}) {
+          Transfer(device.handle(), {.destX = -1,
+                                     .destY = -1,
+                                     .source = s,
+                                     .width = 12,
+                                     .height = 8,
+                                     .rop = index << 16,
+                                     .brush = &brush,
+                                     .drawMode = &mode});
+        }
+      }
+      EXPECT_TRUE(device.FencesIntact()) << "transfers";
+      for (int32_t y = -1; y <= 5; ++y) {
+        for (int32_t x = -1; x <= 9; ++x) PaintOnePixelImage(device.handle(), x, y);
+      }
+      EXPECT_TRUE(device.FencesIntact()) << "images";
+    }
+  }
+}
+
+}  // namespace
+}  // namespace qnv::test

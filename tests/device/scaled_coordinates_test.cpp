@@ -1,0 +1,213 @@
+// The resolution-mapping device: where a page coordinate lands, and which page rows and columns have a place at all.
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "support/plane_image.h"
+#include "support/random_bytes.h"
+#include "support/test_device.h"
+#include "support/transfer_call.h"
+
+namespace qnv::test {
+namespace {
+
+struct Resolutions {
+  uint16_t a;
+  uint16_t b;
+};
+
+std::string Describe(const Resolutions& r) { return std::to_string(r.a) + " to " + std::to_string(r.b); }
+
+struct RoundedCase {
+  Resolutions resolutions;
+  int32_t page;
+  int32_t band;
+};
+
+constexpr RoundedCase kRounded[] = {
+    {{360, 360}, 0, 0},
+    {{360, 360}, 17, 17},
+    {{360, 360}, -9, -9},
+    // Two to one: the exact half goes away from zero.
+    {{720, 360}, 0, 0},
+    {{720, 360}, 1, 1},
+    {{720, 360}, 2, 1},
+    {{720, 360}, 3, 2},
+    {{720, 360}, 18, 9},
+    {{720, 360}, 19, 10},
+    {{720, 360}, 20, 10},
+    {{720, 360}, 21, 11},
+    {{720, 360}, -1, -1},
+    {{720, 360}, -2, -1},
+    {{720, 360}, -3, -2},
+    {{720, 360}, -4, -2},
+    {{2, 1}, 19, 10},
+    {{2, 1}, -1, -1},
+    // Three to two.
+    {{600, 400}, 1, 1},
+    {{600, 400}, 2, 1},
+    {{600, 400}, 3, 2},
+    {{600, 400}, 4, 3},
+    {{600, 400}, 5, 3},
+    {{600, 400}, -1, -1},
+    {{600, 400}, -2, -1},
+    {{600, 400}, -4, -3},
+    {{7, 5}, 1, 1},
+    {{7, 5}, 2, 1},
+    {{7, 5}, 5, 4},
+    {{7, 5}, 6, 4},
+    // Upwards.
+    {{360, 720}, 10, 20},
+    {{360, 720}, -3, -6},
+    {{360, 1440}, 5, 20},
+    {{400, 600}, 1, 2},
+    {{400, 600}, 3, 5},
+    {{400, 600}, -1, -2},
+    {{400, 600}, -3, -5},
+    // The ends of the 16-bit resolutions.
+    {{65535, 1}, 32767, 0},
+    {{65535, 1}, 32768, 1},
+    {{65535, 65535}, 21, 21},
+    {{1, 20}, 1, 20},
+    {{1, 20}, -1, -20},
+};
+
+TEST(ScaledCoordinates, PixelsAreRoundedToTheNearest) {
+  const DRAWMODE mode = MakeDrawMode();
+  for (const RoundedCase& c : kRounded) {
+    SCOPED_TRACE(Describe(c.resolutions) + ", page " + std::to_string(c.page));
+    TestDevice device({.kind = QNV_KIND_SCALED,
+                       .width = 45,
+                       .height = 45,
+                       .resolutionA = c.resolutions.a,
+                       .resolutionB = c.resolutions.b,
+                       .left = -22,
+                       .top = -22});
+    PlaneImage expected = BandImage(device);
+    QNVPixel(device.handle(), c.page, c.page, 0x010203, &mode, &kEverywhere);
+    expected.Set(c.band + 22, c.band + 22, {1, 2, 3});
+    EXPECT_TRUE(BandShows(device, expected));
+  }
+}
+
+// Rows and columns are rounded on their own, after the origin has been added at page resolution.
+TEST(ScaledCoordinates, OriginIsAddedBeforeRounding) {
+  TestDevice device(
+      {.kind = QNV_KIND_SCALED, .width = 20, .height = 20, .resolutionA = 720, .resolutionB = 360, .fill = 0});
+  const DRAWMODE mode = MakeDrawMode();
+  device.SetOrigin(1, 2);
+  PlaneImage expected = BandImage(device);
+  QNVPixel(device.handle(), 4, 4, 0x010203, &mode, &kEverywhere);  // 5 / 2 and 6 / 2
+  expected.Set(3, 3, {1, 2, 3});
+  QNVPixel(device.handle(), 9, 9, 0x040506, &mode, &kEverywhere);  // 10 / 2 and 11 / 2
+  expected.Set(5, 6, {4, 5, 6});
+  EXPECT_TRUE(BandShows(device, expected));
+}
+
+struct KeptCase {
+  Resolutions resolutions;
+  std::vector<int32_t> band;  // of page 0, 1, 2 ...; -1 where the page row or column has no place
+};
+
+const std::vector<KeptCase>& KeptCases() {
+  static const std::vector<KeptCase> cases = {
+      {{360, 360}, {0, 1, 2, 3, 4, 5, 6, 7}},
+      {{720, 360}, {0, -1, 1, -1, 2, -1, 3, -1, 4, -1}},
+      {{2, 1}, {0, -1, 1, -1, 2, -1, 3, -1}},
+      {{3, 1}, {0, -1, -1, 1, -1, -1, 2, -1, -1, 3}},
+      {{600, 400}, {0, 1, -1, 2, 3, -1, 4, 5, -1, 6}},
+      {{3, 2}, {0, 1, -1, 2, 3, -1, 4, 5, -1, 6}},
+      {{7, 5}, {0, 1, -1, 2, 3, -1, 4, 5, 6, -1, 7, 8, -1, 9}},
+      {{360, 720}, {0, 2, 4, 6, 8}},
+      {{360, 1440}, {0, 4, 8, 12}},
+      {{400, 600}, {0, 2, 3, 5, 6, 8, 9}},
+      {{1, 3}, {0, 3, 6, 9}},
+      {{1, 1}, {0, 1, 2, 3, 4}},
+  };
+  return cases;
+}
+
+// A transfer of one page pixel paints one band pixel or none.
+TEST(ScaledCoordinates, TransfersKeepOrDropWholeRowsAndColumns) {
+  for (const KeptCase& c : KeptCases()) {
+    const int32_t count = static_cast<int32_t>(c.band.size());
+    for (int32_t y = 0; y < count; ++y) {
+      for (int32_t x = 0; x < count; ++x) {
+        SCOPED_TRACE(Describe(c.resolutions) + ", page (" + std::to_string(x) + ", " + std::to_string(y) + ")");
+        TestDevice device({.kind = QNV_KIND_SCALED,
+                           .width = 16,
+                           .height = 16,
+                           .resolutionA = c.resolutions.a,
+                           .resolutionB = c.resolutions.b});
+        PlaneImage expected = BandImage(device);
+        const int32_t column = c.band[static_cast<std::size_t>(x)];
+        const int32_t row = c.band[static_cast<std::size_t>(y)];
+        if (column >= 0 && row >= 0) expected.Set(column, row, {0, 0, 0});
+        EXPECT_EQ(1u, Transfer(device.handle(), {.destX = x, .destY = y, .width = 1, .height = 1, .rop = BLACKNESS}));
+        EXPECT_TRUE(BandShows(device, expected));
+      }
+    }
+  }
+}
+
+// The kept page indices of one period, from their definition: the nearest one for each band index, a half going down.
+std::vector<bool> KeptOfPeriod(const Resolutions& r) {
+  std::vector<bool> kept(r.a + 1u, false);
+  for (uint32_t j = 0; j < r.b; ++j) {
+    const uint32_t product = j * r.a;
+    kept[product / r.b + (product % r.b > r.b / 2u ? 1 : 0)] = true;
+  }
+  return kept;
+}
+
+int64_t Rounded(int64_t value, int64_t multiplier, int64_t divisor) {
+  return (value * multiplier + divisor / 2) / divisor;  // of values that are not negative
+}
+
+// Several periods in one row: which band columns are reached, and that nothing lands past the last one.
+TEST(ScaledCoordinates, WholeRowsOverSeveralPeriods) {
+  constexpr Resolutions kPairs[] = {{720, 360}, {600, 400},  {360, 720},  {7, 5},    {5, 7},    {97, 89},
+                                    {89, 97},   {360, 1440}, {1440, 360}, {100, 99}, {99, 100}, {3, 2}};
+  for (const Resolutions& r : kPairs) {
+    for (uint32_t width : {1u, 2u, 5u, 34u, 301u}) {
+      SCOPED_TRACE(Describe(r) + ", width " + std::to_string(width));
+      TestDevice device({.kind = QNV_KIND_SCALED, .width = width, .height = 1, .resolutionA = r.a, .resolutionB = r.b});
+      FillWithNoise(&device.band(), width);
+      PlaneImage expected = BandImage(device);
+      const std::vector<bool> kept = KeptOfPeriod(r);
+      const int64_t pageColumns = Rounded(width, r.a, r.b);
+      for (int64_t page = 0; page < pageColumns && Rounded(1, r.a, r.b) > 0; ++page) {
+        const int64_t column = Rounded(page, r.b, r.a);
+        if (kept[static_cast<std::size_t>(page) % r.a] && column < width) {
+          expected.Set(static_cast<int32_t>(column), 0, {0, 0, 0});
+        }
+      }
+      EXPECT_EQ(1u, Transfer(device.handle(), {.width = 10000, .height = 1, .rop = BLACKNESS}));
+      EXPECT_TRUE(BandShows(device, expected));
+    }
+  }
+}
+
+// Eight page columns and rows belong to a band of five at 600 to 400; the last kept one would round to a sixth.
+TEST(ScaledCoordinates, NothingLandsOnePastTheBand) {
+  TestDevice device({.kind = QNV_KIND_SCALED, .width = 5, .height = 5, .resolutionA = 600, .resolutionB = 400});
+  PlaneImage expected = BandImage(device);
+  expected.Fill({0, 0, 5, 5}, {0, 0, 0});
+  EXPECT_EQ(1u, Transfer(device.handle(), {.width = 8, .height = 8, .rop = BLACKNESS}));
+  EXPECT_TRUE(BandShows(device, expected));
+}
+
+// The rounding has a place for the pixel past the band that is given, but the buffer goes on there: it is dropped.
+TEST(ScaledCoordinates, NothingLandsOnePastASmallerBandRect) {
+  TestDevice device({.kind = QNV_KIND_SCALED, .width = 12, .height = 12, .resolutionA = 600, .resolutionB = 400});
+  const BandRect small{0, 0, 5, 5};
+  QNVControl(device.handle(), QNV_SET_BAND_RECT, &small, nullptr);
+  PlaneImage expected = BandImage(device);
+  expected.Fill({0, 0, 5, 5}, {0, 0, 0});
+  EXPECT_EQ(1u, Transfer(device.handle(), {.width = 100, .height = 100, .rop = BLACKNESS}));
+  EXPECT_TRUE(BandShows(device, expected));
+}
+
+}  // namespace
+}  // namespace qnv::test

@@ -1,0 +1,158 @@
+// Which descriptions make a device, and what the library takes from the host when it makes one.
+#include <gtest/gtest.h>
+
+#include <cstring>
+
+#include "support/host_handle.h"
+#include "support/plane_image.h"
+#include "support/random_bytes.h"
+#include "support/test_device.h"
+
+namespace qnv::test {
+namespace {
+
+struct Case {
+  const char* name;
+  uint16_t kind;
+  uint16_t bitsPerPixel;
+  uint16_t resolutionA;
+  bool secondBuffer;
+  bool made;
+};
+
+constexpr Case kCases[] = {
+    {"plain 24 bits", 1, 24, 360, false, true},
+    {"plain 8 bits", 1, 8, 360, false, true},
+    {"plain 0 bits", 1, 0, 360, false, false},
+    {"plain 1 bit", 1, 1, 360, false, false},
+    {"plain 4 bits", 1, 4, 360, false, false},
+    {"plain 16 bits", 1, 16, 360, false, false},
+    {"plain 32 bits", 1, 32, 360, false, false},
+    {"plain 24 bits in the low byte only", 1, 0x0118, 360, false, false},
+    {"plain without a resolution", 1, 24, 0, false, true},
+    {"dual-plane 24 bits", 1, 24, 360, true, true},
+    {"dual-plane 8 bits", 1, 8, 360, true, true},
+    {"dual-plane 16 bits", 1, 16, 360, true, true},
+    {"dual-plane 0 bits", 1, 0, 360, true, true},
+    {"dual-plane without a resolution", 1, 24, 0, true, true},
+    {"scaled 24 bits", 0, 24, 360, false, true},
+    {"scaled gray mode", 0, 0, 360, false, true},
+    {"scaled 8 bits", 0, 8, 360, false, true},
+    {"scaled 16 bits", 0, 16, 360, false, true},
+    {"scaled with a second buffer", 0, 24, 360, true, true},
+    {"scaled without a resolution", 0, 24, 0, false, false},
+    {"kind 2", 2, 24, 360, false, false},
+    {"kind 2 with a second buffer", 2, 24, 360, true, false},
+    {"kind 3", 3, 24, 360, false, false},
+    {"kind 0x0100: no byte of it counts alone", 0x0100, 24, 360, false, false},
+    {"kind 0x0101", 0x0101, 24, 360, false, false},
+    {"kind 0xFFFF", 0xFFFF, 24, 360, true, false},
+};
+
+TEST(Enable, MakesADeviceForKnownKindsAndDepths) {
+  for (const Case& c : kCases) {
+    SCOPED_TRACE(c.name);
+    FencedBuffer band(24 * 4, 0xCC);
+    FencedBuffer second(8 * 4, 0xCC);
+    const DeviceDescription description{c.kind, c.bitsPerPixel, c.resolutionA, 8, 4, 360};
+    const BandRect rect{0, 0, 8, 4};
+    DeviceHandle* handle = QNVEnable(&description, &rect, band.data(), c.secondBuffer ? second.data() : nullptr);
+    EXPECT_EQ(c.made, handle != nullptr);
+    QNVDisable(handle);
+    for (std::size_t i = 0; i < band.size(); ++i) ASSERT_EQ(0xCC, band.data()[i]) << "band written at byte " << i;
+    for (std::size_t i = 0; i < second.size(); ++i) ASSERT_EQ(0xCC, second.data()[i]) << "second buffer, byte " << i;
+    EXPECT_TRUE(band.FencesIntact());
+    EXPECT_TRUE(second.FencesIntact());
+  }
+}
+
+TEST(Enable, RefusesNullRecords) {
+  const DeviceDescription description{QNV_KIND_RASTER, 24, 360, 8, 4, 360};
+  const BandRect rect{0, 0, 8, 4};
+  FencedBuffer band(24 * 4, 0xCC);
+  EXPECT_EQ(nullptr, QNVEnable(nullptr, &rect, band.data(), nullptr));
+  EXPECT_EQ(nullptr, QNVEnable(&description, nullptr, band.data(), nullptr));
+  EXPECT_EQ(nullptr, QNVEnable(nullptr, nullptr, nullptr, nullptr));
+}
+
+// Kind 1 with a second buffer is the device whose clear fills that buffer with 1; kind 0 never looks at it.
+TEST(Enable, SecondBufferBelongsToKindOneOnly) {
+  FencedBuffer band(24 * 4, 0xCC);
+  FencedBuffer second(8 * 4, 0xCC);
+  const BandRect rect{0, 0, 8, 4};
+  {
+    const HostHandle dual({QNV_KIND_RASTER, 24, 360, 8, 4, 360}, rect, band.data(), second.data());
+    EXPECT_EQ(1u, QNVControl(dual.get(), QNV_CLEAR_BAND, nullptr, nullptr) & 0xFFFF);
+    EXPECT_EQ(0x01, second.data()[0]);
+    EXPECT_EQ(0x01, second.data()[31]);
+  }
+  second.Fill(0xCC);
+  {
+    const HostHandle scaled({QNV_KIND_SCALED, 24, 360, 8, 4, 360}, rect, band.data(), second.data());
+    EXPECT_EQ(1u, QNVControl(scaled.get(), QNV_CLEAR_BAND, nullptr, nullptr) & 0xFFFF);
+    for (std::size_t i = 0; i < second.size(); ++i) ASSERT_EQ(0xCC, second.data()[i]);
+  }
+}
+
+TEST(Enable, CopiesTheRecordsItIsGiven) {
+  FencedBuffer band(24 * 4, 0x00);
+  DeviceDescription description{QNV_KIND_RASTER, 24, 360, 8, 4, 360};
+  BandRect rect{10, 20, 18, 24};
+  DeviceHandle* handle = QNVEnable(&description, &rect, band.data(), nullptr);
+  ASSERT_NE(nullptr, handle);
+  std::memset(&description, 0xEE, sizeof description);
+  std::memset(&rect, 0xEE, sizeof rect);
+  const DRAWMODE mode = MakeDrawMode();
+  EXPECT_EQ(0u, QNVPixel(handle, 17, 23, 0x00112233, &mode, &kEverywhere));
+  const uint8_t expected[3] = {0x11, 0x22, 0x33};
+  EXPECT_EQ(0, std::memcmp(expected, band.data() + 3 * 24 + 7 * 3, 3)) << "last pixel of the last row";
+  EXPECT_EQ(1u, QNVControl(handle, QNV_CLEAR_BAND, nullptr, nullptr) & 0xFFFF);
+  QNVDisable(handle);
+  EXPECT_TRUE(band.FencesIntact());
+}
+
+// Until the host sets an origin there is none.
+TEST(Enable, StartsWithoutAnOrigin) {
+  for (uint16_t kind : {uint16_t{QNV_KIND_RASTER}, uint16_t{QNV_KIND_SCALED}}) {
+    SCOPED_TRACE(kind);
+    TestDevice device({.kind = kind, .width = 9, .height = 3});
+    PlaneImage expected = BandImage(device);
+    const DRAWMODE mode = MakeDrawMode();
+    QNVPixel(device.handle(), 0, 0, 0x00010203, &mode, &kEverywhere);
+    expected.Set(0, 0, {1, 2, 3});
+    EXPECT_TRUE(BandShows(device, expected));
+  }
+}
+
+TEST(Enable, WithoutABandBufferNothingIsPainted) {
+  struct Device {
+    const char* name;
+    uint16_t kind;
+    uint16_t bitsPerPixel;
+    bool second;
+  };
+  for (const Device& d :
+       {Device{"24 bits", 1, 24, false}, Device{"8 bits", 1, 8, false}, Device{"scaled", 0, 24, false},
+        Device{"gray mode", 0, 0, false}, Device{"dual-plane", 1, 24, true}}) {
+    SCOPED_TRACE(d.name);
+    FencedBuffer second(8 * 4, 0xCC);
+    const HostHandle host({d.kind, d.bitsPerPixel, 360, 8, 4, 360}, {0, 0, 8, 4}, nullptr,
+                          d.second ? second.data() : nullptr);
+    ASSERT_NE(nullptr, host.get());
+    DRAWMODE mode = MakeDrawMode();
+    const PhysicalBrush brush = SolidBrush(host.get(), 0x102030);
+    EXPECT_EQ(1u, QNVControl(host.get(), QNV_CLEAR_BAND, nullptr, nullptr) & 0xFFFF);
+    EXPECT_EQ(0u, QNVPixel(host.get(), 1, 1, 0x102030, &mode, &kEverywhere));
+    EXPECT_EQ(0u, QNVPixel(host.get(), 1, 1, 0, nullptr, &kEverywhere));
+    EXPECT_EQ(0u, QNVPolyPixel(host.get(), 0, 0, 3, 3, 0x102030, &mode, &kEverywhere));
+    EXPECT_EQ(1u, QNVDevBitBlt(host.get(), 0, 0, nullptr, 0, 0, 8, 4, PATCOPY, &brush, &mode, &kEverywhere) & 0xFFFF);
+    const int16_t points[] = {0, 1, 0, 5};
+    EXPECT_EQ(1u, QNVOutput(host.get(), OS_SCANLINES, 2, points, nullptr, &brush, &mode, &kEverywhere) & 0xFFFF);
+    if (d.second) {
+      for (std::size_t i = 0; i < second.size(); ++i) ASSERT_EQ(0x01, second.data()[i]) << "the clear still tags";
+    }
+  }
+}
+
+}  // namespace
+}  // namespace qnv::test

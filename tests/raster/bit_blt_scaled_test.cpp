@@ -1,0 +1,466 @@
+// Transfers on the resolution-mapping device: clipped and aligned in page pixels, thinned out on the way to the band,
+// patterns counted in band pixels, and grayed in gray mode.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "support/random_bytes.h"
+#include "support/transfer_call.h"
+#include "support/transfer_model.h"
+
+namespace qnv::test {
+namespace {
+
+struct Resolutions {
+  uint16_t a;
+  uint16_t b;
+};
+
+constexpr Resolutions kPairs[] = {{360, 360}, {720, 360}, {600, 400}, {7, 5}, {3, 1}, {360, 720}, {5, 7}, {2, 9}};
+
+std::string Name(const Resolutions& r) { return std::to_string(r.a) + " to " + std::to_string(r.b); }
+
+// The band coordinate of a page coordinate, both counted from the band's corner; none where the page has one too many.
+class Mapping {
+ public:
+  explicit Mapping(const Resolutions& r) : a_(r.a), b_(r.b), kept_(r.a + 1u, false) {
+    for (uint32_t j = 0; j < r.b; ++j) {
+      const uint32_t product = j * r.a;
+      kept_[product / r.b + (product % r.b > r.b / 2u ? 1 : 0)] = true;
+    }
+  }
+  std::optional<int32_t> Kept(int32_t page) const {
+    if (page < 0 || !kept_[static_cast<std::size_t>(page % a_)]) return std::nullopt;
+    return (page * b_ + a_ / 2) / a_;
+  }
+  // Of a band edge; half away from zero.
+  int32_t PageEdge(int32_t band) const {
+    const int32_t magnitude = (std::abs(band) * a_ + b_ / 2) / b_;
+    return band < 0 ? -magnitude : magnitude;
+  }
+
+ private:
+  int32_t a_;
+  int32_t b_;
+  std::vector<bool> kept_;
+};
+
+// The source bytes for a band pixel. Step and start of a source that is not one-bit depend on the device's depth.
+PixelBytes SourceBytes(const SourceImage& source, const DRAWMODE& mode, uint16_t bitsPerPixel, int32_t firstX,
+                       int32_t x, int32_t y) {
+  if (source.oneBit()) return BandBytesOf(source.Bit(x, y) ? mode.bkColor : mode.TextColor);
+  const int32_t step = bitsPerPixel == 24 ? 3 : 1;
+  const uint8_t* pixel = source.Row(y) + firstX * source.record()->bmBitsPixel / 8 + (x - firstX) * step;
+  if (step == 1) return {pixel[0], pixel[0], pixel[0]};
+  return {pixel[2], pixel[1], pixel[0]};
+}
+
+// Paints what a transfer of `page` (page pixels counted from the band's corner, already clipped) leaves in the band.
+void PaintScaled(PlaneImage* expected, const Mapping& mapping, uint16_t bitsPerPixel, const BandRect& page,
+                 int32_t srcX, int32_t srcY, const TransferInputs& in) {
+  const uint8_t index = static_cast<uint8_t>(in.rop >> 16);
+  for (int32_t y = page.top; y < page.bottom; ++y) {
+    for (int32_t x = page.left; x < page.right; ++x) {
+      const std::optional<int32_t> row = mapping.Kept(y);
+      const std::optional<int32_t> column = mapping.Kept(x);
+      if (!row || !column || *row >= expected->rows() || *column >= expected->columns()) continue;
+      PixelBytes source{};
+      PixelBytes pattern{};
+      if (IndexUsesSource(index)) {
+        source = SourceBytes(*in.source, *in.drawMode, bitsPerPixel, srcX, srcX + x - page.left, srcY + y - page.top);
+      }
+      if (IndexUsesPattern(index)) pattern = BandBytesOf(PatternColour(in.brush, *in.drawMode, *column, *row));
+      PixelBytes result;
+      for (std::size_t i = 0; i < 3; ++i) {
+        result[i] = Rop3Byte(index, pattern[i], source[i], expected->At(*column, *row)[i]);
+      }
+      if (bitsPerPixel == 0) {
+        const uint8_t level = static_cast<uint8_t>((result[0] * 30 + result[1] * 59 + result[2] * 11) / 100);
+        result = {level, level, level};
+      }
+      expected->Set(*column, *row, result);
+    }
+  }
+}
+
+DeviceOptions OptionsOf(const Resolutions& r, uint16_t bitsPerPixel, uint32_t width, uint32_t height) {
+  return {.kind = QNV_KIND_SCALED,
+          .bitsPerPixel = bitsPerPixel,
+          .width = width,
+          .height = height,
+          .resolutionA = r.a,
+          .resolutionB = r.b};
+}
+
+DRAWMODE Mode() {
+  DRAWMODE mode = MakeDrawMode();
+  mode.TextColor = 0x00C3A50F;
+  mode.bkColor = 0x005A3CF0;
+  return mode;
+}
+
+// The source form that has the device's own step.
+const SourceForm& OwnForm(uint16_t bitsPerPixel) { return bitsPerPixel == 24 ? kColourSource : kGraySource; }
+
+// Ten by ten page pixels at twice the band's resolution: every other row and column has a place.
+TEST(BitBltScaled, HalvesACopy) {
+  for (int32_t at : {0, 1}) {
+    SCOPED_TRACE(at);
+    TestDevice device(OptionsOf({720, 360}, 24, 8, 8));
+    const SourceImage source(kColourSource, 10, 10, 1);
+    const DRAWMODE mode = Mode();
+    PlaneImage expected = BandImage(device);
+    EXPECT_EQ(1u, Transfer(device.handle(), {.destX = at,
+                                             .destY = at,
+                                             .source = source.record(),
+                                             .width = 10,
+                                             .height = 10,
+                                             .rop = SRCCOPY,
+                                             .drawMode = &mode}));
+    for (int32_t row = 0; row < 5; ++row) {
+      for (int32_t column = 0; column < 5; ++column) {
+        // From page 0 the even source pixels come through, from page 1 the odd ones, one band pixel further on.
+        const uint8_t* p = source.Row(2 * row + at) + 3 * (2 * column + at);
+        expected.Set(column + at, row + at, {p[2], p[1], p[0]});
+      }
+    }
+    EXPECT_TRUE(BandShows(device, expected));
+  }
+}
+
+TEST(BitBltScaled, ThreeToTwo) {
+  TestDevice device(OptionsOf({600, 400}, 24, 8, 1));
+  const SourceImage source(kColourSource, 12, 1, 2);
+  const DRAWMODE mode = Mode();
+  PlaneImage expected = BandImage(device);
+  EXPECT_EQ(1u, Transfer(device.handle(),
+                         {.source = source.record(), .width = 12, .height = 1, .rop = SRCCOPY, .drawMode = &mode}));
+  constexpr int32_t kSourceOfColumn[] = {0, 1, 3, 4, 6, 7, 9, 10};
+  for (int32_t column = 0; column < 8; ++column) {
+    const uint8_t* p = source.Row(0) + 3 * kSourceOfColumn[column];
+    expected.Set(column, 0, {p[2], p[1], p[0]});
+  }
+  EXPECT_TRUE(BandShows(device, expected));
+}
+
+// Upwards nothing is stretched: the pixels lie apart, and what is between them stays.
+TEST(BitBltScaled, OneToTwoLeavesGaps) {
+  TestDevice device(OptionsOf({360, 720}, 24, 8, 4));
+  const DRAWMODE mode = Mode();
+  PlaneImage expected = BandImage(device);
+  EXPECT_EQ(1u, Transfer(device.handle(), {.width = 4, .height = 2, .rop = BLACKNESS, .drawMode = &mode}));
+  for (int32_t row : {0, 2}) {
+    for (int32_t column : {0, 2, 4, 6}) expected.Set(column, row, {0, 0, 0});
+  }
+  EXPECT_TRUE(BandShows(device, expected));
+}
+
+// Every index, source form and kind of brush, in colour, in gray mode and at a depth that is neither.
+TEST(BitBltScaled, EveryIndex) {
+  for (const Resolutions& r : {Resolutions{600, 400}, Resolutions{360, 360}}) {
+    const Mapping mapping(r);
+    for (uint16_t bits : {uint16_t{24}, uint16_t{0}, uint16_t{8}}) {
+      TestDevice device(OptionsOf(r, bits, 19, 11));
+      const DRAWMODE mode = Mode();
+      const SourceImage bitmap(kColourSource, 8, 8, 3);
+      const PhysicalBrush brushes[] = {SolidBrush(device.handle(), 0x00804C1F),
+                                       HatchBrush(device.handle(), HS_DIAGCROSS, 0x00336699),
+                                       PatternBrush(device.handle(), *bitmap.record())};
+      for (const SourceForm& form : {OwnForm(bits), kOneBitSource}) {
+        const SourceImage source(form, 30, 20, 4, 1);
+        for (const PhysicalBrush& brush : brushes) {
+          for (uint32_t index = 0; index < 256; ++index) {
+            SCOPED_TRACE(Name(r) + ", " + std::to_string(bits) + " bits, " + form.name + ", brush style " +
+                         std::to_string(brush.style) + ", index " + std::to_string(index));
+            FillWithNoise(&device.band(), index);
+            PlaneImage expected = BandImage(device);
+            const TransferInputs inputs{index << 16, &source, &brush, &mode};
+            EXPECT_EQ(1u, Transfer(device.handle(), {.destX = 2,
+                                                     .destY = 1,
+                                                     .source = source.record(),
+                                                     .srcX = 3,
+                                                     .srcY = 2,
+                                                     .width = 15,
+                                                     .height = 9,
+                                                     .rop = inputs.rop,
+                                                     .brush = &brush,
+                                                     .drawMode = &mode}));
+            if (index != 0xAA) PaintScaled(&expected, mapping, bits, {2, 1, 17, 10}, 3, 2, inputs);
+            ASSERT_TRUE(BandShows(device, expected));
+          }
+        }
+        EXPECT_TRUE(source.Unchanged());
+      }
+    }
+  }
+}
+
+TEST(BitBltScaled, EveryResolutionAndPhase) {
+  for (const Resolutions& r : kPairs) {
+    const Mapping mapping(r);
+    for (uint32_t width : {1u, 7u, 22u}) {
+      TestDevice device(OptionsOf(r, 24, width, 6));
+      const DRAWMODE mode = Mode();
+      const PhysicalBrush brush = HatchBrush(device.handle(), HS_FDIAGONAL, 0x00336699);
+      const int32_t pageRight = mapping.PageEdge(static_cast<int32_t>(width));
+      const int32_t pageBottom = mapping.PageEdge(6);
+      const SourceImage source(kColourSource, 90, 40, 5);
+      for (uint32_t rop : {SRCCOPY, SRCINVERT, PATINVERT, PATPAINT, WHITENESS}) {
+        for (int32_t x = 0; x < 9; ++x) {
+          SCOPED_TRACE(Name(r) + ", width " + std::to_string(width) + ", code " + std::to_string(rop) + ", at " +
+                       std::to_string(x));
+          FillWithNoise(&device.band(), static_cast<uint64_t>(x));
+          PlaneImage expected = BandImage(device);
+          EXPECT_EQ(1u, Transfer(device.handle(), {.destX = x,
+                                                   .destY = x / 2,
+                                                   .source = source.record(),
+                                                   .srcX = x,
+                                                   .srcY = 1,
+                                                   .width = 80,
+                                                   .height = 38,
+                                                   .rop = rop,
+                                                   .brush = &brush,
+                                                   .drawMode = &mode}));
+          const BandRect page{x, x / 2, std::min(x + 80, pageRight), std::min(x / 2 + 38, pageBottom)};
+          PaintScaled(&expected, mapping, 24, page, x, 1, {rop, &source, &brush, &mode});
+          ASSERT_TRUE(BandShows(device, expected));
+        }
+      }
+    }
+  }
+}
+
+struct PlaceCase {
+  const char* name;
+  Resolutions resolutions;
+  int32_t bandLeft;
+  int32_t bandTop;
+  int32_t originX;
+  int32_t originY;
+  int32_t destX;
+  int32_t destY;
+  int32_t srcX;
+  int32_t srcY;
+  BandRect clip;
+  // Expected: page pixels counted from the band's corner (in page pixels), and the source pixel of the first.
+  BandRect page;
+  int32_t firstX;
+  int32_t firstY;
+};
+
+constexpr BandRect kPage{0, 0, 1000, 1000};
+constexpr BandRect kNoClip{0, 0, 0, 0};
+
+// The transfer is 12 x 6 page pixels of a source of 30 x 16, the band 10 x 5 band pixels.
+constexpr PlaceCase kPlaces[] = {
+    // Two to one: the band is 20 x 10 page pixels.
+    {"at zero", {720, 360}, 0, 0, 0, 0, 3, 2, 1, 1, kPage, {3, 2, 15, 8}, 1, 1},
+    {"right and below", {720, 360}, 0, 0, 0, 0, 13, 7, 1, 1, kPage, {13, 7, 20, 10}, 1, 1},
+    {"clip cuts in page pixels", {720, 360}, 0, 0, 0, 0, 3, 2, 1, 1, {6, 3, 11, 7}, {6, 3, 11, 7}, 1, 1},
+    {"left of and above zero", {720, 360}, 0, 0, 0, 0, -5, -3, 2, 4, kPage, {0, 0, 7, 3}, 7, 7},
+    {"no clip", {720, 360}, 0, 0, 0, 0, 3, 2, 1, 1, kNoClip, {3, 2, 15, 8}, 1, 1},
+    {"zeros with an origin are a clip", {720, 360}, 0, 0, 4, 4, 3, 2, 1, 1, kNoClip, {0, 0, 0, 0}, 0, 0},
+    {"source bitmap cuts", {720, 360}, 0, 0, 0, 0, 3, 2, -2, 12, kPage, {5, 2, 15, 6}, 0, 12},
+    {"band further down", {720, 360}, 50, 25, 0, 0, 97, 48, 0, 0, kPage, {0, 0, 9, 4}, 3, 2},
+    {"band further down, origin", {720, 360}, 50, 25, 90, 40, 11, 13, 0, 0, {0, 0, 20, 16}, {1, 3, 10, 6}, 0, 0},
+    {"band left of and above zero",
+     {720, 360},
+     -4,
+     -3,
+     0,
+     0,
+     -6,
+     -4,
+     0,
+     0,
+     {-100, -100, 100, 100},
+     {2, 2, 14, 8},
+     0,
+     0},
+    // Three to two, a band that begins between two page pixels: 5 x 3/2 is 7.5 and counts as 8, 25 x 3/2 as 38.
+    {"band at a half", {600, 400}, 5, 25, 0, 0, 10, 40, 2, 2, kPage, {2, 2, 14, 7}, 2, 2},
+    {"band at a half, cut", {600, 400}, 5, 25, 0, 0, 3, 36, 2, 2, kPage, {0, 0, 7, 4}, 7, 4},
+    {"band at a half, far side", {600, 400}, 5, 25, 0, 0, 18, 41, 2, 2, kPage, {10, 3, 15, 7}, 2, 2},
+    // One to two: the band is 5 page pixels wide and 3 (of 2.5) high.
+    {"upwards", {360, 720}, 0, 0, 0, 0, 1, 1, 2, 2, kPage, {1, 1, 5, 3}, 2, 2},
+    {"upwards, left of zero", {360, 720}, 0, 0, 0, 0, -3, -2, 2, 2, kPage, {0, 0, 5, 3}, 5, 4},
+};
+
+TEST(BitBltScaled, ClippedAndAlignedInPagePixels) {
+  for (const PlaceCase& c : kPlaces) {
+    for (uint16_t bits : {uint16_t{24}, uint16_t{0}}) {
+      for (uint32_t rop : {SRCCOPY, SRCINVERT, PATPAINT, 0x00960169u, 0x01CC0020u}) {
+        for (const SourceForm& form : {OwnForm(bits), kOneBitSource}) {
+          SCOPED_TRACE(std::string(c.name) + ", " + Name(c.resolutions) + ", " + std::to_string(bits) + " bits, code " +
+                       std::to_string(rop) + ", " + form.name);
+          DeviceOptions options = OptionsOf(c.resolutions, bits, 10, 5);
+          options.left = c.bandLeft;
+          options.top = c.bandTop;
+          TestDevice device(options);
+          device.SetOrigin(c.originX, c.originY);
+          FillWithNoise(&device.band(), 6);
+          const SourceImage source(form, 30, 16, 7);
+          const DRAWMODE mode = Mode();
+          const PhysicalBrush brush = HatchBrush(device.handle(), HS_BDIAGONAL, 0x00336699);
+          PlaneImage expected = BandImage(device);
+          EXPECT_EQ(1u, Transfer(device.handle(), {.destX = c.destX,
+                                                   .destY = c.destY,
+                                                   .source = source.record(),
+                                                   .srcX = c.srcX,
+                                                   .srcY = c.srcY,
+                                                   .width = 12,
+                                                   .height = 6,
+                                                   .rop = rop,
+                                                   .brush = &brush,
+                                                   .drawMode = &mode,
+                                                   .clip = &c.clip}));
+          PaintScaled(&expected, Mapping(c.resolutions), bits, c.page, c.firstX, c.firstY,
+                      {rop, &source, &brush, &mode});
+          EXPECT_TRUE(BandShows(device, expected));
+        }
+      }
+    }
+  }
+}
+
+// The pattern's cells are band pixels, whatever page pixel fills them.
+TEST(BitBltScaled, PatternCountsBandPixels) {
+  TestDevice device(OptionsOf({720, 360}, 24, 20, 20));
+  const DRAWMODE mode = Mode();
+  const SourceImage bitmap(kColourSource, 8, 8, 8);
+  const PhysicalBrush brush = PatternBrush(device.handle(), *bitmap.record());
+  PlaneImage expected = BandImage(device);
+  EXPECT_EQ(
+      1u,
+      Transfer(
+          device.handle(),
+          {.destX = 1, .destY = 1, .width = 100, .height = 100, .rop = PATCOPY, .brush = &brush, .drawMode = &mode}));
+  for (int32_t row = 1; row < 20; ++row) {
+    for (int32_t column = 1; column < 20; ++column) {
+      expected.Set(column, row, BandBytesOf(brush.cells[row % 8 * 8 + column % 8]));
+    }
+  }
+  EXPECT_TRUE(BandShows(device, expected));
+}
+
+// A byte of a gray source fills all three bytes of a pixel; a byte of a colour source read on a device of neither
+// depth does as well.
+TEST(BitBltScaled, GraySourceFillsThreeBytes) {
+  for (uint16_t bits : {uint16_t{0}, uint16_t{8}}) {
+    SCOPED_TRACE(bits);
+    TestDevice device(OptionsOf({360, 360}, bits, 4, 1));
+    const uint8_t pixels[4] = {0x40, 0x00, 0xFF, 0x81};
+    const SourceBitmap source{0, 4, 1, 4, 1, 8, pixels};
+    const DRAWMODE mode = Mode();
+    PlaneImage expected = BandImage(device);
+    EXPECT_EQ(
+        1u, Transfer(device.handle(), {.source = &source, .width = 4, .height = 1, .rop = SRCCOPY, .drawMode = &mode}));
+    for (int32_t column = 0; column < 4; ++column) {
+      const uint8_t level = pixels[column];
+      expected.Set(column, 0, {level, level, level});
+    }
+    EXPECT_TRUE(BandShows(device, expected));
+  }
+}
+
+// Where the first source byte lies follows the source's depth, the step from there the device's.
+TEST(BitBltScaled, SourceDepthAndStep) {
+  struct Case {
+    const char* name;
+    uint16_t bitsPerPixel;
+    SourceForm form;
+  };
+  constexpr Case kCases[] = {
+      {"8 bits in colour", 24, {"", 1, 8, 3}},
+      {"32 bits in colour", 24, {"", 1, 32, 4}},
+      {"24 bits in gray", 0, {"", 1, 24, 3}},
+      {"4 bits in gray", 0, {"", 1, 4, 1}},
+      {"8 bits, three planes, in colour", 24, {"", 3, 8, 3}},
+      {"24 bits at 8", 8, {"", 1, 24, 3}},
+  };
+  for (const Case& c : kCases) {
+    for (int32_t srcX : {0, 1, 5, 8}) {
+      SCOPED_TRACE(std::string(c.name) + ", from " + std::to_string(srcX));
+      const Resolutions r{600, 400};
+      TestDevice device(OptionsOf(r, c.bitsPerPixel, 12, 4));
+      const SourceImage source(c.form, 20, 5, 9);
+      const DRAWMODE mode = Mode();
+      PlaneImage expected = BandImage(device);
+      EXPECT_EQ(1u, Transfer(device.handle(), {.destX = 1,
+                                               .source = source.record(),
+                                               .srcX = srcX,
+                                               .width = 11,
+                                               .height = 5,
+                                               .rop = SRCCOPY,
+                                               .drawMode = &mode}));
+      PaintScaled(&expected, Mapping(r), c.bitsPerPixel, {1, 0, 12, 5}, srcX, 0, {SRCCOPY, &source, nullptr, &mode});
+      EXPECT_TRUE(BandShows(device, expected));
+    }
+  }
+}
+
+// Gray mode: what is written is grayed where it lies, and only that.
+TEST(BitBltScaled, GrayModeGraysWhatItWrites) {
+  TestDevice device(OptionsOf({720, 360}, 0, 4, 1));
+  PlaneImage band = BandImage(device);
+  for (int32_t column = 0; column < 4; ++column) band.Set(column, 0, {0x10, 0x20, 0x30});
+  LoadBand(&device, band);
+  const DRAWMODE mode = Mode();
+  // Inverted (EF, DF, CF), then (239 x 30 + 223 x 59 + 207 x 11) / 100.
+  EXPECT_EQ(1u, Transfer(device.handle(), {.destX = 2, .width = 3, .height = 1, .rop = DSTINVERT, .drawMode = &mode}));
+  PlaneImage expected = band;
+  expected.Set(1, 0, {226, 226, 226});
+  expected.Set(2, 0, {226, 226, 226});
+  EXPECT_TRUE(BandShows(device, expected));
+  // The operation that leaves the destination alone does not gray it either.
+  EXPECT_EQ(1u, Transfer(device.handle(), {.width = 8, .height = 1, .rop = 0x00AA0029, .drawMode = &mode}));
+  EXPECT_TRUE(BandShows(device, expected));
+}
+
+TEST(BitBltScaled, RefusedArgumentsPaintNothing) {
+  TestDevice device(OptionsOf({600, 400}, 24, 10, 5));
+  const DRAWMODE mode = Mode();
+  const SourceImage source(kColourSource, 12, 6, 10);
+  const SourceImage oneBit(kOneBitSource, 12, 6, 11);
+  const PhysicalBrush solid = SolidBrush(device.handle(), 0x00112233);
+  PhysicalBrush hollow{};
+  hollow.style = BS_HOLLOW;
+  struct Case {
+    const char* name;
+    uint32_t rop;
+    const SourceBitmap* source;
+    const PhysicalBrush* brush;
+    const DRAWMODE* mode;
+    bool clip;
+  };
+  const Case kCases[] = {
+      {"no clip", SRCCOPY, source.record(), &solid, &mode, false},
+      {"no clip without a source", BLACKNESS, nullptr, &solid, &mode, false},
+      {"no source", SRCCOPY, nullptr, &solid, &mode, true},
+      {"no draw mode for a one-bit source", SRCCOPY, oneBit.record(), &solid, nullptr, true},
+      {"no brush", PATCOPY, nullptr, nullptr, &mode, true},
+      {"no brush, general", 0x000F0001, nullptr, nullptr, &mode, true},
+      {"hollow brush", PATCOPY, nullptr, &hollow, &mode, true},
+      {"hollow brush, upper byte", 0x01000042, nullptr, &hollow, &mode, true},
+      {"destination", 0x00AA0029, source.record(), &solid, &mode, true},
+  };
+  const PlaneImage before = BandImage(device);
+  for (const Case& c : kCases) {
+    SCOPED_TRACE(c.name);
+    EXPECT_EQ(1u, Transfer(device.handle(), {.source = c.source,
+                                             .width = 12,
+                                             .height = 6,
+                                             .rop = c.rop,
+                                             .brush = c.brush,
+                                             .drawMode = c.mode,
+                                             .clip = c.clip ? &kEverywhere : nullptr}));
+    EXPECT_TRUE(BandShows(device, before));
+  }
+}
+
+}  // namespace
+}  // namespace qnv::test

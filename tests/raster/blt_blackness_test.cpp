@@ -1,0 +1,21 @@
+// Every pixel becomes 0.
+#include <gtest/gtest.h>
+
+#include "support/transfer_battery.h"
+
+namespace qnv::test {
+namespace {
+
+constexpr TransferExample kExamples[] = {
+    {"24 bits", 24, {0xAA, 0x0F, 0x33}, 0, {}, 0x000000, {0x00, 0x00, 0x00}},
+    {"24 bits, black and white", 24, {0x00, 0xFF, 0x5C}, 0, {}, 0x000000, {0x00, 0x00, 0x00}},
+    {"8 bits", 8, {0x0F}, 0, {}, 0x000000, {0x00}},
+    {"8 bits, mixed", 8, {0x5A}, 0, {}, 0x000000, {0x00}},
+};
+
+TEST(BltBlackness, Examples) { RunTransferExamples(BLACKNESS, kExamples); }
+
+TEST(BltBlackness, CommonRules) { CheckTransferOperation(BLACKNESS); }
+
+}  // namespace
+}  // namespace qnv::test

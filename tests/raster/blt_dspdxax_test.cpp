@@ -1,0 +1,27 @@
+// Where the source is 1 the pattern, elsewhere the destination; the pattern is the prepared one even for a solid
+// brush.
+#include <gtest/gtest.h>
+
+#include "support/transfer_battery.h"
+
+namespace qnv::test {
+namespace {
+
+constexpr uint32_t kDSPDxax = 0x00E20746;
+
+constexpr TransferExample kExamples[] = {
+    {"24-bit source, bytes exchanged", 24, {0xAA, 0x0F, 0x33}, 24, {0x11, 0x22, 0x33}, 0xF03C81, {0xB8, 0x2D, 0x23}},
+    {"24-bit source, other bytes", 24, {0x00, 0xFF, 0x5C}, 24, {0xF8, 0x0C, 0xA5}, 0xF03C81, {0xA0, 0xFF, 0x84}},
+    {"bit 0 is the text colour", 24, {0xAA, 0x0F, 0x33}, 1, {0x00}, 0xF03C81, {0xB8, 0x3F, 0x21}},
+    {"bit 1 is the background colour", 24, {0xAA, 0x0F, 0x33}, 1, {0x01}, 0xF03C81, {0xEA, 0x0F, 0x93}},
+    {"8-bit source, bits 16..23 of the brush colour", 8, {0x0F}, 8, {0x35}, 0xF03C81, {0x3A}},
+    {"bit 0 is the low byte of the text colour", 8, {0x0F}, 1, {0x00}, 0xF03C81, {0x59}},
+    {"bit 1 is the low byte of the background colour", 8, {0x0F}, 1, {0x01}, 0xF03C81, {0xAF}},
+};
+
+TEST(BltDSPDxax, Examples) { RunTransferExamples(kDSPDxax, kExamples); }
+
+TEST(BltDSPDxax, CommonRules) { CheckTransferOperation(kDSPDxax); }
+
+}  // namespace
+}  // namespace qnv::test

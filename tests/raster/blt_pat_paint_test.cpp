@@ -1,0 +1,24 @@
+// Pattern or not source or destination; the pattern is the prepared one even for a solid brush.
+#include <gtest/gtest.h>
+
+#include "support/transfer_battery.h"
+
+namespace qnv::test {
+namespace {
+
+constexpr TransferExample kExamples[] = {
+    {"24-bit source, bytes exchanged", 24, {0xAA, 0x0F, 0x33}, 24, {0x11, 0x22, 0x33}, 0xF03C81, {0xFE, 0xFF, 0xFF}},
+    {"24-bit source, other bytes", 24, {0x00, 0xFF, 0x5C}, 24, {0xF8, 0x0C, 0xA5}, 0xF03C81, {0xFA, 0xFF, 0xDF}},
+    {"bit 0 is the text colour", 24, {0xAA, 0x0F, 0x33}, 1, {0x00}, 0xF03C81, {0xFF, 0xFF, 0xBB}},
+    {"bit 1 is the background colour", 24, {0xAA, 0x0F, 0x33}, 1, {0x01}, 0xF03C81, {0xFF, 0x3F, 0xFF}},
+    {"8-bit source, bits 16..23 of the brush colour", 8, {0x0F}, 8, {0x35}, 0xF03C81, {0xFF}},
+    {"bit 0 is the low byte of the text colour", 8, {0x0F}, 1, {0x00}, 0xF03C81, {0xFF}},
+    {"bit 1 is the low byte of the background colour", 8, {0x0F}, 1, {0x01}, 0xF03C81, {0xFF}},
+};
+
+TEST(BltPatPaint, Examples) { RunTransferExamples(PATPAINT, kExamples); }
+
+TEST(BltPatPaint, CommonRules) { CheckTransferOperation(PATPAINT); }
+
+}  // namespace
+}  // namespace qnv::test

@@ -1,0 +1,157 @@
+// Which source bytes belong to a pixel: one bit, three bytes, one byte, and everything that is neither.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <string>
+
+#include "support/transfer_call.h"
+#include "support/transfer_model.h"
+
+namespace qnv::test {
+namespace {
+
+struct FormCase {
+  SourceForm form;
+  uint16_t depth;  // of the band
+};
+
+// On a colour band every source but a one-bit one is three bytes a pixel. On a gray band the first pixel's place is
+// scaled by the depth and the rest follows byte by byte.
+constexpr FormCase kForms[] = {
+    {{"one bit, one plane", 1, 1, 0}, 24},
+    {{"24 bits", 1, 24, 3}, 24},
+    {{"32 bits read as three bytes", 1, 32, 4}, 24},
+    {{"8 bits read as three bytes", 1, 8, 3}, 24},
+    {{"4 bits read as three bytes", 1, 4, 3}, 24},
+    {{"one bit in three planes is no one-bit source", 3, 1, 3}, 24},
+    {{"one bit in no plane", 0, 1, 3}, 24},
+    {{"one plane of no bits", 1, 0, 3}, 24},
+    {{"one bit, one plane", 1, 1, 0}, 8},
+    {{"8 bits", 1, 8, 1}, 8},
+    {{"8 bits in three planes", 3, 8, 1}, 8},
+    {{"24 bits are not converted", 1, 24, 3}, 8},
+    {{"32 bits are not converted", 1, 32, 4}, 8},
+    {{"16 bits are not converted", 1, 16, 2}, 8},
+    {{"4 bits begin at half the column", 1, 4, 1}, 8},
+    {{"one bit in three planes begins at an eighth", 3, 1, 1}, 8},
+    {{"no bits begin at the row's first byte", 1, 0, 1}, 8},
+};
+
+TEST(SourceForms, EveryDepthAndPhase) {
+  for (const FormCase& c : kForms) {
+    TestDevice device({.bitsPerPixel = c.depth, .width = 40, .height = 3});
+    const SourceImage source(c.form, 45, 4, c.form.bitsPixel);
+    DRAWMODE mode = MakeDrawMode();
+    mode.TextColor = 0x00112233;
+    mode.bkColor = 0x00AABBCC;
+    for (int32_t srcX = 0; srcX <= 17; ++srcX) {
+      SCOPED_TRACE(std::string(c.form.name) + ", " + std::to_string(c.depth) + "-bit band, from " +
+                   std::to_string(srcX));
+      PlaneImage expected = BandImage(device);
+      EXPECT_EQ(1u, Transfer(device.handle(), {.destX = 2,
+                                               .source = source.record(),
+                                               .srcX = srcX,
+                                               .srcY = 1,
+                                               .width = 23,
+                                               .height = 3,
+                                               .rop = SRCCOPY,
+                                               .drawMode = &mode}));
+      PaintExpected(&expected, {2, 0, 25, 3}, srcX, 1, {SRCCOPY, &source, nullptr, &mode});
+      ASSERT_TRUE(BandShows(device, expected));
+    }
+    EXPECT_TRUE(source.Unchanged());
+  }
+}
+
+// Rows may lie further apart than a signed 16-bit number can say.
+TEST(SourceForms, RowBytesAreUnsigned) {
+  for (int slack : {32768 - 30, 40000 - 30, 65535 - 30}) {
+    SCOPED_TRACE(slack);
+    TestDevice device({.width = 10, .height = 3});
+    const SourceImage source(kColourSource, 10, 3, 7, slack);
+    const DRAWMODE mode = MakeDrawMode();
+    PlaneImage expected = BandImage(device);
+    EXPECT_EQ(1u, Transfer(device.handle(),
+                           {.source = source.record(), .width = 10, .height = 3, .rop = SRCCOPY, .drawMode = &mode}));
+    PaintExpected(&expected, {0, 0, 10, 3}, 0, 0, {SRCCOPY, &source, nullptr, &mode});
+    EXPECT_TRUE(BandShows(device, expected));
+  }
+}
+
+// Rows may also be shorter than their pixels, or all be the same one.
+TEST(SourceForms, RowsMayOverlap) {
+  TestDevice device({.width = 4, .height = 3});
+  SourceImage source(kColourSource, 4, 3, 8);
+  source.mutableRecord()->bmWidthBytes = 0;
+  const DRAWMODE mode = MakeDrawMode();
+  PlaneImage expected = BandImage(device);
+  EXPECT_EQ(1u, Transfer(device.handle(),
+                         {.source = source.record(), .width = 4, .height = 3, .rop = SRCCOPY, .drawMode = &mode}));
+  PaintExpected(&expected, {0, 0, 4, 3}, 0, 0, {SRCCOPY, &source, nullptr, &mode});
+  EXPECT_TRUE(BandShows(device, expected));
+  for (int32_t column = 0; column < 4; ++column) {
+    EXPECT_TRUE(std::equal(expected.At(column, 0), expected.At(column, 0) + 3, expected.At(column, 2)));
+  }
+}
+
+TEST(SourceForms, WidestSource) {
+  TestDevice device({.width = 20, .height = 2});
+  const SourceImage source(kOneBitSource, 32767, 2, 9);
+  DRAWMODE mode = MakeDrawMode();
+  mode.TextColor = 0x00112233;
+  PlaneImage expected = BandImage(device);
+  EXPECT_EQ(
+      1u, Transfer(
+              device.handle(),
+              {.source = source.record(), .srcX = 32755, .width = 20, .height = 2, .rop = SRCCOPY, .drawMode = &mode}));
+  PaintExpected(&expected, {0, 0, 12, 2}, 32755, 0, {SRCCOPY, &source, nullptr, &mode});
+  EXPECT_TRUE(BandShows(device, expected));
+}
+
+// A size that is not positive holds no pixel; its bits are not looked at.
+TEST(SourceForms, EmptySources) {
+  struct Case {
+    const char* name;
+    int16_t width;
+    int16_t height;
+  };
+  for (const Case& c : {Case{"no columns", 0, 4}, Case{"no rows", 4, 0}, Case{"negative width", -4, 4},
+                        Case{"negative height", 4, -4}, Case{"least width", -32768, 4}}) {
+    for (uint16_t depth : {uint16_t{24}, uint16_t{8}}) {
+      SCOPED_TRACE(std::string(c.name) + ", " + std::to_string(depth) + " bits");
+      TestDevice device({.bitsPerPixel = depth, .width = 8, .height = 8});
+      const DRAWMODE mode = MakeDrawMode();
+      const SourceBitmap source{0, c.width, c.height, 8, 1, 1, nullptr};
+      const PlaneImage before = BandImage(device);
+      for (int32_t at : {-4, 0, 4}) {
+        EXPECT_EQ(1u, Transfer(device.handle(), {.source = &source,
+                                                 .srcX = at,
+                                                 .srcY = at,
+                                                 .width = 8,
+                                                 .height = 8,
+                                                 .rop = SRCCOPY,
+                                                 .drawMode = &mode}));
+      }
+      EXPECT_TRUE(BandShows(device, before));
+    }
+  }
+}
+
+// Red, green, blue in the draw mode's colours arrive as blue, green, red in memory.
+TEST(SourceForms, DrawModeColoursAreExchanged) {
+  TestDevice device({.width = 2, .height = 1});
+  const uint8_t bits = 0b01000000;
+  const SourceBitmap source{0, 2, 1, 2, 1, 1, &bits};
+  DRAWMODE mode = MakeDrawMode();
+  mode.TextColor = 0x000000FF;
+  mode.bkColor = 0x7F00FF00;  // the top byte is no part of a colour
+  EXPECT_EQ(1u,
+            Transfer(device.handle(), {.source = &source, .width = 2, .height = 1, .rop = SRCCOPY, .drawMode = &mode}));
+  PlaneImage expected = BandImage(device);
+  expected.Set(0, 0, {0x00, 0x00, 0xFF});
+  expected.Set(1, 0, {0x00, 0xFF, 0x00});
+  EXPECT_TRUE(BandShows(device, expected));
+}
+
+}  // namespace
+}  // namespace qnv::test

@@ -1,0 +1,137 @@
+#include "support/plane_image.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstring>
+#include <stdexcept>
+#include <utility>
+
+namespace qnv::test {
+namespace {
+
+std::string PixelText(const PlaneImage& image, std::size_t row, std::size_t byteInRow, std::size_t count) {
+  std::string text;
+  for (std::size_t i = 0; i < count; ++i) {
+    char digits[4];
+    std::snprintf(digits, sizeof digits, "%02X ", image.bytes()[row * image.stride() + byteInRow + i]);
+    text += digits;
+  }
+  text.pop_back();
+  return text;
+}
+
+// Where a byte of a row belongs: a pixel's column, or a column past the last for padding.
+int32_t ColumnOf(const PlaneImage& image, std::size_t byteInRow) {
+  return static_cast<int32_t>(byteInRow) / image.bytesPerPixel();
+}
+
+void Load(FencedBuffer* memory, const PlaneImage& image) {
+  if (memory->size() != image.bytes().size()) throw std::invalid_argument("image of another plane");
+  std::memcpy(memory->data(), image.bytes().data(), memory->size());
+}
+
+}  // namespace
+
+PlaneImage::PlaneImage(std::string name, uint32_t columns, uint32_t rows, uint32_t stride, int bytesPerPixel,
+                       std::vector<uint8_t> bytes)
+    : name_(std::move(name)),
+      columns_(columns),
+      rows_(rows),
+      stride_(stride),
+      bytesPerPixel_(bytesPerPixel),
+      bytes_(std::move(bytes)) {
+  if (bytes_.size() != std::size_t{stride_} * rows_) throw std::invalid_argument("plane of another size");
+}
+
+std::size_t PlaneImage::Offset(int32_t column, int32_t row) const {
+  if (column < 0 || row < 0 || column >= columns() || row >= rows()) throw std::out_of_range("pixel outside the plane");
+  return static_cast<std::size_t>(row) * stride_ + static_cast<std::size_t>(column * bytesPerPixel_);
+}
+
+void PlaneImage::Set(int32_t column, int32_t row, const PixelBytes& value) {
+  std::copy_n(value.begin(), bytesPerPixel_, At(column, row));
+}
+
+void PlaneImage::Fill(const BandRect& area, const PixelBytes& value) {
+  for (int32_t row = area.top; row < area.bottom; ++row) {
+    for (int32_t column = area.left; column < area.right; ++column) Set(column, row, value);
+  }
+}
+
+PlaneImage BandImage(const TestDevice& device) {
+  const DeviceOptions& options = device.options();
+  return {"band", options.width, options.height, device.stride(), device.bytesPerPixel(), device.BandBytes()};
+}
+
+PlaneImage TagImage(const TestDevice& device) {
+  const DeviceOptions& options = device.options();
+  return {"tag plane", options.width, options.height, device.tagStride(), 1, device.TagBytes()};
+}
+
+void LoadBand(TestDevice* device, const PlaneImage& image) { Load(&device->band(), image); }
+
+void LoadTags(TestDevice* device, const PlaneImage& image) { Load(device->tags(), image); }
+
+testing::AssertionResult SameImage(const PlaneImage& expected, const PlaneImage& got) {
+  if (expected.bytes().size() != got.bytes().size()) {
+    return testing::AssertionFailure() << expected.name() << ": images of different sizes";
+  }
+  if (expected.bytes() == got.bytes()) return testing::AssertionSuccess();
+  const auto first = std::mismatch(expected.bytes().begin(), expected.bytes().end(), got.bytes().begin());
+  const std::size_t offset = static_cast<std::size_t>(first.first - expected.bytes().begin());
+  const std::size_t row = offset / expected.stride();
+  const std::size_t byteInRow = offset % expected.stride();
+  const int32_t column = ColumnOf(expected, byteInRow);
+  testing::AssertionResult failure = testing::AssertionFailure();
+  failure << expected.name();
+  if (column >= expected.columns()) {
+    failure << " padding of row " << row << ", byte " << byteInRow << ": expected "
+            << PixelText(expected, row, byteInRow, 1) << ", got " << PixelText(got, row, byteInRow, 1);
+  } else {
+    const std::size_t size = static_cast<std::size_t>(expected.bytesPerPixel());
+    const std::size_t start = static_cast<std::size_t>(column) * size;
+    failure << " pixel (" << column << ", " << row << "): expected " << PixelText(expected, row, start, size)
+            << ", got " << PixelText(got, row, start, size);
+  }
+  return failure << "; differences within " << Describe(TouchedRect(expected, got));
+}
+
+testing::AssertionResult BandShows(const TestDevice& device, const PlaneImage& expected) {
+  if (!device.FencesIntact()) return testing::AssertionFailure() << "memory outside the planes was written";
+  return SameImage(expected, BandImage(device));
+}
+
+testing::AssertionResult TagsShow(const TestDevice& device, const PlaneImage& expected) {
+  if (!device.FencesIntact()) return testing::AssertionFailure() << "memory outside the planes was written";
+  return SameImage(expected, TagImage(device));
+}
+
+BandRect TouchedRect(const PlaneImage& before, const PlaneImage& after) {
+  BandRect touched{0, 0, 0, 0};
+  for (std::size_t offset = 0; offset < before.bytes().size(); ++offset) {
+    if (before.bytes()[offset] == after.bytes()[offset]) continue;
+    const int32_t row = static_cast<int32_t>(offset / before.stride());
+    const int32_t column = ColumnOf(before, offset % before.stride());
+    if (IsEmpty(touched)) touched = {column, row, column + 1, row + 1};
+    touched.left = std::min<int32_t>(touched.left, column);
+    touched.right = std::max<int32_t>(touched.right, column + 1);
+    touched.bottom = row + 1;
+  }
+  return touched;
+}
+
+testing::AssertionResult TouchedExactly(const PlaneImage& before, const PlaneImage& after, const BandRect& expected) {
+  const BandRect touched = TouchedRect(before, after);
+  if (Describe(touched) == Describe(expected)) return testing::AssertionSuccess();
+  return testing::AssertionFailure() << before.name() << " touched in " << Describe(touched) << ", expected "
+                                     << Describe(expected);
+}
+
+std::string Describe(const BandRect& rect) {
+  return "(" + std::to_string(rect.left) + ", " + std::to_string(rect.top) + ", " + std::to_string(rect.right) + ", " +
+         std::to_string(rect.bottom) + ")";
+}
+
+bool IsEmpty(const BandRect& rect) { return rect.left >= rect.right || rect.top >= rect.bottom; }
+
+}  // namespace qnv::test

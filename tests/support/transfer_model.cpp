@@ -1,0 +1,87 @@
+#include "support/transfer_model.h"
+
+#include <algorithm>
+
+namespace qnv::test {
+namespace {
+
+// The three operations that take even a solid colour from the prepared pattern.
+bool TakesSolidFromPattern(uint32_t rop) {
+  const uint32_t upper = rop >> 16;
+  return upper == 0xC0 || upper == 0xFB || upper == 0xE2;
+}
+
+PixelBytes PatternBytes(const TransferInputs& inputs, int32_t column, int32_t row, int bytesPerPixel) {
+  const PhysicalBrush* brush = inputs.brush;
+  const bool solid = brush != nullptr && brush->style == BS_SOLID && !TakesSolidFromPattern(inputs.rop);
+  const uint32_t colour = solid ? brush->colour : PatternColour(brush, *inputs.drawMode, column, row);
+  if (bytesPerPixel == 3 || !solid) return BandBytesOf(colour);
+  return {static_cast<uint8_t>(colour), 0, 0};
+}
+
+// `firstX` is the source column of the area's first column: on a gray band only that one is scaled by the depth.
+PixelBytes SourceBytes(const TransferInputs& inputs, int32_t firstX, int32_t x, int32_t y, int bytesPerPixel) {
+  const SourceImage& source = *inputs.source;
+  if (source.oneBit()) {
+    const uint32_t colour = source.Bit(x, y) ? inputs.drawMode->bkColor : inputs.drawMode->TextColor;
+    if (bytesPerPixel == 3) return BandBytesOf(colour);
+    return {static_cast<uint8_t>(colour), 0, 0};
+  }
+  const uint8_t* row = source.Row(y);
+  if (bytesPerPixel == 3) return {row[3 * x + 2], row[3 * x + 1], row[3 * x]};
+  return {row[firstX * source.record()->bmBitsPixel / 8 + (x - firstX)], 0, 0};
+}
+
+}  // namespace
+
+uint8_t Rop3Byte(uint8_t index, uint8_t pattern, uint8_t source, uint8_t dest) {
+  uint32_t result = 0;
+  for (uint32_t bit = 0; bit < 8; ++bit) {
+    const uint32_t p = pattern >> bit & 1u;
+    const uint32_t s = source >> bit & 1u;
+    const uint32_t d = dest >> bit & 1u;
+    result |= (index >> (4 * p + 2 * s + d) & 1u) << bit;
+  }
+  return static_cast<uint8_t>(result);
+}
+
+bool IndexUsesPattern(uint8_t index) { return (index >> 4) != (index & 15); }
+
+bool IndexUsesSource(uint8_t index) { return (index & 0x33) != (index >> 2 & 0x33); }
+
+PixelBytes BandBytesOf(uint32_t colour) {
+  return {static_cast<uint8_t>(colour >> 16), static_cast<uint8_t>(colour >> 8), static_cast<uint8_t>(colour)};
+}
+
+uint32_t PatternColour(const PhysicalBrush* brush, const DRAWMODE& drawMode, int32_t column, int32_t row) {
+  if (brush == nullptr) return 0;
+  if (brush->style == BS_SOLID) return brush->colour;
+  const int32_t fx = std::min<int32_t>(brush->hatchScale[0], 2);
+  const int32_t fy = std::min<int32_t>(brush->hatchScale[1], 2);
+  const uint32_t cell = brush->cells[row / fy % 8 * 8 + column / fx % 8];
+  if (brush->style == BS_HATCHED) return drawMode.bkMode == OPAQUE && cell < 0x1000000 ? drawMode.bkColor : cell;
+  if (brush->patternDepth != 1) return cell;
+  return (cell & 0xFFFFFF) == 0xFFFFFF ? drawMode.bkColor : drawMode.TextColor;
+}
+
+void PaintExpected(PlaneImage* expected, const BandRect& area, int32_t srcX, int32_t srcY,
+                   const TransferInputs& inputs) {
+  const uint8_t index = static_cast<uint8_t>(inputs.rop >> 16);
+  const int bytesPerPixel = expected->bytesPerPixel();
+  for (int32_t row = area.top; row < area.bottom; ++row) {
+    for (int32_t column = area.left; column < area.right; ++column) {
+      PixelBytes pattern{};
+      PixelBytes source{};
+      if (IndexUsesPattern(index)) pattern = PatternBytes(inputs, column, row, bytesPerPixel);
+      if (IndexUsesSource(index)) {
+        source = SourceBytes(inputs, srcX, srcX + column - area.left, srcY + row - area.top, bytesPerPixel);
+      }
+      uint8_t* pixel = expected->At(column, row);
+      for (std::size_t i = 0; i < static_cast<std::size_t>(bytesPerPixel); ++i) {
+        pixel[i] = Rop3Byte(index, pattern[i], source[i], pixel[i]);
+      }
+    }
+  }
+}
+
+}  // namespace qnv::test

@@ -1,0 +1,35 @@
+// What a ternary raster operation makes of one pixel, one bit at a time, straight from the truth table that its index
+// is. Geometry is not modelled: tests say themselves which area is painted and which source pixel comes first.
+#pragma once
+
+#include <cstdint>
+
+#include "support/plane_image.h"
+#include "support/source_image.h"
+
+namespace qnv::test {
+
+// Bit 4p + 2s + d of the index, for each of the eight bits.
+uint8_t Rop3Byte(uint8_t index, uint8_t pattern, uint8_t source, uint8_t dest);
+
+bool IndexUsesPattern(uint8_t index);
+bool IndexUsesSource(uint8_t index);
+
+// The bytes of a colour as a 24-bit band holds them: bits 16..23 first.
+PixelBytes BandBytesOf(uint32_t colour);
+
+// The colour of the prepared pattern at a cell, red in the low byte. Null brush: black.
+uint32_t PatternColour(const PhysicalBrush* brush, const DRAWMODE& drawMode, int32_t column, int32_t row);
+
+struct TransferInputs {
+  uint32_t rop = 0;
+  const SourceImage* source = nullptr;
+  const PhysicalBrush* brush = nullptr;
+  const DRAWMODE* drawMode = nullptr;
+};
+
+// Paints `area` (columns and rows of the plane) of `expected`; source pixel (srcX, srcY) belongs to its first pixel.
+void PaintExpected(PlaneImage* expected, const BandRect& area, int32_t srcX, int32_t srcY,
+                   const TransferInputs& inputs);
+
+}  // namespace qnv::test
