@@ -1,0 +1,135 @@
+// Ternary operations of images: each converted row goes through a transfer.
+#include <gtest/gtest.h>
+
+#include "image/image_cases.h"
+
+namespace qnv::test {
+namespace {
+
+// One result bit for each of the eight combinations of pattern, source and destination.
+uint32_t Rop3(uint32_t index, uint32_t p, uint32_t s, uint32_t d) {
+  uint32_t result = 0;
+  for (uint32_t k = 0; k < 8; ++k) {
+    if ((index >> k & 1) == 0) continue;
+    result |= ((k & 4) != 0 ? p : ~p) & ((k & 2) != 0 ? s : ~s) & ((k & 1) != 0 ? d : ~d);
+  }
+  return result & 0xFFFFFF;
+}
+
+constexpr uint32_t kInk = 0x00A05030;
+
+uint8_t PatternByte(uint32_t x, uint32_t y) { return static_cast<uint8_t>((y % 8) * 31 + (x % 8) * 5 + 2); }
+
+// All 256 indices on both depths. Pattern cells count from the band's corner, so the band lies off the page's corner.
+TEST(ImageRops, EveryIndex) {
+  uint8_t patternBytes[64];
+  for (uint32_t i = 0; i < 64; ++i) patternBytes[i] = PatternByte(i % 8, i / 8);
+  const SourceBitmap patternBitmap{0, 8, 8, 8, 1, 8, patternBytes};
+  const Dib dib = PictureDib(4, kFourByThree, {});
+  const std::string image = kFourByThree;
+  for (uint16_t bandDepth : {uint16_t{24}, uint16_t{8}}) {
+    for (bool solid : {true, false}) {
+      for (uint32_t index = 0; index < 256; ++index) {
+        TestDevice device({.bitsPerPixel = bandDepth, .width = 13, .height = 9, .left = 5, .top = 3});
+        for (std::size_t i = 0; i < device.band().size(); ++i) {
+          device.band().data()[i] = static_cast<uint8_t>(i * 83 + 19);
+        }
+        const PhysicalBrush brush =
+            solid ? SolidBrush(device.handle(), kInk) : PatternBrush(device.handle(), patternBitmap);
+        PicturePlane expected = CurrentBand(device);
+        for (uint32_t row = 0; row < 6; ++row) {  // doubled down, from band row 1
+          for (uint32_t column = 0; column < 4; ++column) {
+            const uint32_t x = column + 2;
+            const uint32_t y = row + 1;
+            const uint32_t s =
+                Physical(device, ImageColours()[static_cast<std::size_t>(image[row / 2 * 4 + column] - 'a')]);
+            const uint32_t p = solid ? Physical(device, kInk) : Gray(PatternByte(x, y));
+            expected.Put(x, y, Rop3(index, p, s, expected.Get(x, y)));
+          }
+        }
+        EXPECT_EQ(1u, Stretch(device, dib, {7, 4, 4, 6, 0, 0, 4, 3}, {.rop = index << 16 | 0x1234, .brush = &brush}));
+        EXPECT_TRUE(SamePlane(expected, CurrentBand(device)))
+            << "index " << std::hex << index << std::dec << ", " << bandDepth << " bits"
+            << (solid ? ", solid brush" : ", pattern brush");
+        EXPECT_TRUE(device.FencesIntact());
+      }
+    }
+  }
+}
+
+// Only the whole code 0x00CC0020 is a plain copy; any other low word takes the way through the transfer and, where the
+// source does not reach, the transfer sees black.
+TEST(ImageRops, ColumnsBeyondTheSource) {
+  struct Case {
+    const char* name;
+    uint32_t rop;
+    const char* picture;  // 7 x 2
+  };
+  const Case cases[] = {
+      {"plain copy leaves them", SRCCOPY,
+       ".cd...."
+       ".gh...."},
+      {"copy by transfer paints them black", 0x00CC0000,
+       ".cdkk.."
+       ".ghkk.."},
+      {"inverted source: white", NOTSRCCOPY,
+       ".CDww.."
+       ".GHww.."},
+      {"minimum: black", ROP_MINIMUM,
+       ".cdkk.."
+       ".ghkk.."},
+  };
+  for (const Case& c : cases) {
+    for (uint16_t bandDepth : {uint16_t{24}, uint16_t{8}}) {
+      TestDevice device({.bitsPerPixel = bandDepth, .width = 7, .height = 2, .fill = 0xFE});
+      const Dib dib = PictureDib(4, "abcdefgh", {});
+      EXPECT_EQ(1u, Stretch(device, dib, {1, 0, 4, 2, 2, 0, 4, 2}, {.rop = c.rop}));
+      // The images' white would show under the minimum as the band's own value.
+      PictureInks inks = {{'k', 0}, {'w', 0xFFFFFF}};
+      for (char letter : {'c', 'd', 'g', 'h'}) {
+        const uint32_t colour = Physical(device, ImageColours()[static_cast<std::size_t>(letter - 'a')]);
+        uint32_t shown = colour;
+        if (c.rop == ROP_MINIMUM) {
+          shown = 0;
+          for (uint32_t shift : {0u, 8u, 16u}) shown |= std::min((colour >> shift) & 0xFF, 0xFEu) << shift;
+        }
+        inks.push_back({letter, shown});
+        inks.push_back({static_cast<char>(letter - 'a' + 'A'), ~colour & 0xFFFFFF});
+      }
+      EXPECT_TRUE(BandIs(device, inks, c.picture)) << c.name << ", " << bandDepth << " bits";
+    }
+  }
+}
+
+TEST(ImageRops, BrushesThatPaintNothing) {
+  for (uint16_t style : {uint16_t{BS_HOLLOW}, uint16_t{4}}) {
+    PhysicalBrush brush{};
+    brush.style = style;
+    for (uint32_t rop : {PATCOPY, PATPAINT, MERGECOPY, 0x00B80000u}) {
+      TestDevice device({.width = 7, .height = 2});
+      const Dib dib = PictureDib(4, "abcdefgh", {});
+      EXPECT_EQ(1u, Stretch(device, dib, {1, 0, 4, 2, 0, 0, 4, 2}, {.rop = rop, .brush = &brush}));
+      EXPECT_TRUE(BandUntouched(device)) << "style " << style << ", rop " << std::hex << rop;
+    }
+  }
+}
+
+// The rows are already in device coordinates: the origin counts once, and is back afterwards.
+TEST(ImageRops, OriginCountsOnce) {
+  for (uint32_t rop : {SRCCOPY, 0x00CC0000u, SRCAND, ROP_MINIMUM}) {
+    TestDevice device({.width = 9, .height = 4, .left = -3, .top = 2, .fill = 0xFF});
+    device.SetOrigin(-4, 3);
+    const Dib dib = PictureDib(2, "abef", {});
+    EXPECT_EQ(1u, Stretch(device, dib, {2, 0, 2, 2, 0, 0, 2, 2}, {.rop = rop, .clip = {2, 0, 4, 2}}));
+    EXPECT_EQ(1u, Stretch(device, dib, {6, 0, 2, 2, 0, 0, 2, 2}, {.rop = rop, .clip = {7, 0, 9, 2}}));
+    EXPECT_TRUE(BandIs(device, ImageInks(device),
+                       "........."
+                       ".ab...b.."
+                       ".ef...f.."
+                       "........."))
+        << std::hex << rop;
+  }
+}
+
+}  // namespace
+}  // namespace qnv::test
