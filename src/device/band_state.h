@@ -4,7 +4,7 @@
 #include <cstdint>
 
 #include "device/scratch_buffer.h"
-#include "device/work_buffer.h"
+#include "image/image_buffers.h"
 #include "qnvdrv10.h"
 #include "raster/band_view.h"
 #include "raster/fill_pattern.h"
@@ -17,16 +17,6 @@ inline constexpr uint32_t kScratchBytes = 1024;
 
 // Bytes of a band row: padded to 32 bits, wrapping as the host's own sum does.
 constexpr uint32_t StrideOf(uint32_t width, uint32_t bytesPerPixel) { return (width * bytesPerPixel + 3) & ~3u; }
-
-// Memory of image transfers, kept between calls.
-struct ImageBuffers {
-  WorkBuffer columns;
-  WorkBuffer converted;
-  WorkBuffer reversed;
-  WorkBuffer row;
-  WorkBuffer rleRows;
-  WorkBuffer rleRow;
-};
 
 struct BandState {
   DeviceDescription description{};

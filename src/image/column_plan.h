@@ -4,7 +4,7 @@
 
 #include <cstdint>
 
-#include "device/band_state.h"
+#include "image/image_buffers.h"
 #include "image/row_converters.h"
 #include "image/row_stepping.h"
 #include "image/source_mapping.h"

@@ -18,8 +18,8 @@ bool ImageTransfer::Prepare(const BandState& state, const Rect& bandRect, bool i
                                a.srcHeight};
   const int32_t xEnd = WrapAdd(request.dstX, request.dstWidth);
   const int32_t yEnd = WrapAdd(request.dstY, request.dstHeight);
-  clipped_ = {std::min<int32_t>(request.dstX, xEnd), std::min<int32_t>(request.dstY, yEnd),
-              std::max<int32_t>(request.dstX, xEnd), std::max<int32_t>(request.dstY, yEnd)};
+  clipped_ = {MinOf(request.dstX, xEnd), MinOf(request.dstY, yEnd),
+              MaxOf(request.dstX, xEnd), MaxOf(request.dstY, yEnd)};
   RectIntersect(clipped_, clipped_, Shifted(*a.clip, state.originX, state.originY));
   if (!RectIntersect(clipped_, clipped_, bandRect)) return false;
 

@@ -24,7 +24,7 @@ struct Edges {
 
 // The source pixels from the one that holds `from` to the one that holds `to`, inside [0, size].
 Edges CoveredPixels(double from, double to, int32_t size) {
-  return {std::max<int32_t>(ToInt16(std::floor(from)), 0), std::min<int32_t>(ToInt16(std::ceil(to)), size)};
+  return {MaxOf(ToInt16(std::floor(from)), 0), MinOf(ToInt16(std::ceil(to)), size)};
 }
 
 }  // namespace

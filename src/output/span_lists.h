@@ -90,7 +90,7 @@ class SpanLists {
 
   // left, right: caller coordinates without the origin.
   Span Clipped(int32_t left, int32_t right) const {
-    return {std::max<int32_t>(MappedX(left), limits_.left), std::min<int32_t>(MappedX(right), limits_.right)};
+    return {MaxOf(MappedX(left), limits_.left), MinOf(MappedX(right), limits_.right)};
   }
 
   void PaintSpan(int32_t y, const Span& span) {
@@ -109,8 +109,8 @@ class SpanLists {
   void BandedSpans(SpanWords words, uint16_t count) {
     for (int32_t record = 0; record < count; ++record) {
       const int32_t n = words.At(0);
-      const int32_t top = std::max<int32_t>(MappedY(words.At(1)), limits_.top);
-      const int32_t bottom = std::min<int32_t>(MappedY(words.At(2)), limits_.bottom);
+      const int32_t top = MaxOf(MappedY(words.At(1)), limits_.top);
+      const int32_t bottom = MinOf(MappedY(words.At(2)), limits_.bottom);
       if (top < bottom && n > 0) {
         // An odd n pairs its last value with the n that closes the record.
         const int32_t pairs = (n + 1) / 2;

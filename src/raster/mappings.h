@@ -4,7 +4,7 @@
 
 #include <cstdint>
 
-#include "device/coordinate_map.h"
+#include "raster/coordinate_map.h"
 #include "raster/rect.h"
 
 namespace qnv {

@@ -1,7 +1,6 @@
 // Half-open rectangles of signed 32-bit pixels, the form that every call and the band itself use.
 #pragma once
 
-#include <algorithm>
 #include <cstdint>
 
 #include "qnvdrv10.h"
@@ -11,6 +10,10 @@ namespace qnv {
 
 using Rect = BandRect;
 
+// By value: the host's rectangles are packed, nothing may refer to their fields.
+constexpr int32_t MaxOf(int32_t a, int32_t b) { return a > b ? a : b; }
+constexpr int32_t MinOf(int32_t a, int32_t b) { return a < b ? a : b; }
+
 constexpr void RectSet(Rect& out, int32_t left, int32_t top, int32_t right, int32_t bottom) {
   out = {left, top, right, bottom};
 }
@@ -18,8 +21,8 @@ constexpr void RectSet(Rect& out, int32_t left, int32_t top, int32_t right, int3
 // out := a and b; out may be either of them. False, with out all zeros, when nothing is left: also for two
 // rectangles that touch, and for one turned inside out.
 constexpr bool RectIntersect(Rect& out, const Rect& a, const Rect& b) {
-  const Rect both{std::max<int32_t>(a.left, b.left), std::max<int32_t>(a.top, b.top),
-                  std::min<int32_t>(a.right, b.right), std::min<int32_t>(a.bottom, b.bottom)};
+  const Rect both{MaxOf(a.left, b.left), MaxOf(a.top, b.top),
+                  MinOf(a.right, b.right), MinOf(a.bottom, b.bottom)};
   const bool some = both.top < both.bottom && both.left < both.right;
   out = some ? both : Rect{0, 0, 0, 0};
   return some;

@@ -3,7 +3,7 @@
 namespace qnv {
 
 void FillOpaqueRect(Device& device, const Rect& rect, const DRAWMODE& drawMode) {
-  const Rect visible{std::max<int32_t>(rect.left, 0), std::max<int32_t>(rect.top, 0), rect.right, rect.bottom};
+  const Rect visible{MaxOf(rect.left, 0), MaxOf(rect.top, 0), rect.right, rect.bottom};
   if (visible.left >= visible.right || visible.top >= visible.bottom) return;
   const LogicalBrush logical{BS_SOLID, drawMode.bkColor, 0, 0};
   PhysicalBrush brush;

@@ -43,8 +43,8 @@ constexpr bool VisiblePart(const PlacedGlyph& glyph, const Rect& limits, Rect* p
   constexpr int32_t kFarthest = 32767;
   const int32_t right = std::min({WrapAdd(glyph.x, glyph.width), kFarthest, limits.right});
   const int32_t bottom = std::min({WrapAdd(glyph.y, glyph.height), kFarthest, limits.bottom});
-  const int32_t left = std::max<int32_t>(glyph.x, limits.left);
-  const int32_t top = std::max<int32_t>(glyph.y, limits.top);
+  const int32_t left = MaxOf(glyph.x, limits.left);
+  const int32_t top = MaxOf(glyph.y, limits.top);
   if (left >= right || top >= bottom) return false;
   *part = Shifted(Rect{left, top, right, bottom}, WrapSubtract(0, glyph.x), WrapSubtract(0, glyph.y));
   return true;

@@ -1,4 +1,4 @@
-#include "device/mul_div.h"
+#include "raster/mul_div.h"
 #include "device/scaled_raster_device.h"
 #include "text/ext_text_out.h"
 

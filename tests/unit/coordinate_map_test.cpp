@@ -1,8 +1,8 @@
-#include "device/coordinate_map.h"
+#include "raster/coordinate_map.h"
 
 #include <gtest/gtest.h>
 
-#include "device/mul_div.h"
+#include "raster/mul_div.h"
 
 namespace qnv {
 namespace {

@@ -1,4 +1,4 @@
-#include "device/mul_div.h"
+#include "raster/mul_div.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "device/mul_div.h"
+#include "raster/mul_div.h"
 
 #if defined(_WIN32)
 extern "C" __declspec(dllimport) int __stdcall MulDiv(int number, int numerator, int denominator);

@@ -1,9 +1,9 @@
-#include "device/coordinate_map.h"
+#include "raster/coordinate_map.h"
 
 #include <algorithm>
 #include <new>
 
-#include "device/mul_div.h"
+#include "raster/mul_div.h"
 #include "raster/wrap.h"
 
 namespace qnv {

@@ -1,0 +1,17 @@
+#pragma once
+
+#include "image/work_buffer.h"
+
+namespace qnv {
+
+// Memory of image transfers, kept between calls.
+struct ImageBuffers {
+  WorkBuffer columns;
+  WorkBuffer converted;
+  WorkBuffer reversed;
+  WorkBuffer row;
+  WorkBuffer rleRows;
+  WorkBuffer rleRow;
+};
+
+}  // namespace qnv
