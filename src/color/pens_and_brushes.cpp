@@ -22,10 +22,8 @@ uint32_t PatternCell(const uint8_t* row, int column, uint16_t depth) {
       const uint8_t* pixel = row + 3 * column;
       return static_cast<uint32_t>(pixel[0] | pixel[1] << 8 | pixel[2] << 16) | kForeground;
     }
-    case 8:
-      return Replicated(row[column]) | kForeground;
-    default:
-      return (row[0] >> (7 - column) & 1) != 0 ? kWhite : kForeground;
+    case 8: return Replicated(row[column]) | kForeground;
+    default: return (row[0] >> (7 - column) & 1) != 0 ? kWhite : kForeground;
   }
 }
 
@@ -60,10 +58,8 @@ uint32_t RealizeBrush(const LogicalBrush& logical, const BrushRules& rules, Phys
   brush->hatchScale[0] = brush->hatchScale[1] = rules.hatchScale;
   brush->colour = colour;
   switch (style) {
-    case BS_SOLID:
-      return kRealisedSolid;
-    case BS_HOLLOW:
-      return kRealised;
+    case BS_SOLID: return kRealisedSolid;
+    case BS_HOLLOW: return kRealised;
     case BS_HATCHED:
       if (hatch >= 0 && hatch < kHatchCount) {
         uint32_t cells[64];
@@ -71,10 +67,8 @@ uint32_t RealizeBrush(const LogicalBrush& logical, const BrushRules& rules, Phys
         for (int i = 0; i < 64; ++i) brush->cells[i] = cells[i];
       }
       return kRealised;
-    case BS_PATTERN:
-      return PatternCells(reinterpret_cast<const SourceBitmap*>(logical.colour), brush) ? kRealised : 0;
-    default:
-      return 0;
+    case BS_PATTERN: return PatternCells(reinterpret_cast<const SourceBitmap*>(logical.colour), brush) ? kRealised : 0;
+    default: return 0;
   }
 }
 

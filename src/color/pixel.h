@@ -20,10 +20,9 @@ inline void WritePixel(uint8_t* pixel, uint32_t bytesPerPixel, uint32_t colour, 
   for (uint32_t i = 0; i < bytesPerPixel; ++i) {
     const uint32_t s = colour >> 8 * (bytesPerPixel - 1 - i) & 0xFF;
     const uint32_t d = pixel[i];
-    const uint32_t result =
-        rop2 == R2_COPYPEN ? s
-                           : ((t & 1) != 0 ? ~(s | d) : 0) | ((t & 2) != 0 ? d & ~s : 0) |
-                                 ((t & 4) != 0 ? s & ~d : 0) | ((t & 8) != 0 ? s & d : 0);
+    const uint32_t result = rop2 == R2_COPYPEN ? s
+                                               : ((t & 1) != 0 ? ~(s | d) : 0) | ((t & 2) != 0 ? d & ~s : 0) |
+                                                     ((t & 4) != 0 ? s & ~d : 0) | ((t & 8) != 0 ? s & d : 0);
     pixel[i] = static_cast<uint8_t>(result);
   }
 }

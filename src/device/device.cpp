@@ -33,8 +33,7 @@ uint32_t Device::RealizeObject(uint32_t kind, const void* input, void* output) {
       if (input == nullptr) return 0;
       return RealizeBrush(*static_cast<const LogicalBrush*>(input), BrushRules{ConvertsToGray(), HatchScale()},
                           static_cast<PhysicalBrush*>(output));
-    default:
-      return 0;
+    default: return 0;
   }
 }
 
@@ -72,11 +71,8 @@ uint16_t Device::Control(uint16_t code, const void* data) {
       if (data == nullptr) return 0;
       std::memcpy(&state_.bandRect, data, sizeof state_.bandRect);
       return 1;
-    case QNV_CLEAR_BAND:
-      ClearBand();
-      return 1;
-    default:
-      return 0;
+    case QNV_CLEAR_BAND: ClearBand(); return 1;
+    default: return 0;
   }
 }
 

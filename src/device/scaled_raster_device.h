@@ -4,8 +4,8 @@
 
 #include <cstdint>
 
-#include "raster/coordinate_map.h"
 #include "device/device.h"
+#include "raster/coordinate_map.h"
 #include "raster/mappings.h"
 
 namespace qnv {

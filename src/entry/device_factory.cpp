@@ -11,8 +11,7 @@ namespace {
 
 Device* NewDevice(const DeviceDescription& description, const BandRect& bandRect, void* buffer, void* secondBuffer) {
   switch (description.kind) {
-    case QNV_KIND_SCALED:
-      return new (std::nothrow) ScaledRasterDevice(description, bandRect, buffer);
+    case QNV_KIND_SCALED: return new (std::nothrow) ScaledRasterDevice(description, bandRect, buffer);
     case QNV_KIND_RASTER:
       if (secondBuffer != nullptr) {
         return new (std::nothrow) DualPlaneDevice(description, bandRect, buffer, secondBuffer);
@@ -20,8 +19,7 @@ Device* NewDevice(const DeviceDescription& description, const BandRect& bandRect
       if (description.bitsPerPixel == 24) return new (std::nothrow) RasterDevice24(description, bandRect, buffer);
       if (description.bitsPerPixel == 8) return new (std::nothrow) RasterDevice8(description, bandRect, buffer);
       return nullptr;
-    default:
-      return nullptr;  // Intended: kind 2 too, which is known to ReportDeviceInfo alone.
+    default: return nullptr;  // Intended: kind 2 too, which is known to ReportDeviceInfo alone.
   }
 }
 
@@ -53,11 +51,8 @@ bool ReportDeviceInfo(const DeviceDescription& description, DeviceSize* result, 
         return false;
       }
       return true;
-    case QNV_KIND_DUAL_PLANE:
-      *written = DualPlaneDevice(description).GetDeviceInfo(result);
-      return true;
-    default:
-      return false;
+    case QNV_KIND_DUAL_PLANE: *written = DualPlaneDevice(description).GetDeviceInfo(result); return true;
+    default: return false;
   }
 }
 

@@ -99,15 +99,15 @@ QNV_ENTRY uint32_t QNVOutput(DeviceHandle* handle, uint32_t style, uint32_t coun
                              const PhysicalPen* pen, const PhysicalBrush* brush, const DRAWMODE* drawMode,
                              const BandRect* clip) {
   if (!IsValid(handle)) return BadHandle16(handle);
-  const int16_t result = handle->device->Output(
-      OutputArguments{Low16(style), Low16(count), points, pen, brush, drawMode, clip});
+  const int16_t result =
+      handle->device->Output(OutputArguments{Low16(style), Low16(count), points, pen, brush, drawMode, clip});
   return static_cast<uint16_t>(result);
 }
 
-QNV_ENTRY int32_t QNVDevExtTextOut(DeviceHandle* handle, int32_t x, int32_t y, const BandRect* clip,
-                                   const void* string, int32_t count, const void* fontBase, uint32_t fontOffset,
-                                   DRAWMODE* drawMode, const void* textXForm, const int16_t* charWidths,
-                                   const BandRect* opaqueRect, uint32_t options) {
+QNV_ENTRY int32_t QNVDevExtTextOut(DeviceHandle* handle, int32_t x, int32_t y, const BandRect* clip, const void* string,
+                                   int32_t count, const void* fontBase, uint32_t fontOffset, DRAWMODE* drawMode,
+                                   const void* textXForm, const int16_t* charWidths, const BandRect* opaqueRect,
+                                   uint32_t options) {
   if (!IsValid(handle)) return 0;
   return handle->device->ExtTextOut(TextArguments{x, y, clip, string, static_cast<int16_t>(count), fontBase,
                                                   Low16(fontOffset), drawMode, textXForm, charWidths, opaqueRect,
@@ -116,19 +116,17 @@ QNV_ENTRY int32_t QNVDevExtTextOut(DeviceHandle* handle, int32_t x, int32_t y, c
 
 QNV_ENTRY uint32_t QNVStretchDIBits(DeviceHandle* handle, uint32_t get, int32_t dstX, int32_t dstY, int32_t dstWidth,
                                     int32_t dstHeight, int32_t srcX, int32_t srcY, int32_t srcWidth, int32_t srcHeight,
-                                    const void* bits, const void* bitmapInfo, const void* conversionInfo,
-                                    uint32_t rop, const PhysicalBrush* brush, const DRAWMODE* drawMode,
-                                    const BandRect* clip) {
+                                    const void* bits, const void* bitmapInfo, const void* conversionInfo, uint32_t rop,
+                                    const PhysicalBrush* brush, const DRAWMODE* drawMode, const BandRect* clip) {
   if (!IsValid(handle)) return BadHandle16(handle);
-  return handle->device->StretchDIBits(ImageArguments{Low16(get), dstX, dstY, dstWidth, dstHeight, srcX, srcY,
-                                                      srcWidth, srcHeight, bits, bitmapInfo, conversionInfo, rop,
-                                                      brush, drawMode, clip});
+  return handle->device->StretchDIBits(ImageArguments{Low16(get), dstX, dstY, dstWidth, dstHeight, srcX, srcY, srcWidth,
+                                                      srcHeight, bits, bitmapInfo, conversionInfo, rop, brush, drawMode,
+                                                      clip});
 }
 
 QNV_ENTRY uint32_t QNVDevSetDIBitsToDevice(DeviceHandle* handle, int32_t x, int32_t y, uint32_t startScan,
                                            uint32_t numScans, const BandRect* clip, const DRAWMODE* drawMode,
                                            const void* bits, const void* bitmapInfo, const void* conversionInfo) {
   if (!IsValid(handle)) return BadHandle16(handle);
-  return handle->device->SetDIBitsToDevice(x, y, startScan, numScans, clip, drawMode, bits, bitmapInfo,
-                                           conversionInfo);
+  return handle->device->SetDIBitsToDevice(x, y, startScan, numScans, clip, drawMode, bits, bitmapInfo, conversionInfo);
 }

@@ -80,12 +80,8 @@ void ColumnPlan::Apply(uint8_t* out, const uint8_t* row, const RowConverter& con
   const uint32_t low = static_cast<uint32_t>(low_);
   const auto reverse = bytesPerPixel_ == 3 ? image.ReverseRow24 : image.ReverseRow8;
   switch (order_) {
-    case Order::kForward:
-      converter.Consecutive(out, row, low, count, context);
-      break;
-    case Order::kPicked:
-      converter.Picked(out, row, list_, count, context);
-      break;
+    case Order::kForward: converter.Consecutive(out, row, low, count, context); break;
+    case Order::kPicked: converter.Picked(out, row, list_, count, context); break;
     case Order::kBackward:
       converter.Consecutive(converted_, row, low, count, context);
       reverse(out, converted_, count);
@@ -94,7 +90,7 @@ void ColumnPlan::Apply(uint8_t* out, const uint8_t* row, const RowConverter& con
       converter.Consecutive(converted_, row, low, sourceCount, context);
       if (mirrored_) reverse(reversed_, converted_, sourceCount);
       (bytesPerPixel_ == 3 ? image.StretchRow24 : image.StretchRow8)(out, mirrored_ ? reversed_ : converted_,
-                                                                    sourceCount, list_, count);
+                                                                     sourceCount, list_, count);
       break;
     }
   }

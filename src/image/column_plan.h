@@ -23,8 +23,8 @@ class ColumnPlan {
   enum class Order : uint8_t {
     kForward,  // one source column after another
     kBackward,
-    kEnlarged, // each source column some times; backward when mirrored
-    kPicked,   // source columns one by one
+    kEnlarged,  // each source column some times; backward when mirrored
+    kPicked,    // source columns one by one
   };
 
   bool PlanEnlarged(const Stepping& stepping, ImageBuffers& buffers);
@@ -33,9 +33,9 @@ class ColumnPlan {
   Order order_ = Order::kForward;
   bool mirrored_ = false;
   std::size_t bytesPerPixel_ = 3;
-  int32_t low_ = 0;               // leftmost source column that is converted
-  int32_t sourceCount_ = 0;       // source columns that are converted
-  int32_t count_ = 0;             // destination columns
+  int32_t low_ = 0;                 // leftmost source column that is converted
+  int32_t sourceCount_ = 0;         // source columns that are converted
+  int32_t count_ = 0;               // destination columns
   const uint16_t* list_ = nullptr;  // kEnlarged: times of each source column as walked; kPicked: the columns
   uint8_t* converted_ = nullptr;
   uint8_t* reversed_ = nullptr;

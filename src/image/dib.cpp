@@ -7,9 +7,7 @@ namespace {
 
 constexpr int32_t kMostPixels = 32767;  // what 16-bit source rectangles can hold
 
-bool IsDepth(uint16_t bits) {
-  return bits == 1 || bits == 4 || bits == 8 || bits == 16 || bits == 24 || bits == 32;
-}
+bool IsDepth(uint16_t bits) { return bits == 1 || bits == 4 || bits == 8 || bits == 16 || bits == 24 || bits == 32; }
 
 }  // namespace
 

@@ -10,14 +10,14 @@
 namespace qnv {
 
 struct Dib {
-  int32_t width;       // 1..32767
-  int32_t height;      // rows, 1..32767
+  int32_t width;   // 1..32767
+  int32_t height;  // rows, 1..32767
   bool topDown;
-  uint16_t bitCount;   // 1, 4, 8, 16, 24, 32
+  uint16_t bitCount;  // 1, 4, 8, 16, 24, 32
   uint32_t compression;
-  uint32_t colorsUsed; // biClrUsed
-  const uint8_t* info; // the header itself
-  uint32_t infoSize;   // biSize
+  uint32_t colorsUsed;  // biClrUsed
+  const uint8_t* info;  // the header itself
+  uint32_t infoSize;    // biSize
 
   bool IsRle() const { return compression == BI_RLE8 || compression == BI_RLE4; }
   bool HasPalette() const { return bitCount <= 8; }

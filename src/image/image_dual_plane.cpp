@@ -15,17 +15,14 @@ uint16_t DualPlaneDevice::StretchDIBits(const ImageArguments& a) {
   switch (ImageModeOf(a.rop)) {
     case ImageMode::kCopy: {
       const Rect& area = transfer.Clipped();
-      const BltArguments whole{area.left,       area.top, nullptr,    area.left,
-                               0,               transfer.Width(), area.bottom - area.top, SRCCOPY,
-                               a.brush,         a.drawMode,       &kNoClip};
+      const BltArguments whole{area.left, area.top, nullptr,    area.left, 0, transfer.Width(), area.bottom - area.top,
+                               SRCCOPY,   a.brush,  a.drawMode, &kNoClip};
       if (!tag(whole)) return 0;
       CopyImage(transfer, band);
       return 1;
     }
-    case ImageMode::kMerge:
-      return MergeImage(transfer, band, *state_.rows, bitmapWidth, a, tag);
-    case ImageMode::kBitBlt:
-      break;
+    case ImageMode::kMerge: return MergeImage(transfer, band, *state_.rows, bitmapWidth, a, tag);
+    case ImageMode::kBitBlt: break;
   }
   return BlitImage(
       transfer, bitmapWidth, band.bytesPerPixel, a, [](uint8_t*, std::size_t) {},

@@ -4,7 +4,6 @@
 namespace qnv {
 namespace {
 
-
 // SRCCOPY: of the rows and columns that a converted row covers, those that the band keeps are written.
 class KeptRowCopier {
  public:
@@ -83,10 +82,8 @@ uint16_t ScaledRasterDevice::StretchDIBits(const ImageArguments& a) {
       }
       return 1;
     }
-    case ImageMode::kMerge:
-      return 1;  // Intended: extended codes paint nothing on this device.
-    case ImageMode::kBitBlt:
-      break;
+    case ImageMode::kMerge: return 1;  // Intended: extended codes paint nothing on this device.
+    case ImageMode::kBitBlt: break;
   }
   // Rows are made gray here, not once more by every transfer.
   SetGrayMode(24);

@@ -18,8 +18,8 @@ bool ImageTransfer::Prepare(const BandState& state, const Rect& bandRect, bool i
                                a.srcHeight};
   const int32_t xEnd = WrapAdd(request.dstX, request.dstWidth);
   const int32_t yEnd = WrapAdd(request.dstY, request.dstHeight);
-  clipped_ = {MinOf(request.dstX, xEnd), MinOf(request.dstY, yEnd),
-              MaxOf(request.dstX, xEnd), MaxOf(request.dstY, yEnd)};
+  clipped_ = {MinOf(request.dstX, xEnd), MinOf(request.dstY, yEnd), MaxOf(request.dstX, xEnd),
+              MaxOf(request.dstY, yEnd)};
   RectIntersect(clipped_, clipped_, Shifted(*a.clip, state.originX, state.originY));
   if (!RectIntersect(clipped_, clipped_, bandRect)) return false;
 
@@ -30,15 +30,15 @@ bool ImageTransfer::Prepare(const BandState& state, const Rect& bandRect, bool i
 
   bits_ = static_cast<const uint8_t*>(a.bits);
   rows_ = state.rows;
-  target_ = !is24                                  ? PixelTarget::kGray8
+  target_ = !is24                                      ? PixelTarget::kGray8
             : ImageModeOf(a.rop) == ImageMode::kBitBlt ? PixelTarget::kSource24
                                                        : PixelTarget::kBand24;
   if (dib_.HasPalette()) MakeColorTable(dib_, target_, &colours_.table);
   if (dib_.bitCount == 16) colours_.masks = MakePixelMasks(dib_, target_);
   convert_ = RowConverterFor(dib_.IsRle() ? 8 : dib_.bitCount, target_);
 
-  walk_ = RowWalk(MakeStepping(mapping.dstTop, mapping.dstHeight, mapping.rows, topInBand,
-                               clipped_.bottom - clipped_.top));
+  walk_ =
+      RowWalk(MakeStepping(mapping.dstTop, mapping.dstHeight, mapping.rows, topInBand, clipped_.bottom - clipped_.top));
   const Stepping columns = MakeStepping(mapping.dstLeft, mapping.dstWidth, mapping.columns, leftInBand_, Width());
   return columns_.Make(columns, mapping, target_, buffers_) && PrepareRows(mapping);
 }

@@ -69,7 +69,7 @@ class ImageTransfer {
   const RowKernels* rows_ = nullptr;
   RleState* rleRows_ = nullptr;  // run-length sources: where each stored row of the source rectangle begins
   uint8_t* rleRow_ = nullptr;
-  int32_t topRow_ = 0;           // stored row of rleRows_[0]
+  int32_t topRow_ = 0;  // stored row of rleRows_[0]
 };
 
 }  // namespace qnv

@@ -11,8 +11,8 @@ struct RleState {
 
   const uint8_t* next;  // compressed data
   Phase phase = kCodes;
-  uint8_t emptyRows = 0;       // kDelta: rows still to pass before the target row
-  int32_t targetColumn = 0;    // kDelta: where codes go on in the target row
+  uint8_t emptyRows = 0;     // kDelta: rows still to pass before the target row
+  int32_t targetColumn = 0;  // kDelta: where codes go on in the target row
 };
 
 class RleDecoder {

@@ -40,9 +40,8 @@ uint32_t ReadPixel(const uint8_t* row, uint32_t x, const PixelColours& colours) 
 template <PixelTarget kTarget, uint32_t kBits>
 void Picked(uint8_t* out, const uint8_t* row, const uint16_t* picks, std::size_t count,
             const ConverterContext& context) {
-  StorePixels<BytesOf(kTarget)>(out, count, [&](std::size_t i) {
-    return ReadPixel<kTarget, kBits>(row, picks[i], context.colours);
-  });
+  StorePixels<BytesOf(kTarget)>(
+      out, count, [&](std::size_t i) { return ReadPixel<kTarget, kBits>(row, picks[i], context.colours); });
 }
 
 // 24 bits in target order, from pixels that lie byte-aligned.
@@ -80,8 +79,7 @@ void ConvertGray(uint8_t* out, const uint8_t* pixels, std::size_t count, const C
 }
 
 template <PixelTarget kTarget, uint32_t kBits>
-void Consecutive(uint8_t* out, const uint8_t* row, uint32_t first, std::size_t count,
-                 const ConverterContext& context) {
+void Consecutive(uint8_t* out, const uint8_t* row, uint32_t first, std::size_t count, const ConverterContext& context) {
   constexpr bool kGray = kTarget == PixelTarget::kGray8;
   const RowKernels& rows = context.rows;
   const PixelRows& image = *rows.image;

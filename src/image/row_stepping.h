@@ -16,8 +16,8 @@ constexpr uint16_t ReachedBy(int32_t position) { return static_cast<uint16_t>(po
 
 // The step of one direction and the position before the first source row or column.
 struct Stepping {
-  uint32_t step;         // destination pixels per source pixel, 16.16
-  int32_t start;         // a little below 0 up to 0, rarely above
+  uint32_t step;  // destination pixels per source pixel, 16.16
+  int32_t start;  // a little below 0 up to 0, rarely above
   int32_t sourcePixels;
   uint16_t dstPixels;
 };

@@ -10,14 +10,11 @@ uint16_t RasterDevice::StretchDIBits(const ImageArguments& a) {
   if (!transfer.Prepare(state_, band.rect, state_.Is24(), a)) return 0;
   const OriginAtZero origin(state_);
   switch (ImageModeOf(a.rop)) {
-    case ImageMode::kCopy:
-      CopyImage(transfer, band);
-      return 1;
+    case ImageMode::kCopy: CopyImage(transfer, band); return 1;
     case ImageMode::kMerge:
       return MergeImage(transfer, band, *state_.rows, state_.description.width, a,
                         [](const BltArguments&) { return true; });
-    case ImageMode::kBitBlt:
-      break;
+    case ImageMode::kBitBlt: break;
   }
   return BlitImage(
       transfer, state_.description.width, band.bytesPerPixel, a, [](uint8_t*, std::size_t) {},

@@ -34,12 +34,9 @@ inline void CopyImage(ImageTransfer& transfer, const BandView& band) {
 
 // A row buffer as the source of a one-row transfer. width: the source's width in pixels, kept to 16 bits.
 inline SourceBitmap RowBitmap(const uint8_t* buffer, uint32_t width, uint32_t bytesPerPixel) {
-  return {0,
-          static_cast<int16_t>(static_cast<uint16_t>(width)),
-          1,
-          static_cast<uint16_t>(width * bytesPerPixel),
-          1,
-          static_cast<uint8_t>(bytesPerPixel * 8),
+  return {0,     static_cast<int16_t>(static_cast<uint16_t>(width)),
+          1,     static_cast<uint16_t>(width * bytesPerPixel),
+          1,     static_cast<uint8_t>(bytesPerPixel * 8),
           buffer};
 }
 
@@ -48,8 +45,17 @@ inline constexpr Rect kNoClip{0, 0, 0, 0};
 // The one-row transfer of destination row `y`, caller's pixels; the source column is the band's own.
 inline BltArguments RowTransfer(const ImageTransfer& transfer, const SourceBitmap& bitmap, int32_t y, uint32_t rop,
                                 const ImageArguments& a) {
-  return {transfer.Clipped().left, y,   &bitmap, transfer.LeftInBand(), 0,       transfer.Width(),
-          1,                       rop, a.brush, a.drawMode,            &kNoClip};
+  return {transfer.Clipped().left,
+          y,
+          &bitmap,
+          transfer.LeftInBand(),
+          0,
+          transfer.Width(),
+          1,
+          rop,
+          a.brush,
+          a.drawMode,
+          &kNoClip};
 }
 
 // Extended codes. beforeRow(BltArguments) is called for every covered row with the transfer that stands for

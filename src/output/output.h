@@ -23,8 +23,7 @@ int16_t OutputOn(BandState& state, const BandView& band, const Mapping& mapping,
   // Edge deltas paint their first row whatever the count says.
   if (a.count == 0 && style != SpanStyle::kByteDeltas && style != SpanStyle::kNibbleDeltas) return 1;
   const Rect clip = Shifted(*a.clip, state.originX, state.originY);
-  const Rect limits{MaxOf(band.rect.left, mapping.ToBand(clip.left)),
-                    MaxOf(band.rect.top, mapping.ToBand(clip.top)),
+  const Rect limits{MaxOf(band.rect.left, mapping.ToBand(clip.left)), MaxOf(band.rect.top, mapping.ToBand(clip.top)),
                     MinOf(band.rect.right, mapping.ToBand(clip.right)),
                     MinOf(band.rect.bottom, mapping.ToBand(clip.bottom))};
   SpanPainter painter(band, *state.rows, state.fillPattern, regray);

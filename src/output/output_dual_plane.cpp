@@ -30,16 +30,12 @@ Marking MakeMarkingBrush(const PhysicalBrush& brush, const DRAWMODE& drawMode, T
       case BS_SOLID:
         if (brush.colour == paper) return Marking::kNothing;
         break;
-      case BS_HOLLOW:
-        return Marking::kNothing;
+      case BS_HOLLOW: return Marking::kNothing;
       case BS_HATCHED:
         if (brush.colour == paper && drawMode.bkColor == paper) return Marking::kNothing;
         [[fallthrough]];
-      case BS_PATTERN:
-        *result = InkBrush(brush, drawMode, paper);
-        return Marking::kBrush;
-      default:
-        return Marking::kRefused;
+      case BS_PATTERN: *result = InkBrush(brush, drawMode, paper); return Marking::kBrush;
+      default: return Marking::kRefused;
     }
   }
   return MakeTagBrush(&brush, drawMode, QNV_TAG_GRAPHICS, result) ? Marking::kBrush : Marking::kRefused;
@@ -47,7 +43,9 @@ Marking MakeMarkingBrush(const PhysicalBrush& brush, const DRAWMODE& drawMode, T
 
 }  // namespace
 
-int16_t DualPlaneDevice::Output(const OutputArguments& a) { return TagOutput(a) ? colourDevice_->Output(a) : int16_t{0}; }
+int16_t DualPlaneDevice::Output(const OutputArguments& a) {
+  return TagOutput(a) ? colourDevice_->Output(a) : int16_t{0};
+}
 
 bool DualPlaneDevice::TagOutput(const OutputArguments& a) {
   if (planeUniform_) return true;
@@ -65,12 +63,9 @@ bool DualPlaneDevice::TagOutput(const OutputArguments& a) {
   const PhysicalBrush& brush = a.pen != nullptr || a.brush == nullptr ? solid : *a.brush;
   PhysicalBrush marking;
   switch (MakeMarkingBrush(brush, *a.drawMode, rule, &marking)) {
-    case Marking::kNothing:
-      return true;
-    case Marking::kRefused:
-      return false;
-    case Marking::kBrush:
-      break;
+    case Marking::kNothing: return true;
+    case Marking::kRefused: return false;
+    case Marking::kBrush: break;
   }
   DRAWMODE mode = *a.drawMode;
   mode.Rop2 = R2_COPYPEN;

@@ -15,13 +15,13 @@ namespace qnv {
 
 enum class SpanStyle : uint8_t {
   kUnknown,
-  kBracket,      // 80, 81: nothing to paint
-  kScanlines,    // 4, 104
-  kBandedSpans,  // 5, 105
-  kRowRecords,   // 205
-  kRowSpans,     // 305
-  kByteDeltas,   // 405
-  kNibbleDeltas, // 505
+  kBracket,       // 80, 81: nothing to paint
+  kScanlines,     // 4, 104
+  kBandedSpans,   // 5, 105
+  kRowRecords,    // 205
+  kRowSpans,      // 305
+  kByteDeltas,    // 405
+  kNibbleDeltas,  // 505
 };
 
 constexpr SpanStyle SpanStyleOf(uint16_t style) {
@@ -63,7 +63,12 @@ class SpanLists {
   // limits: band and clip together, device space; may be empty or turned inside out.
   SpanLists(const Mapping& mapping, SpanPainter& painter, const Rect& limits, int32_t originX, int32_t originY,
             ScratchBuffer& scratch)
-      : mapping_(mapping), painter_(painter), limits_(limits), originX_(originX), originY_(originY), scratch_(scratch) {}
+      : mapping_(mapping),
+        painter_(painter),
+        limits_(limits),
+        originX_(originX),
+        originY_(originY),
+        scratch_(scratch) {}
 
   void Paint(SpanStyle style, uint16_t count, const int16_t* points) {
     const SpanWords words(points);

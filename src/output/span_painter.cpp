@@ -45,8 +45,7 @@ void SpanPainter::Regray(uint8_t* dst, std::size_t pixels, int32_t y, int32_t le
     uint8_t* part = dst + 3 * done;
     std::memcpy(gray, part, 3 * count);
     rows_.RegrayRow24(gray, count);
-    const TileMasks painted =
-        painted_.At(painted_.RowOf(y), painted_.PhaseOf(left + static_cast<int32_t>(done)));
+    const TileMasks painted = painted_.At(painted_.RowOf(y), painted_.PhaseOf(left + static_cast<int32_t>(done)));
     rows_.RopSourceTileRow(part, gray, 3 * count, TileMasks{kZeros.bytes, painted.and2, painted.xor2, kZeros.bytes});
   }
 }

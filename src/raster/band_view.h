@@ -9,10 +9,10 @@
 namespace qnv {
 
 struct BandView {
-  uint8_t* bits;          // pixel (rect.left, rect.top); host memory
-  uint32_t stride;        // bytes from one row to the next
-  Rect rect;              // device space; empty when the host gave no memory
-  uint32_t bytesPerPixel; // 3 (blue, green, red) or 1 (gray)
+  uint8_t* bits;           // pixel (rect.left, rect.top); host memory
+  uint32_t stride;         // bytes from one row to the next
+  Rect rect;               // device space; empty when the host gave no memory
+  uint32_t bytesPerPixel;  // 3 (blue, green, red) or 1 (gray)
 
   // Requires: rect holds the point.
   uint8_t* At(int32_t x, int32_t y) const {

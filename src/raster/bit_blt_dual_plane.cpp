@@ -18,15 +18,10 @@ uint16_t DualPlaneDevice::TagBlt(const BltArguments& a, uint16_t imageFlag) {
   const TransferTagRule rule = TagRuleOfRop3(RopIndex(a.rop));
   const uint8_t tag = rule.takesTag ? callersTag : uint8_t{QNV_TAG_GRAPHICS};
   switch (rule.action) {
-    case TagAction::kNothing:
-      return 1;
-    case TagAction::kFill:
-      FillTagRect(*tagDevice_, tag, a.destX, a.destY, a.width, a.height, *a.clip);
-      return 1;
-    case TagAction::kSource:
-      return TagFromSource(*tagDevice_, tag, a, rule.skip);
-    case TagAction::kBrush:
-      return TagFromBrush(*tagDevice_, QNV_TAG_GRAPHICS, a, rule.skip);
+    case TagAction::kNothing: return 1;
+    case TagAction::kFill: FillTagRect(*tagDevice_, tag, a.destX, a.destY, a.width, a.height, *a.clip); return 1;
+    case TagAction::kSource: return TagFromSource(*tagDevice_, tag, a, rule.skip);
+    case TagAction::kBrush: return TagFromBrush(*tagDevice_, QNV_TAG_GRAPHICS, a, rule.skip);
     case TagAction::kBrushThenSource:
       return TagFromBrush(*tagDevice_, QNV_TAG_GRAPHICS, a, 0) && TagFromSource(*tagDevice_, tag, a, rule.skip);
   }

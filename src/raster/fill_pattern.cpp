@@ -50,9 +50,7 @@ void SelectFillPattern(FillPattern* pattern, const PhysicalPen* pen, const Physi
   const uint32_t background = ExchangeRedBlue(drawMode->bkColor);
   const uint32_t text = ExchangeRedBlue(drawMode->TextColor);
   switch (brush->style) {
-    case BS_SOLID:
-      SelectSolid(pattern, brush->colour);
-      break;
+    case BS_SOLID: SelectSolid(pattern, brush->colour); break;
     case BS_HATCHED: {
       pattern->style = kFillHatched;
       const bool opaque = drawMode->bkMode == OPAQUE;
@@ -71,8 +69,7 @@ void SelectFillPattern(FillPattern* pattern, const PhysicalPen* pen, const Physi
       });
       break;
     }
-    default:
-      pattern->style = kFillNothing;
+    default: pattern->style = kFillNothing;
   }
 }
 

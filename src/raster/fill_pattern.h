@@ -12,8 +12,8 @@ inline constexpr int kMaxPeriod = 16;
 enum FillStyle : uint16_t {
   kFillSolid = 0,
   kFillPatterned = 1,
-  kFillHatched = 2,          // the mask counts
-  kFillNothing = 0xFFFF,     // hollow or unknown brush
+  kFillHatched = 2,       // the mask counts
+  kFillNothing = 0xFFFF,  // hollow or unknown brush
 };
 
 struct FillPattern {

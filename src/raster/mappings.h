@@ -55,7 +55,8 @@ struct KeptMapping {
 
   template <class Paint>
   void ForEachRun(int32_t first, int32_t count, int32_t bandColumns, Paint paint) const {
-    ForEachMappedRun(count, bandColumns, [&](int32_t i) { return map->MapKept(first + i); }, paint);
+    ForEachMappedRun(
+        count, bandColumns, [&](int32_t i) { return map->MapKept(first + i); }, paint);
   }
 
   // Gathers the columns 0 .. count - 1 of a walk whose band column bandColumnOf(i) lies in [0, bandColumns)

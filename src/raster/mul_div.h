@@ -12,9 +12,10 @@ int32_t MulDiv(int32_t value, int32_t numerator, int32_t denominator);
 constexpr int32_t PortableMulDiv(int32_t value, int32_t numerator, int32_t denominator) {
   if (denominator == 0) return -1;
   const int64_t product = int64_t{value} * numerator;
-  const uint64_t magnitude = product < 0 ? uint64_t{0} - static_cast<uint64_t>(product) : static_cast<uint64_t>(product);
-  const uint64_t divisor = denominator < 0 ? uint64_t{0} - static_cast<uint64_t>(int64_t{denominator})
-                                           : static_cast<uint64_t>(denominator);
+  const uint64_t magnitude =
+      product < 0 ? uint64_t{0} - static_cast<uint64_t>(product) : static_cast<uint64_t>(product);
+  const uint64_t divisor =
+      denominator < 0 ? uint64_t{0} - static_cast<uint64_t>(int64_t{denominator}) : static_cast<uint64_t>(denominator);
   const uint64_t rounded = (magnitude + divisor / 2) / divisor;
   const bool negative = (product < 0) != (denominator < 0);
   if (rounded > uint64_t{INT32_MAX} + (negative ? 1 : 0)) return -1;

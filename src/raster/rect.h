@@ -21,8 +21,7 @@ constexpr void RectSet(Rect& out, int32_t left, int32_t top, int32_t right, int3
 // out := a and b; out may be either of them. False, with out all zeros, when nothing is left: also for two
 // rectangles that touch, and for one turned inside out.
 constexpr bool RectIntersect(Rect& out, const Rect& a, const Rect& b) {
-  const Rect both{MaxOf(a.left, b.left), MaxOf(a.top, b.top),
-                  MinOf(a.right, b.right), MinOf(a.bottom, b.bottom)};
+  const Rect both{MaxOf(a.left, b.left), MaxOf(a.top, b.top), MinOf(a.right, b.right), MinOf(a.bottom, b.bottom)};
   const bool some = both.top < both.bottom && both.left < both.right;
   out = some ? both : Rect{0, 0, 0, 0};
   return some;

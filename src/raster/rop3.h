@@ -56,24 +56,21 @@ struct RopRecipe {
 constexpr RopRecipe MakeRecipe(uint8_t index) {
   uint8_t masks[2][4] = {};
   for (int p = 0; p < 2; ++p) {
-    const auto f = [&](uint8_t s, uint8_t d) {
-      return EvaluateRop3<uint8_t>(index, p != 0 ? 0xFF : 0, s, d);
-    };
+    const auto f = [&](uint8_t s, uint8_t d) { return EvaluateRop3<uint8_t>(index, p != 0 ? 0xFF : 0, s, d); };
     const uint8_t f00 = f(0, 0), f01 = f(0, 0xFF), f10 = f(0xFF, 0), f11 = f(0xFF, 0xFF);
     masks[p][0] = static_cast<uint8_t>(f00 ^ f01 ^ f10 ^ f11);
     masks[p][1] = static_cast<uint8_t>(f00 ^ f01);
     masks[p][2] = static_cast<uint8_t>(f00 ^ f10);
     masks[p][3] = f00;
   }
-  const auto open = [&](int i) {
-    return OpenMask{static_cast<uint8_t>(masks[0][i] ^ masks[1][i]), masks[0][i]};
-  };
+  const auto open = [&](int i) { return OpenMask{static_cast<uint8_t>(masks[0][i] ^ masks[1][i]), masks[0][i]}; };
   return {open(0), open(1), open(2), open(3)};
 }
 
 inline constexpr std::array<RopRecipe, 256> kRopRecipes = [] {
   std::array<RopRecipe, 256> recipes{};
-  for (int index = 0; index < 256; ++index) recipes[static_cast<std::size_t>(index)] = MakeRecipe(static_cast<uint8_t>(index));
+  for (int index = 0; index < 256; ++index)
+    recipes[static_cast<std::size_t>(index)] = MakeRecipe(static_cast<uint8_t>(index));
   return recipes;
 }();
 

@@ -40,9 +40,7 @@ void SourceRows::FetchInto(const RowKernels& rows, int32_t row, int32_t column, 
       rows.SwapRow24(out, start, count);
       break;
     }
-    case SourceForm::kGray:
-      std::memcpy(out, start + column, count);
-      break;
+    case SourceForm::kGray: std::memcpy(out, start + column, count); break;
     case SourceForm::kGrayTo24:
       start += column;
       for (std::size_t i = 0; i < count; ++i) std::memset(out + 3 * i, start[picks != nullptr ? picks[i] : i], 3);

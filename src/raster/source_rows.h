@@ -10,7 +10,7 @@ namespace qnv {
 
 // How the bytes of a source become band bytes.
 enum class SourceForm : uint8_t {
-  kOneBitTo24,    // set bits stand for the background colour, clear ones for the text colour
+  kOneBitTo24,  // set bits stand for the background colour, clear ones for the text colour
   kOneBitTo8,
   kRedGreenBlue,  // three bytes a pixel, into a 24-bit band
   kGray,          // one byte a pixel, into an 8-bit band

@@ -16,18 +16,13 @@ bool MakeTagBrush(const PhysicalBrush* brush, const DRAWMODE& drawMode, uint8_t 
   }
   switch (style) {
     case BS_SOLID:
-    case BS_PATTERN:
-      result->style = BS_SOLID;
-      return true;
-    case BS_HOLLOW:
-      result->style = BS_HOLLOW;
-      return true;
+    case BS_PATTERN: result->style = BS_SOLID; return true;
+    case BS_HOLLOW: result->style = BS_HOLLOW; return true;
     case BS_HATCHED:
       result->style = drawMode.bkMode == OPAQUE ? BS_SOLID : BS_HATCHED;
       for (int i = 0; i < 64; ++i) result->cells[i] = (brush->cells[i] & kForeground) | TagColour(tag);
       return true;
-    default:
-      return false;
+    default: return false;
   }
 }
 

@@ -25,16 +25,16 @@ void TagFromPixels(RasterDevice8& tagDevice, uint8_t tag, const BltArguments& a,
   const int32_t x = WrapAdd(a.destX, state.originX);
   const int32_t y = WrapAdd(a.destY, state.originY);
   Rect area{x, y, WrapAdd(x, a.width), WrapAdd(y, a.height)};
-  const Rect source = Shifted(Rect{0, 0, a.source->bmWidth, a.source->bmHeight}, WrapSubtract(x, a.srcX),
-                              WrapSubtract(y, a.srcY));
+  const Rect source =
+      Shifted(Rect{0, 0, a.source->bmWidth, a.source->bmHeight}, WrapSubtract(x, a.srcX), WrapSubtract(y, a.srcY));
   if (!RectIntersect(area, area, band.rect) || !RectIntersect(area, area, source) ||
       !RectIntersect(area, area, OpenEdges(*a.clip, state.originX, state.originY))) {
     return;
   }
   const auto* bits = static_cast<const uint8_t*>(a.source->bmBits);
   for (int32_t row = area.top; row < area.bottom; ++row) {
-    const uint8_t* pixel = bits + std::ptrdiff_t{row - source.top} * a.source->bmWidthBytes +
-                           std::ptrdiff_t{area.left - source.left} * 3;
+    const uint8_t* pixel =
+        bits + std::ptrdiff_t{row - source.top} * a.source->bmWidthBytes + std::ptrdiff_t{area.left - source.left} * 3;
     uint8_t* dst = band.At(area.left, row);
     for (int32_t column = area.left; column < area.right; ++column, pixel += 3, ++dst) {
       if (static_cast<uint32_t>(pixel[0] | pixel[1] << 8 | pixel[2] << 16) != skip) *dst = tag;
@@ -118,16 +118,14 @@ bool TagFromBrush(RasterDevice8& tagDevice, uint8_t tag, const BltArguments& a, 
     case BS_SOLID:
       if (a.brush->colour != skip) FillTagRect(tagDevice, tag, a.destX, a.destY, a.width, a.height, *a.clip);
       return true;
-    case BS_HOLLOW:
-      return true;
+    case BS_HOLLOW: return true;
     case BS_HATCHED:
     case BS_PATTERN:
       if (a.drawMode == nullptr) return true;
       if (a.brush->style == BS_HATCHED && a.brush->colour == skip && a.drawMode->bkColor == skip) return true;
       TagFromCells(tagDevice, tag, a, skip);
       return true;
-    default:
-      return false;
+    default: return false;
   }
 }
 

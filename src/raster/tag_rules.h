@@ -34,36 +34,36 @@ constexpr uint32_t SkipColour(TagRule rule) { return rule == TagRule::kUnlessWhi
 // What decides the tags of a bit-block transfer.
 enum class TagAction : uint8_t {
   kNothing,
-  kFill,            // the whole destination
-  kSource,          // source pixels that paint
-  kBrush,           // brush cells that paint, always with the graphics tag
-  kBrushThenSource, // brush cells that are not black, then source pixels
+  kFill,             // the whole destination
+  kSource,           // source pixels that paint
+  kBrush,            // brush cells that paint, always with the graphics tag
+  kBrushThenSource,  // brush cells that are not black, then source pixels
 };
 
 struct TransferTagRule {
   TagAction action;
-  bool takesTag;   // the caller's tag; else always the graphics tag
-  uint32_t skip;   // colour of source pixels or brush cells that do not paint
+  bool takesTag;  // the caller's tag; else always the graphics tag
+  uint32_t skip;  // colour of source pixels or brush cells that do not paint
 };
 
 // Intended: rows without takesTag write the graphics tag for images too.
 constexpr TransferTagRule TagRuleOfRop3(uint8_t index) {
   switch (index < 0x80 ? static_cast<uint8_t>(~index) : index) {
-    case 0x88:                                                   // D and S
-    case 0xBB: return {TagAction::kSource, true, kWhite};        // D or not S
-    case 0x99:                                                   // not (S xor D)
-    case 0xA5:                                                   // not (P xor D)
-    case 0xAA: return {TagAction::kNothing, false, 0};           // D
-    case 0xA0:                                                   // P and D
-    case 0xAF: return {TagAction::kBrush, false, kWhite};        // not P or D
-    case 0xB8: return {TagAction::kSource, false, kWhite};       // S ? D : P
-    case 0xDD:                                                   // S or not D
-    case 0xEE: return {TagAction::kSource, true, 0};             // S or D
-    case 0xE2:                                                   // S ? P : D
-    case 0xEA: return {TagAction::kSource, false, 0};            // D or (P and S)
-    case 0xF0: return {TagAction::kFill, false, 0};              // P
-    case 0xF5:                                                   // P or not D
-    case 0xFA: return {TagAction::kBrush, false, 0};             // P or D
+    case 0x88:                                                      // D and S
+    case 0xBB: return {TagAction::kSource, true, kWhite};           // D or not S
+    case 0x99:                                                      // not (S xor D)
+    case 0xA5:                                                      // not (P xor D)
+    case 0xAA: return {TagAction::kNothing, false, 0};              // D
+    case 0xA0:                                                      // P and D
+    case 0xAF: return {TagAction::kBrush, false, kWhite};           // not P or D
+    case 0xB8: return {TagAction::kSource, false, kWhite};          // S ? D : P
+    case 0xDD:                                                      // S or not D
+    case 0xEE: return {TagAction::kSource, true, 0};                // S or D
+    case 0xE2:                                                      // S ? P : D
+    case 0xEA: return {TagAction::kSource, false, 0};               // D or (P and S)
+    case 0xF0: return {TagAction::kFill, false, 0};                 // P
+    case 0xF5:                                                      // P or not D
+    case 0xFA: return {TagAction::kBrush, false, 0};                // P or D
     case 0xFB: return {TagAction::kBrushThenSource, true, kWhite};  // P or not S or D
     default: return {TagAction::kFill, true, 0};
   }

@@ -24,13 +24,9 @@ void TransferRows::PaintRun(uint8_t* dst, int32_t bandRow, int32_t sourceRow, co
       rows_.RopTileRow(dst, pixels * bytesPerPixel_, masks.and2, masks.xor2);
       break;
     }
-    case Shape::kSourceCopy:
-      source_->FetchInto(rows_, sourceRow, run.callerColumn, run.picks, pixels, dst);
-      break;
+    case Shape::kSourceCopy: source_->FetchInto(rows_, sourceRow, run.callerColumn, run.picks, pixels, dst); break;
     case Shape::kSource:
-    case Shape::kSourcePattern:
-      PaintSourceRun(dst, bandRow, sourceRow, run);
-      break;
+    case Shape::kSourcePattern: PaintSourceRun(dst, bandRow, sourceRow, run); break;
   }
   if (regray_) rows_.RegrayRow24(dst, pixels);
 }
@@ -41,8 +37,7 @@ void TransferRows::PaintSourceRun(uint8_t* dst, int32_t bandRow, int32_t sourceR
   for (std::size_t done = 0; done < pixels; done += SourceRows::kMostPixels) {
     const std::size_t count = std::min(SourceRows::kMostPixels, pixels - done);
     const int32_t column = static_cast<int32_t>(done);
-    const uint8_t* source =
-        source_->Fetch(rows_, sourceRow, run.callerColumn + column, run.picks, count, chunk);
+    const uint8_t* source = source_->Fetch(rows_, sourceRow, run.callerColumn + column, run.picks, count, chunk);
     uint8_t* out = dst + done * bytesPerPixel_;
     const TileMasks masks = masks_.At(masks_.RowOf(bandRow), masks_.PhaseOf(run.bandColumn + column));
     if (shape_ == Shape::kSource) {

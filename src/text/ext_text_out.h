@@ -51,11 +51,10 @@ int32_t ExtTextOutOn(Device& device, const BandState& state, const BandView& ban
   const Justification justification{a.drawMode->TBreakExtra, a.drawMode->BreakCount, a.drawMode->CharacterExtra,
                                     &breakError};
   const auto run = [&](const uint8_t* string, int32_t characters, int32_t x) {
-    const int32_t result =
-        font.IsTwoByte()
-            ? RunTwoByte(font, string, characters, x, y, a.charWidths != nullptr ? a.charWidths[0] : int16_t{0},
-                         &breakError, paint)
-            : RunOneByte(font, string, characters, x, y, justification, paint);
+    const int32_t result = font.IsTwoByte()
+                               ? RunTwoByte(font, string, characters, x, y,
+                                            a.charWidths != nullptr ? a.charWidths[0] : int16_t{0}, &breakError, paint)
+                               : RunOneByte(font, string, characters, x, y, justification, paint);
     if (characters <= 0) a.drawMode->BreakErr = breakError;
     return result;
   };

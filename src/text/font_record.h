@@ -23,10 +23,9 @@ class FontRecord {
 
   // A one-byte code's entry in the character table: codes outside the table are shown as the default.
   uint16_t IndexOf(uint8_t code) const {
-    const uint8_t mapped =
-        code < info_.dfFirstChar || code > info_.dfLastChar
-            ? static_cast<uint8_t>(info_.dfDefaultChar + info_.dfFirstChar)
-            : code;
+    const uint8_t mapped = code < info_.dfFirstChar || code > info_.dfLastChar
+                               ? static_cast<uint8_t>(info_.dfDefaultChar + info_.dfFirstChar)
+                               : code;
     return static_cast<uint8_t>(mapped - info_.dfFirstChar);
   }
   bool IsBreak(uint16_t index) const { return index == info_.dfBreakChar; }

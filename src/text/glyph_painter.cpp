@@ -34,8 +34,8 @@ BitPainter::BitPainter(const RowKernels& rows, uint32_t text, uint32_t backgroun
     colours_.clearBytes[i] = static_cast<uint8_t>(background >> shift);
     colours_.changeBytes[i] = static_cast<uint8_t>(colours_.setBytes[i] ^ colours_.clearBytes[i]);
   }
-  paintColumn_ = transparent ? (is24_ ? rows.PaintGlyph24 : rows.PaintGlyph8)
-                             : (is24_ ? rows.ExpandGlyph24 : rows.ExpandGlyph8);
+  paintColumn_ =
+      transparent ? (is24_ ? rows.PaintGlyph24 : rows.PaintGlyph8) : (is24_ ? rows.ExpandGlyph24 : rows.ExpandGlyph8);
 }
 
 void PaintGlyph(const BandView& band, const PlainMapping&, const BitPainter& painter, const Rect& limits,

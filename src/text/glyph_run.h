@@ -17,10 +17,10 @@ struct PlacedGlyph {
 
 // What of a draw mode a run needs.
 struct Justification {
-  int16_t breakExtra;      // TBreakExtra
+  int16_t breakExtra;  // TBreakExtra
   int16_t breakCount;
   int16_t characterExtra;
-  int16_t* breakError;     // read, and written by a measuring run
+  int16_t* breakError;  // read, and written by a measuring run
 };
 
 // Result of a measuring run.
@@ -37,8 +37,9 @@ int32_t RunOneByte(const FontRecord& font, const uint8_t* string, int32_t count,
   const auto widthOf = [&](uint16_t index) -> int32_t {
     return font.IsVariablePitch() ? font.TableWidth(index) : font.FixedWidth();
   };
-  const int16_t quotient =
-      justification.breakCount != 0 ? static_cast<int16_t>(justification.breakExtra / justification.breakCount) : int16_t{0};
+  const int16_t quotient = justification.breakCount != 0
+                               ? static_cast<int16_t>(justification.breakExtra / justification.breakCount)
+                               : int16_t{0};
   const int16_t rest = static_cast<int16_t>(justification.breakExtra - justification.breakCount * quotient);
   int16_t error = *justification.breakError;
   int32_t total = 0;

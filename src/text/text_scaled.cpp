@@ -1,5 +1,5 @@
-#include "raster/mul_div.h"
 #include "device/scaled_raster_device.h"
+#include "raster/mul_div.h"
 #include "text/ext_text_out.h"
 
 namespace qnv {

@@ -49,35 +49,22 @@ Scene::Scene(uint64_t seed, const SceneOptions& options)
   for (uint8_t& byte : image_) byte = random_.Byte();
   for (uint32_t i = 0; i < options.steps; ++i) {
     switch (random_.Below(16)) {
-      case 0:
-        steps_.push_back(PixelStep());
-        break;
-      case 1:
-        steps_.push_back(PolyPixelStep());
-        break;
+      case 0: steps_.push_back(PixelStep()); break;
+      case 1: steps_.push_back(PolyPixelStep()); break;
       case 2:
       case 3:
       case 4:
-      case 5:
-        steps_.push_back(TransferStep());
-        break;
+      case 5: steps_.push_back(TransferStep()); break;
       case 6:
       case 7:
-      case 8:
-        steps_.push_back(OutputStep());
-        break;
+      case 8: steps_.push_back(OutputStep()); break;
       case 9:
-      case 10:
-        steps_.push_back(TextStep());
-        break;
+      case 10: steps_.push_back(TextStep()); break;
       case 11:
       case 12:
       case 13:
-      case 14:
-        steps_.push_back(ImageStep());
-        break;
-      default:
-        steps_.push_back(OriginStep());
+      case 14: steps_.push_back(ImageStep()); break;
+      default: steps_.push_back(OriginStep());
     }
   }
 }
@@ -120,8 +107,7 @@ DRAWMODE Scene::RandomMode() {
 
 BandRect Scene::RandomClip() {
   switch (random_.Below(4)) {
-    case 0:
-      return kEverywhere;
+    case 0: return kEverywhere;
     case 1:
       if (options_.zeroOriginClips) return {0, 0, 0, 0};
       [[fallthrough]];

@@ -10,8 +10,8 @@ TestDevice::TestDevice(const DeviceOptions& options) : options_(options) {
   stride_ = (options.width * static_cast<uint32_t>(bytesPerPixel_) + 3) & ~3u;
   band_ = std::make_unique<FencedBuffer>(std::size_t{stride_} * options.height, options.fill);
   if (options.tagPlane) tags_ = std::make_unique<FencedBuffer>(std::size_t{tagStride()} * options.height, options.fill);
-  const DeviceDescription description{options.kind,   options.bitsPerPixel, options.resolutionA,
-                                      options.width,  options.height,       options.resolutionB};
+  const DeviceDescription description{options.kind,  options.bitsPerPixel, options.resolutionA,
+                                      options.width, options.height,       options.resolutionB};
   const BandRect bandRect{options.left, options.top, options.left + static_cast<int32_t>(options.width),
                           options.top + static_cast<int32_t>(options.height)};
   handle_ = QNVEnable(&description, &bandRect, band_->data(), tags_ ? tags_->data() : nullptr);

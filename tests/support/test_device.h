@@ -40,7 +40,7 @@ class TestDevice {
   uint32_t tagStride() const { return (options_.width + 3) & ~3u; }
 
   FencedBuffer& band() { return *band_; }
-  FencedBuffer* tags() { return tags_.get(); }  // null without a tag plane
+  FencedBuffer* tags() { return tags_.get(); }                // null without a tag plane
   const uint8_t* Pixel(uint32_t column, uint32_t row) const;  // band-relative
   std::vector<uint8_t> BandBytes() const;
   std::vector<uint8_t> TagBytes() const;

@@ -36,9 +36,19 @@ TEST(MulDiv, RoundsHalvesAwayFromZero) {
 // On Windows this holds our function against the kernel's own.
 TEST(MulDiv, EqualsThePlatformsOwn) {
   for (const Case& c : kCases) EXPECT_EQ(MulDiv(c.value, c.numerator, c.denominator), c.expected) << c.name;
-  constexpr int32_t kValues[] = {0,    1,     -1,    2,     -2,    3,          -3,         7,         359,       360,
-                                 719,  720,   -720,  1439,  32767, -32768,     65535,      65536,     1000003,   -999983,
-                                 46341, 99999999, -99999999, INT32_MAX - 1, INT32_MAX, INT32_MIN + 1};
+  constexpr int32_t kValues[] = {0,         1,
+                                 -1,        2,
+                                 -2,        3,
+                                 -3,        7,
+                                 359,       360,
+                                 719,       720,
+                                 -720,      1439,
+                                 32767,     -32768,
+                                 65535,     65536,
+                                 1000003,   -999983,
+                                 46341,     99999999,
+                                 -99999999, INT32_MAX - 1,
+                                 INT32_MAX, INT32_MIN + 1};
   for (const int32_t value : kValues) {
     for (const int32_t numerator : kValues) {
       for (const int32_t denominator : kValues) {

@@ -21,10 +21,8 @@ struct Level {
   CpuLevel level;
 };
 
-constexpr Level kLevels[] = {{"plain", CpuLevel::kPlain},
-                             {"sse2", CpuLevel::kSse2},
-                             {"ssse3", CpuLevel::kSsse3},
-                             {"avx2", CpuLevel::kAvx2}};
+constexpr Level kLevels[] = {
+    {"plain", CpuLevel::kPlain}, {"sse2", CpuLevel::kSse2}, {"ssse3", CpuLevel::kSsse3}, {"avx2", CpuLevel::kAvx2}};
 
 using Bytes = std::vector<uint8_t>;
 

@@ -21,10 +21,8 @@ struct Level {
   CpuLevel level;
 };
 
-constexpr Level kLevels[] = {{"plain", CpuLevel::kPlain},
-                             {"sse2", CpuLevel::kSse2},
-                             {"ssse3", CpuLevel::kSsse3},
-                             {"avx2", CpuLevel::kAvx2}};
+constexpr Level kLevels[] = {
+    {"plain", CpuLevel::kPlain}, {"sse2", CpuLevel::kSse2}, {"ssse3", CpuLevel::kSsse3}, {"avx2", CpuLevel::kAvx2}};
 
 class RowKernelsTest : public testing::TestWithParam<Level> {
  protected:
@@ -190,8 +188,7 @@ TEST_P(RowKernelsTest, ExpandAndPaintBits) {
           [&](uint8_t* dst) { rows().ExpandBitsRow24(dst, source.data(), offset, pixels, kSet, kClear); },
           [&](std::size_t i, uint8_t) { return byteOf(BitAt(bits, offset + i / 3) ? kSet : kClear, i % 3); });
       Check(
-          pixels, lead,
-          [&](uint8_t* dst) { rows().ExpandBitsRow8(dst, source.data(), offset, pixels, kSet, kClear); },
+          pixels, lead, [&](uint8_t* dst) { rows().ExpandBitsRow8(dst, source.data(), offset, pixels, kSet, kClear); },
           [&](std::size_t i, uint8_t) { return byteOf(BitAt(bits, offset + i) ? kSet : kClear, 0); });
       Check(
           3 * pixels, lead, [&](uint8_t* dst) { rows().PaintBitsRow24(dst, source.data(), offset, pixels, kSet); },

@@ -48,7 +48,7 @@ TEST(RowStepping, ColumnsEqualRows) {
 
 // Whatever a document's numbers wrap to, nothing outside the destination is named.
 TEST(RowStepping, HostileValuesStayInside) {
-  constexpr int32_t kValues[] = {0,        1,         -1,        kOne,          -kOne,     32767 * kOne, INT32_MAX,
+  constexpr int32_t kValues[] = {0,         1,          -1,          kOne,     -kOne,     32767 * kOne, INT32_MAX,
                                  INT32_MIN, 0x55555555, -0x33333333, 12345678, -87654321, 0x7FFF8000};
   for (const int32_t dst : kValues) {
     for (const int32_t extent : kValues) {

@@ -98,18 +98,9 @@ void StretchRow8(uint8_t* dst, const uint8_t* source, std::size_t pixels, const 
 }  // namespace plain
 
 constinit const PixelRows kPlainPixelRows = {
-    plain::ExpandBytesRow24,
-    plain::ExpandBytesRow8,
-    plain::ExpandNibblesRow24,
-    plain::ExpandNibblesRow8,
-    plain::UnpackRow16,
-    plain::PackRow32,
-    plain::PackSwapRow32,
-    plain::GrayRow24,
-    plain::ReverseRow24,
-    plain::ReverseRow8,
-    plain::StretchRow24,
-    plain::StretchRow8,
+    plain::ExpandBytesRow24, plain::ExpandBytesRow8, plain::ExpandNibblesRow24, plain::ExpandNibblesRow8,
+    plain::UnpackRow16,      plain::PackRow32,       plain::PackSwapRow32,      plain::GrayRow24,
+    plain::ReverseRow24,     plain::ReverseRow8,     plain::StretchRow24,       plain::StretchRow8,
 };
 
 }  // namespace qnv

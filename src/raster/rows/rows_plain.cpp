@@ -95,22 +95,9 @@ void plain::RegrayRow24(uint8_t* dst, std::size_t pixels) {
 }
 
 constinit const RowKernels kPlainRowKernels = {
-    FillTileRow,
-    RopTileRow,
-    RopSourceRow,
-    RopSourceTileRow,
-    MinimumRow,
-    SwapRow24,
-    ExpandBitsRow<3>,
-    ExpandBitsRow<1>,
-    ExpandGlyph<3>,
-    ExpandGlyph<1>,
-    PaintGlyph<3>,
-    PaintGlyph<1>,
-    PaintBitsRow<3>,
-    PaintBitsRow<1>,
-    plain::RegrayRow24,
-    &kPlainPixelRows,
+    FillTileRow,      RopTileRow,       RopSourceRow,       RopSourceTileRow, MinimumRow,    SwapRow24,
+    ExpandBitsRow<3>, ExpandBitsRow<1>, ExpandGlyph<3>,     ExpandGlyph<1>,   PaintGlyph<3>, PaintGlyph<1>,
+    PaintBitsRow<3>,  PaintBitsRow<1>,  plain::RegrayRow24, &kPlainPixelRows,
 };
 
 }  // namespace qnv
