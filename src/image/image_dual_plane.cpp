@@ -18,7 +18,7 @@ uint16_t DualPlaneDevice::StretchDIBits(const ImageArguments& a) {
       const BltArguments whole{area.left, area.top, nullptr,    area.left, 0, transfer.Width(), area.bottom - area.top,
                                SRCCOPY,   a.brush,  a.drawMode, &kNoClip};
       if (!tag(whole)) return 0;
-      CopyImage(transfer, band);
+      CopyImage(transfer, band, *state_.rows);
       return 1;
     }
     case ImageMode::kMerge: return MergeImage(transfer, band, *state_.rows, bitmapWidth, a, tag);

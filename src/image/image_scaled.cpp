@@ -1,3 +1,5 @@
+#include <cstring>
+
 #include "device/scaled_raster_device.h"
 #include "image/stretch_dibits.h"
 

@@ -54,7 +54,7 @@ void Convert24(uint8_t* out, const uint8_t* pixels, std::size_t count, const Con
     if constexpr (kTarget == PixelTarget::kSource24) {
       context.rows.SwapRow24(out, pixels, count);
     } else {
-      std::memcpy(out, pixels, 3 * count);
+      context.rows.CopyRow(out, pixels, 3 * count);
     }
   } else {
     (kTarget == PixelTarget::kSource24 ? image.PackSwapRow32 : image.PackRow32)(out, pixels, count);

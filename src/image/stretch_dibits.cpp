@@ -10,7 +10,7 @@ uint16_t RasterDevice::StretchDIBits(const ImageArguments& a) {
   if (!transfer.Prepare(state_, band.rect, state_.Is24(), a)) return 0;
   const OriginAtZero origin(state_);
   switch (ImageModeOf(a.rop)) {
-    case ImageMode::kCopy: CopyImage(transfer, band); return 1;
+    case ImageMode::kCopy: CopyImage(transfer, band, *state_.rows); return 1;
     case ImageMode::kMerge:
       return MergeImage(transfer, band, *state_.rows, state_.description.width, a,
                         [](const BltArguments&) { return true; });

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <cstdint>
-#include <cstring>
 
 #include "device/band_state.h"
 #include "device/device.h"
@@ -17,7 +16,7 @@ inline BandView ImageBand(BandView band) {
 }
 
 // SRCCOPY: each source row is converted into the first band row that it covers and copied to the others.
-inline void CopyImage(ImageTransfer& transfer, const BandView& band) {
+inline void CopyImage(ImageTransfer& transfer, const BandView& band, const RowKernels& kernels) {
   const std::size_t rowBytes = static_cast<std::size_t>(transfer.Width()) * band.bytesPerPixel;
   CoveredRows rows;
   while (transfer.NextRow(&rows)) {
@@ -27,7 +26,7 @@ inline void CopyImage(ImageTransfer& transfer, const BandView& band) {
     uint8_t* first = band.At(transfer.Clipped().left, transfer.Clipped().top + rows.first);
     transfer.ConvertRow(first);
     for (int32_t i = 1; i < rows.count; ++i) {
-      std::memcpy(first + static_cast<std::size_t>(i) * band.stride, first, rowBytes);
+      kernels.CopyRow(first + static_cast<std::size_t>(i) * band.stride, first, rowBytes);
     }
   }
 }
@@ -88,14 +87,14 @@ uint16_t MergeImage(ImageTransfer& transfer, const BandView& band, const RowKern
 template <class AfterConvert, class PaintRow>
 uint16_t BlitImage(ImageTransfer& transfer, uint32_t bitmapWidth, uint32_t bytesPerPixel, const ImageArguments& a,
                    AfterConvert afterConvert, PaintRow paintRow) {
-  const int32_t bufferPixels = transfer.LeftInBand() + transfer.Width();
-  const SourceBitmap bitmap = RowBitmap(transfer.TakeRowBuffer(bufferPixels), bitmapWidth, bytesPerPixel);
-  if (bitmap.bmBits == nullptr) return 0;
+  // Cleared once: every row writes the same columns.
+  uint8_t* buffer = transfer.TakeRowBuffer(transfer.LeftInBand() + transfer.Width());
+  if (buffer == nullptr) return 0;
+  const SourceBitmap bitmap = RowBitmap(buffer, bitmapWidth, bytesPerPixel);
+  uint8_t* visible = buffer + static_cast<std::size_t>(transfer.LeftInBand()) * bytesPerPixel;
   CoveredRows rows;
   while (transfer.NextRow(&rows)) {
     if (rows.count == 0) continue;
-    uint8_t* visible =
-        transfer.TakeRowBuffer(bufferPixels) + static_cast<std::size_t>(transfer.LeftInBand()) * bytesPerPixel;
     transfer.ConvertRow(visible);
     afterConvert(visible, static_cast<std::size_t>(transfer.Width()));
     const int32_t top = transfer.Clipped().top + rows.first;

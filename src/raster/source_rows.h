@@ -19,7 +19,8 @@ enum class SourceForm : uint8_t {
 
 struct SourceRows {
   // The longest run fetched into a chunk; it stays in the first-level cache.
-  static constexpr std::size_t kMostPixels = 256;
+  // Long enough that what is stored has left the store buffer when it is read back.
+  static constexpr std::size_t kMostPixels = 2048;
   using Chunk = uint8_t[kMostPixels * 3];
 
   SourceForm form;
@@ -34,7 +35,13 @@ struct SourceRows {
   const uint8_t* Fetch(const RowKernels& rows, int32_t row, int32_t column, const uint16_t* picks, std::size_t count,
                        uint8_t* chunk) const;
 
-  // The same into memory that the caller names, any count without picks.
+  // Where the pixels of a red, green, blue source themselves lie; null for other forms and picked columns.
+  const uint8_t* Unswapped(int32_t row, int32_t column, const uint16_t* picks) const {
+    if (form != SourceForm::kRedGreenBlue || picks != nullptr) return nullptr;
+    return first + row * stride + std::ptrdiff_t{column} * 3;
+  }
+
+  // Fetch into memory that the caller names, any count without picks.
   void FetchInto(const RowKernels& rows, int32_t row, int32_t column, const uint16_t* picks, std::size_t count,
                  uint8_t* out) const;
 };

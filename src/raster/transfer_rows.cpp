@@ -33,18 +33,28 @@ void TransferRows::PaintRun(uint8_t* dst, int32_t bandRow, int32_t sourceRow, co
 
 void TransferRows::PaintSourceRun(uint8_t* dst, int32_t bandRow, int32_t sourceRow, const ColumnRun& run) {
   const std::size_t pixels = static_cast<std::size_t>(run.count);
+  const TileMasks masks = masks_.At(masks_.RowOf(bandRow), masks_.PhaseOf(run.bandColumn));
+  if (const uint8_t* source = source_->Unswapped(sourceRow, run.callerColumn, run.picks)) {
+    if (shape_ == Shape::kSource) {
+      rows_.RopSwapRow24(dst, source, pixels, ByteMasks{*masks.and1, *masks.and2, *masks.xor1, *masks.xor2});
+    } else {
+      rows_.RopSwapTileRow24(dst, source, pixels, masks);
+    }
+    return;
+  }
   SourceRows::Chunk chunk;
+  // A chunk is a whole number of pattern periods, so that every chunk begins at the same phase.
+  static_assert(SourceRows::kMostPixels % kMaxPeriod == 0);
   for (std::size_t done = 0; done < pixels; done += SourceRows::kMostPixels) {
     const std::size_t count = std::min(SourceRows::kMostPixels, pixels - done);
-    const int32_t column = static_cast<int32_t>(done);
-    const uint8_t* source = source_->Fetch(rows_, sourceRow, run.callerColumn + column, run.picks, count, chunk);
+    const uint8_t* source =
+        source_->Fetch(rows_, sourceRow, run.callerColumn + static_cast<int32_t>(done), run.picks, count, chunk);
     uint8_t* out = dst + done * bytesPerPixel_;
-    const TileMasks masks = masks_.At(masks_.RowOf(bandRow), masks_.PhaseOf(run.bandColumn + column));
+    const std::size_t bytes = count * bytesPerPixel_;
     if (shape_ == Shape::kSource) {
-      rows_.RopSourceRow(out, source, count * bytesPerPixel_,
-                         ByteMasks{*masks.and1, *masks.and2, *masks.xor1, *masks.xor2});
+      rows_.RopSourceRow(out, source, bytes, ByteMasks{*masks.and1, *masks.and2, *masks.xor1, *masks.xor2});
     } else {
-      rows_.RopSourceTileRow(out, source, count * bytesPerPixel_, masks);
+      rows_.RopSourceTileRow(out, source, bytes, masks);
     }
   }
 }

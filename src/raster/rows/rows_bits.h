@@ -25,7 +25,7 @@ inline bool OneBit(const uint8_t* bits, std::size_t at) { return (bits[at / 8] >
 struct Eight24 {
   static constexpr std::size_t kBytes = 24;
   static constexpr std::size_t kBytesPerPixel = 3;
-  using Tail = WordVector<uint64_t>;
+  using Tail = Vector8;
 
   Vector16 head;
   Tail tail;
@@ -45,13 +45,13 @@ struct Eight24 {
   friend Eight24 operator^(Eight24 a, Eight24 b) { return {a.head ^ b.head, a.tail ^ b.tail}; }
 };
 
-struct Eight8 : WordVector<uint64_t> {
+struct Eight8 : Vector8 {
   static constexpr std::size_t kBytesPerPixel = 1;
-  static Eight8 Load(const uint8_t* p) { return {WordVector<uint64_t>::Load(p)}; }
+  static Eight8 Load(const uint8_t* p) { return {Vector8::Load(p)}; }
   static Eight8 Mask(uint8_t bits) { return Load(kPixelMasks8[bits].data()); }
-  static Eight8 Colour(uint32_t packed) { return {{(packed & 0xFF) * 0x0101010101010101u}}; }
-  friend Eight8 operator&(Eight8 a, Eight8 b) { return {{a.v & b.v}}; }
-  friend Eight8 operator^(Eight8 a, Eight8 b) { return {{a.v ^ b.v}}; }
+  static Eight8 Colour(uint32_t packed) { return {{_mm_set1_epi8(static_cast<char>(packed))}}; }
+  friend Eight8 operator&(Eight8 a, Eight8 b) { return {{_mm_and_si128(a.v, b.v)}}; }
+  friend Eight8 operator^(Eight8 a, Eight8 b) { return {{_mm_xor_si128(a.v, b.v)}}; }
 };
 
 template <class Eight>
@@ -108,7 +108,7 @@ struct ExpandOperation {
 template <class Operation>
 void PartialEight(uint8_t* dst, std::size_t bytes, const Operation& operation) {
   if (bytes < 16) return ShortRow(dst, bytes, operation);
-  using Tail = WordVector<uint64_t>;
+  using Tail = Vector8;
   const std::size_t last = bytes - Tail::kBytes;
   const Vector16 head = operation.template At<Vector16>(Vector16::Load(dst), 0);
   const Tail tail = operation.template At<Tail>(Tail::Load(dst + last), last);

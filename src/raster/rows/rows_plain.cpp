@@ -48,14 +48,7 @@ void MinimumRow(uint8_t* dst, const uint8_t* source, std::size_t bytes) {
   for (std::size_t i = 0; i < bytes; ++i) dst[i] = std::min(dst[i], source[i]);
 }
 
-void SwapRow24(uint8_t* dst, const uint8_t* source, std::size_t pixels) {
-  for (std::size_t i = 0; i < pixels; ++i, dst += 3, source += 3) {
-    const uint8_t red = source[0], green = source[1], blue = source[2];
-    dst[0] = blue;
-    dst[1] = green;
-    dst[2] = red;
-  }
-}
+void CopyRow(uint8_t* dst, const uint8_t* source, std::size_t bytes) { std::copy_n(source, bytes, dst); }
 
 bool Bit(const uint8_t* bits, std::size_t at) { return (bits[at / 8] >> (7 - at % 8) & 1) != 0; }
 
@@ -88,6 +81,30 @@ void PaintGlyph(uint8_t* dst, std::size_t stride, const GlyphColumn& column, con
 
 }  // namespace
 
+void plain::SwapRow24(uint8_t* dst, const uint8_t* source, std::size_t pixels) {
+  for (std::size_t i = 0; i < pixels; ++i, dst += 3, source += 3) {
+    const uint8_t red = source[0], green = source[1], blue = source[2];
+    dst[0] = blue;
+    dst[1] = green;
+    dst[2] = red;
+  }
+}
+
+void plain::RopSwapRow24(uint8_t* dst, const uint8_t* source, std::size_t pixels, const ByteMasks& masks) {
+  for (std::size_t i = 0; i < pixels; ++i, dst += 3, source += 3) {
+    const uint8_t swapped[3] = {source[2], source[1], source[0]};
+    RopSourceRow(dst, swapped, 3, masks);
+  }
+}
+
+void plain::RopSwapTileRow24(uint8_t* dst, const uint8_t* source, std::size_t pixels, const TileMasks& masks) {
+  for (std::size_t i = 0; i < pixels; ++i, dst += 3, source += 3) {
+    const uint8_t swapped[3] = {source[2], source[1], source[0]};
+    const std::size_t at = 3 * i % kTilePeriod;
+    RopSourceTileRow(dst, swapped, 3, TileMasks{masks.and1 + at, masks.and2 + at, masks.xor1 + at, masks.xor2 + at});
+  }
+}
+
 void plain::RegrayRow24(uint8_t* dst, std::size_t pixels) {
   for (std::size_t i = 0; i < pixels; ++i, dst += 3) {
     dst[0] = dst[1] = dst[2] = static_cast<uint8_t>(WeightedGray(dst[0], dst[1], dst[2]));
@@ -95,9 +112,25 @@ void plain::RegrayRow24(uint8_t* dst, std::size_t pixels) {
 }
 
 constinit const RowKernels kPlainRowKernels = {
-    FillTileRow,      RopTileRow,       RopSourceRow,       RopSourceTileRow, MinimumRow,    SwapRow24,
-    ExpandBitsRow<3>, ExpandBitsRow<1>, ExpandGlyph<3>,     ExpandGlyph<1>,   PaintGlyph<3>, PaintGlyph<1>,
-    PaintBitsRow<3>,  PaintBitsRow<1>,  plain::RegrayRow24, &kPlainPixelRows,
+    .FillTileRow = FillTileRow,
+    .RopTileRow = RopTileRow,
+    .RopSourceRow = RopSourceRow,
+    .RopSourceTileRow = RopSourceTileRow,
+    .RopSwapRow24 = plain::RopSwapRow24,
+    .RopSwapTileRow24 = plain::RopSwapTileRow24,
+    .CopyRow = CopyRow,
+    .MinimumRow = MinimumRow,
+    .SwapRow24 = plain::SwapRow24,
+    .ExpandBitsRow24 = ExpandBitsRow<3>,
+    .ExpandBitsRow8 = ExpandBitsRow<1>,
+    .ExpandGlyph24 = ExpandGlyph<3>,
+    .ExpandGlyph8 = ExpandGlyph<1>,
+    .PaintGlyph24 = PaintGlyph<3>,
+    .PaintGlyph8 = PaintGlyph<1>,
+    .PaintBitsRow24 = PaintBitsRow<3>,
+    .PaintBitsRow8 = PaintBitsRow<1>,
+    .RegrayRow24 = plain::RegrayRow24,
+    .image = &kPlainPixelRows,
 };
 
 }  // namespace qnv

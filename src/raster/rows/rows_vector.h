@@ -11,8 +11,10 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <type_traits>
 
 #include "raster/rows/row_kernels.h"
+#include "raster/rows/vector16.h"
 #include "raster/tile.h"
 
 namespace qnv {
@@ -49,7 +51,7 @@ void ShortRow(uint8_t* dst, std::size_t bytes, const Operation& operation) {
     b.Store(dst + last);
   };
   if (bytes >= 8) {
-    overlapping(WordVector<uint64_t>{});
+    overlapping(Vector8{});
   } else if (bytes >= 4) {
     overlapping(WordVector<uint32_t>{});
   } else {
@@ -60,25 +62,34 @@ void ShortRow(uint8_t* dst, std::size_t bytes, const Operation& operation) {
   }
 }
 
+// The first multiple of a vector above `dst`, for rows long enough that straddling cache lines would cost more
+// than the vector that is done twice.
+template <class Vector>
+std::size_t AlignedStart(const uint8_t* dst, std::size_t bytes) {
+  constexpr std::size_t k = Vector::kBytes;
+  return bytes < 8 * k ? 0 : k - (reinterpret_cast<uintptr_t>(dst) & (k - 1));
+}
+
 // Rows without a pattern: the operation is the same at every offset.
 template <class Vector, class Smaller, class Operation>
 void WalkRow(uint8_t* dst, std::size_t bytes, const Operation& operation) {
-  if (bytes < Vector::kBytes) {
-    if constexpr (Vector::kBytes > Smaller::kBytes) return WalkRow<Smaller, Smaller>(dst, bytes, operation);
+  constexpr std::size_t k = Vector::kBytes;
+  if (bytes < k) {
+    if constexpr (k > Smaller::kBytes) return WalkRow<Smaller, Smaller>(dst, bytes, operation);
     return ShortRow(dst, bytes, operation);
   }
-  const std::size_t last = bytes - Vector::kBytes;
+  const std::size_t last = bytes - k;
+  const Vector firstResult = operation.template At<Vector>(Vector::Load(dst), 0);
   const Vector lastResult = operation.template At<Vector>(Vector::Load(dst + last), last);
-  std::size_t i = 0;
-  for (; i + 2 * Vector::kBytes <= last; i += 2 * Vector::kBytes) {
+  std::size_t i = AlignedStart<Vector>(dst, bytes);
+  for (; i + 2 * k <= last; i += 2 * k) {
     const Vector a = operation.template At<Vector>(Vector::Load(dst + i), i);
-    const Vector b = operation.template At<Vector>(Vector::Load(dst + i + Vector::kBytes), i + Vector::kBytes);
+    const Vector b = operation.template At<Vector>(Vector::Load(dst + i + k), i + k);
     a.Store(dst + i);
-    b.Store(dst + i + Vector::kBytes);
+    b.Store(dst + i + k);
   }
-  for (; i < last; i += Vector::kBytes) {
-    operation.template At<Vector>(Vector::Load(dst + i), i).Store(dst + i);
-  }
+  for (; i < last; i += k) operation.template At<Vector>(Vector::Load(dst + i), i).Store(dst + i);
+  firstResult.Store(dst);
   lastResult.Store(dst + last);
 }
 
@@ -86,19 +97,17 @@ void WalkRow(uint8_t* dst, std::size_t bytes, const Operation& operation) {
 // is handed to the operation reduced to one period.
 inline constexpr std::size_t kShortPeriod = 48;
 
-template <class Vector, class Smaller, class Operation>
-void WalkTiledRow(uint8_t* dst, std::size_t bytes, const Operation& operation) {
+// Requires: at least one vector.
+template <class Vector, class Operation>
+void WalkLongTiledRow(uint8_t* dst, std::size_t bytes, const Operation& operation) {
   constexpr std::size_t k = Vector::kBytes;
-  if (bytes < k) {
-    if constexpr (k > Smaller::kBytes) return WalkTiledRow<Smaller, Smaller>(dst, bytes, operation);
-    return ShortRow(dst, bytes, operation);
-  }
   const std::size_t last = bytes - k;
+  const Vector firstResult = operation.template AtTile<Vector>(Vector::Load(dst), 0, 0);
   const Vector lastResult = operation.template AtTile<Vector>(Vector::Load(dst + last), last, last % kShortPeriod);
-  const auto t0 = operation.template Tiles<Vector>(0);
-  const auto t1 = operation.template Tiles<Vector>(k);
-  const auto t2 = operation.template Tiles<Vector>(2 * k);
-  std::size_t i = 0;
+  std::size_t i = AlignedStart<Vector>(dst, bytes);
+  const auto t0 = operation.template Tiles<Vector>(i);
+  const auto t1 = operation.template Tiles<Vector>(i + k);
+  const auto t2 = operation.template Tiles<Vector>(i + 2 * k);
   for (; i + 3 * k <= last; i += 3 * k) {
     const Vector a = operation.With(Vector::Load(dst + i), i, t0);
     const Vector b = operation.With(Vector::Load(dst + i + k), i + k, t1);
@@ -116,7 +125,15 @@ void WalkTiledRow(uint8_t* dst, std::size_t bytes, const Operation& operation) {
     i += k;
   }
   if (i < last) operation.With(Vector::Load(dst + i), i, t2).Store(dst + i);
+  firstResult.Store(dst);
   lastResult.Store(dst + last);
+}
+
+template <class Vector, class Smaller, class Operation>
+void WalkTiledRow(uint8_t* dst, std::size_t bytes, const Operation& operation) {
+  if (bytes >= Vector::kBytes) return WalkLongTiledRow<Vector>(dst, bytes, operation);
+  if constexpr (Vector::kBytes > Smaller::kBytes) return WalkTiledRow<Smaller, Smaller>(dst, bytes, operation);
+  ShortRow(dst, bytes, operation);
 }
 
 // ---- D' = tile: the band is not read.
@@ -139,13 +156,10 @@ void FillTileRowOf(uint8_t* dst, std::size_t bytes, const uint8_t* tile) {
   }
   uint8_t* const lastDst = dst + (bytes - k);
   const Vector last = Vector::Load(tile + (bytes - k) % kShortPeriod);
-  if (bytes >= 8 * k) {
-    // Long rows: stores that do not straddle cache lines.
-    Vector::Load(tile).Store(dst);
-    const std::size_t head = k - (reinterpret_cast<uintptr_t>(dst) & (k - 1));
-    dst += head;
-    tile += head;
-  }
+  Vector::Load(tile).Store(dst);
+  const std::size_t head = AlignedStart<Vector>(dst, bytes);
+  dst += head;
+  tile += head;
   const Vector t0 = Vector::Load(tile), t1 = Vector::Load(tile + k), t2 = Vector::Load(tile + 2 * k);
   for (; dst + 3 * k <= lastDst; dst += 3 * k) {
     t0.Store(dst);
@@ -212,7 +226,7 @@ struct SourceOperation {
   template <class Vector>
   Vector At(Vector band, std::size_t offset) const {
     const Vector s = Vector::Load(source + offset);
-    if constexpr (sizeof(Vector) == sizeof(Wide)) {
+    if constexpr (std::is_same_v<Vector, Wide>) {
       return wide.Apply(band, s);
     } else {
       const FourMasks<Vector> masks{Filled<Vector>(bytes.and1), Filled<Vector>(bytes.and2), Filled<Vector>(bytes.xor1),
@@ -281,47 +295,30 @@ void MinimumRowOf(uint8_t* dst, const uint8_t* source, std::size_t bytes) {
   for (; i < bytes; ++i) dst[i] = dst[i] < source[i] ? dst[i] : source[i];
 }
 
-// ---- Red, green, blue to blue, green, red
+// ---- D' = S
 
-// Byte j of the result is the source's byte j + 2, j or j - 2 as j is the first, second or third of its pixel:
-// three loads, each masked to its own bytes. Works on the band from byte 3 on, while one pixel is left behind.
-template <class Vector>
-void SwapRow24Of(uint8_t* dst, const uint8_t* source, std::size_t pixels) {
+template <class Vector, class Smaller>
+void CopyRowOf(uint8_t* dst, const uint8_t* source, std::size_t bytes) {
   constexpr std::size_t k = Vector::kBytes;
-  const std::size_t bytes = 3 * pixels;
-  const auto swapPixel = [=](std::size_t at) {
-    const uint8_t first = source[at], second = source[at + 1], third = source[at + 2];
-    dst[at] = third;
-    dst[at + 1] = second;
-    dst[at + 2] = first;
-  };
-  std::size_t i = 0;
-  if (bytes >= k + 6) {
-    uint8_t select[3 * 16 * 2 + 3];
-    for (std::size_t j = 0; j < sizeof select; ++j) select[j] = j % 3 == 0 ? 0xFF : 0;
-    // phase[p]: the bytes that stand at place p of their pixel, for vectors that start at a pixel.
-    const Vector masks[3] = {Vector::Load(select), Vector::Load(select + 2), Vector::Load(select + 1)};
-    const auto swapped = [=](std::size_t at, const Vector& m0, const Vector& m1, const Vector& m2) {
-      const uint8_t* s = source + at;
-      return ((Vector::Load(s + 2) & m0) ^ (Vector::Load(s) & m1)) ^ (Vector::Load(s - 2) & m2);
-    };
-    swapPixel(0);
-    i = 3;
-    // k % 3 is 1 or 2: the places move on by that from vector to vector.
-    constexpr std::size_t r = k % 3;
-    for (; i + 3 * k + 2 <= bytes; i += 3 * k) {
-      const Vector a = swapped(i, masks[0], masks[1], masks[2]);
-      const Vector b = swapped(i + k, masks[(3 - r) % 3], masks[(4 - r) % 3], masks[(5 - r) % 3]);
-      const Vector c = swapped(i + 2 * k, masks[(6 - 2 * r) % 3], masks[(7 - 2 * r) % 3], masks[(8 - 2 * r) % 3]);
-      a.Store(dst + i);
-      b.Store(dst + i + k);
-      c.Store(dst + i + 2 * k);
-    }
-    // One vector at a time as far as whole pixels of it go: what it writes past them is written again.
-    constexpr std::size_t whole = k / 3 * 3;
-    for (; i + k + 2 <= bytes; i += whole) swapped(i, masks[0], masks[1], masks[2]).Store(dst + i);
+  if (bytes < k) {
+    if constexpr (k > Smaller::kBytes) return CopyRowOf<Smaller, Smaller>(dst, source, bytes);
+    std::memcpy(dst, source, bytes);
+    return;
   }
-  for (; i < bytes; i += 3) swapPixel(i);
+  const std::size_t last = bytes - k;
+  const Vector lastVector = Vector::Load(source + last);
+  Vector::Load(source).Store(dst);
+  std::size_t i = AlignedStart<Vector>(dst, bytes);
+  for (; i + 4 * k <= last; i += 4 * k) {
+    const Vector a = Vector::Load(source + i), b = Vector::Load(source + i + k);
+    const Vector c = Vector::Load(source + i + 2 * k), d = Vector::Load(source + i + 3 * k);
+    a.Store(dst + i);
+    b.Store(dst + i + k);
+    c.Store(dst + i + 2 * k);
+    d.Store(dst + i + 3 * k);
+  }
+  for (; i < last; i += k) Vector::Load(source + i).Store(dst + i);
+  lastVector.Store(dst + last);
 }
 
 }  // namespace

@@ -21,5 +21,16 @@ struct Vector16 {
   friend Vector16 Min(Vector16 a, Vector16 b) { return {_mm_min_epu8(a.v, b.v)}; }
 };
 
+// Eight bytes in the lower half of a register: on 32-bit processors two words would take twice the registers.
+struct Vector8 {
+  static constexpr std::size_t kBytes = 8;
+  __m128i v;
+
+  static Vector8 Load(const uint8_t* p) { return {_mm_loadl_epi64(reinterpret_cast<const __m128i*>(p))}; }
+  void Store(uint8_t* p) const { _mm_storel_epi64(reinterpret_cast<__m128i*>(p), v); }
+  friend Vector8 operator&(Vector8 a, Vector8 b) { return {_mm_and_si128(a.v, b.v)}; }
+  friend Vector8 operator^(Vector8 a, Vector8 b) { return {_mm_xor_si128(a.v, b.v)}; }
+};
+
 }  // namespace
 }  // namespace qnv
