@@ -35,12 +35,6 @@ struct SourceRows {
   const uint8_t* Fetch(const RowKernels& rows, int32_t row, int32_t column, const uint16_t* picks, std::size_t count,
                        uint8_t* chunk) const;
 
-  // Where the pixels of a red, green, blue source themselves lie; null for other forms and picked columns.
-  const uint8_t* Unswapped(int32_t row, int32_t column, const uint16_t* picks) const {
-    if (form != SourceForm::kRedGreenBlue || picks != nullptr) return nullptr;
-    return first + row * stride + std::ptrdiff_t{column} * 3;
-  }
-
   // Fetch into memory that the caller names, any count without picks.
   void FetchInto(const RowKernels& rows, int32_t row, int32_t column, const uint16_t* picks, std::size_t count,
                  uint8_t* out) const;

@@ -11,8 +11,7 @@ namespace qnv {
 // A multiple of every row length in bytes: 1, 8 or 16 cells of 1 or 3 bytes; three vectors of 32 bytes.
 inline constexpr std::size_t kTilePeriod = 96;
 inline constexpr std::size_t kMaxPhase = 48;    // the longest row: 16 cells of 3 bytes
-// Bytes that a kernel may pass over before it reads a period: one pixel, and as many as lead to an aligned address.
-inline constexpr std::size_t kMaxAdvance = 48;
+inline constexpr std::size_t kMaxAdvance = 32;  // bytes that a kernel may pass over to reach an aligned address
 
 struct alignas(16) Tile {
   uint8_t bytes[kTilePeriod + kMaxPhase + kMaxAdvance];

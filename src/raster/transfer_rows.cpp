@@ -34,14 +34,6 @@ void TransferRows::PaintRun(uint8_t* dst, int32_t bandRow, int32_t sourceRow, co
 void TransferRows::PaintSourceRun(uint8_t* dst, int32_t bandRow, int32_t sourceRow, const ColumnRun& run) {
   const std::size_t pixels = static_cast<std::size_t>(run.count);
   const TileMasks masks = masks_.At(masks_.RowOf(bandRow), masks_.PhaseOf(run.bandColumn));
-  if (const uint8_t* source = source_->Unswapped(sourceRow, run.callerColumn, run.picks)) {
-    if (shape_ == Shape::kSource) {
-      rows_.RopSwapRow24(dst, source, pixels, ByteMasks{*masks.and1, *masks.and2, *masks.xor1, *masks.xor2});
-    } else {
-      rows_.RopSwapTileRow24(dst, source, pixels, masks);
-    }
-    return;
-  }
   SourceRows::Chunk chunk;
   // A chunk is a whole number of pattern periods, so that every chunk begins at the same phase.
   static_assert(SourceRows::kMostPixels % kMaxPeriod == 0);

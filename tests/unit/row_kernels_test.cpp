@@ -149,42 +149,6 @@ TEST_P(RowKernelsTest, RopSourceTileRow) {
   }
 }
 
-TEST_P(RowKernelsTest, RopSwapRow24) {
-  for (std::size_t pixels = 0; pixels <= kMost; ++pixels) {
-    for (const std::size_t lead : kLeads) {
-      const std::vector<uint8_t> bits = Random(3 * pixels), m = Random(4);
-      const Source source(bits);
-      Check(
-          3 * pixels, lead,
-          [&](uint8_t* dst) { rows().RopSwapRow24(dst, source.data(), pixels, ByteMasks{m[0], m[1], m[2], m[3]}); },
-          [&](std::size_t i, uint8_t d) {
-            return Combine(d, bits[i / 3 * 3 + (2 - i % 3)], m[0], m[1], m[2], m[3]);
-          });
-    }
-  }
-}
-
-TEST_P(RowKernelsTest, RopSwapTileRow24) {
-  for (const std::size_t length : {std::size_t{3}, std::size_t{24}, std::size_t{48}}) {
-    const Tile t[4] = {RandomTile(length), RandomTile(length), RandomTile(length), RandomTile(length)};
-    for (std::size_t pixels = 0; pixels <= kMost; ++pixels) {
-      for (const std::size_t lead : kLeads) {
-        const std::vector<uint8_t> bits = Random(3 * pixels);
-        const Source source(bits);
-        const std::size_t phase = 3 * ((pixels * 11 + lead) % (length / 3));
-        const TileMasks masks{t[0].bytes + phase, t[1].bytes + phase, t[2].bytes + phase, t[3].bytes + phase};
-        Check(
-            3 * pixels, lead, [&](uint8_t* dst) { rows().RopSwapTileRow24(dst, source.data(), pixels, masks); },
-            [&](std::size_t i, uint8_t d) {
-              const std::size_t at = (phase + i) % length;
-              return Combine(d, bits[i / 3 * 3 + (2 - i % 3)], t[0].bytes[at], t[1].bytes[at], t[2].bytes[at],
-                             t[3].bytes[at]);
-            });
-      }
-    }
-  }
-}
-
 TEST_P(RowKernelsTest, CopyRow) {
   for (std::size_t bytes = 0; bytes <= 5 * kMost; bytes += bytes < kMost ? 1 : 37) {
     for (const std::size_t lead : kLeads) {

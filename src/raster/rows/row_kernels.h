@@ -47,9 +47,6 @@ struct RowKernels {
   // source: `bytes` bytes in band order
   void (*RopSourceRow)(uint8_t* dst, const uint8_t* source, std::size_t bytes, const ByteMasks& masks);
   void (*RopSourceTileRow)(uint8_t* dst, const uint8_t* source, std::size_t bytes, const TileMasks& masks);
-  // The same with a source of 3 * pixels bytes red, green, blue.
-  void (*RopSwapRow24)(uint8_t* dst, const uint8_t* source, std::size_t pixels, const ByteMasks& masks);
-  void (*RopSwapTileRow24)(uint8_t* dst, const uint8_t* source, std::size_t pixels, const TileMasks& masks);
   // D' = S
   void (*CopyRow)(uint8_t* dst, const uint8_t* source, std::size_t bytes);
   // D' = min(D, S)

@@ -16,8 +16,6 @@ extern const RowKernels kAvx2RowKernels;
 
 namespace plain {
 
-void RopSwapRow24(uint8_t* dst, const uint8_t* source, std::size_t pixels, const ByteMasks& masks);
-void RopSwapTileRow24(uint8_t* dst, const uint8_t* source, std::size_t pixels, const TileMasks& masks);
 void SwapRow24(uint8_t* dst, const uint8_t* source, std::size_t pixels);
 void RegrayRow24(uint8_t* dst, std::size_t pixels);
 

@@ -2,7 +2,6 @@
 
 #include "raster/rows/row_tables.h"
 #include "raster/rows/rows_bits.h"
-#include "raster/rows/rows_swap.h"
 #include "raster/rows/rows_vector.h"
 #include "raster/rows/vector16.h"
 
@@ -43,8 +42,6 @@ constinit const RowKernels kAvx2RowKernels = {
     .RopTileRow = RopTileRowOf<Vector32, Vector16>,
     .RopSourceRow = RopSourceRowOf<Vector32, Vector16>,
     .RopSourceTileRow = RopSourceTileRowOf<Vector32, Vector16>,
-    .RopSwapRow24 = RopSwapRow24Of<Vector32>,
-    .RopSwapTileRow24 = RopSwapTileRow24Of<Vector32>,
     .CopyRow = CopyRowOf<Vector32, Vector16>,
     .MinimumRow = MinimumRowOf<Vector32>,
     .SwapRow24 = SwapRow24,

@@ -90,21 +90,6 @@ void plain::SwapRow24(uint8_t* dst, const uint8_t* source, std::size_t pixels) {
   }
 }
 
-void plain::RopSwapRow24(uint8_t* dst, const uint8_t* source, std::size_t pixels, const ByteMasks& masks) {
-  for (std::size_t i = 0; i < pixels; ++i, dst += 3, source += 3) {
-    const uint8_t swapped[3] = {source[2], source[1], source[0]};
-    RopSourceRow(dst, swapped, 3, masks);
-  }
-}
-
-void plain::RopSwapTileRow24(uint8_t* dst, const uint8_t* source, std::size_t pixels, const TileMasks& masks) {
-  for (std::size_t i = 0; i < pixels; ++i, dst += 3, source += 3) {
-    const uint8_t swapped[3] = {source[2], source[1], source[0]};
-    const std::size_t at = 3 * i % kTilePeriod;
-    RopSourceTileRow(dst, swapped, 3, TileMasks{masks.and1 + at, masks.and2 + at, masks.xor1 + at, masks.xor2 + at});
-  }
-}
-
 void plain::RegrayRow24(uint8_t* dst, std::size_t pixels) {
   for (std::size_t i = 0; i < pixels; ++i, dst += 3) {
     dst[0] = dst[1] = dst[2] = static_cast<uint8_t>(WeightedGray(dst[0], dst[1], dst[2]));
@@ -116,8 +101,6 @@ constinit const RowKernels kPlainRowKernels = {
     .RopTileRow = RopTileRow,
     .RopSourceRow = RopSourceRow,
     .RopSourceTileRow = RopSourceTileRow,
-    .RopSwapRow24 = plain::RopSwapRow24,
-    .RopSwapTileRow24 = plain::RopSwapTileRow24,
     .CopyRow = CopyRow,
     .MinimumRow = MinimumRow,
     .SwapRow24 = plain::SwapRow24,

@@ -2,7 +2,6 @@
 
 #include "raster/rows/row_tables.h"
 #include "raster/rows/rows_bits.h"
-#include "raster/rows/rows_swap.h"
 #include "raster/rows/rows_vector.h"
 #include "raster/rows/vector16.h"
 
@@ -27,8 +26,6 @@ constinit const RowKernels kSsse3RowKernels = {
     .RopTileRow = RopTileRowOf<Vector16, Vector16>,
     .RopSourceRow = RopSourceRowOf<Vector16, Vector16>,
     .RopSourceTileRow = RopSourceTileRowOf<Vector16, Vector16>,
-    .RopSwapRow24 = RopSwapRow24Of<Vector16>,
-    .RopSwapTileRow24 = RopSwapTileRow24Of<Vector16>,
     .CopyRow = CopyRowOf<Vector16, Vector16>,
     .MinimumRow = MinimumRowOf<Vector16>,
     .SwapRow24 = SwapRow24,
