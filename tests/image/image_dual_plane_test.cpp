@@ -224,6 +224,18 @@ TEST(ImageDualPlane, RefusedTransfers) {
   }
 }
 
+// A device described with one byte a pixel has a colour plane of that size, and nothing goes past it.
+TEST(ImageDualPlane, DescribedWithAnotherDepth) {
+  const Dib dib = PictureDib(4, kFourByThree, {});
+  for (uint16_t depth : {uint16_t{8}, uint16_t{16}}) {
+    for (uint32_t rop : {SRCCOPY, SRCPAINT, NOTSRCCOPY, ROP_MINIMUM}) {
+      TestDevice device({.bitsPerPixel = depth, .width = 19, .height = 5, .tagPlane = true});
+      EXPECT_EQ(1u, Stretch(device, dib, {-3, -2, 30, 20, 0, 0, 4, 3}, {.rop = rop}));
+      EXPECT_TRUE(device.FencesIntact()) << depth << " bits, rop " << std::hex << rop;
+    }
+  }
+}
+
 // From the first image on graphics are tagged again, until the next clear.
 TEST(ImageDualPlane, GraphicsAfterAnImage) {
   TestDevice device(DualOptions());

@@ -86,6 +86,38 @@ TEST(ImageStepping, Rows) {
   }
 }
 
+// A copied row that covers nothing lies in the place of the next one. Where none follows it stays there; a transfer
+// does not paint it.
+TEST(ImageStepping, LastRowThatCoversNothing) {
+  struct Case {
+    const char* name;
+    const char* source;
+    bool topDown;
+    ImagePlace place;
+    BandRect clip;
+    const char* copied;  // 13 rows
+    const char* transferred;
+  };
+  const Case cases[] = {
+      {"upwards, the source past the image", "abcd", false, {0, 4, 1, -3, 0, -1, 1, 12}, {0, 1, 1, 8},
+       ".da..........", ".d..........."},
+      {"one row of the clip, reached by no row", "abcde", false, {0, 5, 1, -5, 0, 1, 1, 6}, {0, 3, 1, 4},
+       "...a.........", "............."},
+      {"top-down", "abcdefgh", true, {0, 3, 1, 1, 0, -2, 1, 3}, {0, 2, 1, 5}, "...h.........", "............."},
+      {"upwards, shrunk", "abcdefghi", false, {0, 6, 1, -7, 0, 5, 1, 12}, {0, 0, 1, 7},
+       "ba...........", "b............"},
+  };
+  for (const Case& c : cases) {
+    for (uint32_t rop : {SRCCOPY, 0x00CC0000u}) {
+      TestDevice device({.width = 1, .height = 13});
+      const Dib dib = PictureDib(1, c.source, {.topDown = c.topDown});
+      EXPECT_EQ(1u, Stretch(device, dib, c.place, {.rop = rop, .clip = c.clip})) << c.name;
+      EXPECT_TRUE(BandIs(device, ImageInks(device), rop == SRCCOPY ? c.copied : c.transferred))
+          << c.name << ", rop " << std::hex << rop;
+    }
+  }
+}
+
 // A repeated row is repeated over the painted span only, of whatever length.
 TEST(ImageStepping, RepeatedRowsKeepToTheSpan) {
   for (uint16_t bandDepth : {uint16_t{24}, uint16_t{8}}) {

@@ -90,6 +90,8 @@ TEST(ImageValidation, BadHeaders) {
         const Dib dib(DibInfo(c.width, c.height, shape, std::vector<uint32_t>(256, 0)),
                       std::vector<uint8_t>(64, 0));
         EXPECT_EQ(0u, Stretch(device, dib, kWhole, {.rop = rop})) << c.name << ", rop " << std::hex << rop;
+        // Rows that would be the first stored ones of an image 32768 rows high.
+        EXPECT_EQ(0u, Stretch(device, dib, {0, 0, 4, 2, 0, 32765, 4, 2}, {.rop = rop})) << c.name;
         EXPECT_TRUE(BandUntouched(device)) << c.name;
         EXPECT_EQ(0u, QNVDevSetDIBitsToDevice(device.handle(), 0, 0, 0, 2, &kEverywhere, nullptr, dib.bits(),
                                               dib.info(), nullptr) &

@@ -322,6 +322,21 @@ TEST(OutputDualPlane, MarksFollowTheFigure) {
   }
 }
 
+// A device described with one byte a pixel has a colour plane of that size, and nothing goes past it.
+TEST(OutputDualPlane, DescribedWithAnotherDepth) {
+  for (uint16_t depth : {uint16_t{8}, uint16_t{16}, uint16_t{0}}) {
+    TestDevice device({.bitsPerPixel = depth, .width = 19, .height = 5, .tagPlane = true});
+    const PhysicalPen pen{PS_SOLID, 1, 1, 0x112233};
+    const DRAWMODE mode = MakeDrawMode();
+    for (bool mixed : {false, true}) {
+      if (mixed) TagWholeBandAsImage(device);
+      for (int16_t row = -1; row < 6; ++row) PaintRow(device, -50, 50, row, {.pen = &pen, .drawMode = &mode});
+      EXPECT_EQ(1u, PaintRectangle(device, -50, -50, 50, 50, {.pen = &pen, .drawMode = &mode}));
+      EXPECT_TRUE(device.FencesIntact()) << depth << " bits";
+    }
+  }
+}
+
 // The plane's pass works on copies.
 TEST(OutputDualPlane, DrawModeIsOnlyRead) {
   TestDevice device(DualOptions());

@@ -35,7 +35,7 @@ class Mapping {
   }
   std::optional<int32_t> Kept(int32_t page) const {
     if (page < 0 || !kept_[static_cast<std::size_t>(page % a_)]) return std::nullopt;
-    return (page * b_ + a_ / 2) / a_;
+    return static_cast<int32_t>((int64_t{page} * b_ + a_ / 2) / a_);
   }
   // Of a band edge; half away from zero.
   int32_t PageEdge(int32_t band) const {
@@ -320,6 +320,47 @@ TEST(BitBltScaled, ClippedAndAlignedInPagePixels) {
                                                    .clip = &c.clip}));
           PaintScaled(&expected, Mapping(c.resolutions), bits, c.page, c.firstX, c.firstY,
                       {rop, &source, &brush, &mode});
+          EXPECT_TRUE(BandShows(device, expected));
+        }
+      }
+    }
+  }
+}
+
+// Rows of many pixels, and of pixels that lie very far apart on the page.
+TEST(BitBltScaled, WideRows) {
+  struct Case {
+    Resolutions resolutions;
+    uint32_t width;
+  };
+  constexpr Case kCases[] = {{{360, 360}, 1500}, {{600, 400}, 1500}, {{720, 360}, 1500}, {{97, 89}, 1500},
+                             {{400, 600}, 1500}, {{700, 2}, 90},     {{700, 2}, 260},    {{65535, 1}, 3}};
+  constexpr BandRect kClip{0, 0, 10000000, 1};  // farther than any page of these
+  for (const Case& c : kCases) {
+    const Mapping mapping(c.resolutions);
+    const int32_t pageRight = mapping.PageEdge(static_cast<int32_t>(c.width));
+    for (uint16_t bits : {uint16_t{24}, uint16_t{0}}) {
+      TestDevice device(OptionsOf(c.resolutions, bits, c.width, 1));
+      const DRAWMODE mode = Mode();
+      const PhysicalBrush brush = HatchBrush(device.handle(), HS_FDIAGONAL, 0x00336699);
+      for (const SourceForm& form : {OwnForm(bits), kOneBitSource}) {
+        const SourceImage source(form, 32767, 1, 12);
+        for (uint32_t rop : {SRCCOPY, SRCINVERT, PATINVERT, PATPAINT, BLACKNESS}) {
+          SCOPED_TRACE(Name(c.resolutions) + ", width " + std::to_string(c.width) + ", " + std::to_string(bits) +
+                       " bits, " + form.name + ", code " + std::to_string(rop));
+          FillWithNoise(&device.band(), rop);
+          PlaneImage expected = BandImage(device);
+          EXPECT_EQ(1u, Transfer(device.handle(), {.source = source.record(),
+                                                   .srcX = 3,
+                                                   .width = 1000000,
+                                                   .height = 1,
+                                                   .rop = rop,
+                                                   .brush = &brush,
+                                                   .drawMode = &mode,
+                                                   .clip = &kClip}));
+          const bool usesSource = IndexUsesSource(static_cast<uint8_t>(rop >> 16));
+          const BandRect page{0, 0, usesSource ? std::min(pageRight, 32767 - 3) : pageRight, 1};
+          PaintScaled(&expected, mapping, bits, page, 3, 0, {rop, &source, &brush, &mode});
           EXPECT_TRUE(BandShows(device, expected));
         }
       }

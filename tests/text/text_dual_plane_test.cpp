@@ -186,6 +186,23 @@ TEST(TextDualPlane, RectangleLeftOfTheCallersZero) {
                      "............."));
 }
 
+// A device described with one byte a pixel has a colour plane of that size, and nothing goes past it.
+TEST(TextDualPlane, DescribedWithAnotherDepth) {
+  const Font font = SmallFont().Build();
+  const BandRect rect{-50, -50, 50, 50};
+  for (uint16_t depth : {uint16_t{8}, uint16_t{16}}) {
+    TestDevice device({.bitsPerPixel = depth, .width = 19, .height = 5, .tagPlane = true});
+    DRAWMODE mode = TextMode(OPAQUE);
+    for (bool mixed : {false, true}) {
+      if (mixed) TagWholeBandAsImage(device);
+      for (int32_t y = -4; y < 6; ++y) {
+        DrawTextAt(device, -5, y, "acacac", font, mode, {.opaqueRect = &rect, .options = ETO_OPAQUE});
+      }
+      EXPECT_TRUE(device.FencesIntact()) << depth << " bits";
+    }
+  }
+}
+
 TEST(TextDualPlane, WidthsAndTwoByteFonts) {
   const Font wide = FontBuilder({.height = 1, .twoByte = true}).Glyph(7, 3, "#.#").Build();
   TestDevice device({.width = kColumns, .height = 1, .tagPlane = true});
