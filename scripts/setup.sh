@@ -1,0 +1,73 @@
+#!/usr/bin/env bash
+# Installs the Debian packages that are missing, and says which. Quick and silent about the rest when none is.
+#
+#   scripts/setup.sh demo      what ./demo needs
+#   scripts/setup.sh check     also what ./check needs (32-bit and Windows compilers, test framework)
+#   scripts/setup.sh develop   also formatter, linter and fuzzer (the default)
+set -euo pipefail
+
+mode=${1:-develop}
+
+demo_packages=(
+  cmake ninja-build g++ pkg-config
+  libpng-dev libfreetype-dev libfontconfig-dev libcli11-dev libfmt-dev
+  fontconfig fonts-dejavu-core fonts-liberation2
+)
+check_packages=(
+  binutils googletest g++-multilib g++-mingw-w64-i686-posix
+)
+develop_packages=(
+  clang clang-tidy clang-format libclang-rt-dev llvm
+)
+
+case $mode in
+  demo) wanted=("${demo_packages[@]}") ;;
+  check) wanted=("${demo_packages[@]}" "${check_packages[@]}") ;;
+  develop) wanted=("${demo_packages[@]}" "${check_packages[@]}" "${develop_packages[@]}") ;;
+  *)
+    echo "usage: scripts/setup.sh [demo|check|develop]" >&2
+    exit 2
+    ;;
+esac
+
+if ! command -v dpkg-query >/dev/null || ! command -v apt-get >/dev/null; then
+  echo "setup: this script knows Debian only. Install what matches these packages yourself:" >&2
+  echo "  ${wanted[*]}" >&2
+  exit 1
+fi
+
+# One query for all; a package that was never installed is only missing from the answer.
+installed=$(dpkg-query -W -f='${db:Status-Abbrev} ${Package}\n' "${wanted[@]}" 2>/dev/null | sed -n 's/^.i  *//p' || true)
+missing=()
+for package in "${wanted[@]}"; do
+  grep -qxF -- "$package" <<<"$installed" || missing+=("$package")
+done
+if [ ${#missing[@]} -eq 0 ]; then
+  exit 0
+fi
+
+as_root=()
+if [ "$(id -u)" -ne 0 ]; then
+  if ! command -v sudo >/dev/null; then
+    echo "setup: these packages are missing, and there is no sudo to install them with:" >&2
+    echo "  ${missing[*]}" >&2
+    exit 1
+  fi
+  as_root=(sudo)
+fi
+
+echo "setup: installing ${missing[*]}"
+log=$(mktemp)
+trap 'rm -f "$log"' EXIT
+apt_get() {
+  "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get -q -o Dpkg::Use-Pty=0 -o Acquire::Retries=3 "$@" \
+    >"$log" 2>&1 </dev/null
+}
+# An index that cannot be refreshed matters only if the installation then fails.
+apt_get update || echo "setup: apt-get update reported an error, going on with the lists there are"
+if ! apt_get install -y --no-install-recommends "${missing[@]}"; then
+  cat "$log" >&2
+  echo "setup: apt-get install failed (its output is above)" >&2
+  exit 1
+fi
+echo "setup: done"
