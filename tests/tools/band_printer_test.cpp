@@ -1,0 +1,391 @@
+// Pages painted band by band.
+#include "qnvtool/band_printer.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstring>
+#include <string>
+
+#include "bmp_file.h"
+#include "qnvtool/bmp_reader.h"
+#include "qnvtool/sample_pictures.h"
+#include "qnvtool/text_layout.h"
+#include "qnvtool/tool_error.h"
+#include "synthetic_font.h"
+
+namespace qnv::test {
+namespace {
+
+using tool::BandPrinter;
+using tool::BandView;
+using tool::DeviceChoice;
+using tool::Figure;
+using tool::Fill;
+using tool::Page;
+using tool::PageSetup;
+using tool::Picture;
+
+struct Printed {
+  int width = 0;
+  int height = 0;
+  int bytesPerPixel = 3;
+  std::vector<uint8_t> pixels;  // without row padding
+  std::vector<uint8_t> tags;
+  bool operator==(const Printed&) const = default;
+
+  const uint8_t* At(int x, int y) const {
+    return pixels.data() +
+           (static_cast<std::size_t>(y) * static_cast<std::size_t>(width) + static_cast<std::size_t>(x)) *
+               static_cast<std::size_t>(bytesPerPixel);
+  }
+};
+
+Printed PrintPage(const Page& page, const DeviceChoice& device, int bandRows) {
+  BandPrinter printer(tool::LinkedRasteriser(), device, page.width, page.height, bandRows);
+  Printed result{printer.width(), printer.height(), device.bandBytesPerPixel(), {}, {}};
+  int next = 0;
+  printer.Print(page, [&](const BandView& band) {
+    EXPECT_EQ(band.top, next);
+    next += band.rows;
+    const std::size_t row = static_cast<std::size_t>(result.width * result.bytesPerPixel);
+    for (int i = 0; i < band.rows; ++i) {
+      const uint8_t* const first = band.pixels + static_cast<std::size_t>(i) * band.stride;
+      result.pixels.insert(result.pixels.end(), first, first + row);
+      if (band.tags == nullptr) continue;
+      const uint8_t* const tag = band.tags + static_cast<std::size_t>(i) * band.tagStride;
+      result.tags.insert(result.tags.end(), tag, tag + result.width);
+    }
+  });
+  EXPECT_EQ(next, result.height);
+  return result;
+}
+
+std::shared_ptr<const tool::Dib> Image(uint16_t bits, int32_t width, int32_t height, uint32_t compression = BI_RGB) {
+  BmpFile file;
+  file.bitCount = bits;
+  file.width = width;
+  file.height = height;
+  file.compression = compression;
+  if (bits <= 8) {
+    for (uint32_t i = 0; i < 1u << bits; ++i) file.table.push_back(i * 0x3F1D07 & 0xFFFFFF);
+  }
+  uint32_t state = bits * 77u + static_cast<uint32_t>(width);
+  const std::size_t size = compression == BI_RGB ? file.stride() * static_cast<std::size_t>(std::abs(height)) : 900;
+  for (std::size_t i = 0; i < size; ++i) {
+    state = state * 1664525 + 1013904223;
+    file.pixels.push_back(static_cast<uint8_t>(state >> 24));
+  }
+  return std::make_shared<const tool::Dib>(tool::ReadBmp(file.Bytes(), "image"));
+}
+
+Picture Placed(std::shared_ptr<const tool::Dib> dib, tool::Rect place, uint32_t rop = SRCCOPY) {
+  Picture picture;
+  picture.dib = std::move(dib);
+  picture.name = "image";
+  picture.place = place;
+  picture.clip = {0, 0, 230, 300};
+  picture.rop = rop;
+  return picture;
+}
+
+Figure Filled(tool::SpanRegion region, Fill fill, int16_t rop2 = R2_COPYPEN) {
+  Figure figure;
+  figure.region = std::move(region);
+  figure.fill = fill;
+  figure.rop2 = rop2;
+  return figure;
+}
+
+// Everything that a document can hold, much of it overlapping.
+Page FullPage(const DeviceChoice& device, tool::FontShelf& fonts) {
+  PageSetup setup;
+  setup.sheet = {device.pageDpi, 230, 300, {10, 8, 220, 292}};
+  setup.fonts = &fonts;
+  setup.points = 9.0 * 72 / device.pageDpi;
+  const auto blocks = tool::ParseTextBlocks(
+      U"# Heading\n\nA paragraph that is justified, \u201Cwith quotes\u201D \u2014 and \u03B1\u03B2\u03B3 in it, over "
+      U"several lines of text, to see every gap.\n\n- an item \u20AC 5\n\n    listing  here\n",
+      false);
+  Page page = tool::LayOutText(blocks, setup, "name").front();
+
+  Fill hatch;
+  hatch.kind = Fill::Kind::kHatch;
+  hatch.hatch = HS_DIAGCROSS;
+  hatch.colour = 0x2010C0;
+  Fill gaps = hatch;
+  gaps.opaque = true;
+  gaps.hatch = HS_BDIAGONAL;
+  gaps.background = 0x30F0F0;
+  Fill bits;
+  bits.kind = Fill::Kind::kBits;
+  bits.bits = {0x18, 0x3C, 0x7E, 0xFF, 0xF0, 0x0F, 0xAA, 0x55};
+  bits.colour = 0x006000;
+  bits.background = 0xC0FFC0;
+  Fill weave;
+  weave.kind = Fill::Kind::kWeave;
+  weave.colour = 0xFF8000;
+  weave.background = 0x0080FF;
+  Fill solid;
+  solid.colour = 0x804020;
+  const auto ring = tool::Subtract(tool::EllipseRegion(100, 90, 190, 160), tool::EllipseRegion(115, 105, 175, 145));
+  auto& items = page.items;
+  items.emplace_back(Filled(tool::RectRegion(12, 100, 90, 150), hatch));
+  items.emplace_back(Filled(tool::EllipseRegion(40, 110, 130, 190), gaps));
+  items.emplace_back(Filled(ring, bits));
+  items.emplace_back(Filled(tool::PolygonRegion({{150, 150}, {225, 170}, {160, 215}, {180, 180}}), weave));
+  items.emplace_back(Filled(tool::EllipseRegion(60, 130, 180, 175), solid, R2_XORPEN));
+  items.emplace_back(Filled(tool::RectRegion(100, 160, 140, 200), solid, R2_MASKPEN));
+  items.emplace_back(Placed(Image(24, 31, 23), {15, 200, 15 + 77, 200 + 61}));
+  items.emplace_back(Placed(Image(8, 64, 100), {100, 205, 100 + 50, 205 + 33}));
+  items.emplace_back(Placed(Image(1, 40, -22), {160, 200, 160 + 40, 200 + 22}));
+  items.emplace_back(Placed(Image(4, 33, 19, BI_RLE4), {20, 240, 20 + 95, 240 + 57}, SRCAND));
+  items.emplace_back(Placed(Image(16, 29, 150), {120, 230, 120 + 35, 230 + 61}, SRCINVERT));
+  items.emplace_back(Placed(Image(8, 37, 20, BI_RLE8), {170, 226, 170 + 90, 226 + 100}));  // hangs out of the page
+  items.emplace_back(Filled(tool::StrokeRegion({{5, 295}, {225, 205}}, 3, false), solid));
+  if (!device.isScaled()) items.emplace_back(Placed(Image(32, 20, 14), {70, 120, 70 + 60, 120 + 60}, ROP_MINIMUM));
+  return page;
+}
+
+DeviceChoice Device(const char* text, int dpi) { return tool::ParseDevice(text, dpi); }
+
+const DeviceChoice kDevices[] = {
+    Device("color", 100),
+    Device("gray", 100),
+    Device("dual", 100),
+    Device("color", 720),
+    Device("scaled:200/100", 0),
+    Device("scaled:150/100", 0),
+    Device("scaled:100/150", 0),
+    Device("scaled:100/200", 0),
+    Device("scaled:100/100", 0),
+    Device("scaled:120/77", 0),
+    Device("scaled-gray:200/100", 0),
+    Device("scaled-gray:90/60", 0),
+};
+
+TEST(BandPrinter, ThePictureDoesNotDependOnTheBands) {
+  for (const DeviceChoice& device : kDevices) {
+    tool::FontShelf fonts = SyntheticShelf(device.pageDpi);
+    const Page page = FullPage(device, fonts);
+    const Printed whole = PrintPage(page, device, 0);
+    EXPECT_GT(std::count_if(whole.pixels.begin(), whole.pixels.end(), [](uint8_t byte) { return byte != 0xFF; }), 5000)
+        << device.name;
+    for (const int bandRows : {1, 7, 64}) {
+      const Printed banded = PrintPage(page, device, bandRows);
+      EXPECT_TRUE(banded == whole) << device.name << " in bands of " << bandRows << " rows";
+    }
+  }
+}
+
+// Enlarged and reduced by factors whose row boundaries come near the middle of page rows.
+TEST(BandPrinter, ImagesOfAnyScaleDoNotDependOnTheBands) {
+  const DeviceChoice device = Device("gray", 100);
+  for (int i = 0; i < 40; ++i) {
+    const int32_t rows = 90 + i * 53 % 911;
+    const int height = 60 + i * 37 % 700;
+    Page page;
+    page.width = 20;
+    page.height = 800;
+    Picture picture = Placed(Image(8, 5, i % 2 == 0 ? rows : -rows), {3, 11, 15, 11 + height});
+    picture.clip = {0, 0, 20, 800};
+    page.items.emplace_back(picture);
+    const Printed whole = PrintPage(page, device, 0);
+    for (const int bandRows : {1, 3, 50}) {
+      EXPECT_TRUE(PrintPage(page, device, bandRows) == whole) << rows << " rows over " << height << " by " << bandRows;
+    }
+  }
+}
+
+// Row y of the page shows the source row under its middle.
+TEST(BandPrinter, ImagesComeOutWhereTheyBelong) {
+  const DeviceChoice device = Device("color", 100);
+  const auto dib = Image(24, 9, 40);
+  Page page;
+  page.width = 120;
+  page.height = 110;
+  Picture picture = Placed(dib, {10, 5, 10 + 90, 5 + 100});
+  page.items.emplace_back(picture);
+  const Printed printed = PrintPage(page, device, 16);
+  const std::size_t stride = tool::DibStride(9, 24);
+  for (int y = 0; y < 100; ++y) {
+    for (int x = 0; x < 90; ++x) {
+      const std::size_t stored = static_cast<std::size_t>(39 - y * 40 / 100);
+      const uint8_t* const source = dib->bits.data() + stored * stride + static_cast<std::size_t>(x / 10) * 3;
+      ASSERT_EQ(std::memcmp(printed.At(10 + x, 5 + y), source, 3), 0) << x << ',' << y;
+    }
+  }
+  EXPECT_EQ(printed.At(9, 50)[0], 0xFF);
+  EXPECT_EQ(printed.At(100, 50)[0], 0xFF);
+}
+
+// A picture of many strips shows no seams: every page row has the source row under its middle, or the one beside it.
+TEST(BandPrinter, StripsStandInOrder) {
+  const DeviceChoice device = Device("color", 100);
+  for (const int32_t rows : {600, -600}) {
+    BmpFile file;
+    file.width = 1;
+    file.height = rows;
+    for (int row = 0; row < 600; ++row) {
+      file.pixels.insert(file.pixels.end(), {static_cast<uint8_t>(row), static_cast<uint8_t>(row >> 8), 0, 0});
+    }
+    Page page;
+    page.width = 8;
+    page.height = 720;
+    Picture picture = Placed(std::make_shared<const tool::Dib>(tool::ReadBmp(file.Bytes(), "x")), {2, 3, 6, 3 + 701});
+    picture.clip = {0, 0, 8, 720};
+    page.items.emplace_back(picture);
+    const Printed printed = PrintPage(page, device, 64);
+    for (int y = 0; y < 701; ++y) {
+      const uint8_t* const pixel = printed.At(4, 3 + y);
+      const int stored = pixel[0] | pixel[1] << 8;
+      const int expected = static_cast<int>((y + 0.5) * 600 / 701);
+      ASSERT_NEAR(rows < 0 ? stored : 599 - stored, expected, 1) << y;
+    }
+  }
+}
+
+// Logical colour of a pixel; on a gray device its level three times.
+tool::Colour ColourAt(const Printed& printed, int x, int y) {
+  const uint8_t* const p = printed.At(x, y);
+  if (printed.bytesPerPixel == 1) return p[0] * 0x010101u;
+  return static_cast<tool::Colour>(p[2] | p[1] << 8 | p[0] << 16);
+}
+
+tool::Colour Gray(tool::Colour colour) {
+  return ((colour & 0xFF) * 30 + (colour >> 8 & 0xFF) * 59 + (colour >> 16) * 11) / 100 * 0x010101;
+}
+
+TEST(BandPrinter, FillsHaveTheirColours) {
+  constexpr tool::Colour kFront = 0x302010;
+  constexpr tool::Colour kBack = 0x80C0F0;
+  const auto page = [](const Fill& fill) {
+    Page result;
+    result.width = result.height = 16;
+    result.items.emplace_back(Filled(tool::RectRegion(0, 0, 16, 8), fill));
+    return result;
+  };
+  for (const char* name : {"color", "gray", "dual", "scaled:100/100", "scaled-gray:100/100"}) {
+    const DeviceChoice device = Device(name, 100);
+    const auto physical = [&](tool::Colour colour) { return device.isGray() ? Gray(colour) : colour; };
+    SCOPED_TRACE(name);
+    Fill fill;
+    fill.colour = kFront;
+    fill.background = kBack;
+    for (const auto kind : {Fill::Kind::kPen, Fill::Kind::kSolid}) {
+      fill.kind = kind;
+      EXPECT_EQ(ColourAt(PrintPage(page(fill), device, 3), 5, 7), physical(kFront));
+    }
+    fill.kind = Fill::Kind::kHatch;
+    fill.hatch = HS_VERTICAL;
+    EXPECT_EQ(ColourAt(PrintPage(page(fill), device, 3), 8, 3), physical(kFront));
+    EXPECT_EQ(ColourAt(PrintPage(page(fill), device, 3), 9, 3), tool::kWhite);
+    fill.opaque = true;
+    EXPECT_EQ(ColourAt(PrintPage(page(fill), device, 3), 9, 3), physical(kBack));
+    fill.opaque = false;
+    fill.kind = Fill::Kind::kBits;
+    fill.bits = {0xFF, 0x80};
+    const Printed bits = PrintPage(page(fill), device, 3);
+    EXPECT_EQ(ColourAt(bits, 3, 0), physical(kBack));
+    EXPECT_EQ(ColourAt(bits, 0, 1), physical(kBack));
+    EXPECT_EQ(ColourAt(bits, 1, 1), physical(kFront));
+    EXPECT_EQ(ColourAt(bits, 8, 2), physical(kFront));
+    fill.kind = Fill::Kind::kWeave;
+    const Printed weave = PrintPage(page(fill), device, 3);
+    EXPECT_EQ(ColourAt(weave, 5, 3), physical(kFront));
+    EXPECT_EQ(ColourAt(weave, 9, 3), physical(kBack));
+    EXPECT_EQ(ColourAt(weave, 7, 3), physical(0x587080));  // half of each
+    EXPECT_EQ(ColourAt(weave, 7, 8), tool::kWhite);
+  }
+}
+
+TEST(BandPrinter, AScaledDeviceOfOneScaleIsAPlainDevice) {
+  tool::FontShelf fonts = SyntheticShelf(100);
+  const DeviceChoice scaled = Device("scaled:100/100", 0);
+  const Page page = FullPage(scaled, fonts);
+  EXPECT_TRUE(PrintPage(page, scaled, 50) == PrintPage(page, Device("color", 100), 50));
+}
+
+TEST(BandPrinter, DualIsColourWithTags) {
+  tool::FontShelf fonts = SyntheticShelf(100);
+  const DeviceChoice dual = Device("dual", 100);
+  const Page page = FullPage(dual, fonts);
+  Printed printed = PrintPage(page, dual, 50);
+  ASSERT_EQ(printed.tags.size(), 230u * 300u);
+  const auto tag = [&](int x, int y) { return printed.tags[static_cast<std::size_t>(y * 230 + x)]; };
+  EXPECT_EQ(tag(0, 0), QNV_TAG_GRAPHICS);
+  EXPECT_EQ(tag(20, 210), QNV_TAG_IMAGE);
+  EXPECT_EQ(tag(115, 250), QNV_TAG_GRAPHICS);  // the line over the images
+  printed.tags.clear();
+  EXPECT_TRUE(printed == PrintPage(page, Device("color", 100), 50));
+}
+
+TEST(BandPrinter, ScaledGrayPixelsAreGray) {
+  tool::FontShelf fonts = SyntheticShelf(200);
+  const DeviceChoice device = Device("scaled-gray:200/100", 0);
+  const Printed printed = PrintPage(FullPage(device, fonts), device, 20);
+  int dark = 0;
+  for (std::size_t i = 0; i < printed.pixels.size(); i += 3) {
+    ASSERT_EQ(printed.pixels[i], printed.pixels[i + 1]);
+    ASSERT_EQ(printed.pixels[i], printed.pixels[i + 2]);
+    dark += printed.pixels[i] < 128 ? 1 : 0;
+  }
+  EXPECT_GT(dark, 100);
+}
+
+// Justified lines end at the right edge to the pixel, runs of the two-byte font included.
+TEST(BandPrinter, JustifiedLinesFillTheLine) {
+  const DeviceChoice device = Device("gray", 100);
+  tool::FontShelf fonts = SyntheticShelf(100);
+  PageSetup setup;
+  setup.sheet = {100, 230, 600, {10, 10, 217, 590}};
+  setup.fonts = &fonts;
+  setup.points = 6;
+  setup.header = false;
+  std::u32string text;
+  for (int i = 0; i < 60; ++i) {
+    text += i % 4 == 0 ? U"\u03B1\u03B2 " : i % 4 == 1 ? U"mixed\u2019s " : i % 4 == 2 ? U"a " : U"words ";
+  }
+  const Page page = tool::LayOutText({{tool::TextBlock::Kind::kParagraph, 0, 0, text}}, setup, "x").front();
+  const auto font = fonts.Get(tool::FontRole::kBody, 6);
+  const Printed printed = PrintPage(page, device, 0);
+  int justified = 0;
+  for (const auto& item : page.items) {
+    const auto& line = std::get<tool::TextLine>(item);
+    if (line.breakCount == 0) continue;
+    ++justified;
+    int last = -1;
+    for (int y = line.baseline - font->ascent(); y < line.baseline; ++y) {
+      for (int x = 0; x < printed.width; ++x) last = *printed.At(x, y) == 0 ? std::max(last, x) : last;
+    }
+    // The line's last cell ends at the edge; its glyph says how far before that its ink does.
+    const tool::TextRun& run = line.runs.back();
+    const std::u32string wide = U"\u03B1\u03B2\u2019";
+    char32_t code = run.codes.empty() ? static_cast<uint8_t>(run.latin.back()) : 0;
+    for (const char32_t c : wide) {
+      if (!run.codes.empty() && font->WideCode(c) == run.codes.back()) code = c;
+    }
+    const tool::Glyph glyph = SyntheticFont(8).Load(code);
+    const int inkEnd = std::max(glyph.left, 0) + glyph.columns;
+    EXPECT_EQ(last, 217 - 1 - (tool::CellWidth(glyph) - inkEnd)) << "baseline " << line.baseline;
+  }
+  EXPECT_GE(justified, 5);
+}
+
+TEST(BandPrinter, PagesTooLargeAreRefused) {
+  const auto code = [](const DeviceChoice& device, int width, int height) {
+    try {
+      BandPrinter printer(tool::LinkedRasteriser(), device, width, height, 16);
+    } catch (const tool::ToolError& error) {
+      return error.code();
+    }
+    return tool::ExitCode::kOk;
+  };
+  EXPECT_EQ(code(Device("color", 100), 21844, 100), tool::ExitCode::kOk);
+  EXPECT_EQ(code(Device("color", 100), 21845, 100), tool::ExitCode::kUsage);  // rows of 65536 bytes
+  EXPECT_EQ(code(Device("gray", 100), 32767, 32767), tool::ExitCode::kOk);
+  EXPECT_EQ(code(Device("scaled:100/200", 0), 100, 20000), tool::ExitCode::kUsage);
+}
+
+}  // namespace
+}  // namespace qnv::test

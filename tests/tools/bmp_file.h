@@ -1,0 +1,64 @@
+// BMP files of every header generation, made field by field.
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+namespace qnv::test {
+
+struct BmpFile {
+  uint32_t headerSize = 40;
+  int32_t width = 5;
+  int32_t height = 3;
+  uint16_t planes = 1;
+  uint16_t bitCount = 24;
+  uint32_t compression = 0;
+  uint32_t imageSize = 0;
+  uint32_t colours = 0;  // biClrUsed
+  uint32_t xPixelsPerMetre = 0;
+  uint32_t yPixelsPerMetre = 0;
+  std::vector<uint32_t> masks;  // after a 40-byte header, else at their place inside the header
+  std::vector<uint32_t> table;  // 0xRRGGBB
+  std::vector<uint8_t> pixels;  // as they stand in the file
+  int32_t offsetChange = 0;     // added to the right bfOffBits
+
+  // Bytes from one row to the next.
+  std::size_t stride() const { return (static_cast<std::size_t>(width) * bitCount + 31) / 32 * 4; }
+
+  std::vector<uint8_t> Bytes() const {
+    std::vector<uint8_t> file{'B', 'M'};
+    Put(file, 4, 0);
+    Put(file, 4, 0);
+    Put(file, 4, 0);  // bfOffBits, below
+    Put(file, 4, headerSize);
+    if (headerSize == 12) {
+      Put(file, 2, static_cast<uint32_t>(width));
+      Put(file, 2, static_cast<uint32_t>(height));
+    } else {
+      Put(file, 4, static_cast<uint32_t>(width));
+      Put(file, 4, static_cast<uint32_t>(height));
+    }
+    Put(file, 2, planes);
+    Put(file, 2, bitCount);
+    if (headerSize >= 40) {
+      for (const uint32_t field : {compression, imageSize, xPixelsPerMetre, yPixelsPerMetre, colours, 0u}) {
+        Put(file, 4, field);
+      }
+    }
+    for (const uint32_t mask : masks) Put(file, 4, mask);
+    // What the larger headers hold besides is not zero, so that a reader at a wrong place shows itself.
+    while (file.size() < 14 + headerSize) file.push_back(0x5A);
+    for (const uint32_t colour : table) Put(file, headerSize == 12 ? 3 : 4, colour);
+    const uint32_t offset = static_cast<uint32_t>(file.size()) + static_cast<uint32_t>(offsetChange);
+    for (std::size_t i = 0; i < 4; ++i) file[10 + i] = static_cast<uint8_t>(offset >> 8 * i);
+    file.insert(file.end(), pixels.begin(), pixels.end());
+    return file;
+  }
+
+ private:
+  static void Put(std::vector<uint8_t>& file, int bytes, uint32_t value) {
+    for (int i = 0; i < bytes; ++i) file.push_back(static_cast<uint8_t>(value >> 8 * i));
+  }
+};
+
+}  // namespace qnv::test

@@ -1,0 +1,117 @@
+// Font records, read back by the library itself.
+#include "qnvtool/font_record.h"
+
+#include <gtest/gtest.h>
+
+#include "qnvtool/text_lines.h"
+#include "support/test_device.h"
+#include "synthetic_font.h"
+
+namespace qnv::test {
+namespace {
+
+using tool::Font;
+using tool::FontRecord;
+using tool::Glyph;
+
+bool Ink(const Glyph& glyph, int column, int row) {
+  if (column < 0 || row < 0 || column >= glyph.columns || row >= glyph.rows) return false;
+  const auto stride = static_cast<std::size_t>(glyph.columns + 7) / 8;
+  const auto at = static_cast<std::size_t>(row) * stride + static_cast<std::size_t>(column) / 8;
+  return (glyph.bits[at] & 0x80 >> column % 8) != 0;
+}
+
+// Paints one character at (20, 20), top left of its cell, and compares every pixel with the glyph.
+void CheckPainted(const FontRecord& record, const void* string, const Glyph& glyph, const char* name) {
+  TestDevice device({.bitsPerPixel = 8, .width = 100, .height = 100, .fill = 0xFF});
+  DRAWMODE mode = MakeDrawMode();
+  mode.bkMode = TRANSPARENT;
+  const int16_t width = static_cast<int16_t>(tool::CellWidth(glyph));
+  QNVDevExtTextOut(device.handle(), 20, 20, &kEverywhere, string, 1, record.memory.data(), 0, &mode, nullptr, &width,
+                   nullptr, 0);
+  const int shift = glyph.left < 0 ? -glyph.left : 0;
+  int wrong = 0;
+  for (int y = 0; y < 100; ++y) {
+    for (int x = 0; x < 100; ++x) {
+      const bool expected = Ink(glyph, x - 20 - glyph.left - shift, y - 20 - record.ascent + glyph.top);
+      const bool painted = *device.Pixel(static_cast<uint32_t>(x), static_cast<uint32_t>(y)) == 0;
+      wrong += expected != painted ? 1 : 0;
+    }
+  }
+  EXPECT_EQ(wrong, 0) << name;
+}
+
+TEST(FontRecord, OneByteCharactersPaintTheirGlyphs) {
+  SyntheticFont source(24);
+  Font font(std::make_unique<SyntheticFont>(24));
+  for (const char c : {'A', 'j', '~', '\xE9', '\xFF'}) {
+    const auto code = static_cast<uint8_t>(c);
+    CheckPainted(font.latin(), &c, source.Load(code), std::to_string(code).c_str());
+  }
+}
+
+TEST(FontRecord, TwoByteCharactersPaintTheirGlyphs) {
+  SyntheticFont source(19);
+  Font font(std::make_unique<SyntheticFont>(19));
+  const std::u32string text = U"\u20AC\u0416\U0001F600\u03B1";
+  for (const char32_t c : text) font.WideCode(c);
+  for (const char32_t c : text) {
+    const uint16_t code = font.WideCode(c);
+    CheckPainted(font.Wide(), &code, source.Load(c), std::to_string(c).c_str());
+  }
+}
+
+TEST(FontRecord, CodesAreDense) {
+  Font font(std::make_unique<SyntheticFont>(12));
+  EXPECT_TRUE(font.Wide().empty());
+  EXPECT_EQ(font.WideCode(0x20AC), 0);
+  EXPECT_EQ(font.WideCode(0x4E00), 1);
+  EXPECT_EQ(font.WideCode(0x20AC), 0);
+  EXPECT_EQ(font.WideCode(0x1F600), 2);
+}
+
+TEST(FontRecord, CellsHoldInkThatHangsOut) {
+  Glyph glyph;
+  glyph.advance = 4;
+  glyph.left = -3;
+  glyph.columns = 9;
+  EXPECT_EQ(tool::CellWidth(glyph), 9);
+  glyph.left = 2;
+  EXPECT_EQ(tool::CellWidth(glyph), 11);
+  glyph.columns = 2;
+  EXPECT_EQ(tool::CellWidth(glyph), 4);
+  glyph.advance = -4;
+  glyph.columns = 0;
+  EXPECT_EQ(tool::CellWidth(glyph), 0);
+}
+
+TEST(FontRecord, CellsReachAsFarAsTheirGlyphs) {
+  Glyph tall;
+  tall.advance = 8;
+  tall.columns = 3;
+  tall.rows = 20;
+  tall.top = 15;
+  tall.bits.assign(20, 0xE0);
+  const FontRecord record = tool::MakeTwoByteRecord({tall}, 10, 2);
+  EXPECT_EQ(record.ascent, 15);
+  EXPECT_EQ(record.height, 20);
+  const uint16_t code = 0;
+  CheckPainted(record, &code, tall, "tall");
+}
+
+TEST(FontRecord, WidthsAreWhatTheLibraryMeasures) {
+  Font font(std::make_unique<SyntheticFont>(24));
+  const std::string text = "Sphinx of black quartz, judge my vow \xE4\xF6\xFC";
+  int expected = 0;
+  for (const char c : text) expected += font.Advance(static_cast<uint8_t>(c));
+  TestDevice device({});
+  DRAWMODE mode = MakeDrawMode();
+  const int32_t extent =
+      QNVDevExtTextOut(device.handle(), 0, 0, &kEverywhere, text.data(), -static_cast<int32_t>(text.size()),
+                       font.latin().memory.data(), 0, &mode, nullptr, nullptr, nullptr, 0);
+  EXPECT_EQ(extent & 0xFFFF, expected);
+  EXPECT_EQ(extent >> 16, font.latin().height);
+}
+
+}  // namespace
+}  // namespace qnv::test

@@ -1,0 +1,206 @@
+// Paper, devices and the placing of text and images on pages.
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "bmp_file.h"
+#include "qnvtool/bmp_reader.h"
+#include "qnvtool/bmp_writer.h"
+#include "qnvtool/device_choice.h"
+#include "qnvtool/picture_layout.h"
+#include "qnvtool/text_layout.h"
+#include "qnvtool/text_lines.h"
+#include "qnvtool/tool_error.h"
+#include "synthetic_font.h"
+
+namespace qnv::test {
+namespace {
+
+using tool::DeviceChoice;
+using tool::Page;
+using tool::Picture;
+using tool::PictureScale;
+using tool::TextBlock;
+using tool::TextLine;
+
+template <class Function>
+bool IsUsageError(Function function) {
+  try {
+    function();
+  } catch (const tool::ToolError& error) {
+    return error.code() == tool::ExitCode::kUsage;
+  }
+  return false;
+}
+
+TEST(Paper, NamesAndSizes) {
+  EXPECT_EQ(tool::ParsePaper("A4").heightMm, 297);
+  EXPECT_EQ(tool::ParsePaper("letter").widthMm, 215.9);
+  EXPECT_EQ(tool::ParsePaper("100x62.5mm").heightMm, 62.5);
+  for (const char* bad :
+       {"", "a5", "100x100", "100x100mmm", "x100mm", "100xmm", "1x100mm", "100x9999mm", "nanxnanmm"}) {
+    EXPECT_TRUE(IsUsageError([&] { tool::ParsePaper(bad); })) << bad;
+  }
+}
+
+TEST(Paper, SheetsInPixels) {
+  const tool::Sheet sheet = tool::MakeSheet({210, 297}, 300, 25.4);
+  EXPECT_EQ(sheet.width, 2480);
+  EXPECT_EQ(sheet.height, 3508);
+  EXPECT_EQ(sheet.content, (tool::Rect{300, 300, 2180, 3208}));
+  EXPECT_TRUE(IsUsageError([] { tool::MakeSheet({210, 297}, 300, 105); }));
+  EXPECT_TRUE(IsUsageError([] { tool::MakeSheet({210, 297}, 4800, 0); }));
+}
+
+TEST(DeviceChoice, Parsed) {
+  EXPECT_EQ(tool::ParseDevice("color", 0).pageDpi, 300);
+  EXPECT_EQ(tool::ParseDevice("gray", 600).bandDpi, 600);
+  const DeviceChoice scaled = tool::ParseDevice("scaled-gray:600/400", 600);
+  EXPECT_EQ(scaled.kind, DeviceChoice::Kind::kScaledGray);
+  EXPECT_EQ(scaled.pageDpi, 600);
+  EXPECT_EQ(scaled.bandDpi, 400);
+  for (const char* bad : {"", "colr", "scaled", "scaled:", "scaled:600", "scaled:600/", "scaled:/400",
+                          "scaled:600/400x", "scaled:5/400", "scaled:600/99999", "scaled:-600/400", "dual:1/2"}) {
+    EXPECT_TRUE(IsUsageError([&] { tool::ParseDevice(bad, 0); })) << bad;
+  }
+  EXPECT_TRUE(IsUsageError([] { tool::ParseDevice("scaled:600/400", 400); }));
+  EXPECT_TRUE(IsUsageError([] { tool::ParseDevice("color", 5); }));
+}
+
+TEST(PictureScale, Parsed) {
+  EXPECT_EQ(tool::ParseScale("pixels").mode, PictureScale::Mode::kPixels);
+  EXPECT_EQ(tool::ParseScale("0.5").factor, 0.5);
+  for (const char* bad : {"", "x", "0", "-1", "nan", "inf", "2x", "2000"}) {
+    EXPECT_TRUE(IsUsageError([&] { tool::ParseScale(bad); })) << bad;
+  }
+}
+
+class Layout : public testing::Test {
+ protected:
+  Layout() : fonts_(SyntheticShelf(100)) {
+    setup_.sheet = {100, 600, 800, {50, 50, 550, 750}};
+    setup_.fonts = &fonts_;
+    setup_.points = 10;
+    setup_.header = false;
+  }
+
+  static std::shared_ptr<const tool::Dib> Image(int width, int height, uint32_t xPerMetre, uint32_t yPerMetre) {
+    BmpFile file;
+    file.width = width;
+    file.height = height;
+    file.xPixelsPerMetre = xPerMetre;
+    file.yPixelsPerMetre = yPerMetre;
+    file.pixels.resize(file.stride() * static_cast<std::size_t>(height));
+    return std::make_shared<const tool::Dib>(tool::ReadBmp(file.Bytes(), "x.bmp"));
+  }
+
+  tool::Rect PlaceOf(std::shared_ptr<const tool::Dib> dib, const PictureScale& scale) {
+    const Page page = tool::LayOutPicture(std::move(dib), scale, setup_, "x.bmp");
+    return std::get<Picture>(page.items.back()).place;
+  }
+
+  tool::FontShelf fonts_;
+  tool::PageSetup setup_;
+};
+
+TEST_F(Layout, ImagesFit) {
+  EXPECT_EQ(PlaceOf(Image(20, 10, 0, 0), {}), (tool::Rect{50, 275, 550, 525}));
+  EXPECT_EQ(PlaceOf(Image(10, 70, 0, 0), {}), (tool::Rect{250, 50, 350, 750}));
+}
+
+TEST_F(Layout, PixelsThatAreNotSquareKeepTheirShape) {
+  EXPECT_EQ(PlaceOf(Image(20, 5, 2000, 1000), {}), (tool::Rect{50, 275, 550, 525}));
+}
+
+TEST_F(Layout, ImagesAtTheirOwnSize) {
+  const PictureScale own{PictureScale::Mode::kFactor, 1};
+  EXPECT_EQ(PlaceOf(Image(300, 150, 11811, 11811), own).width(), 100);  // 300 dpi on a page of 100
+  EXPECT_EQ(PlaceOf(Image(72, 36, 0, 0), own).width(), 100);            // 72 dpi where the file says nothing
+  EXPECT_EQ(PlaceOf(Image(30, 10, 0, 0), {PictureScale::Mode::kPixels, 1}), (tool::Rect{285, 395, 315, 405}));
+  EXPECT_TRUE(IsUsageError([&] { PlaceOf(Image(30, 10, 1, 1), {PictureScale::Mode::kFactor, 100}); }));
+}
+
+TEST_F(Layout, TextStaysInsideTheBody) {
+  std::u32string text;
+  for (int i = 0; i < 2000; ++i) text += i % 9 == 0 ? U"longerword " : U"word ";
+  const auto font = fonts_.Get(tool::FontRole::kBody, 10);
+  const auto pages = tool::LayOutText({{TextBlock::Kind::kParagraph, 0, 0, text}}, setup_, "x");
+  ASSERT_GT(pages.size(), 1u);
+  std::size_t words = 0;
+  for (const Page& page : pages) {
+    ASSERT_FALSE(page.items.empty());
+    int before = 0;
+    for (const auto& item : page.items) {
+      const auto& line = std::get<TextLine>(item);
+      EXPECT_EQ(line.left, 50);
+      EXPECT_GE(line.baseline - font->ascent(), 50);
+      EXPECT_LE(line.baseline - font->ascent() + font->lineHeight(), 750);
+      EXPECT_GT(line.baseline, before);
+      before = line.baseline;
+      int width = line.breakExtra;
+      for (const char c : line.runs.at(0).latin) width += font->Advance(static_cast<uint8_t>(c));
+      EXPECT_LE(width, 500);
+      if (line.breakCount != 0) {
+        EXPECT_EQ(width, 500);
+      }
+      words += 1 + static_cast<std::size_t>(std::count(line.runs[0].latin.begin(), line.runs[0].latin.end(), ' '));
+    }
+  }
+  EXPECT_EQ(words, 2000u);
+}
+
+TEST_F(Layout, HeadingsTakeTextAlong) {
+  std::vector<TextBlock> blocks;
+  for (int i = 0; i < 60; ++i) {
+    blocks.push_back({TextBlock::Kind::kHeading, 2, 0, U"Heading"});
+    blocks.push_back({TextBlock::Kind::kParagraph, 0, 0, U"body"});
+  }
+  const auto pages = tool::LayOutText(blocks, setup_, "x");
+  ASSERT_GT(pages.size(), 2u);
+  for (const Page& page : pages) {
+    EXPECT_EQ(std::get<TextLine>(page.items.front()).runs.at(0).latin, "Heading");
+    EXPECT_EQ(std::get<TextLine>(page.items.back()).runs.at(0).latin, "body");
+  }
+}
+
+TEST_F(Layout, FormFeedsAndEmptyTextsGivePages) {
+  EXPECT_EQ(tool::LayOutText({}, setup_, "x").size(), 1u);
+  const TextBlock feed{TextBlock::Kind::kPageBreak, 0, 0, {}};
+  EXPECT_EQ(tool::LayOutText({feed, feed}, setup_, "x").size(), 3u);
+}
+
+TEST_F(Layout, HeadersHoldNameNumberAndRule) {
+  setup_.header = true;
+  const auto pages = tool::LayOutText(tool::ParseTextBlocks(U"a\fb", false), setup_, "na\xC3\xAFve \xE2\x82\xAC.txt");
+  ASSERT_EQ(pages.size(), 2u);
+  const auto& name = std::get<TextLine>(pages[1].items.at(0));
+  EXPECT_EQ(name.runs.at(0).latin, "na\xEFve ");
+  EXPECT_EQ(name.runs.at(1).codes.size(), 1u);
+  EXPECT_EQ(std::get<TextLine>(pages[1].items.at(1)).runs.at(0).latin, "2");
+  const auto& rule = std::get<tool::Figure>(pages[1].items.at(2));
+  EXPECT_EQ(rule.region.rows.at(0), (tool::SpanRow{{50, 550}}));
+  EXPECT_LT(rule.region.bottom(), tool::BodyOf(setup_).top);
+}
+
+TEST_F(Layout, LongNamesAreCutInHeaders) {
+  setup_.header = true;
+  const auto pages = tool::LayOutText({}, setup_, std::string(500, 'n'));
+  const auto& name = std::get<TextLine>(pages[0].items.at(0));
+  const auto font = fonts_.Get(tool::FontRole::kHeading, 8);
+  int width = 0;
+  for (const auto& run : name.runs) {
+    for (const char c : run.latin) width += font->Advance(static_cast<uint8_t>(c));
+  }
+  EXPECT_LT(width, 500);
+  EXPECT_EQ(name.runs.back().codes.size(), 1u);  // an ellipsis
+}
+
+TEST(BmpWriter, FilesAreReadBack) {
+  const std::vector<uint8_t> pixels{1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12};
+  const tool::Dib dib = tool::ReadBmp(tool::EncodeBmp24(2, 2, 72, pixels), "x.bmp");
+  EXPECT_EQ(dib.bits, (std::vector<uint8_t>{7, 8, 9, 10, 11, 12, 0, 0, 1, 2, 3, 4, 5, 6, 0, 0}));
+  EXPECT_EQ(dib.xPixelsPerMetre, 2835);
+}
+
+}  // namespace
+}  // namespace qnv::test

@@ -1,0 +1,150 @@
+#include "qnvtool/picture_writer.h"
+
+#include <gtest/gtest.h>
+#include <png.h>
+
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+#include "qnvtool/tool_error.h"
+
+namespace qnv::test {
+namespace {
+
+using tool::PictureForm;
+using Pixels = PictureForm::Pixels;
+
+std::string TempFile(const char* name) { return testing::TempDir() + "/" + name; }
+
+struct PngFile {
+  int width = 0;
+  int height = 0;
+  int type = 0;
+  png_uint_32 perMetre = 0;
+  std::vector<uint8_t> bytes;  // red, green, blue
+};
+
+PngFile ReadPng(const std::string& path) {
+  PngFile result;
+  std::FILE* const file = std::fopen(path.c_str(), "rb");
+  if (file == nullptr) return result;
+  png_structp png = png_create_read_struct(PNG_LIBPNG_VER_STRING, nullptr, nullptr, nullptr);
+  png_infop info = png_create_info_struct(png);
+  png_init_io(png, file);
+  png_read_info(png, info);
+  result.width = static_cast<int>(png_get_image_width(png, info));
+  result.height = static_cast<int>(png_get_image_height(png, info));
+  result.type = png_get_color_type(png, info);
+  result.perMetre = png_get_pixels_per_meter(png, info);
+  png_set_expand(png);
+  png_set_gray_to_rgb(png);
+  png_read_update_info(png, info);
+  const std::size_t row = png_get_rowbytes(png, info);
+  result.bytes.resize(row * static_cast<std::size_t>(result.height));
+  for (std::size_t y = 0; y < static_cast<std::size_t>(result.height); ++y) {
+    png_read_row(png, result.bytes.data() + y * row, nullptr);
+  }
+  png_destroy_read_struct(&png, &info, nullptr);
+  std::fclose(file);
+  return result;
+}
+
+// Three pixels a row, two rows, four bytes of padding that must not appear.
+constexpr uint8_t kColour[] = {1, 2, 3, 4, 5, 6, 7, 8, 9, 99, 99, 99, 11, 12, 13, 14, 15, 16, 17, 18, 19, 99, 99, 99};
+constexpr uint8_t kGray[] = {10, 20, 30, 99, 40, 50, 60, 99};
+constexpr uint8_t kTags[] = {0, 1, 3, 99, 3, 2, 1, 99};
+
+PngFile WriteAndRead(Pixels pixels, const uint8_t* first, std::size_t stride) {
+  const std::string path = TempFile("writer.png");
+  {
+    const auto writer = tool::CreatePictureFile(path, {3, 2, 300, pixels});
+    writer->WriteRows(first, stride, 1);
+    writer->WriteRows(first + stride, stride, 1);
+    writer->Finish();
+  }
+  return ReadPng(path);
+}
+
+TEST(PictureWriter, ColourPng) {
+  const PngFile png = WriteAndRead(Pixels::kColour, kColour, 12);
+  EXPECT_EQ(png.width, 3);
+  EXPECT_EQ(png.height, 2);
+  EXPECT_EQ(png.type, PNG_COLOR_TYPE_RGB);
+  EXPECT_EQ(png.perMetre, 11811u);
+  EXPECT_EQ(png.bytes, (std::vector<uint8_t>{3, 2, 1, 6, 5, 4, 9, 8, 7, 13, 12, 11, 16, 15, 14, 19, 18, 17}));
+}
+
+TEST(PictureWriter, GrayPng) {
+  const PngFile png = WriteAndRead(Pixels::kGray, kGray, 4);
+  EXPECT_EQ(png.type, PNG_COLOR_TYPE_GRAY);
+  EXPECT_EQ(png.bytes, (std::vector<uint8_t>{10, 10, 10, 20, 20, 20, 30, 30, 30, 40, 40, 40, 50, 50, 50, 60, 60, 60}));
+}
+
+TEST(PictureWriter, GrayOfThreeBytes) {
+  const PngFile png = WriteAndRead(Pixels::kGrayOf3, kColour, 12);
+  EXPECT_EQ(png.type, PNG_COLOR_TYPE_GRAY);
+  EXPECT_EQ(png.bytes, (std::vector<uint8_t>{1, 1, 1, 4, 4, 4, 7, 7, 7, 11, 11, 11, 14, 14, 14, 17, 17, 17}));
+}
+
+TEST(PictureWriter, TagsShowTheLegend) {
+  const PngFile png = WriteAndRead(Pixels::kTags, kTags, 4);
+  EXPECT_EQ(png.type, PNG_COLOR_TYPE_PALETTE);
+  std::vector<uint8_t> expected;
+  for (const uint32_t rgb :
+       {tool::kTagTextCell, tool::kTagGraphics, tool::kTagImage, tool::kTagImage, 0u, tool::kTagGraphics}) {
+    expected.insert(expected.end(),
+                    {static_cast<uint8_t>(rgb >> 16), static_cast<uint8_t>(rgb >> 8), static_cast<uint8_t>(rgb)});
+  }
+  EXPECT_EQ(png.bytes, expected);
+}
+
+TEST(PictureWriter, PnmFiles) {
+  const std::string path = TempFile("writer.ppm");
+  const auto writer = tool::CreatePictureFile(path, {3, 2, 300, Pixels::kColour});
+  writer->WriteRows(kColour, 12, 2);
+  writer->Finish();
+  std::ifstream file(path, std::ios::binary);
+  std::stringstream bytes;
+  bytes << file.rdbuf();
+  EXPECT_EQ(bytes.str(), std::string("P6\n3 2\n255\n\3\2\1\6\5\4\11\10\7\15\14\13\20\17\16\23\22\21"));
+}
+
+TEST(PictureWriter, UnfinishedFilesGo) {
+  for (const char* name : {"unfinished.png", "unfinished.pgm"}) {
+    const std::string path = TempFile(name);
+    {
+      const auto writer = tool::CreatePictureFile(path, {3, 2, 300, Pixels::kGray});
+      writer->WriteRows(kGray, 4, 1);
+      EXPECT_TRUE(std::filesystem::exists(path));
+    }
+    EXPECT_FALSE(std::filesystem::exists(path));
+  }
+}
+
+TEST(PictureWriter, FailuresNameTheFile) {
+  const auto errorOf = [](const std::string& path) {
+    try {
+      const auto writer = tool::CreatePictureFile(path, {3, 2, 300, Pixels::kGray});
+      writer->WriteRows(kGray, 4, 2);
+      writer->Finish();
+    } catch (const tool::ToolError& error) {
+      EXPECT_EQ(error.code(), tool::ExitCode::kCannotWrite);
+      return std::string(error.what());
+    }
+    return std::string();
+  };
+  EXPECT_EQ(errorOf("/no such folder/x.png").rfind("/no such folder/x.png: cannot be written", 0), 0u);
+  EXPECT_EQ(errorOf("/dev/full").rfind("/dev/full: cannot be written", 0), 0u);
+}
+
+TEST(PictureWriter, NamesOfPages) {
+  EXPECT_EQ(tool::PathOfPage("out.png", 1), "out.png");
+  EXPECT_EQ(tool::PathOfPage("out.png", 2), "out-2.png");
+  EXPECT_EQ(tool::PathOfPage("a.b/out", 12), "a.b/out-12");
+  EXPECT_EQ(tool::PathOfPage("a/out.x.ppm", 3), "a/out.x-3.ppm");
+}
+
+}  // namespace
+}  // namespace qnv::test

@@ -1,0 +1,225 @@
+// Figures as spans, and spans in the encodings of QNVOutput.
+#include "qnvtool/span_region.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstring>
+#include <set>
+#include <string>
+
+#include "qnvtool/span_list.h"
+#include "support/test_device.h"
+
+namespace qnv::test {
+namespace {
+
+using tool::CanEncode;
+using tool::EncodeSpans;
+using tool::Point;
+using tool::Span;
+using tool::SpanList;
+using tool::SpanRegion;
+using tool::SpanRow;
+
+constexpr int kSide = 48;
+
+using Pixels = std::set<std::pair<int, int>>;  // y, x
+
+Pixels PixelsOf(const SpanRegion& region) {
+  Pixels pixels;
+  for (std::size_t i = 0; i < region.rows.size(); ++i) {
+    int end = INT32_MIN;
+    for (const Span& span : region.rows[i]) {
+      EXPECT_LT(span.left, span.right);
+      EXPECT_GT(span.left, end) << "spans must be sorted and apart";
+      end = span.right;
+      for (int x = span.left; x < span.right; ++x) pixels.emplace(region.top + static_cast<int>(i), x);
+    }
+  }
+  return pixels;
+}
+
+// The pixels whose centres satisfy `inside`.
+template <class Inside>
+Pixels PixelsWhere(Inside inside) {
+  Pixels pixels;
+  for (int y = -kSide; y < 2 * kSide; ++y) {
+    for (int x = -kSide; x < 2 * kSide; ++x) {
+      if (inside(x + 0.5, y + 0.5)) pixels.emplace(y, x);
+    }
+  }
+  return pixels;
+}
+
+bool InsideEvenOdd(const std::vector<Point>& points, double x, double y) {
+  bool inside = false;
+  for (std::size_t i = 0, j = points.size() - 1; i < points.size(); j = i++) {
+    if ((points[i].y <= y) == (points[j].y <= y)) continue;
+    const double at = points[i].x + (y - points[i].y) * (points[j].x - points[i].x) / (points[j].y - points[i].y);
+    if (x >= at) inside = !inside;
+  }
+  return inside;
+}
+
+TEST(SpanRegion, RectanglesTakeCentresInside) {
+  for (const double left : {3.0, 3.4, 3.6, -2.5}) {
+    for (const double width : {0.0, 0.3, 1.0, 7.5}) {
+      const auto expected =
+          PixelsWhere([&](double x, double y) { return x >= left && x < left + width && y >= 2.2 && y < 9.7; });
+      EXPECT_EQ(PixelsOf(tool::RectRegion(left, 2.2, left + width, 9.7)), expected) << left << ' ' << width;
+    }
+  }
+  EXPECT_TRUE(tool::RectRegion(5, 5, 4, 9).empty());
+}
+
+TEST(SpanRegion, EllipsesTakeCentresInside) {
+  for (const double width : {1.0, 6.0, 21.3, 40.0}) {
+    for (const double height : {1.0, 9.0, 33.7}) {
+      const double x0 = 3.25 + width / 2;
+      const double y0 = 1.5 + height / 2;
+      const auto expected = PixelsWhere([&](double x, double y) {
+        return std::pow((x - x0) / (width / 2), 2) + std::pow((y - y0) / (height / 2), 2) < 1;
+      });
+      EXPECT_EQ(PixelsOf(tool::EllipseRegion(3.25, 1.5, 3.25 + width, 1.5 + height)), expected) << width << height;
+    }
+  }
+  EXPECT_TRUE(tool::EllipseRegion(5, 5, 5, 9).empty());
+}
+
+TEST(SpanRegion, PolygonsFollowTheEvenOddRule) {
+  const std::vector<std::vector<Point>> polygons{
+      {{2.1, 3.2}, {30.7, 8.3}, {12.4, 40.9}},
+      {{20.3, 1.1}, {33.9, 41.2}, {1.2, 16.7}, {39.8, 16.4}, {7.7, 41.3}},  // a star: its middle is outside
+      {{5, 5}, {25, 5}, {25, 25}, {5, 25}},
+      {{5.1, 5.1}, {40.3, 9.2}, {5.1, 13.3}, {40.3, 17.4}, {5.1, 21.5}},
+  };
+  for (const auto& polygon : polygons) {
+    const auto expected = PixelsWhere([&](double x, double y) { return InsideEvenOdd(polygon, x, y); });
+    EXPECT_FALSE(expected.empty());
+    EXPECT_EQ(PixelsOf(tool::PolygonRegion(polygon)), expected);
+  }
+  EXPECT_TRUE(tool::PolygonRegion({{1, 1}, {9, 9}}).empty());
+}
+
+TEST(SpanRegion, PolygonsSideBySideShareNoPixelAndLeaveNone) {
+  const Point a{3, 2}, b{41, 11}, c{29, 44}, d{1, 30};
+  const Pixels whole = PixelsOf(tool::PolygonRegion({a, b, c, d}));
+  Pixels parts = PixelsOf(tool::PolygonRegion({a, b, c}));
+  const Pixels other = PixelsOf(tool::PolygonRegion({a, c, d}));
+  const std::size_t sum = parts.size() + other.size();
+  parts.insert(other.begin(), other.end());
+  EXPECT_EQ(parts, whole);
+  EXPECT_EQ(sum, whole.size());
+}
+
+TEST(SpanRegion, StrokesTakeCentresNearTheLine) {
+  const Point a{6, 7};
+  const Point b{35, 22};
+  const auto expected = PixelsWhere([&](double x, double y) {
+    const double dx = b.x - a.x, dy = b.y - a.y;
+    const double t = std::clamp(((x - a.x) * dx + (y - a.y) * dy) / (dx * dx + dy * dy), 0.0, 1.0);
+    return std::hypot(x - a.x - t * dx, y - a.y - t * dy) < 2.5;
+  });
+  EXPECT_EQ(PixelsOf(tool::StrokeRegion({a, b}, 5, false)), expected);
+}
+
+TEST(SpanRegion, ThinStrokesHaveNoGaps) {
+  const SpanRegion line = tool::StrokeRegion({{3, 3.5}, {40, 30.2}}, 0.01, false);
+  EXPECT_GE(PixelsOf(line).size(), 37u);
+}
+
+TEST(SpanRegion, SetOperations) {
+  const SpanRegion a = tool::EllipseRegion(2, 3, 30, 28);
+  const SpanRegion b = tool::PolygonRegion({{10, 0}, {44, 20}, {6, 40}});
+  Pixels unite = PixelsOf(a);
+  Pixels subtract = unite;
+  const Pixels inB = PixelsOf(b);
+  unite.insert(inB.begin(), inB.end());
+  for (const auto& pixel : inB) subtract.erase(pixel);
+  EXPECT_EQ(PixelsOf(tool::Unite(a, b)), unite);
+  EXPECT_EQ(PixelsOf(tool::Subtract(a, b)), subtract);
+  EXPECT_TRUE(tool::Subtract(a, a).empty());
+
+  Pixels clipped;
+  for (const auto& [y, x] : unite) {
+    if (x >= 5 && x < 20 && y >= 8 && y < 26) clipped.emplace(y, x);
+  }
+  EXPECT_EQ(PixelsOf(tool::Clip(tool::Unite(a, b), {5, 8, 20, 26})), clipped);
+  EXPECT_TRUE(tool::Clip(a, {100, 100, 200, 200}).empty());
+}
+
+// Regions that between them fit every encoding and none.
+std::vector<std::pair<const char*, SpanRegion>> Regions() {
+  SpanRegion holes = tool::EllipseRegion(4, 4, 40, 40);
+  holes = tool::Subtract(holes, tool::RectRegion(0, 14, 48, 17));  // rows without spans
+  return {{"rectangle", tool::RectRegion(3, 5, 29, 31)},
+          {"row", tool::RectRegion(3, 5, 29, 6)},
+          {"ellipse", tool::EllipseRegion(1, 2, 33, 46)},
+          {"flat ellipse", tool::EllipseRegion(1, 2, 47, 9)},
+          {"ring", tool::Subtract(tool::EllipseRegion(2, 2, 42, 42), tool::EllipseRegion(9, 9, 33, 33))},
+          {"empty rows", holes},
+          {"triangle", tool::PolygonRegion({{4, 4}, {44, 20}, {9, 44}})}};
+}
+
+TEST(SpanList, EveryEncodingPaintsTheRegion) {
+  constexpr uint16_t kStyles[] = {OS_SCANLINES, OS_BANDED_SPANS, OS_ROW_RECORDS,
+                                  OS_ROW_SPANS, OS_BYTE_DELTAS,  OS_NIBBLE_DELTAS};
+  std::set<uint16_t> tried;
+  for (const auto& [name, region] : Regions()) {
+    const Pixels expected = PixelsOf(region);
+    for (const uint16_t style : kStyles) {
+      if (!CanEncode(region, style)) continue;
+      tried.insert(style);
+      TestDevice device({.bitsPerPixel = 8, .width = kSide, .height = kSide, .fill = 0xFF});
+      const PhysicalPen pen = SolidPen(device.handle(), 0);
+      const DRAWMODE mode = MakeDrawMode();
+      for (const SpanList& list : EncodeSpans(region, style)) {
+        EXPECT_EQ(list.style, style);
+        EXPECT_EQ(
+            QNVOutput(device.handle(), list.style, list.count, list.words.data(), &pen, nullptr, &mode, &kEverywhere) &
+                0xFFFF,
+            1u);
+      }
+      Pixels painted;
+      for (uint32_t y = 0; y < kSide; ++y) {
+        for (uint32_t x = 0; x < kSide; ++x) {
+          if (*device.Pixel(x, y) == 0) painted.emplace(static_cast<int>(y), static_cast<int>(x));
+        }
+      }
+      EXPECT_EQ(painted, expected) << name << ", style " << style;
+    }
+  }
+  EXPECT_EQ(tried.size(), 6u);
+}
+
+TEST(SpanList, WhichEncodingsFit) {
+  const SpanRegion ring = tool::Subtract(tool::EllipseRegion(2, 2, 42, 42), tool::EllipseRegion(9, 9, 33, 33));
+  EXPECT_TRUE(CanEncode(ring, OS_ROW_RECORDS));
+  EXPECT_FALSE(CanEncode(ring, OS_ROW_SPANS));
+  EXPECT_FALSE(CanEncode(ring, OS_BYTE_DELTAS));
+
+  const auto steps = [](int step) {
+    SpanRegion region;
+    region.rows = {{{500, 600}}, {{500 + step, 600}}};
+    return region;
+  };
+  EXPECT_TRUE(CanEncode(steps(7), OS_NIBBLE_DELTAS));
+  EXPECT_TRUE(CanEncode(steps(-8), OS_NIBBLE_DELTAS));
+  EXPECT_FALSE(CanEncode(steps(8), OS_NIBBLE_DELTAS));
+  EXPECT_FALSE(CanEncode(steps(-9), OS_NIBBLE_DELTAS));
+  EXPECT_TRUE(CanEncode(steps(8), OS_BYTE_DELTAS));
+  EXPECT_TRUE(CanEncode(steps(-128), OS_BYTE_DELTAS));
+  EXPECT_FALSE(CanEncode(steps(-129), OS_BYTE_DELTAS));
+}
+
+TEST(SpanList, ShortestStyleFollowsTheShape) {
+  EXPECT_EQ(tool::ShortestStyle(tool::RectRegion(3, 5, 29, 6)), OS_SCANLINES);
+  EXPECT_EQ(tool::ShortestStyle(tool::RectRegion(3, 5, 29, 31)), OS_BANDED_SPANS);
+  EXPECT_EQ(tool::ShortestStyle(tool::PolygonRegion({{4, 4}, {44, 20}, {9, 44}})), OS_NIBBLE_DELTAS);
+}
+
+TEST(SpanList, EmptyRegionsGiveNoList) { EXPECT_TRUE(EncodeSpans({}, OS_BANDED_SPANS).empty()); }
+
+}  // namespace
+}  // namespace qnv::test

@@ -1,0 +1,66 @@
+// Paints pages band by band, as a printer driver does.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+
+#include "device_choice.h"
+#include "page.h"
+#include "rasteriser.h"
+
+namespace qnv::tool {
+
+// A finished band, in the pixels of the picture. Valid during the call that hands it over.
+struct BandView {
+  int top = 0;
+  int rows = 0;
+  const uint8_t* pixels = nullptr;  // 3 bytes a pixel: blue, green, red; on gray bands one byte
+  std::size_t stride = 0;
+  const uint8_t* tags = nullptr;  // one byte a pixel; null without a tag plane
+  std::size_t tagStride = 0;
+};
+
+class BandPrinter {
+ public:
+  using Sink = std::function<void(const BandView&)>;
+
+  // For pages of pageWidth x pageHeight pixels at device.pageDpi. `bandRows` counts rows of the picture, 0 or more
+  // than the page means the whole page. Throws ToolError: library when it does not make such a device, usage when
+  // the page is too large for it.
+  BandPrinter(const Rasteriser& rasteriser, const DeviceChoice& device, int pageWidth, int pageHeight, int bandRows);
+  ~BandPrinter();
+  BandPrinter(const BandPrinter&) = delete;
+  BandPrinter& operator=(const BandPrinter&) = delete;
+
+  int width() const { return width_; }  // of the picture, pixels
+  int height() const { return height_; }
+  int bands() const { return (height_ + bandRows_ - 1) / bandRows_; }
+
+  // Hands the bands to `sink` from the top of the page to its bottom.
+  void Print(const Page& page, const Sink& sink);
+
+ private:
+  // Rows of the picture that a band's memory holds; the sink gets the ones in the middle.
+  struct Extent {
+    int top = 0;
+    int bottom = 0;
+  };
+
+  Extent ExtentOf(int top, int rows) const;
+  void Control(uint32_t code, const void* data) const;
+
+  const Rasteriser rasteriser_;
+  const DeviceChoice device_;
+  int width_ = 0;
+  int height_ = 0;
+  int bandRows_ = 0;
+  int guard_ = 0;  // rows of the picture after which page rows and band rows meet again; 0 where they are the same
+  std::size_t stride_ = 0;
+  std::size_t tagStride_ = 0;
+  std::vector<uint8_t> band_;
+  std::vector<uint8_t> tags_;
+  DeviceHandle* handle_ = nullptr;
+};
+
+}  // namespace qnv::tool

@@ -1,0 +1,31 @@
+// Pixels whose components lie where masks say.
+#pragma once
+
+#include <cstdint>
+
+#include "file_bytes.h"
+
+namespace qnv::tool {
+
+struct ColourMasks {
+  uint32_t red = 0;
+  uint32_t green = 0;
+  uint32_t blue = 0;
+  bool operator==(const ColourMasks&) const = default;
+};
+
+// The layout that the rasteriser assumes of every 32-bit pixel.
+inline constexpr ColourMasks kMasks888{0xFF0000, 0x00FF00, 0x0000FF};
+
+// True for one unbroken run of set bits.
+bool IsBitRun(uint32_t mask);
+
+// True when the rasteriser's own shifts give the right colours for these masks of 16-bit pixels: runs of 2 to 8
+// bits. (Its shift counts take a single bit for the top bit of a wider field.) Requires: IsBitRun of each mask.
+bool ReadDirectly16(const ColourMasks& masks);
+
+// Rows of 16 or 32-bit pixels (4-byte aligned) to rows of 32-bit pixels in the 8-8-8 layout. Each component is
+// stretched to 0..255. Requires: IsBitRun of each mask.
+Bytes ExpandTo32(const Bytes& bits, int width, int height, int bitCount, const ColourMasks& masks);
+
+}  // namespace qnv::tool

@@ -1,0 +1,53 @@
+#include "device_choice.h"
+
+#include <fmt/format.h>
+
+#include <cstdio>
+
+#include "tool_error.h"
+
+namespace qnv::tool {
+namespace {
+
+constexpr int kDefaultDpi = 300;
+constexpr int kLowestDpi = 20;
+constexpr int kHighestDpi = 4800;
+
+void CheckDpi(const std::string& option, int dpi) {
+  if (dpi >= kLowestDpi && dpi <= kHighestDpi) return;
+  throw ToolError(ExitCode::kUsage,
+                  fmt::format("{}: {} dots per inch; {} to {} can be used", option, dpi, kLowestDpi, kHighestDpi));
+}
+
+}  // namespace
+
+DeviceChoice ParseDevice(const std::string& text, int dpi) {
+  using Kind = DeviceChoice::Kind;
+  DeviceChoice choice;
+  choice.name = text;
+  choice.pageDpi = choice.bandDpi = dpi == 0 ? kDefaultDpi : dpi;
+  if (text == "color" || text == "colour" || text == "gray" || text == "grey" || text == "dual") {
+    CheckDpi("--dpi", choice.pageDpi);
+    choice.kind = text == "dual" ? Kind::kDual : text[0] == 'g' ? Kind::kGray : Kind::kColour;
+    return choice;
+  }
+  const std::size_t colon = text.find(':');
+  const std::string family = text.substr(0, colon);
+  int end = 0;
+  if (colon == std::string::npos || (family != "scaled" && family != "scaled-gray") ||
+      std::sscanf(text.c_str() + colon, ":%5d/%5d%n", &choice.pageDpi, &choice.bandDpi, &end) != 2 ||
+      colon + static_cast<std::size_t>(end) != text.size()) {
+    throw ToolError(ExitCode::kUsage,
+                    fmt::format("--device {}: use color, gray, dual, scaled:A/B or scaled-gray:A/B", text));
+  }
+  choice.kind = family == "scaled" ? Kind::kScaled : Kind::kScaledGray;
+  CheckDpi("--device " + text, choice.pageDpi);
+  CheckDpi("--device " + text, choice.bandDpi);
+  if (dpi != 0 && dpi != choice.pageDpi) {
+    throw ToolError(ExitCode::kUsage,
+                    fmt::format("--dpi {} contradicts --device {}, which draws at {}", dpi, text, choice.pageDpi));
+  }
+  return choice;
+}
+
+}  // namespace qnv::tool

@@ -1,0 +1,25 @@
+// A whole file in memory, and little-endian fields of it.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace qnv::tool {
+
+using Bytes = std::vector<uint8_t>;
+
+// Reads a regular file. Throws ToolError (bad input) naming the file when it cannot be opened or read, is a
+// folder, is empty, or has more than one gigabyte.
+Bytes ReadFile(const std::string& path);
+
+// Requires: offset + the field's size <= bytes.size().
+uint16_t U16At(const Bytes& bytes, std::size_t offset);
+uint32_t U32At(const Bytes& bytes, std::size_t offset);
+inline int32_t I32At(const Bytes& bytes, std::size_t offset) { return static_cast<int32_t>(U32At(bytes, offset)); }
+
+void AppendU16(Bytes& bytes, uint32_t value);
+void AppendU32(Bytes& bytes, uint32_t value);
+
+}  // namespace qnv::tool

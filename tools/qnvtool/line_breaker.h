@@ -1,0 +1,30 @@
+// Cuts a paragraph into lines.
+#pragma once
+
+#include <functional>
+#include <string_view>
+#include <vector>
+
+namespace qnv::tool {
+
+// Advance of a character in pixels.
+using AdvanceOf = std::function<int(char32_t)>;
+
+struct BrokenLine {
+  std::size_t begin = 0;  // characters [begin, end) of the paragraph; spaces at both ends are left out
+  std::size_t end = 0;
+  bool hyphen = false;  // broken at a soft hyphen, which shows here
+  bool last = false;    // last line of the paragraph: not justified
+  int width = 0;        // natural width with the hyphen, pixels
+  int spaces = 0;       // spaces that may be widened
+};
+
+// Fills each line with as much as fits into maxWidth pixels. Lines end at spaces, after hyphens and dashes, at soft
+// hyphens (U+00AD) and zero-width spaces, and around ideographs; no-break spaces hold. A word wider than the line
+// is cut between characters. Requires: advances >= 0. A paragraph without characters has no lines.
+std::vector<BrokenLine> BreakLines(std::u32string_view text, const AdvanceOf& advance, int maxWidth);
+
+// Characters that guide the breaking and never show, apart from the hyphen at the end of a line.
+bool IsBreakControl(char32_t c);
+
+}  // namespace qnv::tool

@@ -1,0 +1,76 @@
+// A page as a list of things to paint, in page pixels. The printer walks the list once for every band.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <variant>
+#include <vector>
+
+#include "dib.h"
+#include "font.h"
+#include "geometry.h"
+#include "span_region.h"
+
+namespace qnv::tool {
+
+// Logical colours, 0x00BBGGRR.
+using Colour = uint32_t;
+inline constexpr Colour kBlack = 0;
+inline constexpr Colour kWhite = 0x00FFFFFF;
+
+// Characters of one kind in a line: Latin-1 goes to the one-byte font, everything else to the two-byte one.
+struct TextRun {
+  std::shared_ptr<Font> font;
+  std::string latin;            // when codes is empty
+  std::vector<uint16_t> codes;  // codes of the two-byte font
+  std::vector<int16_t> widths;  // advance of each of them
+};
+
+struct TextLine {
+  int left = 0;
+  int baseline = 0;
+  Colour colour = kBlack;
+  int breakExtra = 0;  // pixels to spread over the line's spaces
+  int breakCount = 0;  // spaces in the line
+  std::vector<TextRun> runs;
+};
+
+struct Fill {
+  enum class Kind {
+    kPen,    // painted with a pen of the colour
+    kSolid,  // painted with a brush of the colour
+    kHatch,  // HS_ lines in the colour
+    kBits,   // an 8 x 8 pattern, clear bits in the colour, set bits in the background
+    kWeave,  // an 8 x 8 pattern of blends of colour and background
+  };
+  Kind kind = Kind::kSolid;
+  Colour colour = kBlack;
+  Colour background = kWhite;
+  bool opaque = false;  // a hatch's gaps take the background
+  int hatch = 0;
+  std::array<uint8_t, 8> bits{};
+};
+
+struct Figure {
+  SpanRegion region;
+  Fill fill;
+  int16_t rop2 = 13;  // R2_COPYPEN
+};
+
+struct Picture {
+  std::shared_ptr<const Dib> dib;
+  std::string name;  // for messages
+  Rect place;        // whole picture
+  Rect clip;
+  uint32_t rop = 0x00CC0020;  // SRCCOPY
+};
+
+struct Page {
+  int width = 0;
+  int height = 0;
+  std::vector<std::variant<TextLine, Figure, Picture>> items;
+};
+
+}  // namespace qnv::tool

@@ -1,0 +1,39 @@
+// From files to pictures: the work behind `qnvtool print`.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "device_choice.h"
+#include "paper.h"
+#include "picture_layout.h"
+
+namespace qnv::tool {
+
+enum class FileType { kAuto, kBmp, kText, kFigures };
+
+struct PrintOptions {
+  std::vector<std::string> files;
+  std::string out;  // "-": standard output
+  FileType type = FileType::kAuto;
+  Paper paper;
+  double marginMm = 20;
+  DeviceChoice device;
+  int bandRows = 256;  // 0: whole pages
+  PictureScale scale;
+  std::string bodyFont = "serif";
+  std::string headingFont = "sans:bold";
+  std::string listingFont = "monospace";
+  double points = 11;
+  bool verbatim = false;
+  bool header = true;
+  std::string tags;     // tag plane as a picture; empty: none
+  std::string overlay;  // pages with image areas tinted; empty: none
+  std::string library;  // empty: the linked one
+  bool quiet = false;
+};
+
+// Lays out every file, then prints the pages. Nothing is written when a file cannot be used. Throws ToolError.
+void Print(const PrintOptions& options);
+
+}  // namespace qnv::tool

@@ -1,0 +1,29 @@
+// A progress bar for the terminal.
+#pragma once
+
+#include <chrono>
+#include <string>
+
+namespace qnv::tool {
+
+class Progress {
+ public:
+  // Shows nothing when not `enabled` or when standard error is no terminal.
+  explicit Progress(bool enabled);
+  ~Progress();
+  Progress(const Progress&) = delete;
+  Progress& operator=(const Progress&) = delete;
+
+  // Part done, 0..1, and what is being done. The bar appears once the work has taken a second and is drawn at most
+  // ten times a second.
+  void Show(double done, const std::string& label);
+
+ private:
+  using Clock = std::chrono::steady_clock;
+  const bool enabled_;
+  const Clock::time_point start_ = Clock::now();
+  Clock::time_point lastDrawn_{};
+  bool shown_ = false;
+};
+
+}  // namespace qnv::tool

@@ -1,0 +1,14 @@
+// Pictures made of nothing but arithmetic, the same on every machine: material for demonstrations and tests.
+#pragma once
+
+#include "file_bytes.h"
+
+namespace qnv::tool {
+
+// A mountain lake at sunset as a 24-bit BMP file: soft gradients, noise and detail like a photograph's.
+Bytes MakeSamplePhoto(int width, int height);
+
+// A relief map with contour lines as an RLE8 BMP file of 32 colours.
+Bytes MakeSampleMap(int width, int height);
+
+}  // namespace qnv::tool

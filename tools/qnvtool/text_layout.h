@@ -1,0 +1,15 @@
+// Text files on pages.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "page_setup.h"
+#include "text_blocks.h"
+
+namespace qnv::tool {
+
+// Sets the blocks on as many pages as they need, at least one. `name` goes into the header.
+std::vector<Page> LayOutText(const std::vector<TextBlock>& blocks, const PageSetup& setup, const std::string& name);
+
+}  // namespace qnv::tool

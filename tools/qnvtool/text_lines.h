@@ -1,0 +1,24 @@
+// Lines of text as page items.
+#pragma once
+
+#include <memory>
+#include <string_view>
+
+#include "line_breaker.h"
+#include "page.h"
+
+namespace qnv::tool {
+
+// Natural width in pixels.
+int TextWidth(std::u32string_view text, Font& font);
+
+AdvanceOf AdvancesOf(Font& font);
+
+// A line of one font, as wide as it comes.
+TextLine MakeLine(std::u32string_view text, const std::shared_ptr<Font>& font, int left, int baseline);
+
+// A broken line of a paragraph; `width` above 0 justifies it to that many pixels unless it is the last.
+TextLine MakeLine(std::u32string_view paragraph, const BrokenLine& line, const std::shared_ptr<Font>& font, int left,
+                  int baseline, int width);
+
+}  // namespace qnv::tool
