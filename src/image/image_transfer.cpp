@@ -80,7 +80,8 @@ void ImageTransfer::ConvertRow(uint8_t* out) {
 }
 
 uint8_t* ImageTransfer::TakeRowBuffer(int32_t pixels) {
-  const std::size_t bytes = static_cast<std::size_t>(pixels) * BytesOf(target_);
+  // Three bytes a pixel even for gray rows: a dual-plane device described with 8 bits reads them as colour.
+  const std::size_t bytes = static_cast<std::size_t>(pixels) * 3;
   auto* buffer = buffers_.row.Take<uint8_t>(bytes);
   if (buffer != nullptr) std::memset(buffer, 0, bytes);
   return buffer;

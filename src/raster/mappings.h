@@ -19,6 +19,8 @@ struct ColumnRun {
 
 // Plain devices: caller pixels are band pixels.
 struct PlainMapping {
+  static constexpr bool kOneToOne = true;
+
   Rect CallerRect(const Rect& band) const { return band; }
   int32_t ToBand(int32_t v) const { return v; }
 
@@ -40,6 +42,8 @@ struct PlainMapping {
 
 // The resolution-mapping device: caller pixels are thinned or spread.
 struct KeptMapping {
+  static constexpr bool kOneToOne = false;
+
   const CoordinateMap* map;
 
   Rect CallerRect(const Rect& band) const {

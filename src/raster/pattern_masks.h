@@ -33,6 +33,8 @@ class PatternMasks {
   // A pattern without a period paints nothing.
   bool IsEmpty() const { return width_ == 0 || height_ == 0; }
 
+  bool IsOneCell() const { return width_ == 1 && height_ == 1; }
+
   // Both remainders are kept non-negative for coordinates left of or above the page.
   uint32_t RowOf(int32_t y) const { return Remainder(y, height_); }
   std::size_t PhaseOf(int32_t x) const { return std::size_t{Remainder(x, width_)} * bytesPerPixel_; }

@@ -16,8 +16,8 @@ inline constexpr std::size_t kMaxAdvance = 32;  // bytes that a kernel may pass 
 struct alignas(16) Tile {
   uint8_t bytes[kTilePeriod + kMaxPhase + kMaxAdvance];
 };
+static_assert(sizeof(Tile) % 4 == 0);
 
-// cells: `width` packed colours, 1, 8 or 16 of them.
 template <std::size_t kBytesPerPixel>
 void MakeTileOf(Tile* tile, const uint32_t* cells, std::size_t width) {
   constexpr std::size_t kRow = kMaxPhase / 3 * kBytesPerPixel;  // 16 cells
@@ -30,7 +30,21 @@ void MakeTileOf(Tile* tile, const uint32_t* cells, std::size_t width) {
   std::memcpy(tile->bytes + at, row, sizeof tile->bytes % kRow);
 }
 
+// One packed colour everywhere.
+inline void MakeSolidTile(Tile* tile, uint32_t colour, std::size_t bytesPerPixel) {
+  const uint32_t c = colour & 0xFFFFFF;
+  const uint32_t one = (colour & 0xFF) * 0x01010101u;
+  const bool three = bytesPerPixel == 3;
+  const uint32_t words[3] = {three ? c | c << 24 : one, three ? c >> 8 | c << 16 : one, three ? c >> 16 | c << 8 : one};
+  constexpr std::size_t kWords = sizeof tile->bytes / 4;
+  uint32_t all[kWords];
+  for (std::size_t i = 0; i < kWords; ++i) all[i] = words[i % 3];
+  std::memcpy(tile->bytes, all, sizeof all);
+}
+
+// cells: `width` packed colours, 1, 8 or 16 of them.
 inline void MakeTile(Tile* tile, const uint32_t* cells, std::size_t width, std::size_t bytesPerPixel) {
+  if (width == 1) return MakeSolidTile(tile, cells[0], bytesPerPixel);
   bytesPerPixel == 3 ? MakeTileOf<3>(tile, cells, width) : MakeTileOf<1>(tile, cells, width);
 }
 

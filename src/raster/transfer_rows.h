@@ -32,6 +32,11 @@ class TransferRows {
     const int32_t bandColumns = WrapSubtract(band.rect.right, band.rect.left);
     const int32_t bandRows = WrapSubtract(band.rect.bottom, band.rect.top);
     const Rect relative = Shifted(area.rect, WrapSubtract(0, callerBand.left), WrapSubtract(0, callerBand.top));
+    if (Mapping::kOneToOne && JoinsRows(band, relative)) {
+      const int32_t pixels = (relative.right - relative.left) * (relative.bottom - relative.top);
+      PaintRun(band.RelativeAt(0, static_cast<uint32_t>(relative.top)), 0, 0, ColumnRun{0, 0, pixels, nullptr});
+      return;
+    }
     mapping.ForEachRun(relative.left, relative.right - relative.left, bandColumns, [&](const ColumnRun& run) {
       for (int32_t row = relative.top; row < relative.bottom; ++row) {
         const int32_t bandRow = mapping.BandRow(row);
@@ -47,6 +52,13 @@ class TransferRows {
   enum class Shape : uint8_t { kFill, kBandOnly, kSourceCopy, kSource, kSourcePattern };
 
   static Shape ShapeOf(uint8_t index);
+
+  // Whole rows without padding under one colour are one long row.
+  bool JoinsRows(const BandView& band, const Rect& relative) const {
+    const bool oneColour = (shape_ == Shape::kFill || shape_ == Shape::kBandOnly) && masks_.IsOneCell();
+    return oneColour && relative.left == 0 &&
+           static_cast<uint32_t>(relative.right) * bytesPerPixel_ == band.stride;
+  }
 
   // sourceRow: counted from the row of the first source pixel.
   void PaintRun(uint8_t* dst, int32_t bandRow, int32_t sourceRow, const ColumnRun& run);
