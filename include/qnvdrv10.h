@@ -288,7 +288,8 @@ typedef struct BITMAPINFOHEADER {
  * description or bandRect, resolution A of 0 on kind 0, no memory. `buffer` is rows of
  * (width * bytes + 3) & ~3 bytes, top row first; it stays the host's and must live until QNVDisable. A
  * non-null `secondBuffer` with kind 1 makes a dual-plane device whatever bitsPerPixel says: one byte a
- * pixel, rows of (width + 3) & ~3 bytes. A null buffer is allowed; nothing is painted then. */
+ * pixel, rows of (width + 3) & ~3 bytes. Its clear escape writes three bytes a pixel into `buffer`, also when
+ * another depth is described. A null buffer is allowed; nothing is painted then. */
 DeviceHandle *QNV_CALL QNVEnable(const DeviceDescription *description, const BandRect *bandRect, void *buffer,
                                  void *secondBuffer);
 
