@@ -38,26 +38,37 @@ bool ColumnPlan::Make(const Stepping& stepping, const SourceMapping& mapping, Pi
     return PlanPicked(stepping, buffers, first, advance);
   }
   if (order_ == Order::kForward) return true;
-  const std::size_t bytes = static_cast<std::size_t>(sourceCount_) * bytesPerPixel_ + kStretchSlack;
+  // A group reads a few bytes past the last pixel.
+  const std::size_t bytes = static_cast<std::size_t>(sourceCount_) * bytesPerPixel_ + kGroupBytes;
   converted_ = buffers.converted.Take<uint8_t>(bytes);
   reversed_ = buffers.reversed.Take<uint8_t>(bytes);
   if (converted_ == nullptr || reversed_ == nullptr) return false;
-  // The slack is read along with the last pixel.
-  std::memset(converted_ + bytes - kStretchSlack, 0, kStretchSlack);
-  std::memset(reversed_ + bytes - kStretchSlack, 0, kStretchSlack);
+  std::memset(converted_ + bytes - kGroupBytes, 0, kGroupBytes);
+  std::memset(reversed_ + bytes - kGroupBytes, 0, kGroupBytes);
   return true;
 }
 
+// Enlarged columns that stand together come from source columns that do: five or sixteen of them fit a group.
 bool ColumnPlan::PlanEnlarged(const Stepping& stepping, ImageBuffers& buffers) {
-  auto* times = buffers.columns.Take<uint16_t>(static_cast<std::size_t>(sourceCount_));
-  if (times == nullptr) return false;
-  std::fill_n(times, sourceCount_, uint16_t{0});
+  groupPixels_ = kGroupBytes / bytesPerPixel_;
+  const std::size_t groupCount = (static_cast<std::size_t>(count_) + groupPixels_ - 1) / groupPixels_;
+  auto* groups = buffers.groups.Take<ShuffleGroup>(groupCount);
+  if (groups == nullptr) return false;
+  std::memset(groups, 0, groupCount * sizeof *groups);
   int32_t firstWalked = -1;
   WalkColumns(stepping, [&](int32_t i, int32_t begin, int32_t end) {
     if (firstWalked < 0) firstWalked = i;
-    times[i - firstWalked] = static_cast<uint16_t>(end - begin);
+    const uint32_t source = static_cast<uint32_t>(i - firstWalked) * static_cast<uint32_t>(bytesPerPixel_);
+    for (int32_t at = begin; at < end; ++at) {
+      ShuffleGroup& group = groups[static_cast<std::size_t>(at) / groupPixels_];
+      const std::size_t place = static_cast<std::size_t>(at) % groupPixels_;
+      if (place == 0) group.from = source;
+      for (std::size_t b = 0; b < bytesPerPixel_; ++b) {
+        group.bytes[place * bytesPerPixel_ + b] = static_cast<uint8_t>(source - group.from + b);
+      }
+    }
   });
-  list_ = times;
+  groups_ = groups;
   return true;
 }
 
@@ -67,7 +78,7 @@ bool ColumnPlan::PlanPicked(const Stepping& stepping, ImageBuffers& buffers, int
   WalkColumns(stepping, [&](int32_t i, int32_t begin, int32_t end) {
     std::fill(picks + begin, picks + end, static_cast<uint16_t>(first + i * advance));
   });
-  list_ = picks;
+  picks_ = picks;
   return true;
 }
 
@@ -81,18 +92,17 @@ void ColumnPlan::Apply(uint8_t* out, const uint8_t* row, const RowConverter& con
   const auto reverse = bytesPerPixel_ == 3 ? image.ReverseRow24 : image.ReverseRow8;
   switch (order_) {
     case Order::kForward: converter.Consecutive(out, row, low, count, context); break;
-    case Order::kPicked: converter.Picked(out, row, list_, count, context); break;
+    case Order::kPicked: converter.Picked(out, row, picks_, count, context); break;
     case Order::kBackward:
       converter.Consecutive(converted_, row, low, count, context);
       reverse(out, converted_, count);
       break;
-    case Order::kEnlarged: {
+    case Order::kEnlarged:
       converter.Consecutive(converted_, row, low, sourceCount, context);
       if (mirrored_) reverse(reversed_, converted_, sourceCount);
-      (bytesPerPixel_ == 3 ? image.StretchRow24 : image.StretchRow8)(out, mirrored_ ? reversed_ : converted_,
-                                                                     sourceCount, list_, count);
+      image.ShuffleRow(out, mirrored_ ? reversed_ : converted_, groups_, groupPixels_ * bytesPerPixel_,
+                       count * bytesPerPixel_);
       break;
-    }
   }
 }
 

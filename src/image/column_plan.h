@@ -33,10 +33,12 @@ class ColumnPlan {
   Order order_ = Order::kForward;
   bool mirrored_ = false;
   std::size_t bytesPerPixel_ = 3;
-  int32_t low_ = 0;                 // leftmost source column that is converted
-  int32_t sourceCount_ = 0;         // source columns that are converted
-  int32_t count_ = 0;               // destination columns
-  const uint16_t* list_ = nullptr;  // kEnlarged: times of each source column as walked; kPicked: the columns
+  int32_t low_ = 0;                       // leftmost source column that is converted
+  int32_t sourceCount_ = 0;               // source columns that are converted
+  int32_t count_ = 0;                     // destination columns
+  const uint16_t* picks_ = nullptr;       // kPicked: the source column of each destination column
+  const ShuffleGroup* groups_ = nullptr;  // kEnlarged: over the converted columns in the order of walking
+  std::size_t groupPixels_ = 0;
   uint8_t* converted_ = nullptr;
   uint8_t* reversed_ = nullptr;
 };

@@ -7,6 +7,7 @@ namespace qnv {
 // Memory of image transfers, kept between calls.
 struct ImageBuffers {
   WorkBuffer columns;
+  WorkBuffer groups;
   WorkBuffer converted;
   WorkBuffer reversed;
   WorkBuffer row;

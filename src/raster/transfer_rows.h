@@ -56,8 +56,7 @@ class TransferRows {
   // Whole rows without padding under one colour are one long row.
   bool JoinsRows(const BandView& band, const Rect& relative) const {
     const bool oneColour = (shape_ == Shape::kFill || shape_ == Shape::kBandOnly) && masks_.IsOneCell();
-    return oneColour && relative.left == 0 &&
-           static_cast<uint32_t>(relative.right) * bytesPerPixel_ == band.stride;
+    return oneColour && relative.left == 0 && static_cast<uint32_t>(relative.right) * bytesPerPixel_ == band.stride;
   }
 
   // sourceRow: counted from the row of the first source pixel.

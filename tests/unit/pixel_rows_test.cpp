@@ -169,28 +169,20 @@ TEST_P(PixelRowsTest, Reverse) {
   }
 }
 
-TEST_P(PixelRowsTest, Stretch) {
-  for (std::size_t pixels = 0; pixels <= 60; ++pixels) {
-    for (const uint32_t most : {1u, 2u, 4u, 9u, 40u}) {
-      const Bytes three = Random(3 * pixels), one = Random(pixels);
-      std::vector<uint16_t> counts(pixels);
-      Bytes threeStretched, oneStretched;
-      for (std::size_t i = 0; i < pixels; ++i) {
-        counts[i] = static_cast<uint16_t>(random_() % (most + 1));
-        for (std::size_t k = 0; k < counts[i]; ++k) {
-          for (std::size_t c = 0; c < 3; ++c) threeStretched.push_back(three[3 * i + c]);
-          oneStretched.push_back(one[i]);
-        }
+TEST_P(PixelRowsTest, ShuffleRow) {
+  for (const std::size_t stride : {std::size_t{15}, std::size_t{16}, std::size_t{3}}) {
+    for (std::size_t total = 0; total <= kMost; ++total) {
+      const Bytes source = Random(300);
+      std::vector<ShuffleGroup> groups((total + stride - 1) / stride);
+      Bytes expected;
+      for (ShuffleGroup& group : groups) {
+        group.from = static_cast<uint32_t>(random_() % (300 - kGroupBytes + 1));
+        for (uint8_t& byte : group.bytes) byte = static_cast<uint8_t>(random_() % kGroupBytes);
+        for (std::size_t i = 0; i < stride; ++i) expected.push_back(source[group.from + group.bytes[i]]);
       }
-      const auto withSlack = [](Bytes bytes) {
-        bytes.resize(bytes.size() + kStretchSlack);
-        return bytes;
-      };
-      const std::size_t total = oneStretched.size();
-      Check(withSlack(three), threeStretched,
-            [&](uint8_t* d, const uint8_t* s) { rows().StretchRow24(d, s, pixels, counts.data(), total); });
-      Check(withSlack(one), oneStretched,
-            [&](uint8_t* d, const uint8_t* s) { rows().StretchRow8(d, s, pixels, counts.data(), total); });
+      expected.resize(total);
+      Check(source, expected,
+            [&](uint8_t* d, const uint8_t* s) { rows().ShuffleRow(d, s, groups.data(), stride, total); });
     }
   }
 }

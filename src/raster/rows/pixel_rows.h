@@ -24,6 +24,13 @@ struct PixelMasks {
   ComponentMask component[3];
 };
 
+inline constexpr std::size_t kGroupBytes = 16;
+
+struct ShuffleGroup {
+  uint8_t bytes[kGroupBytes];
+  uint32_t from;
+};
+
 struct PixelRows {
   // Palette indices of 8 and of 4 bits. table: packed colours (the low byte alone for 8-bit bands), 256 or 16
   // of them. odd: the first pixel stands in the low half of *source.
@@ -46,15 +53,12 @@ struct PixelRows {
   void (*ReverseRow24)(uint8_t* dst, const uint8_t* source, std::size_t pixels);
   void (*ReverseRow8)(uint8_t* dst, const uint8_t* source, std::size_t pixels);
 
-  // Pixel i of the source counts[i] times. pixels: of the source; kStretchSlack bytes after it may be read.
-  // total: sum of the counts.
-  void (*StretchRow24)(uint8_t* dst, const uint8_t* source, std::size_t pixels, const uint16_t* counts,
-                       std::size_t total);
-  void (*StretchRow8)(uint8_t* dst, const uint8_t* source, std::size_t pixels, const uint16_t* counts,
-                      std::size_t total);
+  // Groups of destination bytes that stand close together in the source: byte i of a group is the source's byte
+  // from + bytes[i]. stride: bytes that a group stands for, 1..kGroupBytes; the last group is cut where `total`
+  // bytes end. kGroupBytes from each `from` on may be read.
+  void (*ShuffleRow)(uint8_t* dst, const uint8_t* source, const ShuffleGroup* groups, std::size_t stride,
+                     std::size_t total);
 };
-
-inline constexpr std::size_t kStretchSlack = 16;
 
 extern const PixelRows kPlainPixelRows;
 #if defined(__SSE2__)
@@ -73,8 +77,7 @@ void PackSwapRow32(uint8_t* dst, const uint8_t* source, std::size_t pixels);
 void GrayRow24(uint8_t* dst, const uint8_t* source, std::size_t pixels);
 void ReverseRow24(uint8_t* dst, const uint8_t* source, std::size_t pixels);
 void ReverseRow8(uint8_t* dst, const uint8_t* source, std::size_t pixels);
-void StretchRow24(uint8_t* dst, const uint8_t* source, std::size_t pixels, const uint16_t* counts, std::size_t total);
-void StretchRow8(uint8_t* dst, const uint8_t* source, std::size_t pixels, const uint16_t* counts, std::size_t total);
+void ShuffleRow(uint8_t* dst, const uint8_t* source, const ShuffleGroup* groups, std::size_t stride, std::size_t total);
 
 }  // namespace plain
 

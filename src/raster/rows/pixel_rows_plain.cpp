@@ -27,13 +27,6 @@ void Reverse(uint8_t* dst, const uint8_t* source, std::size_t pixels) {
   for (std::size_t i = 0; i < pixels; ++i) std::memcpy(dst + kBytes * i, source + kBytes * (pixels - 1 - i), kBytes);
 }
 
-template <std::size_t kBytes>
-void Stretch(uint8_t* dst, const uint8_t* source, std::size_t pixels, const uint16_t* counts) {
-  for (std::size_t i = 0; i < pixels; ++i, source += kBytes) {
-    for (std::size_t k = 0; k < counts[i]; ++k, dst += kBytes) std::memcpy(dst, source, kBytes);
-  }
-}
-
 }  // namespace
 
 void ExpandBytesRow24(uint8_t* dst, const uint8_t* source, std::size_t pixels, const uint32_t* table) {
@@ -85,22 +78,28 @@ void ReverseRow24(uint8_t* dst, const uint8_t* source, std::size_t pixels) { Rev
 
 void ReverseRow8(uint8_t* dst, const uint8_t* source, std::size_t pixels) { Reverse<1>(dst, source, pixels); }
 
-void StretchRow24(uint8_t* dst, const uint8_t* source, std::size_t pixels, const uint16_t* counts,
-                  std::size_t /*total*/) {
-  Stretch<3>(dst, source, pixels, counts);
-}
-
-void StretchRow8(uint8_t* dst, const uint8_t* source, std::size_t pixels, const uint16_t* counts,
-                 std::size_t /*total*/) {
-  Stretch<1>(dst, source, pixels, counts);
+void ShuffleRow(uint8_t* dst, const uint8_t* source, const ShuffleGroup* groups, std::size_t stride,
+                std::size_t total) {
+  for (std::size_t done = 0; done < total; done += stride, ++groups) {
+    const std::size_t count = std::min(stride, total - done);
+    for (std::size_t i = 0; i < count; ++i) dst[done + i] = source[groups->from + groups->bytes[i]];
+  }
 }
 
 }  // namespace plain
 
 constinit const PixelRows kPlainPixelRows = {
-    plain::ExpandBytesRow24, plain::ExpandBytesRow8, plain::ExpandNibblesRow24, plain::ExpandNibblesRow8,
-    plain::UnpackRow16,      plain::PackRow32,       plain::PackSwapRow32,      plain::GrayRow24,
-    plain::ReverseRow24,     plain::ReverseRow8,     plain::StretchRow24,       plain::StretchRow8,
+    .ExpandBytesRow24 = plain::ExpandBytesRow24,
+    .ExpandBytesRow8 = plain::ExpandBytesRow8,
+    .ExpandNibblesRow24 = plain::ExpandNibblesRow24,
+    .ExpandNibblesRow8 = plain::ExpandNibblesRow8,
+    .UnpackRow16 = plain::UnpackRow16,
+    .PackRow32 = plain::PackRow32,
+    .PackSwapRow32 = plain::PackSwapRow32,
+    .GrayRow24 = plain::GrayRow24,
+    .ReverseRow24 = plain::ReverseRow24,
+    .ReverseRow8 = plain::ReverseRow8,
+    .ShuffleRow = plain::ShuffleRow,
 };
 
 }  // namespace qnv

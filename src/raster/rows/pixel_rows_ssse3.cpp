@@ -1,8 +1,6 @@
 // Image rows by byte shuffles. Whole blocks go through vectors, what is left through the plain kernels.
 #include <tmmintrin.h>
 
-#include <cstring>
-
 #include "raster/rows/pixel_rows.h"
 
 namespace qnv {
@@ -168,54 +166,30 @@ void ReverseRow8(uint8_t* dst, const uint8_t* source, std::size_t pixels) {
   plain::ReverseRow8(dst, source, pixels);
 }
 
-// Five copies of a pixel are stored at once; the next pixel begins where they are no longer wanted.
-void StretchRow24(uint8_t* dst, const uint8_t* source, std::size_t pixels, const uint16_t* counts, std::size_t total) {
-  const __m128i replicate = _mm_setr_epi8(0, 1, 2, 0, 1, 2, 0, 1, 2, 0, 1, 2, 0, 1, 2, 0);
-  uint8_t* const end = dst + 3 * total;
-  std::size_t i = 0;
-  for (; i < pixels; ++i, source += 3) {
-    const std::size_t bytes = std::size_t{3} * counts[i];
-    // Room for the last store of this pixel, which may reach 15 bytes too far.
-    if (bytes + 16 > static_cast<std::size_t>(end - dst)) break;
-    int32_t pixel;
-    std::memcpy(&pixel, source, 4);
-    const __m128i copies = _mm_shuffle_epi8(_mm_cvtsi32_si128(pixel), replicate);
-    Store16(dst, copies);
-    for (std::size_t at = 15; at < bytes; at += 15) Store16(dst + at, copies);
-    dst += bytes;
+// A group is stored whole: what it writes past its stride is overwritten by the next one.
+void ShuffleRow(uint8_t* dst, const uint8_t* source, const ShuffleGroup* groups, std::size_t stride,
+                std::size_t total) {
+  std::size_t done = 0;
+  for (; done + kGroupBytes <= total; done += stride, ++groups) {
+    Store16(dst + done, _mm_shuffle_epi8(Load16(source + groups->from), Load16(groups->bytes)));
   }
-  plain::StretchRow24(dst, source, pixels - i, counts + i, 0);
-}
-
-void StretchRow8(uint8_t* dst, const uint8_t* source, std::size_t pixels, const uint16_t* counts, std::size_t total) {
-  uint8_t* const end = dst + total;
-  std::size_t i = 0;
-  for (; i < pixels; ++i, ++source) {
-    const std::size_t bytes = counts[i];
-    if (bytes + 8 > static_cast<std::size_t>(end - dst)) break;
-    const uint64_t copies = *source * uint64_t{0x0101010101010101};
-    std::memcpy(dst, &copies, 8);
-    for (std::size_t at = 8; at < bytes; at += 8) std::memcpy(dst + at, &copies, 8);
-    dst += bytes;
-  }
-  plain::StretchRow8(dst, source, pixels - i, counts + i, 0);
+  plain::ShuffleRow(dst + done, source, groups, stride, total - done);
 }
 
 }  // namespace
 
 constinit const PixelRows kSsse3PixelRows = {
-    plain::ExpandBytesRow24,
-    plain::ExpandBytesRow8,
-    ExpandNibblesRow24,
-    ExpandNibblesRow8,
-    UnpackRow16,
-    PackRow32,
-    PackSwapRow32,
-    GrayRow24,
-    ReverseRow24,
-    ReverseRow8,
-    StretchRow24,
-    StretchRow8,
+    .ExpandBytesRow24 = plain::ExpandBytesRow24,
+    .ExpandBytesRow8 = plain::ExpandBytesRow8,
+    .ExpandNibblesRow24 = ExpandNibblesRow24,
+    .ExpandNibblesRow8 = ExpandNibblesRow8,
+    .UnpackRow16 = UnpackRow16,
+    .PackRow32 = PackRow32,
+    .PackSwapRow32 = PackSwapRow32,
+    .GrayRow24 = GrayRow24,
+    .ReverseRow24 = ReverseRow24,
+    .ReverseRow8 = ReverseRow8,
+    .ShuffleRow = ShuffleRow,
 };
 
 }  // namespace qnv

@@ -20,7 +20,6 @@ void SwapRow24(uint8_t* dst, const uint8_t* source, std::size_t pixels) {
 
 }  // namespace
 
-
 constinit const RowKernels kSsse3RowKernels = {
     .FillTileRow = FillTileRowOf<Vector16, Vector16>,
     .RopTileRow = RopTileRowOf<Vector16, Vector16>,
