@@ -65,7 +65,7 @@ class KeptRowCopier {
 
 uint16_t ScaledRasterDevice::StretchDIBits(const ImageArguments& a) {
   const BandView band = Band();
-  const Rect bandInPage = Mapping().CallerRect(band.rect);
+  const Rect bandInPage = Mapping().CallerRect(state_.bandRect);
   ImageTransfer transfer(state_.imageBuffers);
   if (!transfer.Prepare(state_, bandInPage, true, a)) return 0;
   const OriginAtZero origin(state_);

@@ -9,6 +9,8 @@
 
 namespace qnv {
 
+// A transfer over a band without memory runs and paints nothing.
+
 // The band with the row distance that the driver steps by. Intended: 16 bits of it.
 inline BandView ImageBand(BandView band) {
   band.stride &= 0xFFFF;
@@ -17,6 +19,7 @@ inline BandView ImageBand(BandView band) {
 
 // SRCCOPY: each source row is converted into the first band row that it covers and copied to the others.
 inline void CopyImage(ImageTransfer& transfer, const BandView& band, const RowKernels& kernels) {
+  if (band.bits == nullptr) return;
   const std::size_t rowBytes = static_cast<std::size_t>(transfer.Width()) * band.bytesPerPixel;
   CoveredRows rows;
   while (transfer.NextRow(&rows)) {
@@ -75,7 +78,7 @@ uint16_t MergeImage(ImageTransfer& transfer, const BandView& band, const RowKern
     for (int32_t i = 0; i < rows.count; ++i) {
       if (!beforeRow(RowTransfer(transfer, bitmap, top + i, SRCAND, a))) return 0;
     }
-    if (a.rop != ROP_MINIMUM) continue;
+    if (a.rop != ROP_MINIMUM || band.bits == nullptr) continue;
     uint8_t* dst = band.At(transfer.Clipped().left, top);
     for (int32_t i = 0; i < rows.count; ++i, dst += band.stride) kernels.MinimumRow(dst, visible, rowBytes);
   }
