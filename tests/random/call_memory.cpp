@@ -1,0 +1,84 @@
+#include "random/call_memory.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
+namespace qnv::test {
+namespace {
+
+constexpr std::size_t kPlane = 16384;
+constexpr uint8_t kUntouched = 0xA5;
+
+const std::vector<uint8_t>& Untouched() {
+  static const std::vector<uint8_t> bytes(kPlane, kUntouched);
+  return bytes;
+}
+
+[[noreturn]] void TooSmall(std::size_t size) {
+  std::fprintf(stderr, "a random case asks for %u bytes of host memory\n", static_cast<unsigned>(size));
+  std::abort();
+}
+
+}  // namespace
+
+PlaneMemory::PlaneMemory() : block_(kPlane, kUntouched) {}
+
+uint8_t* PlaneMemory::Place(std::size_t size, std::size_t tail) {
+  if (size + tail > kPlane) TooSmall(size);
+  size_ = size;
+  start_ = block_.data() + kPlane - tail - size;
+  return start_;
+}
+
+bool PlaneMemory::SurroundingsIntact() const {
+  if (start_ == nullptr) return block_.FencesIntact();
+  const std::size_t before = static_cast<std::size_t>(start_ - block_.data());
+  const std::size_t after = kPlane - before - size_;
+  return std::memcmp(block_.data(), Untouched().data(), before) == 0 &&
+         std::memcmp(start_ + size_, Untouched().data(), after) == 0 && block_.FencesIntact();
+}
+
+void PlaneMemory::Release() {
+  block_.Fill(kUntouched);
+  start_ = nullptr;
+}
+
+InputMemory::InputMemory() {
+  for (Block& block : blocks_) {
+    block.memory = std::make_unique<FencedBuffer>(kBlock, uint8_t{0});
+    block.expected.reserve(4096);
+  }
+}
+
+uint8_t* InputMemory::Take(std::size_t size) {
+  if (size > kBlock || used_ == kBlocks) TooSmall(size);
+  Block& block = blocks_[used_++];
+  block.size = size;
+  block.start = block.memory->data() + kBlock - size;
+  return block.start;
+}
+
+void InputMemory::Snapshot() {
+  for (std::size_t i = 0; i < used_; ++i) {
+    Block& block = blocks_[i];
+    block.expected.assign(block.start, block.start + block.size);
+  }
+}
+
+uint8_t* InputMemory::ExpectedOf(const void* start) {
+  for (std::size_t i = 0; i < used_; ++i) {
+    if (blocks_[i].start == start) return blocks_[i].expected.data();
+  }
+  std::abort();
+}
+
+int InputMemory::FirstChanged() const {
+  for (std::size_t i = 0; i < used_; ++i) {
+    const Block& block = blocks_[i];
+    if (block.size != 0 && std::memcmp(block.start, block.expected.data(), block.size) != 0) return static_cast<int>(i);
+  }
+  return -1;
+}
+
+}  // namespace qnv::test

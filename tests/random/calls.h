@@ -1,0 +1,19 @@
+// One random call of each family, made on the library and on the model and compared.
+#pragma once
+
+#include "random/random_case.h"
+
+namespace qnv::test {
+
+void BlitCall(RandomCase& run);
+void OutputCall(RandomCase& run);
+void TextCall(RandomCase& run);
+void ImageCall(RandomCase& run);
+void PixelCall(RandomCase& run);
+// Origin, band, clearing and unknown escapes; colours, pens and brushes; the page size; other devices, made or
+// refused; bad handles.
+void StateCall(RandomCase& run);
+// One image pixel, so that a dual-plane device no longer knows its tag plane to be uniform.
+void TagOnePixel(RandomCase& run);
+
+}  // namespace qnv::test

@@ -1,0 +1,89 @@
+// The model of every device with one band: plain 24-bit, plain 8-bit and resolution-mapping. What a mapping
+// device does differently is asked for by name (CallerBand, Kept, ...), so that each rule stands once.
+#pragma once
+
+#include <vector>
+
+#include "reference/arithmetic.h"
+#include "reference/fill_pattern.h"
+#include "reference/image_walk.h"
+#include "reference/model.h"
+#include "reference/span_list.h"
+
+namespace qnv::reference {
+
+// The two mappings of a device that draws at one resolution and keeps its band at another.
+class ResolutionMap {
+ public:
+  ResolutionMap(int from, int to);
+  int ToBand(int value) const { return MulDiv(value, to_, from_); }
+  int ToPage(int value) const { return MulDiv(value, from_, to_); }
+  int Kept(int value) const;         // band coordinate, or -1 for a dropped one
+  int TextColumn(int column) const;  // may be negative; kDropped for a dropped one
+  static constexpr int kDropped = -0x7FFFFFFF;
+
+ private:
+  int from_;
+  int to_;
+  std::vector<int64_t> kept_;  // by position within an inch; negative: dropped
+};
+
+class BandModel : public Model {
+ public:
+  BandModel(const DeviceDescription& description, const BandRect& bandRect, Plane band);
+
+  const Plane& band() const override { return plane_; }
+  uint32_t Control(uint32_t code, const void* data) override;
+  uint32_t ColorInfo(uint32_t colour) const override;
+  uint32_t RealizeObject(uint32_t kind, const void* input, void* output) const override;
+  uint32_t Pixel(int32_t x, int32_t y, uint32_t colour, const DRAWMODE* drawMode, const BandRect* clip) override;
+  uint32_t BitBlt(const BlitArgs& args) override;
+  uint32_t Output(const OutputArgs& args) override;
+  int32_t ExtTextOut(const TextArgs& args) override;
+  uint32_t StretchDIBits(const ImageArgs& args) override;
+
+  // Parts that the dual-plane model drives itself.
+  const DeviceDescription& description() const { return description_; }
+  const Rect& rect() const { return rect_; }
+  Point origin() const { return origin_; }
+  void set_origin(Point origin) { origin_ = origin; }
+  void FillStart(std::size_t count, uint8_t value) { plane_.FillStart(count, value); }
+  void Put(int column, int row, uint32_t value);  // re-grays where the device does
+  void PaintSpans(const FillPattern& pattern, const SpanList& spans, const Rect& callerClip);
+  void StoreImageRow(const ImageWalk& walk, const ImageWalk::Row& row);
+  void MinimumImageRow(const ImageWalk& walk, const ImageWalk::Row& row, const std::vector<Rgb>& buffer);
+  // The blit of one image row: arguments as StretchDIBits hands them to BitBlt, with the record they point to.
+  struct RowBlit {
+    SourceBitmap source;
+    BandRect noClip;
+    BlitArgs args;
+  };
+  void SetRowBlit(RowBlit* blit, const ImageWalk& walk, const ImageArgs& args, int y, uint32_t rop,
+                  const std::vector<uint8_t>& buffer, int bufferWidth) const;
+
+ private:
+  struct Spot {
+    int column, row;
+  };
+  bool scaled() const { return map_ != nullptr; }
+  bool gray() const;         // logical colours turn into gray levels
+  bool inPlaceGray() const;  // written pixels turn gray
+  Rect CallerBand() const;
+  bool Kept(int x, int y, Spot* spot) const;  // caller position relative to CallerBand's corner
+  void FillOpaqueRect(const Rect& rect, const DRAWMODE* drawMode);
+  uint32_t ScaledCopy(ImageWalk& walk);
+  uint32_t BlitRows(ImageWalk& walk, const ImageArgs& args);
+  bool MapTextPixel(int x, int y, Spot* spot) const;
+  struct GlyphRun;
+  int32_t RunGlyphs(const GlyphRun& run);
+  void PaintGlyph(const GlyphRun& run, int x, int width, const uint8_t* glyph);
+
+  DeviceDescription description_;
+  Rect rect_;
+  Point origin_{0, 0};
+  Plane plane_;
+  FillPattern pattern_;
+  std::shared_ptr<const ResolutionMap> map_;  // null on plain devices
+};
+
+}  // namespace qnv::reference

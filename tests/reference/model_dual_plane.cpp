@@ -1,0 +1,121 @@
+#include "reference/dual_plane_model.h"
+
+namespace qnv::reference {
+namespace {
+
+constexpr uint32_t kWhite = 0x00FFFFFF;
+constexpr uint32_t kBlack = 0;
+
+DeviceDescription WithDepth(DeviceDescription description, uint16_t depth) {
+  description.bitsPerPixel = depth;
+  return description;
+}
+
+}  // namespace
+
+DualPlaneModel::DualPlaneModel(const DeviceDescription& description, const BandRect& bandRect, Plane colour, Plane tags)
+    : own_(description, bandRect, Plane(nullptr, 0, 3)),
+      colour_(description, bandRect, std::move(colour)),
+      tags_(WithDepth(description, 8), bandRect, std::move(tags)) {}
+
+uint32_t DualPlaneModel::Control(uint32_t code, const void* data) {
+  if ((code & 0xFFFF) != QNV_CLEAR_BAND) {
+    colour_.Control(code, data);
+    tags_.Control(code, data);
+    return own_.Control(code, data);
+  }
+  const std::size_t width = own_.description().width;
+  const std::size_t height = own_.description().height;
+  colour_.FillStart((width + 1) * 3 / 4 * height * 4, 0xFF);
+  tags_.FillStart((width + 3) / 4 * height * 4, 1);
+  uniform_ = true;
+  return 1;
+}
+
+uint32_t DualPlaneModel::Pixel(int32_t x, int32_t y, uint32_t colour, const DRAWMODE* drawMode, const BandRect* clip) {
+  if (clip == nullptr) return 0;
+  if (!uniform_ && drawMode != nullptr) {
+    const uint32_t code = static_cast<uint16_t>(drawMode->Rop2 - 1);
+    const uint32_t folded = code < 8 ? 15 - code : code;
+    const bool keeps = folded == 9 || folded == 10;
+    const bool whiteKeeps = (folded == 8 || folded == 11) && colour == kWhite;
+    const bool blackKeeps = (folded == 13 || folded == 14) && colour == kBlack;
+    if (!keeps && !whiteKeeps && !blackKeeps) FillTagRect(QNV_TAG_GRAPHICS, x, y, 1, 1, ToRect(*clip));
+  }
+  return colour_.Pixel(x, y, colour, drawMode, clip);
+}
+
+int32_t DualPlaneModel::ExtTextOut(const TextArgs& args) {
+  const int16_t count = static_cast<int16_t>(static_cast<uint16_t>(args.count));
+  if ((args.string == nullptr && count != 0) || args.fontBase == nullptr || args.drawMode == nullptr) return 0;
+  if (!uniform_ && count >= 0) {
+    if (args.opaqueRect != nullptr && (args.options & ETO_OPAQUE) != 0) {
+      Rect area = ToRect(*args.opaqueRect);
+      if (args.clip != nullptr) area = Intersect(area, ToRect(*args.clip));
+      FillTagRect(QNV_TAG_GRAPHICS, area.left, area.top, area.right - area.left, area.bottom - area.top, {0, 0, 0, 0});
+    }
+    DRAWMODE mode = *args.drawMode;
+    mode.bkColor = 0;
+    mode.TextColor = 0x010101;
+    TextArgs tagArgs = args;
+    tagArgs.drawMode = &mode;
+    tagArgs.options &= 0xFFFD;
+    if (static_cast<uint32_t>(tags_.ExtTextOut(tagArgs)) == 0x80000000u) return 0;
+  }
+  return colour_.ExtTextOut(args);
+}
+
+uint32_t DualPlaneModel::StretchDIBits(const ImageArgs& args) {
+  const Point origin = colour_.origin();
+  std::optional<ImageWalk> walk = ImageWalk::Begin(args, origin, colour_.rect());
+  if (!walk) return 0;
+  colour_.set_origin({0, 0});
+  tags_.set_origin({0, 0});
+  const uint32_t result = RunImage(*walk, args);
+  colour_.set_origin(origin);
+  tags_.set_origin(origin);
+  return result;
+}
+
+uint32_t DualPlaneModel::RunImage(ImageWalk& walk, const ImageArgs& args) {
+  const Rect& clip = walk.clip();
+  if (args.rop == SRCCOPY) {
+    const BandRect noClip{0, 0, 0, 0};
+    if (!TagBlt({clip.left, clip.top, nullptr, clip.left, 0, walk.columns(), walk.rows(), SRCCOPY, args.brush,
+                 args.drawMode, &noClip},
+                true)) {
+      return 0;
+    }
+    while (!walk.AtEnd()) colour_.StoreImageRow(walk, walk.Next());
+    return 1;
+  }
+
+  const bool extended = args.rop > 0x00FFFFFF;
+  const int width = static_cast<int>(own_.description().width);
+  const std::size_t used = static_cast<std::size_t>(std::max(width, walk.left() + walk.columns()));
+  std::vector<uint8_t> bytes(used * 3);
+  std::vector<Rgb> colours(static_cast<std::size_t>(walk.columns()));
+  while (!walk.AtEnd()) {
+    const ImageWalk::Row row = walk.Next();
+    if (!extended) bytes.assign(bytes.size(), 0);
+    for (std::size_t x = 0; x < row.pixels.size(); ++x) {
+      if (!row.pixels[x]) continue;
+      const Rgb c = colours[x] = *row.pixels[x];
+      // A merged row is in band order, a row for a transfer in source order.
+      uint8_t* to = bytes.data() + (static_cast<std::size_t>(walk.left()) + x) * 3;
+      to[0] = extended ? c.blue : c.red;
+      to[1] = c.green;
+      to[2] = extended ? c.red : c.blue;
+    }
+    for (int i = 0; i < row.count; ++i) {
+      BandModel::RowBlit blit;
+      colour_.SetRowBlit(&blit, walk, args, row.first + i, extended ? SRCAND : args.rop, bytes, width);
+      if (!TagBlt(blit.args, true)) return 0;
+      if (!extended) colour_.BitBlt(blit.args);
+    }
+    if (args.rop == ROP_MINIMUM) colour_.MinimumImageRow(walk, row, colours);
+  }
+  return 1;
+}
+
+}  // namespace qnv::reference

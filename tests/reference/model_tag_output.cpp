@@ -1,0 +1,99 @@
+// Which pixels a span list tags.
+#include "reference/dual_plane_model.h"
+
+namespace qnv::reference {
+namespace {
+
+constexpr uint32_t kWhite = 0x00FFFFFF;
+constexpr uint32_t kBlack = 0;
+
+struct Brush {
+  uint16_t style;
+  uint32_t colour;
+  const PhysicalBrush* record;  // null for a pen's colour and for no brush at all
+};
+
+// Pens paint as solid brushes; without a pen and a brush the fill is black.
+Brush FillOf(const OutputArgs& args) {
+  if (args.pen != nullptr) return {BS_SOLID, args.pen->colour, nullptr};
+  if (args.brush == nullptr) return {BS_SOLID, 0, nullptr};
+  return {args.brush->style, args.brush->colour, args.brush};
+}
+
+enum class Marking { kNone, kAll, kUnlessWhite, kUnlessBlack };
+
+Marking MarkingOf(int16_t rop2) {
+  uint32_t table = static_cast<uint8_t>(static_cast<uint8_t>(rop2) - 1);
+  if (table < 8) table = ~table & 15;
+  switch (table) {
+    case 9:
+    case 10: return Marking::kNone;
+    case 8:
+    case 11: return Marking::kUnlessWhite;
+    case 13:
+    case 14: return Marking::kUnlessBlack;
+    default: return Marking::kAll;
+  }
+}
+
+// Does this cell of a hatched or pattern brush put ink on paper of this colour?
+bool CellPutsInk(const PhysicalBrush& brush, uint32_t cell, const DRAWMODE& mode, uint32_t paper) {
+  if (brush.style == BS_PATTERN) {
+    if (brush.patternDepth != 1) return (cell & 0xFFFFFF) != paper;
+    return ((cell & 0xFFFFFF) == kWhite ? mode.bkColor : mode.TextColor) != paper;
+  }
+  if ((cell >> 24) != 0) return (cell & 0xFFFFFF) != paper;
+  return mode.bkMode == OPAQUE && mode.bkColor != paper;
+}
+
+void SetCells(FillPattern* ink, const PhysicalBrush& brush, const auto& paints) {
+  ink->style = kMasked;
+  ink->SetScaledPeriod(brush);
+  for (int cell = 0; cell < 64; ++cell) {
+    ink->SetBlock(brush, cell / 8, cell % 8, QNV_TAG_GRAPHICS, paints(brush.cells[cell]) ? 255 : 0);
+  }
+}
+
+}  // namespace
+
+uint32_t DualPlaneModel::Output(const OutputArgs& args) {
+  if (!uniform_ && !MarkOutput(args)) return 0;
+  return colour_.Output(args);
+}
+
+// False where the call must not reach the colour plane.
+bool DualPlaneModel::MarkOutput(const OutputArgs& args) {
+  const uint32_t style = args.style & 0xFFFF;
+  if (IsMarkerStyle(style)) return true;
+  if (!IsSpanStyle(style)) return false;
+  if (args.pen != nullptr && args.pen->style == PS_NULL) return true;
+  if (args.drawMode == nullptr) return true;  // nothing says what the call does to the paper
+  const DRAWMODE& mode = *args.drawMode;
+  const Brush brush = FillOf(args);
+  const Marking marking = MarkingOf(mode.Rop2);
+  if (marking == Marking::kNone) return true;
+  if (brush.style > BS_PATTERN) return false;
+  if (brush.style == BS_HOLLOW) return true;
+
+  FillPattern ink;
+  ink.rop2 = R2_COPYPEN;
+  ink.SetSolid(QNV_TAG_GRAPHICS);
+  if (marking == Marking::kAll) {
+    if (brush.style == BS_HATCHED && mode.bkMode != OPAQUE) {
+      SetCells(&ink, *brush.record, [](uint32_t cell) { return (cell >> 24) != 0; });
+    }
+  } else {
+    const uint32_t paper = marking == Marking::kUnlessWhite ? kWhite : kBlack;
+    if (brush.style == BS_SOLID && brush.colour == paper) return true;
+    if (brush.style == BS_HATCHED && brush.colour == paper && mode.bkColor == paper) return true;
+    if (brush.style != BS_SOLID) {
+      SetCells(&ink, *brush.record, [&](uint32_t cell) { return CellPutsInk(*brush.record, cell, mode, paper); });
+    }
+  }
+  if (args.points == nullptr) return true;
+  if (args.clip == nullptr) return false;
+  tags_.PaintSpans(ink, DecodeSpans(style, args.count, args.points), ToRect(*args.clip));
+  return true;
+}
+
+}  // namespace qnv::reference
