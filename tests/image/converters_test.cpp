@@ -80,7 +80,8 @@ TEST(RowConverters, Shrinking) {
   }
 }
 
-// The bytes themselves: a pixel stored as blue 1, green 2, red 3 is 1, 2, 3 in the band, straight or through a transfer.
+// The bytes themselves: a pixel stored as blue 1, green 2, red 3 is 1, 2, 3 in the band, straight or through a
+// transfer.
 TEST(RowConverters, ByteOrder) {
   for (uint32_t rop : {SRCCOPY, 0x00CC0000u}) {
     TestDevice device({.width = 2, .height = 1});

@@ -96,9 +96,7 @@ inline void AppendDibRow(std::vector<uint8_t>& bits, const std::vector<uint32_t>
   for (std::size_t x = 0; x < values.size(); ++x) {
     const uint32_t v = values[x];
     switch (bitCount) {
-      case 1:
-        row[x / 8] = static_cast<uint8_t>((row[x / 8] & ~(0x80u >> (x % 8))) | (v & 1) << (7 - x % 8));
-        break;
+      case 1: row[x / 8] = static_cast<uint8_t>((row[x / 8] & ~(0x80u >> (x % 8))) | (v & 1) << (7 - x % 8)); break;
       case 4:
         row[x / 2] = static_cast<uint8_t>(x % 2 == 0 ? (row[x / 2] & 0x0Fu) | v << 4 : (row[x / 2] & 0xF0u) | v);
         break;
@@ -116,14 +114,10 @@ inline uint32_t DibPixel(uint32_t index, uint16_t bitCount) {
   const uint32_t green = (colour >> 8) & 0xFF;
   const uint32_t blue = (colour >> 16) & 0xFF;
   switch (bitCount) {
-    case 16:
-      return 0x8000 | (red >> 3) << 10 | (green >> 3) << 5 | blue >> 3;
-    case 24:
-      return red << 16 | green << 8 | blue;
-    case 32:
-      return 0xA5000000 | red << 16 | green << 8 | blue;
-    default:
-      return index;
+    case 16: return 0x8000 | (red >> 3) << 10 | (green >> 3) << 5 | blue >> 3;
+    case 24: return red << 16 | green << 8 | blue;
+    case 32: return 0xA5000000 | red << 16 | green << 8 | blue;
+    default: return index;
   }
 }
 

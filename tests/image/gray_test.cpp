@@ -13,10 +13,10 @@ struct GrayCase {
 };
 
 const GrayCase kCases[] = {
-    {"blue", 0, 0, 255, 28},         {"green", 0, 255, 0, 150},     {"red", 255, 0, 0, 76},
-    {"white", 255, 255, 255, 255},   {"black", 0, 0, 0, 0},         {"truncated, not rounded", 0, 1, 3, 0},
-    {"just below", 3, 0, 0, 0},      {"just reached", 2, 0, 4, 1},  {"yellow", 255, 255, 0, 226},
-    {"magenta", 255, 0, 255, 104},   {"cyan", 0, 255, 255, 178},    {"gray stays", 137, 137, 137, 137},
+    {"blue", 0, 0, 255, 28},       {"green", 0, 255, 0, 150},    {"red", 255, 0, 0, 76},
+    {"white", 255, 255, 255, 255}, {"black", 0, 0, 0, 0},        {"truncated, not rounded", 0, 1, 3, 0},
+    {"just below", 3, 0, 0, 0},    {"just reached", 2, 0, 4, 1}, {"yellow", 255, 255, 0, 226},
+    {"magenta", 255, 0, 255, 104}, {"cyan", 0, 255, 255, 178},   {"gray stays", 137, 137, 137, 137},
 };
 
 Dib OnePixel(uint16_t bitCount, const GrayCase& c) {

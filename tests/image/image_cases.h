@@ -18,7 +18,10 @@ inline constexpr const char* kNoImage =
     "............."
     ".............";
 
-inline constexpr const char* kFourByThree = "abcd" "efgh" "ijkl";
+inline constexpr const char* kFourByThree =
+    "abcd"
+    "efgh"
+    "ijkl";
 
 struct ImageCase {
   const char* name = "";
@@ -43,8 +46,11 @@ inline void RunImageCases(const std::vector<ImageCase>& cases, const std::vector
         for (bool topDown : orders) {
           SCOPED_TRACE(std::string(c.name) + ", " + std::to_string(depth) + "-bit image, " +
                        (topDown ? "top-down, " : "bottom-up, ") + std::to_string(bandDepth) + "-bit band");
-          TestDevice device({.bitsPerPixel = bandDepth, .width = kImageColumns, .height = kImageRows,
-                             .left = c.bandLeft, .top = c.bandTop});
+          TestDevice device({.bitsPerPixel = bandDepth,
+                             .width = kImageColumns,
+                             .height = kImageRows,
+                             .left = c.bandLeft,
+                             .top = c.bandTop});
           device.SetOrigin(c.originX, c.originY);
           const Dib dib = PictureDib(c.width, c.image, {.bitCount = depth, .topDown = topDown});
           EXPECT_EQ(c.result, Stretch(device, dib, c.place, {.clip = c.clip}));

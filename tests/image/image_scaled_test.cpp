@@ -24,8 +24,8 @@ struct ScaledCase {
   int32_t width = 10;
   const char* image = kTenByEight;
   ImagePlace place{0, 0, 10, 8, 0, 0, 10, 8};
-  const char* copied = kNoImage;       // by SRCCOPY
-  const char* transferred = nullptr;   // by any other code of the same index; as copied unless given
+  const char* copied = kNoImage;      // by SRCCOPY
+  const char* transferred = nullptr;  // by any other code of the same index; as copied unless given
   BandRect clip = kEverywhere;
   int32_t bandLeft = 0;
   int32_t bandTop = 0;
@@ -41,14 +41,16 @@ const ScaledCase kCases[] = {
                "cegik........"
                "............."
                "............."},
-    {.name = "halved, from an odd place", .place = {1, 1, 10, 8, 0, 0, 10, 8},
+    {.name = "halved, from an odd place",
+     .place = {1, 1, 10, 8, 0, 0, 10, 8},
      .copied = "............."
                ".egikm......."
                ".kmoac......."
                ".acegi......."
                ".gikmo......."
                "............."},
-    {.name = "halved, mirrored both ways", .place = {10, 8, -10, -8, 0, 0, 10, 8},
+    {.name = "halved, mirrored both ways",
+     .place = {10, 8, -10, -8, 0, 0, 10, 8},
      .copied = "omkig........"
                "igeca........"
                "caomk........"
@@ -62,39 +64,53 @@ const ScaledCase kCases[] = {
                "..bdf........"
                "............."
                ".............",
-     .clip = {2, 1, 7, 6}, .originX = 2, .originY = 1},
-    {.name = "halved, band elsewhere: odd distance to the band's corner", .place = {9, 5, 10, 8, 0, 0, 10, 8},
+     .clip = {2, 1, 7, 6},
+     .originX = 2,
+     .originY = 1},
+    {.name = "halved, band elsewhere: odd distance to the band's corner",
+     .place = {9, 5, 10, 8, 0, 0, 10, 8},
      .copied = "egikm........"
                "kmoac........"
                "acegi........"
                "gikmo........"
                "............."
                ".............",
-     .bandLeft = 5, .bandTop = 3},
-    {.name = "halved, band elsewhere: even distance to the band's corner", .place = {10, 6, 10, 8, 0, 0, 10, 8},
+     .bandLeft = 5,
+     .bandTop = 3},
+    {.name = "halved, band elsewhere: even distance to the band's corner",
+     .place = {10, 6, 10, 8, 0, 0, 10, 8},
      .copied = "acegi........"
                "gikmo........"
                "moace........"
                "cegik........"
                "............."
                ".............",
-     .bandLeft = 5, .bandTop = 3},
-    {.name = "two thirds: every third row and column is dropped", .resolutionA = 600, .resolutionB = 400,
+     .bandLeft = 5,
+     .bandTop = 3},
+    {.name = "two thirds: every third row and column is dropped",
+     .resolutionA = 600,
+     .resolutionB = 400,
      .copied = "abdeghj......"
                "deghjkm......"
                "jkmnpac......"
                "mnpacdf......"
                "cdfgijl......"
                "fgijlmo......"},
-    {.name = "two thirds, counted from the mapped band's corner", .resolutionA = 600, .resolutionB = 400,
+    {.name = "two thirds, counted from the mapped band's corner",
+     .resolutionA = 600,
+     .resolutionB = 400,
      .copied = "ijlmop......."
                "lmopbc......."
                "bcefhi......."
                "efhikl......."
                "............."
                ".............",
-     .bandLeft = 1, .bandTop = 1},
-    {.name = "doubled image, halved", .width = 4, .image = kFourByThree, .place = {0, 0, 8, 6, 0, 0, 4, 3},
+     .bandLeft = 1,
+     .bandTop = 1},
+    {.name = "doubled image, halved",
+     .width = 4,
+     .image = kFourByThree,
+     .place = {0, 0, 8, 6, 0, 0, 4, 3},
      .copied = "abcd........."
                "efgh........."
                "ijkl........."
@@ -102,15 +118,21 @@ const ScaledCase kCases[] = {
                "............."
                "............."},
     // A copy drops a source row whose first covered row is not kept; a transfer looks at each row by itself.
-    {.name = "doubled image, halved, each source row starting on a dropped row", .width = 4, .image = kFourByThree,
-     .place = {0, 1, 8, 6, 0, 0, 4, 3}, .copied = kNoImage,
+    {.name = "doubled image, halved, each source row starting on a dropped row",
+     .width = 4,
+     .image = kFourByThree,
+     .place = {0, 1, 8, 6, 0, 0, 4, 3},
+     .copied = kNoImage,
      .transferred = "............."
                     "abcd........."
                     "efgh........."
                     "ijkl........."
                     "............."
                     "............."},
-    {.name = "tripled image, halved", .width = 4, .image = kFourByThree, .place = {0, 0, 12, 9, 0, 0, 4, 3},
+    {.name = "tripled image, halved",
+     .width = 4,
+     .image = kFourByThree,
+     .place = {0, 0, 12, 9, 0, 0, 4, 3},
      .copied = "aabccd......."
                "aabccd......."
                "............."
@@ -123,7 +145,11 @@ const ScaledCase kCases[] = {
                     "iijkkl......."
                     "iijkkl......."
                     "............."},
-    {.name = "doubled resolution: sparse", .resolutionA = 360, .resolutionB = 720, .width = 4, .image = kFourByThree,
+    {.name = "doubled resolution: sparse",
+     .resolutionA = 360,
+     .resolutionB = 720,
+     .width = 4,
+     .image = kFourByThree,
      .place = {0, 0, 4, 3, 0, 0, 4, 3},
      .copied = "a.b.c.d......"
                "............."
@@ -131,8 +157,12 @@ const ScaledCase kCases[] = {
                "............."
                "i.j.k.l......"
                "............."},
-    {.name = "doubled resolution, cut by the band", .resolutionA = 360, .resolutionB = 720, .width = 4,
-     .image = kFourByThree, .place = {1, 1, 4, 3, 0, 0, 4, 3},
+    {.name = "doubled resolution, cut by the band",
+     .resolutionA = 360,
+     .resolutionB = 720,
+     .width = 4,
+     .image = kFourByThree,
+     .place = {1, 1, 4, 3, 0, 0, 4, 3},
      .copied = "............."
                "............."
                "..a.b.c.d...."
@@ -149,8 +179,14 @@ struct OperationCase {
 const OperationCase kOperations[] = {{"copy", SRCCOPY}, {"transfer", 0x00CC0000}};
 
 DeviceOptions Options(const ScaledCase& c, uint16_t bitsPerPixel) {
-  return {.kind = QNV_KIND_SCALED, .bitsPerPixel = bitsPerPixel, .width = kImageColumns, .height = kImageRows,
-          .resolutionA = c.resolutionA, .resolutionB = c.resolutionB, .left = c.bandLeft, .top = c.bandTop};
+  return {.kind = QNV_KIND_SCALED,
+          .bitsPerPixel = bitsPerPixel,
+          .width = kImageColumns,
+          .height = kImageRows,
+          .resolutionA = c.resolutionA,
+          .resolutionB = c.resolutionB,
+          .left = c.bandLeft,
+          .top = c.bandTop};
 }
 
 TEST(ImageScaled, Cases) {
@@ -184,8 +220,7 @@ TEST(ImageScaled, GrayMode) {
         PictureInks inks;
         for (uint32_t i = 0; i < 16; ++i) {
           const uint32_t colour = ImageColours()[i];
-          inks.push_back(
-              {static_cast<char>('a' + i), operation.rop == SRCCOPY ? Regrayed(colour) : GrayOf(colour)});
+          inks.push_back({static_cast<char>('a' + i), operation.rop == SRCCOPY ? Regrayed(colour) : GrayOf(colour)});
         }
         const bool transferred = operation.rop != SRCCOPY && c.transferred != nullptr;
         EXPECT_TRUE(BandIs(device, inks, transferred ? c.transferred : c.copied))
@@ -287,16 +322,19 @@ TEST(ImageScaled, ColumnsBeyondTheSource) {
 
 // With equal resolutions and a source that reaches all over the destination the device is a plain colour band.
 TEST(ImageScaled, EqualResolutionsEqualThePlainDevice) {
-  const ImagePlace places[] = {{1, 1, 10, 8, 0, 0, 10, 8}, {-3, -2, 20, 13, 0, 0, 10, 8}, {12, 5, -7, -4, 2, 1, 6, 5},
-                               {3, 2, 4, 3, 6, 0, 4, 8}};
+  const ImagePlace places[] = {
+      {1, 1, 10, 8, 0, 0, 10, 8}, {-3, -2, 20, 13, 0, 0, 10, 8}, {12, 5, -7, -4, 2, 1, 6, 5}, {3, 2, 4, 3, 6, 0, 4, 8}};
   for (uint16_t resolution : {uint16_t{1}, uint16_t{90}, uint16_t{600}}) {
     for (uint32_t rop : {SRCCOPY, SRCAND, NOTSRCCOPY, 0x00CC0000u}) {
       for (const ImagePlace& place : places) {
         PicturePlane planes[2];
         uint32_t results[2];
         for (int i = 0; i < 2; ++i) {
-          TestDevice device({.kind = static_cast<uint16_t>(i == 0 ? QNV_KIND_SCALED : QNV_KIND_RASTER), .width = 13,
-                             .height = 6, .resolutionA = resolution, .resolutionB = resolution});
+          TestDevice device({.kind = static_cast<uint16_t>(i == 0 ? QNV_KIND_SCALED : QNV_KIND_RASTER),
+                             .width = 13,
+                             .height = 6,
+                             .resolutionA = resolution,
+                             .resolutionB = resolution});
           const Dib dib = PictureDib(10, kTenByEight, {.bitCount = 8});
           results[i] = Stretch(device, dib, place, {.rop = rop});
           planes[i] = CurrentBand(device);
@@ -313,10 +351,15 @@ TEST(ImageScaled, RunLengthData) {
   TestDevice device({.kind = QNV_KIND_SCALED, .width = 4, .height = 2, .resolutionA = 720, .resolutionB = 360});
   const Dib dib(DibInfo(6, 4, {.bitCount = 8, .compression = BI_RLE8}, FullTable(8)),
                 RleWriter()
-                    .Run(6, 1).EndOfLine()
-                    .Literal(6, {2, 3, 4, 5, 6, 7}).EndOfLine()
-                    .Run(6, 8).EndOfLine()
-                    .Run(3, 9).Run(3, 10).EndOfBitmap()
+                    .Run(6, 1)
+                    .EndOfLine()
+                    .Literal(6, {2, 3, 4, 5, 6, 7})
+                    .EndOfLine()
+                    .Run(6, 8)
+                    .EndOfLine()
+                    .Run(3, 9)
+                    .Run(3, 10)
+                    .EndOfBitmap()
                     .bytes());
   EXPECT_EQ(1u, Stretch(device, dib, {0, 0, 6, 4, 0, 0, 6, 4}));
   EXPECT_TRUE(BandIs(device, ImageInks(device),

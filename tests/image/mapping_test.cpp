@@ -9,84 +9,96 @@ namespace {
 TEST(ImageMapping, SourceRectangles) {
   RunImageCases(
       {
-          {.name = "the whole image", .place = {1, 1, 4, 3, 0, 0, 4, 3},
+          {.name = "the whole image",
+           .place = {1, 1, 4, 3, 0, 0, 4, 3},
            .picture = "............."
                       ".abcd........"
                       ".efgh........"
                       ".ijkl........"
                       "............."
                       "............."},
-          {.name = "two columns of two stored rows", .place = {2, 1, 2, 2, 1, 1, 2, 2},
+          {.name = "two columns of two stored rows",
+           .place = {2, 1, 2, 2, 1, 1, 2, 2},
            .picture = "............."
                       "..bc........."
                       "..fg........."
                       "............."
                       "............."
                       "............."},
-          {.name = "stored row 0 is the bottom row", .place = {0, 0, 4, 1, 0, 0, 4, 1},
+          {.name = "stored row 0 is the bottom row",
+           .place = {0, 0, 4, 1, 0, 0, 4, 1},
            .picture = "ijkl........."
                       "............."
                       "............."
                       "............."
                       "............."
                       "............."},
-          {.name = "one pixel", .place = {12, 5, 1, 1, 2, 1, 1, 1},
+          {.name = "one pixel",
+           .place = {12, 5, 1, 1, 2, 1, 1, 1},
            .picture = "............."
                       "............."
                       "............."
                       "............."
                       "............."
                       "............g"},
-          {.name = "columns right of the image are not painted", .place = {0, 0, 4, 3, 2, 0, 4, 3},
+          {.name = "columns right of the image are not painted",
+           .place = {0, 0, 4, 3, 2, 0, 4, 3},
            .picture = "cd..........."
                       "gh..........."
                       "kl..........."
                       "............."
                       "............."
                       "............."},
-          {.name = "columns left of the image take its first column", .place = {0, 0, 4, 3, -2, 0, 4, 3},
+          {.name = "columns left of the image take its first column",
+           .place = {0, 0, 4, 3, -2, 0, 4, 3},
            .picture = "aaab........."
                       "eeef........."
                       "iiij........."
                       "............."
                       "............."
                       "............."},
-          {.name = "rows above the image take its first row", .place = {0, 0, 4, 3, 0, 1, 4, 3},
+          {.name = "rows above the image take its first row",
+           .place = {0, 0, 4, 3, 0, 1, 4, 3},
            .picture = "abcd........."
                       "abcd........."
                       "efgh........."
                       "............."
                       "............."
                       "............."},
-          {.name = "rows below the image are not painted", .place = {0, 0, 4, 3, 0, -1, 4, 3},
+          {.name = "rows below the image are not painted",
+           .place = {0, 0, 4, 3, 0, -1, 4, 3},
            .picture = "efgh........."
                       "ijkl........."
                       "............."
                       "............."
                       "............."
                       "............."},
-          {.name = "a source rectangle twice the image", .place = {0, 0, 8, 6, 0, 0, 8, 6},
+          {.name = "a source rectangle twice the image",
+           .place = {0, 0, 8, 6, 0, 0, 8, 6},
            .picture = "abcd........."
                       "abcd........."
                       "abcd........."
                       "abcd........."
                       "efgh........."
                       "ijkl........."},
-          {.name = "doubled, half a source pixel to the left of the image", .place = {0, 0, 8, 6, -1, 0, 4, 3},
+          {.name = "doubled, half a source pixel to the left of the image",
+           .place = {0, 0, 8, 6, -1, 0, 4, 3},
            .picture = "aaaabbcc....."
                       "aaaabbcc....."
                       "eeeeffgg....."
                       "eeeeffgg....."
                       "iiiijjkk....."
                       "iiiijjkk....."},
-          {.name = "no source height: the row before srcY fills the height", .place = {0, 0, 4, 3, 0, 2, 4, 0},
+          {.name = "no source height: the row before srcY fills the height",
+           .place = {0, 0, 4, 3, 0, 2, 4, 0},
            .picture = "efgh........."
                       "efgh........."
                       "efgh........."
                       "............."
                       "............."
                       "............."},
-          {.name = "no source width: the column before srcX fills the width", .place = {0, 0, 4, 3, 3, 0, 0, 3},
+          {.name = "no source width: the column before srcX fills the width",
+           .place = {0, 0, 4, 3, 3, 0, 0, 3},
            .picture = "cccc........."
                       "gggg........."
                       "kkkk........."
@@ -100,7 +112,8 @@ TEST(ImageMapping, SourceRectangles) {
 TEST(ImageMapping, ClipBandAndOrigin) {
   RunImageCases(
       {
-          {.name = "clip inside", .place = {1, 1, 4, 3, 0, 0, 4, 3},
+          {.name = "clip inside",
+           .place = {1, 1, 4, 3, 0, 0, 4, 3},
            .picture = "............."
                       "............."
                       "..fg........."
@@ -108,7 +121,8 @@ TEST(ImageMapping, ClipBandAndOrigin) {
                       "............."
                       ".............",
            .clip = {2, 2, 4, 4}},
-          {.name = "clip starts within enlarged pixels", .place = {0, 0, 8, 6, 0, 0, 4, 3},
+          {.name = "clip starts within enlarged pixels",
+           .place = {0, 0, 8, 6, 0, 0, 4, 3},
            .picture = "............."
                       "...bcc......."
                       "...fgg......."
@@ -116,38 +130,47 @@ TEST(ImageMapping, ClipBandAndOrigin) {
                       "............."
                       ".............",
            .clip = {3, 1, 6, 4}},
-          {.name = "band elsewhere on the page", .place = {98, 49, 4, 3, 0, 0, 4, 3},
+          {.name = "band elsewhere on the page",
+           .place = {98, 49, 4, 3, 0, 0, 4, 3},
            .picture = "gh..........."
                       "kl..........."
                       "............."
                       "............."
                       "............."
                       ".............",
-           .bandLeft = 100, .bandTop = 50},
-          {.name = "band at negative coordinates", .place = {-6, -4, 4, 3, 0, 0, 4, 3},
+           .bandLeft = 100,
+           .bandTop = 50},
+          {.name = "band at negative coordinates",
+           .place = {-6, -4, 4, 3, 0, 0, 4, 3},
            .picture = "fgh.........."
                       "jkl.........."
                       "............."
                       "............."
                       "............."
                       ".............",
-           .bandLeft = -5, .bandTop = -3},
-          {.name = "the origin moves image and clip", .place = {1, 1, 4, 3, 0, 0, 4, 3},
+           .bandLeft = -5,
+           .bandTop = -3},
+          {.name = "the origin moves image and clip",
+           .place = {1, 1, 4, 3, 0, 0, 4, 3},
            .picture = "............."
                       "............."
                       "............."
                       "......bcd...."
                       "......fgh...."
                       ".............",
-           .clip = {2, 0, 9, 3}, .originX = 4, .originY = 2},
-          {.name = "the band's right and bottom edges", .place = {11, 4, 4, 3, 0, 0, 4, 3},
+           .clip = {2, 0, 9, 3},
+           .originX = 4,
+           .originY = 2},
+          {.name = "the band's right and bottom edges",
+           .place = {11, 4, 4, 3, 0, 0, 4, 3},
            .picture = "............."
                       "............."
                       "............."
                       "............."
                       "...........ab"
                       "...........ef"},
-          {.name = "one clipped pixel", .place = {1, 1, 8, 3, 0, 0, 4, 3},
+          {.name = "one clipped pixel",
+           .place = {1, 1, 8, 3, 0, 0, 4, 3},
            .picture = "............."
                       "............."
                       "......g......"

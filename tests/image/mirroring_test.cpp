@@ -9,56 +9,64 @@ namespace {
 TEST(ImageMirroring, Cases) {
   RunImageCases(
       {
-          {.name = "destination to the left", .place = {7, 1, -4, 3, 0, 0, 4, 3},
+          {.name = "destination to the left",
+           .place = {7, 1, -4, 3, 0, 0, 4, 3},
            .picture = "............."
                       "...dcba......"
                       "...hgfe......"
                       "...lkji......"
                       "............."
                       "............."},
-          {.name = "source to the left", .place = {2, 1, 4, 3, 4, 0, -4, 3},
+          {.name = "source to the left",
+           .place = {2, 1, 4, 3, 4, 0, -4, 3},
            .picture = "............."
                       "..dcba......."
                       "..hgfe......."
                       "..lkji......."
                       "............."
                       "............."},
-          {.name = "both to the left", .place = {7, 1, -4, 3, 4, 0, -4, 3},
+          {.name = "both to the left",
+           .place = {7, 1, -4, 3, 4, 0, -4, 3},
            .picture = "............."
                       "...abcd......"
                       "...efgh......"
                       "...ijkl......"
                       "............."
                       "............."},
-          {.name = "destination upwards", .place = {2, 5, 4, -3, 0, 0, 4, 3},
+          {.name = "destination upwards",
+           .place = {2, 5, 4, -3, 0, 0, 4, 3},
            .picture = "............."
                       "............."
                       "..ijkl......."
                       "..efgh......."
                       "..abcd......."
                       "............."},
-          {.name = "source upwards", .place = {2, 1, 4, 3, 0, 3, 4, -3},
+          {.name = "source upwards",
+           .place = {2, 1, 4, 3, 0, 3, 4, -3},
            .picture = "............."
                       "..ijkl......."
                       "..efgh......."
                       "..abcd......."
                       "............."
                       "............."},
-          {.name = "both upwards", .place = {2, 5, 4, -3, 0, 3, 4, -3},
+          {.name = "both upwards",
+           .place = {2, 5, 4, -3, 0, 3, 4, -3},
            .picture = "............."
                       "............."
                       "..abcd......."
                       "..efgh......."
                       "..ijkl......."
                       "............."},
-          {.name = "destination to the left and upwards", .place = {7, 5, -4, -3, 0, 0, 4, 3},
+          {.name = "destination to the left and upwards",
+           .place = {7, 5, -4, -3, 0, 0, 4, 3},
            .picture = "............."
                       "............."
                       "...lkji......"
                       "...hgfe......"
                       "...dcba......"
                       "............."},
-          {.name = "doubled to the left, clipped", .place = {10, 0, -8, 6, 0, 0, 4, 3},
+          {.name = "doubled to the left, clipped",
+           .place = {10, 0, -8, 6, 0, 0, 4, 3},
            .picture = "............."
                       "...dccbb....."
                       "...hggff....."
@@ -66,14 +74,20 @@ TEST(ImageMirroring, Cases) {
                       "...lkkjj....."
                       ".............",
            .clip = {3, 1, 8, 5}},
-          {.name = "12 to 5 to the left", .width = 12, .image = "abcdefghijkl", .place = {9, 0, -5, 1, 0, 0, 12, 1},
+          {.name = "12 to 5 to the left",
+           .width = 12,
+           .image = "abcdefghijkl",
+           .place = {9, 0, -5, 1, 0, 0, 12, 1},
            .picture = "....kifdb...."
                       "............."
                       "............."
                       "............."
                       "............."
                       "............."},
-          {.name = "3 to 10 to the left, clipped", .width = 3, .image = "abc", .place = {11, 0, -10, 1, 0, 0, 3, 1},
+          {.name = "3 to 10 to the left, clipped",
+           .width = 3,
+           .image = "abc",
+           .place = {11, 0, -10, 1, 0, 0, 3, 1},
            .picture = "..ccbbbba...."
                       "............."
                       "............."
@@ -81,14 +95,20 @@ TEST(ImageMirroring, Cases) {
                       "............."
                       ".............",
            .clip = {2, 0, 9, 1}},
-          {.name = "8 to 3 upwards", .width = 1, .image = "abcdefgh", .place = {0, 5, 1, -3, 0, 0, 1, 8},
+          {.name = "8 to 3 upwards",
+           .width = 1,
+           .image = "abcdefgh",
+           .place = {0, 5, 1, -3, 0, 0, 1, 8},
            .picture = "............."
                       "............."
                       "g............"
                       "e............"
                       "b............"
                       "............."},
-          {.name = "2 to 6 upwards, clipped", .width = 1, .image = "ab", .place = {0, 6, 1, -6, 0, 0, 1, 2},
+          {.name = "2 to 6 upwards, clipped",
+           .width = 1,
+           .image = "ab",
+           .place = {0, 6, 1, -6, 0, 0, 1, 2},
            .picture = "............."
                       "b............"
                       "b............"

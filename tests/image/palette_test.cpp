@@ -14,12 +14,11 @@ struct TableCase {
 };
 
 const TableCase kTables[] = {
-    {"1 bit, full", 1, 0, 2},        {"1 bit, two used", 1, 2, 2},      {"1 bit, one used", 1, 1, 1},
-    {"1 bit, more than fit", 1, 9, 2},
-    {"4 bits, full", 4, 0, 16},      {"4 bits, sixteen used", 4, 16, 16}, {"4 bits, three used", 4, 3, 3},
-    {"4 bits, one used", 4, 1, 1},   {"4 bits, fifteen used", 4, 15, 15}, {"4 bits, 255 used", 4, 255, 16},
-    {"8 bits, full", 8, 0, 256},     {"8 bits, 256 used", 8, 256, 256},   {"8 bits, three used", 8, 3, 3},
-    {"8 bits, 255 used", 8, 255, 255}, {"8 bits, 70000 used", 8, 70000, 256},
+    {"1 bit, full", 1, 0, 2},          {"1 bit, two used", 1, 2, 2},      {"1 bit, one used", 1, 1, 1},
+    {"1 bit, more than fit", 1, 9, 2}, {"4 bits, full", 4, 0, 16},        {"4 bits, sixteen used", 4, 16, 16},
+    {"4 bits, three used", 4, 3, 3},   {"4 bits, one used", 4, 1, 1},     {"4 bits, fifteen used", 4, 15, 15},
+    {"4 bits, 255 used", 4, 255, 16},  {"8 bits, full", 8, 0, 256},       {"8 bits, 256 used", 8, 256, 256},
+    {"8 bits, three used", 8, 3, 3},   {"8 bits, 255 used", 8, 255, 255}, {"8 bits, 70000 used", 8, 70000, 256},
 };
 
 uint32_t EntryColour(uint32_t index) { return index * 0x010203u + 0x402010u; }

@@ -27,35 +27,48 @@ struct SetCase {
 };
 
 const SetCase kCases[] = {
-    {.name = "the whole image", .x = 2, .y = 1,
+    {.name = "the whole image",
+     .x = 2,
+     .y = 1,
      .picture = "............."
                 "..abcd......."
                 "..efgh......."
                 "..ijkl......."
                 "............."
                 "............."},
-    {.name = "the first stored row", .x = 2, .y = 1, .numScans = 1,
+    {.name = "the first stored row",
+     .x = 2,
+     .y = 1,
+     .numScans = 1,
      .picture = "............."
                 "..ijkl......."
                 "............."
                 "............."
                 "............."
                 "............."},
-    {.name = "from the second stored row on", .x = 2, .y = 1, .startScan = 1, .numScans = 2,
+    {.name = "from the second stored row on",
+     .x = 2,
+     .y = 1,
+     .startScan = 1,
+     .numScans = 2,
      .picture = "............."
                 "..abcd......."
                 "..efgh......."
                 "............."
                 "............."
                 "............."},
-    {.name = "partly outside the band", .x = -1, .y = -1,
+    {.name = "partly outside the band",
+     .x = -1,
+     .y = -1,
      .picture = "fgh.........."
                 "jkl.........."
                 "............."
                 "............."
                 "............."
                 "............."},
-    {.name = "clipped", .x = 2, .y = 1,
+    {.name = "clipped",
+     .x = 2,
+     .y = 1,
      .picture = "............."
                 "............."
                 "...fg........"
@@ -114,8 +127,8 @@ TEST(SetDIBits, EqualsTheStretchOnEveryDevice) {
       stretched.SetOrigin(2, 1);
       const Dib dib = PictureDib(4, kFourByThree, {.bitCount = 8});
       const int32_t rows = static_cast<int32_t>(c.numScans);
-      const uint32_t expected = Stretch(
-          stretched, dib, {c.x, c.y, 4, rows, 0, static_cast<int32_t>(c.startScan), 4, rows}, {.clip = clip});
+      const uint32_t expected =
+          Stretch(stretched, dib, {c.x, c.y, 4, rows, 0, static_cast<int32_t>(c.startScan), 4, rows}, {.clip = clip});
       EXPECT_EQ(expected, SetBits(set, c.x, c.y, c.startScan, c.numScans, dib, clip)) << c.name;
       EXPECT_TRUE(SamePlane(CurrentBand(stretched), CurrentBand(set))) << c.name << ", kind " << options.kind;
       if (options.tagPlane) {
@@ -129,15 +142,15 @@ TEST(SetDIBits, EqualsTheStretchOnEveryDevice) {
 TEST(SetDIBits, NullPointers) {
   TestDevice device({.width = kImageColumns, .height = kImageRows});
   const Dib dib = PictureDib(4, kFourByThree, {});
-  EXPECT_EQ(0u, QNVDevSetDIBitsToDevice(device.handle(), 0, 0, 0, 3, &kEverywhere, nullptr, dib.bits(), nullptr,
-                                        nullptr) &
-                    0xFFFF);
-  EXPECT_EQ(0u, QNVDevSetDIBitsToDevice(device.handle(), 0, 0, 0, 3, &kEverywhere, nullptr, nullptr, dib.info(),
-                                        nullptr) &
-                    0xFFFF);
   EXPECT_EQ(0u,
-            QNVDevSetDIBitsToDevice(device.handle(), 0, 0, 0, 3, nullptr, nullptr, dib.bits(), dib.info(), nullptr) &
+            QNVDevSetDIBitsToDevice(device.handle(), 0, 0, 0, 3, &kEverywhere, nullptr, dib.bits(), nullptr, nullptr) &
                 0xFFFF);
+  EXPECT_EQ(0u,
+            QNVDevSetDIBitsToDevice(device.handle(), 0, 0, 0, 3, &kEverywhere, nullptr, nullptr, dib.info(), nullptr) &
+                0xFFFF);
+  EXPECT_EQ(
+      0u,
+      QNVDevSetDIBitsToDevice(device.handle(), 0, 0, 0, 3, nullptr, nullptr, dib.bits(), dib.info(), nullptr) & 0xFFFF);
   EXPECT_TRUE(BandUntouched(device));
 }
 

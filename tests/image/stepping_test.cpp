@@ -99,13 +99,28 @@ TEST(ImageStepping, LastRowThatCoversNothing) {
     const char* transferred;
   };
   const Case cases[] = {
-      {"upwards, the source past the image", "abcd", false, {0, 4, 1, -3, 0, -1, 1, 12}, {0, 1, 1, 8},
-       ".da..........", ".d..........."},
-      {"one row of the clip, reached by no row", "abcde", false, {0, 5, 1, -5, 0, 1, 1, 6}, {0, 3, 1, 4},
-       "...a.........", "............."},
+      {"upwards, the source past the image",
+       "abcd",
+       false,
+       {0, 4, 1, -3, 0, -1, 1, 12},
+       {0, 1, 1, 8},
+       ".da..........",
+       ".d..........."},
+      {"one row of the clip, reached by no row",
+       "abcde",
+       false,
+       {0, 5, 1, -5, 0, 1, 1, 6},
+       {0, 3, 1, 4},
+       "...a.........",
+       "............."},
       {"top-down", "abcdefgh", true, {0, 3, 1, 1, 0, -2, 1, 3}, {0, 2, 1, 5}, "...h.........", "............."},
-      {"upwards, shrunk", "abcdefghi", false, {0, 6, 1, -7, 0, 5, 1, 12}, {0, 0, 1, 7},
-       "ba...........", "b............"},
+      {"upwards, shrunk",
+       "abcdefghi",
+       false,
+       {0, 6, 1, -7, 0, 5, 1, 12},
+       {0, 0, 1, 7},
+       "ba...........",
+       "b............"},
   };
   for (const Case& c : cases) {
     for (uint32_t rop : {SRCCOPY, 0x00CC0000u}) {

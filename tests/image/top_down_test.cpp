@@ -9,14 +9,16 @@ namespace {
 TEST(TopDown, WholeImagesEqualTheirTwins) {
   RunImageCases(
       {
-          {.name = "unscaled", .place = {1, 1, 4, 3, 0, 0, 4, 3},
+          {.name = "unscaled",
+           .place = {1, 1, 4, 3, 0, 0, 4, 3},
            .picture = "............."
                       ".abcd........"
                       ".efgh........"
                       ".ijkl........"
                       "............."
                       "............."},
-          {.name = "doubled", .place = {0, 0, 8, 6, 0, 0, 4, 3},
+          {.name = "doubled",
+           .place = {0, 0, 8, 6, 0, 0, 4, 3},
            .picture = "aabbccdd....."
                       "aabbccdd....."
                       "eeffgghh....."
@@ -31,21 +33,24 @@ TEST(TopDown, WholeImagesEqualTheirTwins) {
 TEST(TopDown, PartsOfTheImage) {
   RunImageCases(
       {
-          {.name = "two rows from 0", .place = {0, 0, 4, 2, 0, 0, 4, 2},
+          {.name = "two rows from 0",
+           .place = {0, 0, 4, 2, 0, 0, 4, 2},
            .picture = "efgh........."
                       "ijkl........."
                       "............."
                       "............."
                       "............."
                       "............."},
-          {.name = "two rows from 1", .place = {0, 0, 4, 2, 0, 1, 4, 2},
+          {.name = "two rows from 1",
+           .place = {0, 0, 4, 2, 0, 1, 4, 2},
            .picture = "abcd........."
                       "efgh........."
                       "............."
                       "............."
                       "............."
                       "............."},
-          {.name = "row 1", .place = {0, 0, 4, 1, 0, 1, 4, 1},
+          {.name = "row 1",
+           .place = {0, 0, 4, 1, 0, 1, 4, 1},
            .picture = "efgh........."
                       "............."
                       "............."
@@ -60,14 +65,16 @@ TEST(TopDown, PartsOfTheImage) {
 TEST(TopDown, NoSourceHeight) {
   RunImageCases(
       {
-          {.name = "srcY 2", .place = {0, 0, 4, 2, 0, 2, 4, 0},
+          {.name = "srcY 2",
+           .place = {0, 0, 4, 2, 0, 2, 4, 0},
            .picture = "abcd........."
                       "abcd........."
                       "............."
                       "............."
                       "............."
                       "............."},
-          {.name = "srcY 0", .place = {0, 0, 4, 2, 0, 0, 4, 0},
+          {.name = "srcY 0",
+           .place = {0, 0, 4, 2, 0, 0, 4, 0},
            .picture = "ijkl........."
                       "ijkl........."
                       "............."

@@ -87,8 +87,7 @@ TEST(ImageValidation, BadHeaders) {
       for (uint32_t rop : {SRCCOPY, SRCAND, ROP_MINIMUM}) {
         TestDevice device(options);
         DibShape shape{.bitCount = c.bitCount, .compression = c.compression, .planes = c.planes};
-        const Dib dib(DibInfo(c.width, c.height, shape, std::vector<uint32_t>(256, 0)),
-                      std::vector<uint8_t>(64, 0));
+        const Dib dib(DibInfo(c.width, c.height, shape, std::vector<uint32_t>(256, 0)), std::vector<uint8_t>(64, 0));
         EXPECT_EQ(0u, Stretch(device, dib, kWhole, {.rop = rop})) << c.name << ", rop " << std::hex << rop;
         // Rows that would be the first stored ones of an image 32768 rows high.
         EXPECT_EQ(0u, Stretch(device, dib, {0, 0, 4, 2, 0, 32765, 4, 2}, {.rop = rop})) << c.name;

@@ -151,8 +151,8 @@ inline std::string Lettered(const PicturePlane& got, const PicturePlane& untouch
   return text;
 }
 
-inline testing::AssertionResult PlaneIs(const PicturePlane& got, const PicturePlane& untouched,
-                                        const PictureInks& inks, std::string_view picture) {
+inline testing::AssertionResult PlaneIs(const PicturePlane& got, const PicturePlane& untouched, const PictureInks& inks,
+                                        std::string_view picture) {
   testing::AssertionResult same = SamePlane(Drawn(untouched, inks, picture), got);
   if (!same && got.width <= 64) same << Lettered(got, untouched, inks);
   return same;

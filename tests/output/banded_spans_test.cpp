@@ -9,94 +9,116 @@ namespace {
 const std::vector<uint32_t> kStyles = {OS_BANDED_SPANS, 105};
 
 TEST(BandedSpans, Lists) {
-  RunSpanCases(kStyles, {
-      {.name = "one record of two spans", .count = 1, .words = {4, 1, 4, 1, 3, 8, 11, 4},
-       .picture = "............."
-                  ".##.....###.."
-                  ".##.....###.."
-                  ".##.....###.."
-                  "............."
-                  "............."},
-      {.name = "two records", .count = 2, .words = {2, 0, 1, 0, 2, 2, /**/ 4, 4, 6, 3, 4, 12, 13, 4},
-       .picture = "##..........."
-                  "............."
-                  "............."
-                  "............."
-                  "...#........#"
-                  "...#........#"},
-      {.name = "records may overlap and run upwards", .count = 2, .words = {2, 3, 5, 2, 4, 2, /**/ 2, 2, 4, 3, 6, 2},
-       .picture = "............."
-                  "............."
-                  "...###......."
-                  "..####......."
-                  "..##........."
-                  "............."},
-      {.name = "a record above the band is stepped over whole", .count = 2,
-       .words = {4, -9, 0, 0, 5, 6, 9, 4, /**/ 2, 0, 1, 5, 7, 2},
-       .picture = ".....##......"
-                  "............."
-                  "............."
-                  "............."
-                  "............."
-                  "............."},
-      {.name = "a record below the band does not end the list", .count = 2,
-       .words = {2, 6, 9, 0, 5, 2, /**/ 2, 5, 9, 5, 7, 2},
-       .picture = "............."
-                  "............."
-                  "............."
-                  "............."
-                  "............."
-                  ".....##......"},
-      {.name = "rows enter from above and leave below", .count = 1, .words = {2, -100, 100, 6, 7, 2},
-       .picture = "......#......"
-                  "......#......"
-                  "......#......"
-                  "......#......"
-                  "......#......"
-                  "......#......"},
-      {.name = "no rows", .count = 1, .words = {2, 3, 3, 0, 13, 2}, .picture = kEmptySpanPicture},
-      {.name = "bottom above top", .count = 1, .words = {2, 4, 2, 0, 13, 2}, .picture = kEmptySpanPicture},
-      {.name = "a record without spans", .count = 2, .words = {0, 0, 6, 0, /**/ 2, 0, 1, 3, 4, 2},
-       .picture = "...#........."
-                  "............."
-                  "............."
-                  "............."
-                  "............."
-                  "............."},
-      {.name = "empty and reversed spans paint nothing", .count = 1, .words = {6, 0, 2, 3, 3, 9, 5, 7, 8, 6},
-       .picture = ".......#....."
-                  ".......#....."
-                  "............."
-                  "............."
-                  "............."
-                  "............."},
-      {.name = "an odd n takes the repeated n as the last right end", .count = 1, .words = {3, 0, 1, 0, 1, 2, 3},
-       .picture = "#.#.........."
-                  "............."
-                  "............."
-                  "............."
-                  "............."
-                  "............."},
-      {.name = "the step is n + 4 words after an odd n too", .count = 2,
-       .words = {1, 0, 1, 0, 1, /**/ 2, 2, 3, 4, 5, 2},
-       .picture = "#............"
-                  "............."
-                  "....#........"
-                  "............."
-                  "............."
-                  "............."},
-      {.name = "count 0", .count = 0, .words = {2, 0, 6, 0, 13, 2}, .picture = kEmptySpanPicture},
-      {.name = "only the low 16 bits of the count", .count = 0x70000000, .words = {2, 0, 6, 0, 13, 2},
-       .picture = kEmptySpanPicture},
-      {.name = "clip cuts rows and spans", .count = 1, .words = {4, 0, 6, 0, 5, 7, 13, 4},
-       .picture = "............."
-                  "............."
-                  "...##..##...."
-                  "...##..##...."
-                  "............."
-                  ".............",
-       .clip = {3, 2, 9, 4}},
-  });
+  RunSpanCases(kStyles,
+               {
+                   {.name = "one record of two spans",
+                    .count = 1,
+                    .words = {4, 1, 4, 1, 3, 8, 11, 4},
+                    .picture = "............."
+                               ".##.....###.."
+                               ".##.....###.."
+                               ".##.....###.."
+                               "............."
+                               "............."},
+                   {.name = "two records",
+                    .count = 2,
+                    .words = {2, 0, 1, 0, 2, 2, /**/ 4, 4, 6, 3, 4, 12, 13, 4},
+                    .picture = "##..........."
+                               "............."
+                               "............."
+                               "............."
+                               "...#........#"
+                               "...#........#"},
+                   {.name = "records may overlap and run upwards",
+                    .count = 2,
+                    .words = {2, 3, 5, 2, 4, 2, /**/ 2, 2, 4, 3, 6, 2},
+                    .picture = "............."
+                               "............."
+                               "...###......."
+                               "..####......."
+                               "..##........."
+                               "............."},
+                   {.name = "a record above the band is stepped over whole",
+                    .count = 2,
+                    .words = {4, -9, 0, 0, 5, 6, 9, 4, /**/ 2, 0, 1, 5, 7, 2},
+                    .picture = ".....##......"
+                               "............."
+                               "............."
+                               "............."
+                               "............."
+                               "............."},
+                   {.name = "a record below the band does not end the list",
+                    .count = 2,
+                    .words = {2, 6, 9, 0, 5, 2, /**/ 2, 5, 9, 5, 7, 2},
+                    .picture = "............."
+                               "............."
+                               "............."
+                               "............."
+                               "............."
+                               ".....##......"},
+                   {.name = "rows enter from above and leave below",
+                    .count = 1,
+                    .words = {2, -100, 100, 6, 7, 2},
+                    .picture = "......#......"
+                               "......#......"
+                               "......#......"
+                               "......#......"
+                               "......#......"
+                               "......#......"},
+                   {.name = "no rows", .count = 1, .words = {2, 3, 3, 0, 13, 2}, .picture = kEmptySpanPicture},
+                   {.name = "bottom above top", .count = 1, .words = {2, 4, 2, 0, 13, 2}, .picture = kEmptySpanPicture},
+                   {.name = "a record without spans",
+                    .count = 2,
+                    .words = {0, 0, 6, 0, /**/ 2, 0, 1, 3, 4, 2},
+                    .picture = "...#........."
+                               "............."
+                               "............."
+                               "............."
+                               "............."
+                               "............."},
+                   {.name = "empty and reversed spans paint nothing",
+                    .count = 1,
+                    .words = {6, 0, 2, 3, 3, 9, 5, 7, 8, 6},
+                    .picture = ".......#....."
+                               ".......#....."
+                               "............."
+                               "............."
+                               "............."
+                               "............."},
+                   {.name = "an odd n takes the repeated n as the last right end",
+                    .count = 1,
+                    .words = {3, 0, 1, 0, 1, 2, 3},
+                    .picture = "#.#.........."
+                               "............."
+                               "............."
+                               "............."
+                               "............."
+                               "............."},
+                   {.name = "the step is n + 4 words after an odd n too",
+                    .count = 2,
+                    .words = {1, 0, 1, 0, 1, /**/ 2, 2, 3, 4, 5, 2},
+                    .picture = "#............"
+                               "............."
+                               "....#........"
+                               "............."
+                               "............."
+                               "............."},
+                   {.name = "count 0", .count = 0, .words = {2, 0, 6, 0, 13, 2}, .picture = kEmptySpanPicture},
+                   {.name = "only the low 16 bits of the count",
+                    .count = 0x70000000,
+                    .words = {2, 0, 6, 0, 13, 2},
+                    .picture = kEmptySpanPicture},
+                   {.name = "clip cuts rows and spans",
+                    .count = 1,
+                    .words = {4, 0, 6, 0, 5, 7, 13, 4},
+                    .picture = "............."
+                               "............."
+                               "...##..##...."
+                               "...##..##...."
+                               "............."
+                               ".............",
+                    .clip = {3, 2, 9, 4}},
+               });
 }
 
 // Records of more than 1024 bytes of spans, even and odd, one after the other and followed by a short one: the work

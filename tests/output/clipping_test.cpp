@@ -52,10 +52,10 @@ void PaintNibbleDeltas(const TestDevice& device, uint32_t style, const Rectangle
 }
 
 const Encoding kEncodings[] = {
-    {"scanlines", OS_SCANLINES, PaintScanlines},         {"scanlines, second code", 104, PaintScanlines},
-    {"banded spans", OS_BANDED_SPANS, PaintBanded},      {"banded spans, second code", 105, PaintBanded},
-    {"row records", OS_ROW_RECORDS, PaintRowRecords},    {"row spans", OS_ROW_SPANS, PaintRowSpans},
-    {"byte deltas", OS_BYTE_DELTAS, PaintByteDeltas},    {"nibble deltas", OS_NIBBLE_DELTAS, PaintNibbleDeltas},
+    {"scanlines", OS_SCANLINES, PaintScanlines},      {"scanlines, second code", 104, PaintScanlines},
+    {"banded spans", OS_BANDED_SPANS, PaintBanded},   {"banded spans, second code", 105, PaintBanded},
+    {"row records", OS_ROW_RECORDS, PaintRowRecords}, {"row spans", OS_ROW_SPANS, PaintRowSpans},
+    {"byte deltas", OS_BYTE_DELTAS, PaintByteDeltas}, {"nibble deltas", OS_NIBBLE_DELTAS, PaintNibbleDeltas},
 };
 
 struct ClipCase {
@@ -110,7 +110,9 @@ const ClipCase kClipCases[] = {
                 "............."
                 "............."
                 "............#"},
-    {.name = "clip of four zeros clips everything", .rectangle = {0, 0, 13, 6}, .clip = {0, 0, 0, 0},
+    {.name = "clip of four zeros clips everything",
+     .rectangle = {0, 0, 13, 6},
+     .clip = {0, 0, 0, 0},
      .picture = kEmptySpanPicture},
     {.name = "clip upside down", .rectangle = {0, 0, 13, 6}, .clip = {0, 6, 13, 0}, .picture = kEmptySpanPicture},
     {.name = "clip beside the figure", .rectangle = {0, 0, 5, 6}, .clip = {5, 0, 13, 6}, .picture = kEmptySpanPicture},

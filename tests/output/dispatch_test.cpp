@@ -74,8 +74,7 @@ TEST(OutputDispatch, NullPoints) {
       EXPECT_TRUE(BandUntouched(device)) << style;
     }
     TestDevice device(options);
-    EXPECT_EQ(kUnknownResult,
-              QNVOutput(device.handle(), 6, 3, nullptr, &pen, nullptr, &mode, &kEverywhere) & 0xFFFF);
+    EXPECT_EQ(kUnknownResult, QNVOutput(device.handle(), 6, 3, nullptr, &pen, nullptr, &mode, &kEverywhere) & 0xFFFF);
   }
 }
 
@@ -138,9 +137,9 @@ TEST(OutputDispatch, NoBandBufferPaintsNothing) {
   const std::vector<uint8_t> bytes = SpanListBytes({2, 0, 1, 0, 2, 2, 0, 0});
   const FencedInput list(bytes);
   for (uint32_t style : kKnownStyles) {
-    EXPECT_EQ(1u, QNVOutput(handle, style, 1, static_cast<const int16_t*>(list.data()), &pen, nullptr, &mode,
-                            &kEverywhere) &
-                      0xFFFF)
+    EXPECT_EQ(
+        1u, QNVOutput(handle, style, 1, static_cast<const int16_t*>(list.data()), &pen, nullptr, &mode, &kEverywhere) &
+                0xFFFF)
         << style;
   }
   QNVDisable(handle);

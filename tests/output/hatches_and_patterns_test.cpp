@@ -185,10 +185,10 @@ TEST(Hatches, GapsStayUnderExclusiveOrAndInvert) {
     mode.bkMode = TRANSPARENT;
     mode.Rop2 = rop2;
     PaintRow(device, 0, 10, 0, {.brush = &brush, .drawMode = &mode});
-    const uint32_t result = rop2 == R2_XORPEN   ? kInk ^ 0x0F0F0F
-                            : rop2 == R2_NOT    ? 0xF0F0F0
-                            : rop2 == R2_WHITE  ? 0xFFFFFF
-                                                : kInk;
+    const uint32_t result = rop2 == R2_XORPEN  ? kInk ^ 0x0F0F0F
+                            : rop2 == R2_NOT   ? 0xF0F0F0
+                            : rop2 == R2_WHITE ? 0xFFFFFF
+                                               : kInk;
     EXPECT_TRUE(BandIs(device, {{'#', result}}, "#.......#.")) << "rop2 " << rop2;
   }
 }
@@ -300,21 +300,40 @@ std::vector<uint8_t> Rows(std::vector<uint8_t> first, std::vector<uint8_t> secon
 TEST(Patterns, DepthsOfTheBitmap) {
   // A cell takes its three bytes lowest first, so byte 0 lands last in the band.
   const PatternCase cases[] = {
-      {"24 bits", 24, 26, Rows({1, 2, 3, 4, 5, 6}, {7, 8, 9}, 26),
-       {{'a', 0x030201}, {'b', 0x060504}, {'c', 0x090807}, {'k', 0}}, "abkkkkkkab", "ckkkkkkkck"},
-      {"8 bits", 8, 8, Rows({10, 20, 30}, {40}, 8),
-       {{'a', Gray(10)}, {'b', Gray(20)}, {'c', Gray(30)}, {'d', Gray(40)}, {'k', 0}}, "abckkkkkab", "dkkkkkkkdk"},
-      {"1 bit: set takes the background, clear the text colour", 1, 2, Rows({0xA1}, {0x7F}, 2),
-       {{'t', 0x0A0B0C}, {'b', 0x0D0E0F}}, "btbttttbbt", "tbbbbbbbtb"},
-      {"4 bits are read as one", 4, 4, Rows({0xA1}, {0x7F}, 4),
-       {{'t', 0x0A0B0C}, {'b', 0x0D0E0F}}, "btbttttbbt", "tbbbbbbbtb"},
+      {"24 bits",
+       24,
+       26,
+       Rows({1, 2, 3, 4, 5, 6}, {7, 8, 9}, 26),
+       {{'a', 0x030201}, {'b', 0x060504}, {'c', 0x090807}, {'k', 0}},
+       "abkkkkkkab",
+       "ckkkkkkkck"},
+      {"8 bits",
+       8,
+       8,
+       Rows({10, 20, 30}, {40}, 8),
+       {{'a', Gray(10)}, {'b', Gray(20)}, {'c', Gray(30)}, {'d', Gray(40)}, {'k', 0}},
+       "abckkkkkab",
+       "dkkkkkkkdk"},
+      {"1 bit: set takes the background, clear the text colour",
+       1,
+       2,
+       Rows({0xA1}, {0x7F}, 2),
+       {{'t', 0x0A0B0C}, {'b', 0x0D0E0F}},
+       "btbttttbbt",
+       "tbbbbbbbtb"},
+      {"4 bits are read as one",
+       4,
+       4,
+       Rows({0xA1}, {0x7F}, 4),
+       {{'t', 0x0A0B0C}, {'b', 0x0D0E0F}},
+       "btbttttbbt",
+       "tbbbbbbbtb"},
   };
   for (const PatternCase& c : cases) {
     for (uint16_t depth : {uint16_t{24}, uint16_t{8}}) {
       for (int16_t bkMode : {int16_t{TRANSPARENT}, int16_t{OPAQUE}}) {
         TestDevice device({.bitsPerPixel = depth, .width = 10, .height = 2});
-        const SourceBitmap bitmap{0, 8, 8, c.widthBytes, 1,
-                                  c.bitsPixel, c.bytes.data()};
+        const SourceBitmap bitmap{0, 8, 8, c.widthBytes, 1, c.bitsPixel, c.bytes.data()};
         const PhysicalBrush brush = PatternBrush(device.handle(), bitmap);
         DRAWMODE mode = MakeDrawMode();
         mode.bkMode = bkMode;

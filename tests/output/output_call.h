@@ -32,8 +32,8 @@ struct OutputSetup {
 inline uint32_t CallOutput(const TestDevice& device, uint32_t style, uint32_t count, const std::vector<uint8_t>& list,
                            const OutputSetup& setup) {
   const FencedInput input(list);
-  const uint32_t result = QNVOutput(device.handle(), style, count, static_cast<const int16_t*>(input.data()),
-                                    setup.pen, setup.brush, setup.drawMode, &setup.clip);
+  const uint32_t result = QNVOutput(device.handle(), style, count, static_cast<const int16_t*>(input.data()), setup.pen,
+                                    setup.brush, setup.drawMode, &setup.clip);
   EXPECT_TRUE(input.Unchanged()) << "the span list was written";
   return result & 0xFFFF;
 }
@@ -85,8 +85,7 @@ inline void RunSpanCases(const std::vector<uint32_t>& styles, const std::vector<
   for (uint16_t depth : {uint16_t{24}, uint16_t{8}}) {
     for (uint32_t style : styles) {
       for (const SpanCase& c : cases) {
-        SCOPED_TRACE(std::string(c.name) + ", style " + std::to_string(style) + ", " + std::to_string(depth) +
-                     " bits");
+        SCOPED_TRACE(std::string(c.name) + ", style " + std::to_string(style) + ", " + std::to_string(depth) + " bits");
         TestDevice device({.bitsPerPixel = depth,
                            .width = kSpanColumns,
                            .height = kSpanRows,

@@ -43,14 +43,10 @@ const CodeCase kCodes[] = {
 
 bool Puts(Marking marking, uint32_t colour) {
   switch (marking) {
-    case Marking::kAlways:
-      return true;
-    case Marking::kNever:
-      return false;
-    case Marking::kUnlessWhite:
-      return colour != kWhite;
-    case Marking::kUnlessBlack:
-      return colour != 0;
+    case Marking::kAlways: return true;
+    case Marking::kNever: return false;
+    case Marking::kUnlessWhite: return colour != kWhite;
+    case Marking::kUnlessBlack: return colour != 0;
   }
   return false;
 }
@@ -80,8 +76,8 @@ TEST(OutputDualPlane, SolidFiguresByCodeAndColour) {
         brush.colour = colour;
         DRAWMODE mode = MakeDrawMode();
         mode.Rop2 = code.code;
-        const OutputSetup setup{.pen = withPen ? &pen : nullptr, .brush = withPen ? nullptr : &brush,
-                                .drawMode = &mode};
+        const OutputSetup setup{
+            .pen = withPen ? &pen : nullptr, .brush = withPen ? nullptr : &brush, .drawMode = &mode};
         EXPECT_EQ(1u, PaintMiddle(device, setup));
         EXPECT_TRUE(TagsMarked(device, Puts(code.marking, colour) ? "...........1111..." : ".................."))
             << code.name << ", colour " << std::hex << colour << (withPen ? ", pen" : ", brush");
@@ -181,8 +177,8 @@ std::vector<uint32_t> OneBitCells() {
 const BrushCase kBrushCases[] = {
     {"hatch, copied, opaque: all of it", R2_COPYPEN, BS_HATCHED, 0, HatchCells(kRed), kRed, OPAQUE, kWhite, 0, 1,
      "11111111"},
-    {"hatch, copied, transparent: the lines", R2_COPYPEN, BS_HATCHED, 0, HatchCells(kRed), kRed, TRANSPARENT, kWhite,
-     0, 1, "11......"},
+    {"hatch, copied, transparent: the lines", R2_COPYPEN, BS_HATCHED, 0, HatchCells(kRed), kRed, TRANSPARENT, kWhite, 0,
+     1, "11......"},
     {"white hatch, copied, transparent: the lines", R2_COPYPEN, BS_HATCHED, 0, HatchCells(kWhite), kWhite, TRANSPARENT,
      kWhite, 0, 1, "11......"},
     {"hatch, black code, transparent: the lines", R2_BLACK, BS_HATCHED, 0, HatchCells(kRed), kRed, TRANSPARENT, kWhite,
@@ -192,8 +188,8 @@ const BrushCase kBrushCases[] = {
      1, "11......"},
     {"hatch, masked, opaque on a colour: all of it", R2_MASKPEN, BS_HATCHED, 0, HatchCells(kRed), kRed, OPAQUE,
      0x00FF00, 0, 1, "11111111"},
-    {"white hatch, masked, opaque on a colour: the gaps", R2_MASKPEN, BS_HATCHED, 0, HatchCells(kWhite), kWhite,
-     OPAQUE, 0x00FF00, 0, 1, "..111111"},
+    {"white hatch, masked, opaque on a colour: the gaps", R2_MASKPEN, BS_HATCHED, 0, HatchCells(kWhite), kWhite, OPAQUE,
+     0x00FF00, 0, 1, "..111111"},
     {"white hatch, masked, opaque on white: nothing", R2_MASKPEN, BS_HATCHED, 0, HatchCells(kWhite), kWhite, OPAQUE,
      kWhite, 0, 1, "........"},
     {"hatch, masked, transparent: the lines", R2_MASKPEN, BS_HATCHED, 0, HatchCells(kRed), kRed, TRANSPARENT, 0x00FF00,
@@ -230,7 +226,16 @@ const BrushCase kBrushCases[] = {
     {"hollow, masked", R2_MASKPEN, BS_HOLLOW, 0, {}, kRed, OPAQUE, kWhite, 0, 1, "........"},
     {"unknown brush, copied: refused", R2_COPYPEN, 4, 0, {}, kRed, OPAQUE, kWhite, 0, 0, "........"},
     {"unknown brush, masked: refused", R2_MASKPEN, 9, 0, {}, kRed, OPAQUE, kWhite, 0, 0, "........"},
-    {"unknown brush, exclusive or: not marked, nothing to paint", R2_XORPEN, 4, 0, {}, kRed, OPAQUE, kWhite, 0, 1,
+    {"unknown brush, exclusive or: not marked, nothing to paint",
+     R2_XORPEN,
+     4,
+     0,
+     {},
+     kRed,
+     OPAQUE,
+     kWhite,
+     0,
+     1,
      "........"},
 };
 
@@ -280,27 +285,51 @@ TEST(OutputDualPlane, MarksFollowTheFigure) {
     const char* marks;
   };
   const Case cases[] = {
-      {"scanlines", OS_SCANLINES, 3, {0, -2, -8, -5, -4, -3}, {},
+      {"scanlines",
+       OS_SCANLINES,
+       3,
+       {0, -2, -8, -5, -4, -3},
+       {},
        "........."
        "..111.1.."
        "........."},
-      {"banded spans", OS_BANDED_SPANS, 1, {2, -50, 50, -8, -5, 2}, {},
+      {"banded spans",
+       OS_BANDED_SPANS,
+       1,
+       {2, -50, 50, -8, -5, 2},
+       {},
        "........."
        "..111...."
        "..111...."},
-      {"row records", OS_ROW_RECORDS, 2, {-2, 2, -8, -7, 2, -7, -5}, {},
+      {"row records",
+       OS_ROW_RECORDS,
+       2,
+       {-2, 2, -8, -7, 2, -7, -5},
+       {},
        "........."
        "..1......"
        "...11...."},
-      {"row spans", OS_ROW_SPANS, 3, {-3, -9, 9, -8, -7, -100, 100}, {},
+      {"row spans",
+       OS_ROW_SPANS,
+       3,
+       {-3, -9, 9, -8, -7, -100, 100},
+       {},
        "........."
        "..1......"
        "..111111."},
-      {"byte deltas", OS_BYTE_DELTAS, 3, {-3, -8, -7}, {1, 1, 1, 2},
+      {"byte deltas",
+       OS_BYTE_DELTAS,
+       3,
+       {-3, -8, -7},
+       {1, 1, 1, 2},
        "........."
        "...1....."
        "....11..."},
-      {"nibble deltas", OS_NIBBLE_DELTAS, 3, {-3, -8, -7}, {0x11, 0x21},
+      {"nibble deltas",
+       OS_NIBBLE_DELTAS,
+       3,
+       {-3, -8, -7},
+       {0x11, 0x21},
        "........."
        "...1....."
        "....11..."},

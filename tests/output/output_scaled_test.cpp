@@ -24,7 +24,10 @@ constexpr uint32_t kStart = 0x00CCCCCC;
 // Exclusive-or painting shows how often a pixel was painted: '#' an odd, '.' an even number of times.
 const ScaledCase kCases[] = {
     {.name = "doubled: one row paints one band row, the span twice as wide",
-     .resolutionB = 720, .style = OS_SCANLINES, .count = 2, .words = {0, 1, 1, 3},
+     .resolutionB = 720,
+     .style = OS_SCANLINES,
+     .count = 2,
+     .words = {0, 1, 1, 3},
      .picture = "............."
                 "............."
                 "..####......."
@@ -32,7 +35,10 @@ const ScaledCase kCases[] = {
                 "............."
                 "............."},
     {.name = "doubled: row 10 is band row 20 only",
-     .resolutionB = 720, .style = OS_SCANLINES, .count = 2, .words = {0, 10, 0, 6},
+     .resolutionB = 720,
+     .style = OS_SCANLINES,
+     .count = 2,
+     .words = {0, 10, 0, 6},
      .picture = "............."
                 "............."
                 "############."
@@ -41,7 +47,10 @@ const ScaledCase kCases[] = {
                 ".............",
      .place = {.top = 18}},
     {.name = "doubled: row spans leave every other row",
-     .resolutionB = 720, .style = OS_ROW_SPANS, .count = 3, .words = {0, /**/ 0, 1, /**/ 0, 2, /**/ 1, 2},
+     .resolutionB = 720,
+     .style = OS_ROW_SPANS,
+     .count = 3,
+     .words = {0, /**/ 0, 1, /**/ 0, 2, /**/ 1, 2},
      .picture = "##..........."
                 "............."
                 "####........."
@@ -49,7 +58,10 @@ const ScaledCase kCases[] = {
                 "..##........."
                 "............."},
     {.name = "doubled: row records leave every other row",
-     .resolutionB = 720, .style = OS_ROW_RECORDS, .count = 3, .words = {0, /**/ 2, 0, 1, /**/ 0, /**/ 4, 1, 2, 4, 5},
+     .resolutionB = 720,
+     .style = OS_ROW_RECORDS,
+     .count = 3,
+     .words = {0, /**/ 2, 0, 1, /**/ 0, /**/ 4, 1, 2, 4, 5},
      .picture = "##..........."
                 "............."
                 "............."
@@ -57,7 +69,10 @@ const ScaledCase kCases[] = {
                 "..##....##..."
                 "............."},
     {.name = "doubled: a banded record paints every band row",
-     .resolutionB = 720, .style = OS_BANDED_SPANS, .count = 1, .words = {4, 1, 3, 0, 1, 3, 5, 4},
+     .resolutionB = 720,
+     .style = OS_BANDED_SPANS,
+     .count = 1,
+     .words = {4, 1, 3, 0, 1, 3, 5, 4},
      .picture = "............."
                 "............."
                 "##....####..."
@@ -65,7 +80,11 @@ const ScaledCase kCases[] = {
                 "##....####..."
                 "##....####..."},
     {.name = "doubled: byte deltas count in caller pixels",
-     .resolutionB = 720, .style = OS_BYTE_DELTAS, .count = 3, .words = {0, 2, 4}, .deltas = {-1, 1, -1, 1},
+     .resolutionB = 720,
+     .style = OS_BYTE_DELTAS,
+     .count = 3,
+     .words = {0, 2, 4},
+     .deltas = {-1, 1, -1, 1},
      .picture = "....####....."
                 "............."
                 "..########..."
@@ -73,7 +92,11 @@ const ScaledCase kCases[] = {
                 "############."
                 "............."},
     {.name = "doubled: nibble deltas",
-     .resolutionB = 720, .style = OS_NIBBLE_DELTAS, .count = 3, .words = {0, 2, 4}, .deltas = {0x1F, 0x1F},
+     .resolutionB = 720,
+     .style = OS_NIBBLE_DELTAS,
+     .count = 3,
+     .words = {0, 2, 4},
+     .deltas = {0x1F, 0x1F},
      .picture = "....####....."
                 "............."
                 "..########..."
@@ -81,7 +104,10 @@ const ScaledCase kCases[] = {
                 "############."
                 "............."},
     {.name = "halved: ends are mapped each on its own, halves away from zero",
-     .resolutionA = 720, .style = OS_SCANLINES, .count = 6, .words = {0, 0, 0, 1, 5, 8, 11, 12, 13, 14, 17, 24},
+     .resolutionA = 720,
+     .style = OS_SCANLINES,
+     .count = 6,
+     .words = {0, 0, 0, 1, 5, 8, 11, 12, 13, 14, 17, 24},
      .picture = "#..#.....###."
                 "............."
                 "............."
@@ -89,7 +115,10 @@ const ScaledCase kCases[] = {
                 "............."
                 "............."},
     {.name = "halved: rows 19 and 20 are both band row 10 and cancel",
-     .resolutionA = 720, .style = OS_ROW_SPANS, .count = 2, .words = {19, /**/ 0, 8, /**/ 0, 4},
+     .resolutionA = 720,
+     .style = OS_ROW_SPANS,
+     .count = 2,
+     .words = {19, /**/ 0, 8, /**/ 0, 4},
      .picture = "..##........."
                 "............."
                 "............."
@@ -98,7 +127,9 @@ const ScaledCase kCases[] = {
                 ".............",
      .place = {.top = 10}},
     {.name = "halved: row records",
-     .resolutionA = 720, .style = OS_ROW_RECORDS, .count = 4,
+     .resolutionA = 720,
+     .style = OS_ROW_RECORDS,
+     .count = 4,
      .words = {0, /**/ 2, 0, 2, /**/ 2, 0, 4, /**/ 2, 0, 6, /**/ 2, 0, 8},
      .picture = "#............"
                 "..#.........."
@@ -107,7 +138,11 @@ const ScaledCase kCases[] = {
                 "............."
                 "............."},
     {.name = "halved: byte deltas paint a band row twice",
-     .resolutionA = 720, .style = OS_BYTE_DELTAS, .count = 4, .words = {0, 0, 2}, .deltas = {0, 2, 0, 2, 0, 2},
+     .resolutionA = 720,
+     .style = OS_BYTE_DELTAS,
+     .count = 4,
+     .words = {0, 0, 2},
+     .deltas = {0, 2, 0, 2, 0, 2},
      .picture = "#............"
                 "..#.........."
                 "####........."
@@ -115,7 +150,10 @@ const ScaledCase kCases[] = {
                 "............."
                 "............."},
     {.name = "halved: nibble deltas drop the odd rows, deltas included",
-     .resolutionA = 720, .style = OS_NIBBLE_DELTAS, .count = 6, .words = {0, 0, 2},
+     .resolutionA = 720,
+     .style = OS_NIBBLE_DELTAS,
+     .count = 6,
+     .words = {0, 0, 2},
      .deltas = {0x20, 0x20, 0x20, 0x20, 0x20},
      .picture = "#............"
                 "###.........."
@@ -124,9 +162,16 @@ const ScaledCase kCases[] = {
                 "............."
                 "............."},
     {.name = "halved: nibble deltas starting on a dropped row with count 0 paint nothing",
-     .resolutionA = 720, .style = OS_NIBBLE_DELTAS, .count = 0, .words = {1, 0, 20}, .picture = kEmptySpanPicture},
+     .resolutionA = 720,
+     .style = OS_NIBBLE_DELTAS,
+     .count = 0,
+     .words = {1, 0, 20},
+     .picture = kEmptySpanPicture},
     {.name = "halved: byte deltas starting on that row with count 0 paint one row",
-     .resolutionA = 720, .style = OS_BYTE_DELTAS, .count = 0, .words = {1, 0, 20},
+     .resolutionA = 720,
+     .style = OS_BYTE_DELTAS,
+     .count = 0,
+     .words = {1, 0, 20},
      .picture = "............."
                 "##########..."
                 "............."
@@ -134,7 +179,10 @@ const ScaledCase kCases[] = {
                 "............."
                 "............."},
     {.name = "halved: banded rows between the mapped ends",
-     .resolutionA = 720, .style = 105, .count = 1, .words = {2, 1, 8, 0, 2, 2},
+     .resolutionA = 720,
+     .style = 105,
+     .count = 1,
+     .words = {2, 1, 8, 0, 2, 2},
      .picture = "............."
                 "#............"
                 "#............"
@@ -142,7 +190,11 @@ const ScaledCase kCases[] = {
                 "............."
                 "............."},
     {.name = "two thirds: nibble deltas lose every third row",
-     .resolutionA = 600, .resolutionB = 400, .style = OS_NIBBLE_DELTAS, .count = 6, .words = {0, 0, 3},
+     .resolutionA = 600,
+     .resolutionB = 400,
+     .style = OS_NIBBLE_DELTAS,
+     .count = 6,
+     .words = {0, 0, 3},
      .deltas = {0x30, 0x30, 0x30, 0x30, 0x30},
      .picture = "##..........."
                 "####........."
@@ -151,7 +203,10 @@ const ScaledCase kCases[] = {
                 "............."
                 "............."},
     {.name = "two thirds: row spans paint some band rows twice",
-     .resolutionA = 600, .resolutionB = 400, .style = OS_ROW_SPANS, .count = 6,
+     .resolutionA = 600,
+     .resolutionB = 400,
+     .style = OS_ROW_SPANS,
+     .count = 6,
      .words = {0, /**/ 0, 3, /**/ 0, 3, /**/ 0, 9, /**/ 0, 3, /**/ 0, 3, /**/ 0, 9},
      .picture = "##..........."
                 "..####......."
@@ -160,7 +215,10 @@ const ScaledCase kCases[] = {
                 "............."
                 "............."},
     {.name = "the clip is mapped as well",
-     .resolutionA = 720, .style = OS_BANDED_SPANS, .count = 1, .words = {2, 0, 100, 0, 100, 2},
+     .resolutionA = 720,
+     .style = OS_BANDED_SPANS,
+     .count = 1,
+     .words = {2, 0, 100, 0, 100, 2},
      .picture = "............."
                 ".##.........."
                 ".##.........."
@@ -169,7 +227,10 @@ const ScaledCase kCases[] = {
                 ".............",
      .clip = {1, 1, 5, 5}},
     {.name = "the origin is added before the mapping",
-     .resolutionA = 720, .style = OS_SCANLINES, .count = 2, .words = {0, 1, 1, 5},
+     .resolutionA = 720,
+     .style = OS_SCANLINES,
+     .count = 2,
+     .words = {0, 1, 1, 5},
      .picture = "............."
                 "............."
                 "..##........."
@@ -178,7 +239,10 @@ const ScaledCase kCases[] = {
                 ".............",
      .place = {.originX = 3, .originY = 2}},
     {.name = "negative coordinates round away from zero too",
-     .resolutionA = 720, .style = OS_ROW_SPANS, .count = 3, .words = {-5, /**/ -5, 0, /**/ -4, 0, /**/ -1, 1},
+     .resolutionA = 720,
+     .style = OS_ROW_SPANS,
+     .count = 3,
+     .words = {-5, /**/ -5, 0, /**/ -4, 0, /**/ -1, 1},
      .picture = "...###......."
                 "....#.#......"
                 "............."
@@ -187,7 +251,11 @@ const ScaledCase kCases[] = {
                 ".............",
      .place = {.left = -6, .top = -3}},
     {.name = "nibble deltas drop rows above the page's top",
-     .resolutionA = 360, .style = OS_NIBBLE_DELTAS, .count = 4, .words = {-2, 0, 1}, .deltas = {0x10, 0x10, 0x10},
+     .resolutionA = 360,
+     .style = OS_NIBBLE_DELTAS,
+     .count = 4,
+     .words = {-2, 0, 1},
+     .deltas = {0x10, 0x10, 0x10},
      .picture = "............."
                 "............."
                 "............."
@@ -269,8 +337,8 @@ TEST(OutputScaled, GrayModeGraysWhatItWrites) {
         if (fill == 1 && column % 2 != 0) continue;
         expected.Put(column, 1, c.result(ink, expected.Get(column, 1)));
       }
-      PaintRow(device, 2, 7, 1, {.pen = fill == 0 ? &pen : nullptr, .brush = fill == 0 ? nullptr : &hatch,
-                                 .drawMode = &mode});
+      PaintRow(device, 2, 7, 1,
+               {.pen = fill == 0 ? &pen : nullptr, .brush = fill == 0 ? nullptr : &hatch, .drawMode = &mode});
       EXPECT_TRUE(SamePlane(expected, CurrentBand(device))) << c.name << (fill == 0 ? ", solid" : ", hatched");
     }
   }

@@ -82,7 +82,11 @@ TEST(Rop2, EveryCodeFillAndDevice) {
     const FillCase fills[] = {
         {"solid pen", SolidPen(setup.handle(), kInk), none, true, OPAQUE, SolidAt},
         {"solid brush", {}, SolidBrush(setup.handle(), kInk), false, TRANSPARENT, SolidAt},
-        {"transparent hatch", {}, HatchBrush(setup.handle(), HS_VERTICAL, kInk), false, TRANSPARENT,
+        {"transparent hatch",
+         {},
+         HatchBrush(setup.handle(), HS_VERTICAL, kInk),
+         false,
+         TRANSPARENT,
          TransparentVerticalAt},
         {"opaque hatch", {}, HatchBrush(setup.handle(), HS_VERTICAL, kInk), false, OPAQUE, OpaqueVerticalAt},
         {"pattern", {}, PatternBrush(setup.handle(), pattern), false, TRANSPARENT, PatternAt},

@@ -74,13 +74,17 @@ TEST(TextAdvance, VariablePitch) {
 
 // A fixed-pitch font takes every width from its record, whatever its table says.
 TEST(TextAdvance, FixedPitch) {
-  const Font font = FontBuilder({.height = 2, .firstChar = 'a', .lastChar = 'b', .variablePitch = false,
-                                 .fixedWidth = 4})
-                        .Glyph('a', 4, "##.."
-                                       "...#", 99)
-                        .Glyph('b', 4, ".##."
-                                       "#...", 1)
-                        .Build();
+  const Font font =
+      FontBuilder({.height = 2, .firstChar = 'a', .lastChar = 'b', .variablePitch = false, .fixedWidth = 4})
+          .Glyph('a', 4,
+                 "##.."
+                 "...#",
+                 99)
+          .Glyph('b', 4,
+                 ".##."
+                 "#...",
+                 1)
+          .Build();
   struct Case {
     const char* name;
     std::string text;

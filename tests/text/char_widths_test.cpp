@@ -49,8 +49,8 @@ TEST(CharWidths, WidthsAreFenced) {
   TestDevice device({.width = 20, .height = 1});
   DRAWMODE mode = TextMode();
   const FencedInput widths({4, 0, 6, 0, 3, 0});
-  EXPECT_EQ(11, DrawTextAt(device, 0, 0, "bab", font, mode,
-                           {.charWidths = static_cast<const int16_t*>(widths.data())}));
+  EXPECT_EQ(11,
+            DrawTextAt(device, 0, 0, "bab", font, mode, {.charWidths = static_cast<const int16_t*>(widths.data())}));
   EXPECT_TRUE(widths.Unchanged());
 }
 

@@ -30,21 +30,27 @@ struct ClipCase {
 };
 
 const ClipCase kCases[] = {
-    {.name = "inside", .x = 4, .y = 1,
+    {.name = "inside",
+     .x = 4,
+     .y = 1,
      .picture = "............."
                 "....TTT......"
                 "....TBT......"
                 "....TBT......"
                 "....TTT......"
                 "............."},
-    {.name = "band cuts the left and top", .x = -1, .y = -2,
+    {.name = "band cuts the left and top",
+     .x = -1,
+     .y = -2,
      .picture = "BT..........."
                 "TT..........."
                 "............."
                 "............."
                 "............."
                 "............."},
-    {.name = "band cuts the right and bottom", .x = 11, .y = 4,
+    {.name = "band cuts the right and bottom",
+     .x = 11,
+     .y = 4,
      .picture = "............."
                 "............."
                 "............."
@@ -55,21 +61,33 @@ const ClipCase kCases[] = {
     {.name = "below the band", .x = 0, .y = 6},
     {.name = "above the band", .x = 0, .y = -4},
     {.name = "left of the band", .x = -3, .y = 0},
-    {.name = "clip cuts all sides of a wide glyph", .text = "c", .x = 1, .y = 1, .clip = {3, 2, 10, 4},
+    {.name = "clip cuts all sides of a wide glyph",
+     .text = "c",
+     .x = 1,
+     .y = 1,
+     .clip = {3, 2, 10, 4},
      .picture = "............."
                 "............."
                 "...TBBBBTT..."
                 "...BTTTTBB..."
                 "............."
                 "............."},
-    {.name = "clip starts in the second column of glyph bytes", .text = "c", .x = 1, .y = 1, .clip = {10, 0, 13, 6},
+    {.name = "clip starts in the second column of glyph bytes",
+     .text = "c",
+     .x = 1,
+     .y = 1,
+     .clip = {10, 0, 13, 6},
      .picture = "............."
                 "..........T.."
                 "..........B.."
                 "..........B.."
                 "..........T.."
                 "............."},
-    {.name = "clip starts on the second column's edge", .text = "c", .x = 1, .y = 1, .clip = {9, 3, 11, 5},
+    {.name = "clip starts on the second column's edge",
+     .text = "c",
+     .x = 1,
+     .y = 1,
+     .clip = {9, 3, 11, 5},
      .picture = "............."
                 "............."
                 "............."
@@ -80,21 +98,34 @@ const ClipCase kCases[] = {
     {.name = "clip of four zeros clips everything", .x = 0, .y = 0, .clip = {0, 0, 0, 0}},
     {.name = "upside-down clip clips everything", .x = 0, .y = 0, .clip = {0, 6, 13, 0}},
     {.name = "clip outside the band clips everything", .x = 0, .y = 0, .clip = {20, 0, 30, 6}},
-    {.name = "the origin moves text and clip", .x = 1, .y = -4, .clip = {2, -4, 9, -2}, .originX = 3, .originY = 5,
+    {.name = "the origin moves text and clip",
+     .x = 1,
+     .y = -4,
+     .clip = {2, -4, 9, -2},
+     .originX = 3,
+     .originY = 5,
      .picture = "............."
                 ".....TT......"
                 ".....BT......"
                 "............."
                 "............."
                 "............."},
-    {.name = "band elsewhere on the page", .x = 99, .y = 198, .bandLeft = 100, .bandTop = 200,
+    {.name = "band elsewhere on the page",
+     .x = 99,
+     .y = 198,
+     .bandLeft = 100,
+     .bandTop = 200,
      .picture = "BT..........."
                 "TT..........."
                 "............."
                 "............."
                 "............."
                 "............."},
-    {.name = "several characters across the clip's edges", .text = "aaaa", .x = 0, .y = 0, .clip = {2, 0, 11, 1},
+    {.name = "several characters across the clip's edges",
+     .text = "aaaa",
+     .x = 0,
+     .y = 0,
+     .clip = {2, 0, 11, 1},
      .picture = "..TTTTTTTTT.."
                 "............."
                 "............."
@@ -104,14 +135,21 @@ const ClipCase kCases[] = {
     // A character is passed over when it ends left of device column 0, even where the band reaches further left.
     {.name = "left of column 0 although the band holds it", .x = -8, .y = 1, .bandLeft = -10},
     {.name = "one column short of column 0", .x = -4, .y = 1, .bandLeft = -10},
-    {.name = "ending exactly at column 0", .x = -3, .y = 1, .bandLeft = -10,
+    {.name = "ending exactly at column 0",
+     .x = -3,
+     .y = 1,
+     .bandLeft = -10,
      .picture = "............."
                 ".......TTT..."
                 ".......TBT..."
                 ".......TBT..."
                 ".......TTT..."
                 "............."},
-    {.name = "passed-over characters still move the pen", .text = "abbbbb", .x = -7, .y = 0, .bandLeft = -10,
+    {.name = "passed-over characters still move the pen",
+     .text = "abbbbb",
+     .x = -7,
+     .y = 0,
+     .bandLeft = -10,
      .picture = ".........TT.."
                 ".........TT.."
                 ".........BB.."
@@ -119,21 +157,30 @@ const ClipCase kCases[] = {
                 "............."
                 "............."},
     // Rows have no such rule.
-    {.name = "ending above row 0 in a band that reaches up", .x = 0, .y = -6, .bandTop = -7,
+    {.name = "ending above row 0 in a band that reaches up",
+     .x = 0,
+     .y = -6,
+     .bandTop = -7,
      .picture = "............."
                 "TTT.........."
                 "TBT.........."
                 "TBT.........."
                 "TTT.........."
                 "............."},
-    {.name = "rows end at 32767", .x = 0, .y = 32765, .bandTop = 32763,
+    {.name = "rows end at 32767",
+     .x = 0,
+     .y = 32765,
+     .bandTop = 32763,
      .picture = "............."
                 "............."
                 "TTT.........."
                 "TBT.........."
                 "............."
                 "............."},
-    {.name = "columns end at 32767", .x = 32765, .y = 0, .bandLeft = 32760,
+    {.name = "columns end at 32767",
+     .x = 32765,
+     .y = 0,
+     .bandLeft = 32760,
      .picture = ".....TT......"
                 ".....TB......"
                 ".....TB......"
@@ -148,8 +195,8 @@ TEST(TextClipping, Cases) {
     for (uint16_t depth : {uint16_t{24}, uint16_t{8}}) {
       const Font font = SmallFont({.table = table}).Build();
       for (const ClipCase& c : kCases) {
-        TestDevice device({.bitsPerPixel = depth, .width = kColumns, .height = kRows, .left = c.bandLeft,
-                           .top = c.bandTop});
+        TestDevice device(
+            {.bitsPerPixel = depth, .width = kColumns, .height = kRows, .left = c.bandLeft, .top = c.bandTop});
         device.SetOrigin(c.originX, c.originY);
         DRAWMODE mode = TextMode(OPAQUE);
         const BandRect clip = c.clip;
@@ -173,14 +220,22 @@ struct ClippedCase {
 // ETO_CLIPPED cuts text to the opaque rectangle too, in caller coordinates as the clip rectangle.
 TEST(TextClipping, ClippedToTheOpaqueRectangle) {
   const ClippedCase cases[] = {
-      {"alone", false, {}, {4, 2, 6, 5}, ETO_CLIPPED,
+      {"alone",
+       false,
+       {},
+       {4, 2, 6, 5},
+       ETO_CLIPPED,
        "............."
        "............."
        "....TB......."
        "....TB......."
        "....TT......."
        "............."},
-      {"with a clip rectangle: what both hold", true, {5, 0, 13, 4}, {0, 2, 7, 6}, ETO_CLIPPED,
+      {"with a clip rectangle: what both hold",
+       true,
+       {5, 0, 13, 4},
+       {0, 2, 7, 6},
+       ETO_CLIPPED,
        "............."
        "............."
        ".....BT......"
@@ -189,14 +244,22 @@ TEST(TextClipping, ClippedToTheOpaqueRectangle) {
        "............."},
       {"with a clip rectangle that it misses", true, {0, 0, 4, 6}, {4, 0, 13, 6}, ETO_CLIPPED, kNothing},
       {"an empty rectangle clips everything", false, {}, {4, 2, 4, 5}, ETO_CLIPPED, kNothing},
-      {"not asked for", true, {0, 0, 13, 6}, {4, 2, 6, 5}, 0,
+      {"not asked for",
+       true,
+       {0, 0, 13, 6},
+       {4, 2, 6, 5},
+       0,
        "............."
        "....TTT......"
        "....TBT......"
        "....TBT......"
        "....TTT......"
        "............."},
-      {"other options do nothing", true, {0, 0, 13, 6}, {4, 2, 6, 5}, 0xFFF9,
+      {"other options do nothing",
+       true,
+       {0, 0, 13, 6},
+       {4, 2, 6, 5},
+       0xFFF9,
        "............."
        "....TTT......"
        "....TBT......"
@@ -210,9 +273,9 @@ TEST(TextClipping, ClippedToTheOpaqueRectangle) {
       TestDevice device({.width = kColumns, .height = kRows, .left = origin ? 20 : 0, .top = origin ? -9 : 0});
       if (origin) device.SetOrigin(20, -9);
       DRAWMODE mode = TextMode(OPAQUE);
-      const int32_t advance = DrawTextAt(
-          device, 4, 1, "a", font, mode,
-          {.clip = c.withClip ? &c.clip : nullptr, .opaqueRect = &c.opaqueRect, .options = c.options});
+      const int32_t advance =
+          DrawTextAt(device, 4, 1, "a", font, mode,
+                     {.clip = c.withClip ? &c.clip : nullptr, .opaqueRect = &c.opaqueRect, .options = c.options});
       EXPECT_EQ(3, advance) << c.name;
       EXPECT_TRUE(BandIs(device, TextInks(), c.picture)) << c.name << (origin ? ", origin" : "");
     }
@@ -248,8 +311,11 @@ TEST(TextClipping, LimitsWithoutAClipRectangle) {
   for (const LimitCase& c : cases) {
     for (bool sameResolution : {true, false}) {
       // The limits are the description's own numbers, not the sizes scaled to resolution B.
-      TestDevice device({.width = c.width, .height = c.height, .resolutionA = 360,
-                         .resolutionB = static_cast<uint16_t>(sameResolution ? 360 : 720), .left = c.bandLeft,
+      TestDevice device({.width = c.width,
+                         .height = c.height,
+                         .resolutionA = 360,
+                         .resolutionB = static_cast<uint16_t>(sameResolution ? 360 : 720),
+                         .left = c.bandLeft,
                          .top = c.bandTop});
       DRAWMODE mode = TextMode();
       PicturePlane expected = UntouchedBand(device);

@@ -29,15 +29,13 @@ const DefaultCase kCases[] = {
 TEST(DefaultChar, Codes) {
   for (TableForm table : {TableForm::kShort, TableForm::kLong}) {
     for (const DefaultCase& c : kCases) {
-      const Font font = FontBuilder({.height = 1,
-                                     .firstChar = c.first,
-                                     .lastChar = c.last,
-                                     .defaultChar = c.defaultChar,
-                                     .table = table})
-                            .Glyph(c.first, 1, ".")
-                            .Glyph(static_cast<uint16_t>(c.first + 1), 2, "#.")
-                            .Glyph(static_cast<uint16_t>(c.first + 2), 3, "##.")
-                            .Build();
+      const Font font =
+          FontBuilder(
+              {.height = 1, .firstChar = c.first, .lastChar = c.last, .defaultChar = c.defaultChar, .table = table})
+              .Glyph(c.first, 1, ".")
+              .Glyph(static_cast<uint16_t>(c.first + 1), 2, "#.")
+              .Glyph(static_cast<uint16_t>(c.first + 2), 3, "##.")
+              .Build();
       TestDevice device({.width = 16, .height = 1});
       DRAWMODE mode = TextMode();
       EXPECT_EQ(c.advance, DrawTextAt(device, 0, 0, c.text, font, mode)) << c.name;

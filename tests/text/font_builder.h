@@ -36,8 +36,8 @@ struct FontShape {
   int16_t fixedWidth = 0;
   TableForm table = TableForm::kLong;
   bool twoByte = false;
-  uint16_t offset = 0;     // of the font record from the block's base
-  uint16_t typeBits = 0;   // put into the type besides those of the table and the character size
+  uint16_t offset = 0;    // of the font record from the block's base
+  uint16_t typeBits = 0;  // put into the type besides those of the table and the character size
 };
 
 class FontBuilder {
@@ -161,8 +161,8 @@ inline int32_t DrawTextAt(const TestDevice& device, int32_t x, int32_t y, std::s
                           DRAWMODE& mode, const TextSetup& setup = {}) {
   const FencedInput string(std::vector<uint8_t>(text.begin(), text.end()));
   const int32_t result =
-      QNVDevExtTextOut(device.handle(), x, y, setup.clip, string.data(), static_cast<int32_t>(text.size()),
-                       font.base(), font.offset(), &mode, nullptr, setup.charWidths, setup.opaqueRect, setup.options);
+      QNVDevExtTextOut(device.handle(), x, y, setup.clip, string.data(), static_cast<int32_t>(text.size()), font.base(),
+                       font.offset(), &mode, nullptr, setup.charWidths, setup.opaqueRect, setup.options);
   EXPECT_TRUE(string.Unchanged() && font.Unchanged()) << "input was written";
   return result;
 }

@@ -69,8 +69,10 @@ TEST(TextMeasuring, CountZeroMeasuresNothing) {
 TEST(TextMeasuring, FixedPitch) {
   const Font font =
       FontBuilder({.height = 2, .firstChar = 'a', .lastChar = 'a', .variablePitch = false, .fixedWidth = 4})
-          .Glyph('a', 4, "####"
-                         "####", 50)
+          .Glyph('a', 4,
+                 "####"
+                 "####",
+                 50)
           .Build();
   TestDevice device({.width = 20, .height = 8});
   DRAWMODE mode = TextMode(OPAQUE);

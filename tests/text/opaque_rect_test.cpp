@@ -42,14 +42,17 @@ const char* const kNothing =
     ".............";
 
 const OpaqueCase kCases[] = {
-    {.name = "below transparent text", .rect = {3, 0, 9, 3},
+    {.name = "below transparent text",
+     .rect = {3, 0, 9, 3},
      .picture = "...OOOOOO...."
                 "...OTTTOO...."
                 "...OTOTOO...."
                 "....T.T......"
                 "....TTT......"
                 "............."},
-    {.name = "below opaque text", .rect = {3, 0, 9, 3}, .bkMode = OPAQUE,
+    {.name = "below opaque text",
+     .rect = {3, 0, 9, 3},
+     .bkMode = OPAQUE,
      .picture = "...OOOOOO...."
                 "...OTTTOO...."
                 "...OTBTOO...."
@@ -57,21 +60,17 @@ const OpaqueCase kCases[] = {
                 "....TTT......"
                 "............."},
     {.name = "without the option nothing is filled", .rect = {3, 0, 9, 3}, .options = 0, .picture = kTextAlone},
-    {.name = "the fill is cut to the clip", .clip = {5, 0, 8, 6}, .rect = {3, 0, 9, 3},
+    {.name = "the fill is cut to the clip",
+     .clip = {5, 0, 8, 6},
+     .rect = {3, 0, 9, 3},
      .picture = ".....OOO....."
                 ".....TTO....."
                 ".....OTO....."
                 "......T......"
                 ".....TT......"
                 "............."},
-    {.name = "clipped: the text is cut to it as well", .rect = {3, 0, 6, 3}, .options = ETO_OPAQUE | ETO_CLIPPED,
-     .picture = "...OOO......."
-                "...OTT......."
-                "...OTO......."
-                "............."
-                "............."
-                "............."},
-    {.name = "clipped without a clip rectangle", .withClip = false, .rect = {3, 0, 6, 3},
+    {.name = "clipped: the text is cut to it as well",
+     .rect = {3, 0, 6, 3},
      .options = ETO_OPAQUE | ETO_CLIPPED,
      .picture = "...OOO......."
                 "...OTT......."
@@ -79,7 +78,19 @@ const OpaqueCase kCases[] = {
                 "............."
                 "............."
                 "............."},
-    {.name = "clipped, with a clip rectangle: both cut both", .clip = {5, 1, 13, 6}, .rect = {3, 0, 9, 3},
+    {.name = "clipped without a clip rectangle",
+     .withClip = false,
+     .rect = {3, 0, 6, 3},
+     .options = ETO_OPAQUE | ETO_CLIPPED,
+     .picture = "...OOO......."
+                "...OTT......."
+                "...OTO......."
+                "............."
+                "............."
+                "............."},
+    {.name = "clipped, with a clip rectangle: both cut both",
+     .clip = {5, 1, 13, 6},
+     .rect = {3, 0, 9, 3},
      .options = ETO_OPAQUE | ETO_CLIPPED,
      .picture = "............."
                 ".....TTOO...."
@@ -87,9 +98,12 @@ const OpaqueCase kCases[] = {
                 "............."
                 "............."
                 "............."},
-    {.name = "a rectangle outside the clip fills nothing", .clip = {0, 0, 3, 6}, .rect = {3, 0, 9, 3},
+    {.name = "a rectangle outside the clip fills nothing",
+     .clip = {0, 0, 3, 6},
+     .rect = {3, 0, 9, 3},
      .picture = kNothing},
-    {.name = "larger than the band", .rect = {-100, -100, 100, 100},
+    {.name = "larger than the band",
+     .rect = {-100, -100, 100, 100},
      .picture = "OOOOOOOOOOOOO"
                 "OOOOTTTOOOOOO"
                 "OOOOTOTOOOOOO"
@@ -98,7 +112,12 @@ const OpaqueCase kCases[] = {
                 "OOOOOOOOOOOOO"},
     {.name = "an empty rectangle", .rect = {3, 2, 3, 5}, .picture = kTextAlone},
     {.name = "an upside-down rectangle", .rect = {9, 3, 3, 0}, .picture = kTextAlone},
-    {.name = "the origin moves it", .x = 1, .y = 3, .rect = {0, 2, 6, 5}, .originX = 3, .originY = -2,
+    {.name = "the origin moves it",
+     .x = 1,
+     .y = 3,
+     .rect = {0, 2, 6, 5},
+     .originX = 3,
+     .originY = -2,
      .picture = "...OOOOOO...."
                 "...OTTTOO...."
                 "...OTOTOO...."
@@ -106,30 +125,46 @@ const OpaqueCase kCases[] = {
                 "....TTT......"
                 "............."},
     // What lies left of or above 0 in the caller's coordinates is not filled, wherever the origin puts it.
-    {.name = "the part left of the caller's 0 is not filled", .x = 0, .y = 1, .rect = {-3, 0, 4, 3}, .originX = 4,
+    {.name = "the part left of the caller's 0 is not filled",
+     .x = 0,
+     .y = 1,
+     .rect = {-3, 0, 4, 3},
+     .originX = 4,
      .picture = "....OOOO....."
                 "....TTTO....."
                 "....TOTO....."
                 "....T.T......"
                 "....TTT......"
                 "............."},
-    {.name = "the part above the caller's 0 is not filled", .x = 4, .y = 0, .rect = {3, -1, 9, 2}, .originY = 1,
+    {.name = "the part above the caller's 0 is not filled",
+     .x = 4,
+     .y = 0,
+     .rect = {3, -1, 9, 2},
+     .originY = 1,
      .picture = "............."
                 "...OTTTOO...."
                 "...OTOTOO...."
                 "....T.T......"
                 "....TTT......"
                 "............."},
-    {.name = "wholly left of the caller's 0", .x = 0, .y = 1, .rect = {-3, 0, 0, 3}, .originX = 4,
+    {.name = "wholly left of the caller's 0",
+     .x = 0,
+     .y = 1,
+     .rect = {-3, 0, 0, 3},
+     .originX = 4,
      .picture = kTextAlone},
-    {.name = "a measuring call fills too", .count = -1, .rect = {3, 0, 9, 3},
+    {.name = "a measuring call fills too",
+     .count = -1,
+     .rect = {3, 0, 9, 3},
      .picture = "...OOOOOO...."
                 "...OOOOOO...."
                 "...OOOOOO...."
                 "............."
                 "............."
                 "............."},
-    {.name = "so does a call with no character", .count = 0, .rect = {3, 0, 9, 3},
+    {.name = "so does a call with no character",
+     .count = 0,
+     .rect = {3, 0, 9, 3},
      .picture = "...OOOOOO...."
                 "...OOOOOO...."
                 "...OOOOOO...."
@@ -147,9 +182,9 @@ TEST(OpaqueRect, Cases) {
       DRAWMODE mode = TextMode(c.bkMode);
       const BandRect clip = c.clip;
       const BandRect rect = c.rect;
-      const int32_t result = QNVDevExtTextOut(device.handle(), c.x, c.y, c.withClip ? &clip : nullptr, c.text.data(),
-                                              c.count, font.base(), font.offset(), &mode, nullptr, nullptr, &rect,
-                                              c.options);
+      const int32_t result =
+          QNVDevExtTextOut(device.handle(), c.x, c.y, c.withClip ? &clip : nullptr, c.text.data(), c.count, font.base(),
+                           font.offset(), &mode, nullptr, nullptr, &rect, c.options);
       EXPECT_EQ(c.count > 0 ? 3 : Extent(4, c.count < 0 ? 3 : 0), result) << c.name;
       // The fill goes through a brush, so on a gray band its colour is the gray level; the text's is one byte of it.
       PictureInks inks = TextInks();
@@ -168,8 +203,8 @@ TEST(OpaqueRect, NoCharactersWithWidths) {
   DRAWMODE mode = TextMode();
   const BandRect rect{1, 0, 3, 1};
   const int16_t widths[1] = {5};
-  EXPECT_EQ(0, DrawTextAt(device, 0, 0, "", font, mode,
-                          {.charWidths = widths, .opaqueRect = &rect, .options = ETO_OPAQUE}));
+  EXPECT_EQ(
+      0, DrawTextAt(device, 0, 0, "", font, mode, {.charWidths = widths, .opaqueRect = &rect, .options = ETO_OPAQUE}));
   EXPECT_TRUE(BandIs(device, {{'O', kBackColour}},
                      ".OO..."
                      "......"));

@@ -41,21 +41,27 @@ const DualCase kCases[] = {
              "....1.1......"
              "....111......"
              "............."},
-    {.name = "opaque", .bkMode = OPAQUE,
+    {.name = "opaque",
+     .bkMode = OPAQUE,
      .tags = "............."
              "....111......"
              "....101......"
              "....101......"
              "....111......"
              "............."},
-    {.name = "clipped", .bkMode = OPAQUE, .clip = {5, 0, 13, 4},
+    {.name = "clipped",
+     .bkMode = OPAQUE,
+     .clip = {5, 0, 13, 4},
      .tags = "............."
              ".....11......"
              ".....01......"
              ".....01......"
              "............."
              "............."},
-    {.name = "opaque rectangle below opaque text", .bkMode = OPAQUE, .withRect = true, .rect = {2, 0, 9, 6},
+    {.name = "opaque rectangle below opaque text",
+     .bkMode = OPAQUE,
+     .withRect = true,
+     .rect = {2, 0, 9, 6},
      .options = ETO_OPAQUE,
      .tags = "..1111111...."
              "..1111111...."
@@ -63,14 +69,20 @@ const DualCase kCases[] = {
              "..1110111...."
              "..1111111...."
              "..1111111...."},
-    {.name = "opaque rectangle below transparent text", .withRect = true, .rect = {2, 0, 9, 3}, .options = ETO_OPAQUE,
+    {.name = "opaque rectangle below transparent text",
+     .withRect = true,
+     .rect = {2, 0, 9, 3},
+     .options = ETO_OPAQUE,
      .tags = "..1111111...."
              "..1111111...."
              "..1111111...."
              "....1.1......"
              "....111......"
              "............."},
-    {.name = "the rectangle is cut to the clip", .clip = {0, 1, 6, 3}, .withRect = true, .rect = {2, 0, 9, 6},
+    {.name = "the rectangle is cut to the clip",
+     .clip = {0, 1, 6, 3},
+     .withRect = true,
+     .rect = {2, 0, 9, 6},
      .options = ETO_OPAQUE,
      .tags = "............."
              "..1111......."
@@ -78,16 +90,25 @@ const DualCase kCases[] = {
              "............."
              "............."
              "............."},
-    {.name = "the rectangle misses the clip", .clip = {0, 0, 2, 6}, .withRect = true, .rect = {2, 0, 9, 6},
-     .options = ETO_OPAQUE, .tags = kNoTags},
-    {.name = "a rectangle without the option", .withRect = true, .rect = {2, 0, 9, 6},
+    {.name = "the rectangle misses the clip",
+     .clip = {0, 0, 2, 6},
+     .withRect = true,
+     .rect = {2, 0, 9, 6},
+     .options = ETO_OPAQUE,
+     .tags = kNoTags},
+    {.name = "a rectangle without the option",
+     .withRect = true,
+     .rect = {2, 0, 9, 6},
      .tags = "............."
              "....111......"
              "....1.1......"
              "....1.1......"
              "....111......"
              "............."},
-    {.name = "clipped to the rectangle", .bkMode = OPAQUE, .withRect = true, .rect = {4, 2, 6, 6},
+    {.name = "clipped to the rectangle",
+     .bkMode = OPAQUE,
+     .withRect = true,
+     .rect = {4, 2, 6, 6},
      .options = ETO_CLIPPED,
      .tags = "............."
              "............."
@@ -95,7 +116,11 @@ const DualCase kCases[] = {
              "....10......."
              "....11......."
              "............."},
-    {.name = "clipped to and filled", .bkMode = OPAQUE, .withClip = false, .withRect = true, .rect = {4, 2, 6, 6},
+    {.name = "clipped to and filled",
+     .bkMode = OPAQUE,
+     .withClip = false,
+     .withRect = true,
+     .rect = {4, 2, 6, 6},
      .options = ETO_CLIPPED | ETO_OPAQUE,
      .tags = "............."
              "............."
@@ -103,9 +128,18 @@ const DualCase kCases[] = {
              "....10......."
              "....11......."
              "....11......."},
-    {.name = "measuring marks nothing", .count = -1, .bkMode = OPAQUE, .withRect = true, .rect = {2, 0, 9, 6},
-     .options = ETO_OPAQUE, .tags = kNoTags},
-    {.name = "no characters: the rectangle alone", .count = 0, .bkMode = OPAQUE, .withRect = true, .rect = {2, 0, 5, 2},
+    {.name = "measuring marks nothing",
+     .count = -1,
+     .bkMode = OPAQUE,
+     .withRect = true,
+     .rect = {2, 0, 9, 6},
+     .options = ETO_OPAQUE,
+     .tags = kNoTags},
+    {.name = "no characters: the rectangle alone",
+     .count = 0,
+     .bkMode = OPAQUE,
+     .withRect = true,
+     .rect = {2, 0, 5, 2},
      .options = ETO_OPAQUE,
      .tags = "..111........"
              "..111........"

@@ -34,7 +34,9 @@ struct ScaledCase {
 
 // The glyph 'c':  #........#  /  .##....##.  /  ...####...  /  ........##
 const ScaledCase kCases[] = {
-    {.name = "equal resolutions", .x = 1, .y = 1,
+    {.name = "equal resolutions",
+     .x = 1,
+     .y = 1,
      .picture = "............."
                 ".TBBBBBBBBT.."
                 ".BTTBBBBTTB.."
@@ -42,14 +44,18 @@ const ScaledCase kCases[] = {
                 ".BBBBBBBBTT.."
                 "............."},
     // Odd columns are dropped; rows 0, 1, 2, 3 land on 0, 1, 1, 2 and the later one stays.
-    {.name = "halved", .resolutionA = 720,
+    {.name = "halved",
+     .resolutionA = 720,
      .picture = "TBBBB........"
                 "BBTTB........"
                 "BBBBT........"
                 "............."
                 "............."
                 "............."},
-    {.name = "halved, starting on an odd column and row", .resolutionA = 720, .x = 1, .y = 1,
+    {.name = "halved, starting on an odd column and row",
+     .resolutionA = 720,
+     .x = 1,
+     .y = 1,
      .picture = "............."
                 ".TBBTB......."
                 ".BBBBT......."
@@ -57,14 +63,21 @@ const ScaledCase kCases[] = {
                 "............."
                 "............."},
     // Every row has a band row of its own, every other band row stays; columns take the last place of theirs.
-    {.name = "doubled", .resolutionB = 720, .text = "a", .advance = 3,
+    {.name = "doubled",
+     .resolutionB = 720,
+     .text = "a",
+     .advance = 3,
      .picture = ".T.T.T......."
                 "............."
                 ".T.B.T......."
                 "............."
                 ".T.B.T......."
                 "............."},
-    {.name = "doubled, columns in the second inch", .resolutionB = 720, .text = "a", .x = 359, .advance = 3,
+    {.name = "doubled, columns in the second inch",
+     .resolutionB = 720,
+     .text = "a",
+     .x = 359,
+     .advance = 3,
      .bandLeft = 716,
      .picture = "...T.T.T....."
                 "............."
@@ -73,14 +86,18 @@ const ScaledCase kCases[] = {
                 "...T.B.T....."
                 "............."},
     // Of three columns the third is dropped; rows 0..3 land on 0, 1, 1, 2.
-    {.name = "two thirds", .resolutionA = 600, .resolutionB = 400,
+    {.name = "two thirds",
+     .resolutionA = 600,
+     .resolutionB = 400,
      .picture = "TBBBBBT......"
                 "BBTTTBB......"
                 "BBBBBBT......"
                 "............."
                 "............."
                 "............."},
-    {.name = "clip in caller pixels", .resolutionA = 720, .clip = {3, 1, 8, 4},
+    {.name = "clip in caller pixels",
+     .resolutionA = 720,
+     .clip = {3, 1, 8, 4},
      .picture = "............."
                 "..TT........."
                 "..BB........."
@@ -88,14 +105,22 @@ const ScaledCase kCases[] = {
                 "............."
                 "............."},
     {.name = "clip outside the mapped band", .resolutionA = 720, .clip = {26, 0, 100, 100}},
-    {.name = "the clip is met with the mapped band", .resolutionA = 720, .x = 20,
+    {.name = "the clip is met with the mapped band",
+     .resolutionA = 720,
+     .x = 20,
      .picture = "..........TBB"
                 "..........BBT"
                 "..........BBB"
                 "............."
                 "............."
                 "............."},
-    {.name = "origin in caller pixels", .resolutionA = 720, .text = "a", .x = 1, .y = 1, .advance = 3, .originX = 3,
+    {.name = "origin in caller pixels",
+     .resolutionA = 720,
+     .text = "a",
+     .x = 1,
+     .y = 1,
+     .advance = 3,
+     .originX = 3,
      .originY = 1,
      .picture = "............."
                 "..TT........."
@@ -103,24 +128,34 @@ const ScaledCase kCases[] = {
                 "..TT........."
                 "............."
                 "............."},
-    {.name = "band further down the page", .resolutionA = 720, .text = "a", .x = 20, .y = 40, .advance = 3,
-     .bandLeft = 8, .bandTop = 21,
+    {.name = "band further down the page",
+     .resolutionA = 720,
+     .text = "a",
+     .x = 20,
+     .y = 40,
+     .advance = 3,
+     .bandLeft = 8,
+     .bandTop = 21,
      .picture = "..TT........."
                 "..TT........."
                 "............."
                 "............."
                 "............."
                 "............."},
-    {.name = "left of the page is passed over", .resolutionA = 720, .text = "a", .x = -4, .advance = 3,
-     .bandLeft = -6},
+    {.name = "left of the page is passed over", .resolutionA = 720, .text = "a", .x = -4, .advance = 3, .bandLeft = -6},
 };
 
 TEST(TextScaled, Cases) {
   for (TableForm table : {TableForm::kShort, TableForm::kLong}) {
     const Font font = SmallFont({.table = table}).Build();
     for (const ScaledCase& c : kCases) {
-      TestDevice device({.kind = QNV_KIND_SCALED, .width = kColumns, .height = kRows, .resolutionA = c.resolutionA,
-                         .resolutionB = c.resolutionB, .left = c.bandLeft, .top = c.bandTop});
+      TestDevice device({.kind = QNV_KIND_SCALED,
+                         .width = kColumns,
+                         .height = kRows,
+                         .resolutionA = c.resolutionA,
+                         .resolutionB = c.resolutionB,
+                         .left = c.bandLeft,
+                         .top = c.bandTop});
       device.SetOrigin(c.originX, c.originY);
       DRAWMODE mode = TextMode(OPAQUE);
       EXPECT_EQ(c.advance, DrawTextAt(device, c.x, c.y, c.text, font, mode, {.clip = &c.clip})) << c.name;
@@ -155,8 +190,11 @@ TEST(TextScaled, EqualResolutionsEqualThePlainDevice) {
           PicturePlane planes[2];
           int32_t results[2];
           for (int i = 0; i < 2; ++i) {
-            TestDevice device({.kind = static_cast<uint16_t>(i == 0 ? QNV_KIND_SCALED : QNV_KIND_RASTER), .width = 25,
-                               .height = 20, .resolutionA = resolution, .resolutionB = resolution});
+            TestDevice device({.kind = static_cast<uint16_t>(i == 0 ? QNV_KIND_SCALED : QNV_KIND_RASTER),
+                               .width = 25,
+                               .height = 20,
+                               .resolutionA = resolution,
+                               .resolutionB = resolution});
             device.SetOrigin(origin, origin);
             DRAWMODE mode = TextMode(OPAQUE);
             results[i] = DrawTextAt(device, 1, 2, "acbd", font, mode,
@@ -168,8 +206,8 @@ TEST(TextScaled, EqualResolutionsEqualThePlainDevice) {
             EXPECT_TRUE(device.FencesIntact());
           }
           EXPECT_EQ(results[1], results[0]);
-          EXPECT_TRUE(SamePlane(planes[1], planes[0]))
-              << resolution << " dots, origin " << origin << (withClip ? ", clip" : "") << (withWidths ? ", widths" : "");
+          EXPECT_TRUE(SamePlane(planes[1], planes[0])) << resolution << " dots, origin " << origin
+                                                       << (withClip ? ", clip" : "") << (withWidths ? ", widths" : "");
         }
       }
     }

@@ -94,25 +94,46 @@ struct LeftCase {
 // The leftward test looks at the first of the given widths, and at 0 when there are none, not at the glyph's own.
 TEST(TwoByteText, LeftwardTest) {
   const LeftCase cases[] = {
-      {"without widths: column -1 is left", -1, {5}, {},
+      {"without widths: column -1 is left",
+       -1,
+       {5},
+       {},
        "...................."
        "...................."},
-      {"without widths: column 0 is not", 0, {5}, {},
+      {"without widths: column 0 is not",
+       0,
+       {5},
+       {},
        "............T.T....."
        ".............T......"},
-      {"a large first width paints far left", -10, {5}, {10},
+      {"a large first width paints far left",
+       -10,
+       {5},
+       {10},
        "..T.T..............."
        "...T................"},
-      {"one less does not", -10, {5}, {9},
+      {"one less does not",
+       -10,
+       {5},
+       {9},
        "...................."
        "...................."},
-      {"the first width serves every character", -9, {5, 5}, {4, 30},
+      {"the first width serves every character",
+       -9,
+       {5, 5},
+       {4, 30},
        "...................."
        "...................."},
-      {"a small first width drops what the glyph still shows", -1, {300}, {0},
+      {"a small first width drops what the glyph still shows",
+       -1,
+       {300},
+       {0},
        "...................."
        "...................."},
-      {"the first width large, the others small", -9, {5, 5, 5}, {9, 0, 0},
+      {"the first width large, the others small",
+       -9,
+       {5, 5, 5},
+       {9, 0, 0},
        "...T.T......T.T....."
        "....T........T......"},
   };

@@ -1,0 +1,102 @@
+// Compares every scene with its picture. Options besides those of GoogleTest:
+//   --accept          writes the pictures anew; look at each of them before keeping it
+//   --pictures DIR    where the accepted pictures lie
+//   --output DIR      where got, expected and difference go when a scene differs
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <cstring>
+#include <filesystem>
+#include <set>
+
+#include "golden/scene.h"
+
+#if !defined(QNV_GOLDEN_DIR)
+#define QNV_GOLDEN_DIR QNV_TEST_SOURCE_DIR "/golden/pictures"
+#endif
+
+namespace qnv::test {
+namespace {
+
+struct Options {
+  std::string pictures = QNV_GOLDEN_DIR;
+  std::string output = QNV_TEST_OUTPUT_DIR "/golden";
+  bool accept = false;
+};
+
+Options& TheOptions() {
+  static Options options;
+  return options;
+}
+
+class GoldenScene : public testing::TestWithParam<Scene> {};
+
+void Compare(const ScenePicture& scene) {
+  const Options& options = TheOptions();
+  const std::string suffix = PictureSuffix(scene.picture);
+  const std::string path = options.pictures + "/" + scene.name + suffix;
+  if (options.accept) {
+    ASSERT_TRUE(WritePicture(path, scene.picture)) << "cannot write " << path;
+    std::printf("wrote %s\n", path.c_str());
+    return;
+  }
+  const std::optional<Picture> expected = ReadPicture(path);
+  if (expected == scene.picture) return;
+  std::error_code ignored;
+  std::filesystem::create_directories(options.output, ignored);
+  const std::string base = options.output + "/" + scene.name;
+  WritePicture(base + ".got" + suffix, scene.picture);
+  if (!expected) {
+    ADD_FAILURE() << "no picture at " << path << "; the one painted now is " << base << ".got" << suffix;
+    return;
+  }
+  WritePicture(base + ".expected" + suffix, *expected);
+  if (expected->width == scene.picture.width && expected->height == scene.picture.height &&
+      expected->channels == scene.picture.channels) {
+    WritePicture(base + ".difference.ppm", DifferencePicture(*expected, scene.picture));
+  }
+  ADD_FAILURE() << scene.name << ": " << DescribeDifference(*expected, scene.picture) << "; see " << base
+                << ".{got,expected,difference}";
+}
+
+TEST_P(GoldenScene, LooksAsAccepted) {
+  for (const ScenePicture& picture : GetParam().paint()) Compare(picture);
+}
+
+INSTANTIATE_TEST_SUITE_P(All, GoldenScene, testing::ValuesIn(AllScenes()),
+                         [](const testing::TestParamInfo<Scene>& scene) { return std::string(scene.param.name); });
+
+// No picture lies about that nothing paints.
+TEST(GoldenPictures, BelongToAScene) {
+  if (TheOptions().accept) GTEST_SKIP() << "the pictures are being written";
+  std::set<std::string> known;
+  for (const Scene& scene : AllScenes()) {
+    for (const ScenePicture& picture : scene.paint()) known.insert(picture.name + PictureSuffix(picture.picture));
+  }
+  std::set<std::string> found;
+  for (const auto& entry : std::filesystem::directory_iterator(TheOptions().pictures)) {
+    found.insert(entry.path().filename().string());
+  }
+  EXPECT_EQ(known, found);
+}
+
+}  // namespace
+}  // namespace qnv::test
+
+int main(int argc, char** argv) {
+  testing::InitGoogleTest(&argc, argv);
+  qnv::test::Options& options = qnv::test::TheOptions();
+  for (int i = 1; i < argc; ++i) {
+    if (std::strcmp(argv[i], "--accept") == 0) {
+      options.accept = true;
+    } else if (std::strcmp(argv[i], "--pictures") == 0 && i + 1 < argc) {
+      options.pictures = argv[++i];
+    } else if (std::strcmp(argv[i], "--output") == 0 && i + 1 < argc) {
+      options.output = argv[++i];
+    } else {
+      std::fprintf(stderr, "golden_tests [--accept] [--pictures DIR] [--output DIR] [--gtest_...]\n");
+      return 2;
+    }
+  }
+  return RUN_ALL_TESTS();
+}

@@ -1,0 +1,235 @@
+#include "golden/scene.h"
+
+#include <algorithm>
+
+namespace qnv::test {
+namespace {
+
+struct LetterRows {
+  char letter;
+  uint8_t rows[7];  // five bits each, 0x10 leftmost
+};
+
+const LetterRows kLetters[] = {
+    {'A', {0x0E, 0x11, 0x11, 0x1F, 0x11, 0x11, 0x11}},
+    {'B', {0x1E, 0x11, 0x11, 0x1E, 0x11, 0x11, 0x1E}},
+    {'C', {0x0E, 0x11, 0x10, 0x10, 0x10, 0x11, 0x0E}},
+    {'D', {0x1E, 0x11, 0x11, 0x11, 0x11, 0x11, 0x1E}},
+    {'E', {0x1F, 0x10, 0x10, 0x1E, 0x10, 0x10, 0x1F}},
+    {'F', {0x1F, 0x10, 0x10, 0x1E, 0x10, 0x10, 0x10}},
+    {'G', {0x0E, 0x11, 0x10, 0x17, 0x11, 0x11, 0x0F}},
+    {'H', {0x11, 0x11, 0x11, 0x1F, 0x11, 0x11, 0x11}},
+    {'I', {0x1C, 0x08, 0x08, 0x08, 0x08, 0x08, 0x1C}},
+    {'J', {0x07, 0x02, 0x02, 0x02, 0x02, 0x12, 0x0C}},
+    {'K', {0x11, 0x12, 0x14, 0x18, 0x14, 0x12, 0x11}},
+    {'L', {0x10, 0x10, 0x10, 0x10, 0x10, 0x10, 0x1F}},
+    {'M', {0x11, 0x1B, 0x15, 0x15, 0x11, 0x11, 0x11}},
+    {'N', {0x11, 0x11, 0x19, 0x15, 0x13, 0x11, 0x11}},
+    {'O', {0x0E, 0x11, 0x11, 0x11, 0x11, 0x11, 0x0E}},
+    {'P', {0x1E, 0x11, 0x11, 0x1E, 0x10, 0x10, 0x10}},
+    {'Q', {0x0E, 0x11, 0x11, 0x11, 0x15, 0x12, 0x0D}},
+    {'R', {0x1E, 0x11, 0x11, 0x1E, 0x14, 0x12, 0x11}},
+    {'S', {0x0F, 0x10, 0x10, 0x0E, 0x01, 0x01, 0x1E}},
+    {'T', {0x1F, 0x04, 0x04, 0x04, 0x04, 0x04, 0x04}},
+    {'U', {0x11, 0x11, 0x11, 0x11, 0x11, 0x11, 0x0E}},
+    {'V', {0x11, 0x11, 0x11, 0x11, 0x11, 0x0A, 0x04}},
+    {'W', {0x11, 0x11, 0x11, 0x15, 0x15, 0x15, 0x0A}},
+    {'X', {0x11, 0x11, 0x0A, 0x04, 0x0A, 0x11, 0x11}},
+    {'Y', {0x11, 0x11, 0x11, 0x0A, 0x04, 0x04, 0x04}},
+    {'Z', {0x1F, 0x01, 0x02, 0x04, 0x08, 0x10, 0x1F}},
+    {'0', {0x0E, 0x11, 0x13, 0x15, 0x19, 0x11, 0x0E}},
+    {'1', {0x08, 0x18, 0x08, 0x08, 0x08, 0x08, 0x1C}},
+    {'2', {0x0E, 0x11, 0x01, 0x02, 0x04, 0x08, 0x1F}},
+    {'3', {0x1F, 0x02, 0x04, 0x02, 0x01, 0x11, 0x0E}},
+    {'4', {0x02, 0x06, 0x0A, 0x12, 0x1F, 0x02, 0x02}},
+    {'5', {0x1F, 0x10, 0x1E, 0x01, 0x01, 0x11, 0x0E}},
+    {'6', {0x06, 0x08, 0x10, 0x1E, 0x11, 0x11, 0x0E}},
+    {'7', {0x1F, 0x01, 0x02, 0x04, 0x08, 0x08, 0x08}},
+    {'8', {0x0E, 0x11, 0x11, 0x0E, 0x11, 0x11, 0x0E}},
+    {'9', {0x0E, 0x11, 0x11, 0x0F, 0x01, 0x02, 0x0C}},
+    {' ', {0, 0, 0, 0, 0, 0, 0}},
+};
+
+int LetterWidth(char letter) { return letter == 'I' || letter == '1' || letter == ' ' ? 4 : 6; }
+
+// Cells of 9 rows, one empty row above and below the letter, one empty column behind it. Codes without a letter of
+// their own are boxes, as the default character is.
+std::string LetterPicture(char letter, int scale) {
+  const int width = LetterWidth(letter);
+  const auto entry = std::find_if(std::begin(kLetters), std::end(kLetters),
+                                  [&](const LetterRows& rows) { return rows.letter == letter; });
+  std::string picture;
+  for (int y = 0; y < 9 * scale; ++y) {
+    for (int x = 0; x < width * scale; ++x) {
+      const int row = y / scale - 1;
+      const int column = x / scale;
+      bool set = false;
+      if (row >= 0 && row < 7 && column < 5) {
+        set = entry != std::end(kLetters) ? (entry->rows[row] >> (4 - column) & 1) != 0
+                                          : row == 0 || row == 6 || column == 0 || column == 4;
+      }
+      picture += set ? '#' : '.';
+    }
+  }
+  return picture;
+}
+
+Font MakeLetterFont(int scale) {
+  FontShape shape;
+  shape.height = static_cast<int16_t>(9 * scale);
+  shape.firstChar = ' ';
+  shape.lastChar = 'Z';
+  shape.defaultChar = '?' - ' ';
+  shape.table = scale == 1 ? TableForm::kShort : TableForm::kLong;
+  FontBuilder builder(shape);
+  for (char letter = ' '; letter <= 'Z'; ++letter) {
+    builder.Glyph(static_cast<uint16_t>(letter), LetterWidth(letter) * scale, LetterPicture(letter, scale));
+  }
+  return builder.Build();
+}
+
+struct Colour {
+  uint32_t red, green, blue;
+};
+
+Colour PhotoColour(int32_t x, int32_t y) {
+  const int32_t sunX = x - 34;
+  const int32_t sunY = y - 12;
+  if (sunX * sunX + sunY * sunY <= 60) return {255, 224, 32};
+  const bool stem = x >= 5 && x < 9 && y >= 5 && y < 33;
+  const bool bars = x >= 5 && x < 20 && ((y >= 5 && y < 9) || (y >= 17 && y < 21));
+  if (stem || bars) return {255, 255, 255};
+  const uint32_t column = static_cast<uint32_t>(x);
+  const uint32_t row = static_cast<uint32_t>(y);
+  if (y >= 30) return {column * 2, 160 - column, row * 2};
+  return {column * 5, row * 5, 255 - row * 4};
+}
+
+constexpr uint32_t kSixteenColours[16] = {0x000000, 0x000080, 0x008000, 0x008080, 0x800000, 0x800080,
+                                          0x808000, 0xC0C0C0, 0x808080, 0x0000FF, 0x00FF00, 0x00FFFF,
+                                          0xFF0000, 0xFF00FF, 0xFFFF00, 0xFFFFFF};
+
+uint32_t Distance(const Colour& a, uint32_t colour) {
+  const auto square = [](uint32_t p, uint32_t q) { return p > q ? (p - q) * (p - q) : (q - p) * (q - p); };
+  return square(a.red, colour & 0xFF) + square(a.green, (colour >> 8) & 0xFF) + square(a.blue, (colour >> 16) & 0xFF);
+}
+
+// The pixel value of a photograph's colour: an index of the depth's own table, or the packed colour.
+uint32_t PhotoPixel(int32_t x, int32_t y, uint16_t bitCount) {
+  const Colour c = PhotoColour(x, y);
+  switch (bitCount) {
+    case 1: {
+      const uint32_t level = (c.red * 30 + c.green * 59 + c.blue * 11) / 100;
+      const uint32_t thresholds[4] = {32, 160, 224, 96};  // ordered dither of two by two pixels
+      return level > thresholds[(y % 2) * 2 + x % 2] ? 1 : 0;
+    }
+    case 4: {
+      uint32_t best = 0;
+      for (uint32_t i = 1; i < 16; ++i) {
+        if (Distance(c, kSixteenColours[i]) < Distance(c, kSixteenColours[best])) best = i;
+      }
+      return best;
+    }
+    case 8: return (c.red + 25) / 51 * 36 + (c.green + 25) / 51 * 6 + (c.blue + 25) / 51;
+    case 16: return (c.red >> 3) << 10 | (c.green >> 3) << 5 | c.blue >> 3;
+    default: return c.red << 16 | c.green << 8 | c.blue;
+  }
+}
+
+std::vector<uint32_t> PhotoTable(uint16_t bitCount) {
+  std::vector<uint32_t> table;
+  if (bitCount == 1) table = {0x602000, 0xE0FFFF};
+  if (bitCount == 4) table.assign(std::begin(kSixteenColours), std::end(kSixteenColours));
+  if (bitCount == 8) {
+    for (uint32_t i = 0; i < 216; ++i) table.push_back(i % 6 * 51 << 16 | i / 6 % 6 * 51 << 8 | i / 36 * 51);
+  }
+  return table;
+}
+
+}  // namespace
+
+const std::vector<Scene>& AllScenes() {
+  static const std::vector<Scene> scenes = {
+      {"hatches_and_patterns", PaintHatchesAndPatterns},
+      {"rop2_bars", PaintRop2Bars},
+      {"span_encodings", PaintSpanEncodings},
+      {"text_modes", PaintTextModes},
+      {"text_on_gray", PaintTextOnGray},
+      {"image_depths", PaintImageDepths},
+      {"image_scales", PaintImageScales},
+      {"images_on_gray", PaintImagesOnGray},
+      {"run_length_images", PaintRunLengthImages},
+      {"transfers", PaintTransfers},
+      {"mapped_pages", PaintMappedPages},
+      {"dual_plane_page", PaintDualPlanePage},
+  };
+  return scenes;
+}
+
+Picture BandPicture(const TestDevice& device) {
+  const PicturePlane plane = CurrentBand(device);
+  EXPECT_TRUE(device.FencesIntact());
+  Picture picture{plane.width, plane.height, plane.bytesPerPixel, {}};
+  for (uint32_t row = 0; row < plane.height; ++row) {
+    for (uint32_t column = 0; column < plane.width; ++column) {
+      const uint32_t colour = plane.Get(column, row);
+      picture.bytes.push_back(static_cast<uint8_t>(colour));
+      if (picture.channels == 1) continue;
+      picture.bytes.push_back(static_cast<uint8_t>(colour >> 8));
+      picture.bytes.push_back(static_cast<uint8_t>(colour >> 16));
+    }
+  }
+  return picture;
+}
+
+Picture TagPicture(const TestDevice& device) {
+  const PicturePlane plane = CurrentTags(device);
+  Picture picture{plane.width, plane.height, 1, {}};
+  for (uint32_t row = 0; row < plane.height; ++row) {
+    for (uint32_t column = 0; column < plane.width; ++column) {
+      picture.bytes.push_back(static_cast<uint8_t>(plane.Get(column, row) * 85));
+    }
+  }
+  return picture;
+}
+
+const Font& LetterFont(int scale) {
+  static const Font small = MakeLetterFont(1);
+  static const Font large = MakeLetterFont(2);
+  return scale == 1 ? small : large;
+}
+
+void Caption(const TestDevice& device, int32_t x, int32_t y, std::string_view text, uint32_t colour) {
+  DRAWMODE mode = MakeDrawMode();
+  mode.bkMode = TRANSPARENT;
+  mode.TextColor = colour;
+  DrawTextAt(device, x, y, text, LetterFont(1), mode);
+}
+
+void FillRectangle(const TestDevice& device, const BandRect& rect, const PhysicalBrush& brush, const DRAWMODE& mode) {
+  const int16_t points[6] = {2,
+                             static_cast<int16_t>(rect.top),
+                             static_cast<int16_t>(rect.bottom),
+                             static_cast<int16_t>(rect.left),
+                             static_cast<int16_t>(rect.right),
+                             2};
+  EXPECT_EQ(1u, QNVOutput(device.handle(), OS_BANDED_SPANS, 1, points, nullptr, &brush, &mode, &kEverywhere) & 0xFFFF);
+}
+
+void FillRectangle(const TestDevice& device, const BandRect& rect, uint32_t colour) {
+  FillRectangle(device, rect, SolidBrush(device.handle(), colour), MakeDrawMode());
+}
+
+Dib PhotoDib(uint16_t bitCount, bool topDown) {
+  std::vector<uint8_t> bits;
+  for (int32_t i = 0; i < kPhotoHeight; ++i) {
+    const int32_t y = topDown ? i : kPhotoHeight - 1 - i;
+    std::vector<uint32_t> values;
+    for (int32_t x = 0; x < kPhotoWidth; ++x) values.push_back(PhotoPixel(x, y, bitCount));
+    AppendDibRow(bits, values, bitCount, 0);
+  }
+  const DibShape shape{.bitCount = bitCount, .topDown = topDown, .coloursUsed = bitCount == 8 ? 216u : 0u};
+  return Dib(DibInfo(kPhotoWidth, kPhotoHeight, shape, PhotoTable(bitCount)), bits);
+}
+
+}  // namespace qnv::test

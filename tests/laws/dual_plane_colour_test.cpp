@@ -1,0 +1,54 @@
+// The colour plane of a dual-plane device is what a plain 24-bit device paints, whatever happens to the tags. Kept out
+// are calls without a draw mode: without one the tags of a span cannot be decided.
+#include "laws/same_scene.h"
+#include "support/random_bytes.h"
+#include "support/tag_plane.h"
+
+namespace qnv::test {
+namespace {
+
+TEST(DualPlaneColour, EqualsAPlainDevice) {
+  for (bool mixed : {false, true}) {
+    for (uint64_t seed = 100; seed < 200; ++seed) {
+      SCOPED_TRACE("seed " + std::to_string(seed) + (mixed ? ", mixed tags" : ""));
+      DeviceOptions options{.width = 41 + static_cast<uint32_t>(seed % 4),
+                            .height = 23,
+                            .resolutionA = static_cast<uint16_t>(seed % 2 == 0 ? 360 : 720),
+                            .left = static_cast<int32_t>(seed % 3) * 9 - 9,
+                            .top = static_cast<int32_t>(seed % 2) * 11 - 5};
+      TestDevice plain(options);
+      options.tagPlane = true;
+      TestDevice dual(options);
+      dual.Clear();
+      if (mixed) MakeTagsMixed(&dual, seed);
+      FillWithNoise(&plain.band(), seed);
+      FillWithNoise(&dual.band(), seed);
+      const Scene scene(seed, {.left = options.left, .top = options.top, .nullDrawModes = false});
+      ExpectSameScene(scene, plain, dual);
+      if (HasFatalFailure()) return;
+    }
+  }
+}
+
+// Whatever is drawn after a clear, tags hold what they can hold: 1 or 3, and 0 only below text.
+TEST(DualPlaneColour, TagsHoldKnownValues) {
+  for (uint64_t seed = 200; seed < 240; ++seed) {
+    SCOPED_TRACE(seed);
+    TestDevice dual({.width = 41, .height = 23, .tagPlane = true});
+    dual.Clear();
+    const Scene scene(seed, {.nullDrawModes = false});
+    for (std::size_t step = 0; step < scene.size(); ++step) scene.Play(step, dual.handle());
+    const PlaneImage tags = TagImage(dual);
+    for (int32_t row = 0; row < tags.rows(); ++row) {
+      for (int32_t column = 0; column < tags.columns(); ++column) {
+        const uint8_t tag = *tags.At(column, row);
+        ASSERT_TRUE(tag == 0 || tag == QNV_TAG_GRAPHICS || tag == QNV_TAG_IMAGE)
+            << int{tag} << " at " << column << ", " << row;
+      }
+    }
+    EXPECT_TRUE(dual.FencesIntact());
+  }
+}
+
+}  // namespace
+}  // namespace qnv::test

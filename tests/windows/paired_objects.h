@@ -1,0 +1,59 @@
+// Sources and brushes in two forms: the record that the library takes and the platform's object with the same pixels.
+#pragma once
+
+#include <windows.h>
+
+#include <array>
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include "windows/witness.h"
+
+#include "support/source_image.h"
+
+namespace qnv::test {
+
+// Noise of the same pixels for both.
+struct SourcePair {
+  std::unique_ptr<SourceImage> library;
+  std::unique_ptr<GdiSource> platform;
+};
+
+// Three bytes a pixel: red first for the library, blue first for the platform.
+SourcePair ColourSourcePair(int32_t width, int32_t height, uint64_t seed);
+SourcePair GraySourcePair(int32_t width, int32_t height, uint64_t seed);
+// The platform's monochrome bitmap: 1 shows the background colour, 0 the text colour, as in the library.
+SourcePair BitSourcePair(int32_t width, int32_t height, uint64_t seed);
+// The source of a witness's own depth.
+SourcePair DeepSourcePair(const Witness& witness, int32_t width, int32_t height, uint64_t seed);
+
+struct BrushPair {
+  std::string name;
+  PhysicalBrush library;
+  GdiObject<HBRUSH> platform;
+};
+
+using BitRows = std::array<uint8_t, 8>;
+
+BrushPair SolidPair(const Witness& witness, COLORREF colour);
+// 8 x 8 cells of noise, 24 bits each.
+BrushPair ColourPatternPair(const Witness& witness, uint64_t seed);
+// 8 x 8 gray levels of noise.
+BrushPair GrayPatternPair(const Witness& witness, uint64_t seed);
+// The pattern of a witness's own depth.
+BrushPair DeepPatternPair(const Witness& witness, uint64_t seed);
+// A one-bit pattern: 1 shows the background colour, 0 the text colour.
+BrushPair BitPatternPair(const Witness& witness, const BitRows& rows);
+
+// The library's hatch beside a one-bit pattern of the platform that holds the hatch's published rows. The platform
+// shows it in the text colour on the background colour: `colour` has to be the text colour, the mode opaque.
+BrushPair HatchPair(const Witness& witness, int16_t hatch, COLORREF colour);
+
+// Rows of the library's hatches: a 0 bit is a line pixel.
+const BitRows& HatchRows(int16_t hatch);
+
+// A monochrome bitmap of the platform with these rows.
+HBITMAP BitTile(const BitRows& rows);
+
+}  // namespace qnv::test
