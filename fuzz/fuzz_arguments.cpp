@@ -1,0 +1,201 @@
+#include "fuzz_input.h"
+
+namespace qnv::fuzz {
+namespace {
+
+uint16_t WordAt(const std::vector<uint8_t>& list, std::size_t word) {
+  return static_cast<uint16_t>(list[2 * word] | list[2 * word + 1] << 8);
+}
+
+// Makes the list long enough for the word and keeps it a small length.
+uint16_t KeepLength(std::vector<uint8_t>& list, std::size_t word) {
+  if (list.size() < 2 * word + 2) list.resize(2 * word + 2);
+  list[2 * word + 1] &= 3;
+  return WordAt(list, word);
+}
+
+}  // namespace
+
+std::vector<uint8_t> TakeSpanList(Input& input, uint16_t style, uint16_t count) {
+  std::vector<uint8_t> list = input.Bytes(2u + input.Byte() * 2u);
+  std::size_t words = 4;
+  switch (style) {
+    case 4:
+    case 104: words = 2u * count; break;
+    case 5:
+    case 105:
+      words = 0;
+      for (uint32_t record = 0; record < count; ++record) words += KeepLength(list, words) + 4u;
+      break;
+    case 205:
+      words = 1;
+      for (uint32_t record = 0; record < count; ++record) words += KeepLength(list, words) + 1u;
+      ++words;  // the last right end of an odd record
+      break;
+    case 305: words = 1 + 2u * count; break;
+    case 405:
+    case 505: words = 3u + count; break;
+    default: break;
+  }
+  list.resize(2 * words);
+  return list;
+}
+
+void CallOutput(Input& input, DeviceHandle* handle) {
+  const uint16_t styles[] = {4, 5, 205, 305, 405, 505, 104, 105, 80, 81, 6, 0};
+  const uint16_t style = styles[input.Byte() % 12];
+  const uint16_t count = input.Byte() == 0xFF ? static_cast<uint16_t>(input.Word() % 2048) : input.Byte() % 64;
+  const uint8_t given = input.Byte();
+  const PhysicalBrush brush = TakeBrush(input);
+  const PhysicalPen pen{static_cast<uint16_t>(input.Byte() % 7), 1, 1, input.Long()};
+  const DRAWMODE mode = TakeDrawMode(input);
+  const BandRect clip = input.Rect();
+  const Block list(TakeSpanList(input, style, count));
+  QNVOutput(handle, style, count, given & 1 ? nullptr : reinterpret_cast<const int16_t*>(list.data()),
+            given & 2 ? &pen : nullptr, given & 4 ? &brush : nullptr, given & 8 ? nullptr : &mode,
+            given & 16 ? nullptr : &clip);
+}
+
+void CallText(Input& input, DeviceHandle* handle) {
+  constexpr std::size_t kEntries = 512;  // every code, first character and default character together
+  const uint8_t choice = input.Byte();
+  const bool twoByte = (choice & 1) != 0;
+  const bool shortTable = !twoByte && (choice & 2) != 0;
+  const uint16_t offset = static_cast<uint16_t>(input.Byte() * 7);
+  const int16_t height = static_cast<int16_t>(input.Byte() % 40 - 2);
+  const std::size_t glyphBytes = 8 * 40;  // 64 columns
+  const std::size_t glyphs = offset + (shortTable ? 49u + 4 * kEntries : 82u + 6 * kEntries);
+  std::vector<uint8_t> font(glyphs + 512 + glyphBytes);
+  uint8_t* record = font.data() + offset;
+  const auto put16 = [](uint8_t* at, uint32_t value) {
+    at[0] = static_cast<uint8_t>(value);
+    at[1] = static_cast<uint8_t>(value >> 8);
+  };
+  put16(record, twoByte ? 0x20u : shortTable ? 0x200u : choice);
+  if (!twoByte) record[0] &= static_cast<uint8_t>(~0x20);
+  put16(record + 20, input.Byte() % 65);
+  put16(record + 22, static_cast<uint16_t>(height));
+  record[24] = input.Byte();
+  for (int i = 29; i <= 32; ++i) record[i] = input.Byte();
+  const uint8_t seed = input.Byte();
+  for (std::size_t i = 0; i < kEntries; ++i) {
+    uint8_t* entry = record + (shortTable ? 49 + 4 * i : 82 + 6 * i);
+    put16(entry, static_cast<uint32_t>(i * seed % 65));
+    put16(entry + 2, static_cast<uint32_t>(glyphs + (i * 31 + seed) % 512));
+  }
+  for (std::size_t i = glyphs; i < font.size(); ++i) font[i] = static_cast<uint8_t>(i * (seed | 1));
+  const int16_t count = static_cast<int16_t>(input.Byte() % 48 - 16);
+  const std::size_t length = static_cast<std::size_t>(count < 0 ? -count : count);
+  std::vector<uint8_t> text = input.Bytes(twoByte ? 2 * length : length);
+  for (std::size_t i = 1; twoByte && i < text.size(); i += 2) text[i] &= 1;
+  std::vector<uint8_t> widths = input.Bytes(2 * length);
+  if (length == 0) widths.resize(2);
+  DRAWMODE mode = TakeDrawMode(input);
+  const BandRect clip = input.Rect();
+  const BandRect opaque = input.Rect();
+  const int32_t x = input.Coordinate();
+  const int32_t y = input.Coordinate();
+  const uint8_t given = input.Byte();
+  const Block fontBlock(font);
+  const Block string(text);
+  const Block widthBlock(widths);
+  QNVDevExtTextOut(handle, x, y, given & 1 ? nullptr : &clip, given & 64 ? nullptr : string.data(), count,
+                   given & 128 ? nullptr : fontBlock.data(), offset, &mode, nullptr,
+                   given & 2 ? reinterpret_cast<const int16_t*>(widthBlock.data()) : nullptr,
+                   given & 4 ? &opaque : nullptr, given >> 3 & 6u);
+}
+
+std::vector<uint8_t> TerminatedCodes(std::vector<uint8_t> codes, uint32_t rows) {
+  // A literal that starts on the last byte may still step over 256 bytes.
+  codes.resize(codes.size() + 260 + 2 * std::size_t{rows});
+  return codes;
+}
+
+void CallImage(Input& input, DeviceHandle* handle) {
+  const auto size = [&](uint8_t kind) -> int32_t {
+    // Sizes that a document may claim; those that are taken have all their rows behind them.
+    if (kind == 0xFF) return static_cast<int32_t>(input.Long() | 0x8000);
+    if (kind == 0xFE) return -(1 + input.Byte() % 64);
+    return kind % 65;
+  };
+  BITMAPINFOHEADER header;
+  std::memset(&header, 0, sizeof header);
+  header.biWidth = size(input.Byte());
+  header.biHeight = size(input.Byte());
+  if (header.biHeight >= -32767 && header.biHeight < -64) header.biHeight = -64;
+  const uint16_t depths[] = {1, 4, 8, 16, 24, 32, 8, 4};
+  const uint8_t format = input.Byte();
+  header.biBitCount = format == 0xFF ? input.Word() : depths[format % 8];
+  header.biPlanes = format == 0xFE ? input.Byte() : 1;
+  header.biCompression = format / 8 % 5;
+  header.biClrUsed = input.Byte() == 0xFF ? input.Long() : 0;
+  header.biSize = 40u + input.Byte();
+  // The table lies behind the header, full or as long as the header says.
+  std::size_t infoBytes = 52;
+  if (header.biBitCount <= 8) {
+    const uint32_t full = 1u << header.biBitCount;
+    const uint32_t used = header.biClrUsed;
+    infoBytes = header.biSize + 4u * (used != 0 && used < full ? used : full);
+  }
+  std::vector<uint8_t> infoBytesList(infoBytes < 52 ? 52 : infoBytes, 0x3D);
+  std::memcpy(infoBytesList.data(), &header, sizeof header);
+  const std::vector<uint8_t> masks = input.Bytes(12);
+  if (header.biBitCount > 8) std::memcpy(infoBytesList.data() + 40, masks.data(), masks.size());
+  const Block info(infoBytesList);
+
+  const uint8_t place = input.Byte();
+  const int32_t dst[4] = {input.Coordinate(), input.Coordinate(), input.Coordinate(), input.Coordinate()};
+  const int32_t src[4] = {input.Coordinate(), input.Coordinate(), input.Coordinate(), input.Coordinate()};
+  const uint32_t rops[] = {SRCCOPY, ROP_MINIMUM, SRCAND, 0x02000000, static_cast<uint32_t>(input.Byte()) << 16};
+  const uint32_t rop = rops[place % 5];
+  const PhysicalBrush brush = TakeBrush(input);
+  const DRAWMODE mode = TakeDrawMode(input);
+  const BandRect clip = input.Rect();
+
+  const bool sized = header.biWidth > 0 && header.biWidth <= 64 && header.biHeight >= -64 && header.biHeight <= 64;
+  const uint32_t rows = sized ? static_cast<uint32_t>(header.biHeight < 0 ? -header.biHeight : header.biHeight) : 0;
+  const bool runLength = header.biCompression == BI_RLE8 || header.biCompression == BI_RLE4;
+  std::vector<uint8_t> bits;
+  if (runLength) {
+    bits = TerminatedCodes(input.Rest(), rows);
+  } else if (sized && header.biBitCount <= 32) {
+    const uint32_t stride = ((static_cast<uint32_t>(header.biWidth) * header.biBitCount + 7) / 8 + 3) & ~3u;
+    bits = input.Bytes(std::size_t{stride} * rows);
+  }
+  const Block bitBlock(bits);
+  if (place & 64) {
+    QNVDevSetDIBitsToDevice(handle, dst[0], dst[1], static_cast<uint32_t>(src[1]), static_cast<uint32_t>(src[3]), &clip,
+                            &mode, bitBlock.data(), info.data(), nullptr);
+  } else {
+    QNVStretchDIBits(handle, 0, dst[0], dst[1], dst[2], dst[3], src[0], src[1], src[2], src[3], bitBlock.data(),
+                     info.data(), nullptr, rop, place & 128 ? nullptr : &brush, &mode, &clip);
+  }
+}
+
+void CallTransfer(Input& input, DeviceHandle* handle) {
+  const uint8_t form = input.Byte();
+  SourceBitmap source;
+  std::memset(&source, 0, sizeof source);
+  source.bmWidth = static_cast<int16_t>(input.Byte() % 80);
+  source.bmHeight = static_cast<int16_t>(input.Byte() % 40);
+  source.bmPlanes = form == 0xFF ? 3 : 1;
+  const uint8_t depths[] = {1, 24, 8};
+  source.bmBitsPixel = depths[form % 3];
+  // Wide enough for whatever form the device takes it for.
+  source.bmWidthBytes = static_cast<uint16_t>(source.bmWidth * 3 + form % 5);
+  const std::vector<uint8_t> pixels =
+      input.Bytes(std::size_t{source.bmWidthBytes} * static_cast<uint16_t>(source.bmHeight));
+  const Block pixelBlock(pixels);
+  source.bmBits = pixelBlock.data();
+  const uint32_t rop = static_cast<uint32_t>(input.Byte()) << 16 | static_cast<uint32_t>(form == 0xFE) << 24;
+  const int32_t dst[4] = {input.Coordinate(), input.Coordinate(), input.Coordinate(), input.Coordinate()};
+  const int32_t src[2] = {input.Coordinate(), input.Coordinate()};
+  const PhysicalBrush brush = TakeBrush(input);
+  const DRAWMODE mode = TakeDrawMode(input);
+  const BandRect clip = input.Rect();
+  const uint8_t given = input.Byte();
+  QNVDevBitBlt(handle, dst[0], dst[1], given & 1 ? nullptr : &source, src[0], src[1], dst[2], dst[3], rop,
+               given & 2 ? nullptr : &brush, given & 4 ? nullptr : &mode, given & 8 ? nullptr : &clip);
+}
+
+}  // namespace qnv::fuzz
