@@ -57,14 +57,10 @@ constexpr ColourCase kColours[] = {
 
 bool Marks(Mark mark, uint32_t colour) {
   switch (mark) {
-    case Mark::kAlways:
-      return true;
-    case Mark::kNever:
-      return false;
-    case Mark::kUnlessWhite:
-      return colour != 0x00FFFFFF;
-    default:
-      return colour != 0;
+    case Mark::kAlways: return true;
+    case Mark::kNever: return false;
+    case Mark::kUnlessWhite: return colour != 0x00FFFFFF;
+    default: return colour != 0;
   }
 }
 

@@ -15,14 +15,10 @@ namespace {
 
 DeviceOptions OptionsOf(uint32_t n) {
   switch (n % 4) {
-    case 0:
-      return {.bitsPerPixel = 24, .width = 9, .height = 4};
-    case 1:
-      return {.bitsPerPixel = 8, .width = 9, .height = 4};
-    case 2:
-      return {.kind = QNV_KIND_SCALED, .bitsPerPixel = 24, .width = 9, .height = 4};
-    default:
-      return {.bitsPerPixel = 24, .width = 9, .height = 4, .tagPlane = true};
+    case 0: return {.bitsPerPixel = 24, .width = 9, .height = 4};
+    case 1: return {.bitsPerPixel = 8, .width = 9, .height = 4};
+    case 2: return {.kind = QNV_KIND_SCALED, .bitsPerPixel = 24, .width = 9, .height = 4};
+    default: return {.bitsPerPixel = 24, .width = 9, .height = 4, .tagPlane = true};
   }
 }
 

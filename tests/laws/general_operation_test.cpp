@@ -37,12 +37,9 @@ bool IsGray(const DeviceOptions& options) { return options.bitsPerPixel == (opti
 
 PhysicalBrush BrushOf(DeviceHandle* handle, uint32_t kind, uint32_t colour, const SourceBitmap& bitmap) {
   switch (kind) {
-    case 0:
-      return SolidBrush(handle, colour);
-    case 1:
-      return PatternBrush(handle, bitmap);
-    default:
-      return HatchBrush(handle, static_cast<int16_t>(kind - 2), colour, 0x00FEDCBA);
+    case 0: return SolidBrush(handle, colour);
+    case 1: return PatternBrush(handle, bitmap);
+    default: return HatchBrush(handle, static_cast<int16_t>(kind - 2), colour, 0x00FEDCBA);
   }
 }
 

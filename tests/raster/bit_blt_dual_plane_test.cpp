@@ -40,59 +40,44 @@ Rule RuleOf(uint8_t index) {
     case 0xBB:
     case 0x44:
     case 0xB8:
-    case 0x47:
-      return Rule::kSourceNotWhite;
+    case 0x47: return Rule::kSourceNotWhite;
     case 0x99:
     case 0x66:
     case 0xA5:
     case 0x5A:
     case 0xAA:
-    case 0x55:
-      return Rule::kNothing;
+    case 0x55: return Rule::kNothing;
     case 0xA0:
     case 0x5F:
     case 0xAF:
-    case 0x50:
-      return Rule::kBrushNotWhite;
+    case 0x50: return Rule::kBrushNotWhite;
     case 0xDD:
     case 0x22:
     case 0xEE:
-    case 0x11:
-      return Rule::kSourceNotBlack;
+    case 0x11: return Rule::kSourceNotBlack;
     case 0xE2:
     case 0x1D:
     case 0xEA:
-    case 0x15:
-      return Rule::kSourceNotBlack;
+    case 0x15: return Rule::kSourceNotBlack;
     case 0xF5:
     case 0x0A:
     case 0xFA:
-    case 0x05:
-      return Rule::kBrushNotBlack;
+    case 0x05: return Rule::kBrushNotBlack;
     case 0xFB:
-    case 0x04:
-      return Rule::kBrushNotBlackThenSourceNotWhite;
-    default:
-      return Rule::kEverything;
+    case 0x04: return Rule::kBrushNotBlackThenSourceNotWhite;
+    default: return Rule::kEverything;
   }
 }
 
 bool Marks(Rule rule, uint32_t source, uint32_t brush) {
   switch (rule) {
-    case Rule::kEverything:
-      return true;
-    case Rule::kNothing:
-      return false;
-    case Rule::kSourceNotWhite:
-      return source != kWhite;
-    case Rule::kSourceNotBlack:
-      return source != kBlack;
-    case Rule::kBrushNotWhite:
-      return brush != kWhite;
-    case Rule::kBrushNotBlack:
-      return brush != kBlack;
-    default:
-      return brush != kBlack || source != kWhite;
+    case Rule::kEverything: return true;
+    case Rule::kNothing: return false;
+    case Rule::kSourceNotWhite: return source != kWhite;
+    case Rule::kSourceNotBlack: return source != kBlack;
+    case Rule::kBrushNotWhite: return brush != kWhite;
+    case Rule::kBrushNotBlack: return brush != kBlack;
+    default: return brush != kBlack || source != kWhite;
   }
 }
 

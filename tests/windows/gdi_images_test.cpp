@@ -2,15 +2,14 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <string>
 
 #include "windows/differences.h"
 #include "windows/image_pair.h"
+#include "windows/transfer_pair.h"
 
 #include "support/random_bytes.h"
 #include "support/transfer_model.h"
-#include "windows/transfer_pair.h"
 
 namespace qnv::test {
 namespace {

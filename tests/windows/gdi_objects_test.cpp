@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <initializer_list>
 #include <vector>
 
 #include "windows/differences.h"
@@ -26,8 +27,8 @@ void PaintAreaRectangle(const Witness& witness, HBRUSH brush) {
 
 TEST(GdiObjects, DiagonalHatchesOfThePlatformHaveTheSameShape) {
   if (!RunsUnderWine()) GTEST_SKIP() << "the shapes are the platform's own business";
-  for (int16_t hatch : {HS_FDIAGONAL, HS_BDIAGONAL}) {
-    for (int16_t background : {TRANSPARENT, OPAQUE}) {
+  for (int16_t hatch : std::initializer_list<int16_t>{HS_FDIAGONAL, HS_BDIAGONAL}) {
+    for (int16_t background : std::initializer_list<int16_t>{TRANSPARENT, OPAQUE}) {
       for (int16_t rop2 = R2_BLACK; rop2 <= R2_WHITE; ++rop2) {
         Witness witness;
         DRAWMODE mode = MakeDrawMode();
@@ -47,7 +48,7 @@ TEST(GdiObjects, DiagonalHatchesOfThePlatformHaveTheSameShape) {
 
 TEST(GdiObjectsDifference, OtherHatchesHaveAShapeOfTheirOwn) {
   if (!RunsUnderWine()) GTEST_SKIP() << "the shapes are the platform's own business";
-  for (int16_t hatch : {HS_HORIZONTAL, HS_VERTICAL, HS_CROSS, HS_DIAGCROSS}) {
+  for (int16_t hatch : std::initializer_list<int16_t>{HS_HORIZONTAL, HS_VERTICAL, HS_CROSS, HS_DIAGCROSS}) {
     Witness witness;
     const DRAWMODE mode = MakeDrawMode();
     witness.Apply(mode);
