@@ -1,0 +1,135 @@
+#!/usr/bin/env bash
+# Measures the library on this machine and rewrites the tables of docs/benchmarks.md.
+#
+#   scripts/bench.sh                         all builds: linux-x64, linux-x86, win32 (under Wine)
+#   scripts/bench.sh linux-x86 win32         only the builds named
+#   scripts/bench.sh --quick [BUILD...]      a look: few short samples; prints the tables, the document stays
+#   scripts/bench.sh --compare [BUILD...]    against the run before; the document stays
+#
+# What is measured once more beside each build stops at plain, SSE2 and SSSE3 kernels. Everything lies in build/bench:
+# BUILD.json, BUILD.csv, BUILD.txt, and from the run before BUILD.old.json. Nothing else should run meanwhile.
+set -euo pipefail
+cd "$(dirname "${BASH_SOURCE[0]}")/.."
+
+all_presets=(linux-x64 linux-x86 win32)
+levels=(plain sse2 ssse3)
+document=docs/benchmarks.md
+results=build/bench
+
+fail() {
+  echo "bench: $*" >&2
+  exit 1
+}
+
+quick=
+compare=
+presets=()
+for argument in "$@"; do
+  case $argument in
+    --quick) quick=--quick ;;
+    --compare) compare=yes ;;
+    linux-x64 | linux-x86 | win32) presets+=("$argument") ;;
+    *)
+      sed -n '2,/^set /{/^#/s/^# \{0,1\}//p}' "${BASH_SOURCE[0]}" >&2
+      exit 2
+      ;;
+  esac
+done
+[ ${#presets[@]} -gt 0 ] || presets=("${all_presets[@]}")
+
+library_of() {
+  case $1 in
+    win32*) echo "build/bench/$1/bin/QNVDRV10.dll" ;;
+    *) echo "build/bench/$1/bin/libqnvdrv10.so" ;;
+  esac
+}
+
+level_macro() {
+  case $1 in
+    plain) echo kPlain ;;
+    sse2) echo kSse2 ;;
+    ssse3) echo kSsse3 ;;
+  esac
+}
+
+# build PRESET: the build that is measured, and the same with fewer instructions. Folders of their own, so that nobody
+# else's build is disturbed and no sanitizer or debug option slips in.
+build() {
+  local preset=$1 tree=build/bench/$1 flags level
+  cmake --preset "$preset" -B "$tree" -DQNV_TESTS=OFF -DQNV_TOOLS=OFF >"$results/build.log" 2>&1 &&
+    cmake --build "$tree" --target qnvdrv10 qnvbench >>"$results/build.log" 2>&1 || return 1
+  flags=$(sed -n 's/^CMAKE_CXX_FLAGS:[A-Z]*=//p' "$tree/CMakeCache.txt")
+  for level in "${levels[@]}"; do
+    cmake --preset "$preset" -B "$tree-$level" -DQNV_TESTS=OFF -DQNV_TOOLS=OFF \
+      -DCMAKE_CXX_FLAGS="$flags -DQNV_HIGHEST_LEVEL=$(level_macro "$level")" >>"$results/build.log" 2>&1 &&
+      cmake --build "$tree-$level" --target qnvdrv10 >>"$results/build.log" 2>&1 || return 1
+  done
+}
+
+# run PRESET ARGUMENT...: the benchmark of that build
+run() {
+  local preset=$1
+  shift
+  case $preset in
+    win32) QNV_WINE_TIMEOUT=7200 scripts/wine.sh build/bench/win32/bin/qnvbench.exe "$@" ;;
+    *) "build/bench/$preset/bin/qnvbench" "$@" ;;
+  esac
+}
+
+# The tables go between the two marks; what stands around them is written by hand.
+rewrite_document() {
+  local tables=$1
+  grep -q '^<!-- tables begin' "$document" && grep -q '^<!-- tables end' "$document" ||
+    fail "$document has lost its marks"
+  awk -v tables="$tables" '
+    /^<!-- tables end/ { inside = 0 }
+    !inside { print }
+    /^<!-- tables begin/ { inside = 1; while ((getline line < tables) > 0) print line }
+  ' "$document" >"$results/document.md"
+  cp "$results/document.md" "$document"
+}
+
+mkdir -p "$results"
+reports=()
+for preset in "${presets[@]}"; do
+  echo "bench: building $preset"
+  build "$preset" || {
+    tail -n 40 "$results/build.log" >&2
+    fail "$preset could not be built"
+  }
+  options=(--library "$(library_of "$preset")" --baseline "$(library_of "$preset-plain")")
+  for level in "${levels[@]:1}"; do
+    options+=(--level "$level=$(library_of "$preset-$level")")
+  done
+  report=$results/$preset.json
+  if [ -n "$quick" ]; then
+    report=$results/$preset.quick.json
+    options+=("$quick")
+  fi
+  old=$results/$preset.old.json
+  if [ -n "$compare" ]; then
+    [ -e "$report" ] || fail "there is no $report to compare with"
+    cp "$report" "$old"
+    options+=(--compare "$old")
+  fi
+  echo "bench: measuring $preset, output in $results/$preset.txt"
+  run "$preset" "${options[@]}" --json "$report" --csv "${report%.json}.csv" >"$results/$preset.txt" || {
+    tail -n 20 "$results/$preset.txt" >&2
+    fail "$preset could not be measured"
+  }
+  [ -z "$compare" ] || sed -n '/ns before/,$p' "$results/$preset.txt"
+  reports+=(--table "$report")
+done
+
+# Any of the native programs can read the reports; without one the Windows program does.
+{
+  echo "Measured on $(date -u +%F)."
+  echo
+  run "${presets[0]}" "${reports[@]}" | tr -d '\r'
+} >"$results/tables.md"
+if [ -n "$quick$compare" ]; then
+  [ -n "$compare" ] || cat "$results/tables.md"
+else
+  rewrite_document "$results/tables.md"
+  echo "bench: $document rewritten"
+fi
