@@ -5,7 +5,7 @@
 namespace qnv {
 
 // value x numerator / denominator with a 64-bit product, rounded to nearest, exact halves away from zero; -1
-// for a zero denominator or a result beyond 32 bits. On Windows this is the kernel's own function.
+// for a zero denominator or a magnitude beyond 2^31 - 1. On Windows this is the kernel's own function.
 int32_t MulDiv(int32_t value, int32_t numerator, int32_t denominator);
 
 // Ours, on every platform: the one that the kernel's is checked against.
@@ -17,8 +17,8 @@ constexpr int32_t PortableMulDiv(int32_t value, int32_t numerator, int32_t denom
   const uint64_t divisor =
       denominator < 0 ? uint64_t{0} - static_cast<uint64_t>(int64_t{denominator}) : static_cast<uint64_t>(denominator);
   const uint64_t rounded = (magnitude + divisor / 2) / divisor;
+  if (rounded > uint64_t{INT32_MAX}) return -1;
   const bool negative = (product < 0) != (denominator < 0);
-  if (rounded > uint64_t{INT32_MAX} + (negative ? 1 : 0)) return -1;
   return static_cast<int32_t>(negative ? -static_cast<int64_t>(rounded) : static_cast<int64_t>(rounded));
 }
 

@@ -26,6 +26,8 @@ constexpr Case kCases[] = {
     {"overflow", INT32_MAX, 2, 1, -1},
     {"negative overflow", INT32_MIN, 2, 1, -1},
     {"by zero numerator", 12345, 0, 7, 0},
+    {"most negative quotient", INT32_MIN + 1, 1, 1, INT32_MIN + 1},
+    {"one below it is an overflow", -32768, 65536, 1, -1},
     {"largest quotient", INT32_MAX, 1, 1, INT32_MAX},
 };
 
