@@ -6,8 +6,6 @@ if(CLANG_FORMAT)
     ${PROJECT_SOURCE_DIR}/tests/*.h ${PROJECT_SOURCE_DIR}/tools/*.cpp ${PROJECT_SOURCE_DIR}/tools/*.h
     ${PROJECT_SOURCE_DIR}/bench/*.cpp ${PROJECT_SOURCE_DIR}/bench/*.h ${PROJECT_SOURCE_DIR}/fuzz/*.cpp
     ${PROJECT_SOURCE_DIR}/fuzz/*.h)
-  file(GLOB format_c_sources CONFIGURE_DEPENDS
-    ${PROJECT_SOURCE_DIR}/include/*.h ${PROJECT_SOURCE_DIR}/examples/*.c)
   set(format_list ${PROJECT_BINARY_DIR}/format_files.txt)
   list(JOIN format_sources "\n" format_lines)
   file(CONFIGURE OUTPUT ${format_list} CONTENT "@format_lines@\n" @ONLY)

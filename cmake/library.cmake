@@ -11,15 +11,19 @@ set_target_properties(qnvdrv10_objects PROPERTIES
 target_include_directories(qnvdrv10_objects PRIVATE ${PROJECT_SOURCE_DIR}/include ${PROJECT_SOURCE_DIR}/src)
 target_link_libraries(qnvdrv10_objects PRIVATE qnv_options)
 target_compile_options(qnvdrv10_objects PRIVATE -fno-exceptions -fno-rtti)
+if(WIN32)
+  # No exception passes through the library, so the tables for it would only make the file larger.
+  target_compile_options(qnvdrv10_objects PRIVATE -fno-asynchronous-unwind-tables -fno-unwind-tables)
+endif()
 if(QNV_SANITIZERS)
   target_compile_options(qnvdrv10_objects PRIVATE -fno-sanitize=vptr)  # it needs run-time type information
 endif()
 
 add_library(qnvdrv10_static STATIC $<TARGET_OBJECTS:qnvdrv10_objects>)
-target_include_directories(qnvdrv10_static PUBLIC ${PROJECT_SOURCE_DIR}/include)
+target_include_directories(qnvdrv10_static PUBLIC $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include>)
 
 add_library(qnvdrv10 SHARED $<TARGET_OBJECTS:qnvdrv10_objects>)
-target_include_directories(qnvdrv10 PUBLIC ${PROJECT_SOURCE_DIR}/include)
+target_include_directories(qnvdrv10 PUBLIC $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include>)
 
 set(qnv_def_file ${PROJECT_SOURCE_DIR}/src/entry/qnvdrv10.def)
 set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${qnv_def_file})

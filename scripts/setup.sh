@@ -2,7 +2,7 @@
 # Installs the Debian packages that are missing, and says which. Quick and silent about the rest when none is.
 #
 #   scripts/setup.sh demo      what ./demo needs
-#   scripts/setup.sh check     also what ./check needs (32-bit and Windows compilers, test framework)
+#   scripts/setup.sh check     also what ./check needs (32-bit and Windows compilers, test framework, package tools)
 #   scripts/setup.sh develop   also formatter, linter and fuzzer (the default)
 set -euo pipefail
 
@@ -15,9 +15,10 @@ demo_packages=(
 )
 check_packages=(
   binutils googletest g++-multilib g++-mingw-w64-i686-posix
+  dpkg-dev unzip clang llvm lld
 )
 develop_packages=(
-  clang clang-tidy clang-format libclang-rt-dev llvm
+  clang-tidy clang-format libclang-rt-dev
 )
 
 case $mode in

@@ -1,7 +1,9 @@
 // The interface of every device class, and the three operations that are the same for all of them.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
+#include <cstdlib>
 
 #include "device/band_state.h"
 #include "image/image_arguments.h"
@@ -24,6 +26,11 @@ class Device {
   virtual ~Device() = default;
   Device(const Device&) = delete;
   Device& operator=(const Device&) = delete;
+
+  // The C heap, here and wherever memory is taken: the C++ runtime's allocator brings its exceptions along, which are
+  // as large as the library, and a static library without it links into plain C programs. Null without memory.
+  static void* operator new(std::size_t bytes) noexcept { return std::malloc(bytes); }
+  static void operator delete(void* memory) noexcept { std::free(memory); }
 
   // False when the device could not get its memory; it must not be used then.
   virtual bool IsReady() const { return state_.scratch.HasMemory(); }

@@ -1,7 +1,5 @@
 #include "device/dual_plane_device.h"
 
-#include <new>
-
 namespace qnv {
 
 DualPlaneDevice::DualPlaneDevice(const DeviceDescription& description) : RasterDevice24(description) {}
@@ -11,8 +9,8 @@ DualPlaneDevice::DualPlaneDevice(const DeviceDescription& description, const Ban
     : RasterDevice24(description, bandRect, buffer) {
   DeviceDescription tagDescription = description;
   tagDescription.bitsPerPixel = 8;
-  colourDevice_ = new (std::nothrow) RasterDevice24(description, bandRect, buffer);
-  tagDevice_ = new (std::nothrow) RasterDevice8(tagDescription, bandRect, secondBuffer);
+  colourDevice_ = new RasterDevice24(description, bandRect, buffer);
+  tagDevice_ = new RasterDevice8(tagDescription, bandRect, secondBuffer);
   if (colourDevice_ != nullptr) colourDevice_->Enable(bandRect);
   if (tagDevice_ != nullptr) tagDevice_->Enable(bandRect);
 }

@@ -1,6 +1,6 @@
 #include "device/scratch_buffer.h"
 
-#include <new>
+#include <cstdlib>
 
 namespace qnv {
 namespace {
@@ -10,15 +10,15 @@ constexpr uint32_t kDefaultCapacity = 1024;
 }  // namespace
 
 ScratchBuffer::ScratchBuffer(uint32_t bytes)
-    : capacity_(bytes != 0 ? bytes : kDefaultCapacity), data_(new (std::nothrow) uint8_t[capacity_]) {}
+    : capacity_(bytes != 0 ? bytes : kDefaultCapacity), data_(static_cast<uint8_t*>(std::malloc(capacity_))) {}
 
-ScratchBuffer::~ScratchBuffer() { delete[] data_; }
+ScratchBuffer::~ScratchBuffer() { std::free(data_); }
 
 void* ScratchBuffer::Acquire(uint32_t size) {
   if (busy_ != 0) return nullptr;
   if (capacity_ < size || data_ == nullptr) {
-    delete[] data_;
-    data_ = new (std::nothrow) uint8_t[size > capacity_ ? size : capacity_];
+    std::free(data_);
+    data_ = static_cast<uint8_t*>(std::malloc(size > capacity_ ? size : capacity_));
     if (data_ == nullptr) return nullptr;
   }
   busy_ = 1;

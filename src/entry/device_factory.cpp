@@ -1,7 +1,5 @@
 #include "entry/device_factory.h"
 
-#include <new>
-
 #include "device/dual_plane_device.h"
 #include "device/raster_device.h"
 #include "device/scaled_raster_device.h"
@@ -11,13 +9,13 @@ namespace {
 
 Device* NewDevice(const DeviceDescription& description, const BandRect& bandRect, void* buffer, void* secondBuffer) {
   switch (description.kind) {
-    case QNV_KIND_SCALED: return new (std::nothrow) ScaledRasterDevice(description, bandRect, buffer);
+    case QNV_KIND_SCALED: return new ScaledRasterDevice(description, bandRect, buffer);
     case QNV_KIND_RASTER:
       if (secondBuffer != nullptr) {
-        return new (std::nothrow) DualPlaneDevice(description, bandRect, buffer, secondBuffer);
+        return new DualPlaneDevice(description, bandRect, buffer, secondBuffer);
       }
-      if (description.bitsPerPixel == 24) return new (std::nothrow) RasterDevice24(description, bandRect, buffer);
-      if (description.bitsPerPixel == 8) return new (std::nothrow) RasterDevice8(description, bandRect, buffer);
+      if (description.bitsPerPixel == 24) return new RasterDevice24(description, bandRect, buffer);
+      if (description.bitsPerPixel == 8) return new RasterDevice8(description, bandRect, buffer);
       return nullptr;
     default: return nullptr;  // Intended: kind 2 too, which is known to ReportDeviceInfo alone.
   }

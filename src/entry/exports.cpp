@@ -1,6 +1,6 @@
 // The thirteen exported functions: check the handle, pass the arguments on.
 
-#include <new>
+#include <cstdlib>
 
 #include "entry/device_factory.h"
 #include "entry/device_handle.h"
@@ -35,11 +35,11 @@ uint16_t Low16(uint32_t slot) { return static_cast<uint16_t>(slot); }
 QNV_ENTRY DeviceHandle* QNVEnable(const DeviceDescription* description, const BandRect* bandRect, void* buffer,
                                   void* secondBuffer) {
   if (description == nullptr || bandRect == nullptr) return nullptr;
-  auto* handle = new (std::nothrow) DeviceHandle;
+  auto* const handle = static_cast<DeviceHandle*>(std::malloc(sizeof(DeviceHandle)));
   if (handle == nullptr) return nullptr;
   Device* device = MakeDevice(*description, *bandRect, buffer, secondBuffer);
   if (device == nullptr) {
-    delete handle;
+    std::free(handle);
     return nullptr;
   }
   handle->magic = kHandleMagic;
@@ -50,7 +50,7 @@ QNV_ENTRY DeviceHandle* QNVEnable(const DeviceDescription* description, const Ba
 QNV_ENTRY void QNVDisable(DeviceHandle* handle) {
   if (!IsValid(handle)) return;
   delete handle->device;
-  delete handle;
+  std::free(handle);
 }
 
 QNV_ENTRY uint32_t QNVGetDeviceInfo(const DeviceDescription* description, DeviceSize* result) {

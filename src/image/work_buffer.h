@@ -2,7 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <new>
+#include <cstdlib>
 
 namespace qnv {
 
@@ -11,7 +11,7 @@ namespace qnv {
 class WorkBuffer {
  public:
   WorkBuffer() = default;
-  ~WorkBuffer() { delete[] data_; }
+  ~WorkBuffer() { std::free(data_); }
   WorkBuffer(const WorkBuffer&) = delete;
   WorkBuffer& operator=(const WorkBuffer&) = delete;
 
@@ -26,9 +26,9 @@ class WorkBuffer {
  private:
   void* Reserve(std::size_t bytes) {
     if (bytes <= capacity_ && data_ != nullptr) return data_;
-    delete[] data_;
+    std::free(data_);
     capacity_ = 0;
-    data_ = new (std::nothrow) uint8_t[bytes];
+    data_ = static_cast<uint8_t*>(std::malloc(bytes));
     if (data_ != nullptr) capacity_ = bytes;
     return data_;
   }

@@ -1,7 +1,7 @@
 #include "raster/coordinate_map.h"
 
 #include <algorithm>
-#include <new>
+#include <cstdlib>
 
 #include "raster/mul_div.h"
 #include "raster/wrap.h"
@@ -15,14 +15,14 @@ uint32_t RoundDiv(uint32_t n, uint32_t d) { return n / d + (n % d > d / 2 ? 1 : 
 }  // namespace
 
 CoordinateMap::~CoordinateMap() {
-  delete[] bandIndex_;
-  delete[] columnMap_;
+  std::free(bandIndex_);
+  std::free(columnMap_);
 }
 
 bool CoordinateMap::Build() {
   // Where B is more than twice A the last band indices round to page index A, one past the inch.
-  columnMap_ = new (std::nothrow) int32_t[std::size_t{a_} + 1];
-  bandIndex_ = new (std::nothrow) uint32_t[std::max<std::size_t>(b_, 1)];
+  columnMap_ = static_cast<int32_t*>(std::malloc((std::size_t{a_} + 1) * sizeof *columnMap_));
+  bandIndex_ = static_cast<uint32_t*>(std::malloc(std::max<std::size_t>(b_, 1) * sizeof *bandIndex_));
   if (columnMap_ == nullptr || bandIndex_ == nullptr) return false;
   std::fill_n(columnMap_, std::size_t{a_} + 1, -1);
   for (uint32_t j = 0; j < b_; ++j) {

@@ -1,0 +1,348 @@
+#!/usr/bin/env bash
+# Makes both packages, installs each into an empty folder, and uses them as their receivers would.
+#
+#   scripts/check_packages.sh [LINUX_TREE [WIN32_TREE]]
+#
+# The build trees (default: build/linux-x64 and build/win32) must be configured; what packages hold is brought up to
+# date in them. One line for each check, "N passed, N failed" at the end.
+set -uo pipefail
+root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+linux_tree=$(realpath "${1:-$root/build/linux-x64}") || exit 2
+win32_tree=$(realpath "${2:-$root/build/win32}") || exit 2
+for tree in "$linux_tree" "$win32_tree"; do
+  [ -e "$tree/CPackConfig.cmake" ] || {
+    echo "check_packages.sh: $tree: not configured, or with options that make no package" >&2
+    echo "0 passed, 1 failed"
+    exit 2
+  }
+done
+
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+trap 'exit 1' HUP INT TERM
+wine=$root/scripts/wine.sh
+mingw=i686-w64-mingw32
+mingw_c=$mingw-gcc-posix
+export LC_ALL=C
+umask 022
+version=$(sed -n 's/^CMAKE_PROJECT_VERSION:STATIC=//p' "$linux_tree/CMakeCache.txt")
+passed=0
+failed=0
+
+# check WHAT COMMAND...: one line; on failure what the command said
+check() {
+  local what=$1
+  shift
+  if "$@" >"$work/said" 2>&1 </dev/null; then
+    echo "  ok      $what"
+    passed=$((passed + 1))
+  else
+    echo "  FAILED  $what"
+    tail -n 20 "$work/said" | cut -c1-300 | sed 's/^/          /'
+    failed=$((failed + 1))
+    return 1
+  fi
+}
+
+finish() {
+  echo "$passed passed, $failed failed"
+  [ "$failed" -eq 0 ]
+  exit
+}
+
+# needs FILE...: a check is worth nothing when the file it looks at is missing
+needs() {
+  local file
+  for file; do [ -s "$file" ] || { echo "$file: missing or empty"; return 1; }; done
+}
+
+# same_lines: the two texts hold the same lines
+same_lines() { diff -U 0 <(sort -u <<<"$1") <(sort -u <<<"$2"); }
+
+# ---- Making ---------------------------------------------------------------------------------------------------------
+make_package() { # TREE PATTERN: leaves the path of the package in $work/made
+  local packages=()
+  rm -f "$1"/packages/$2
+  cmake --build "$1" --target package_files example_host || return 1
+  (cd "$1" && cpack) || return 1
+  packages=("$1"/packages/$2)
+  [ ${#packages[@]} -eq 1 ] && needs "${packages[0]}" && echo "${packages[0]}" >"$work/made"
+}
+
+# ---- Contents -------------------------------------------------------------------------------------------------------
+documents() { # all guides of the tree are delivered
+  (cd "$root" && find docs -name '*.md' -o -name '*.png')
+}
+
+cmake_files() {
+  printf 'lib/cmake/QNVDRV10/QNVDRV10%s.cmake\n' Config ConfigVersion SharedTargets SharedTargets-relwithdebinfo \
+    StaticTargets StaticTargets-relwithdebinfo
+}
+
+example_files() { printf 'examples/%s\n' host.c small_font.h CMakeLists.txt; }
+
+deb_files() {
+  { # relative to /usr
+    printf '%s\n' bin/qnvtool include/qnvdrv10.h lib/libqnvdrv10.so lib/libqnvdrv10_static.a
+    printf 'share/%s\n' man/man1/qnvtool.1.gz bash-completion/completions/qnvtool doc/qnvdrv10-dev/changelog.gz
+    cmake_files
+    { documents; example_files; } | sed 's|^|share/doc/qnvdrv10-dev/|'
+  } | sed 's|^|usr/|'
+}
+
+zip_files() {
+  printf '%s\n' bin/QNVDRV10.dll bin/QNVDRV10.dll.debug include/qnvdrv10.h CHANGELOG.md
+  printf 'lib/%s\n' QNVDRV10.lib QNVDRV10.def libqnvdrv10.dll.a libqnvdrv10_static.a
+  cmake_files
+  documents
+  example_files
+}
+
+holds_exactly() { same_lines "$2" "$(cd "$1" && find . ! -type d -printf '%P\n')"; } # FOLDER FILES
+
+# Files can be read by everybody and written by root only; programs and libraries alone can be run.
+deb_modes() {
+  local odd
+  odd=$(dpkg-deb -c "$deb" | grep -vE '^(drwxr-xr-x|-rw-r--r--) root/root |^-rwxr-xr-x root/root .*/usr/bin/' || true)
+  [ -z "$odd" ] || { echo "$odd"; return 1; }
+}
+
+control_field() { # FIELD PATTERN
+  local value
+  value=$(dpkg-deb -f "$deb" "$1")
+  grep -qE -- "$2" <<<"$value" || { echo "$1: $value"; return 1; }
+}
+
+deb_control() {
+  control_field Package '^qnvdrv10-dev$' && control_field Version "^${version//./\\.}$" &&
+    control_field Architecture "^$(dpkg --print-architecture)$" && control_field Depends '(^|, )libc6 ' &&
+    control_field Depends '(^|, )libpng16-16 ' && control_field Description 'Band rasteriser'
+}
+
+# Nothing says where it was built. Compressed files are looked into.
+no_machine_paths() {
+  local folder=$1 found
+  find "$folder" -name '*.gz' -exec gzip -dkf {} + || return 1
+  found=$(grep -rlaF -e "$root" -e "$linux_tree" -e "$win32_tree" -e "$work" -e "$HOME/" "$folder")
+  find "$folder" -name '*.gz' -exec sh -c 'for z; do rm -f "${z%.gz}"; done' sh {} +
+  [ -z "$found" ] || { echo "in $found"; return 1; }
+}
+
+no_search_paths() {
+  local file entries
+  for file in "$deb_root"/usr/bin/qnvtool "$deb_root"/usr/lib/libqnvdrv10.so; do
+    entries=$(readelf -d "$file")
+    grep -qF '(NEEDED)' <<<"$entries" || { echo "$file: not read"; return 1; }
+    ! grep -E '\(R(UN)?PATH\)' <<<"$entries" || return 1
+  done
+}
+
+component_holds() { # TREE COMPONENT FILES
+  local prefix=$work/component
+  rm -rf "$prefix"
+  cmake --install "$1" --prefix "$prefix" --component "$2" && holds_exactly "$prefix" "$3"
+}
+
+# ---- qnvtool --------------------------------------------------------------------------------------------------------
+long_options() { sed 's/\\-/-/g' | grep -oE -- '--[a-z][a-z-]*' | sort -u; }
+
+options_of_help() {
+  local command
+  for command in '' print make-picture; do "$tool" $command --help || return 1; done | long_options
+}
+
+man_page_is_true() {
+  local page
+  page=$(zcat "$deb_root/usr/share/man/man1/qnvtool.1.gz") && grep "^\.TH QNVTOOL 1 .*qnvtool $version" <<<"$page" &&
+    same_lines "$(options_of_help)" "$(long_options <<<"$page")"
+}
+
+completion_is_true() {
+  same_lines "$(options_of_help)" "$(long_options <"$deb_root/usr/share/bash-completion/completions/qnvtool")"
+}
+
+completes() { # EXPECTED WORD...
+  local expected=$1
+  shift
+  (
+    . "$deb_root/usr/share/bash-completion/completions/qnvtool"
+    COMP_WORDS=(qnvtool "$@")
+    COMP_CWORD=$#
+    _qnvtool
+    same_lines "${expected// /$'\n'}" "$(printf '%s\n' "${COMPREPLY[@]}")"
+  )
+}
+
+completion_works() {
+  completes 'print' pr && completes '--paper' print --pap && completes 'a4' print --paper a &&
+    completes '--height --help' make-picture photo --he && completes 'photo' make-picture ph
+}
+
+tool_says_version() { [ "$("$tool" --version)" = "qnvtool $version" ]; }
+
+prints_through_library() {
+  local print=("$tool" print "$work/photo.bmp" --paper 60x40mm --margin 5 --dpi 90 -q)
+  "$tool" make-picture photo "$work/photo.bmp" --width 60 --height 40 &&
+    "${print[@]}" -o "$work/linked.ppm" &&
+    "${print[@]}" -o "$work/loaded.ppm" --library "$deb_root/usr/lib/libqnvdrv10.so" &&
+    needs "$work/linked.ppm" && cmp "$work/linked.ppm" "$work/loaded.ppm"
+}
+
+# ---- Windows files --------------------------------------------------------------------------------------------------
+published() { sed -n 's/^\([0-9]*\) \(QNV[A-Za-z]*\)\r\{0,1\}$/\1 \2/p' "$root/tests/published_exports.txt"; }
+
+version_resource() {
+  local resource
+  resource=$($mingw-windres -i "$zip_root/bin/QNVDRV10.dll" -O rc) || return 1
+  local line
+  for line in "FILEVERSION ${version//./, }, 0" "PRODUCTVERSION ${version//./, }, 0" \
+    "\"ProductVersion\", \"$version\"" "\"FileVersion\", \"$version\"" '"ProductName", "QNVDRV10"' \
+    '"FileDescription", "Band rasteriser"' '"OriginalFilename", "QNVDRV10.dll"'; do
+    grep -qF -- "$line" <<<"$resource" || { echo "no $line in: $resource"; return 1; }
+  done
+}
+
+symbols_beside_dll() {
+  local dll=$zip_root/bin/QNVDRV10.dll in_dll beside link
+  beside=$($mingw-objdump -h "$dll.debug") && in_dll=$($mingw-objdump -h "$dll") &&
+    link=$($mingw-objdump -s -j .gnu_debuglink "$dll") || return 1
+  grep -q ' \.debug_info ' <<<"$beside" || { echo "no debug information in $dll.debug"; return 1; }
+  ! grep ' \.debug_info ' <<<"$in_dll" || return 1
+  grep -qF 'QNVDRV10.dll.deb' <<<"$link" || { echo "no link to the symbols: $link"; return 1; }
+}
+
+import_symbols() { # LIBRARY: exactly the published functions, undecorated, each with its import pointer
+  local library=$zip_root/lib/$1
+  needs "$library" && same_lines "$(published | sed 's/^[0-9]* \(.*\)/_\1\n__imp__\1/')" \
+    "$($mingw-nm "$library" 2>/dev/null | sed -n 's/^[0-9a-f]* [TI] \(_\(_imp__\)\{0,1\}QNV[A-Za-z]*\)$/\1/p')"
+}
+
+# The program asks for names the DLL has, with the ordinals they have (the hint): FEWEST of them at least.
+binds_right() { # PROGRAM FEWEST
+  local bound
+  bound=$($mingw-objdump -p "$1" | tr -d '\r' | sed -n '/DLL Name: QNVDRV10.dll$/,/^$/p' |
+    awk 'NF == 3 && $3 ~ /^QNV[A-Za-z]+$/ { print $2, $3 }')
+  [ "$(grep -c . <<<"$bound")" -ge "$2" ] || { echo "only these are imported: $bound"; return 1; }
+  ! grep -vxFf <(published) <<<"$bound"
+}
+
+needs_system_only() { # PROGRAM: imports from the two system libraries and nothing else
+  same_lines $'KERNEL32.dll\nmsvcrt.dll' "$($mingw-objdump -p "$1" | tr -d '\r' | sed -n 's/.*DLL Name: //p')"
+}
+
+# PROGRAM
+needs_c_library_only() { same_lines libc.so.6 "$(readelf -d "$1" | sed -n 's/.*(NEEDED).*\[\(.*\)\]/\1/p')"; }
+
+# ---- Consumers ------------------------------------------------------------------------------------------------------
+configure_and_build() { # SOURCES BUILD PREFIX OPTION...
+  cmake -G Ninja -S "$1" -B "$2" -D CMAKE_PREFIX_PATH="$3" "${@:4}" && cmake --build "$2"
+}
+
+# With the Windows compiler alone: nothing of this project's own way to build is there.
+windows=(-D CMAKE_SYSTEM_NAME=Windows -D "CMAKE_C_COMPILER=$mingw_c" -D "CMAKE_CXX_COMPILER=$mingw-g++-posix")
+microsoft=(
+  -D CMAKE_SYSTEM_NAME=Windows -D CMAKE_C_COMPILER=clang -D CMAKE_C_COMPILER_TARGET=i686-pc-windows-msvc
+  -D CMAKE_TRY_COMPILE_TARGET_TYPE=STATIC_LIBRARY -D CMAKE_C_STANDARD_LIBRARIES= -D CMAKE_BUILD_TYPE=Release
+)
+
+example_compiles() { # COMPILER
+  $1 -std=c99 -Wall -Wextra -pedantic -Werror -I "$root/include" -c "$root/examples/host.c" -o "$work/host.o"
+}
+
+with_ms_library() { # MinGW's linker reads the other import library as well
+  mkdir -p "$work/by-lib" && cp "$zip_root/bin/QNVDRV10.dll" "$work/by-lib" &&
+    $mingw_c -std=c99 -I "$zip_root/include" "$zip_root/examples/host.c" "$zip_root/lib/QNVDRV10.lib" \
+      -o "$work/by-lib/host.exe"
+}
+
+microsoft_runs() {
+  "$wine" "$work/microsoft/consumer.exe"
+  local code=$?
+  [ $code -eq 42 ] || { echo "exit code $code"; return 1; }
+}
+
+paints() { # COMMAND...: the page of the build tree's host
+  rm -f "$work/page.bmp"
+  "$@" "$work/page.bmp" && needs "$work/page.bmp" && cmp "$work/reference.bmp" "$work/page.bmp"
+}
+
+loads_from() { # PROGRAM LIBRARY: the installed shared object, not one of the build tree
+  ldd "$1" | grep -F "=> $2 "
+}
+
+# ---- The checks -----------------------------------------------------------------------------------------------------
+echo "examples/host.c"
+for compiler in gcc clang "$mingw_c"; do
+  check "compiled as C99 without a warning by $compiler" example_compiles "$compiler"
+done
+
+echo "Debian package"
+deb_root=$work/deb
+zip_top=$work/zip
+check "made" make_package "$linux_tree" 'qnvdrv10-dev_*.deb' || finish
+deb=$(cat "$work/made")
+check "installed into an empty folder" dpkg-deb -x "$deb" "$deb_root" || finish
+tool=$deb_root/usr/bin/qnvtool
+check "holds what it should, and nothing else" holds_exactly "$deb_root" "$(deb_files)"
+check "owners and permissions" deb_modes
+check "control details" deb_control
+check "no path of this machine in any file" no_machine_paths "$deb_root"
+check "no library search path" no_search_paths
+check "component runtime alone" component_holds "$linux_tree" runtime lib/libqnvdrv10.so
+check "qnvtool runs and tells its version" tool_says_version
+check "the man page has the options of --help" man_page_is_true
+check "the completion has the options of --help" completion_is_true
+check "the completion completes" completion_works
+check "qnvtool prints the same page through the installed library" prints_through_library
+
+check "build tree: the example paints its page" "$linux_tree/bin/example_host" "$work/reference.bmp" || finish
+examples=$deb_root/usr/share/doc/qnvdrv10-dev/examples
+if check "example: configured and built" configure_and_build "$examples" "$work/linux" "$deb_root/usr"; then
+  check "example: loads the installed library" loads_from "$work/linux/host" "$deb_root/usr/lib/libqnvdrv10.so"
+  check "example, shared: the same page" paints "$work/linux/host"
+  check "example, static: needs the C library only" needs_c_library_only "$work/linux/host_static"
+  check "example, static: the same page" paints "$work/linux/host_static"
+fi
+if check "C++ test program: configured and built" \
+  configure_and_build "$root/packaging/consumers/cpp_test" "$work/linux-test" "$deb_root/usr"; then
+  check "C++ test program: passes" "$work/linux-test/consumer_test"
+fi
+
+echo "Windows package"
+check "made" make_package "$win32_tree" 'QNVDRV10-*-win32.zip' || finish
+check "named after its version" test "$(cat "$work/made")" = "$win32_tree/packages/QNVDRV10-$version-win32.zip"
+check "unpacked into an empty folder" unzip -q "$(cat "$work/made")" -d "$zip_top" || finish
+zip_root=$zip_top/QNVDRV10-$version-win32
+check "holds what it should, and nothing else" holds_exactly "$zip_root" "$(zip_files)"
+check "no path of this machine in any file" no_machine_paths "$zip_root"
+check "component runtime alone" component_holds "$win32_tree" runtime bin/QNVDRV10.dll
+check "version resource" version_resource
+check "symbols beside the DLL" symbols_beside_dll
+check "libqnvdrv10.dll.a: the published functions" import_symbols libqnvdrv10.dll.a
+check "QNVDRV10.lib: the published functions" import_symbols QNVDRV10.lib
+check "DLL: needs the system's libraries only" needs_system_only "$zip_root/bin/QNVDRV10.dll"
+
+check "build tree: the same page under Wine" paints "$wine" "$win32_tree/bin/example_host.exe"
+if check "example: configured and built" \
+  configure_and_build "$zip_root/examples" "$work/win32" "$zip_root" "${windows[@]}"; then
+  check "example: the DLL beside it is the delivered one" cmp "$zip_root/bin/QNVDRV10.dll" "$work/win32/QNVDRV10.dll"
+  check "example: imports by the published names" binds_right "$work/win32/host.exe" 8
+  check "example, DLL: the same page" paints "$wine" "$work/win32/host.exe"
+  check "example, static: needs the system's libraries only" needs_system_only "$work/win32/host_static.exe"
+  check "example, static: the same page" paints "$wine" "$work/win32/host_static.exe"
+fi
+if check "C++ test program: configured and built" \
+  configure_and_build "$root/packaging/consumers/cpp_test" "$work/win32-test" "$zip_root" "${windows[@]}" \
+  -D CMAKE_EXE_LINKER_FLAGS=-static; then
+  check "C++ test program: passes" "$wine" "$work/win32-test/consumer_test.exe"
+fi
+if check "QNVDRV10.lib: the example linked with it" with_ms_library; then
+  check "QNVDRV10.lib: imports by the published names" binds_right "$work/by-lib/host.exe" 8
+  check "QNVDRV10.lib: the same page" paints "$wine" "$work/by-lib/host.exe"
+fi
+if check "program for Microsoft's linker: configured and built" \
+  configure_and_build "$root/packaging/consumers/microsoft" "$work/microsoft" "$zip_root" "${microsoft[@]}"; then
+  check "program for Microsoft's linker: imports by the published names" binds_right "$work/microsoft/consumer.exe" 5
+  check "program for Microsoft's linker: runs" microsoft_runs
+fi
+finish
