@@ -44,7 +44,8 @@ std::vector<uint8_t> TakeSpanList(Input& input, uint16_t style, uint16_t count) 
 void CallOutput(Input& input, DeviceHandle* handle) {
   const uint16_t styles[] = {4, 5, 205, 305, 405, 505, 104, 105, 80, 81, 6, 0};
   const uint16_t style = styles[input.Byte() % 12];
-  const uint16_t count = input.Byte() == 0xFF ? static_cast<uint16_t>(input.Word() % 2048) : input.Byte() % 64;
+  const bool many = input.Byte() == 0xFF;
+  const uint16_t count = static_cast<uint16_t>(many ? input.Word() % 2048 : input.Byte() % 64);
   const uint8_t given = input.Byte();
   const PhysicalBrush brush = TakeBrush(input);
   const PhysicalPen pen{static_cast<uint16_t>(input.Byte() % 7), 1, 1, input.Long()};
