@@ -1,20 +1,58 @@
 #include "image/source_mapping.h"
 
-#include <cmath>
+#include <bit>
 
 namespace qnv {
 namespace {
 
-// Truncates to 64 bits and keeps the low 32: what lies beyond wraps, never is undefined.
-int32_t ToInt32(double v) {
-  constexpr double kLimit = 9223372036854775808.0;  // 2^63
-  if (!(v > -kLimit && v < kLimit)) return 0;
-  return static_cast<int32_t>(static_cast<uint32_t>(static_cast<uint64_t>(static_cast<int64_t>(v))));
+// A double taken apart. The processor's own conversions to 64 bits, and floor and ceil of the runtime, go through the
+// x87 unit on 32-bit builds, whose state belongs to the host.
+struct Parts {
+  uint64_t whole = 0;  // of the magnitude; 0 from 2^63 on
+  bool negative = false;
+  bool fraction = false;  // there is something behind the point
+};
+
+Parts TakeApart(double v) {
+  const uint64_t bits = std::bit_cast<uint64_t>(v);
+  const int exponent = static_cast<int>(bits >> 52 & 0x7FF) - 1075;
+  const uint64_t mantissa = (bits & ((uint64_t{1} << 52) - 1)) | uint64_t{1} << 52;
+  Parts parts;
+  parts.negative = bits >> 63 != 0;
+  if (exponent >= 0) {
+    if (exponent < 11) parts.whole = mantissa << exponent;
+  } else if (exponent > -53) {
+    parts.whole = mantissa >> -exponent;
+    parts.fraction = (mantissa & ((uint64_t{1} << -exponent) - 1)) != 0;
+  } else {
+    parts.fraction = v != 0;
+  }
+  return parts;
 }
 
-int32_t ToInt16(double v) { return static_cast<int16_t>(static_cast<uint16_t>(ToInt32(v))); }
+// The low 32 bits: what lies beyond wraps, never is undefined.
+int32_t Signed(const Parts& parts, uint64_t magnitude) {
+  return static_cast<int32_t>(static_cast<uint32_t>(parts.negative ? 0 - magnitude : magnitude));
+}
 
-int32_t ToFixed(double v) { return ToInt32(0.5 + v * 65536.0); }
+int32_t Truncate(double v) {
+  const Parts parts = TakeApart(v);
+  return Signed(parts, parts.whole);
+}
+
+int32_t Floor(double v) {
+  const Parts parts = TakeApart(v);
+  return Signed(parts, parts.whole + (parts.negative && parts.fraction ? 1 : 0));
+}
+
+int32_t Ceil(double v) {
+  const Parts parts = TakeApart(v);
+  return Signed(parts, parts.whole + (!parts.negative && parts.fraction ? 1 : 0));
+}
+
+int32_t ToInt16(int32_t v) { return static_cast<int16_t>(static_cast<uint16_t>(v)); }
+
+int32_t ToFixed(double v) { return Truncate(0.5 + v * 65536.0); }
 
 bool SameSign(int32_t a, int32_t b) { return (a < 0) == (b < 0); }
 
@@ -24,7 +62,7 @@ struct Edges {
 
 // The source pixels from the one that holds `from` to the one that holds `to`, inside [0, size].
 Edges CoveredPixels(double from, double to, int32_t size) {
-  return {MaxOf(ToInt16(std::floor(from)), 0), MinOf(ToInt16(std::ceil(to)), size)};
+  return {MaxOf(ToInt16(Floor(from)), 0), MinOf(ToInt16(Ceil(to)), size)};
 }
 
 }  // namespace

@@ -30,17 +30,26 @@ DibSample::DibSample(const DibForm& form, int32_t width, int32_t height, RowOrde
   if (gray) MakeGray(form);
 }
 
-DibSample::DibSample(const DibForm& form, int32_t width, int32_t height, std::vector<uint8_t> compressed,
-                     uint64_t seed)
+DibSample::DibSample(const DibForm& form, int32_t width, int32_t height, std::vector<uint8_t> compressed, uint64_t seed,
+                     bool gray)
     : width_(width), height_(height), bits_(std::move(compressed)) {
-  WriteHeader(form, RowOrder::kBottomUp, seed, false);
+  WriteHeader(form, RowOrder::kBottomUp, seed, gray);
+}
+
+const uint8_t* DibSample::Row(int32_t stored) const {
+  return bits_.data() + static_cast<std::size_t>(stored) * stride_;
+}
+
+void DibSample::Spoil(void (*change)(BITMAPINFOHEADER*)) {
   BITMAPINFOHEADER header;
   std::memcpy(&header, info_.data(), sizeof header);
-  header.biSizeImage = static_cast<DWORD>(bits_.size());
+  change(&header);
   std::memcpy(info_.data(), &header, sizeof header);
 }
 
-const uint8_t* DibSample::Row(int32_t stored) const { return bits_.data() + static_cast<std::size_t>(stored) * stride_; }
+void DibSample::LimitIndices(uint32_t limit) {
+  for (uint8_t& index : bits_) index = static_cast<uint8_t>(index % limit);
+}
 
 void DibSample::WriteHeader(const DibForm& form, RowOrder order, uint64_t seed, bool gray) {
   // Longer headers hold the masks at the byte where shorter ones are followed by them.
@@ -54,6 +63,7 @@ void DibSample::WriteHeader(const DibForm& form, RowOrder order, uint64_t seed, 
   header.biPlanes = 1;
   header.biBitCount = form.bitCount;
   header.biCompression = form.compression;
+  header.biSizeImage = static_cast<DWORD>(bits_.size());  // the platform asks for it where rows are compressed
   header.biClrUsed = form.coloursUsed;
   std::memcpy(info_.data(), &header, sizeof header);
   if (masked) std::memcpy(info_.data() + 40, form.masks, sizeof form.masks);

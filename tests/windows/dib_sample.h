@@ -49,11 +49,18 @@ class DibSample {
   DibSample(const DibForm& form, int32_t width, int32_t height, RowOrder order, uint64_t seed, bool gray = false);
 
   // Compressed rows in place of noise.
-  DibSample(const DibForm& form, int32_t width, int32_t height, std::vector<uint8_t> compressed, uint64_t seed);
+  DibSample(const DibForm& form, int32_t width, int32_t height, std::vector<uint8_t> compressed, uint64_t seed,
+            bool gray = false);
 
   const BITMAPINFO* info() const { return reinterpret_cast<const BITMAPINFO*>(info_.data()); }
   const void* bits() const { return bits_.data(); }
   const uint8_t* Row(int32_t stored) const;
+  // Changes the header alone.
+  void Spoil(void (*change)(BITMAPINFOHEADER*));
+
+  // Keeps the indices of an 8-bit image below `limit`.
+  void LimitIndices(uint32_t limit);
+
   int32_t width() const { return width_; }
   int32_t height() const { return height_; }  // rows, whatever their order
 

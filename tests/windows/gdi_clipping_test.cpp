@@ -1,13 +1,13 @@
 // Clips, edges and extents of transfers beside the platform's.
 
 #include <gtest/gtest.h>
+#include <windows.h>
 
 #include <algorithm>
 
+#include "support/random_bytes.h"
 #include "windows/differences.h"
 #include "windows/transfer_pair.h"
-
-#include "support/random_bytes.h"
 
 namespace qnv::test {
 namespace {
@@ -24,8 +24,8 @@ TEST(GdiClipping, WithoutASourceEveryClipAgrees) {
     BandRect clip{4 + below(50), -8 + below(26), 0, 0};
     clip.right = clip.left + 1 + below(40);
     clip.bottom = clip.top + 1 + below(20);
-    const TransferArea area{.destX = 4 + below(40), .destY = -8 + below(20), .width = 1 + below(40),
-                            .height = 1 + below(20)};
+    const TransferArea area{
+        .destX = 4 + below(40), .destY = -8 + below(20), .width = 1 + below(40), .height = 1 + below(20)};
     for (uint32_t rop : {BLACKNESS, WHITENESS, DSTINVERT, PATCOPY, PATINVERT, DWORD{0x00A000C9}}) {
       PaintBoth(witness, {.area = area, .rop = rop, .brush = &brush, .clip = clip}, mode);
       ASSERT_TRUE(witness.Same()) << Describe(clip) << std::hex << rop;

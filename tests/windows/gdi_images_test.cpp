@@ -1,15 +1,15 @@
 // Images of every form beside the platform's StretchDIBits.
 
 #include <gtest/gtest.h>
+#include <windows.h>
 
 #include <string>
 
+#include "support/random_bytes.h"
+#include "support/transfer_model.h"
 #include "windows/differences.h"
 #include "windows/image_pair.h"
 #include "windows/transfer_pair.h"
-
-#include "support/random_bytes.h"
-#include "support/transfer_model.h"
 
 namespace qnv::test {
 namespace {
@@ -48,7 +48,9 @@ TEST_P(GdiImages, WholeImagesAgreeInEveryOrderAndMirror) {
 TEST_P(GdiImages, PartsOfImagesAgree) {
   Witness witness;
   RandomBytes random(3);
-  const auto below = [&random](int32_t limit) { return static_cast<int32_t>(random.Below(static_cast<uint32_t>(limit))); };
+  const auto below = [&random](int32_t limit) {
+    return static_cast<int32_t>(random.Below(static_cast<uint32_t>(limit)));
+  };
   for (RowOrder order : kOrders) {
     const DibSample dib(GetParam(), kWidth, kHeight, order, 8);
     for (unsigned i = 0; i < 48; ++i) {

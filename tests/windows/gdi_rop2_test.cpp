@@ -31,9 +31,9 @@ struct Ink {
 };
 
 void PaintSpans(const Witness& witness, uint32_t style, const SpanList& list, const Ink& ink, const DRAWMODE& mode) {
-  EXPECT_EQ(1u, QNVOutput(witness.handle(), style, list.count, list.words.data(), ink.pen, ink.brush, &mode,
-                          &kEverywhere) &
-                    0xFFFF);
+  EXPECT_EQ(1u,
+            QNVOutput(witness.handle(), style, list.count, list.words.data(), ink.pen, ink.brush, &mode, &kEverywhere) &
+                0xFFFF);
 }
 
 SpanList Box(const RECT& box) {

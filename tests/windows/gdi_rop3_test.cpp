@@ -1,15 +1,15 @@
 // All 256 ternary operations beside the platform's BitBlt, in every combination of source and brush.
 
 #include <gtest/gtest.h>
+#include <windows.h>
 
 #include <string>
 #include <vector>
 
-#include "windows/differences.h"
-#include "windows/transfer_pair.h"
-
 #include "support/random_bytes.h"
 #include "support/transfer_model.h"
+#include "windows/differences.h"
+#include "windows/transfer_pair.h"
 
 namespace qnv::test {
 namespace {
@@ -119,10 +119,10 @@ TEST(GdiRop3Pattern, CellsAreCountedFromTheBandsCorner) {
       witness.Apply(mode);
       const BrushPair brush = ColourPatternPair(witness, 3);
       for (uint32_t rop : {PATCOPY, PATINVERT, DWORD{0x00050325}}) {
-        PaintBoth(witness, {.area = {.destX = left + 3, .destY = top + 2, .width = 30, .height = 12},
-                            .rop = rop,
-                            .brush = &brush},
-                  mode);
+        PaintBoth(
+            witness,
+            {.area = {.destX = left + 3, .destY = top + 2, .width = 30, .height = 12}, .rop = rop, .brush = &brush},
+            mode);
         EXPECT_TRUE(witness.Same()) << left << ", " << top;
       }
     }
@@ -144,9 +144,10 @@ TEST(GdiRop3Flags, TheMirroringFlagChangesNothing) {
   const DRAWMODE mode = TwoColours(witness);
   const SourcePair source = ColourSourcePair(30, 12, 4);
   for (uint32_t rop : {SRCCOPY, SRCINVERT, NOTSRCERASE}) {
-    PaintBoth(witness, {.area = {.destX = 3, .destY = 2, .width = 30, .height = 12}, .rop = rop | 0x80000000u,
-                        .source = &source},
-              mode);
+    PaintBoth(
+        witness,
+        {.area = {.destX = 3, .destY = 2, .width = 30, .height = 12}, .rop = rop | 0x80000000u, .source = &source},
+        mode);
     EXPECT_TRUE(witness.Same()) << std::hex << rop;
   }
 }

@@ -1,14 +1,15 @@
 // Run-length images beside the platform's StretchDIBits and SetDIBitsToDevice.
 
 #include <gtest/gtest.h>
+#include <windows.h>
 
-#include <string>
+#include <initializer_list>
 #include <vector>
 
+#include "support/random_bytes.h"
 #include "windows/differences.h"
 #include "windows/image_pair.h"
-
-#include "support/random_bytes.h"
+#include "windows/transfer_pair.h"
 
 namespace qnv::test {
 namespace {
@@ -104,17 +105,90 @@ TEST_P(GdiRuns, SetDibitsAgrees) {
 
 INSTANTIATE_TEST_SUITE_P(BothDepths, GdiRuns, testing::Values(kRle4, kRle8));
 
-// Data that is odd in one way only, on an image of 4 x 3 pixels.
+// Data that is odd in one way only, for an image of 4 x 3 pixels. Runs of index 1, 2 and 3 make it telling.
 struct OddRuns {
   const char* name;
   Bytes data;
 };
 
-Witness PaintOddRuns(const Bytes& data) {
-  Witness witness;
-  const DibSample dib(kRle8, 4, 3, data, 4);
-  PaintBoth(witness, {.dib = &dib, .area = WholeImage(dib, 3, 2)});
-  return witness;
+constexpr ImageArea kOddArea = {3, 2, 4, 3, 0, 0, 4, 3};
+
+void PaintOddRuns(const Witness& witness, const DibForm& form, const Bytes& data) {
+  const DibSample dib(form, 4, 3, data, 4);
+  PaintBoth(witness, {.dib = &dib, .area = kOddArea});
+}
+
+TEST(GdiOddRuns, WhatReachesBeyondARowIsCut) {
+  if (!RunsUnderWine()) GTEST_SKIP() << "no platform promises anything for such data";
+  const OddRuns cases[] = {
+      {"a run that is too long", {6, 1, 0, 0, 4, 2, 0, 0, 4, 3, 0, 1}},
+      {"no end of the bitmap", {4, 1, 0, 0, 4, 2, 0, 0, 4, 3, 0, 0}},
+      {"an end of line before the end of the bitmap", {4, 1, 0, 0, 4, 2, 0, 0, 4, 3, 0, 0, 0, 1}},
+      {"more rows than the image has", {4, 1, 0, 0, 4, 2, 0, 0, 4, 3, 0, 0, 4, 5, 0, 0, 0, 1}},
+  };
+  for (const OddRuns& c : cases) {
+    const Witness witness;
+    PaintOddRuns(witness, kRle8, c.data);
+    EXPECT_TRUE(witness.Same()) << c.name;
+  }
+  const Witness witness;
+  PaintOddRuns(witness, kRle4, {0, 8, 0x12, 0x34, 0x56, 0x78, 0, 0, 4, 2, 0, 0, 4, 3, 0, 1});
+  EXPECT_TRUE(witness.Same()) << "a literal of four bits that is too long";
+}
+
+// The platform leaves what is skipped as it was, the library paints it with colour 0: over a ground of that colour both
+// come to the same.
+TEST(GdiOddRunsDifference, SkippedPixelsGetColourZero) {
+  const OddRuns cases[] = {
+      {"an early end of line", {2, 1, 0, 0, 4, 2, 0, 0, 4, 3, 0, 1}},
+      {"an early end of the bitmap", {4, 1, 0, 0, 2, 2, 0, 1}},
+      {"a step to the right", {1, 1, 0, 2, 2, 0, 1, 2, 0, 0, 4, 3, 0, 0, 4, 4, 0, 1}},
+      {"a step up and to the right", {1, 1, 0, 2, 2, 1, 1, 2, 0, 0, 4, 3, 0, 1}},
+      {"a step of two rows", {1, 1, 0, 2, 0, 2, 3, 2, 0, 1}},
+      {"nothing at all", {0, 1}},
+  };
+  for (const OddRuns& c : cases) {
+    SCOPED_TRACE(c.name);
+    const Witness witness;
+    const DibSample dib(kRle8, 4, 3, c.data, 4);
+    PaintBoth(witness, {.dib = &dib, .area = kOddArea});
+    ExpectDifference(kSkippedPixels, witness);
+
+    const RGBQUAD zero = dib.info()->bmiColors[0];
+    const BrushPair ground = SolidPair(witness, RGB(zero.rgbRed, zero.rgbGreen, zero.rgbBlue));
+    PaintBoth(witness, {.area = {.width = 43, .height = 19}, .rop = PATCOPY, .brush = &ground}, MakeDrawMode());
+    PaintBoth(witness, {.dib = &dib, .area = kOddArea});
+    EXPECT_TRUE(witness.Same());
+  }
+}
+
+TEST(GdiOddRunsDifference, AFullRowDoesNotEndByItself) {
+  const Witness witness;
+  PaintOddRuns(witness, kRle8, {4, 1, 4, 2, 4, 3, 0, 1});
+  ExpectDifference(kRowWithoutEnd, witness);
+}
+
+TEST(GdiOddRunsDifference, TheRestOfAnOverlongLiteralIsReadAsCodes) {
+  const Witness witness;
+  PaintOddRuns(witness, kRle8, {0, 6, 1, 2, 3, 4, 0, 0, 0, 0, 4, 2, 0, 0, 4, 3, 0, 1});
+  ExpectDifference(kOverlongLiteral, witness);
+}
+
+TEST(GdiOddRunsDifference, TopDownRunsAreTaken) {
+  const Witness witness;
+  const Bytes data = {4, 1, 0, 0, 4, 2, 0, 0, 4, 3, 0, 1};
+  DibSample dib(kRle8, 4, 3, data, 4);
+  dib.Spoil([](BITMAPINFOHEADER* header) { header->biHeight = -header->biHeight; });
+  const ImagePair pair{.dib = &dib, .area = kOddArea};
+  EXPECT_EQ(1u, PaintLibraryImage(witness, pair));
+  EXPECT_EQ(0, PaintPlatformImage(witness, pair));
+  ExpectDifference(kTopDownRuns, witness);
+
+  const Witness upright;
+  const DibSample twin(kRle8, 4, 3, {4, 3, 0, 0, 4, 2, 0, 0, 4, 1, 0, 1}, 4);
+  PaintBoth(upright, {.dib = &twin, .area = kOddArea});
+  EXPECT_TRUE(upright.Same());
+  EXPECT_TRUE(BandShows(witness.device(), BandImage(upright.device())));
 }
 
 }  // namespace

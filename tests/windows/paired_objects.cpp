@@ -66,8 +66,8 @@ BrushPair BytePattern(const Witness& witness, uint32_t bytesPerPixel, uint64_t s
   std::vector<uint8_t> cells(64 * bytesPerPixel);
   RandomBytes random(seed);
   for (uint8_t& byte : cells) byte = random.Byte();
-  const SourceBitmap bitmap{0, 8, 8, static_cast<uint16_t>(8 * bytesPerPixel), 1, static_cast<uint8_t>(8 * bytesPerPixel),
-                            cells.data()};
+  const SourceBitmap bitmap{
+      0, 8, 8, static_cast<uint16_t>(8 * bytesPerPixel), 1, static_cast<uint8_t>(8 * bytesPerPixel), cells.data()};
 
   const DibHeader dib = TopDownHeader(8, 8, static_cast<uint16_t>(8 * bytesPerPixel));
   const std::size_t headerSize = sizeof dib.header + (bytesPerPixel == 1 ? sizeof dib.colours : 0);

@@ -8,9 +8,8 @@
 #include <memory>
 #include <string>
 
-#include "windows/witness.h"
-
 #include "support/source_image.h"
+#include "windows/witness.h"
 
 namespace qnv::test {
 

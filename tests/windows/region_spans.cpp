@@ -8,7 +8,8 @@ namespace {
 
 std::vector<RECT> Rectangles(HRGN region) {
   std::vector<uint8_t> data(GetRegionData(region, 0, nullptr));
-  if (data.empty() || GetRegionData(region, static_cast<DWORD>(data.size()), reinterpret_cast<RGNDATA*>(data.data())) == 0) {
+  if (data.empty() ||
+      GetRegionData(region, static_cast<DWORD>(data.size()), reinterpret_cast<RGNDATA*>(data.data())) == 0) {
     std::abort();
   }
   RGNDATAHEADER header;
@@ -62,8 +63,9 @@ SpanList Deltas(HRGN region, const SpanOrigin& origin, Pack pack) {
     pack(&bytes, edges[i].left - edges[i - 1].left, edges[i].right - edges[i - 1].right);
   }
   bytes.resize((bytes.size() + 1) & ~std::size_t{1});
-  SpanList list{HeightOf(rows),
-                {Word(rows.begin()->first - origin.y), Word(edges[0].left - origin.x), Word(edges[0].right - origin.x)}};
+  SpanList list{
+      HeightOf(rows),
+      {Word(rows.begin()->first - origin.y), Word(edges[0].left - origin.x), Word(edges[0].right - origin.x)}};
   for (std::size_t i = 0; i < bytes.size(); i += 2) {
     list.words.push_back(static_cast<int16_t>(bytes[i] | bytes[i + 1] << 8));
   }

@@ -27,8 +27,8 @@ void PaintBoth(const Witness& witness, const TransferPair& pair, const DRAWMODE&
 }
 
 uint32_t CodeOf(uint8_t index) {
-  for (uint32_t named : {SRCCOPY, SRCPAINT, SRCAND, SRCINVERT, SRCERASE, NOTSRCCOPY, NOTSRCERASE, MERGECOPY,
-                         MERGEPAINT, PATCOPY, PATPAINT, PATINVERT, DSTINVERT, BLACKNESS, WHITENESS}) {
+  for (uint32_t named : {SRCCOPY, SRCPAINT, SRCAND, SRCINVERT, SRCERASE, NOTSRCCOPY, NOTSRCERASE, MERGECOPY, MERGEPAINT,
+                         PATCOPY, PATPAINT, PATINVERT, DSTINVERT, BLACKNESS, WHITENESS}) {
     if (named >> 16 == index) return named;
   }
   return uint32_t{index} << 16;

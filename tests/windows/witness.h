@@ -6,10 +6,9 @@
 
 #include <cstdint>
 
-#include "windows/gdi_surface.h"
-
 #include "support/plane_image.h"
 #include "support/test_device.h"
+#include "windows/gdi_surface.h"
 
 namespace qnv::test {
 

@@ -1,0 +1,26 @@
+// A host's work on every class of device, through every exported function, wide enough for the library's vectors. How
+// the functions are called is the caller's affair.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace qnv::test {
+
+// Calls the exported function of that name and returns its result.
+using HostCaller = std::function<uint32_t(const char* name, const std::vector<uint32_t>& arguments)>;
+
+struct WorkResult {
+  std::vector<uint8_t> pictures;   // the bands and tag planes after all calls
+  std::vector<uint32_t> results;   // of every call that returns no address
+  std::vector<std::string> names;  // of the functions called
+};
+
+WorkResult DoHostWork(const HostCaller& call);
+
+// A caller of the plain kind, for the functions of a loaded module (an HMODULE).
+HostCaller PlainCaller(void* module);
+
+}  // namespace qnv::test

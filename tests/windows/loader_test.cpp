@@ -1,0 +1,164 @@
+// The built DLL as the platform's loader gives it out: by number, at several places, without memory.
+
+#include <gtest/gtest.h>
+#include <windows.h>
+
+#include <cstdlib>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "support/test_device.h"
+#include "windows/dib_sample.h"
+#include "windows/host_work.h"
+#include "windows/loaded_library.h"
+
+namespace qnv::test {
+namespace {
+
+FARPROC ByNumber(HMODULE module, uint32_t ordinal) {
+  return GetProcAddress(module, reinterpret_cast<LPCSTR>(static_cast<uintptr_t>(ordinal)));
+}
+
+TEST(Loader, NumbersAndNamesGiveTheSameFunctions) {
+  for (const PublishedExport& published : kPublishedExports) {
+    const FARPROC named = GetProcAddress(LinkedLibrary(), published.name);
+    EXPECT_NE(nullptr, named) << published.name;
+    EXPECT_EQ(named, ByNumber(LinkedLibrary(), published.ordinal)) << published.name;
+  }
+}
+
+TEST(Loader, NoOtherNumberGivesAnything) {
+  std::map<uint32_t, const char*> published;
+  for (const PublishedExport& entry : kPublishedExports) published[entry.ordinal] = entry.name;
+  for (uint32_t ordinal = 1; ordinal <= 200; ++ordinal) {
+    EXPECT_EQ(published.contains(ordinal), ByNumber(LinkedLibrary(), ordinal) != nullptr) << ordinal;
+  }
+}
+
+TEST(Loader, NamesAreUndecorated) {
+  for (const PublishedExport& published : kPublishedExports) {
+    const std::string name = published.name;
+    for (const std::string& decorated : {"_" + name, name + "@16", "_" + name + "@16"}) {
+      EXPECT_EQ(nullptr, GetProcAddress(LinkedLibrary(), decorated.c_str())) << decorated;
+    }
+  }
+}
+
+TEST(Loader, CopiesAtOtherAddressesDoTheSameWork) {
+  const LibraryCopy first;
+  const LibraryCopy second;
+  ASSERT_NE(nullptr, first.module());
+  ASSERT_NE(nullptr, second.module());
+  EXPECT_NE(LinkedLibrary(), first.module());
+  EXPECT_NE(LinkedLibrary(), second.module());
+  EXPECT_NE(first.module(), second.module());
+  // At most one of them can lie where the file wants to lie.
+  const WorkResult expected = DoHostWork(PlainCaller(LinkedLibrary()));
+  for (HMODULE module : {first.module(), second.module()}) {
+    const WorkResult got = DoHostWork(PlainCaller(module));
+    EXPECT_TRUE(expected.results == got.results);
+    EXPECT_TRUE(expected.pictures == got.pictures);
+  }
+}
+
+TEST(Loader, CopiesCanBeLoadedAgainAndAgain) {
+  for (int i = 0; i < 5; ++i) {
+    const LibraryCopy copy;
+    ASSERT_NE(nullptr, copy.module()) << i;
+    DeviceSize size{};
+    const DeviceDescription description{QNV_KIND_RASTER, 24, 360, 100, 50, 720};
+    const auto slot = [](const void* address) { return static_cast<uint32_t>(reinterpret_cast<uintptr_t>(address)); };
+    EXPECT_EQ(8u, PlainCaller(copy.module())("QNVGetDeviceInfo", {slot(&description), slot(&size)}));
+    EXPECT_EQ(200u, size.width);
+  }
+}
+
+// Takes whatever memory is left, first the address space and then the blocks of the heap, for as long as it lives.
+class NoMemory {
+ public:
+  NoMemory() {
+    for (std::size_t size = std::size_t{256} << 20; size >= kSmallestReservation; size /= 2) {
+      while (count_ < kMostReservations) {
+        void* block = VirtualAlloc(nullptr, size, MEM_RESERVE, PAGE_NOACCESS);
+        if (block == nullptr) break;
+        reserved_[count_++] = block;
+      }
+    }
+    for (std::size_t size = kSmallestReservation; size >= sizeof(Block); size /= 2) {
+      while (auto* block = static_cast<Block*>(std::malloc(size))) {
+        block->next = blocks_;
+        blocks_ = block;
+      }
+    }
+  }
+  ~NoMemory() {
+    while (blocks_ != nullptr) {
+      Block* next = blocks_->next;
+      std::free(blocks_);
+      blocks_ = next;
+    }
+    for (std::size_t i = 0; i < count_; ++i) VirtualFree(reserved_[i], 0, MEM_RELEASE);
+  }
+  NoMemory(const NoMemory&) = delete;
+  NoMemory& operator=(const NoMemory&) = delete;
+
+ private:
+  struct Block {
+    Block* next;
+  };
+  static constexpr std::size_t kSmallestReservation = std::size_t{64} << 10;
+  static constexpr std::size_t kMostReservations = 40000;
+
+  static inline void* reserved_[kMostReservations];
+  std::size_t count_ = 0;
+  Block* blocks_ = nullptr;
+};
+
+// An exception that left the library would end the program here.
+TEST(LoaderMemory, WithoutAnyCallsAreRefused) {
+  TestDevice device({.width = 300});
+  const std::vector<uint8_t> before = device.BandBytes();
+  constexpr DibForm kRuns{"RLE8", 8, BI_RLE8};
+  constexpr DibForm kPlain{"24 bits", 24};
+  const DibSample runs(kRuns, 20000, 16, std::vector<uint8_t>{0, 1}, 4);
+  const DibSample plain(kPlain, 300, 16, RowOrder::kBottomUp, 4);
+  const DRAWMODE mode = MakeDrawMode();
+  const auto stretch = [&](const DibSample& dib, uint32_t rop) {
+    return QNVStretchDIBits(device.handle(), 0, 0, 0, 300, 16, 0, 0, dib.width(), 16, dib.bits(), dib.info(), nullptr,
+                            rop, nullptr, &mode, &kEverywhere) &
+           0xFFFF;
+  };
+  std::vector<int16_t> record(20004, 7);  // of empty spans
+  record[0] = record.back() = 20000;
+  record[1] = 0;
+  record[2] = 9;
+
+  const DeviceDescription descriptions[] = {{QNV_KIND_RASTER, 24, 360, 64, 32, 360},
+                                            {QNV_KIND_RASTER, 8, 360, 64, 32, 360},
+                                            {QNV_KIND_SCALED, 24, 300, 64, 32, 600}};
+  const BandRect band{0, 0, 64, 32};
+  uint8_t pixels[64 * 32 * 3];
+  DeviceHandle* handles[4] = {};
+  uint32_t results[3] = {};
+  {
+    const NoMemory noMemory;
+    for (std::size_t i = 0; i < 3; ++i) handles[i] = QNVEnable(&descriptions[i], &band, pixels, nullptr);
+    handles[3] = QNVEnable(&descriptions[0], &band, pixels, pixels);
+    results[0] = stretch(runs, SRCCOPY);
+    results[1] = stretch(plain, SRCINVERT);
+    results[2] = QNVOutput(device.handle(), OS_BANDED_SPANS, 1, record.data(), nullptr, nullptr, &mode, &kEverywhere);
+  }
+  for (const DeviceHandle* handle : handles) EXPECT_EQ(nullptr, handle);
+  EXPECT_EQ(0u, results[0]) << "there was memory left to decode in";
+  EXPECT_LE(results[1], 1u);
+  EXPECT_EQ(1u, results[2] & 0xFFFF);
+  EXPECT_TRUE(device.FencesIntact());
+  EXPECT_TRUE(results[1] == 1 || before == device.BandBytes());
+
+  EXPECT_EQ(1u, stretch(runs, SRCCOPY));
+  EXPECT_NE(before, device.BandBytes());
+}
+
+}  // namespace
+}  // namespace qnv::test
