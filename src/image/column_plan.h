@@ -23,7 +23,7 @@ class ColumnPlan {
   enum class Order : uint8_t {
     kForward,  // one source column after another
     kBackward,
-    kEnlarged,  // each source column some times; backward when mirrored
+    kEnlarged,  // source columns repeated; backward when mirrored
     kPicked,    // source columns one by one
   };
 
