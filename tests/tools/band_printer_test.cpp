@@ -8,6 +8,7 @@
 #include <string>
 
 #include "bmp_file.h"
+#include "noise_bmp.h"
 #include "qnvtool/bmp_reader.h"
 #include "qnvtool/sample_pictures.h"
 #include "qnvtool/text_layout.h"
@@ -62,20 +63,7 @@ Printed PrintPage(const Page& page, const DeviceChoice& device, int bandRows) {
 }
 
 std::shared_ptr<const tool::Dib> Image(uint16_t bits, int32_t width, int32_t height, uint32_t compression = BI_RGB) {
-  BmpFile file;
-  file.bitCount = bits;
-  file.width = width;
-  file.height = height;
-  file.compression = compression;
-  if (bits <= 8) {
-    for (uint32_t i = 0; i < 1u << bits; ++i) file.table.push_back(i * 0x3F1D07 & 0xFFFFFF);
-  }
-  uint32_t state = bits * 77u + static_cast<uint32_t>(width);
-  const std::size_t size = compression == BI_RGB ? file.stride() * static_cast<std::size_t>(std::abs(height)) : 900;
-  for (std::size_t i = 0; i < size; ++i) {
-    state = state * 1664525 + 1013904223;
-    file.pixels.push_back(static_cast<uint8_t>(state >> 24));
-  }
+  const BmpFile file = NoiseBmp(bits, width, height, compression);
   return std::make_shared<const tool::Dib>(tool::ReadBmp(file.Bytes(), "image"));
 }
 

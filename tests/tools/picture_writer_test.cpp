@@ -1,3 +1,4 @@
+// Picture files of both formats.
 #include "qnvtool/picture_writer.h"
 
 #include <gtest/gtest.h>
@@ -8,6 +9,7 @@
 #include <fstream>
 #include <sstream>
 
+#include "qnvtool/png_writer.h"
 #include "qnvtool/tool_error.h"
 
 namespace qnv::test {
@@ -59,7 +61,7 @@ constexpr uint8_t kTags[] = {0, 1, 3, 99, 3, 2, 1, 99};
 PngFile WriteAndRead(Pixels pixels, const uint8_t* first, std::size_t stride) {
   const std::string path = TempFile("writer.png");
   {
-    const auto writer = tool::CreatePictureFile(path, {3, 2, 300, pixels});
+    const auto writer = tool::CreatePngFile(path, {3, 2, 300, pixels});
     writer->WriteRows(first, stride, 1);
     writer->WriteRows(first + stride, stride, 1);
     writer->Finish();
@@ -100,22 +102,34 @@ TEST(PictureWriter, TagsShowTheLegend) {
   EXPECT_EQ(png.bytes, expected);
 }
 
-TEST(PictureWriter, PnmFiles) {
-  const std::string path = TempFile("writer.ppm");
-  const auto writer = tool::CreatePictureFile(path, {3, 2, 300, Pixels::kColour});
-  writer->WriteRows(kColour, 12, 2);
+std::string WriteAndReadPnm(Pixels pixels, const uint8_t* first, std::size_t stride) {
+  const std::string path = TempFile("writer.pnm");
+  const auto writer = tool::CreatePnmFile(path, {3, 2, 300, pixels});
+  writer->WriteRows(first, stride, 2);
   writer->Finish();
   std::ifstream file(path, std::ios::binary);
   std::stringstream bytes;
   bytes << file.rdbuf();
-  EXPECT_EQ(bytes.str(), std::string("P6\n3 2\n255\n\3\2\1\6\5\4\11\10\7\15\14\13\20\17\16\23\22\21"));
+  return bytes.str();
+}
+
+TEST(PictureWriter, PnmFiles) {
+  EXPECT_EQ(WriteAndReadPnm(Pixels::kColour, kColour, 12),
+            std::string("P6\n3 2\n255\n\3\2\1\6\5\4\11\10\7\15\14\13\20\17\16\23\22\21"));
+  EXPECT_EQ(WriteAndReadPnm(Pixels::kGray, kGray, 4), std::string("P5\n3 2\n255\n\12\24\36\50\62\74"));
+  EXPECT_EQ(WriteAndReadPnm(Pixels::kTags, kTags, 4), std::string("P5\n3 2\n255\n\0\1\3\3\2\1", 17));
+}
+
+TEST(PictureWriter, NamesOfPnmFiles) {
+  for (const char* name : {"a.ppm", "b/a.pgm", "a.png.pnm"}) EXPECT_TRUE(tool::IsPnmName(name)) << name;
+  for (const char* name : {"a.png", "a", "ppm", "a.ppm/b"}) EXPECT_FALSE(tool::IsPnmName(name)) << name;
 }
 
 TEST(PictureWriter, UnfinishedFilesGo) {
-  for (const char* name : {"unfinished.png", "unfinished.pgm"}) {
-    const std::string path = TempFile(name);
+  for (const auto create : {tool::CreatePngFile, tool::CreatePnmFile}) {
+    const std::string path = TempFile("unfinished");
     {
-      const auto writer = tool::CreatePictureFile(path, {3, 2, 300, Pixels::kGray});
+      const auto writer = create(path, {3, 2, 300, Pixels::kGray});
       writer->WriteRows(kGray, 4, 1);
       EXPECT_TRUE(std::filesystem::exists(path));
     }
@@ -124,19 +138,21 @@ TEST(PictureWriter, UnfinishedFilesGo) {
 }
 
 TEST(PictureWriter, FailuresNameTheFile) {
-  const auto errorOf = [](const std::string& path) {
-    try {
-      const auto writer = tool::CreatePictureFile(path, {3, 2, 300, Pixels::kGray});
-      writer->WriteRows(kGray, 4, 2);
-      writer->Finish();
-    } catch (const tool::ToolError& error) {
-      EXPECT_EQ(error.code(), tool::ExitCode::kCannotWrite);
-      return std::string(error.what());
-    }
-    return std::string();
-  };
-  EXPECT_EQ(errorOf("/no such folder/x.png").rfind("/no such folder/x.png: cannot be written", 0), 0u);
-  EXPECT_EQ(errorOf("/dev/full").rfind("/dev/full: cannot be written", 0), 0u);
+  for (const auto create : {tool::CreatePngFile, tool::CreatePnmFile}) {
+    const auto errorOf = [&](const std::string& path) {
+      try {
+        const auto writer = create(path, {3, 2, 300, Pixels::kGray});
+        writer->WriteRows(kGray, 4, 2);
+        writer->Finish();
+      } catch (const tool::ToolError& error) {
+        EXPECT_EQ(error.code(), tool::ExitCode::kCannotWrite);
+        return std::string(error.what());
+      }
+      return std::string();
+    };
+    EXPECT_EQ(errorOf("/no such folder/x").rfind("/no such folder/x: cannot be written", 0), 0u);
+    EXPECT_EQ(errorOf("/dev/full").rfind("/dev/full: cannot be written", 0), 0u);
+  }
 }
 
 TEST(PictureWriter, NamesOfPages) {

@@ -5,7 +5,6 @@
 
 #include "figures.h"
 #include "help_formatter.h"
-#include "print_job.h"
 #include "tool_error.h"
 
 namespace qnv::tool {
@@ -22,18 +21,18 @@ struct Arguments {
   bool noHeader = false;
 };
 
-void Run(Arguments& arguments) {
+void Run(Arguments& arguments, const PrintParts& parts) {
   PrintOptions& options = arguments.options;
   options.paper = ParsePaper(arguments.paper);
   options.device = ParseDevice(arguments.device, arguments.dpi);
   if (!arguments.scale.empty()) options.scale = ParseScale(arguments.scale);
   options.header = !arguments.noHeader;
-  Print(options);
+  Print(options, parts);
 }
 
 }  // namespace
 
-void AddPrintCommand(CLI::App& program) {
+void AddPrintCommand(CLI::App& program, const PrintParts& parts) {
   auto arguments = std::make_shared<Arguments>();
   PrintOptions& options = arguments->options;
   CLI::App* const command = program.add_subcommand("print", "Print BMP, text and figure files to pictures of pages");
@@ -113,16 +112,17 @@ void AddPrintCommand(CLI::App& program) {
       ->type_name("FILE")
       ->group(device);
   command
-      ->add_option("--tags", options.tags,
-                   "Write the tag plane of --device dual: pale gray = graphics, text and paper (tag 1), red = "
-                   "images (tag 3), yellow = cells of opaque text over images (tag 0)")
+      ->add_option(
+          "--tags", options.tags,
+          "Write the tag plane of --device dual: pale gray = graphics, text and paper (tag 1), red = "
+          "images (tag 3), yellow = cells of opaque text over images (tag 0); .pgm files hold the tags themselves")
       ->type_name("FILE.png")
       ->group(device);
   command->add_option("--overlay", options.overlay, "Write the page with its image areas tinted red (--device dual)")
       ->type_name("FILE.png")
       ->group(device);
   command->add_flag("-q,--quiet", options.quiet, "No progress bar and no notes");
-  command->callback([arguments] { Run(*arguments); });
+  command->callback([arguments, parts] { Run(*arguments, parts); });
 }
 
 }  // namespace qnv::tool

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace qnv::tool {
 
@@ -12,7 +13,7 @@ struct PictureForm {
     kColour,   // 3 bytes a pixel: blue, green, red
     kGray,     // 1 byte a pixel
     kGrayOf3,  // 3 equal bytes a pixel, written as one
-    kTags,     // 1 byte a pixel, shown through the colours of the tag legend
+    kTags,     // 1 byte a pixel; PNG files show it through the colours of the tag legend
   };
   int width = 0;
   int height = 0;
@@ -36,8 +37,14 @@ class PictureWriter {
   virtual void Finish() = 0;
 };
 
-// A PNG file, or a binary PPM or PGM file when the name ends in .ppm, .pgm or .pnm.
-std::unique_ptr<PictureWriter> CreatePictureFile(const std::string& path, const PictureForm& form);
+// One row in the order of bytes that files have: red, green, blue; or a single byte.
+void ConvertRow(const PictureForm& form, const uint8_t* row, std::vector<uint8_t>& result);
+
+// The name ends in .ppm, .pgm or .pnm.
+bool IsPnmName(const std::string& path);
+
+// A binary PPM (colour) or PGM file (gray, tags).
+std::unique_ptr<PictureWriter> CreatePnmFile(const std::string& path, const PictureForm& form);
 
 // Binary PPM (colour) or PGM (gray) on standard output. Pictures may follow one another.
 std::unique_ptr<PictureWriter> WritePictureToStdout(const PictureForm& form);

@@ -8,9 +8,7 @@
 #include "band_printer.h"
 #include "bmp_reader.h"
 #include "figures.h"
-#include "freetype_font.h"
 #include "page_setup.h"
-#include "picture_writer.h"
 #include "progress.h"
 #include "rasteriser.h"
 #include "text_layout.h"
@@ -64,20 +62,36 @@ void CheckOutputs(const PrintOptions& options) {
   }
 }
 
+std::unique_ptr<PictureWriter> CreatePicture(const PrintParts& parts, const std::string& path,
+                                             const PictureForm& form) {
+  if (IsPnmName(path)) return CreatePnmFile(path, form);
+  if (parts.createPng == nullptr) {
+    throw ToolError(ExitCode::kUsage, fmt::format("{}: this program writes .ppm and .pgm files only", path));
+  }
+  return parts.createPng(path, form);
+}
+
+Rasteriser ChooseRasteriser(const std::string& library, const PrintParts& parts) {
+  if (!library.empty()) return LoadRasteriser(library);
+  if (parts.linked == nullptr) throw ToolError(ExitCode::kUsage, "--library is needed: no rasteriser is built in");
+  return parts.linked();
+}
+
 // The pictures of one page: the page itself and what the tag plane gives.
 class PageFiles {
  public:
-  PageFiles(const PrintOptions& options, int page, int width, int height) {
+  PageFiles(const PrintOptions& options, const PrintParts& parts, int page, int width, int height) {
     using Pixels = PictureForm::Pixels;
     using Kind = DeviceChoice::Kind;
     const Kind kind = options.device.kind;
     PictureForm form{width, height, options.device.bandDpi, Pixels::kColour};
     if (kind == Kind::kGray) form.pixels = Pixels::kGray;
     if (kind == Kind::kScaledGray) form.pixels = Pixels::kGrayOf3;
-    picture_ = options.out == "-" ? WritePictureToStdout(form) : CreatePictureFile(PathOfPage(options.out, page), form);
-    if (!options.overlay.empty()) overlay_ = CreatePictureFile(PathOfPage(options.overlay, page), form);
+    const auto create = [&](const std::string& path) { return CreatePicture(parts, PathOfPage(path, page), form); };
+    picture_ = options.out == "-" ? WritePictureToStdout(form) : create(options.out);
+    if (!options.overlay.empty()) overlay_ = create(options.overlay);
     form.pixels = Pixels::kTags;
-    if (!options.tags.empty()) tags_ = CreatePictureFile(PathOfPage(options.tags, page), form);
+    if (!options.tags.empty()) tags_ = create(options.tags);
     width_ = static_cast<std::size_t>(width);
   }
 
@@ -120,15 +134,10 @@ class PageFiles {
 
 }  // namespace
 
-void Print(const PrintOptions& options) {
+void Print(const PrintOptions& options, const PrintParts& parts) {
   CheckOutputs(options);
-  const Rasteriser rasteriser = options.library.empty() ? LinkedRasteriser() : LoadRasteriser(options.library);
-  FontShelf fonts([&](FontRole role, double points) {
-    const std::string& name = role == FontRole::kBody      ? options.bodyFont
-                              : role == FontRole::kHeading ? options.headingFont
-                                                           : options.listingFont;
-    return OpenFreeTypeFont(name, points, options.device.pageDpi);
-  });
+  const Rasteriser rasteriser = ChooseRasteriser(options.library, parts);
+  FontShelf fonts = parts.openFonts(options);
   const PageSetup setup{MakeSheet(options.paper, options.device.pageDpi, options.marginMm), &fonts, options.points,
                         options.header};
   std::vector<Page> pages;
@@ -141,7 +150,7 @@ void Print(const PrintOptions& options) {
   const double bands = static_cast<double>(printer.bands()) * static_cast<double>(pages.size());
   double done = 0;
   for (std::size_t i = 0; i < pages.size(); ++i) {
-    PageFiles files(options, static_cast<int>(i + 1), printer.width(), printer.height());
+    PageFiles files(options, parts, static_cast<int>(i + 1), printer.width(), printer.height());
     printer.Print(pages[i], [&](const BandView& band) {
       files.Write(band);
       progress.Show(++done / bands, fmt::format("page {} of {}", i + 1, pages.size()));

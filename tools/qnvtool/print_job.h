@@ -5,8 +5,11 @@
 #include <vector>
 
 #include "device_choice.h"
+#include "font_shelf.h"
 #include "paper.h"
 #include "picture_layout.h"
+#include "picture_writer.h"
+#include "rasteriser.h"
 
 namespace qnv::tool {
 
@@ -33,7 +36,14 @@ struct PrintOptions {
   bool quiet = false;
 };
 
+// What takes libraries of the system, or this project's own, to build. A program brings what it has.
+struct PrintParts {
+  FontShelf (*openFonts)(const PrintOptions& options) = nullptr;
+  Rasteriser (*linked)() = nullptr;                                                               // may be absent
+  std::unique_ptr<PictureWriter> (*createPng)(const std::string&, const PictureForm&) = nullptr;  // may be absent
+};
+
 // Lays out every file, then prints the pages. Nothing is written when a file cannot be used. Throws ToolError.
-void Print(const PrintOptions& options);
+void Print(const PrintOptions& options, const PrintParts& parts);
 
 }  // namespace qnv::tool

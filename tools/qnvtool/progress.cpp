@@ -14,7 +14,7 @@ constexpr const char* kEraseLine = "\r\033[K";
 
 }  // namespace
 
-Progress::Progress(bool enabled) : enabled_(enabled && isatty(STDERR_FILENO) == 1) {}
+Progress::Progress(bool enabled) : enabled_(enabled && isatty(STDERR_FILENO) != 0) {}
 
 Progress::~Progress() {
   if (shown_) std::fputs(kEraseLine, stderr);

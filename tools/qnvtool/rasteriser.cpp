@@ -1,10 +1,10 @@
 #include "rasteriser.h"
 
-#include <dlfcn.h>
 #include <fmt/format.h>
 
 #include <filesystem>
 
+#include "library_file.h"
 #include "tool_error.h"
 
 namespace qnv::tool {
@@ -12,55 +12,23 @@ namespace {
 
 template <class Function>
 void Resolve(Function& function, const std::string& path, void* library, const char* name) {
-  void* const symbol = dlsym(library, name);
+  void* const symbol = FindSymbol(library, name);
   if (symbol == nullptr) {
     throw ToolError(ExitCode::kLibrary, fmt::format("{}: is no rasteriser: it does not export {}", path, name));
   }
   function = reinterpret_cast<Function>(symbol);
 }
 
-// The loader looks for a bare name in the system's folders; the user means a file.
-std::string AsFilePath(const std::string& path) { return path.find('/') == std::string::npos ? "./" + path : path; }
-
-// The loader's messages repeat the path that the caller prints already.
-std::string LoaderMessage(const std::string& path) {
-  const char* const text = dlerror();
-  std::string message = text == nullptr ? "unknown reason" : text;
-  if (message.rfind(path + ": ", 0) == 0) message.erase(0, path.size() + 2);
-  return message;
-}
-
 }  // namespace
 
-Rasteriser LinkedRasteriser() {
-  return {QNVEnable,
-          QNVDisable,
-          QNVGetDeviceInfo,
-          QNVControl,
-          QNVColorInfo,
-          QNVRealizeObject,
-          QNVPixel,
-          QNVPolyPixel,
-          QNVDevBitBlt,
-          QNVOutput,
-          QNVDevExtTextOut,
-          QNVStretchDIBits,
-          QNVDevSetDIBitsToDevice,
-          nullptr};
-}
-
 Rasteriser LoadRasteriser(const std::string& path) {
-  const std::string file = AsFilePath(path);
   std::error_code error;
-  if (!std::filesystem::is_regular_file(file, error)) {
+  if (!std::filesystem::is_regular_file(path, error)) {
     throw ToolError(ExitCode::kLibrary, fmt::format("{}: no such library file", path));
   }
-  void* const opened = dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL);
-  if (opened == nullptr) {
-    throw ToolError(ExitCode::kLibrary, fmt::format("{}: cannot be loaded: {}", path, LoaderMessage(file)));
-  }
   Rasteriser table{};
-  table.library = std::shared_ptr<void>(opened, dlclose);
+  table.library = OpenLibrary(path);
+  void* const opened = table.library.get();
   Resolve(table.enable, path, opened, "QNVEnable");
   Resolve(table.disable, path, opened, "QNVDisable");
   Resolve(table.getDeviceInfo, path, opened, "QNVGetDeviceInfo");

@@ -28,10 +28,10 @@ struct Rasteriser {
   std::shared_ptr<void> library;
 };
 
-// The library that the tool was linked with.
+// The library that the program is linked with. Programs that load whatever they paint with leave its source out.
 Rasteriser LinkedRasteriser();
 
-// A library file of the tool's own architecture. Throws ToolError (library) when it cannot be loaded or lacks one
+// A library file of the program's own architecture. Throws ToolError (library) when it cannot be loaded or lacks one
 // of the functions.
 Rasteriser LoadRasteriser(const std::string& path);
 

@@ -1,0 +1,23 @@
+// The table of the library that the program is linked with.
+#include "rasteriser.h"
+
+namespace qnv::tool {
+
+Rasteriser LinkedRasteriser() {
+  return {QNVEnable,
+          QNVDisable,
+          QNVGetDeviceInfo,
+          QNVControl,
+          QNVColorInfo,
+          QNVRealizeObject,
+          QNVPixel,
+          QNVPolyPixel,
+          QNVDevBitBlt,
+          QNVOutput,
+          QNVDevExtTextOut,
+          QNVStretchDIBits,
+          QNVDevSetDIBitsToDevice,
+          nullptr};
+}
+
+}  // namespace qnv::tool

@@ -1,0 +1,14 @@
+// PNG files.
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "picture_writer.h"
+
+namespace qnv::tool {
+
+// The resolution is recorded; tags are shown through the colours of the legend.
+std::unique_ptr<PictureWriter> CreatePngFile(const std::string& path, const PictureForm& form);
+
+}  // namespace qnv::tool
