@@ -6,7 +6,7 @@ namespace qnv {
 uint16_t DualPlaneDevice::StretchDIBits(const ImageArguments& a) {
   const BandView band = ImageBand(Band());
   ImageTransfer transfer(state_.imageBuffers);
-  if (!transfer.Prepare(state_, state_.bandRect, state_.Is24(), a)) return 0;
+  if (!transfer.Prepare(state_, state_.bandRect, BandTarget(state_), a)) return 0;
   const OriginAtZero tagOrigin(tagDevice_->state());
   const OriginAtZero colourOrigin(colourDevice_->state());
   // Every depth is an image flag: what images paint is tagged as image.

@@ -67,7 +67,10 @@ uint16_t ScaledRasterDevice::StretchDIBits(const ImageArguments& a) {
   const BandView band = Band();
   const Rect bandInPage = Mapping().CallerRect(state_.bandRect);
   ImageTransfer transfer(state_.imageBuffers);
-  if (!transfer.Prepare(state_, bandInPage, true, a)) return 0;
+  // Transfers of this device take red, green and blue.
+  const PixelTarget target =
+      ImageModeOf(a.rop) == ImageMode::kBitBlt ? PixelTarget::kSource24 : PixelTarget::kBand24;
+  if (!transfer.Prepare(state_, bandInPage, target, a)) return 0;
   const OriginAtZero origin(state_);
   const uint16_t described = state_.description.bitsPerPixel;
   const bool gray = IsGrayMode();

@@ -4,7 +4,7 @@
 
 namespace qnv {
 
-bool ImageTransfer::Prepare(const BandState& state, const Rect& bandRect, bool is24, const ImageArguments& a) {
+bool ImageTransfer::Prepare(const BandState& state, const Rect& bandRect, PixelTarget target, const ImageArguments& a) {
   if (a.clip == nullptr || a.get == 1 || a.bitmapInfo == nullptr || a.bits == nullptr) return false;
   if (!ReadDib(a.bitmapInfo, &dib_)) return false;
 
@@ -30,9 +30,7 @@ bool ImageTransfer::Prepare(const BandState& state, const Rect& bandRect, bool i
 
   bits_ = static_cast<const uint8_t*>(a.bits);
   rows_ = state.rows;
-  target_ = !is24                                      ? PixelTarget::kGray8
-            : ImageModeOf(a.rop) == ImageMode::kBitBlt ? PixelTarget::kSource24
-                                                       : PixelTarget::kBand24;
+  target_ = target;
   if (dib_.HasPalette()) MakeColorTable(dib_, target_, &colours_.table);
   if (dib_.bitCount == 16) colours_.masks = MakePixelMasks(dib_, target_);
   convert_ = RowConverterFor(dib_.IsRle() ? 8 : dib_.bitCount, target_);

@@ -30,9 +30,9 @@ class ImageTransfer {
  public:
   explicit ImageTransfer(ImageBuffers& buffers) : buffers_(buffers) {}
 
-  // bandRect: the band in the caller's pixels. False when the transfer is refused or wholly clipped away, or
-  // without memory; nothing has been painted then.
-  bool Prepare(const BandState& state, const Rect& bandRect, bool is24, const ImageArguments& a);
+  // bandRect: the band in the caller's pixels. target: what rows are converted into. False when the transfer is
+  // refused or wholly clipped away, or without memory; nothing has been painted then.
+  bool Prepare(const BandState& state, const Rect& bandRect, PixelTarget target, const ImageArguments& a);
 
   // The visible destination, caller's pixels with the origin added, and its place relative to the band.
   const Rect& Clipped() const { return clipped_; }

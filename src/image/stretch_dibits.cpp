@@ -7,7 +7,7 @@ namespace qnv {
 uint16_t RasterDevice::StretchDIBits(const ImageArguments& a) {
   const BandView band = ImageBand(Band());
   ImageTransfer transfer(state_.imageBuffers);
-  if (!transfer.Prepare(state_, state_.bandRect, state_.Is24(), a)) return 0;
+  if (!transfer.Prepare(state_, state_.bandRect, BandTarget(state_), a)) return 0;
   const OriginAtZero origin(state_);
   switch (ImageModeOf(a.rop)) {
     case ImageMode::kCopy: CopyImage(transfer, band, *state_.rows); return 1;

@@ -17,6 +17,11 @@ inline BandView ImageBand(BandView band) {
   return band;
 }
 
+// What rows are converted into on a device whose transfers take them in band order.
+inline PixelTarget BandTarget(const BandState& state) {
+  return state.Is24() ? PixelTarget::kBand24 : PixelTarget::kGray8;
+}
+
 // SRCCOPY: each source row is converted into the first band row that it covers and copied to the others.
 inline void CopyImage(ImageTransfer& transfer, const BandView& band, const RowKernels& kernels) {
   if (band.bits == nullptr) return;
@@ -57,7 +62,8 @@ inline BltArguments RowTransfer(const ImageTransfer& transfer, const SourceBitma
           rop,
           a.brush,
           a.drawMode,
-          &kNoClip};
+          &kNoClip,
+          true};
 }
 
 // Extended codes. beforeRow(BltArguments) is called for every covered row with the transfer that stands for

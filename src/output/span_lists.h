@@ -116,7 +116,10 @@ class SpanLists {
       const int32_t n = words.At(0);
       const int32_t top = MaxOf(MappedY(words.At(1)), limits_.top);
       const int32_t bottom = MinOf(MappedY(words.At(2)), limits_.bottom);
-      if (top < bottom && n > 0) {
+      if (top < bottom && (n == 1 || n == 2)) {
+        const Span span = Clipped(words.At(3), words.At(4));
+        if (span.left < span.right) painter_.PaintRows(top, bottom, span.left, span.right);
+      } else if (top < bottom && n > 0) {
         // An odd n pairs its last value with the n that closes the record.
         const int32_t pairs = (n + 1) / 2;
         auto* spans = static_cast<Span*>(scratch_.Acquire(static_cast<uint32_t>(pairs) * sizeof(Span)));

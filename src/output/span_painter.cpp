@@ -22,8 +22,18 @@ SpanPainter::SpanPainter(const BandView& band, const RowKernels& rows, const Fil
 }
 
 void SpanPainter::Paint(int32_t y, int32_t left, int32_t right) {
+  PaintPixels(static_cast<std::size_t>(right - left), y, left);
+}
+
+void SpanPainter::PaintRows(int32_t top, int32_t bottom, int32_t left, int32_t right) {
+  if (masks_.IsOneCell() && band_.IsWholeRow(right - left)) {
+    return PaintPixels(static_cast<std::size_t>(right - left) * static_cast<std::size_t>(bottom - top), top, left);
+  }
+  for (int32_t y = top; y < bottom; ++y) Paint(y, left, right);
+}
+
+void SpanPainter::PaintPixels(std::size_t pixels, int32_t y, int32_t left) {
   uint8_t* dst = band_.At(left, y);
-  const std::size_t pixels = static_cast<std::size_t>(right - left);
   const std::size_t bytes = pixels * band_.bytesPerPixel;
   const TileMasks masks = masks_.At(masks_.RowOf(y), masks_.PhaseOf(left));
   if (fills_) {

@@ -21,7 +21,11 @@ class SpanPainter {
   // Requires: inside the band's rectangle, left < right.
   void Paint(int32_t y, int32_t left, int32_t right);
 
+  // The same for rows [top, bottom).
+  void PaintRows(int32_t top, int32_t bottom, int32_t left, int32_t right);
+
  private:
+  void PaintPixels(std::size_t pixels, int32_t y, int32_t left);
   void Regray(uint8_t* dst, std::size_t pixels, int32_t y, int32_t left);
 
   const BandView& band_;

@@ -24,6 +24,9 @@ struct BandView {
   uint8_t* RelativeAt(uint32_t column, uint32_t row) const {
     return bits + std::size_t{row} * stride + std::size_t{column} * bytesPerPixel;
   }
+
+  // Whether so many pixels are a row without padding: several of them are one long row.
+  bool IsWholeRow(int32_t pixels) const { return static_cast<uint32_t>(pixels) * bytesPerPixel == stride; }
 };
 
 }  // namespace qnv

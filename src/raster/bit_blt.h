@@ -23,8 +23,8 @@ struct Format24 {
   static constexpr uint32_t kBytesPerPixel = 3;
   static constexpr SourceForm kOneBit = SourceForm::kOneBitTo24;
   static uint32_t Pack(uint32_t colour) { return ExchangeRedBlue(colour); }
-  static SourcePixels Pixels(const SourceBitmap&, int32_t x) {
-    return {SourceForm::kRedGreenBlue, std::ptrdiff_t{x} * 3};
+  static SourcePixels Pixels(const BltArguments& a, int32_t x) {
+    return {a.inBandOrder ? SourceForm::kBlueGreenRed : SourceForm::kRedGreenBlue, std::ptrdiff_t{x} * 3};
   }
 };
 
@@ -32,8 +32,8 @@ struct Format8 {
   static constexpr uint32_t kBytesPerPixel = 1;
   static constexpr SourceForm kOneBit = SourceForm::kOneBitTo8;
   static uint32_t Pack(uint32_t colour) { return colour & 0xFF; }
-  static SourcePixels Pixels(const SourceBitmap& bitmap, int32_t x) {
-    return {SourceForm::kGray, std::ptrdiff_t{x} * bitmap.bmBitsPixel / 8};
+  static SourcePixels Pixels(const BltArguments& a, int32_t x) {
+    return {SourceForm::kGray, std::ptrdiff_t{x} * a.source->bmBitsPixel / 8};
   }
 };
 
@@ -44,17 +44,18 @@ struct FormatScaled {
   static constexpr SourceForm kOneBit = SourceForm::kOneBitTo24;
   bool threeByteSources;
   static uint32_t Pack(uint32_t colour) { return ExchangeRedBlue(colour); }
-  SourcePixels Pixels(const SourceBitmap& bitmap, int32_t x) const {
+  SourcePixels Pixels(const BltArguments& a, int32_t x) const {
     return {threeByteSources ? SourceForm::kRedGreenBlue : SourceForm::kGrayTo24,
-            std::ptrdiff_t{x} * bitmap.bmBitsPixel / 8};
+            std::ptrdiff_t{x} * a.source->bmBitsPixel / 8};
   }
 };
 
 // The source of a transfer whose first pixel is (x, y). False when it cannot be read: no bits, or a one-bit
 // source without the draw mode that colours it.
 template <class Format>
-bool OpenSource(const Format& format, const SourceBitmap& bitmap, const DRAWMODE* drawMode, int32_t x, int32_t y,
-                SourceRows* source) {
+bool OpenSource(const Format& format, const BltArguments& a, int32_t x, int32_t y, SourceRows* source) {
+  const SourceBitmap& bitmap = *a.source;
+  const DRAWMODE* const drawMode = a.drawMode;
   if (bitmap.bmBits == nullptr) return false;
   const auto* row = static_cast<const uint8_t*>(bitmap.bmBits) + std::ptrdiff_t{y} * bitmap.bmWidthBytes;
   if (bitmap.bmPlanes == 1 && bitmap.bmBitsPixel == 1) {
@@ -67,7 +68,7 @@ bool OpenSource(const Format& format, const SourceBitmap& bitmap, const DRAWMODE
                format.Pack(drawMode->TextColor)};
     return true;
   }
-  const SourcePixels pixels = format.Pixels(bitmap, x);
+  const SourcePixels pixels = format.Pixels(a, x);
   *source = {pixels.form, row + pixels.firstByte, 0, bitmap.bmWidthBytes, 0, 0};
   return true;
 }
@@ -98,7 +99,7 @@ void Transfer(const BandState& state, const BandView& band, const Format& format
   if (usesSource) {
     if (a.source == nullptr) return;
     if (!CopyArea(a, state.originX, state.originY, state.blitClip, callerBand, &area)) return;
-    if (!OpenSource(format, *a.source, a.drawMode, area.srcX, area.srcY, &source)) return;
+    if (!OpenSource(format, a, area.srcX, area.srcY, &source)) return;
   } else if (!FillArea(a, state.originX, state.originY, state.blitClip, callerBand, &area)) {
     return;
   }

@@ -16,6 +16,7 @@ struct BltArguments {
   const PhysicalBrush* brush;
   const DRAWMODE* drawMode;
   const BandRect* clip;
+  bool inBandOrder = false;  // 24-bit source pixels are blue, green, red already: rows converted for the band
 };
 
 }  // namespace qnv

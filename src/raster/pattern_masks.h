@@ -35,6 +35,11 @@ class PatternMasks {
 
   bool IsOneCell() const { return width_ == 1 && height_ == 1; }
 
+  // The masks of an operation that reads no pattern.
+  ByteMasks WithoutPattern() const {
+    return {recipe_.and1.fixed, recipe_.and2.fixed, recipe_.xor1.fixed, recipe_.xor2.fixed};
+  }
+
   // Both remainders are kept non-negative for coordinates left of or above the page.
   uint32_t RowOf(int32_t y) const { return Remainder(y, height_); }
   std::size_t PhaseOf(int32_t x) const { return std::size_t{Remainder(x, width_)} * bytesPerPixel_; }

@@ -9,6 +9,7 @@ namespace qnv {
 const uint8_t* SourceRows::Fetch(const RowKernels& rows, int32_t row, int32_t column, const uint16_t* picks,
                                  std::size_t count, uint8_t* chunk) const {
   if (form == SourceForm::kGray) return first + row * stride + column;
+  if (form == SourceForm::kBlueGreenRed) return first + row * stride + std::ptrdiff_t{column} * 3;
   FetchInto(rows, row, column, picks, count, chunk);
   return chunk;
 }
@@ -40,6 +41,7 @@ void SourceRows::FetchInto(const RowKernels& rows, int32_t row, int32_t column, 
       rows.SwapRow24(out, start, count);
       break;
     }
+    case SourceForm::kBlueGreenRed: rows.CopyRow(out, start + std::ptrdiff_t{column} * 3, 3 * count); break;
     case SourceForm::kGray: std::memcpy(out, start + column, count); break;
     case SourceForm::kGrayTo24:
       start += column;

@@ -13,6 +13,7 @@ enum class SourceForm : uint8_t {
   kOneBitTo24,  // set bits stand for the background colour, clear ones for the text colour
   kOneBitTo8,
   kRedGreenBlue,  // three bytes a pixel, into a 24-bit band
+  kBlueGreenRed,  // the same in the order of the band
   kGray,          // one byte a pixel, into an 8-bit band
   kGrayTo24,      // one byte a pixel, into all three band bytes
 };
@@ -28,6 +29,13 @@ struct SourceRows {
   std::size_t firstBit;   // 0..7, one-bit sources only
   std::ptrdiff_t stride;  // bytes from one row to the next
   uint32_t set, clear;    // packed colours, one-bit sources only
+
+  // Whether rows that become `bytes` band bytes each follow one another without a gap.
+  bool RowsJoin(std::ptrdiff_t bytes) const {
+    const bool sameSize =
+        form == SourceForm::kRedGreenBlue || form == SourceForm::kBlueGreenRed || form == SourceForm::kGray;
+    return sameSize && stride == bytes;
+  }
 
   // Band bytes of `count` pixels of row `row` (0 = the row of the first source pixel) from pixel `column`
   // (0 = the first) on: where they are, in the host's own memory or in `chunk`.

@@ -6,6 +6,8 @@
 #include <cstdint>
 #include <cstring>
 
+#include "raster/rows/pixel_words.h"
+
 namespace qnv {
 
 // A multiple of every row length in bytes: 1, 8 or 16 cells of 1 or 3 bytes; three vectors of 32 bytes.
@@ -32,10 +34,10 @@ void MakeTileOf(Tile* tile, const uint32_t* cells, std::size_t width) {
 
 // One packed colour everywhere.
 inline void MakeSolidTile(Tile* tile, uint32_t colour, std::size_t bytesPerPixel) {
-  const uint32_t c = colour & 0xFFFFFF;
+  const PixelWords pixels(colour);
   const uint32_t one = (colour & 0xFF) * 0x01010101u;
   const bool three = bytesPerPixel == 3;
-  const uint32_t words[3] = {three ? c | c << 24 : one, three ? c >> 8 | c << 16 : one, three ? c >> 16 | c << 8 : one};
+  const uint32_t words[3] = {three ? pixels.first : one, three ? pixels.second : one, three ? pixels.third : one};
   constexpr std::size_t kWords = sizeof tile->bytes / 4;
   uint32_t all[kWords];
   for (std::size_t i = 0; i < kWords; ++i) all[i] = words[i % 3];

@@ -33,7 +33,10 @@ void TransferRows::PaintRun(uint8_t* dst, int32_t bandRow, int32_t sourceRow, co
 
 void TransferRows::PaintSourceRun(uint8_t* dst, int32_t bandRow, int32_t sourceRow, const ColumnRun& run) {
   const std::size_t pixels = static_cast<std::size_t>(run.count);
-  const TileMasks masks = masks_.At(masks_.RowOf(bandRow), masks_.PhaseOf(run.bandColumn));
+  const bool patterned = shape_ == Shape::kSourcePattern;
+  const ByteMasks byteMasks = masks_.WithoutPattern();
+  TileMasks tiles{};
+  if (patterned) tiles = masks_.At(masks_.RowOf(bandRow), masks_.PhaseOf(run.bandColumn));
   SourceRows::Chunk chunk;
   // A chunk is a whole number of pattern periods, so that every chunk begins at the same phase.
   static_assert(SourceRows::kMostPixels % kMaxPeriod == 0);
@@ -43,10 +46,10 @@ void TransferRows::PaintSourceRun(uint8_t* dst, int32_t bandRow, int32_t sourceR
         source_->Fetch(rows_, sourceRow, run.callerColumn + static_cast<int32_t>(done), run.picks, count, chunk);
     uint8_t* out = dst + done * bytesPerPixel_;
     const std::size_t bytes = count * bytesPerPixel_;
-    if (shape_ == Shape::kSource) {
-      rows_.RopSourceRow(out, source, bytes, ByteMasks{*masks.and1, *masks.and2, *masks.xor1, *masks.xor2});
+    if (patterned) {
+      rows_.RopSourceTileRow(out, source, bytes, tiles);
     } else {
-      rows_.RopSourceTileRow(out, source, bytes, masks);
+      rows_.RopSourceRow(out, source, bytes, byteMasks);
     }
   }
 }

@@ -53,10 +53,10 @@ class TransferRows {
 
   static Shape ShapeOf(uint8_t index);
 
-  // Whole rows without padding under one colour are one long row.
+  // Whole rows under one colour, of a source that has none between them either, are one long row.
   bool JoinsRows(const BandView& band, const Rect& relative) const {
-    const bool oneColour = (shape_ == Shape::kFill || shape_ == Shape::kBandOnly) && masks_.IsOneCell();
-    return oneColour && relative.left == 0 && static_cast<uint32_t>(relative.right) * bytesPerPixel_ == band.stride;
+    if (relative.left != 0 || !band.IsWholeRow(relative.right) || !masks_.IsOneCell()) return false;
+    return source_ == nullptr || source_->RowsJoin(static_cast<std::ptrdiff_t>(band.stride));
   }
 
   // sourceRow: counted from the row of the first source pixel.

@@ -63,6 +63,7 @@ struct PixelRows {
 extern const PixelRows kPlainPixelRows;
 #if defined(__SSE2__)
 extern const PixelRows kSsse3PixelRows;
+extern const PixelRows kAvx2PixelRows;
 #endif
 
 namespace plain {

@@ -14,7 +14,7 @@
 
 namespace qnv {
 
-// D' = (D & ((S & and1) ^ and2)) ^ ((S & xor1) ^ xor2), each mask one byte for every byte of the row ...
+// D' = (D & ((S & and1) ^ and2)) ^ ((S & xor1) ^ xor2), each mask 0x00 or 0xFF for every byte of the row ...
 struct ByteMasks {
   uint8_t and1, and2, xor1, xor2;
 };

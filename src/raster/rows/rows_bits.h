@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "raster/rows/byte_masks.h"
+#include "raster/rows/pixel_words.h"
 #include "raster/rows/rows_vector.h"
 #include "raster/rows/store_pixel.h"
 #include "raster/rows/vector16.h"
@@ -33,9 +34,11 @@ struct Eight24 {
   static Eight24 Load(const uint8_t* p) { return {Vector16::Load(p), Tail::Load(p + 16)}; }
   static Eight24 Mask(uint8_t bits) { return Load(kPixelMasks24[bits].data()); }
   static Eight24 Colour(uint32_t packed) {
-    uint8_t bytes[kBytes];
-    for (std::size_t i = 0; i < kBytes; ++i) bytes[i] = static_cast<uint8_t>(packed >> i % 3 * 8);
-    return Load(bytes);
+    const PixelWords w(packed);
+    const auto words = [](uint32_t a, uint32_t b, uint32_t c, uint32_t d) {
+      return _mm_setr_epi32(static_cast<int>(a), static_cast<int>(b), static_cast<int>(c), static_cast<int>(d));
+    };
+    return {{words(w.first, w.second, w.third, w.first)}, {words(w.second, w.third, 0, 0)}};
   }
   void Store(uint8_t* p) const {
     head.Store(p);

@@ -83,18 +83,16 @@ void WalkRow(uint8_t* dst, std::size_t bytes, const Operation& operation) {
   const Vector lastResult = operation.template At<Vector>(Vector::Load(dst + last), last);
   std::size_t i = AlignedStart<Vector>(dst, bytes);
   for (; i + 2 * k <= last; i += 2 * k) {
-    const Vector a = operation.template At<Vector>(Vector::Load(dst + i), i);
-    const Vector b = operation.template At<Vector>(Vector::Load(dst + i + k), i + k);
-    a.Store(dst + i);
-    b.Store(dst + i + k);
+    operation.template At<Vector>(Vector::Load(dst + i), i).Store(dst + i);
+    operation.template At<Vector>(Vector::Load(dst + i + k), i + k).Store(dst + i + k);
   }
   for (; i < last; i += k) operation.template At<Vector>(Vector::Load(dst + i), i).Store(dst + i);
   firstResult.Store(dst);
   lastResult.Store(dst + last);
 }
 
-// Rows with a pattern, three vectors a turn: a whole period for vectors of 16 and of 32 bytes. The tile offset
-// is handed to the operation reduced to one period.
+// Rows with a pattern. Three vectors are a whole period for vectors of 16 and of 32 bytes. Offsets into the tile
+// are reduced to one period.
 inline constexpr std::size_t kShortPeriod = 48;
 
 // Requires: at least one vector.
@@ -104,27 +102,7 @@ void WalkLongTiledRow(uint8_t* dst, std::size_t bytes, const Operation& operatio
   const std::size_t last = bytes - k;
   const Vector firstResult = operation.template AtTile<Vector>(Vector::Load(dst), 0, 0);
   const Vector lastResult = operation.template AtTile<Vector>(Vector::Load(dst + last), last, last % kShortPeriod);
-  std::size_t i = AlignedStart<Vector>(dst, bytes);
-  const auto t0 = operation.template Tiles<Vector>(i);
-  const auto t1 = operation.template Tiles<Vector>(i + k);
-  const auto t2 = operation.template Tiles<Vector>(i + 2 * k);
-  for (; i + 3 * k <= last; i += 3 * k) {
-    const Vector a = operation.With(Vector::Load(dst + i), i, t0);
-    const Vector b = operation.With(Vector::Load(dst + i + k), i + k, t1);
-    const Vector c = operation.With(Vector::Load(dst + i + 2 * k), i + 2 * k, t2);
-    a.Store(dst + i);
-    b.Store(dst + i + k);
-    c.Store(dst + i + 2 * k);
-  }
-  if (i < last) {
-    operation.With(Vector::Load(dst + i), i, t0).Store(dst + i);
-    i += k;
-  }
-  if (i < last) {
-    operation.With(Vector::Load(dst + i), i, t1).Store(dst + i);
-    i += k;
-  }
-  if (i < last) operation.With(Vector::Load(dst + i), i, t2).Store(dst + i);
+  operation.template WalkVectors<Vector>(dst, AlignedStart<Vector>(dst, bytes), last);
   firstResult.Store(dst);
   lastResult.Store(dst + last);
 }
@@ -188,12 +166,28 @@ struct TileOperation {
     return {Vector::Load(andTile + at), Vector::Load(xorTile + at)};
   }
   template <class Vector>
-  Vector With(Vector band, std::size_t, const Pair<Vector>& tiles) const {
+  static Vector With(Vector band, const Pair<Vector>& tiles) {
     return (band & tiles.andMask) ^ tiles.xorMask;
   }
   template <class Vector>
-  Vector AtTile(Vector band, std::size_t offset, std::size_t tileOffset) const {
-    return With(band, offset, Tiles<Vector>(tileOffset));
+  Vector AtTile(Vector band, std::size_t, std::size_t tileOffset) const {
+    return With(band, Tiles<Vector>(tileOffset));
+  }
+  // The vectors from offset i on that begin before `last`, three a turn. One vector is stored before the next is
+  // loaded: then six tiles and what is computed fit the eight registers of 32-bit code.
+  template <class Vector>
+  void WalkVectors(uint8_t* dst, std::size_t i, std::size_t last) const {
+    constexpr std::size_t k = Vector::kBytes;
+    const Pair<Vector> t0 = Tiles<Vector>(i), t1 = Tiles<Vector>(i + k), t2 = Tiles<Vector>(i + 2 * k);
+    const auto one = [dst](std::size_t at, const Pair<Vector>& t) { With(Vector::Load(dst + at), t).Store(dst + at); };
+    for (; i + 3 * k <= last; i += 3 * k) {
+      one(i, t0);
+      one(i + k, t1);
+      one(i + 2 * k, t2);
+    }
+    if (i < last) one(i, t0);
+    if (i + k < last) one(i + k, t1);
+    if (i + 2 * k < last) one(i + 2 * k, t2);
   }
   template <class Vector>
   Vector At(Vector band, std::size_t offset) const {
@@ -217,25 +211,29 @@ struct FourMasks {
   }
 };
 
-template <class Wide>
+// kAnds, kXors: whether the source reaches the mask of that name; its own mask is all ones then.
+template <class Wide, bool kAnds, bool kXors>
 struct SourceOperation {
   const uint8_t* source;
   ByteMasks bytes;
-  FourMasks<Wide> wide;
+  Wide and2, xor2;
 
   template <class Vector>
   Vector At(Vector band, std::size_t offset) const {
     const Vector s = Vector::Load(source + offset);
     if constexpr (std::is_same_v<Vector, Wide>) {
-      return wide.Apply(band, s);
+      return Apply(band, s, and2, xor2);
     } else {
-      const FourMasks<Vector> masks{Filled<Vector>(bytes.and1), Filled<Vector>(bytes.and2), Filled<Vector>(bytes.xor1),
-                                    Filled<Vector>(bytes.xor2)};
-      return masks.Apply(band, s);
+      return Apply(band, s, Filled<Vector>(bytes.and2), Filled<Vector>(bytes.xor2));
     }
   }
 
  private:
+  template <class Vector>
+  static Vector Apply(Vector band, Vector s, Vector andMask, Vector xorMask) {
+    return (band & (kAnds ? s ^ andMask : andMask)) ^ (kXors ? s ^ xorMask : xorMask);
+  }
+
   template <class Vector>
   static Vector Filled(uint8_t byte) {
     uint8_t all[Vector::kBytes];
@@ -246,32 +244,40 @@ struct SourceOperation {
 
 template <class Vector, class Smaller>
 void RopSourceRowOf(uint8_t* dst, const uint8_t* source, std::size_t bytes, const ByteMasks& m) {
-  const FourMasks<Vector> wide{Vector::Fill(m.and1), Vector::Fill(m.and2), Vector::Fill(m.xor1), Vector::Fill(m.xor2)};
-  WalkRow<Vector, Smaller>(dst, bytes, SourceOperation<Vector>{source, m, wide});
+  const Vector and2 = Vector::Fill(m.and2), xor2 = Vector::Fill(m.xor2);
+  const auto walk = [=](auto ands, auto xors) {
+    WalkRow<Vector, Smaller>(dst, bytes, SourceOperation<Vector, ands, xors>{source, m, and2, xor2});
+  };
+  constexpr std::true_type kYes;
+  constexpr std::false_type kNo;
+  if (m.and1 != 0) return m.xor1 != 0 ? walk(kYes, kYes) : walk(kYes, kNo);
+  return m.xor1 != 0 ? walk(kNo, kYes) : walk(kNo, kNo);
 }
 
 struct SourceTileOperation {
   const uint8_t* source;
   TileMasks masks;
 
-  // Twelve vectors of masks do not stay in registers: they are read where they are used.
-  struct Offset {
-    std::size_t at;
-  };
-
   template <class Vector>
-  Offset Tiles(std::size_t at) const {
-    return {at};
-  }
-  template <class Vector>
-  Vector With(Vector band, std::size_t offset, Offset tile) const {
-    const FourMasks<Vector> m{Vector::Load(masks.and1 + tile.at), Vector::Load(masks.and2 + tile.at),
-                              Vector::Load(masks.xor1 + tile.at), Vector::Load(masks.xor2 + tile.at)};
-    return m.Apply(band, Vector::Load(source + offset));
+  FourMasks<Vector> Tiles(std::size_t at) const {
+    return {Vector::Load(masks.and1 + at), Vector::Load(masks.and2 + at), Vector::Load(masks.xor1 + at),
+            Vector::Load(masks.xor2 + at)};
   }
   template <class Vector>
   Vector AtTile(Vector band, std::size_t offset, std::size_t tileOffset) const {
-    return With(band, offset, Offset{tileOffset});
+    return Tiles<Vector>(tileOffset).Apply(band, Vector::Load(source + offset));
+  }
+  // Twelve vectors of masks would not stay in registers, four do: every third vector in a walk of its own. What the
+  // three walks share is in the first-level cache.
+  template <class Vector>
+  void WalkVectors(uint8_t* dst, std::size_t i, std::size_t last) const {
+    constexpr std::size_t k = Vector::kBytes;
+    for (std::size_t phase = 0; phase < 3; ++phase, i += k) {
+      const FourMasks<Vector> tiles = Tiles<Vector>(i % kShortPeriod);
+      for (std::size_t at = i; at < last; at += 3 * k) {
+        tiles.Apply(Vector::Load(dst + at), Vector::Load(source + at)).Store(dst + at);
+      }
+    }
   }
   template <class Vector>
   Vector At(Vector band, std::size_t offset) const {

@@ -1,0 +1,119 @@
+// Blocks whose bytes are rearranged but stay close to where they were: each half of a destination vector takes its
+// sixteen bytes from eighteen or so neighbours of the source, a little more than one shuffle reaches. Two loads at
+// neighbouring addresses, two shuffles.
+#pragma once
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+
+#include "raster/rows/pixel_blocks.h"
+#include "raster/rows/vector32.h"
+
+namespace qnv {
+namespace {
+
+// A rearrangement of a block: the source byte of each of its 96 destination bytes, counted from the block's first
+// source byte, kSourceBytes a pixel. A backward one reads the block's second half first.
+struct SwapMap {
+  static constexpr bool kBackward = false;
+  static constexpr std::ptrdiff_t kSourceBytes = 3;
+  static constexpr std::ptrdiff_t From(std::ptrdiff_t byte) { return byte / 3 * 3 + 2 - byte % 3; }
+};
+struct ReverseMap {
+  static constexpr bool kBackward = true;
+  static constexpr std::ptrdiff_t kSourceBytes = 3;
+  static constexpr std::ptrdiff_t From(std::ptrdiff_t byte) { return (31 - byte / 3) * 3 + byte % 3; }
+};
+struct PackMap {
+  static constexpr bool kBackward = false;
+  static constexpr std::ptrdiff_t kSourceBytes = 4;
+  static constexpr std::ptrdiff_t From(std::ptrdiff_t byte) { return byte / 3 * 4 + byte % 3; }
+};
+struct PackSwapMap {
+  static constexpr bool kBackward = false;
+  static constexpr std::ptrdiff_t kSourceBytes = 4;
+  static constexpr std::ptrdiff_t From(std::ptrdiff_t byte) { return byte / 3 * 4 + 2 - byte % 3; }
+};
+
+// Where the two loads of a destination vector begin, and what each contributes.
+struct Windows {
+  std::ptrdiff_t low = 0, high = 0;
+  alignas(32) uint8_t fromLow[32] = {};
+  alignas(32) uint8_t fromHigh[32] = {};
+  bool complete = true;  // every byte is found
+};
+
+template <class Map>
+constexpr Windows MakeWindows(std::ptrdiff_t vector) {
+  constexpr uint8_t kNone = 0x80;
+  Windows windows;
+  const auto from = [=](std::ptrdiff_t i) { return Map::From(32 * vector + (Map::kBackward ? i ^ 16 : i)); };
+  windows.low = from(0);
+  windows.high = from(0) - 15;
+  for (std::ptrdiff_t i = 0; i < 32; ++i) {
+    const std::ptrdiff_t half = i / 16 * 16;
+    windows.low = std::min(windows.low, from(i) - half);
+    windows.high = std::max(windows.high, from(i) - half - 15);
+  }
+  for (std::ptrdiff_t i = 0; i < 32; ++i) {
+    const std::ptrdiff_t half = i / 16 * 16;
+    const std::ptrdiff_t inLow = from(i) - half - windows.low;
+    const std::ptrdiff_t inHigh = from(i) - half - windows.high;
+    windows.fromLow[i] = windows.fromHigh[i] = kNone;
+    if (inLow < 16) {
+      windows.fromLow[i] = static_cast<uint8_t>(inLow);
+    } else {
+      windows.fromHigh[i] = static_cast<uint8_t>(inHigh);
+      windows.complete = windows.complete && inHigh >= 0;
+    }
+  }
+  return windows;
+}
+
+template <class Map>
+inline constexpr Windows kWindows[3] = {MakeWindows<Map>(0), MakeWindows<Map>(1), MakeWindows<Map>(2)};
+
+// Whether the loads of a block stay inside the block.
+template <class Map>
+inline constexpr bool kStaysInside = [] {
+  for (const Windows& w : kWindows<Map>) {
+    if (w.low < 0 || w.high + 32 > Map::kSourceBytes * std::ptrdiff_t{kBlockPixels}) return false;
+  }
+  return true;
+}();
+
+template <class Map, std::size_t kVector>
+void RearrangeVector(uint8_t* dst, const uint8_t* source) {
+  constexpr const Windows& w = kWindows<Map>[kVector];
+  static_assert(w.complete);
+  const Vector32 low = Shuffle(Vector32::Load(source + w.low), Vector32::Load(w.fromLow));
+  const Vector32 high = Shuffle(Vector32::Load(source + w.high), Vector32::Load(w.fromHigh));
+  const Vector32 both = low | high;
+  (Map::kBackward ? Vector32{_mm256_permute4x64_epi64(both.v, 0x4E)} : both).Store(dst + 32 * kVector);
+}
+
+// A row of at least kBlockPixels + 2 pixels. Where loads leave the block, `edge` does the outermost pixels:
+// edge(pixel of the destination).
+template <class Map, class Edge>
+void RearrangeRow(uint8_t* dst, const uint8_t* source, std::size_t pixels, Edge edge) {
+  constexpr std::size_t kEdge = kStaysInside<Map> ? 0 : 1;
+  if constexpr (kEdge != 0) {
+    edge(std::size_t{0});
+    edge(pixels - 1);
+  }
+  uint8_t* const inner = dst + 3 * kEdge;
+  const std::size_t innerPixels = pixels - 2 * kEdge;
+  CoverWithBlocks(innerPixels, PixelsToAlignment<3>(inner), [&](std::size_t i) {
+    const std::size_t first = kEdge + (Map::kBackward ? innerPixels - kBlockPixels - i : i);
+    const uint8_t* const block = source + static_cast<std::size_t>(Map::kSourceBytes) * first;
+    RearrangeVector<Map, 0>(inner + 3 * i, block);
+    RearrangeVector<Map, 1>(inner + 3 * i, block);
+    RearrangeVector<Map, 2>(inner + 3 * i, block);
+  });
+}
+
+inline constexpr std::size_t kFewestRearranged = kBlockPixels + 2;
+
+}  // namespace
+}  // namespace qnv

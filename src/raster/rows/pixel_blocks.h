@@ -1,0 +1,48 @@
+// Rows in blocks of 32 pixels: three vectors of 24-bit pixels or one of 8-bit pixels. The last block of a row
+// overlaps the one before, so a block must come to the same bytes when it is written twice.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#include "raster/rows/vector32.h"
+
+namespace qnv {
+namespace {
+
+inline constexpr std::size_t kBlockPixels = 32;
+
+// Pixels up to an aligned address, 1..32: the second block of a row begins there, so that the blocks after it do
+// not straddle cache lines.
+template <std::size_t kBytesPerPixel>
+std::size_t PixelsToAlignment(const uint8_t* dst) {
+  static_assert(kBytesPerPixel == 1 || kBytesPerPixel == 3);
+  constexpr std::size_t kInverse = kBytesPerPixel == 3 ? 11 : 1;  // 3 * 11 = 33
+  return kBlockPixels - reinterpret_cast<uintptr_t>(dst) * kInverse % kBlockPixels;
+}
+
+// Calls block(first pixel) until [0, pixels) is covered. second: where the second block begins, 1..32.
+// Requires: at least one block.
+template <class Block>
+void CoverWithBlocks(std::size_t pixels, std::size_t second, Block block) {
+  block(0);
+  for (std::size_t i = second; i + kBlockPixels < pixels; i += kBlockPixels) block(i);
+  block(pixels - kBlockPixels);
+}
+
+// Four vectors of eight pixels, each pixel in the lower three bytes of four: 96 bytes.
+inline void StoreBlock(uint8_t* dst, __m256i a, __m256i b, __m256i c, __m256i d) {
+  const __m256i pack = _mm256_setr_epi8(0, 1, 2, 4, 5, 6, 8, 9, 10, 12, 13, 14, -1, -1, -1, -1,  //
+                                        0, 1, 2, 4, 5, 6, 8, 9, 10, 12, 13, 14, -1, -1, -1, -1);
+  // Six words are left of each, in two groups of three; each vector turns them to where they stand in the block.
+  a = _mm256_permutevar8x32_epi32(_mm256_shuffle_epi8(a, pack), _mm256_setr_epi32(0, 1, 2, 4, 5, 6, 3, 3));
+  b = _mm256_permutevar8x32_epi32(_mm256_shuffle_epi8(b, pack), _mm256_setr_epi32(2, 4, 5, 6, 3, 3, 0, 1));
+  c = _mm256_permutevar8x32_epi32(_mm256_shuffle_epi8(c, pack), _mm256_setr_epi32(5, 6, 3, 3, 0, 1, 2, 4));
+  d = _mm256_permutevar8x32_epi32(_mm256_shuffle_epi8(d, pack), _mm256_setr_epi32(3, 3, 0, 1, 2, 4, 5, 6));
+  Vector32{_mm256_blend_epi32(a, b, 0xC0)}.Store(dst);
+  Vector32{_mm256_blend_epi32(b, c, 0xF0)}.Store(dst + 32);
+  Vector32{_mm256_blend_epi32(c, d, 0xFC)}.Store(dst + 64);
+}
+
+}  // namespace
+}  // namespace qnv

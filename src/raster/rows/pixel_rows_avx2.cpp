@@ -1,0 +1,212 @@
+// Image rows in blocks of 32 pixels. What does not fill a block is left to the level below.
+#include "raster/rows/byte_windows.h"
+#include "raster/rows/pixel_blocks.h"
+#include "raster/rows/pixel_rows.h"
+#include "raster/rows/vector32.h"
+
+namespace qnv {
+namespace {
+
+const PixelRows& Narrow() { return kSsse3PixelRows; }
+
+void PackRow32(uint8_t* dst, const uint8_t* source, std::size_t pixels) {
+  if (pixels < kFewestRearranged) return Narrow().PackRow32(dst, source, pixels);
+  static_assert(kStaysInside<PackMap>);
+  RearrangeRow<PackMap>(dst, source, pixels, [](std::size_t) {});
+}
+
+void PackSwapRow32(uint8_t* dst, const uint8_t* source, std::size_t pixels) {
+  if (pixels < kFewestRearranged) return Narrow().PackSwapRow32(dst, source, pixels);
+  static_assert(kStaysInside<PackSwapMap>);
+  RearrangeRow<PackSwapMap>(dst, source, pixels, [](std::size_t) {});
+}
+
+void ReverseRow24(uint8_t* dst, const uint8_t* source, std::size_t pixels) {
+  if (pixels < kFewestRearranged) return Narrow().ReverseRow24(dst, source, pixels);
+  RearrangeRow<ReverseMap>(dst, source, pixels, [=](std::size_t i) {
+    plain::ReverseRow24(dst + 3 * i, source + 3 * (pixels - 1 - i), 1);
+  });
+}
+
+void ReverseRow8(uint8_t* dst, const uint8_t* source, std::size_t pixels) {
+  if (pixels < kBlockPixels) return Narrow().ReverseRow8(dst, source, pixels);
+  const Vector32 reverse{_mm256_setr_epi8(15, 14, 13, 12, 11, 10, 9, 8, 7, 6, 5, 4, 3, 2, 1, 0,  //
+                                          15, 14, 13, 12, 11, 10, 9, 8, 7, 6, 5, 4, 3, 2, 1, 0)};
+  CoverWithBlocks(pixels, PixelsToAlignment<1>(dst), [=](std::size_t i) {
+    const uint8_t* const block = source + (pixels - kBlockPixels - i);
+    Shuffle(Vector32::Halves(block + 16, block), reverse).Store(dst + i);
+  });
+}
+
+// One component of sixteen pixels: shifted to the top of its 16 bits, then times 256 + (256 >> fill), of which the
+// upper half is v + (v >> fill).
+struct ComponentFactors {
+  __m256i mask, shift, fill;
+
+  explicit ComponentFactors(const ComponentMask& m) {
+    const uint32_t topByte = m.mask << m.up & 0xFF00;
+    mask = _mm256_set1_epi16(static_cast<int16_t>(topByte >> m.up));
+    shift = _mm256_set1_epi16(static_cast<int16_t>(1u << m.up));
+    fill = _mm256_set1_epi16(static_cast<int16_t>(256 + (m.fill <= 8 ? 256u >> m.fill : 0)));
+  }
+
+  __m256i Extract(__m256i pixels) const {
+    return _mm256_mulhi_epu16(_mm256_mullo_epi16(_mm256_and_si256(pixels, mask), shift), fill);
+  }
+};
+
+// Scattered masks can come to more than a byte, which the formula cuts.
+bool FitsByte(const ComponentMask& m) {
+  const uint32_t most = (m.mask << m.up >> 8) & 0xFF;
+  return m.fill > 8 || most + (most >> m.fill) <= 255;
+}
+
+void UnpackRow16(uint8_t* dst, const uint8_t* source, std::size_t pixels, const PixelMasks& masks) {
+  const ComponentMask* const m = masks.component;
+  if (pixels < kBlockPixels || !FitsByte(m[0]) || !FitsByte(m[2])) {
+    return Narrow().UnpackRow16(dst, source, pixels, masks);
+  }
+  const ComponentFactors first(m[0]), second(m[1]), third(m[2]);
+  CoverWithBlocks(pixels, PixelsToAlignment<3>(dst), [&](std::size_t i) {
+    __m256i eight[4];  // pixels, four bytes each
+    for (std::size_t half = 0; half < 2; ++half) {
+      // Interleaving works in halves of a vector: pixels 0..3 and 4..7 are to come first in them.
+      const __m256i sixteen = _mm256_permute4x64_epi64(Vector32::Load(source + 2 * i + 32 * half).v, 0xD8);
+      const __m256i two = _mm256_or_si256(first.Extract(sixteen), _mm256_slli_epi16(second.Extract(sixteen), 8));
+      const __m256i one = third.Extract(sixteen);
+      eight[2 * half] = _mm256_unpacklo_epi16(two, one);
+      eight[2 * half + 1] = _mm256_unpackhi_epi16(two, one);
+    }
+    StoreBlock(dst + 3 * i, eight[0], eight[1], eight[2], eight[3]);
+  });
+}
+
+// Palette indices of 32 pixels from sixteen bytes, which stand in both halves of `bytes` in the order wanted.
+__m256i Nibbles(Vector32 bytes) {
+  const __m256i low = _mm256_set1_epi8(0x0F);
+  return _mm256_unpacklo_epi8(_mm256_and_si256(_mm256_srli_epi16(bytes.v, 4), low), _mm256_and_si256(bytes.v, low));
+}
+
+// A sixteen-colour table as one vector for each byte of a colour, in both halves.
+Vector32 TablePlane(const uint32_t* table, int byte) {
+  uint8_t plane[16];
+  for (int i = 0; i < 16; ++i) plane[i] = static_cast<uint8_t>(table[i] >> 8 * byte);
+  return Vector32::Twice(plane);
+}
+
+// Setting the table up costs as much as some dozens of pixels.
+constexpr std::size_t kFewNibbles = 96;
+
+void ExpandNibblesRow24(uint8_t* dst, const uint8_t* source, bool odd, std::size_t pixels, const uint32_t* table) {
+  if (pixels < kFewNibbles) return Narrow().ExpandNibblesRow24(dst, source, odd, pixels, table);
+  if (odd) {
+    plain::ExpandNibblesRow24(dst, source++, true, 1, table);
+    dst += 3;
+    --pixels;
+  }
+  if (pixels % 2 != 0) {
+    --pixels;
+    plain::ExpandNibblesRow24(dst + 3 * pixels, source + pixels / 2, false, 1, table);
+  }
+  const Vector32 planes[3] = {TablePlane(table, 0), TablePlane(table, 1), TablePlane(table, 2)};
+  // Interleaving works in halves of a vector: pixels 0..3, 8..11, 16..19 and 24..27 go into the lower one.
+  const Vector32 order{_mm256_setr_epi8(0, 1, 4, 5, 8, 9, 12, 13, -1, -1, -1, -1, -1, -1, -1, -1,  //
+                                        2, 3, 6, 7, 10, 11, 14, 15, -1, -1, -1, -1, -1, -1, -1, -1)};
+  CoverWithBlocks(pixels, kBlockPixels, [&](std::size_t i) {
+    const Vector32 indices{Nibbles(Shuffle(Vector32::Twice(source + i / 2), order))};
+    const __m256i first = Shuffle(planes[0], indices).v;
+    const __m256i second = Shuffle(planes[1], indices).v;
+    const __m256i third = Shuffle(planes[2], indices).v;
+    const __m256i zero = _mm256_setzero_si256();
+    const __m256i lowPairs = _mm256_unpacklo_epi8(first, second), highPairs = _mm256_unpackhi_epi8(first, second);
+    const __m256i lowThird = _mm256_unpacklo_epi8(third, zero), highThird = _mm256_unpackhi_epi8(third, zero);
+    StoreBlock(dst + 3 * i, _mm256_unpacklo_epi16(lowPairs, lowThird), _mm256_unpackhi_epi16(lowPairs, lowThird),
+               _mm256_unpacklo_epi16(highPairs, highThird), _mm256_unpackhi_epi16(highPairs, highThird));
+  });
+}
+
+void ExpandNibblesRow8(uint8_t* dst, const uint8_t* source, bool odd, std::size_t pixels, const uint32_t* table) {
+  if (pixels < kFewNibbles) return Narrow().ExpandNibblesRow8(dst, source, odd, pixels, table);
+  if (odd) {
+    plain::ExpandNibblesRow8(dst, source++, true, 1, table);
+    ++dst;
+    --pixels;
+  }
+  if (pixels % 2 != 0) {
+    --pixels;
+    plain::ExpandNibblesRow8(dst + pixels, source + pixels / 2, false, 1, table);
+  }
+  const Vector32 plane = TablePlane(table, 0);
+  const Vector32 order{_mm256_setr_epi8(0, 1, 2, 3, 4, 5, 6, 7, -1, -1, -1, -1, -1, -1, -1, -1,  //
+                                        8, 9, 10, 11, 12, 13, 14, 15, -1, -1, -1, -1, -1, -1, -1, -1)};
+  CoverWithBlocks(pixels, kBlockPixels, [&](std::size_t i) {
+    Shuffle(plane, Vector32{Nibbles(Shuffle(Vector32::Twice(source + i / 2), order))}).Store(dst + i);
+  });
+}
+
+// Eight pixels from a palette. Each takes a load of its index and one of its colour: that is what bounds these rows.
+__m256i EightEntries(const uint8_t* source, const uint32_t* table) {
+  const auto four = [table](const uint8_t* p) {
+    __m128i v = _mm_cvtsi32_si128(static_cast<int>(table[p[0]]));
+    v = _mm_insert_epi32(v, static_cast<int>(table[p[1]]), 1);
+    v = _mm_insert_epi32(v, static_cast<int>(table[p[2]]), 2);
+    return _mm_insert_epi32(v, static_cast<int>(table[p[3]]), 3);
+  };
+  return _mm256_inserti128_si256(_mm256_castsi128_si256(four(source)), four(source + 4), 1);
+}
+
+void ExpandBytesRow24(uint8_t* dst, const uint8_t* source, std::size_t pixels, const uint32_t* table) {
+  if (pixels < kBlockPixels) return Narrow().ExpandBytesRow24(dst, source, pixels, table);
+  CoverWithBlocks(pixels, PixelsToAlignment<3>(dst), [=](std::size_t i) {
+    const uint8_t* const p = source + i;
+    StoreBlock(dst + 3 * i, EightEntries(p, table), EightEntries(p + 8, table), EightEntries(p + 16, table),
+               EightEntries(p + 24, table));
+  });
+}
+
+// The gray levels of 32 pixels. The last load reaches back, so that none leaves the block.
+__m256i GrayBlock(const uint8_t* source, Vector32 weights) {
+  const Vector32 spread{_mm256_setr_epi8(0, 1, 2, -1, 3, 4, 5, -1, 6, 7, 8, -1, 9, 10, 11, -1,  //
+                                         4, 5, 6, -1, 7, 8, 9, -1, 10, 11, 12, -1, 13, 14, 15, -1)};
+  const auto eight = [&](const uint8_t* p) {  // sums, 32 bits each
+    const __m256i pixels = Shuffle(Vector32::Halves(p, p + 8), spread).v;
+    return _mm256_madd_epi16(_mm256_maddubs_epi16(pixels, weights.v), _mm256_set1_epi16(1));
+  };
+  const auto hundredth = [](__m256i v) {  // exact for sums up to 25500
+    return _mm256_srli_epi16(_mm256_mulhi_epu16(v, _mm256_set1_epi16(5243)), 3);
+  };
+  const __m256i low = _mm256_packs_epi32(eight(source), eight(source + 24));
+  const __m256i high = _mm256_packs_epi32(eight(source + 48), eight(source + 72));
+  const __m256i grays = _mm256_packus_epi16(hundredth(low), hundredth(high));
+  return _mm256_permutevar8x32_epi32(grays, _mm256_setr_epi32(0, 4, 1, 5, 2, 6, 3, 7));
+}
+
+void GrayRow24(uint8_t* dst, const uint8_t* source, std::size_t pixels) {
+  if (pixels < kBlockPixels) return Narrow().GrayRow24(dst, source, pixels);
+  const Vector32 weights{_mm256_set1_epi32(11 | 59 << 8 | 30 << 16)};
+  CoverWithBlocks(pixels, PixelsToAlignment<1>(dst),
+                  [=](std::size_t i) { Vector32{GrayBlock(source + 3 * i, weights)}.Store(dst + i); });
+}
+
+void ShuffleRow(uint8_t* dst, const uint8_t* source, const ShuffleGroup* groups, std::size_t stride,
+                std::size_t total) {
+  Narrow().ShuffleRow(dst, source, groups, stride, total);
+}
+
+}  // namespace
+
+constinit const PixelRows kAvx2PixelRows = {
+    .ExpandBytesRow24 = ExpandBytesRow24,
+    .ExpandBytesRow8 = plain::ExpandBytesRow8,
+    .ExpandNibblesRow24 = ExpandNibblesRow24,
+    .ExpandNibblesRow8 = ExpandNibblesRow8,
+    .UnpackRow16 = UnpackRow16,
+    .PackRow32 = PackRow32,
+    .PackSwapRow32 = PackSwapRow32,
+    .GrayRow24 = GrayRow24,
+    .ReverseRow24 = ReverseRow24,
+    .ReverseRow8 = ReverseRow8,
+    .ShuffleRow = ShuffleRow,
+};
+
+}  // namespace qnv

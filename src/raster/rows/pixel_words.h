@@ -1,0 +1,17 @@
+// A packed 24-bit pixel repeated: four pixels are three words.
+#pragma once
+
+#include <cstdint>
+
+namespace qnv {
+
+struct PixelWords {
+  uint32_t first, second, third;
+
+  explicit constexpr PixelWords(uint32_t packed)
+      : first((packed & 0xFFFFFF) | packed << 24),
+        second((packed >> 8 & 0xFFFF) | packed << 16),
+        third((packed >> 16 & 0xFF) | packed << 8) {}
+};
+
+}  // namespace qnv
