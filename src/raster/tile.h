@@ -34,14 +34,15 @@ void MakeTileOf(Tile* tile, const uint32_t* cells, std::size_t width) {
 
 // One packed colour everywhere.
 inline void MakeSolidTile(Tile* tile, uint32_t colour, std::size_t bytesPerPixel) {
+  if (bytesPerPixel == 1) {
+    std::memset(tile->bytes, static_cast<uint8_t>(colour), sizeof tile->bytes);
+    return;
+  }
   const PixelWords pixels(colour);
-  const uint32_t one = (colour & 0xFF) * 0x01010101u;
-  const bool three = bytesPerPixel == 3;
-  const uint32_t words[3] = {three ? pixels.first : one, three ? pixels.second : one, three ? pixels.third : one};
-  constexpr std::size_t kWords = sizeof tile->bytes / 4;
-  uint32_t all[kWords];
-  for (std::size_t i = 0; i < kWords; ++i) all[i] = words[i % 3];
-  std::memcpy(tile->bytes, all, sizeof all);
+  const uint32_t words[4] = {pixels.first, pixels.second, pixels.third, pixels.first};
+  std::size_t at = 0;
+  for (; at + 12 <= sizeof tile->bytes; at += 12) std::memcpy(tile->bytes + at, words, 12);
+  std::memcpy(tile->bytes + at, words, sizeof tile->bytes - at);
 }
 
 // cells: `width` packed colours, 1, 8 or 16 of them.

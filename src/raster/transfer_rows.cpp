@@ -12,23 +12,27 @@ TransferRows::Shape TransferRows::ShapeOf(uint8_t index) {
   return RopUsesDestination(index) ? Shape::kBandOnly : Shape::kFill;
 }
 
-void TransferRows::PaintRun(uint8_t* dst, int32_t bandRow, int32_t sourceRow, const ColumnRun& run) {
+void TransferRows::PaintRows(const BandView& band, const RowRange& range, const ColumnRun& run) {
   const std::size_t pixels = static_cast<std::size_t>(run.count);
-  switch (shape_) {
-    case Shape::kFill:
-      rows_.FillTileRow(dst, pixels * bytesPerPixel_,
-                        masks_.At(masks_.RowOf(bandRow), masks_.PhaseOf(run.bandColumn)).xor2);
-      break;
-    case Shape::kBandOnly: {
-      const TileMasks masks = masks_.At(masks_.RowOf(bandRow), masks_.PhaseOf(run.bandColumn));
-      rows_.RopTileRow(dst, pixels * bytesPerPixel_, masks.and2, masks.xor2);
-      break;
+  const std::size_t bytes = pixels * bytesPerPixel_;
+  const std::size_t phase = masks_.PhaseOf(run.bandColumn);
+  uint8_t* dst = band.RelativeAt(static_cast<uint32_t>(run.bandColumn), static_cast<uint32_t>(range.bandRow));
+  for (int32_t i = 0; i < range.count; ++i, dst += band.stride) {
+    const int32_t bandRow = range.bandRow + i;
+    const int32_t sourceRow = range.sourceRow + i;
+    switch (shape_) {
+      case Shape::kFill: rows_.FillTileRow(dst, bytes, masks_.At(masks_.RowOf(bandRow), phase).xor2); break;
+      case Shape::kBandOnly: {
+        const TileMasks masks = masks_.At(masks_.RowOf(bandRow), phase);
+        rows_.RopTileRow(dst, bytes, masks.and2, masks.xor2);
+        break;
+      }
+      case Shape::kSourceCopy: source_->FetchInto(rows_, sourceRow, run.callerColumn, run.picks, pixels, dst); break;
+      case Shape::kSource:
+      case Shape::kSourcePattern: PaintSourceRun(dst, bandRow, sourceRow, run); break;
     }
-    case Shape::kSourceCopy: source_->FetchInto(rows_, sourceRow, run.callerColumn, run.picks, pixels, dst); break;
-    case Shape::kSource:
-    case Shape::kSourcePattern: PaintSourceRun(dst, bandRow, sourceRow, run); break;
+    if (regray_) rows_.RegrayRow24(dst, pixels);
   }
-  if (regray_) rows_.RegrayRow24(dst, pixels);
 }
 
 void TransferRows::PaintSourceRun(uint8_t* dst, int32_t bandRow, int32_t sourceRow, const ColumnRun& run) {

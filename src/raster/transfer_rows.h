@@ -34,15 +34,17 @@ class TransferRows {
     const Rect relative = Shifted(area.rect, WrapSubtract(0, callerBand.left), WrapSubtract(0, callerBand.top));
     if (Mapping::kOneToOne && JoinsRows(band, relative)) {
       const int32_t pixels = (relative.right - relative.left) * (relative.bottom - relative.top);
-      PaintRun(band.RelativeAt(0, static_cast<uint32_t>(relative.top)), 0, 0, ColumnRun{0, 0, pixels, nullptr});
-      return;
+      return PaintRows(band, RowRange{relative.top, 1, 0}, ColumnRun{0, 0, pixels, nullptr});
     }
     mapping.ForEachRun(relative.left, relative.right - relative.left, bandColumns, [&](const ColumnRun& run) {
-      for (int32_t row = relative.top; row < relative.bottom; ++row) {
-        const int32_t bandRow = mapping.BandRow(row);
-        if (bandRow < 0 || bandRow >= bandRows) continue;
-        uint8_t* dst = band.RelativeAt(static_cast<uint32_t>(run.bandColumn), static_cast<uint32_t>(bandRow));
-        PaintRun(dst, bandRow, row - relative.top, run);
+      if constexpr (Mapping::kOneToOne) {
+        PaintRows(band, RowRange{relative.top, relative.bottom - relative.top, 0}, run);
+      } else {
+        for (int32_t row = relative.top; row < relative.bottom; ++row) {
+          const int32_t bandRow = mapping.BandRow(row);
+          if (bandRow < 0 || bandRow >= bandRows) continue;
+          PaintRows(band, RowRange{bandRow, 1, row - relative.top}, run);
+        }
       }
     });
   }
@@ -59,8 +61,13 @@ class TransferRows {
     return source_ == nullptr || source_->RowsJoin(static_cast<std::ptrdiff_t>(band.stride));
   }
 
-  // sourceRow: counted from the row of the first source pixel.
-  void PaintRun(uint8_t* dst, int32_t bandRow, int32_t sourceRow, const ColumnRun& run);
+  struct RowRange {
+    int32_t bandRow, count;
+    int32_t sourceRow;  // of the first one, counted from the row of the first source pixel
+  };
+
+  // Requires: rows and columns of the band.
+  void PaintRows(const BandView& band, const RowRange& range, const ColumnRun& run);
   void PaintSourceRun(uint8_t* dst, int32_t bandRow, int32_t sourceRow, const ColumnRun& run);
 
   const RowKernels& rows_;
