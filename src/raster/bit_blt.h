@@ -86,8 +86,7 @@ void Transfer(const BandState& state, const BandView& band, const Format& format
       if (a.brush == nullptr) return;
       if (operation == TransferOperation::kBltGeneral && a.brush->style == BS_HOLLOW) return;
       if (a.brush->style == BS_SOLID) {
-        solid.width = solid.height = 1;
-        solid.cells[0][0] = format.Pack(a.brush->colour);
+        SelectSolid(&solid, format.Pack(a.brush->colour));
         pattern = &solid;
       }
     }

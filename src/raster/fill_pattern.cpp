@@ -1,74 +1,90 @@
 #include "raster/fill_pattern.h"
 
 #include <algorithm>
+#include <cstring>
 
 #include "color/color_forms.h"
 
 namespace qnv {
 namespace {
 
-// A solid fill is a pattern of one cell: nothing shows that it could be more.
-void SelectSolid(FillPattern* pattern, uint32_t colour) {
-  pattern->style = kFillSolid;
-  pattern->width = pattern->height = 1;
-  pattern->cells[0][0] = ExchangeRedBlue(colour);
-  pattern->mask[0][0] = 0xFF;
+// The record holds 16 cells a direction: a larger factor is cut to 2.
+int Replication(uint8_t factor) { return std::min<int>(factor, 2); }
+
+void SelectCells(FillPattern* pattern, const PhysicalBrush& brush, CellRule rule, const DRAWMODE& drawMode) {
+  std::memcpy(pattern->brushCells, brush.cells, sizeof pattern->brushCells);
+  pattern->rule = rule;
+  pattern->background = ExchangeRedBlue(drawMode.bkColor);
+  pattern->text = ExchangeRedBlue(drawMode.TextColor);
+  // Each of the brush's 8 x 8 cells is repeated in a block of pattern cells.
+  pattern->width = static_cast<uint8_t>(8 * Replication(brush.hatchScale[0]));
+  pattern->height = static_cast<uint8_t>(8 * Replication(brush.hatchScale[1]));
 }
 
 struct Cell {
-  uint32_t colour;  // packed
-  uint8_t mask;
+  uint32_t colour;
+  bool painted;
 };
 
-// Repeats each of the brush's 8 x 8 cells in a block of fx x fy pattern cells.
-template <class CellOf>
-void SelectReplicated(FillPattern* pattern, const PhysicalBrush& brush, CellOf cellOf) {
-  // The record holds 16 cells a direction: a larger factor is cut to 2.
-  const int fx = std::min<int>(brush.hatchScale[0], 2);
-  const int fy = std::min<int>(brush.hatchScale[1], 2);
-  pattern->width = static_cast<uint8_t>(8 * fx);
-  pattern->height = static_cast<uint8_t>(8 * fy);
-  for (int r = 0; r < 8 * fy; ++r) {
-    for (int c = 0; c < 8 * fx; ++c) {
-      const Cell cell = cellOf(brush.cells[r / fy * 8 + c / fx]);
-      pattern->cells[r][c] = cell.colour;
-      pattern->mask[r][c] = cell.mask;
-    }
+Cell ReadCell(const FillPattern& pattern, uint32_t cell) {
+  const bool marked = cell >> 24 != 0;
+  switch (pattern.rule) {
+    case CellRule::kTwoColours: return {(cell & kColourBits) == kWhite ? pattern.background : pattern.text, true};
+    case CellRule::kOpaqueHatch: return {marked ? ExchangeRedBlue(cell) : pattern.background, true};
+    case CellRule::kOwnColour: break;
   }
+  return {ExchangeRedBlue(cell), marked || pattern.style != kFillHatched};
 }
 
 }  // namespace
+
+// A pattern of one cell: nothing shows that it could be more.
+void SelectSolid(FillPattern* pattern, uint32_t packed) {
+  pattern->style = kFillSolid;
+  pattern->width = pattern->height = 1;
+  pattern->colour = packed;
+}
+
+PatternRow ReadPatternRow(const FillPattern& pattern, uint32_t row) {
+  PatternRow result;
+  if (pattern.style == kFillSolid) {
+    result.colours[0] = pattern.colour;
+    result.painted[0] = UINT32_MAX;
+    return result;
+  }
+  const uint32_t* const cells = pattern.brushCells + 8 * (pattern.height == 8 ? row : row / 2);
+  for (std::size_t i = 0; i < 8; ++i) {
+    const Cell cell = ReadCell(pattern, cells[i]);
+    result.colours[i] = cell.colour;
+    result.painted[i] = cell.painted ? UINT32_MAX : 0;
+  }
+  if (pattern.width == 8) return result;
+  for (std::size_t i = 16; i-- > 0;) {
+    result.colours[i] = result.colours[i / 2];
+    result.painted[i] = result.painted[i / 2];
+  }
+  return result;
+}
 
 void SelectFillPattern(FillPattern* pattern, const PhysicalPen* pen, const PhysicalBrush* brush,
                        const DRAWMODE* drawMode) {
   if (drawMode == nullptr) return;
   pattern->rop2 = static_cast<uint16_t>(drawMode->Rop2);
   if (brush == nullptr) {
-    SelectSolid(pattern, pen != nullptr ? pen->colour : 0);
+    SelectSolid(pattern, pen != nullptr ? ExchangeRedBlue(pen->colour) : 0);
     return;
   }
-  const uint32_t background = ExchangeRedBlue(drawMode->bkColor);
-  const uint32_t text = ExchangeRedBlue(drawMode->TextColor);
   switch (brush->style) {
-    case BS_SOLID: SelectSolid(pattern, brush->colour); break;
-    case BS_HATCHED: {
+    case BS_SOLID: SelectSolid(pattern, ExchangeRedBlue(brush->colour)); break;
+    case BS_HATCHED:
       pattern->style = kFillHatched;
-      const bool opaque = drawMode->bkMode == OPAQUE;
-      SelectReplicated(pattern, *brush, [=](uint32_t cell) {
-        const uint8_t mark = static_cast<uint8_t>(cell >> 24);
-        return opaque && mark == 0 ? Cell{background, 0xFF} : Cell{ExchangeRedBlue(cell), mark};
-      });
+      SelectCells(pattern, *brush, drawMode->bkMode == OPAQUE ? CellRule::kOpaqueHatch : CellRule::kOwnColour,
+                  *drawMode);
       break;
-    }
-    case BS_PATTERN: {
+    case BS_PATTERN:
       pattern->style = kFillPatterned;
-      const bool oneBit = brush->patternDepth == 1;
-      SelectReplicated(pattern, *brush, [=](uint32_t cell) {
-        const uint32_t twoColour = (cell & kColourBits) == kWhite ? background : text;
-        return Cell{oneBit ? twoColour : ExchangeRedBlue(cell), 0xFF};
-      });
+      SelectCells(pattern, *brush, brush->patternDepth == 1 ? CellRule::kTwoColours : CellRule::kOwnColour, *drawMode);
       break;
-    }
     default: pattern->style = kFillNothing;
   }
 }

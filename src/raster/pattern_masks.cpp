@@ -14,27 +14,24 @@ void Complete(Tile* out, const Tile& pattern, OpenMask mask) {
 void PatternMasks::MakeRow(uint32_t row) {
   madeRows_ |= 1u << row;
   RowTiles& tiles = rows_[row];
-  constexpr uint32_t kNoPattern[1] = {0};
-  Tile& cells = tiles.xor2;  // completed last, in place
-  MakeTile(&cells, pattern_ != nullptr ? pattern_->cells[row] : kNoPattern, width_, bytesPerPixel_);
-  if (needs_ != Needs::kOne) Complete(&tiles.and2, cells, recipe_.and2);
+  const PatternRow cells = pattern_ != nullptr ? ReadPatternRow(*pattern_, row) : PatternRow{{0}, {UINT32_MAX}};
+  Tile& pattern = tiles.xor2;  // completed last, in place
+  MakeTile(&pattern, cells.colours, width_, bytesPerPixel_);
+  if (needs_ != Needs::kOne) Complete(&tiles.and2, pattern, recipe_.and2);
   if (needs_ == Needs::kFour) {
-    Complete(&tiles.and1, cells, recipe_.and1);
-    Complete(&tiles.xor1, cells, recipe_.xor1);
+    Complete(&tiles.and1, pattern, recipe_.and1);
+    Complete(&tiles.xor1, pattern, recipe_.xor1);
   }
-  if (recipe_.xor2.open != 0xFF || recipe_.xor2.fixed != 0) Complete(&tiles.xor2, cells, recipe_.xor2);
-  if (useMask_) ApplyMask(row);
+  if (recipe_.xor2.open != 0xFF || recipe_.xor2.fixed != 0) Complete(&tiles.xor2, pattern, recipe_.xor2);
+  if (useMask_) ApplyMask(&tiles, cells);
 }
 
-void PatternMasks::ApplyMask(uint32_t row) {
-  RowTiles& tiles = rows_[row];
-  uint32_t painted[kMaxPeriod];
-  for (uint32_t i = 0; i < width_; ++i) painted[i] = pattern_->mask[row][i] != 0 ? 0xFFFFFFFF : 0;
-  Tile mask;
-  MakeTile(&mask, painted, width_, bytesPerPixel_);
-  for (std::size_t i = 0; i < sizeof mask.bytes; ++i) {
-    tiles.and2.bytes[i] = static_cast<uint8_t>(tiles.and2.bytes[i] | ~mask.bytes[i]);
-    tiles.xor2.bytes[i] = static_cast<uint8_t>(tiles.xor2.bytes[i] & mask.bytes[i]);
+void PatternMasks::ApplyMask(RowTiles* tiles, const PatternRow& cells) const {
+  Tile painted;
+  MakeTile(&painted, cells.painted, width_, bytesPerPixel_);
+  for (std::size_t i = 0; i < sizeof painted.bytes; ++i) {
+    tiles->and2.bytes[i] = static_cast<uint8_t>(tiles->and2.bytes[i] | ~painted.bytes[i]);
+    tiles->xor2.bytes[i] = static_cast<uint8_t>(tiles->xor2.bytes[i] & painted.bytes[i]);
   }
 }
 

@@ -63,7 +63,7 @@ class PatternMasks {
   static uint32_t Remainder(int32_t value, uint32_t period) { return static_cast<uint32_t>(value) & (period - 1); }
 
   void MakeRow(uint32_t row);
-  void ApplyMask(uint32_t row);
+  void ApplyMask(RowTiles* tiles, const PatternRow& cells) const;
 
   const RopRecipe recipe_;
   const FillPattern* const pattern_;

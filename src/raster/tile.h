@@ -23,9 +23,16 @@ static_assert(sizeof(Tile) % 4 == 0);
 template <std::size_t kBytesPerPixel>
 void MakeTileOf(Tile* tile, const uint32_t* cells, std::size_t width) {
   constexpr std::size_t kRow = kMaxPhase / 3 * kBytesPerPixel;  // 16 cells
-  uint8_t row[kRow + 4];
-  for (std::size_t i = 0; i < kRow / kBytesPerPixel; ++i) {
-    std::memcpy(row + kBytesPerPixel * i, &cells[i & (width - 1)], 4);  // the next cell overwrites the rest
+  uint32_t row[kRow / 4];
+  for (std::size_t i = 0, word = 0; i < 16; i += 4, word += kBytesPerPixel) {
+    const uint32_t* const four = cells + (i & (width - 1));
+    if constexpr (kBytesPerPixel == 3) {
+      row[word] = (four[0] & 0xFFFFFF) | four[1] << 24;
+      row[word + 1] = (four[1] >> 8 & 0xFFFF) | four[2] << 16;
+      row[word + 2] = (four[2] >> 16 & 0xFF) | four[3] << 8;
+    } else {
+      row[word] = (four[0] & 0xFF) | (four[1] & 0xFF) << 8 | (four[2] & 0xFF) << 16 | four[3] << 24;
+    }
   }
   std::size_t at = 0;
   for (; at + kRow <= sizeof tile->bytes; at += kRow) std::memcpy(tile->bytes + at, row, kRow);
