@@ -15,7 +15,7 @@ uint32_t ScaledRasterDevice::Pixel(int32_t x, int32_t y, const PixelArguments& a
   uint8_t* pixel = band.At(xBand, yBand);
   if (a.drawMode == nullptr) return ReadPixel(pixel, band.bytesPerPixel);
   WritePixel(pixel, band.bytesPerPixel, a.colour, static_cast<uint16_t>(a.drawMode->Rop2));
-  if (IsGrayMode()) state_.rows->RegrayRow24(pixel, 1);
+  if (IsGrayMode()) state_.rows->image->RegrayRow24(pixel, 1);
   return 0;
 }
 

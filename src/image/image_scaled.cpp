@@ -33,7 +33,7 @@ class KeptRowCopier {
       for (int32_t i = 0; i < run.count; ++i) {
         std::memcpy(dst + 3 * i, pixels + std::ptrdiff_t{3} * (run.callerColumn + run.picks[i]), 3);
       }
-      if (regray_) kernels_.RegrayRow24(dst, static_cast<std::size_t>(run.count));
+      if (regray_) kernels_.image->RegrayRow24(dst, static_cast<std::size_t>(run.count));
       if (firstColumn < 0) firstColumn = run.bandColumn;
       endColumn = run.bandColumn + run.count;
     });
@@ -96,7 +96,7 @@ uint16_t ScaledRasterDevice::StretchDIBits(const ImageArguments& a) {
   const uint16_t result = BlitImage(
       transfer, bitmapWidth, 3, a,
       [&](uint8_t* pixels, std::size_t count) {
-        if (gray) state_.rows->RegrayRow24(pixels, count);
+        if (gray) state_.rows->image->RegrayRow24(pixels, count);
       },
       [this](const BltArguments& row) { return BitBlt(row), true; });
   SetGrayMode(described);

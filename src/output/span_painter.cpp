@@ -45,7 +45,7 @@ void SpanPainter::PaintPixels(std::size_t pixels, int32_t y, int32_t left) {
 }
 
 void SpanPainter::Regray(uint8_t* dst, std::size_t pixels, int32_t y, int32_t left) {
-  if (!hatched_) return rows_.RegrayRow24(dst, pixels);
+  if (!hatched_) return rows_.image->RegrayRow24(dst, pixels);
   // The gaps of a hatch are not written and keep their colour.
   static constexpr Tile kZeros{};
   constexpr std::size_t kMostPixels = 256;
@@ -54,7 +54,7 @@ void SpanPainter::Regray(uint8_t* dst, std::size_t pixels, int32_t y, int32_t le
     const std::size_t count = std::min(kMostPixels, pixels - done);
     uint8_t* part = dst + 3 * done;
     std::memcpy(gray, part, 3 * count);
-    rows_.RegrayRow24(gray, count);
+    rows_.image->RegrayRow24(gray, count);
     const TileMasks painted = painted_.At(painted_.RowOf(y), painted_.PhaseOf(left + static_cast<int32_t>(done)));
     rows_.RopSourceTileRow(part, gray, 3 * count, TileMasks{kZeros.bytes, painted.and2, painted.xor2, kZeros.bytes});
   }

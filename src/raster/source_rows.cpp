@@ -45,7 +45,8 @@ void SourceRows::FetchInto(const RowKernels& rows, int32_t row, int32_t column, 
     case SourceForm::kGray: std::memcpy(out, start + column, count); break;
     case SourceForm::kGrayTo24:
       start += column;
-      for (std::size_t i = 0; i < count; ++i) std::memset(out + 3 * i, start[picks != nullptr ? picks[i] : i], 3);
+      if (picks == nullptr) return rows.image->TripleRow24(out, start, count);
+      for (std::size_t i = 0; i < count; ++i) std::memset(out + 3 * i, start[picks[i]], 3);
       break;
   }
 }

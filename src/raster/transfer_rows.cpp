@@ -31,7 +31,7 @@ void TransferRows::PaintRows(const BandView& band, const RowRange& range, const 
       case Shape::kSource:
       case Shape::kSourcePattern: PaintSourceRun(dst, bandRow, sourceRow, run); break;
     }
-    if (regray_) rows_.RegrayRow24(dst, pixels);
+    if (regray_) rows_.image->RegrayRow24(dst, pixels);
   }
 }
 

@@ -155,6 +155,23 @@ TEST_P(PixelRowsTest, GrayOfEverySum) {
   }
 }
 
+TEST_P(PixelRowsTest, GraysInThreeBytes) {
+  for (std::size_t pixels = 0; pixels <= kMost; ++pixels) {
+    const Bytes colours = Random(3 * pixels), grays = Random(pixels);
+    Bytes regrayed, tripled;
+    for (std::size_t i = 0; i < pixels; ++i) {
+      const uint8_t* p = colours.data() + 3 * i;
+      regrayed.insert(regrayed.end(), 3, static_cast<uint8_t>((p[0] * 30 + p[1] * 59 + p[2] * 11) / 100));
+      tripled.insert(tripled.end(), 3, grays[i]);
+    }
+    Check(colours, regrayed, [&](uint8_t* d, const uint8_t* s) {
+      if (pixels != 0) std::memcpy(d, s, 3 * pixels);
+      rows().RegrayRow24(d, pixels);
+    });
+    Check(grays, tripled, [&](uint8_t* d, const uint8_t* s) { rows().TripleRow24(d, s, pixels); });
+  }
+}
+
 TEST_P(PixelRowsTest, Reverse) {
   for (std::size_t pixels = 0; pixels <= kMost; ++pixels) {
     const Bytes three = Random(3 * pixels), one = Random(pixels);

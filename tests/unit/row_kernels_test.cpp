@@ -264,20 +264,6 @@ TEST_P(RowKernelsTest, GlyphColumns) {
   }
 }
 
-TEST_P(RowKernelsTest, RegrayRow24) {
-  for (std::size_t pixels = 0; pixels <= kMost; ++pixels) {
-    const std::vector<uint8_t> old = Random(3 * pixels);
-    test::FencedBuffer memory(3 * pixels, 0);
-    if (pixels != 0) std::memcpy(memory.data(), old.data(), old.size());
-    rows().RegrayRow24(memory.data(), pixels);
-    for (std::size_t i = 0; i < old.size(); ++i) {
-      const uint8_t* p = old.data() + i / 3 * 3;
-      ASSERT_EQ(memory.data()[i], (p[0] * 30 + p[1] * 59 + p[2] * 11) / 100) << i;
-    }
-    ASSERT_TRUE(memory.FencesIntact());
-  }
-}
-
 INSTANTIATE_TEST_SUITE_P(Levels, RowKernelsTest, testing::ValuesIn(kLevels),
                          [](const auto& level) { return std::string(level.param.name); });
 

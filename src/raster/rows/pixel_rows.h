@@ -49,6 +49,11 @@ struct PixelRows {
   // Blue, green, red into gray: blue weighs 11.
   void (*GrayRow24)(uint8_t* dst, const uint8_t* source, std::size_t pixels);
 
+  // Replaces each pixel by its gray level; intended: the first byte, blue, weighs 30.
+  void (*RegrayRow24)(uint8_t* dst, std::size_t pixels);
+  // A gray level into all three bytes.
+  void (*TripleRow24)(uint8_t* dst, const uint8_t* source, std::size_t pixels);
+
   // Last pixel first.
   void (*ReverseRow24)(uint8_t* dst, const uint8_t* source, std::size_t pixels);
   void (*ReverseRow8)(uint8_t* dst, const uint8_t* source, std::size_t pixels);
@@ -76,6 +81,8 @@ void UnpackRow16(uint8_t* dst, const uint8_t* source, std::size_t pixels, const 
 void PackRow32(uint8_t* dst, const uint8_t* source, std::size_t pixels);
 void PackSwapRow32(uint8_t* dst, const uint8_t* source, std::size_t pixels);
 void GrayRow24(uint8_t* dst, const uint8_t* source, std::size_t pixels);
+void RegrayRow24(uint8_t* dst, std::size_t pixels);
+void TripleRow24(uint8_t* dst, const uint8_t* source, std::size_t pixels);
 void ReverseRow24(uint8_t* dst, const uint8_t* source, std::size_t pixels);
 void ReverseRow8(uint8_t* dst, const uint8_t* source, std::size_t pixels);
 void ShuffleRow(uint8_t* dst, const uint8_t* source, const ShuffleGroup* groups, std::size_t stride, std::size_t total);

@@ -181,11 +181,42 @@ __m256i GrayBlock(const uint8_t* source, Vector32 weights) {
   return _mm256_permutevar8x32_epi32(grays, _mm256_setr_epi32(0, 4, 1, 5, 2, 6, 3, 7));
 }
 
+// How much the bytes of a pixel weigh: of the band, and of a regrayed pixel.
+Vector32 GrayWeights() { return {_mm256_set1_epi32(11 | 59 << 8 | 30 << 16)}; }
+Vector32 RegrayWeights() { return {_mm256_set1_epi32(30 | 59 << 8 | 11 << 16)}; }
+
 void GrayRow24(uint8_t* dst, const uint8_t* source, std::size_t pixels) {
   if (pixels < kBlockPixels) return Narrow().GrayRow24(dst, source, pixels);
-  const Vector32 weights{_mm256_set1_epi32(11 | 59 << 8 | 30 << 16)};
+  const Vector32 weights = GrayWeights();
   CoverWithBlocks(pixels, PixelsToAlignment<1>(dst),
                   [=](std::size_t i) { Vector32{GrayBlock(source + 3 * i, weights)}.Store(dst + i); });
+}
+
+// Each of 32 bytes three times.
+void StoreTriples(uint8_t* dst, __m256i grays) {
+  const Vector32 first{_mm256_setr_epi8(0, 0, 0, 1, 1, 1, 2, 2, 2, 3, 3, 3, 4, 4, 4, 5,  //
+                                        5, 5, 6, 6, 6, 7, 7, 7, 8, 8, 8, 9, 9, 9, 10, 10)};
+  const Vector32 second{_mm256_setr_epi8(10, 11, 11, 11, 12, 12, 12, 13, 13, 13, 14, 14, 14, 15, 15, 15,  //
+                                         0, 0, 0, 1, 1, 1, 2, 2, 2, 3, 3, 3, 4, 4, 4, 5)};
+  const Vector32 third{_mm256_setr_epi8(5, 5, 6, 6, 6, 7, 7, 7, 8, 8, 8, 9, 9, 9, 10, 10,  //
+                                        10, 11, 11, 11, 12, 12, 12, 13, 13, 13, 14, 14, 14, 15, 15, 15)};
+  Shuffle(Vector32{_mm256_permute4x64_epi64(grays, 0x44)}, first).Store(dst);
+  Shuffle(Vector32{grays}, second).Store(dst + 32);
+  Shuffle(Vector32{_mm256_permute4x64_epi64(grays, 0xEE)}, third).Store(dst + 64);
+}
+
+// The gray level of a gray is itself, so that a block may be done twice.
+void RegrayRow24(uint8_t* dst, std::size_t pixels) {
+  if (pixels < kBlockPixels) return Narrow().RegrayRow24(dst, pixels);
+  const Vector32 weights = RegrayWeights();
+  CoverWithBlocks(pixels, PixelsToAlignment<3>(dst),
+                  [=](std::size_t i) { StoreTriples(dst + 3 * i, GrayBlock(dst + 3 * i, weights)); });
+}
+
+void TripleRow24(uint8_t* dst, const uint8_t* source, std::size_t pixels) {
+  if (pixels < kBlockPixels) return Narrow().TripleRow24(dst, source, pixels);
+  CoverWithBlocks(pixels, PixelsToAlignment<3>(dst),
+                  [=](std::size_t i) { StoreTriples(dst + 3 * i, Vector32::Load(source + i).v); });
 }
 
 void ShuffleRow(uint8_t* dst, const uint8_t* source, const ShuffleGroup* groups, std::size_t stride,
@@ -204,6 +235,8 @@ constinit const PixelRows kAvx2PixelRows = {
     .PackRow32 = PackRow32,
     .PackSwapRow32 = PackSwapRow32,
     .GrayRow24 = GrayRow24,
+    .RegrayRow24 = RegrayRow24,
+    .TripleRow24 = TripleRow24,
     .ReverseRow24 = ReverseRow24,
     .ReverseRow8 = ReverseRow8,
     .ShuffleRow = ShuffleRow,

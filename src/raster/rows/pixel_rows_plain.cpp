@@ -74,6 +74,16 @@ void GrayRow24(uint8_t* dst, const uint8_t* source, std::size_t pixels) {
   }
 }
 
+void RegrayRow24(uint8_t* dst, std::size_t pixels) {
+  for (std::size_t i = 0; i < pixels; ++i, dst += 3) {
+    dst[0] = dst[1] = dst[2] = static_cast<uint8_t>(WeightedGray(dst[0], dst[1], dst[2]));
+  }
+}
+
+void TripleRow24(uint8_t* dst, const uint8_t* source, std::size_t pixels) {
+  for (std::size_t i = 0; i < pixels; ++i, dst += 3) dst[0] = dst[1] = dst[2] = source[i];
+}
+
 void ReverseRow24(uint8_t* dst, const uint8_t* source, std::size_t pixels) { Reverse<3>(dst, source, pixels); }
 
 void ReverseRow8(uint8_t* dst, const uint8_t* source, std::size_t pixels) { Reverse<1>(dst, source, pixels); }
@@ -97,6 +107,8 @@ constinit const PixelRows kPlainPixelRows = {
     .PackRow32 = plain::PackRow32,
     .PackSwapRow32 = plain::PackSwapRow32,
     .GrayRow24 = plain::GrayRow24,
+    .RegrayRow24 = plain::RegrayRow24,
+    .TripleRow24 = plain::TripleRow24,
     .ReverseRow24 = plain::ReverseRow24,
     .ReverseRow8 = plain::ReverseRow8,
     .ShuffleRow = plain::ShuffleRow,

@@ -131,22 +131,44 @@ void UnpackRow16(uint8_t* dst, const uint8_t* source, std::size_t pixels, const 
   plain::UnpackRow16(dst, source, pixels, masks);
 }
 
-void GrayRow24(uint8_t* dst, const uint8_t* source, std::size_t pixels) {
+// How much the bytes of a pixel weigh: of the band, and of a regrayed pixel.
+__m128i GrayWeights() { return _mm_set1_epi32(11 | 59 << 8 | 30 << 16); }
+__m128i RegrayWeights() { return _mm_set1_epi32(30 | 59 << 8 | 11 << 16); }
+
+// The gray levels of sixteen pixels; reads four bytes of the next two.
+__m128i SixteenGrays(const uint8_t* source, __m128i weights) {
   const __m128i spread = _mm_setr_epi8(0, 1, 2, -1, 3, 4, 5, -1, 6, 7, 8, -1, 9, 10, 11, -1);
-  const __m128i weights = _mm_setr_epi8(11, 59, 30, 0, 11, 59, 30, 0, 11, 59, 30, 0, 11, 59, 30, 0);
   const auto sums = [=](const uint8_t* p) {  // of four pixels, in pairs of 16 bits
     return _mm_maddubs_epi16(_mm_shuffle_epi8(Load16(p), spread), weights);
   };
   const auto hundredth = [](__m128i v) {  // exact for sums up to 25500
     return _mm_srli_epi16(_mm_mulhi_epu16(v, _mm_set1_epi16(5243)), 3);
   };
-  // The last four bytes that a block loads belong to the next pixels.
-  for (; pixels >= 18; pixels -= 16, source += 48, dst += 16) {
-    const __m128i a = _mm_hadd_epi16(sums(source), sums(source + 12));
-    const __m128i b = _mm_hadd_epi16(sums(source + 24), sums(source + 36));
-    Store16(dst, _mm_packus_epi16(hundredth(a), hundredth(b)));
-  }
+  const __m128i a = _mm_hadd_epi16(sums(source), sums(source + 12));
+  const __m128i b = _mm_hadd_epi16(sums(source + 24), sums(source + 36));
+  return _mm_packus_epi16(hundredth(a), hundredth(b));
+}
+
+void GrayRow24(uint8_t* dst, const uint8_t* source, std::size_t pixels) {
+  for (; pixels >= 18; pixels -= 16, source += 48, dst += 16) Store16(dst, SixteenGrays(source, GrayWeights()));
   plain::GrayRow24(dst, source, pixels);
+}
+
+void StoreTriples(uint8_t* dst, __m128i sixteen) {
+  Store16(dst, _mm_shuffle_epi8(sixteen, _mm_setr_epi8(0, 0, 0, 1, 1, 1, 2, 2, 2, 3, 3, 3, 4, 4, 4, 5)));
+  Store16(dst + 16, _mm_shuffle_epi8(sixteen, _mm_setr_epi8(5, 5, 6, 6, 6, 7, 7, 7, 8, 8, 8, 9, 9, 9, 10, 10)));
+  Store16(dst + 32,
+          _mm_shuffle_epi8(sixteen, _mm_setr_epi8(10, 11, 11, 11, 12, 12, 12, 13, 13, 13, 14, 14, 14, 15, 15, 15)));
+}
+
+void RegrayRow24(uint8_t* dst, std::size_t pixels) {
+  for (; pixels >= 18; pixels -= 16, dst += 48) StoreTriples(dst, SixteenGrays(dst, RegrayWeights()));
+  plain::RegrayRow24(dst, pixels);
+}
+
+void TripleRow24(uint8_t* dst, const uint8_t* source, std::size_t pixels) {
+  for (; pixels >= 16; pixels -= 16, source += 16, dst += 48) StoreTriples(dst, Load16(source));
+  plain::TripleRow24(dst, source, pixels);
 }
 
 void ReverseRow24(uint8_t* dst, const uint8_t* source, std::size_t pixels) {
@@ -187,6 +209,8 @@ constinit const PixelRows kSsse3PixelRows = {
     .PackRow32 = PackRow32,
     .PackSwapRow32 = PackSwapRow32,
     .GrayRow24 = GrayRow24,
+    .RegrayRow24 = RegrayRow24,
+    .TripleRow24 = TripleRow24,
     .ReverseRow24 = ReverseRow24,
     .ReverseRow8 = ReverseRow8,
     .ShuffleRow = ShuffleRow,

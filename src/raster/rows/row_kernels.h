@@ -71,9 +71,6 @@ struct RowKernels {
   void (*PaintBitsRow24)(uint8_t* dst, const uint8_t* bits, std::size_t offset, std::size_t pixels, uint32_t set);
   void (*PaintBitsRow8)(uint8_t* dst, const uint8_t* bits, std::size_t offset, std::size_t pixels, uint32_t set);
 
-  // Replaces each pixel by its gray level; intended: the first byte, blue, weighs 30.
-  void (*RegrayRow24)(uint8_t* dst, std::size_t pixels);
-
   // Rows of images at the same level.
   const PixelRows* image;
 };

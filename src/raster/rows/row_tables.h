@@ -17,7 +17,6 @@ extern const RowKernels kAvx2RowKernels;
 namespace plain {
 
 void SwapRow24(uint8_t* dst, const uint8_t* source, std::size_t pixels);
-void RegrayRow24(uint8_t* dst, std::size_t pixels);
 
 }  // namespace plain
 

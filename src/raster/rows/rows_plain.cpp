@@ -1,6 +1,5 @@
 #include <algorithm>
 
-#include "color/color_forms.h"
 #include "raster/rows/row_tables.h"
 #include "raster/rows/store_pixel.h"
 #include "raster/tile.h"
@@ -90,12 +89,6 @@ void plain::SwapRow24(uint8_t* dst, const uint8_t* source, std::size_t pixels) {
   }
 }
 
-void plain::RegrayRow24(uint8_t* dst, std::size_t pixels) {
-  for (std::size_t i = 0; i < pixels; ++i, dst += 3) {
-    dst[0] = dst[1] = dst[2] = static_cast<uint8_t>(WeightedGray(dst[0], dst[1], dst[2]));
-  }
-}
-
 constinit const RowKernels kPlainRowKernels = {
     .FillTileRow = FillTileRow,
     .RopTileRow = RopTileRow,
@@ -112,7 +105,6 @@ constinit const RowKernels kPlainRowKernels = {
     .PaintGlyph8 = PaintGlyph<1>,
     .PaintBitsRow24 = PaintBitsRow<3>,
     .PaintBitsRow8 = PaintBitsRow<1>,
-    .RegrayRow24 = plain::RegrayRow24,
     .image = &kPlainPixelRows,
 };
 

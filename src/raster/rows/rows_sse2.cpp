@@ -22,7 +22,6 @@ constinit const RowKernels kSse2RowKernels = {
     .PaintGlyph8 = PaintGlyphOf<Eight8>,
     .PaintBitsRow24 = PaintBitsRowOf<Eight24>,
     .PaintBitsRow8 = PaintBitsRowOf<Eight8>,
-    .RegrayRow24 = plain::RegrayRow24,
     .image = &kPlainPixelRows,
 };
 

@@ -36,7 +36,6 @@ constinit const RowKernels kSsse3RowKernels = {
     .PaintGlyph8 = PaintGlyphOf<Eight8>,
     .PaintBitsRow24 = PaintBitsRowOf<Eight24>,
     .PaintBitsRow8 = PaintBitsRowOf<Eight8>,
-    .RegrayRow24 = plain::RegrayRow24,
     .image = &kSsse3PixelRows,
 };
 
