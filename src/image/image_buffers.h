@@ -11,6 +11,8 @@ struct ImageBuffers {
   WorkBuffer converted;
   WorkBuffer reversed;
   WorkBuffer row;
+  WorkBuffer keptRuns;
+  WorkBuffer keptColumns;
   WorkBuffer rleRows;
   WorkBuffer rleRow;
 };

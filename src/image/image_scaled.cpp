@@ -1,7 +1,9 @@
 #include <cstring>
 
 #include "device/scaled_raster_device.h"
+#include "image/kept_columns.h"
 #include "image/stretch_dibits.h"
+#include "raster/rows/store_pixel.h"
 
 namespace qnv {
 namespace {
@@ -9,37 +11,39 @@ namespace {
 // SRCCOPY: of the rows and columns that a converted row covers, those that the band keeps are written.
 class KeptRowCopier {
  public:
-  KeptRowCopier(const ImageTransfer& transfer, const BandView& band, const KeptMapping& mapping, const Rect& bandInPage,
+  // top: of the visible picture, caller's pixels from the band's top.
+  KeptRowCopier(const BandView& band, const KeptMapping& mapping, const KeptColumns& columns, int32_t top,
                 const RowKernels& kernels, bool regray)
       : band_(band),
         mapping_(mapping),
+        columns_(columns),
         kernels_(kernels),
         regray_(regray),
-        left_(transfer.LeftInBand()),
-        width_(transfer.Width()),
-        top_(WrapSubtract(transfer.Clipped().top, bandInPage.top)),
-        bandColumns_(WrapSubtract(band.rect.right, band.rect.left)),
+        top_(top),
         bandRows_(WrapSubtract(band.rect.bottom, band.rect.top)) {}
 
-  // pixels: the converted row, from the first visible column on.
+  // Whether anything of a source row is seen. Intended: when the first row that it covers is not kept the others are
+  // not looked at.
+  bool Keeps(const CoveredRows& rows) const {
+    return rows.count != 0 && !columns_.IsEmpty() && BandRow(rows.first) != nullptr;
+  }
+
+  // pixels: the converted row, from the first visible column on; a byte behind the last pixel is read.
+  // Requires: Keeps(rows).
   void Copy(const uint8_t* pixels, const CoveredRows& rows) const {
-    // Intended: when the first row is not kept the others are not looked at.
     uint8_t* first = BandRow(rows.first);
-    if (first == nullptr) return;
-    int32_t firstColumn = -1;
-    int32_t endColumn = -1;
-    mapping_.ForEachRun(left_, width_, bandColumns_, [&](const ColumnRun& run) {
+    for (const KeptColumns::Run& run : columns_) {
       uint8_t* dst = first + static_cast<std::size_t>(run.bandColumn) * 3;
-      for (int32_t i = 0; i < run.count; ++i) {
-        std::memcpy(dst + 3 * i, pixels + std::ptrdiff_t{3} * (run.callerColumn + run.picks[i]), 3);
-      }
-      if (regray_) kernels_.image->RegrayRow24(dst, static_cast<std::size_t>(run.count));
-      if (firstColumn < 0) firstColumn = run.bandColumn;
-      endColumn = run.bandColumn + run.count;
-    });
-    if (firstColumn < 0) return;
-    const std::size_t offset = static_cast<std::size_t>(firstColumn) * 3;
-    const std::size_t bytes = static_cast<std::size_t>(endColumn - firstColumn) * 3;
+      const std::size_t count = static_cast<std::size_t>(run.count);
+      StorePixels<3>(dst, count, [=](std::size_t i) {
+        uint32_t packed;
+        std::memcpy(&packed, pixels + std::ptrdiff_t{3} * run.columns[i], 4);
+        return packed;
+      });
+      if (regray_) kernels_.image->RegrayRow24(dst, count);
+    }
+    const std::size_t offset = static_cast<std::size_t>(columns_.First()) * 3;
+    const std::size_t bytes = static_cast<std::size_t>(columns_.End() - columns_.First()) * 3;
     for (int32_t i = 1; i < rows.count; ++i) {
       uint8_t* other = BandRow(rows.first + i);
       if (other != nullptr && other != first) std::memcpy(other + offset, first + offset, bytes);
@@ -56,9 +60,10 @@ class KeptRowCopier {
 
   const BandView& band_;
   const KeptMapping mapping_;
+  const KeptColumns& columns_;
   const RowKernels& kernels_;
   const bool regray_;
-  const int32_t left_, width_, top_, bandColumns_, bandRows_;
+  const int32_t top_, bandRows_;
 };
 
 }  // namespace
@@ -76,12 +81,18 @@ uint16_t ScaledRasterDevice::StretchDIBits(const ImageArguments& a) {
   const bool gray = IsGrayMode();
   switch (ImageModeOf(a.rop)) {
     case ImageMode::kCopy: {
-      uint8_t* buffer = transfer.TakeRowBuffer(transfer.Width());
-      if (buffer == nullptr) return 0;
-      const KeptRowCopier copier(transfer, band, Mapping(), bandInPage, *state_.rows, gray);
+      uint8_t* buffer = transfer.TakeRowBuffer(transfer.Width() + 1);
+      KeptColumns columns;
+      const int32_t bandColumns = WrapSubtract(band.rect.right, band.rect.left);
+      if (buffer == nullptr || !columns.Make(Mapping(), transfer.LeftInBand(), transfer.Width(), bandColumns,
+                                             state_.imageBuffers)) {
+        return 0;
+      }
+      const int32_t top = WrapSubtract(transfer.Clipped().top, bandInPage.top);
+      const KeptRowCopier copier(band, Mapping(), columns, top, *state_.rows, gray);
       CoveredRows rows;
       while (transfer.NextRow(&rows)) {
-        if (rows.count == 0) continue;
+        if (!copier.Keeps(rows)) continue;
         transfer.ConvertRow(buffer);
         copier.Copy(buffer, rows);
       }

@@ -2,7 +2,7 @@
 
 #include <cstring>
 
-#include "raster/pick_bits.h"
+#include "raster/rows/store_pixel.h"
 
 namespace qnv {
 
@@ -16,38 +16,39 @@ const uint8_t* SourceRows::Fetch(const RowKernels& rows, int32_t row, int32_t co
 
 void SourceRows::FetchInto(const RowKernels& rows, int32_t row, int32_t column, const uint16_t* picks,
                            std::size_t count, uint8_t* out) const {
+  if (picks != nullptr) return FetchPicked(rows, row, column, picks, count, out);
   const uint8_t* start = first + row * stride;
   switch (form) {
     case SourceForm::kOneBitTo24:
     case SourceForm::kOneBitTo8: {
-      std::size_t bit = firstBit + static_cast<std::size_t>(column);
-      uint8_t picked[kMostPixels / 8];
-      if (picks != nullptr) {
-        PickBits(picked, start, bit, picks, count);
-        start = picked;
-        bit = 0;
-      }
+      const std::size_t bit = firstBit + static_cast<std::size_t>(column);
       const auto expand = form == SourceForm::kOneBitTo24 ? rows.ExpandBitsRow24 : rows.ExpandBitsRow8;
       expand(out, start + bit / 8, bit % 8, count, set, clear);
       break;
     }
-    case SourceForm::kRedGreenBlue: {
-      start += std::ptrdiff_t{column} * 3;
-      Chunk picked;
-      if (picks != nullptr) {
-        for (std::size_t i = 0; i < count; ++i) std::memcpy(picked + 3 * i, start + std::size_t{3} * picks[i], 3);
-        start = picked;
-      }
-      rows.SwapRow24(out, start, count);
-      break;
-    }
+    case SourceForm::kRedGreenBlue: rows.SwapRow24(out, start + std::ptrdiff_t{column} * 3, count); break;
     case SourceForm::kBlueGreenRed: rows.CopyRow(out, start + std::ptrdiff_t{column} * 3, 3 * count); break;
     case SourceForm::kGray: std::memcpy(out, start + column, count); break;
-    case SourceForm::kGrayTo24:
-      start += column;
-      if (picks == nullptr) return rows.image->TripleRow24(out, start, count);
-      for (std::size_t i = 0; i < count; ++i) std::memset(out + 3 * i, start[picks[i]], 3);
-      break;
+    case SourceForm::kGrayTo24: rows.image->TripleRow24(out, start + column, count); break;
+  }
+}
+
+// All pixels between the first and the last one that are picked are converted, which is quicker than one by one.
+void SourceRows::FetchPicked(const RowKernels& rows, int32_t row, int32_t column, const uint16_t* picks,
+                             std::size_t count, uint8_t* out) const {
+  uint8_t converted[kMostPixels * 3 + 1];  // gathering reads a byte behind the last pixel
+  for (std::size_t done = 0; done < count;) {
+    const uint16_t begin = picks[done];
+    std::size_t end = count;
+    while (picks[end - 1] - begin >= static_cast<int32_t>(kMostPixels)) end = done + (end - done) / 2;
+    const std::size_t between = picks[end - 1] - begin + std::size_t{1};
+    FetchInto(rows, row, column + begin, nullptr, between, converted);
+    StorePixels<3>(out + 3 * done, end - done, [&](std::size_t i) {
+      uint32_t packed;
+      std::memcpy(&packed, converted + std::size_t{3} * static_cast<std::size_t>(picks[done + i] - begin), 4);
+      return packed;
+    });
+    done = end;
   }
 }
 

@@ -46,6 +46,11 @@ struct SourceRows {
   // Fetch into memory that the caller names, any count without picks.
   void FetchInto(const RowKernels& rows, int32_t row, int32_t column, const uint16_t* picks, std::size_t count,
                  uint8_t* out) const;
+
+ private:
+  // Requires: a form that becomes three bytes a pixel; ascending picks.
+  void FetchPicked(const RowKernels& rows, int32_t row, int32_t column, const uint16_t* picks, std::size_t count,
+                   uint8_t* out) const;
 };
 
 }  // namespace qnv

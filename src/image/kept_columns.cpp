@@ -1,0 +1,21 @@
+#include "image/kept_columns.h"
+
+namespace qnv {
+
+bool KeptColumns::Make(const KeptMapping& mapping, int32_t left, int32_t width, int32_t bandColumns,
+                       ImageBuffers& buffers) {
+  // A band column is kept from one column of the picture at most, and so are the runs.
+  const std::size_t most = static_cast<std::size_t>(width);
+  auto* const columns = buffers.keptColumns.Take<int32_t>(most);
+  auto* const runs = buffers.keptRuns.Take<Run>(most);
+  if (columns == nullptr || runs == nullptr) return false;
+  std::size_t used = 0;
+  mapping.ForEachRun(left, width, bandColumns, [&](const ColumnRun& run) {
+    runs[runCount_++] = Run{run.bandColumn, run.count, columns + used};
+    for (int32_t i = 0; i < run.count; ++i) columns[used++] = run.callerColumn + run.picks[i];
+  });
+  runs_ = runs;
+  return true;
+}
+
+}  // namespace qnv
