@@ -33,12 +33,11 @@ void TagFromPixels(RasterDevice8& tagDevice, uint8_t tag, const BltArguments& a,
   }
   const auto* bits = static_cast<const uint8_t*>(a.source->bmBits);
   for (int32_t row = area.top; row < area.bottom; ++row) {
-    const uint8_t* pixel =
+    const uint8_t* const pixel =
         bits + std::ptrdiff_t{row - source.top} * a.source->bmWidthBytes + std::ptrdiff_t{area.left - source.left} * 3;
-    uint8_t* dst = band.At(area.left, row);
-    for (int32_t column = area.left; column < area.right; ++column, pixel += 3, ++dst) {
-      if (static_cast<uint32_t>(pixel[0] | pixel[1] << 8 | pixel[2] << 16) != skip) *dst = tag;
-    }
+    // What does not paint is black or white: its three bytes are the same.
+    state.rows->image->MarkRow24(band.At(area.left, row), pixel, static_cast<std::size_t>(area.right - area.left),
+                                 static_cast<uint8_t>(skip), tag);
   }
 }
 
@@ -94,9 +93,12 @@ void FillTagRect(RasterDevice8& tagDevice, uint8_t value, int32_t x, int32_t y, 
   }
   const BandView band = tagDevice.Band();
   if (!RectIntersect(area, area, band.rect)) return;
-  for (int32_t row = area.top; row < area.bottom; ++row) {
-    std::memset(band.At(area.left, row), value, static_cast<std::size_t>(area.right - area.left));
+  std::size_t pixels = static_cast<std::size_t>(area.right - area.left);
+  if (band.IsWholeRow(area.right - area.left)) {
+    pixels *= static_cast<std::size_t>(area.bottom - area.top);
+    area.bottom = area.top + 1;
   }
+  for (int32_t row = area.top; row < area.bottom; ++row) std::memset(band.At(area.left, row), value, pixels);
 }
 
 bool TagFromSource(RasterDevice8& tagDevice, uint8_t tag, const BltArguments& a, uint32_t skip) {

@@ -172,6 +172,28 @@ TEST_P(PixelRowsTest, GraysInThreeBytes) {
   }
 }
 
+TEST_P(PixelRowsTest, MarkRow24) {
+  for (const uint8_t skip : {uint8_t{0}, uint8_t{0xFF}}) {
+    for (std::size_t pixels = 0; pixels <= kMost; ++pixels) {
+      Bytes source = Random(3 * pixels);
+      // Skipped pixels among some that differ in one byte.
+      for (std::size_t i = 0; i < source.size(); ++i) {
+        if (random_() % 8 != 0) source[i] = skip;
+      }
+      const Bytes old = Random(pixels);
+      Bytes expected = old;
+      for (std::size_t i = 0; i < pixels; ++i) {
+        const uint8_t* p = source.data() + 3 * i;
+        if (p[0] != skip || p[1] != skip || p[2] != skip) expected[i] = 7;
+      }
+      Check(source, expected, [&](uint8_t* d, const uint8_t* s) {
+        if (pixels != 0) std::memcpy(d, old.data(), pixels);
+        rows().MarkRow24(d, s, pixels, skip, 7);
+      });
+    }
+  }
+}
+
 TEST_P(PixelRowsTest, Reverse) {
   for (std::size_t pixels = 0; pixels <= kMost; ++pixels) {
     const Bytes three = Random(3 * pixels), one = Random(pixels);

@@ -54,6 +54,9 @@ struct PixelRows {
   // A gray level into all three bytes.
   void (*TripleRow24)(uint8_t* dst, const uint8_t* source, std::size_t pixels);
 
+  // Writes `mark` for every pixel of three bytes that are not all `skip`.
+  void (*MarkRow24)(uint8_t* marks, const uint8_t* source, std::size_t pixels, uint8_t skip, uint8_t mark);
+
   // Last pixel first.
   void (*ReverseRow24)(uint8_t* dst, const uint8_t* source, std::size_t pixels);
   void (*ReverseRow8)(uint8_t* dst, const uint8_t* source, std::size_t pixels);
@@ -83,6 +86,7 @@ void PackSwapRow32(uint8_t* dst, const uint8_t* source, std::size_t pixels);
 void GrayRow24(uint8_t* dst, const uint8_t* source, std::size_t pixels);
 void RegrayRow24(uint8_t* dst, std::size_t pixels);
 void TripleRow24(uint8_t* dst, const uint8_t* source, std::size_t pixels);
+void MarkRow24(uint8_t* marks, const uint8_t* source, std::size_t pixels, uint8_t skip, uint8_t mark);
 void ReverseRow24(uint8_t* dst, const uint8_t* source, std::size_t pixels);
 void ReverseRow8(uint8_t* dst, const uint8_t* source, std::size_t pixels);
 void ShuffleRow(uint8_t* dst, const uint8_t* source, const ShuffleGroup* groups, std::size_t stride, std::size_t total);

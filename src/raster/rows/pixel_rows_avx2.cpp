@@ -219,6 +219,10 @@ void TripleRow24(uint8_t* dst, const uint8_t* source, std::size_t pixels) {
                   [=](std::size_t i) { StoreTriples(dst + 3 * i, Vector32::Load(source + i).v); });
 }
 
+void MarkRow24(uint8_t* marks, const uint8_t* source, std::size_t pixels, uint8_t skip, uint8_t mark) {
+  Narrow().MarkRow24(marks, source, pixels, skip, mark);
+}
+
 void ShuffleRow(uint8_t* dst, const uint8_t* source, const ShuffleGroup* groups, std::size_t stride,
                 std::size_t total) {
   Narrow().ShuffleRow(dst, source, groups, stride, total);
@@ -237,6 +241,7 @@ constinit const PixelRows kAvx2PixelRows = {
     .GrayRow24 = GrayRow24,
     .RegrayRow24 = RegrayRow24,
     .TripleRow24 = TripleRow24,
+    .MarkRow24 = MarkRow24,
     .ReverseRow24 = ReverseRow24,
     .ReverseRow8 = ReverseRow8,
     .ShuffleRow = ShuffleRow,

@@ -84,6 +84,12 @@ void TripleRow24(uint8_t* dst, const uint8_t* source, std::size_t pixels) {
   for (std::size_t i = 0; i < pixels; ++i, dst += 3) dst[0] = dst[1] = dst[2] = source[i];
 }
 
+void MarkRow24(uint8_t* marks, const uint8_t* source, std::size_t pixels, uint8_t skip, uint8_t mark) {
+  for (std::size_t i = 0; i < pixels; ++i, source += 3) {
+    if (source[0] != skip || source[1] != skip || source[2] != skip) marks[i] = mark;
+  }
+}
+
 void ReverseRow24(uint8_t* dst, const uint8_t* source, std::size_t pixels) { Reverse<3>(dst, source, pixels); }
 
 void ReverseRow8(uint8_t* dst, const uint8_t* source, std::size_t pixels) { Reverse<1>(dst, source, pixels); }
@@ -109,6 +115,7 @@ constinit const PixelRows kPlainPixelRows = {
     .GrayRow24 = plain::GrayRow24,
     .RegrayRow24 = plain::RegrayRow24,
     .TripleRow24 = plain::TripleRow24,
+    .MarkRow24 = plain::MarkRow24,
     .ReverseRow24 = plain::ReverseRow24,
     .ReverseRow8 = plain::ReverseRow8,
     .ShuffleRow = plain::ShuffleRow,

@@ -171,6 +171,26 @@ void TripleRow24(uint8_t* dst, const uint8_t* source, std::size_t pixels) {
   plain::TripleRow24(dst, source, pixels);
 }
 
+// Sixteen pixels a turn: where three bytes from an address on are all `skip`, the pixel that begins there is skipped.
+// Of 48 addresses every third begins a pixel; two bytes of the next pixel are read.
+void MarkRow24(uint8_t* marks, const uint8_t* source, std::size_t pixels, uint8_t skip, uint8_t mark) {
+  const __m128i skips = _mm_set1_epi8(static_cast<char>(skip)), marked = _mm_set1_epi8(static_cast<char>(mark));
+  const auto skipped = [=](const uint8_t* p) {
+    const auto equal = [=](const uint8_t* q) { return _mm_cmpeq_epi8(Load16(q), skips); };
+    return _mm_and_si128(_mm_and_si128(equal(p), equal(p + 1)), equal(p + 2));
+  };
+  const __m128i first = _mm_setr_epi8(0, 3, 6, 9, 12, 15, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1);
+  const __m128i second = _mm_setr_epi8(-1, -1, -1, -1, -1, -1, 2, 5, 8, 11, 14, -1, -1, -1, -1, -1);
+  const __m128i third = _mm_setr_epi8(-1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, 1, 4, 7, 10, 13);
+  for (; pixels >= 17; pixels -= 16, source += 48, marks += 16) {
+    const __m128i keep = _mm_or_si128(_mm_or_si128(_mm_shuffle_epi8(skipped(source), first),
+                                                   _mm_shuffle_epi8(skipped(source + 16), second)),
+                                      _mm_shuffle_epi8(skipped(source + 32), third));
+    Store16(marks, _mm_or_si128(_mm_and_si128(keep, Load16(marks)), _mm_andnot_si128(keep, marked)));
+  }
+  plain::MarkRow24(marks, source, pixels, skip, mark);
+}
+
 void ReverseRow24(uint8_t* dst, const uint8_t* source, std::size_t pixels) {
   const __m128i reverse = _mm_setr_epi8(12, 13, 14, 9, 10, 11, 6, 7, 8, 3, 4, 5, 0, 1, 2, -1);
   // Five pixels a turn; the sixteenth byte stored is overwritten by the next pixels.
@@ -211,6 +231,7 @@ constinit const PixelRows kSsse3PixelRows = {
     .GrayRow24 = GrayRow24,
     .RegrayRow24 = RegrayRow24,
     .TripleRow24 = TripleRow24,
+    .MarkRow24 = MarkRow24,
     .ReverseRow24 = ReverseRow24,
     .ReverseRow8 = ReverseRow8,
     .ShuffleRow = ShuffleRow,
