@@ -28,7 +28,7 @@ void SourceRows::FetchInto(const RowKernels& rows, int32_t row, int32_t column, 
     }
     case SourceForm::kRedGreenBlue: rows.SwapRow24(out, start + std::ptrdiff_t{column} * 3, count); break;
     case SourceForm::kBlueGreenRed: rows.CopyRow(out, start + std::ptrdiff_t{column} * 3, 3 * count); break;
-    case SourceForm::kGray: std::memcpy(out, start + column, count); break;
+    case SourceForm::kGray: rows.CopyRow(out, start + column, count); break;
     case SourceForm::kGrayTo24: rows.image->TripleRow24(out, start + column, count); break;
   }
 }

@@ -9,6 +9,13 @@
 namespace qnv {
 namespace {
 
+// Beyond a few pages the processor's own copy loop is the fastest: it need not read the lines that it overwrites.
+void CopyRow(uint8_t* dst, const uint8_t* source, std::size_t bytes) {
+  constexpr std::size_t kLong = 16384;
+  if (bytes < kLong) return CopyRowOf<Vector32, Vector16>(dst, source, bytes);
+  __asm__ volatile("rep movsb" : "+D"(dst), "+S"(source), "+c"(bytes) : : "memory");
+}
+
 // What does not fill a block is left to the level below.
 
 void SwapRow24(uint8_t* dst, const uint8_t* source, std::size_t pixels) {
@@ -36,7 +43,7 @@ constinit const RowKernels kAvx2RowKernels = {
     .RopTileRow = RopTileRowOf<Vector32, Vector16>,
     .RopSourceRow = RopSourceRowOf<Vector32, Vector16>,
     .RopSourceTileRow = RopSourceTileRowOf<Vector32, Vector16>,
-    .CopyRow = CopyRowOf<Vector32, Vector16>,
+    .CopyRow = CopyRow,
     .MinimumRow = MinimumRowOf<Vector32>,
     .SwapRow24 = SwapRow24,
     .ExpandBitsRow24 = ExpandBitsRow24,
