@@ -73,8 +73,7 @@ uint16_t ScaledRasterDevice::StretchDIBits(const ImageArguments& a) {
   const Rect bandInPage = Mapping().CallerRect(state_.bandRect);
   ImageTransfer transfer(state_.imageBuffers);
   // Transfers of this device take red, green and blue.
-  const PixelTarget target =
-      ImageModeOf(a.rop) == ImageMode::kBitBlt ? PixelTarget::kSource24 : PixelTarget::kBand24;
+  const PixelTarget target = ImageModeOf(a.rop) == ImageMode::kBitBlt ? PixelTarget::kSource24 : PixelTarget::kBand24;
   if (!transfer.Prepare(state_, bandInPage, target, a)) return 0;
   const OriginAtZero origin(state_);
   const uint16_t described = state_.description.bitsPerPixel;
@@ -84,8 +83,8 @@ uint16_t ScaledRasterDevice::StretchDIBits(const ImageArguments& a) {
       uint8_t* buffer = transfer.TakeRowBuffer(transfer.Width() + 1);
       KeptColumns columns;
       const int32_t bandColumns = WrapSubtract(band.rect.right, band.rect.left);
-      if (buffer == nullptr || !columns.Make(Mapping(), transfer.LeftInBand(), transfer.Width(), bandColumns,
-                                             state_.imageBuffers)) {
+      if (buffer == nullptr ||
+          !columns.Make(Mapping(), transfer.LeftInBand(), transfer.Width(), bandColumns, state_.imageBuffers)) {
         return 0;
       }
       const int32_t top = WrapSubtract(transfer.Clipped().top, bandInPage.top);

@@ -127,8 +127,7 @@ class Reader {
     }
     const bool os2 = header_.size == 64;
     switch (header_.compression) {
-      case BI_RGB:
-        break;
+      case BI_RGB: break;
       case BI_RLE8:
       case BI_RLE4:
         if (bits != (header_.compression == BI_RLE8 ? 8u : 4u)) {
@@ -142,8 +141,7 @@ class Reader {
         if (os2) Fail("biCompression: {} in an OS/2 header is not supported", header_.compression);
         if (bits != 16 && bits != 32) Fail("biCompression: bit fields do not go with {} bits a pixel", bits);
         break;
-      default:
-        Fail("biCompression: {} is not supported (0 to 3 and 6 are)", header_.compression);
+      default: Fail("biCompression: {} is not supported (0 to 3 and 6 are)", header_.compression);
     }
   }
 

@@ -116,16 +116,11 @@ bool CanEncode(const SpanRegion& region, uint16_t style) {
 std::vector<SpanList> EncodeSpans(const SpanRegion& region, uint16_t style) {
   if (region.empty()) return {};
   switch (style) {
-    case OS_SCANLINES:
-      return Scanlines(region);
-    case OS_BANDED_SPANS:
-      return {BandedSpans(region)};
-    case OS_ROW_RECORDS:
-      return {RowRecords(region)};
-    case OS_ROW_SPANS:
-      return {RowSpans(region)};
-    default:
-      return {Deltas(region, style)};
+    case OS_SCANLINES: return Scanlines(region);
+    case OS_BANDED_SPANS: return {BandedSpans(region)};
+    case OS_ROW_RECORDS: return {RowRecords(region)};
+    case OS_ROW_SPANS: return {RowSpans(region)};
+    default: return {Deltas(region, style)};
   }
 }
 

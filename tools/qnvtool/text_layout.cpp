@@ -25,18 +25,10 @@ class TextSetter {
         Space(ParagraphGap());
         Paragraph(block.text, bodyFont_, 0, true);
         break;
-      case Kind::kListItem:
-        ListItem(block);
-        break;
-      case Kind::kHeading:
-        Heading(block);
-        break;
-      case Kind::kVerbatim:
-        Verbatim(block);
-        break;
-      case Kind::kPageBreak:
-        StartPage();
-        break;
+      case Kind::kListItem: ListItem(block); break;
+      case Kind::kHeading: Heading(block); break;
+      case Kind::kVerbatim: Verbatim(block); break;
+      case Kind::kPageBreak: StartPage(); break;
     }
     lastKind_ = block.kind;
   }

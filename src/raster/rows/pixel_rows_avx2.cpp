@@ -23,9 +23,8 @@ void PackSwapRow32(uint8_t* dst, const uint8_t* source, std::size_t pixels) {
 
 void ReverseRow24(uint8_t* dst, const uint8_t* source, std::size_t pixels) {
   if (pixels < kFewestRearranged) return Narrow().ReverseRow24(dst, source, pixels);
-  RearrangeRow<ReverseMap>(dst, source, pixels, [=](std::size_t i) {
-    plain::ReverseRow24(dst + 3 * i, source + 3 * (pixels - 1 - i), 1);
-  });
+  RearrangeRow<ReverseMap>(dst, source, pixels,
+                           [=](std::size_t i) { plain::ReverseRow24(dst + 3 * i, source + 3 * (pixels - 1 - i), 1); });
 }
 
 void ReverseRow8(uint8_t* dst, const uint8_t* source, std::size_t pixels) {

@@ -183,9 +183,9 @@ void MarkRow24(uint8_t* marks, const uint8_t* source, std::size_t pixels, uint8_
   const __m128i second = _mm_setr_epi8(-1, -1, -1, -1, -1, -1, 2, 5, 8, 11, 14, -1, -1, -1, -1, -1);
   const __m128i third = _mm_setr_epi8(-1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, 1, 4, 7, 10, 13);
   for (; pixels >= 17; pixels -= 16, source += 48, marks += 16) {
-    const __m128i keep = _mm_or_si128(_mm_or_si128(_mm_shuffle_epi8(skipped(source), first),
-                                                   _mm_shuffle_epi8(skipped(source + 16), second)),
-                                      _mm_shuffle_epi8(skipped(source + 32), third));
+    const __m128i keep = _mm_or_si128(
+        _mm_or_si128(_mm_shuffle_epi8(skipped(source), first), _mm_shuffle_epi8(skipped(source + 16), second)),
+        _mm_shuffle_epi8(skipped(source + 32), third));
     Store16(marks, _mm_or_si128(_mm_and_si128(keep, Load16(marks)), _mm_andnot_si128(keep, marked)));
   }
   plain::MarkRow24(marks, source, pixels, skip, mark);

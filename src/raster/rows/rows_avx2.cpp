@@ -20,8 +20,7 @@ void CopyRow(uint8_t* dst, const uint8_t* source, std::size_t bytes) {
 
 void SwapRow24(uint8_t* dst, const uint8_t* source, std::size_t pixels) {
   if (pixels < kFewestRearranged) return kSsse3RowKernels.SwapRow24(dst, source, pixels);
-  RearrangeRow<SwapMap>(dst, source, pixels,
-                        [=](std::size_t i) { plain::SwapRow24(dst + 3 * i, source + 3 * i, 1); });
+  RearrangeRow<SwapMap>(dst, source, pixels, [=](std::size_t i) { plain::SwapRow24(dst + 3 * i, source + 3 * i, 1); });
 }
 
 void ExpandBitsRow24(uint8_t* dst, const uint8_t* bits, std::size_t offset, std::size_t pixels, uint32_t set,
