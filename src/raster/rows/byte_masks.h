@@ -6,8 +6,9 @@
 
 namespace qnv {
 
+// One entry more than bytes: wide loads reach behind the last mask.
 template <std::size_t kBytesPerPixel>
-using PixelMaskTable = std::array<std::array<uint8_t, 8 * kBytesPerPixel>, 256>;
+using PixelMaskTable = std::array<std::array<uint8_t, 8 * kBytesPerPixel>, 257>;
 
 template <std::size_t kBytesPerPixel>
 constexpr PixelMaskTable<kBytesPerPixel> MakePixelMasks() {

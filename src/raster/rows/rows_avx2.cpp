@@ -9,6 +9,25 @@
 namespace qnv {
 namespace {
 
+// Eight pixels of a glyph in one register.
+struct Eight24Wide {
+  static constexpr std::size_t kBytes = 24;
+  static constexpr std::size_t kBytesPerPixel = 3;
+  __m256i v;
+
+  static Eight24Wide Load(const uint8_t* p) {
+    const __m128i tail = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(p + 16));
+    return {_mm256_inserti128_si256(_mm256_castsi128_si256(Vector16::Load(p).v), tail, 1)};
+  }
+  static Eight24Wide Mask(uint8_t bits) { return {Vector32::Load(kPixelMasks24[bits].data()).v}; }
+  void Store(uint8_t* p) const {
+    Vector16{_mm256_castsi256_si128(v)}.Store(p);
+    Vector8{_mm256_extracti128_si256(v, 1)}.Store(p + 16);
+  }
+  friend Eight24Wide operator&(Eight24Wide a, Eight24Wide b) { return {_mm256_and_si256(a.v, b.v)}; }
+  friend Eight24Wide operator^(Eight24Wide a, Eight24Wide b) { return {_mm256_xor_si256(a.v, b.v)}; }
+};
+
 // Beyond a few pages the processor's own copy loop is the fastest: it need not read the lines that it overwrites.
 void CopyRow(uint8_t* dst, const uint8_t* source, std::size_t bytes) {
   constexpr std::size_t kLong = 16384;
@@ -49,7 +68,7 @@ constinit const RowKernels kAvx2RowKernels = {
     .ExpandBitsRow8 = ExpandBitsRow8,
     .ExpandGlyph24 = ExpandGlyphOf<Eight24>,
     .ExpandGlyph8 = ExpandGlyphOf<Eight8>,
-    .PaintGlyph24 = PaintGlyphOf<Eight24>,
+    .PaintGlyph24 = PaintGlyphOf<Eight24Wide>,
     .PaintGlyph8 = PaintGlyphOf<Eight8>,
     .PaintBitsRow24 = PaintBitsRowOf<Eight24>,
     .PaintBitsRow8 = PaintBitsRowOf<Eight8>,
