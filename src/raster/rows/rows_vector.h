@@ -34,6 +34,14 @@ struct WordVector {
   void Store(uint8_t* p) const { std::memcpy(p, &v, sizeof(Word)); }
   friend WordVector operator&(WordVector a, WordVector b) { return {static_cast<Word>(a.v & b.v)}; }
   friend WordVector operator^(WordVector a, WordVector b) { return {static_cast<Word>(a.v ^ b.v)}; }
+  friend WordVector Min(WordVector a, WordVector b) {
+    WordVector r{};
+    for (std::size_t i = 0; i < 8 * sizeof(Word); i += 8) {
+      const Word x = a.v >> i & 0xFF, y = b.v >> i & 0xFF;
+      r.v = static_cast<Word>(r.v | (x < y ? x : y) << i);
+    }
+    return r;
+  }
 };
 
 // What is computed at a byte offset of the row, from the band's vector there and the offset.
@@ -292,13 +300,18 @@ void RopSourceTileRowOf(uint8_t* dst, const uint8_t* source, std::size_t bytes, 
 
 // ---- D' = min(D, S)
 
-template <class Vector>
-void MinimumRowOf(uint8_t* dst, const uint8_t* source, std::size_t bytes) {
-  std::size_t i = 0;
-  for (; i + Vector::kBytes <= bytes; i += Vector::kBytes) {
-    Min(Vector::Load(dst + i), Vector::Load(source + i)).Store(dst + i);
+struct MinimumOperation {
+  const uint8_t* source;
+
+  template <class Vector>
+  Vector At(Vector band, std::size_t offset) const {
+    return Min(band, Vector::Load(source + offset));
   }
-  for (; i < bytes; ++i) dst[i] = dst[i] < source[i] ? dst[i] : source[i];
+};
+
+template <class Vector, class Smaller>
+void MinimumRowOf(uint8_t* dst, const uint8_t* source, std::size_t bytes) {
+  WalkRow<Vector, Smaller>(dst, bytes, MinimumOperation{source});
 }
 
 // ---- D' = S

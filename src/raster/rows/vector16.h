@@ -30,6 +30,7 @@ struct Vector8 {
   void Store(uint8_t* p) const { _mm_storel_epi64(reinterpret_cast<__m128i*>(p), v); }
   friend Vector8 operator&(Vector8 a, Vector8 b) { return {_mm_and_si128(a.v, b.v)}; }
   friend Vector8 operator^(Vector8 a, Vector8 b) { return {_mm_xor_si128(a.v, b.v)}; }
+  friend Vector8 Min(Vector8 a, Vector8 b) { return {_mm_min_epu8(a.v, b.v)}; }
 };
 
 }  // namespace
