@@ -3,9 +3,6 @@
 #include <algorithm>
 #include <cstdlib>
 
-#include "raster/mul_div.h"
-#include "raster/wrap.h"
-
 namespace qnv {
 namespace {
 
@@ -17,6 +14,14 @@ uint32_t RoundDiv(uint32_t n, uint32_t d) { return n / d + (n % d > d / 2 ? 1 : 
 CoordinateMap::~CoordinateMap() {
   std::free(bandIndex_);
   std::free(columnMap_);
+}
+
+void CoordinateMap::SetResolutions(uint16_t a, uint16_t b) {
+  a_ = a;
+  b_ = b;
+  toBand_ = Ratio(b, a);
+  toPage_ = Ratio(a, b);
+  byA_ = Divider(std::max<uint16_t>(a, 1));
 }
 
 bool CoordinateMap::Build() {
@@ -33,7 +38,7 @@ bool CoordinateMap::Build() {
   uint32_t carried = 0;
   for (uint32_t i = 0; i < a_; ++i) {
     if (columnMap_[i] == -1) {
-      columnMap_[i] = static_cast<int32_t>(carried | 0x80000000u);
+      columnMap_[i] = static_cast<int32_t>(carried | kDropped);
     } else {
       carried = static_cast<uint32_t>(columnMap_[i]);
     }
@@ -41,26 +46,31 @@ bool CoordinateMap::Build() {
   return true;
 }
 
-int32_t CoordinateMap::MapToBand(int32_t v) const { return MulDiv(v, b_, a_); }
-
-int32_t CoordinateMap::MapToPage(int32_t v) const { return MulDiv(v, a_, b_); }
-
 int32_t CoordinateMap::MapKept(int32_t v) const {
-  if (v < 0 || columnMap_[v % a_] < 0) return -1;
+  if (v < 0 || columnMap_[PlaceOf(v).index] < 0) return -1;
   return MapToBand(v);
 }
 
-bool CoordinateMap::TableColumn(int32_t v, int32_t* column) const {
-  int32_t inch = v / a_;
-  int32_t index = v % a_;
-  if (index < 0) {
-    index += a_;
+CoordinateMap::TableColumns::TableColumns(const CoordinateMap& map, int32_t first) : map_(map) {
+  int32_t inch = first / map.a_;
+  index_ = first % map.a_;
+  if (index_ < 0) {
+    index_ += map.a_;
     --inch;
   }
-  const int32_t entry = columnMap_[index];
-  if (entry < 0) return false;
-  *column = WrapAdd(WrapMultiply(inch, b_), entry);
-  return true;
+  inchColumn_ = WrapMultiply(inch, map.b_);
+}
+
+int32_t CoordinateMap::PageOf(int32_t band) const {
+  const int32_t inch = band / b_;
+  return WrapAdd(inch * a_, static_cast<int32_t>(bandIndex_[band - inch * b_]));
+}
+
+int32_t CoordinateMap::FirstBandFrom(int32_t v) const {
+  const InchPlace place = PlaceOf(v);
+  const int32_t entry = columnMap_[place.index];
+  const int32_t kept = entry >= 0 ? entry : static_cast<int32_t>(static_cast<uint32_t>(entry) & ~kDropped) + 1;
+  return place.inch * b_ + kept;
 }
 
 }  // namespace qnv

@@ -43,6 +43,8 @@ struct PlainMapping {
 // The resolution-mapping device: caller pixels are thinned or spread.
 struct KeptMapping {
   static constexpr bool kOneToOne = false;
+  // As many as one fetch of a source takes.
+  static constexpr int32_t kMostPicks = 2048;
 
   const CoordinateMap* map;
 
@@ -59,6 +61,7 @@ struct KeptMapping {
 
   template <class Paint>
   void ForEachRun(int32_t first, int32_t count, int32_t bandColumns, Paint paint) const {
+    if (map->Thins()) return ForEachThinnedRun(first, count, bandColumns, paint);
     ForEachMappedRun(
         count, bandColumns, [&](int32_t i) { return map->MapKept(first + i); }, paint);
   }
@@ -67,7 +70,6 @@ struct KeptMapping {
   // into runs of neighbours. Dropped columns have a negative band column.
   template <class BandColumnOf, class Paint>
   static void ForEachMappedRun(int32_t count, int32_t bandColumns, BandColumnOf bandColumnOf, Paint paint) {
-    constexpr int32_t kMostPicks = 256;
     uint16_t picks[kMostPicks];
     ColumnRun run{0, 0, 0, picks};
     for (int32_t i = 0; i < count; ++i) {
@@ -84,6 +86,28 @@ struct KeptMapping {
       picks[run.count++] = static_cast<uint16_t>(i - run.callerColumn);
     }
     if (run.count != 0) paint(static_cast<const ColumnRun&>(run));
+  }
+
+ private:
+  // Band columns side by side, each of which has a caller column: those are walked instead.
+  template <class Paint>
+  void ForEachThinnedRun(int32_t first, int32_t count, int32_t bandColumns, Paint paint) const {
+    const int32_t end = first + count;
+    if (end <= 0) return;
+    int32_t column = map->FirstBandFrom(MaxOf(first, 0));
+    const int32_t endColumn = MinOf(map->FirstBandFrom(end), bandColumns);
+    uint16_t picks[kMostPicks];
+    while (column < endColumn) {
+      const int32_t start = map->PageOf(column);
+      ColumnRun run{column, start - first, 0, picks};
+      map->ForEachPage(column, endColumn, [&](int32_t page) {
+        if (run.count == kMostPicks || page - start > UINT16_MAX) return false;
+        picks[run.count++] = static_cast<uint16_t>(page - start);
+        return true;
+      });
+      paint(static_cast<const ColumnRun&>(run));
+      column += run.count;
+    }
   }
 };
 

@@ -1,31 +1,64 @@
 #include "text/glyph_painter.h"
 
-#include "raster/pick_bits.h"
+#include <cstring>
 
 namespace qnv {
-
 namespace {
 
-// A row of a glyph, gathered from its columns of bytes.
-class GlyphRow {
- public:
-  // The pixels [first, end) of the row; first lies in bit first % 8 of Bits()[0].
-  GlyphRow(const PlacedGlyph& glyph, int32_t row, int32_t first, int32_t end) {
-    const uint8_t* byte = glyph.bits + std::ptrdiff_t{first / 8} * glyph.height + row;
-    const int32_t count = (end - 1) / 8 - first / 8 + 1;
-    for (int32_t i = 0; i < count; ++i, byte += glyph.height) bits_[i] = *byte;
-  }
-  const uint8_t* Bits() const { return bits_; }
+// Rows of a glyph that are thinned at a time.
+constexpr int32_t kMostRows = 64;
 
- private:
-  uint8_t bits_[65536 / 8];  // widths have 16 bits
-};
+// In each byte of a word, or'ed to out: the bit 0x80 >> from becomes 0x80 >> to.
+template <class Word>
+void MoveBit(uint8_t* out, const uint8_t* bytes, uint32_t from, uint32_t to) {
+  constexpr Word kOnes = static_cast<Word>(0x01010101);
+  Word source, moved;
+  std::memcpy(&source, bytes, sizeof source);
+  std::memcpy(&moved, out, sizeof moved);
+  moved = static_cast<Word>(moved | (source >> (7 - from) & kOnes) << (7 - to));
+  std::memcpy(out, &moved, sizeof moved);
+}
+
+// Up to eight columns of a glyph, side by side in one byte a row. picks: counted from column `first`.
+void GatherColumns(uint8_t* out, const PlacedGlyph& glyph, int32_t first, const uint16_t* picks, uint32_t pixels,
+                   int32_t top, int32_t rows) {
+  std::memset(out, 0, kMostRows);
+  for (uint32_t to = 0; to < pixels; ++to) {
+    const uint32_t column = static_cast<uint32_t>(first) + picks[to];
+    const uint8_t* bytes = glyph.bits + static_cast<std::ptrdiff_t>(column / 8) * glyph.height + top;
+    int32_t row = 0;
+    for (; row + 4 <= rows; row += 4) MoveBit<uint32_t>(out + row, bytes + row, column % 8, to);
+    for (; row < rows; ++row) MoveBit<uint8_t>(out + row, bytes + row, column % 8, to);
+  }
+}
+
+// Paints rows of gathered bits, several of which may fall on one row of the band.
+// bandRows: of each row, in order. The bytes are used up.
+void PaintGathered(const BandView& band, const BitPainter& painter, int32_t x, std::size_t pixels, uint8_t* bytes,
+                   const int32_t* bandRows, int32_t rows) {
+  for (int32_t row = 0; row < rows;) {
+    const int32_t first = bandRows[row];
+    std::size_t count = 1;
+    bytes[0] = bytes[row++];
+    for (; row < rows; ++row) {
+      const int32_t next = first + static_cast<int32_t>(count);
+      if (bandRows[row] == next) {
+        bytes[count++] = bytes[row];
+      } else if (bandRows[row] == next - 1) {
+        bytes[count - 1] = painter.Merge(bytes[count - 1], bytes[row]);
+      } else {
+        break;
+      }
+    }
+    painter.PaintColumn(band.At(x, first), band.stride, GlyphColumn{bytes, count, 0, pixels});
+  }
+}
 
 }  // namespace
 
 BitPainter::BitPainter(const RowKernels& rows, uint32_t text, uint32_t background, bool transparent,
                        uint32_t bytesPerPixel)
-    : rows_(rows), transparent_(transparent), is24_(bytesPerPixel == 3) {
+    : transparent_(transparent) {
   colours_.set = text;
   colours_.clear = background;
   for (uint32_t i = 0; i < sizeof colours_.setBytes; ++i) {
@@ -34,15 +67,15 @@ BitPainter::BitPainter(const RowKernels& rows, uint32_t text, uint32_t backgroun
     colours_.clearBytes[i] = static_cast<uint8_t>(background >> shift);
     colours_.changeBytes[i] = static_cast<uint8_t>(colours_.setBytes[i] ^ colours_.clearBytes[i]);
   }
+  const bool is24 = bytesPerPixel == 3;
   paintColumn_ =
-      transparent ? (is24_ ? rows.PaintGlyph24 : rows.PaintGlyph8) : (is24_ ? rows.ExpandGlyph24 : rows.ExpandGlyph8);
+      transparent ? (is24 ? rows.PaintGlyph24 : rows.PaintGlyph8) : (is24 ? rows.ExpandGlyph24 : rows.ExpandGlyph8);
 }
 
 void PaintGlyph(const BandView& band, const PlainMapping&, const BitPainter& painter, const Rect& limits,
                 const PlacedGlyph& glyph) {
-  Rect inside;
   Rect part;
-  if (!RectIntersect(inside, limits, band.rect) || !VisiblePart(glyph, inside, &part)) return;
+  if (!VisiblePart(glyph, limits, &part)) return;
   uint8_t* dst = band.At(WrapAdd(glyph.x, part.left), WrapAdd(glyph.y, part.top));
   GlyphColumn column;
   column.bytes = glyph.bits + std::ptrdiff_t{part.left / 8} * glyph.height + part.top;
@@ -60,25 +93,35 @@ void PaintGlyph(const BandView& band, const KeptMapping& mapping, const BitPaint
                 const PlacedGlyph& glyph) {
   Rect part;
   if (!VisiblePart(glyph, limits, &part)) return;
-  const int32_t xPage = WrapAdd(glyph.x, part.left);
-  const int32_t yPage = WrapAdd(glyph.y, part.top);
   const int32_t bandColumns = WrapSubtract(band.rect.right, band.rect.left);
-  const auto bandColumnOf = [&](int32_t i) {
-    int32_t column;
-    return mapping.map->TableColumn(xPage + i, &column) ? WrapSubtract(column, band.rect.left) : -1;
-  };
-  KeptMapping::ForEachMappedRun(part.right - part.left, bandColumns, bandColumnOf, [&](const ColumnRun& run) {
-    for (int32_t row = part.top; row < part.bottom; ++row) {
-      const int32_t y = mapping.ToBand(yPage + (row - part.top));
-      if (y < band.rect.top) continue;
-      if (y >= band.rect.bottom) return;
-      const GlyphRow bits(glyph, row, part.left, part.right);
-      uint8_t picked[UINT8_MAX + 1];
-      PickBits(picked, bits.Bits(), static_cast<std::size_t>(part.left % 8 + run.callerColumn), run.picks,
-               static_cast<std::size_t>(run.count));
-      painter.PaintRow(band.At(band.rect.left + run.bandColumn, y), picked, 0, static_cast<std::size_t>(run.count));
+  for (int32_t row = part.top; row < part.bottom;) {
+    int32_t bandRows[kMostRows];
+    int32_t rows = 0;
+    int32_t top = row;
+    for (; row < part.bottom && rows < kMostRows; ++row) {
+      const int32_t y = mapping.ToBand(WrapAdd(glyph.y, row));
+      if (y >= band.rect.bottom) {
+        part.bottom = row;
+      } else if (y >= band.rect.top) {
+        bandRows[rows++] = y;
+      } else {
+        top = row + 1;
+      }
     }
-  });
+    CoordinateMap::TableColumns columns(*mapping.map, WrapAdd(glyph.x, part.left));
+    const auto bandColumnOf = [&](int32_t) {
+      int32_t column;
+      return columns.Next(&column) ? WrapSubtract(column, band.rect.left) : -1;
+    };
+    KeptMapping::ForEachMappedRun(part.right - part.left, bandColumns, bandColumnOf, [&](const ColumnRun& run) {
+      for (int32_t done = 0; done < run.count; done += 8) {
+        const uint32_t pixels = static_cast<uint32_t>(MinOf(run.count - done, 8));
+        uint8_t bytes[kMostRows];
+        GatherColumns(bytes, glyph, part.left + run.callerColumn, run.picks + done, pixels, top, rows);
+        PaintGathered(band, painter, band.rect.left + run.bandColumn + done, pixels, bytes, bandRows, rows);
+      }
+    });
+  }
 }
 
 }  // namespace qnv

@@ -17,40 +17,49 @@ class BitPainter {
   // text, background: packed. transparent: clear bits are not painted.
   BitPainter(const RowKernels& rows, uint32_t text, uint32_t background, bool transparent, uint32_t bytesPerPixel);
 
-  void PaintRow(uint8_t* dst, const uint8_t* bits, std::size_t offset, std::size_t pixels) const {
-    if (transparent_) {
-      (is24_ ? rows_.PaintBitsRow24 : rows_.PaintBitsRow8)(dst, bits, offset, pixels, colours_.set);
-    } else {
-      (is24_ ? rows_.ExpandBitsRow24 : rows_.ExpandBitsRow8)(dst, bits, offset, pixels, colours_.set, colours_.clear);
-    }
-  }
-
   void PaintColumn(uint8_t* dst, std::size_t stride, const GlyphColumn& column) const {
     paintColumn_(dst, stride, column, colours_);
   }
+  // What two rows of bits, painted one over the other, come to.
+  uint8_t Merge(uint8_t below, uint8_t above) const {
+    return transparent_ ? static_cast<uint8_t>(below | above) : above;
+  }
 
  private:
-  const RowKernels& rows_;
   BitColours colours_;
   const bool transparent_;
-  const bool is24_;
   void (*paintColumn_)(uint8_t* dst, std::size_t stride, const GlyphColumn& column, const BitColours& colours);
 };
 
-// The part of a glyph that lies inside `limits`, as rows and columns of the glyph itself. Ends beyond 32767
-// are cut there.
-constexpr bool VisiblePart(const PlacedGlyph& glyph, const Rect& limits, Rect* part) {
+struct GlyphSpan {
+  int32_t first, end;
+};
+
+// The pixels of a glyph's width or height that lie in [low, high). Ends beyond 32767 are cut there.
+constexpr GlyphSpan VisibleSpan(int32_t begin, int32_t size, int32_t low, int32_t high) {
   constexpr int32_t kFarthest = 32767;
-  const int32_t right = std::min({WrapAdd(glyph.x, glyph.width), kFarthest, limits.right});
-  const int32_t bottom = std::min({WrapAdd(glyph.y, glyph.height), kFarthest, limits.bottom});
-  const int32_t left = MaxOf(glyph.x, limits.left);
-  const int32_t top = MaxOf(glyph.y, limits.top);
-  if (left >= right || top >= bottom) return false;
-  *part = Shifted(Rect{left, top, right, bottom}, WrapSubtract(0, glyph.x), WrapSubtract(0, glyph.y));
+  return {MaxOf(begin, low), std::min({WrapAdd(begin, size), kFarthest, high})};
+}
+
+// The part of a glyph that lies inside `limits`, as rows and columns of the glyph itself.
+constexpr bool VisiblePart(const PlacedGlyph& glyph, const Rect& limits, Rect* part) {
+  const GlyphSpan columns = VisibleSpan(glyph.x, glyph.width, limits.left, limits.right);
+  const GlyphSpan rows = VisibleSpan(glyph.y, glyph.height, limits.top, limits.bottom);
+  if (columns.first >= columns.end || rows.first >= rows.end) return false;
+  *part = Shifted(Rect{columns.first, rows.first, columns.end, rows.end}, WrapSubtract(0, glyph.x),
+                  WrapSubtract(0, glyph.y));
   return true;
 }
 
-// limits: the text's clip, device space. A glyph is painted column by column of its bytes.
+// What of the text's clip a glyph can reach on the band, in the text's pixels; may be empty.
+inline Rect ReachedLimits(const BandView& band, const PlainMapping&, const Rect& limits) {
+  Rect inside;
+  RectIntersect(inside, limits, band.rect);
+  return inside;
+}
+inline Rect ReachedLimits(const BandView&, const KeptMapping&, const Rect& limits) { return limits; }
+
+// limits: reached ones. A glyph is painted column by column of its bytes.
 void PaintGlyph(const BandView& band, const PlainMapping& mapping, const BitPainter& painter, const Rect& limits,
                 const PlacedGlyph& glyph);
 

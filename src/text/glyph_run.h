@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <type_traits>
 
 #include "text/font_record.h"
 
@@ -21,6 +22,11 @@ struct Justification {
   int16_t breakCount;
   int16_t characterExtra;
   int16_t* breakError;  // read, and written by a measuring run
+};
+
+// Paints nothing: a run whose glyphs cannot be seen still advances.
+struct NoGlyphs {
+  void operator()(const PlacedGlyph&) const {}
 };
 
 // Result of a measuring run.
@@ -43,7 +49,13 @@ int32_t RunOneByte(const FontRecord& font, const uint8_t* string, int32_t count,
   const int16_t rest = static_cast<int16_t>(justification.breakExtra - justification.breakCount * quotient);
   int16_t error = *justification.breakError;
   int32_t total = 0;
-  for (int32_t i = 0; i < n; ++i) {
+  int32_t walked = n;
+  const bool equalSteps = !font.IsVariablePitch() && justification.breakExtra == 0;
+  if (equalSteps && (!drawing || std::is_same_v<PaintGlyph, NoGlyphs>)) {
+    walked = 0;
+    total = WrapMultiply(n, font.FixedWidth() + justification.characterExtra);
+  }
+  for (int32_t i = 0; i < walked; ++i) {
     const uint16_t index = font.IndexOf(string[i]);
     const int32_t width = widthOf(index);
     int32_t extra = 0;
