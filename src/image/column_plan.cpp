@@ -1,16 +1,41 @@
 #include "image/column_plan.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <cstring>
 
 namespace qnv {
+namespace {
 
-bool ColumnPlan::Make(const Stepping& stepping, const SourceMapping& mapping, PixelTarget target,
+// Picks that stand together in a group, wherever it begins; 1 when only the pixel itself does.
+std::size_t PixelsOfAGroup(const uint16_t* picks, std::size_t count, std::size_t bytesPerPixel) {
+  std::size_t pixels = kGroupBytes / bytesPerPixel;
+  for (std::size_t begin = 0; begin < count && pixels > 1;) {
+    const std::size_t last = std::min(begin + pixels, count) - 1;
+    const std::size_t apart = static_cast<std::size_t>(std::abs(picks[last] - picks[begin]));
+    const bool fits = (apart + 1) * bytesPerPixel <= kGroupBytes;
+    begin = fits ? last + 1 : 0;
+    pixels -= fits ? 0 : 1;
+  }
+  return pixels;
+}
+
+// Formats whose whole rows are converted sooner than single pixels are picked out of bytes.
+bool ConvertsBeforeThinning(uint32_t bitCount, PixelTarget target) {
+  return bitCount == 1 || (bitCount == 4 && target == PixelTarget::kGray8);
+}
+
+// Bytes converted for each destination pixel; beyond that picking is as fast.
+constexpr std::size_t kMostConverted = 6;
+
+}  // namespace
+
+bool ColumnPlan::Make(const Stepping& stepping, const SourceMapping& mapping, uint32_t bitCount, PixelTarget target,
                       ImageBuffers& buffers) {
-  mirrored_ = mapping.mirrorX;
   bytesPerPixel_ = BytesOf(target);
-  const int32_t first = mirrored_ ? mapping.left + mapping.columns - 1 : mapping.left;
-  const int32_t advance = mirrored_ ? -1 : 1;
+  sourceBytes_ = bitCount / 8;
+  const int32_t first = mapping.mirrorX ? mapping.left + mapping.columns - 1 : mapping.left;
+  const int32_t advance = mapping.mirrorX ? -1 : 1;
 
   int32_t firstWalked = -1;
   int32_t lastWalked = -1;
@@ -26,53 +51,30 @@ bool ColumnPlan::Make(const Stepping& stepping, const SourceMapping& mapping, Pi
   });
   if (count_ == 0) return true;
   sourceCount_ = lastWalked - firstWalked + 1;
-  low_ = first + (mirrored_ ? lastWalked : firstWalked) * advance;
+  low_ = first + (mapping.mirrorX ? lastWalked : firstWalked) * advance;
 
   if (consecutive && ascending) {
-    order_ = mirrored_ ? Order::kBackward : Order::kForward;
-  } else if (ascending && stepping.step >= 65536) {
-    order_ = Order::kEnlarged;
-    if (!PlanEnlarged(stepping, buffers)) return false;
-  } else {
-    order_ = Order::kPicked;
-    return PlanPicked(stepping, buffers, first, advance);
+    order_ = mapping.mirrorX ? Order::kBackward : Order::kForward;
+    return !mapping.mirrorX || TakeConverted(static_cast<std::size_t>(count_) * bytesPerPixel_, buffers);
   }
-  if (order_ == Order::kForward) return true;
-  // A group reads a few bytes past the last pixel.
-  const std::size_t bytes = static_cast<std::size_t>(sourceCount_) * bytesPerPixel_ + kGroupBytes;
-  converted_ = buffers.converted.Take<uint8_t>(bytes);
-  reversed_ = buffers.reversed.Take<uint8_t>(bytes);
-  if (converted_ == nullptr || reversed_ == nullptr) return false;
-  std::memset(converted_ + bytes - kGroupBytes, 0, kGroupBytes);
-  std::memset(reversed_ + bytes - kGroupBytes, 0, kGroupBytes);
+  order_ = Order::kPicked;
+  if (!PlanPicks(stepping, first, advance, buffers)) return false;
+  if (!ascending) return true;
+  const std::size_t count = static_cast<std::size_t>(count_);
+  const std::size_t sourceCount = static_cast<std::size_t>(sourceCount_);
+  const std::size_t bytes = sourceCount * bytesPerPixel_;
+  const bool enlarges = stepping.step >= 65536;
+  if (enlarges || (ConvertsBeforeThinning(bitCount, target) && bytes <= kMostConverted * count)) {
+    if (!TakeConverted(bytes, buffers)) return false;
+    if (PlanGroups(bytesPerPixel_, bytes + kGroupBytes, buffers)) order_ = Order::kConvertedFirst;
+  } else if (sourceBytes_ > 0) {
+    if (!TakeConverted(count * sourceBytes_, buffers)) return false;
+    if (PlanGroups(sourceBytes_, sourceCount * sourceBytes_, buffers)) order_ = Order::kGatheredFirst;
+  }
   return true;
 }
 
-// Enlarged columns that stand together come from source columns that do: five or sixteen of them fit a group.
-bool ColumnPlan::PlanEnlarged(const Stepping& stepping, ImageBuffers& buffers) {
-  groupPixels_ = kGroupBytes / bytesPerPixel_;
-  const std::size_t groupCount = (static_cast<std::size_t>(count_) + groupPixels_ - 1) / groupPixels_;
-  auto* groups = buffers.groups.Take<ShuffleGroup>(groupCount);
-  if (groups == nullptr) return false;
-  std::memset(groups, 0, groupCount * sizeof *groups);
-  int32_t firstWalked = -1;
-  WalkColumns(stepping, [&](int32_t i, int32_t begin, int32_t end) {
-    if (firstWalked < 0) firstWalked = i;
-    const uint32_t source = static_cast<uint32_t>(i - firstWalked) * static_cast<uint32_t>(bytesPerPixel_);
-    for (int32_t at = begin; at < end; ++at) {
-      ShuffleGroup& group = groups[static_cast<std::size_t>(at) / groupPixels_];
-      const std::size_t place = static_cast<std::size_t>(at) % groupPixels_;
-      if (place == 0) group.from = source;
-      for (std::size_t b = 0; b < bytesPerPixel_; ++b) {
-        group.bytes[place * bytesPerPixel_ + b] = static_cast<uint8_t>(source - group.from + b);
-      }
-    }
-  });
-  groups_ = groups;
-  return true;
-}
-
-bool ColumnPlan::PlanPicked(const Stepping& stepping, ImageBuffers& buffers, int32_t first, int32_t advance) {
+bool ColumnPlan::PlanPicks(const Stepping& stepping, int32_t first, int32_t advance, ImageBuffers& buffers) {
   auto* picks = buffers.columns.Take<uint16_t>(static_cast<std::size_t>(count_));
   if (picks == nullptr) return false;
   WalkColumns(stepping, [&](int32_t i, int32_t begin, int32_t end) {
@@ -82,27 +84,59 @@ bool ColumnPlan::PlanPicked(const Stepping& stepping, ImageBuffers& buffers, int
   return true;
 }
 
+// readable: bytes from the pixel low_ on. False when groups would hold single pixels, and without memory.
+bool ColumnPlan::PlanGroups(std::size_t bytesPerPixel, std::size_t readable, ImageBuffers& buffers) {
+  const std::size_t count = static_cast<std::size_t>(count_);
+  groupPixels_ = PixelsOfAGroup(picks_, count, bytesPerPixel);
+  if (groupPixels_ < 2 || readable < kGroupBytes) return false;
+  const std::size_t groupCount = (count + groupPixels_ - 1) / groupPixels_;
+  auto* groups = buffers.groups.Take<ShuffleGroup>(groupCount);
+  if (groups == nullptr) return false;
+  std::memset(groups, 0, groupCount * sizeof *groups);
+  groups_ = groups;
+  for (std::size_t begin = 0; begin < count; begin += groupPixels_, ++groups) {
+    const std::size_t end = std::min(begin + groupPixels_, count);
+    const auto byteOf = [&](std::size_t i) { return static_cast<std::size_t>(picks_[i] - low_) * bytesPerPixel; };
+    const std::size_t from = std::min({byteOf(begin), byteOf(end - 1), readable - kGroupBytes});
+    groups->from = static_cast<uint32_t>(from);
+    uint8_t* next = groups->bytes;
+    for (std::size_t i = begin; i < end; ++i) {
+      for (std::size_t b = 0; b < bytesPerPixel; ++b) *next++ = static_cast<uint8_t>(byteOf(i) - from + b);
+    }
+  }
+  return true;
+}
+
+// A group reads a few bytes past the last pixel.
+bool ColumnPlan::TakeConverted(std::size_t bytes, ImageBuffers& buffers) {
+  converted_ = buffers.converted.Take<uint8_t>(bytes + kGroupBytes);
+  if (converted_ == nullptr) return false;
+  std::memset(converted_ + bytes, 0, kGroupBytes);
+  return true;
+}
+
 void ColumnPlan::Apply(uint8_t* out, const uint8_t* row, const RowConverter& converter,
                        const ConverterContext& context) const {
   if (count_ == 0) return;
   const PixelRows& image = *context.rows.image;
   const std::size_t count = static_cast<std::size_t>(count_);
-  const std::size_t sourceCount = static_cast<std::size_t>(sourceCount_);
   const uint32_t low = static_cast<uint32_t>(low_);
-  const auto reverse = bytesPerPixel_ == 3 ? image.ReverseRow24 : image.ReverseRow8;
   switch (order_) {
     case Order::kForward: converter.Consecutive(out, row, low, count, context); break;
-    case Order::kPicked: converter.Picked(out, row, picks_, count, context); break;
     case Order::kBackward:
       converter.Consecutive(converted_, row, low, count, context);
-      reverse(out, converted_, count);
+      (bytesPerPixel_ == 3 ? image.ReverseRow24 : image.ReverseRow8)(out, converted_, count);
       break;
-    case Order::kEnlarged:
-      converter.Consecutive(converted_, row, low, sourceCount, context);
-      if (mirrored_) reverse(reversed_, converted_, sourceCount);
-      image.ShuffleRow(out, mirrored_ ? reversed_ : converted_, groups_, groupPixels_ * bytesPerPixel_,
-                       count * bytesPerPixel_);
+    case Order::kConvertedFirst:
+      converter.Consecutive(converted_, row, low, static_cast<std::size_t>(sourceCount_), context);
+      image.ShuffleRow(out, converted_, groups_, groupPixels_ * bytesPerPixel_, count * bytesPerPixel_);
       break;
+    case Order::kGatheredFirst:
+      image.ShuffleRow(converted_, row + low * sourceBytes_, groups_, groupPixels_ * sourceBytes_,
+                       count * sourceBytes_);
+      converter.Consecutive(out, converted_, 0, count, context);
+      break;
+    case Order::kPicked: converter.Picked(out, row, picks_, count, context); break;
   }
 }
 

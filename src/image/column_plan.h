@@ -13,8 +13,9 @@ namespace qnv {
 
 class ColumnPlan {
  public:
-  // False without memory. The lists stand in `buffers` until the next call.
-  bool Make(const Stepping& stepping, const SourceMapping& mapping, PixelTarget target, ImageBuffers& buffers);
+  // bitCount: depth of the source rows. False without memory. The lists stand in `buffers` until the next call.
+  bool Make(const Stepping& stepping, const SourceMapping& mapping, uint32_t bitCount, PixelTarget target,
+            ImageBuffers& buffers);
 
   // Converts a row into out: the destination's columns that the source reaches, from the first one on.
   void Apply(uint8_t* out, const uint8_t* row, const RowConverter& converter, const ConverterContext& context) const;
@@ -23,24 +24,25 @@ class ColumnPlan {
   enum class Order : uint8_t {
     kForward,  // one source column after another
     kBackward,
-    kEnlarged,  // source columns repeated; backward when mirrored
-    kPicked,    // source columns one by one
+    kConvertedFirst,  // converted one after another, then repeated or thinned out
+    kGatheredFirst,   // source pixels thinned out, then converted one after another
+    kPicked,          // source columns one by one
   };
 
-  bool PlanEnlarged(const Stepping& stepping, ImageBuffers& buffers);
-  bool PlanPicked(const Stepping& stepping, ImageBuffers& buffers, int32_t first, int32_t advance);
+  bool PlanPicks(const Stepping& stepping, int32_t first, int32_t advance, ImageBuffers& buffers);
+  bool PlanGroups(std::size_t bytesPerPixel, std::size_t readable, ImageBuffers& buffers);
+  bool TakeConverted(std::size_t bytes, ImageBuffers& buffers);
 
   Order order_ = Order::kForward;
-  bool mirrored_ = false;
-  std::size_t bytesPerPixel_ = 3;
+  std::size_t sourceBytes_ = 0;           // of a source pixel; 0: less than one
+  std::size_t bytesPerPixel_ = 3;         // of a converted one
   int32_t low_ = 0;                       // leftmost source column that is converted
-  int32_t sourceCount_ = 0;               // source columns that are converted
+  int32_t sourceCount_ = 0;               // source columns from there to the last one
   int32_t count_ = 0;                     // destination columns
-  const uint16_t* picks_ = nullptr;       // kPicked: the source column of each destination column
-  const ShuffleGroup* groups_ = nullptr;  // kEnlarged: over the converted columns in the order of walking
+  const uint16_t* picks_ = nullptr;       // the source column of each destination column
+  const ShuffleGroup* groups_ = nullptr;  // what picks_ says, in bytes from low_ on
   std::size_t groupPixels_ = 0;
-  uint8_t* converted_ = nullptr;
-  uint8_t* reversed_ = nullptr;
+  uint8_t* converted_ = nullptr;  // a row between its two steps
 };
 
 }  // namespace qnv

@@ -9,7 +9,6 @@ struct ImageBuffers {
   WorkBuffer columns;
   WorkBuffer groups;
   WorkBuffer converted;
-  WorkBuffer reversed;
   WorkBuffer row;
   WorkBuffer keptRuns;
   WorkBuffer keptColumns;

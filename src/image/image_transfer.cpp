@@ -33,48 +33,29 @@ bool ImageTransfer::Prepare(const BandState& state, const Rect& bandRect, PixelT
   target_ = target;
   if (dib_.HasPalette()) MakeColorTable(dib_, target_, &colours_.table);
   if (dib_.bitCount == 16) colours_.masks = MakePixelMasks(dib_, target_);
-  convert_ = RowConverterFor(dib_.IsRle() ? 8 : dib_.bitCount, target_);
+  const uint32_t rowBits = dib_.IsRle() ? 8 : dib_.bitCount;
+  convert_ = RowConverterFor(rowBits, target_);
 
   walk_ =
       RowWalk(MakeStepping(mapping.dstTop, mapping.dstHeight, mapping.rows, topInBand, clipped_.bottom - clipped_.top));
   const Stepping columns = MakeStepping(mapping.dstLeft, mapping.dstWidth, mapping.columns, leftInBand_, Width());
-  return columns_.Make(columns, mapping, target_, buffers_) && PrepareRows(mapping);
-}
-
-// Rows are walked from the top of the picture down: bottom-up storage backwards.
-bool ImageTransfer::PrepareRows(const SourceMapping& mapping) {
+  if (!columns_.Make(columns, mapping, rowBits, target_, buffers_)) return false;
+  // Rows are walked from the top of the picture down: bottom-up storage backwards.
   firstRow_ = mapping.mirrorY ? mapping.top : mapping.top + mapping.rows - 1;
   rowAdvance_ = mapping.mirrorY ? 1 : -1;
-  topRow_ = mapping.top;
-  if (!dib_.IsRle()) return true;
-  // Run-length rows can only be found by walking from the first one; where each begins is kept, so that rows
-  // are decoded in any order, and only those that are seen.
-  rleRows_ = buffers_.rleRows.Take<RleState>(static_cast<std::size_t>(mapping.rows));
-  rleRow_ = buffers_.rleRow.Take<uint8_t>(static_cast<std::size_t>(dib_.width));
-  if (rleRows_ == nullptr || rleRow_ == nullptr) return false;
-  const RleDecoder decoder(dib_.compression == BI_RLE4, dib_.width);
-  RleState state{bits_};
-  for (int32_t row = 0; row < mapping.top; ++row) decoder.SkipRow(&state);
-  for (int32_t row = 0; row < mapping.rows; ++row) {
-    rleRows_[row] = state;
-    if (row + 1 < mapping.rows) decoder.SkipRow(&state);
-  }
-  return true;
+  return !dib_.IsRle() || rleRows_.Find(dib_, bits_, mapping, buffers_);
 }
 
 bool ImageTransfer::NextRow(CoveredRows* rows) { return walk_.Next(rows); }
 
+const uint8_t* ImageTransfer::SourceRow(int32_t stored) const {
+  if (dib_.IsRle()) return rleRows_.Row(stored);
+  return bits_ + static_cast<std::size_t>(stored) * DibRowBytes(dib_.width, dib_.bitCount);
+}
+
 void ImageTransfer::ConvertRow(uint8_t* out) {
   const int32_t stored = firstRow_ + walk_.Index() * rowAdvance_;
-  const uint8_t* row;
-  if (dib_.IsRle()) {
-    RleState state = rleRows_[stored - topRow_];
-    RleDecoder(dib_.compression == BI_RLE4, dib_.width).DecodeRow(&state, rleRow_);
-    row = rleRow_;
-  } else {
-    row = bits_ + static_cast<std::size_t>(stored) * DibRowBytes(dib_.width, dib_.bitCount);
-  }
-  columns_.Apply(out, row, convert_, ConverterContext{colours_, *rows_});
+  columns_.Apply(out, SourceRow(stored), convert_, ConverterContext{colours_, *rows_});
 }
 
 uint8_t* ImageTransfer::TakeRowBuffer(int32_t pixels) {

@@ -8,7 +8,7 @@
 #include "image/column_plan.h"
 #include "image/dib.h"
 #include "image/image_arguments.h"
-#include "image/rle_decoder.h"
+#include "image/rle_rows.h"
 #include "image/row_converters.h"
 #include "image/row_stepping.h"
 
@@ -52,7 +52,7 @@ class ImageTransfer {
   uint8_t* TakeRowBuffer(int32_t pixels);
 
  private:
-  bool PrepareRows(const SourceMapping& mapping);
+  const uint8_t* SourceRow(int32_t stored) const;
 
   ImageBuffers& buffers_;
   Dib dib_{};
@@ -67,9 +67,7 @@ class ImageTransfer {
   RowConverter convert_{};
   PixelColours colours_;
   const RowKernels* rows_ = nullptr;
-  RleState* rleRows_ = nullptr;  // run-length sources: where each stored row of the source rectangle begins
-  uint8_t* rleRow_ = nullptr;
-  int32_t topRow_ = 0;  // stored row of rleRows_[0]
+  RleRows rleRows_;  // run-length sources
 };
 
 }  // namespace qnv

@@ -6,111 +6,210 @@
 namespace qnv {
 namespace {
 
-// Writers append pixels to a row; the decoder has already cut them to the row's end.
+// Bytes of a literal's pixels, an even number.
+template <bool kFourBit>
+constexpr int32_t LiteralBytes(int32_t pixels) {
+  const int32_t bytes = kFourBit ? (pixels + 1) >> 1 : pixels;
+  return bytes + (bytes & 1);
+}
 
-class RowWriter {
- public:
-  explicit RowWriter(uint8_t* row) : next_(row) {}
+// The two bytes that begin a record. 0, 0 ends a row; 0, 1 the bitmap; 0, 2 is a delta; 0, n a literal.
+struct RleCode {
+  uint8_t first, second;
 
-  void Zeros(int32_t count) { Fill(0, count); }
-  void Run8(uint8_t index, int32_t count) { Fill(index, count); }
-  void Run4(uint8_t both, int32_t count) {
-    const uint8_t nibbles[2] = {static_cast<uint8_t>(both >> 4), static_cast<uint8_t>(both & 0x0F)};
-    for (int32_t i = 0; i < count; ++i) *next_++ = nibbles[i & 1];
+  bool IsRun() const { return first != 0; }
+  bool IsEndOfLine() const { return first == 0 && second == 0; }
+  bool IsEndOfBitmap() const { return first == 0 && second == 1; }
+  bool IsDelta() const { return first == 0 && second == 2; }
+};
+
+struct RlePlace {
+  const uint8_t* next;
+  int32_t column;
+
+  RleCode Code() const { return {next[0], next[1]}; }
+};
+
+// Moves over a run or a literal and returns how many of its pixels stand in the row.
+template <bool kFourBit>
+int32_t PassPixels(RlePlace* place, int32_t width) {
+  const RleCode code = place->Code();
+  const int32_t pixels = std::min<int32_t>(code.IsRun() ? code.first : code.second, width - place->column);
+  place->next += 2;
+  // Intended: eight-bit literals that do not fit are not passed over but read as codes.
+  if (!code.IsRun()) place->next += LiteralBytes<kFourBit>(kFourBit ? code.second : pixels);
+  place->column += pixels;
+  return pixels;
+}
+
+// Moves over a delta. True when it leads to a later row, which *state then names.
+bool PassDelta(RlePlace* place, int32_t width, RleState* state) {
+  const int32_t target = std::min(place->column + place->next[2], width);
+  const uint8_t rows = place->next[3];
+  place->next += 4;
+  if (rows == 0) {
+    place->column = target;
+    return false;
   }
-  void Literal8(const uint8_t* data, int32_t count) {
-    if (count == 0) return;
-    std::memcpy(next_, data, static_cast<std::size_t>(count));
-    next_ += count;
+  state->phase = RleState::kDelta;
+  state->emptyRows = static_cast<uint8_t>(rows - 1);
+  state->targetColumn = target;
+  return true;
+}
+
+// Runs and literals that fit into the row and ends of lines, until `rows` rows are passed or something else comes.
+// Which kind comes next is hard to foretell, so masks take the place of branches.
+template <bool kFourBit>
+void PassRecords(RlePlace* place, int32_t width, int32_t* rows) {
+  const uint8_t* next = place->next;
+  int32_t column = place->column;
+  int32_t left = *rows;
+  while (left != 0) {
+    const int32_t first = next[0], second = next[1];
+    const int32_t noRun = (first - 1) >> 31;
+    const int32_t pixels = first | (second & noRun);
+    const int32_t endOfLine = (pixels - 1) >> 31;
+    const bool isEscape = static_cast<uint32_t>((second | ~noRun) - 1) < 2;  // the end of the bitmap, or a delta
+    if (isEscape || pixels > width - column) break;
+    next += 2 + (LiteralBytes<kFourBit>(second) & noRun);
+    column = (column + pixels) & ~endOfLine;
+    left += endOfLine;
   }
-  void Literal4(const uint8_t* data, int32_t count) {
-    for (int32_t i = 0; i < count; ++i) {
-      *next_++ = static_cast<uint8_t>((i & 1) == 0 ? data[i / 2] >> 4 : data[i / 2] & 0x0F);
+  *place = {next, column};
+  *rows = left;
+}
+
+void WriteRun4(uint8_t* out, uint8_t both, int32_t count) {
+  const uint8_t pair[2] = {static_cast<uint8_t>(both >> 4), static_cast<uint8_t>(both & 0x0F)};
+  for (int32_t i = 0; i < count; ++i) out[i] = pair[i & 1];
+}
+
+void WriteLiteral4(uint8_t* out, const uint8_t* data, int32_t count) {
+  for (int32_t i = 0; i < count; ++i) {
+    out[i] = static_cast<uint8_t>((i & 1) == 0 ? data[i / 2] >> 4 : data[i / 2] & 0x0F);
+  }
+}
+
+// The first `count` pixels of the run or literal that begins at `record`.
+template <bool kFourBit>
+void WritePixels(uint8_t* out, const uint8_t* record, int32_t count) {
+  const bool isRun = record[0] != 0;
+  const std::size_t bytes = static_cast<std::size_t>(count);
+  if constexpr (kFourBit) {
+    isRun ? WriteRun4(out, record[1], count) : WriteLiteral4(out, record + 2, count);
+  } else if (isRun) {
+    std::memset(out, record[1], bytes);
+  } else {
+    std::memcpy(out, record + 2, bytes);
+  }
+}
+
+// Blocks of constant size become vector moves; calls of the runtime cost more than most records have pixels.
+constexpr int32_t kBlock = 16;
+constexpr int32_t kFewBlocks = 3;
+static_assert(kFewBlocks * kBlock <= RleDecoder::kOvershoot);
+// The most that a record takes when its literal is read in whole blocks.
+constexpr std::ptrdiff_t kMostRead = 2 + 256;
+
+void FillBlocks(uint8_t* out, uint8_t value, int32_t count) {
+  std::memset(out, value, kBlock);
+  std::memset(out + kBlock, value, kBlock);
+  std::memset(out + 2 * kBlock, value, kBlock);
+  for (int32_t done = kFewBlocks * kBlock; done < count; done += kBlock) std::memset(out + done, value, kBlock);
+}
+
+void CopyBlocks(uint8_t* out, const uint8_t* from, int32_t count) {
+  std::memcpy(out, from, kBlock);
+  std::memcpy(out + kBlock, from + kBlock, kBlock);
+  std::memcpy(out + 2 * kBlock, from + 2 * kBlock, kBlock);
+  for (int32_t done = kFewBlocks * kBlock; done < count; done += kBlock) {
+    std::memcpy(out + done, from + done, kBlock);
+  }
+}
+
+// Eight-bit runs and literals that fit into the row, until `columns` columns are there, something else comes or a
+// literal is near `readable`.
+void WriteRecords(RlePlace* place, int32_t columns, int32_t width, const uint8_t* readable, uint8_t* row) {
+  const uint8_t* next = place->next;
+  int32_t column = place->column;
+  while (column < columns) {
+    const int32_t room = width - column;
+    const uint8_t first = next[0], second = next[1];
+    if (first != 0) {
+      if (first > room) break;
+      FillBlocks(row + column, second, first);
+      next += 2;
+      column += first;
+    } else {
+      if (second < 3 || second > room || readable - next < kMostRead) break;
+      CopyBlocks(row + column, next + 2, second);
+      next += 2 + LiteralBytes<false>(second);
+      column += second;
     }
   }
-
- private:
-  void Fill(uint8_t value, int32_t count) {
-    if (count == 0) return;
-    std::memset(next_, value, static_cast<std::size_t>(count));
-    next_ += count;
-  }
-
-  uint8_t* next_;
-};
-
-struct NoWriter {
-  void Zeros(int32_t) {}
-  void Run8(uint8_t, int32_t) {}
-  void Run4(uint8_t, int32_t) {}
-  void Literal8(const uint8_t*, int32_t) {}
-  void Literal4(const uint8_t*, int32_t) {}
-};
-
-constexpr std::size_t EvenBytes(std::size_t bytes) { return (bytes + 1) & ~std::size_t{1}; }
+  *place = {next, column};
+}
 
 }  // namespace
 
-template <class Writer>
-void RleDecoder::WalkRow(RleState* state, Writer& writer) const {
-  int32_t column = 0;
-  if (state->phase == RleState::kEndOfBitmap) return writer.Zeros(width_);
-  if (state->phase == RleState::kDelta) {
-    if (state->emptyRows != 0) {
-      --state->emptyRows;
-      return writer.Zeros(width_);
+template <bool kFourBit>
+void RleDecoder::SkipRowsOf(RleState* state, int32_t rows) const {
+  RlePlace place{state->next, 0};
+  while (rows != 0 && state->phase != RleState::kEndOfBitmap) {
+    if (state->phase == RleState::kDelta) {
+      const int32_t passed = std::min<int32_t>(rows, state->emptyRows);
+      state->emptyRows = static_cast<uint8_t>(state->emptyRows - passed);
+      rows -= passed;
+      if (rows == 0) break;
+      place.column = state->targetColumn;
+      state->phase = RleState::kCodes;
     }
-    writer.Zeros(state->targetColumn);
-    column = state->targetColumn;
-    state->phase = RleState::kCodes;
-  }
-  for (;;) {
-    const uint8_t first = *state->next++;
-    const uint8_t second = *state->next++;
-    const int32_t room = width_ - column;
-    if (first != 0) {
-      const int32_t count = std::min<int32_t>(first, room);
-      fourBit_ ? writer.Run4(second, count) : writer.Run8(second, count);
-      column += count;
-    } else if (second == 0) {
-      return writer.Zeros(room);
-    } else if (second == 1) {
+    PassRecords<kFourBit>(&place, width_, &rows);
+    if (rows == 0) break;
+    const RleCode code = place.Code();
+    if (code.IsEndOfBitmap()) {
+      place.next += 2;
       state->phase = RleState::kEndOfBitmap;
-      return writer.Zeros(room);
-    } else if (second == 2) {
-      const int32_t dx = std::min<int32_t>(*state->next++, room);
-      const uint8_t dy = *state->next++;
-      if (dy != 0) {
-        state->phase = RleState::kDelta;
-        state->emptyRows = static_cast<uint8_t>(dy - 1);
-        state->targetColumn = column + dx;
-        return writer.Zeros(room);
-      }
-      writer.Zeros(dx);
-      column += dx;
-    } else {
-      const int32_t count = std::min<int32_t>(second, room);
-      if (fourBit_) {
-        writer.Literal4(state->next, count);
-        state->next += EvenBytes((std::size_t{second} + 1) / 2);
-      } else {
-        // Intended: literals that do not fit are not passed over but read as codes.
-        writer.Literal8(state->next, count);
-        state->next += EvenBytes(static_cast<std::size_t>(count));
-      }
-      column += count;
+    } else if (!code.IsDelta()) {
+      PassPixels<kFourBit>(&place, width_);
+    } else if (PassDelta(&place, width_, state)) {
+      --rows;
     }
   }
+  state->next = place.next;
 }
 
-void RleDecoder::DecodeRow(RleState* state, uint8_t* row) const {
-  RowWriter writer(row);
-  WalkRow(state, writer);
+template <bool kFourBit>
+void RleDecoder::DecodeRowOf(const RleState& begin, int32_t columns, const uint8_t* readable, uint8_t* row) const {
+  RleState state = begin;
+  RlePlace place{state.next, 0};
+  const auto zerosFrom = [row](int32_t first, int32_t end) {
+    if (first < end) std::memset(row + first, 0, static_cast<std::size_t>(end - first));
+  };
+  if (state.phase == RleState::kDelta && state.emptyRows == 0) {
+    place.column = state.targetColumn;
+    zerosFrom(0, place.column);
+    state.phase = RleState::kCodes;
+  }
+  while (state.phase == RleState::kCodes) {
+    if constexpr (!kFourBit) WriteRecords(&place, columns, width_, readable, row);
+    if (place.column >= columns) return;
+    const RleCode code = place.Code();
+    if (code.IsEndOfLine() || code.IsEndOfBitmap()) break;
+    const RlePlace record = place;
+    if (!code.IsDelta()) {
+      const int32_t pixels = PassPixels<kFourBit>(&place, width_);
+      WritePixels<kFourBit>(row + record.column, record.next, pixels);
+    } else if (!PassDelta(&place, width_, &state)) {
+      zerosFrom(record.column, place.column);
+    }
+  }
+  zerosFrom(place.column, columns);
 }
 
-void RleDecoder::SkipRow(RleState* state) const {
-  NoWriter writer;
-  WalkRow(state, writer);
-}
+template void RleDecoder::SkipRowsOf<false>(RleState*, int32_t) const;
+template void RleDecoder::SkipRowsOf<true>(RleState*, int32_t) const;
+template void RleDecoder::DecodeRowOf<false>(const RleState&, int32_t, const uint8_t*, uint8_t*) const;
+template void RleDecoder::DecodeRowOf<true>(const RleState&, int32_t, const uint8_t*, uint8_t*) const;
 
 }  // namespace qnv

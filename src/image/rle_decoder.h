@@ -1,6 +1,7 @@
 // Run-length data, BI_RLE8 and BI_RLE4, row by row into one palette index a byte.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 
 namespace qnv {
@@ -15,25 +16,35 @@ struct RleState {
   int32_t targetColumn = 0;  // kDelta: where codes go on in the target row
 };
 
+// Only an end of line, an end of the bitmap or a delta to a later row ends a row: runs that pass its end are cut.
+// Pixels that no code names are 0. The data has no length: Requires an end-of-bitmap code, or rows enough.
 class RleDecoder {
  public:
+  // What DecodeRow may write past a row's end.
+  static constexpr std::size_t kOvershoot = 48;
+
   // fourBit: BI_RLE4. width: pixels of a row.
   RleDecoder(bool fourBit, int32_t width) : fourBit_(fourBit), width_(width) {}
 
-  // Decodes one row of `width` indices and moves the state to the next. Only an end of line, an end of the
-  // bitmap or a delta to a later row ends a row: runs that pass its end are cut. Pixels that no code names
-  // are 0. The data has no length: Requires an end-of-bitmap code, or rows enough.
-  void DecodeRow(RleState* state, uint8_t* row) const;
+  // Moves the state on by some rows.
+  void SkipRows(RleState* state, int32_t rows) const {
+    fourBit_ ? SkipRowsOf<true>(state, rows) : SkipRowsOf<false>(state, rows);
+  }
 
-  // The same without writing.
-  void SkipRow(RleState* state) const;
+  // Decodes the first `columns` indices of the row that begins at `begin`, columns <= width. row: width + kOvershoot
+  // bytes. readable: all data before it may be read, as it may be before the beginning of any later row.
+  void DecodeRow(const RleState& begin, int32_t columns, const uint8_t* readable, uint8_t* row) const {
+    fourBit_ ? DecodeRowOf<true>(begin, columns, readable, row) : DecodeRowOf<false>(begin, columns, readable, row);
+  }
 
  private:
-  template <class Writer>
-  void WalkRow(RleState* state, Writer& writer) const;
+  template <bool kFourBit>
+  void SkipRowsOf(RleState* state, int32_t rows) const;
+  template <bool kFourBit>
+  void DecodeRowOf(const RleState& begin, int32_t columns, const uint8_t* readable, uint8_t* row) const;
 
-  const bool fourBit_;
-  const int32_t width_;
+  bool fourBit_;
+  int32_t width_;
 };
 
 }  // namespace qnv

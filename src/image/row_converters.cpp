@@ -9,39 +9,12 @@
 namespace qnv {
 namespace {
 
-// bytes: blue, green, red in the order of the band or reversed.
-template <PixelTarget kTarget>
-uint32_t Compose(uint32_t blue, uint32_t green, uint32_t red) {
-  if constexpr (kTarget == PixelTarget::kBand24) return blue | green << 8 | red << 16;
-  if constexpr (kTarget == PixelTarget::kSource24) return red | green << 8 | blue << 16;
-  if constexpr (kTarget == PixelTarget::kGray8) return WeightedGray(red, green, blue);
-}
-
-template <PixelTarget kTarget, uint32_t kBits>
-uint32_t ReadPixel(const uint8_t* row, uint32_t x, const PixelColours& colours) {
-  const uint32_t* table = colours.table.entries;
+// Pixels of colours in a table.
+template <uint32_t kBits>
+uint32_t ReadPixel(const uint8_t* row, uint32_t x, const uint32_t* table) {
   if constexpr (kBits == 1) return table[row[x / 8] >> (7 - x % 8) & 1];
   if constexpr (kBits == 4) return table[x % 2 == 0 ? row[x / 2] >> 4 : row[x / 2] & 0x0F];
   if constexpr (kBits == 8) return table[row[x]];
-  if constexpr (kBits == 16) {
-    const uint32_t pixel = static_cast<uint32_t>(row[2 * x] | row[2 * x + 1] << 8);
-    const uint32_t first = colours.masks.component[0].Extract(pixel);
-    const uint32_t second = colours.masks.component[1].Extract(pixel);
-    const uint32_t third = colours.masks.component[2].Extract(pixel);
-    // The masks are in target order already.
-    return kTarget == PixelTarget::kGray8 ? WeightedGray(third, second, first) : first | second << 8 | third << 16;
-  }
-  if constexpr (kBits >= 24) {
-    const uint8_t* pixel = row + std::size_t{kBits / 8} * x;
-    return Compose<kTarget>(pixel[0], pixel[1], pixel[2]);
-  }
-}
-
-template <PixelTarget kTarget, uint32_t kBits>
-void Picked(uint8_t* out, const uint8_t* row, const uint16_t* picks, std::size_t count,
-            const ConverterContext& context) {
-  StorePixels<BytesOf(kTarget)>(
-      out, count, [&](std::size_t i) { return ReadPixel<kTarget, kBits>(row, picks[i], context.colours); });
 }
 
 // 24 bits in target order, from pixels that lie byte-aligned.
@@ -94,6 +67,28 @@ void Consecutive(uint8_t* out, const uint8_t* row, uint32_t first, std::size_t c
     ConvertGray<kBits>(out, row + std::size_t{kBits / 8} * first, count, context);
   } else {
     Convert24<kTarget, kBits>(out, row + std::size_t{kBits / 8} * first, count, context);
+  }
+}
+
+// Colours of a table are looked up one by one; other pixels are gathered, a cached piece at a time, and converted as
+// consecutive ones.
+template <PixelTarget kTarget, uint32_t kBits>
+void Picked(uint8_t* out, const uint8_t* row, const uint16_t* picks, std::size_t count,
+            const ConverterContext& context) {
+  if constexpr (kBits <= 8) {
+    StorePixels<BytesOf(kTarget)>(
+        out, count, [&](std::size_t i) { return ReadPixel<kBits>(row, picks[i], context.colours.table.entries); });
+  } else {
+    constexpr std::size_t kPiece = 256;
+    constexpr std::size_t kBytes = kBits / 8;
+    uint8_t gathered[kBytes * kPiece];
+    for (std::size_t done = 0; done < count; done += kPiece) {
+      const std::size_t piece = std::min(kPiece, count - done);
+      for (std::size_t i = 0; i < piece; ++i) {
+        std::memcpy(gathered + kBytes * i, row + kBytes * picks[done + i], kBytes);
+      }
+      Consecutive<kTarget, kBits>(out + BytesOf(kTarget) * done, gathered, 0, piece, context);
+    }
   }
 }
 
