@@ -42,13 +42,19 @@ bool ColumnPlan::Make(const Stepping& stepping, const SourceMapping& mapping, ui
   int32_t reached = 0;
   bool consecutive = true;
   bool ascending = true;  // only wrapped numbers step back
-  count_ = WalkColumns(stepping, [&](int32_t i, int32_t begin, int32_t end) {
-    if (firstWalked < 0) firstWalked = i;
-    lastWalked = i;
-    if (end - begin != 1 || begin != i - firstWalked) consecutive = false;
-    if (begin != reached) ascending = false;
-    reached = end;
-  });
+  if (IsOneToOne(stepping)) {
+    count_ = std::min<int32_t>(stepping.sourcePixels, stepping.dstPixels);
+    firstWalked = 0;
+    lastWalked = count_ - 1;
+  } else {
+    count_ = WalkColumns(stepping, [&](int32_t i, int32_t begin, int32_t end) {
+      if (firstWalked < 0) firstWalked = i;
+      lastWalked = i;
+      if (end - begin != 1 || begin != i - firstWalked) consecutive = false;
+      if (begin != reached) ascending = false;
+      reached = end;
+    });
+  }
   if (count_ == 0) return true;
   sourceCount_ = lastWalked - firstWalked + 1;
   low_ = first + (mapping.mirrorX ? lastWalked : firstWalked) * advance;

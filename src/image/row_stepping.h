@@ -66,6 +66,12 @@ class RowWalk {
   uint16_t done_ = 0;
 };
 
+// True when every source pixel covers the destination pixel of its own number, as far as there is one.
+constexpr bool IsOneToOne(const Stepping& stepping) {
+  const int64_t first = int64_t{stepping.start} + 32768;
+  return stepping.step == 65536 && first >= 0 && first < 65536 && stepping.sourcePixels < INT16_MAX;
+}
+
 // Calls cover(sourcePixel, begin, end) for every source column that covers destination columns; returns how
 // many columns, counted from the first, are covered in all.
 template <class Cover>

@@ -14,6 +14,8 @@
 namespace qnv {
 
 class TransferRows {
+  static_assert(KeptMapping::kMostPicks <= SourceRows::kMostPixels, "a run is fetched into one chunk");
+
  public:
   // pattern: null when the operation reads none. source: null when it reads none. regray: pixels become
   // gray levels after they are written.
@@ -36,6 +38,8 @@ class TransferRows {
       const int32_t pixels = (relative.right - relative.left) * (relative.bottom - relative.top);
       return PaintRows(band, RowRange{relative.top, 1, 0}, ColumnRun{0, 0, pixels, nullptr});
     }
+    // Images paint row by row: of a row that the band does not keep no columns are worked out.
+    if (!Mapping::kOneToOne && relative.bottom - relative.top == 1 && mapping.BandRow(relative.top) < 0) return;
     mapping.ForEachRun(relative.left, relative.right - relative.left, bandColumns, [&](const ColumnRun& run) {
       if constexpr (Mapping::kOneToOne) {
         PaintRows(band, RowRange{relative.top, relative.bottom - relative.top, 0}, run);

@@ -193,7 +193,7 @@ TEST_P(RowKernelsTest, SwapRow24) {
 
 bool BitAt(const std::vector<uint8_t>& bits, std::size_t at) { return (bits[at / 8] >> (7 - at % 8) & 1) != 0; }
 
-TEST_P(RowKernelsTest, ExpandAndPaintBits) {
+TEST_P(RowKernelsTest, ExpandBits) {
   constexpr uint32_t kSet = 0x00C3A55A, kClear = 0x000F1E2D;
   for (std::size_t pixels = 0; pixels <= kMost; ++pixels) {
     for (std::size_t offset = 0; offset < 8; ++offset) {
@@ -208,12 +208,6 @@ TEST_P(RowKernelsTest, ExpandAndPaintBits) {
       Check(
           pixels, lead, [&](uint8_t* dst) { rows().ExpandBitsRow8(dst, source.data(), offset, pixels, kSet, kClear); },
           [&](std::size_t i, uint8_t) { return byteOf(BitAt(bits, offset + i) ? kSet : kClear, 0); });
-      Check(
-          3 * pixels, lead, [&](uint8_t* dst) { rows().PaintBitsRow24(dst, source.data(), offset, pixels, kSet); },
-          [&](std::size_t i, uint8_t d) { return BitAt(bits, offset + i / 3) ? byteOf(kSet, i % 3) : d; });
-      Check(
-          pixels, lead, [&](uint8_t* dst) { rows().PaintBitsRow8(dst, source.data(), offset, pixels, kSet); },
-          [&](std::size_t i, uint8_t d) { return BitAt(bits, offset + i) ? byteOf(kSet, 0) : d; });
     }
   }
 }

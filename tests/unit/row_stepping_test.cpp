@@ -46,6 +46,34 @@ TEST(RowStepping, ColumnsEqualRows) {
   EXPECT_EQ(ends, (std::vector<int32_t>{2, 3}));
 }
 
+// The promise is checked against the walk itself.
+TEST(RowStepping, OneToOneColumns) {
+  int promised = 0;
+  for (const int32_t start : {-65536, -32769, -32768, -1, 0, 1, 32767, 32768, INT32_MAX}) {
+    for (const int32_t source : {1, 7, 100, 32766, 32767, 40000}) {
+      for (const int dst : {1, 7, 50, 40000}) {
+        for (const uint32_t step : {65535u, 65536u, 65537u}) {
+          const Stepping stepping{step, start, source, static_cast<uint16_t>(dst)};
+          if (!IsOneToOne(stepping)) continue;
+          ++promised;
+          int32_t next = 0;
+          const int32_t covered = WalkColumns(stepping, [&](int32_t i, int32_t begin, int32_t end) {
+            ASSERT_EQ(i, next);
+            ASSERT_EQ(begin, i);
+            ASSERT_EQ(end, i + 1);
+            ++next;
+          });
+          EXPECT_EQ(covered, source < dst ? source : dst);
+          EXPECT_EQ(next, covered);
+        }
+      }
+    }
+  }
+  EXPECT_EQ(promised, 5 * 4 * 4);
+  EXPECT_TRUE(IsOneToOne(MakeStepping(0, 4 * kOne, 4, 0, 4)));
+  EXPECT_TRUE(IsOneToOne(MakeStepping(4 * kOne, -4 * kOne, 4, 0, 4)));
+}
+
 // Whatever a document's numbers wrap to, nothing outside the destination is named.
 TEST(RowStepping, HostileValuesStayInside) {
   constexpr int32_t kValues[] = {0,         1,          -1,          kOne,     -kOne,     32767 * kOne, INT32_MAX,

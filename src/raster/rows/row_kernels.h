@@ -67,10 +67,6 @@ struct RowKernels {
   void (*PaintGlyph24)(uint8_t* dst, std::size_t stride, const GlyphColumn& column, const BitColours& colours);
   void (*PaintGlyph8)(uint8_t* dst, std::size_t stride, const GlyphColumn& column, const BitColours& colours);
 
-  // Only set bits are painted.
-  void (*PaintBitsRow24)(uint8_t* dst, const uint8_t* bits, std::size_t offset, std::size_t pixels, uint32_t set);
-  void (*PaintBitsRow8)(uint8_t* dst, const uint8_t* bits, std::size_t offset, std::size_t pixels, uint32_t set);
-
   // Rows of images at the same level.
   const PixelRows* image;
 };

@@ -70,8 +70,6 @@ constinit const RowKernels kAvx2RowKernels = {
     .ExpandGlyph8 = ExpandGlyphOf<Eight8>,
     .PaintGlyph24 = PaintGlyphOf<Eight24Wide>,
     .PaintGlyph8 = PaintGlyphOf<Eight8>,
-    .PaintBitsRow24 = PaintBitsRowOf<Eight24>,
-    .PaintBitsRow8 = PaintBitsRowOf<Eight8>,
     .image = &kAvx2PixelRows,
 };
 

@@ -70,20 +70,6 @@ void ExpandBitsRowOf(uint8_t* dst, const uint8_t* bits, std::size_t offset, std:
   }
 }
 
-template <class Eight>
-void PaintBitsRowOf(uint8_t* dst, const uint8_t* bits, std::size_t offset, std::size_t pixels, uint32_t set) {
-  const Eight colour = Eight::Colour(set);
-  for (; pixels >= 8; pixels -= 8, ++bits, dst += Eight::kBytes) {
-    const uint8_t eight = EightBits(bits, offset);
-    if (eight == 0) continue;
-    const Eight band = Eight::Load(dst);
-    (band ^ ((band ^ colour) & Eight::Mask(eight))).Store(dst);
-  }
-  for (std::size_t i = 0; i < pixels; ++i, dst += Eight::kBytesPerPixel) {
-    if (OneBit(bits, offset + i)) StorePixel<Eight::kBytesPerPixel>(dst, set);
-  }
-}
-
 // The pixels of one glyph row, from a byte's mask on: D' = D ^ ((D ^ set) & mask), or without looking at D.
 
 struct PaintOperation {

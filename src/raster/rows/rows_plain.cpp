@@ -103,8 +103,6 @@ constinit const RowKernels kPlainRowKernels = {
     .ExpandGlyph8 = ExpandGlyph<1>,
     .PaintGlyph24 = PaintGlyph<3>,
     .PaintGlyph8 = PaintGlyph<1>,
-    .PaintBitsRow24 = PaintBitsRow<3>,
-    .PaintBitsRow8 = PaintBitsRow<1>,
     .image = &kPlainPixelRows,
 };
 

@@ -34,8 +34,6 @@ constinit const RowKernels kSsse3RowKernels = {
     .ExpandGlyph8 = ExpandGlyphOf<Eight8>,
     .PaintGlyph24 = PaintGlyphOf<Eight24>,
     .PaintGlyph8 = PaintGlyphOf<Eight8>,
-    .PaintBitsRow24 = PaintBitsRowOf<Eight24>,
-    .PaintBitsRow8 = PaintBitsRowOf<Eight8>,
     .image = &kSsse3PixelRows,
 };
 
