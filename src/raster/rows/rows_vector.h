@@ -187,15 +187,16 @@ struct TileOperation {
   void WalkVectors(uint8_t* dst, std::size_t i, std::size_t last) const {
     constexpr std::size_t k = Vector::kBytes;
     const Pair<Vector> t0 = Tiles<Vector>(i), t1 = Tiles<Vector>(i + k), t2 = Tiles<Vector>(i + 2 * k);
-    const auto one = [dst](std::size_t at, const Pair<Vector>& t) { With(Vector::Load(dst + at), t).Store(dst + at); };
-    for (; i + 3 * k <= last; i += 3 * k) {
-      one(i, t0);
-      one(i + k, t1);
-      one(i + 2 * k, t2);
+    uint8_t* const end = dst + last;
+    uint8_t* at = dst + i;
+    for (; at + 3 * k <= end; at += 3 * k) {
+      With(Vector::Load(at), t0).Store(at);
+      With(Vector::Load(at + k), t1).Store(at + k);
+      With(Vector::Load(at + 2 * k), t2).Store(at + 2 * k);
     }
-    if (i < last) one(i, t0);
-    if (i + k < last) one(i + k, t1);
-    if (i + 2 * k < last) one(i + 2 * k, t2);
+    if (at < end) With(Vector::Load(at), t0).Store(at);
+    if (at + k < end) With(Vector::Load(at + k), t1).Store(at + k);
+    if (at + 2 * k < end) With(Vector::Load(at + 2 * k), t2).Store(at + 2 * k);
   }
   template <class Vector>
   Vector At(Vector band, std::size_t offset) const {
