@@ -46,8 +46,6 @@ bool ImageTransfer::Prepare(const BandState& state, const Rect& bandRect, PixelT
   return !dib_.IsRle() || rleRows_.Find(dib_, bits_, mapping, buffers_);
 }
 
-bool ImageTransfer::NextRow(CoveredRows* rows) { return walk_.Next(rows); }
-
 const uint8_t* ImageTransfer::SourceRow(int32_t stored) const {
   if (dib_.IsRle()) return rleRows_.Row(stored);
   return bits_ + static_cast<std::size_t>(stored) * DibRowBytes(dib_.width, dib_.bitCount);

@@ -41,7 +41,7 @@ class ImageTransfer {
   uint16_t BitCount() const { return dib_.bitCount; }
 
   // Steps to the next source row; false at the end.
-  bool NextRow(CoveredRows* rows);
+  bool NextRow(CoveredRows* rows) { return walk_.Next(rows); }
   bool IsLastRow() const { return walk_.IsLast(); }
 
   // Converts the current source row; out: place of the first visible pixel. Columns that no source pixel
