@@ -20,7 +20,7 @@ TEST(Divider, IsExact) {
       if (n < INT32_MAX) check(n + 1);
     }
     check(INT32_MAX);
-    for (int i = 0; i < 50; ++i) check(random() >> 1);
+    for (int i = 0; i < 50; ++i) check(static_cast<uint32_t>(random() >> 1));
   }
   EXPECT_EQ(INT32_MAX / 65535, static_cast<int32_t>(Divider(65535).Divide(INT32_MAX)));
 }

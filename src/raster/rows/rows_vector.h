@@ -37,7 +37,7 @@ struct WordVector {
   friend WordVector Min(WordVector a, WordVector b) {
     WordVector r{};
     for (std::size_t i = 0; i < 8 * sizeof(Word); i += 8) {
-      const Word x = a.v >> i & 0xFF, y = b.v >> i & 0xFF;
+      const uint32_t x = a.v >> i & 0xFF, y = b.v >> i & 0xFF;
       r.v = static_cast<Word>(r.v | (x < y ? x : y) << i);
     }
     return r;
