@@ -22,26 +22,32 @@ SpanPainter::SpanPainter(const BandView& band, const RowKernels& rows, const Fil
 }
 
 void SpanPainter::Paint(int32_t y, int32_t left, int32_t right) {
-  PaintPixels(static_cast<std::size_t>(right - left), y, left);
+  PaintBlock(y, 1, left, static_cast<std::size_t>(right - left));
 }
 
 void SpanPainter::PaintRows(int32_t top, int32_t bottom, int32_t left, int32_t right) {
+  std::size_t pixels = static_cast<std::size_t>(right - left);
+  std::size_t rows = static_cast<std::size_t>(bottom - top);
   if (masks_.IsOneCell() && band_.IsWholeRow(right - left)) {
-    return PaintPixels(static_cast<std::size_t>(right - left) * static_cast<std::size_t>(bottom - top), top, left);
+    pixels *= rows;
+    rows = 1;
   }
-  for (int32_t y = top; y < bottom; ++y) Paint(y, left, right);
+  PaintBlock(top, rows, left, pixels);
 }
 
-void SpanPainter::PaintPixels(std::size_t pixels, int32_t y, int32_t left) {
-  uint8_t* dst = band_.At(left, y);
+void SpanPainter::PaintBlock(int32_t top, std::size_t rows, int32_t left, std::size_t pixels) {
+  uint8_t* dst = band_.At(left, top);
   const std::size_t bytes = pixels * band_.bytesPerPixel;
-  const TileMasks masks = masks_.At(masks_.RowOf(y), masks_.PhaseOf(left));
-  if (fills_) {
-    rows_.FillTileRow(dst, bytes, masks.xor2);
-  } else {
-    rows_.RopTileRow(dst, bytes, masks.and2, masks.xor2);
+  const std::size_t phase = masks_.PhaseOf(left);
+  for (int32_t y = top; rows != 0; --rows, ++y, dst += band_.stride) {
+    const TileMasks masks = masks_.At(masks_.RowOf(y), phase);
+    if (fills_) {
+      rows_.FillTileRow(dst, bytes, masks.xor2);
+    } else {
+      rows_.RopTileRow(dst, bytes, masks.and2, masks.xor2);
+    }
+    if (regray_) Regray(dst, pixels, y, left);
   }
-  if (regray_) Regray(dst, pixels, y, left);
 }
 
 void SpanPainter::Regray(uint8_t* dst, std::size_t pixels, int32_t y, int32_t left) {

@@ -25,7 +25,7 @@ class SpanPainter {
   void PaintRows(int32_t top, int32_t bottom, int32_t left, int32_t right);
 
  private:
-  void PaintPixels(std::size_t pixels, int32_t y, int32_t left);
+  void PaintBlock(int32_t top, std::size_t rows, int32_t left, std::size_t pixels);
   void Regray(uint8_t* dst, std::size_t pixels, int32_t y, int32_t left);
 
   const BandView& band_;
