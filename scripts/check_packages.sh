@@ -17,38 +17,12 @@ for tree in "$linux_tree" "$win32_tree"; do
   }
 done
 
-work=$(mktemp -d)
-trap 'rm -rf "$work"' EXIT
-trap 'exit 1' HUP INT TERM
+. "$root/scripts/check_lines.sh"
 wine=$root/scripts/wine.sh
 mingw=i686-w64-mingw32
 mingw_c=$mingw-gcc-posix
-export LC_ALL=C
 umask 022
 version=$(sed -n 's/^CMAKE_PROJECT_VERSION:STATIC=//p' "$linux_tree/CMakeCache.txt")
-passed=0
-failed=0
-
-# check WHAT COMMAND...: one line; on failure what the command said
-check() {
-  local what=$1
-  shift
-  if "$@" >"$work/said" 2>&1 </dev/null; then
-    echo "  ok      $what"
-    passed=$((passed + 1))
-  else
-    echo "  FAILED  $what"
-    tail -n 20 "$work/said" | cut -c1-300 | sed 's/^/          /'
-    failed=$((failed + 1))
-    return 1
-  fi
-}
-
-finish() {
-  echo "$passed passed, $failed failed"
-  [ "$failed" -eq 0 ]
-  exit
-}
 
 # needs FILE...: a check is worth nothing when the file it looks at is missing
 needs() {

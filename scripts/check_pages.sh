@@ -13,33 +13,7 @@ root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 trees=()
 for tree; do trees+=("$(realpath "$tree")") || exit 2; done
 
-work=$(mktemp -d)
-trap 'rm -rf "$work"' EXIT
-trap 'exit 1' HUP INT TERM
-export LC_ALL=C
-passed=0
-failed=0
-
-# check WHAT COMMAND...: one line; on failure what the command said
-check() {
-  local what=$1
-  shift
-  if "$@" >"$work/said" 2>&1 </dev/null; then
-    echo "  ok      $what"
-    passed=$((passed + 1))
-  else
-    echo "  FAILED  $what"
-    tail -n 20 "$work/said" | cut -c1-300 | sed 's/^/          /'
-    failed=$((failed + 1))
-    return 1
-  fi
-}
-
-finish() {
-  echo "$passed passed, $failed failed"
-  [ "$failed" -eq 0 ]
-  exit
-}
+. "$root/scripts/check_lines.sh"
 
 # host TREE ARGUMENT...
 host() {
