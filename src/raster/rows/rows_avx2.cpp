@@ -11,7 +11,6 @@ namespace {
 
 // Eight pixels of a glyph in one register.
 struct Eight24Wide {
-  static constexpr std::size_t kBytes = 24;
   static constexpr std::size_t kBytesPerPixel = 3;
   __m256i v;
 
