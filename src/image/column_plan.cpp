@@ -20,6 +20,37 @@ std::size_t PixelsOfAGroup(const uint16_t* picks, std::size_t count, std::size_t
   return pixels;
 }
 
+// What a walk over the columns shows of their order.
+struct ColumnOrder {
+  int32_t firstWalked = -1, lastWalked = -1;  // source columns
+  int32_t reached = 0;
+  int32_t repetition = 0;   // destination columns of the first one
+  int32_t lastLength = 0;   // of the last one
+  bool consecutive = true;  // one for one
+  bool ascending = true;    // only wrapped numbers step back
+  bool repeated = true;     // each as often as the first, but the last
+
+  void Add(int32_t i, int32_t begin, int32_t end) {
+    if (firstWalked < 0) {
+      firstWalked = lastWalked = i;
+      repetition = lastLength = end - begin;
+    } else if (lastLength != repetition || i != lastWalked + 1) {
+      repeated = false;
+    }
+    lastWalked = i;
+    lastLength = end - begin;
+    if (lastLength != 1 || begin != i - firstWalked) consecutive = false;
+    if (begin != reached) ascending = false;
+    reached = end;
+  }
+
+  // 2, 4 or 8; 0 when columns are not repeated evenly.
+  std::size_t Factor() const {
+    const bool evenly = ascending && repeated && lastLength <= repetition;
+    return evenly && (repetition == 2 || repetition == 4 || repetition == 8) ? static_cast<std::size_t>(repetition) : 0;
+  }
+};
+
 // Formats whose whole rows are converted sooner than single pixels are picked out of bytes.
 bool ConvertsBeforeThinning(uint32_t bitCount, PixelTarget target) {
   return bitCount == 1 || (bitCount == 4 && target == PixelTarget::kGray8);
@@ -37,35 +68,30 @@ bool ColumnPlan::Make(const Stepping& stepping, const SourceMapping& mapping, ui
   const int32_t first = mapping.mirrorX ? mapping.left + mapping.columns - 1 : mapping.left;
   const int32_t advance = mapping.mirrorX ? -1 : 1;
 
-  int32_t firstWalked = -1;
-  int32_t lastWalked = -1;
-  int32_t reached = 0;
-  bool consecutive = true;
-  bool ascending = true;  // only wrapped numbers step back
+  ColumnOrder order;
   if (IsOneToOne(stepping)) {
     count_ = std::min<int32_t>(stepping.sourcePixels, stepping.dstPixels);
-    firstWalked = 0;
-    lastWalked = count_ - 1;
+    order.firstWalked = 0;
+    order.lastWalked = count_ - 1;
   } else {
-    count_ = WalkColumns(stepping, [&](int32_t i, int32_t begin, int32_t end) {
-      if (firstWalked < 0) firstWalked = i;
-      lastWalked = i;
-      if (end - begin != 1 || begin != i - firstWalked) consecutive = false;
-      if (begin != reached) ascending = false;
-      reached = end;
-    });
+    count_ = WalkColumns(stepping, [&](int32_t i, int32_t begin, int32_t end) { order.Add(i, begin, end); });
   }
   if (count_ == 0) return true;
-  sourceCount_ = lastWalked - firstWalked + 1;
-  low_ = first + (mapping.mirrorX ? lastWalked : firstWalked) * advance;
+  sourceCount_ = order.lastWalked - order.firstWalked + 1;
+  low_ = first + (mapping.mirrorX ? order.lastWalked : order.firstWalked) * advance;
 
-  if (consecutive && ascending) {
+  if (order.consecutive && order.ascending) {
     order_ = mapping.mirrorX ? Order::kBackward : Order::kForward;
     return !mapping.mirrorX || TakeConverted(static_cast<std::size_t>(count_) * bytesPerPixel_, buffers);
   }
+  factor_ = order.Factor();
+  if (factor_ != 0 && !mapping.mirrorX) {
+    order_ = Order::kRepeated;
+    return TakeConverted(static_cast<std::size_t>(sourceCount_) * bytesPerPixel_, buffers);
+  }
   order_ = Order::kPicked;
   if (!PlanPicks(stepping, first, advance, buffers)) return false;
-  if (!ascending) return true;
+  if (!order.ascending) return true;
   const std::size_t count = static_cast<std::size_t>(count_);
   const std::size_t sourceCount = static_cast<std::size_t>(sourceCount_);
   const std::size_t bytes = sourceCount * bytesPerPixel_;
@@ -132,6 +158,10 @@ void ColumnPlan::Apply(uint8_t* out, const uint8_t* row, const RowConverter& con
     case Order::kBackward:
       converter.Consecutive(converted_, row, low, count, context);
       (bytesPerPixel_ == 3 ? image.ReverseRow24 : image.ReverseRow8)(out, converted_, count);
+      break;
+    case Order::kRepeated:
+      converter.Consecutive(converted_, row, low, static_cast<std::size_t>(sourceCount_), context);
+      (bytesPerPixel_ == 3 ? image.RepeatRow24 : image.RepeatRow8)(out, converted_, count, factor_);
       break;
     case Order::kConvertedFirst:
       converter.Consecutive(converted_, row, low, static_cast<std::size_t>(sourceCount_), context);

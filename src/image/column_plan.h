@@ -24,7 +24,8 @@ class ColumnPlan {
   enum class Order : uint8_t {
     kForward,  // one source column after another
     kBackward,
-    kConvertedFirst,  // converted one after another, then repeated or thinned out
+    kRepeated,        // converted one after another, then each repeated 2, 4 or 8 times
+    kConvertedFirst,  // converted one after another, then enlarged or thinned out
     kGatheredFirst,   // source pixels thinned out, then converted one after another
     kPicked,          // source columns one by one
   };
@@ -42,6 +43,7 @@ class ColumnPlan {
   const uint16_t* picks_ = nullptr;       // the source column of each destination column
   const ShuffleGroup* groups_ = nullptr;  // what picks_ says, in bytes from low_ on
   std::size_t groupPixels_ = 0;
+  std::size_t factor_ = 0;        // kRepeated
   uint8_t* converted_ = nullptr;  // a row between its two steps
 };
 

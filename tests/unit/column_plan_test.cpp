@@ -78,9 +78,9 @@ struct Scale {
   int32_t target, source;
 };
 
-constexpr Scale kScales[] = {{"1:1", 1, 1},    {"x2", 2, 1},    {"x1.37", 137, 100}, {"x0.9", 9, 10},
-                             {"/1.5", 2, 3},   {"/2", 1, 2},    {"/3", 1, 3},        {"/3.3", 10, 33},
-                             {"/4.5", 10, 45}, {"/7.5", 2, 15}, {"/20", 1, 20}};
+constexpr Scale kScales[] = {{"1:1", 1, 1},       {"x2", 2, 1},     {"x3", 3, 1},    {"x4", 4, 1},  {"x8", 8, 1},
+                             {"x1.37", 137, 100}, {"x0.9", 9, 10},  {"/1.5", 2, 3},  {"/2", 1, 2},  {"/3", 1, 3},
+                             {"/3.3", 10, 33},    {"/4.5", 10, 45}, {"/7.5", 2, 15}, {"/20", 1, 20}};
 
 struct Level {
   const char* name;
@@ -103,7 +103,9 @@ class ColumnPlanTest : public testing::TestWithParam<Level> {
   void Check(uint32_t bitCount, PixelTarget target, const Scale& scale, int32_t columns, bool mirrored) {
     const int32_t left = static_cast<int32_t>(random_() % 20);
     const int32_t extent = static_cast<int32_t>(int64_t{columns} * 65536 * scale.target / scale.source);
-    const int32_t hidden = random_() % 2 == 0 ? 0 : (extent >> 16) / 3;
+    // The first source column is never hidden as a whole.
+    const int32_t most = scale.target > scale.source ? scale.target / scale.source - 1 : (extent >> 16) / 3;
+    const int32_t hidden = random_() % 2 == 0 ? 0 : most;
     const int32_t shown = (extent >> 16) - hidden - (random_() % 2 == 0 ? 0 : (extent >> 16) / 4);
     if (shown <= 0) return;
     SourceMapping mapping{};

@@ -208,6 +208,22 @@ TEST_P(PixelRowsTest, Reverse) {
   }
 }
 
+TEST_P(PixelRowsTest, Repeat) {
+  for (const std::size_t factor : {std::size_t{2}, std::size_t{4}, std::size_t{8}}) {
+    for (std::size_t pixels = 0; pixels <= kMost; ++pixels) {
+      const std::size_t sources = (pixels + factor - 1) / factor;
+      const Bytes three = Random(3 * sources + kGroupBytes), one = Random(sources + kGroupBytes);
+      Bytes threeTimes, oneTimes;
+      for (std::size_t i = 0; i < pixels; ++i) {
+        for (std::size_t c = 0; c < 3; ++c) threeTimes.push_back(three[3 * (i / factor) + c]);
+        oneTimes.push_back(one[i / factor]);
+      }
+      Check(three, threeTimes, [&](uint8_t* d, const uint8_t* s) { rows().RepeatRow24(d, s, pixels, factor); });
+      Check(one, oneTimes, [&](uint8_t* d, const uint8_t* s) { rows().RepeatRow8(d, s, pixels, factor); });
+    }
+  }
+}
+
 TEST_P(PixelRowsTest, ShuffleRow) {
   for (const std::size_t stride : {std::size_t{15}, std::size_t{16}, std::size_t{3}}) {
     for (std::size_t total = 0; total <= kMost; ++total) {

@@ -61,6 +61,11 @@ struct PixelRows {
   void (*ReverseRow24)(uint8_t* dst, const uint8_t* source, std::size_t pixels);
   void (*ReverseRow8)(uint8_t* dst, const uint8_t* source, std::size_t pixels);
 
+  // Each source pixel `factor` times, 2, 4 or 8; `pixels` counts the destination's, the last source pixel may stand for
+  // fewer. kGroupBytes behind the source may be read.
+  void (*RepeatRow24)(uint8_t* dst, const uint8_t* source, std::size_t pixels, std::size_t factor);
+  void (*RepeatRow8)(uint8_t* dst, const uint8_t* source, std::size_t pixels, std::size_t factor);
+
   // Groups of destination bytes that stand close together in the source: byte i of a group is the source's byte
   // from + bytes[i]. stride: bytes that a group stands for, 1..kGroupBytes; the last group is cut where `total`
   // bytes end. kGroupBytes from each `from` on may be read.
@@ -89,6 +94,8 @@ void TripleRow24(uint8_t* dst, const uint8_t* source, std::size_t pixels);
 void MarkRow24(uint8_t* marks, const uint8_t* source, std::size_t pixels, uint8_t skip, uint8_t mark);
 void ReverseRow24(uint8_t* dst, const uint8_t* source, std::size_t pixels);
 void ReverseRow8(uint8_t* dst, const uint8_t* source, std::size_t pixels);
+void RepeatRow24(uint8_t* dst, const uint8_t* source, std::size_t pixels, std::size_t factor);
+void RepeatRow8(uint8_t* dst, const uint8_t* source, std::size_t pixels, std::size_t factor);
 void ShuffleRow(uint8_t* dst, const uint8_t* source, const ShuffleGroup* groups, std::size_t stride, std::size_t total);
 
 }  // namespace plain

@@ -222,6 +222,14 @@ void MarkRow24(uint8_t* marks, const uint8_t* source, std::size_t pixels, uint8_
   Narrow().MarkRow24(marks, source, pixels, skip, mark);
 }
 
+void RepeatRow24(uint8_t* dst, const uint8_t* source, std::size_t pixels, std::size_t factor) {
+  Narrow().RepeatRow24(dst, source, pixels, factor);
+}
+
+void RepeatRow8(uint8_t* dst, const uint8_t* source, std::size_t pixels, std::size_t factor) {
+  Narrow().RepeatRow8(dst, source, pixels, factor);
+}
+
 void ShuffleRow(uint8_t* dst, const uint8_t* source, const ShuffleGroup* groups, std::size_t stride,
                 std::size_t total) {
   Narrow().ShuffleRow(dst, source, groups, stride, total);
@@ -243,6 +251,8 @@ constinit const PixelRows kAvx2PixelRows = {
     .MarkRow24 = MarkRow24,
     .ReverseRow24 = ReverseRow24,
     .ReverseRow8 = ReverseRow8,
+    .RepeatRow24 = RepeatRow24,
+    .RepeatRow8 = RepeatRow8,
     .ShuffleRow = ShuffleRow,
 };
 

@@ -94,6 +94,14 @@ void ReverseRow24(uint8_t* dst, const uint8_t* source, std::size_t pixels) { Rev
 
 void ReverseRow8(uint8_t* dst, const uint8_t* source, std::size_t pixels) { Reverse<1>(dst, source, pixels); }
 
+void RepeatRow24(uint8_t* dst, const uint8_t* source, std::size_t pixels, std::size_t factor) {
+  for (std::size_t i = 0; i < pixels; ++i) std::memcpy(dst + 3 * i, source + 3 * (i / factor), 3);
+}
+
+void RepeatRow8(uint8_t* dst, const uint8_t* source, std::size_t pixels, std::size_t factor) {
+  for (std::size_t i = 0; i < pixels; ++i) dst[i] = source[i / factor];
+}
+
 void ShuffleRow(uint8_t* dst, const uint8_t* source, const ShuffleGroup* groups, std::size_t stride,
                 std::size_t total) {
   for (std::size_t done = 0; done < total; done += stride, ++groups) {
@@ -118,6 +126,8 @@ constinit const PixelRows kPlainPixelRows = {
     .MarkRow24 = plain::MarkRow24,
     .ReverseRow24 = plain::ReverseRow24,
     .ReverseRow8 = plain::ReverseRow8,
+    .RepeatRow24 = plain::RepeatRow24,
+    .RepeatRow8 = plain::RepeatRow8,
     .ShuffleRow = plain::ShuffleRow,
 };
 

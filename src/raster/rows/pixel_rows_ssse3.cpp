@@ -208,6 +208,49 @@ void ReverseRow8(uint8_t* dst, const uint8_t* source, std::size_t pixels) {
   plain::ReverseRow8(dst, source, pixels);
 }
 
+// A vector of sixteen pixels in which source pixels are repeated: where its load begins, and its shuffle.
+struct RepeatVector {
+  std::ptrdiff_t from = 0;
+  alignas(16) uint8_t bytes[16] = {};
+};
+
+template <std::size_t kBytesPerPixel>
+constexpr RepeatVector MakeRepeatVector(std::size_t factor, std::size_t vector) {
+  const auto sourceOf = [=](std::size_t i) {
+    const std::size_t byte = 16 * vector + i;
+    return byte / kBytesPerPixel / factor * kBytesPerPixel + byte % kBytesPerPixel;
+  };
+  // Where the pixel of the first byte begins.
+  const std::size_t from = 16 * vector / kBytesPerPixel / factor * kBytesPerPixel;
+  RepeatVector result;
+  result.from = static_cast<std::ptrdiff_t>(from);
+  for (std::size_t i = 0; i < 16; ++i) result.bytes[i] = static_cast<uint8_t>(sourceOf(i) - from);
+  return result;
+}
+
+template <std::size_t kBytesPerPixel, std::size_t kFactor>
+void Repeat(uint8_t* dst, const uint8_t* source, std::size_t blocks) {
+  static constexpr RepeatVector kVectors[3] = {MakeRepeatVector<kBytesPerPixel>(kFactor, 0),
+                                               MakeRepeatVector<kBytesPerPixel>(kFactor, 1),
+                                               MakeRepeatVector<kBytesPerPixel>(kFactor, 2)};
+  for (; blocks != 0; --blocks, source += 16 / kFactor * kBytesPerPixel, dst += 16 * kBytesPerPixel) {
+    for (std::size_t v = 0; v < kBytesPerPixel; ++v) {
+      Store16(dst + 16 * v, _mm_shuffle_epi8(Load16(source + kVectors[v].from), Load16(kVectors[v].bytes)));
+    }
+  }
+}
+
+template <std::size_t kBytesPerPixel, auto Plain>
+void RepeatRow(uint8_t* dst, const uint8_t* source, std::size_t pixels, std::size_t factor) {
+  const std::size_t blocks = pixels / 16;
+  switch (factor) {
+    case 2: Repeat<kBytesPerPixel, 2>(dst, source, blocks); break;
+    case 4: Repeat<kBytesPerPixel, 4>(dst, source, blocks); break;
+    default: Repeat<kBytesPerPixel, 8>(dst, source, blocks); break;
+  }
+  Plain(dst + 16 * kBytesPerPixel * blocks, source + 16 / factor * kBytesPerPixel * blocks, pixels % 16, factor);
+}
+
 // A group is stored whole: what it writes past its stride is overwritten by the next one.
 void ShuffleRow(uint8_t* dst, const uint8_t* source, const ShuffleGroup* groups, std::size_t stride,
                 std::size_t total) {
@@ -234,6 +277,8 @@ constinit const PixelRows kSsse3PixelRows = {
     .MarkRow24 = MarkRow24,
     .ReverseRow24 = ReverseRow24,
     .ReverseRow8 = ReverseRow8,
+    .RepeatRow24 = RepeatRow<3, plain::RepeatRow24>,
+    .RepeatRow8 = RepeatRow<1, plain::RepeatRow8>,
     .ShuffleRow = ShuffleRow,
 };
 
