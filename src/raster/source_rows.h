@@ -30,11 +30,12 @@ struct SourceRows {
   std::ptrdiff_t stride;  // bytes from one row to the next
   uint32_t set, clear;    // packed colours, one-bit sources only
 
+  // Whether pixels are taken from the host's memory as they are.
+  bool IsInBandOrder() const { return form == SourceForm::kGray || form == SourceForm::kBlueGreenRed; }
+
   // Whether rows that become `bytes` band bytes each follow one another without a gap.
   bool RowsJoin(std::ptrdiff_t bytes) const {
-    const bool sameSize =
-        form == SourceForm::kRedGreenBlue || form == SourceForm::kBlueGreenRed || form == SourceForm::kGray;
-    return sameSize && stride == bytes;
+    return (form == SourceForm::kRedGreenBlue || IsInBandOrder()) && stride == bytes;
   }
 
   // Band bytes of `count` pixels of row `row` (0 = the row of the first source pixel) from pixel `column`

@@ -42,10 +42,13 @@ void TransferRows::PaintSourceRun(uint8_t* dst, int32_t bandRow, int32_t sourceR
   TileMasks tiles{};
   if (patterned) tiles = masks_.At(masks_.RowOf(bandRow), masks_.PhaseOf(run.bandColumn));
   SourceRows::Chunk chunk;
-  // A chunk is a whole number of pattern periods, so that every chunk begins at the same phase.
+  // A chunk is a whole number of pattern periods, so that every chunk begins at the same phase. What is not converted
+  // needs none, but for the several walks over a patterned row.
   static_assert(SourceRows::kMostPixels % kMaxPeriod == 0);
-  for (std::size_t done = 0; done < pixels; done += SourceRows::kMostPixels) {
-    const std::size_t count = std::min(SourceRows::kMostPixels, pixels - done);
+  const bool whole = !patterned && source_->IsInBandOrder();
+  const std::size_t most = whole ? pixels : SourceRows::kMostPixels;
+  for (std::size_t done = 0; done < pixels; done += most) {
+    const std::size_t count = std::min(most, pixels - done);
     const uint8_t* source =
         source_->Fetch(rows_, sourceRow, run.callerColumn + static_cast<int32_t>(done), run.picks, count, chunk);
     uint8_t* out = dst + done * bytesPerPixel_;
