@@ -3,11 +3,10 @@
 
 #include <cstdint>
 
-#include "device/scratch_buffer.h"
 #include "image/image_buffers.h"
+#include "output/scratch_buffer.h"
 #include "qnvdrv10.h"
-#include "raster/band_view.h"
-#include "raster/fill_pattern.h"
+#include "raster/paint_state.h"
 #include "raster/rect.h"
 #include "raster/rows/row_kernels.h"
 
@@ -22,35 +21,21 @@ struct BandState {
   DeviceDescription description{};
   DeviceSize deviceSize{};  // at resolution B
   Rect bandRect{};
-  Rect blitClip{};  // of the transfer in progress, origin added; all zeros = none
-  int32_t originX = 0;
-  int32_t originY = 0;
+  Origin origin{};
   uint8_t* buffer = nullptr;  // the host's
-  FillPattern fillPattern{};  // no period until a draw mode has been seen
+  // State, not an argument: a call with a null draw mode paints with the pattern of the call before. It has no period,
+  // and paints nothing, until a draw mode has been seen.
+  FillPattern fillPattern{};
   uint32_t stride = 0;
   const RowKernels* rows = &KernelsFor(DetectCpuLevel());
   ScratchBuffer scratch{kScratchBytes};
   ImageBuffers imageBuffers;
 
   bool Is24() const { return description.bitsPerPixel == 24; }
-};
 
-// Sets the drawing origin to zero for a scope.
-class OriginAtZero {
- public:
-  explicit OriginAtZero(BandState& state) : state_(state), x_(state.originX), y_(state.originY) {
-    state.originX = state.originY = 0;
-  }
-  ~OriginAtZero() {
-    state_.originX = x_;
-    state_.originY = y_;
-  }
-  OriginAtZero(const OriginAtZero&) = delete;
-  OriginAtZero& operator=(const OriginAtZero&) = delete;
-
- private:
-  BandState& state_;
-  int32_t x_, y_;
+  PaintState Paint() { return {*rows, fillPattern, origin}; }
+  // For coordinates that hold the origin already.
+  PaintState PaintWithoutOrigin() { return {*rows, fillPattern, Origin{0, 0}}; }
 };
 
 }  // namespace qnv

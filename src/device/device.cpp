@@ -59,14 +59,10 @@ uint16_t Device::SetDIBitsToDevice(int32_t x, int32_t y, uint32_t startScan, uin
 
 uint16_t Device::Control(uint16_t code, const void* data) {
   switch (code) {
-    case QNV_SET_ORIGIN: {
+    case QNV_SET_ORIGIN:
       if (data == nullptr) return 0;
-      DrawingOrigin origin;
-      std::memcpy(&origin, data, sizeof origin);
-      state_.originX = origin.x;
-      state_.originY = origin.y;
+      std::memcpy(&state_.origin, data, sizeof state_.origin);
       return 1;
-    }
     case QNV_SET_BAND_RECT:
       if (data == nullptr) return 0;
       std::memcpy(&state_.bandRect, data, sizeof state_.bandRect);
@@ -74,6 +70,16 @@ uint16_t Device::Control(uint16_t code, const void* data) {
     case QNV_CLEAR_BAND: ClearBand(); return 1;
     default: return 0;
   }
+}
+
+void Device::FillOpaqueRect(const Rect& rect, const DRAWMODE& drawMode) {
+  const Rect visible{MaxOf(rect.left, 0), MaxOf(rect.top, 0), rect.right, rect.bottom};
+  if (visible.left >= visible.right || visible.top >= visible.bottom) return;
+  const LogicalBrush logical{BS_SOLID, drawMode.bkColor, 0, 0};
+  PhysicalBrush brush;
+  RealizeObject(OBJ_BRUSH, &logical, &brush);
+  BitBlt(BltArguments{visible.left, visible.top, nullptr, 0, 0, visible.right - visible.left,
+                      visible.bottom - visible.top, PATCOPY, &brush, &drawMode, &visible});
 }
 
 void ClearWords(uint8_t* buffer, int32_t words, uint32_t height, uint8_t value) {

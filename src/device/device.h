@@ -1,4 +1,4 @@
-// The interface of every device class, and the three operations that are the same for all of them.
+// The interface of every device class, and the operations that are the same for all of them.
 #pragma once
 
 #include <cstddef>
@@ -50,9 +50,6 @@ class Device {
                              const void* conversionInfo);
   virtual uint16_t Control(uint16_t code, const void* data);
 
-  // For the device that owns this one as a plane of its own.
-  BandState& state() { return state_; }
-
  protected:
   explicit Device(const DeviceDescription& description) { state_.description = description; }
 
@@ -60,6 +57,10 @@ class Device {
   virtual bool ConvertsToGray() const = 0;
   virtual uint8_t HatchScale() const = 0;
   virtual void ClearBand() = 0;
+
+  // Fills a rectangle of caller coordinates with the draw mode's background colour, by the device's own brush and
+  // transfer. What lies left of or above 0 is cut off first; the rest is its own clip.
+  void FillOpaqueRect(const Rect& rect, const DRAWMODE& drawMode);
 
   BandState state_;
 };

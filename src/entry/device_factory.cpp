@@ -1,8 +1,8 @@
 #include "entry/device_factory.h"
 
-#include "device/dual_plane_device.h"
-#include "device/raster_device.h"
-#include "device/scaled_raster_device.h"
+#include "device/dual_plane/dual_plane_device.h"
+#include "device/plain/raster_device.h"
+#include "device/scaled/scaled_raster_device.h"
 
 namespace qnv {
 namespace {

@@ -1,3 +1,4 @@
+// The record of an image call's arguments.
 #pragma once
 
 #include <cstdint>

@@ -1,3 +1,4 @@
+// The work memory of image transfers, owned by a device.
 #pragma once
 
 #include "image/work_buffer.h"

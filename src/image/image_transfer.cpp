@@ -4,12 +4,13 @@
 
 namespace qnv {
 
-bool ImageTransfer::Prepare(const BandState& state, const Rect& bandRect, PixelTarget target, const ImageArguments& a) {
+bool ImageTransfer::Prepare(const PaintState& paint, const Rect& bandRect, PixelTarget target,
+                            const ImageArguments& a) {
   if (a.clip == nullptr || a.get == 1 || a.bitmapInfo == nullptr || a.bits == nullptr) return false;
   if (!ReadDib(a.bitmapInfo, &dib_)) return false;
 
-  const StretchRequest request{WrapAdd(a.dstX, state.originX),
-                               WrapAdd(a.dstY, state.originY),
+  const StretchRequest request{WrapAdd(a.dstX, paint.origin.x),
+                               WrapAdd(a.dstY, paint.origin.y),
                                a.dstWidth,
                                a.dstHeight,
                                a.srcX,
@@ -20,7 +21,7 @@ bool ImageTransfer::Prepare(const BandState& state, const Rect& bandRect, PixelT
   const int32_t yEnd = WrapAdd(request.dstY, request.dstHeight);
   clipped_ = {MinOf(request.dstX, xEnd), MinOf(request.dstY, yEnd), MaxOf(request.dstX, xEnd),
               MaxOf(request.dstY, yEnd)};
-  RectIntersect(clipped_, clipped_, Shifted(*a.clip, state.originX, state.originY));
+  RectIntersect(clipped_, clipped_, Shifted(*a.clip, paint.origin.x, paint.origin.y));
   if (!RectIntersect(clipped_, clipped_, bandRect)) return false;
 
   SourceMapping mapping;
@@ -29,7 +30,7 @@ bool ImageTransfer::Prepare(const BandState& state, const Rect& bandRect, PixelT
   const int32_t topInBand = WrapSubtract(clipped_.top, bandRect.top);
 
   bits_ = static_cast<const uint8_t*>(a.bits);
-  rows_ = state.rows;
+  rows_ = &paint.rows;
   target_ = target;
   if (dib_.HasPalette()) MakeColorTable(dib_, target_, &colours_.table);
   if (dib_.bitCount == 16) colours_.masks = MakePixelMasks(dib_, target_);

@@ -4,13 +4,13 @@
 
 #include <cstdint>
 
-#include "device/band_state.h"
 #include "image/column_plan.h"
 #include "image/dib.h"
 #include "image/image_arguments.h"
 #include "image/rle_rows.h"
 #include "image/row_converters.h"
 #include "image/row_stepping.h"
+#include "raster/paint_state.h"
 
 namespace qnv {
 
@@ -32,13 +32,12 @@ class ImageTransfer {
 
   // bandRect: the band in the caller's pixels. target: what rows are converted into. False when the transfer is
   // refused or wholly clipped away, or without memory; nothing has been painted then.
-  bool Prepare(const BandState& state, const Rect& bandRect, PixelTarget target, const ImageArguments& a);
+  bool Prepare(const PaintState& paint, const Rect& bandRect, PixelTarget target, const ImageArguments& a);
 
   // The visible destination, caller's pixels with the origin added, and its place relative to the band.
   const Rect& Clipped() const { return clipped_; }
   int32_t LeftInBand() const { return leftInBand_; }
   int32_t Width() const { return clipped_.right - clipped_.left; }
-  uint16_t BitCount() const { return dib_.bitCount; }
 
   // Steps to the next source row; false at the end.
   bool NextRow(CoveredRows* rows) { return walk_.Next(rows); }

@@ -1,3 +1,4 @@
+// A block of memory that a device keeps from call to call.
 #pragma once
 
 #include <cstddef>

@@ -1,9 +1,41 @@
 #include "output/output.h"
 
-#include "device/raster_device.h"
+#include "output/span_lists.h"
 
 namespace qnv {
+namespace {
 
-int16_t RasterDevice::Output(const OutputArguments& a) { return OutputOn(state_, Band(), PlainMapping{}, false, a); }
+template <class Mapping>
+int16_t PaintOutputOn(const PaintState& paint, const BandView& band, const Mapping& mapping, bool regray,
+                      ScratchBuffer& scratch, const OutputArguments& a) {
+  SelectFillPattern(&paint.fillPattern, a.pen, a.brush, a.drawMode);
+  if (paint.fillPattern.style == kFillNothing) return 1;
+  const SpanStyle style = SpanStyleOf(a.style);
+  if (style == SpanStyle::kBracket) return 1;
+  if (style == SpanStyle::kUnknown) return -1;
+  if (a.points == nullptr) return 1;
+  if (a.clip == nullptr) return 0;
+  // Edge deltas paint their first row whatever the count says.
+  if (a.count == 0 && style != SpanStyle::kByteDeltas && style != SpanStyle::kNibbleDeltas) return 1;
+  const Rect clip = Shifted(*a.clip, paint.origin.x, paint.origin.y);
+  const Rect limits{MaxOf(band.rect.left, mapping.ToBand(clip.left)), MaxOf(band.rect.top, mapping.ToBand(clip.top)),
+                    MinOf(band.rect.right, mapping.ToBand(clip.right)),
+                    MinOf(band.rect.bottom, mapping.ToBand(clip.bottom))};
+  SpanPainter painter(band, paint.rows, paint.fillPattern, regray);
+  if (!painter.Paints()) return 1;
+  SpanLists<Mapping>(mapping, painter, limits, paint.origin, scratch).Paint(style, a.count, a.points);
+  return 1;
+}
+
+}  // namespace
+
+int16_t PaintOutput(const PaintState& paint, const BandView& band, ScratchBuffer& scratch, const OutputArguments& a) {
+  return PaintOutputOn(paint, band, PlainMapping{}, false, scratch, a);
+}
+
+int16_t PaintOutputKept(const PaintState& paint, const BandView& band, const KeptMapping& mapping, bool regray,
+                        ScratchBuffer& scratch, const OutputArguments& a) {
+  return PaintOutputOn(paint, band, mapping, regray, scratch, a);
+}
 
 }  // namespace qnv

@@ -1,36 +1,25 @@
-// Span output of a device class.
+// Span output: decodes the host's span lists and paints them with the fill that pen, brush and draw mode come to.
+//
+//   paint    the fill pattern is prepared from the call and stays in force afterwards
+//   scratch  work memory for the spans of a record
+//
+// Both return 1 for a style that is understood, -1 for an unknown one, 0 without a clip.
 #pragma once
 
 #include <cstdint>
 
-#include "device/band_state.h"
 #include "output/output_arguments.h"
-#include "output/span_lists.h"
+#include "output/scratch_buffer.h"
+#include "raster/band_view.h"
+#include "raster/mappings.h"
+#include "raster/paint_state.h"
 
 namespace qnv {
 
-// 1 understood, -1 unknown style, 0 without a clip.
-template <class Mapping>
-int16_t OutputOn(BandState& state, const BandView& band, const Mapping& mapping, bool regray,
-                 const OutputArguments& a) {
-  SelectFillPattern(&state.fillPattern, a.pen, a.brush, a.drawMode);
-  if (state.fillPattern.style == kFillNothing) return 1;
-  const SpanStyle style = SpanStyleOf(a.style);
-  if (style == SpanStyle::kBracket) return 1;
-  if (style == SpanStyle::kUnknown) return -1;
-  if (a.points == nullptr) return 1;
-  if (a.clip == nullptr) return 0;
-  // Edge deltas paint their first row whatever the count says.
-  if (a.count == 0 && style != SpanStyle::kByteDeltas && style != SpanStyle::kNibbleDeltas) return 1;
-  const Rect clip = Shifted(*a.clip, state.originX, state.originY);
-  const Rect limits{MaxOf(band.rect.left, mapping.ToBand(clip.left)), MaxOf(band.rect.top, mapping.ToBand(clip.top)),
-                    MinOf(band.rect.right, mapping.ToBand(clip.right)),
-                    MinOf(band.rect.bottom, mapping.ToBand(clip.bottom))};
-  SpanPainter painter(band, *state.rows, state.fillPattern, regray);
-  if (!painter.Paints()) return 1;
-  SpanLists<Mapping>(mapping, painter, limits, state.originX, state.originY, state.scratch)
-      .Paint(style, a.count, a.points);
-  return 1;
-}
+int16_t PaintOutput(const PaintState& paint, const BandView& band, ScratchBuffer& scratch, const OutputArguments& a);
+
+// The resolution-mapping device. regray: pixels that are written become gray levels.
+int16_t PaintOutputKept(const PaintState& paint, const BandView& band, const KeptMapping& mapping, bool regray,
+                        ScratchBuffer& scratch, const OutputArguments& a);
 
 }  // namespace qnv

@@ -1,3 +1,4 @@
+// The record of an output call's arguments.
 #pragma once
 
 #include <cstdint>

@@ -6,39 +6,14 @@
 #include <cstdint>
 #include <cstring>
 
-#include "device/scratch_buffer.h"
+#include "output/scratch_buffer.h"
 #include "output/span_painter.h"
+#include "output/span_style.h"
 #include "raster/mappings.h"
+#include "raster/paint_state.h"
 #include "raster/rect.h"
 
 namespace qnv {
-
-enum class SpanStyle : uint8_t {
-  kUnknown,
-  kBracket,       // 80, 81: nothing to paint
-  kScanlines,     // 4, 104
-  kBandedSpans,   // 5, 105
-  kRowRecords,    // 205
-  kRowSpans,      // 305
-  kByteDeltas,    // 405
-  kNibbleDeltas,  // 505
-};
-
-constexpr SpanStyle SpanStyleOf(uint16_t style) {
-  switch (style) {
-    case OS_BEGINNSCAN:
-    case OS_ENDNSCAN: return SpanStyle::kBracket;
-    case OS_SCANLINES:
-    case OS_SCANLINES + 100: return SpanStyle::kScanlines;
-    case OS_BANDED_SPANS:
-    case OS_BANDED_SPANS + 100: return SpanStyle::kBandedSpans;
-    case OS_ROW_RECORDS: return SpanStyle::kRowRecords;
-    case OS_ROW_SPANS: return SpanStyle::kRowSpans;
-    case OS_BYTE_DELTAS: return SpanStyle::kByteDeltas;
-    case OS_NIBBLE_DELTAS: return SpanStyle::kNibbleDeltas;
-    default: return SpanStyle::kUnknown;
-  }
-}
 
 // The words of a list. The host need not align it.
 class SpanWords {
@@ -61,14 +36,8 @@ template <class Mapping>
 class SpanLists {
  public:
   // limits: band and clip together, device space; may be empty or turned inside out.
-  SpanLists(const Mapping& mapping, SpanPainter& painter, const Rect& limits, int32_t originX, int32_t originY,
-            ScratchBuffer& scratch)
-      : mapping_(mapping),
-        painter_(painter),
-        limits_(limits),
-        originX_(originX),
-        originY_(originY),
-        scratch_(scratch) {}
+  SpanLists(const Mapping& mapping, SpanPainter& painter, const Rect& limits, Origin origin, ScratchBuffer& scratch)
+      : mapping_(mapping), painter_(painter), limits_(limits), origin_(origin), scratch_(scratch) {}
 
   void Paint(SpanStyle style, uint16_t count, const int16_t* points) {
     const SpanWords words(points);
@@ -89,8 +58,8 @@ class SpanLists {
     int32_t left, right;  // clipped, device space; left >= right paints nothing
   };
 
-  int32_t MappedX(int32_t x) const { return mapping_.ToBand(WrapAdd(x, originX_)); }
-  int32_t MappedY(int32_t y) const { return mapping_.ToBand(WrapAdd(y, originY_)); }
+  int32_t MappedX(int32_t x) const { return mapping_.ToBand(WrapAdd(x, origin_.x)); }
+  int32_t MappedY(int32_t y) const { return mapping_.ToBand(WrapAdd(y, origin_.y)); }
   bool RowInside(int32_t y) const { return limits_.top <= y && y < limits_.bottom; }
 
   // left, right: caller coordinates without the origin.
@@ -169,7 +138,7 @@ class SpanLists {
   // rowOf(y, &row): the band row of a caller row with the origin added, false when it is stored nowhere.
   template <class NextDeltas, class RowOf>
   void Edges(const SpanWords& words, uint16_t count, NextDeltas nextDeltas, RowOf rowOf) {
-    int32_t y = WrapAdd(words.At(0), originY_);
+    int32_t y = WrapAdd(words.At(0), origin_.y);
     int32_t left = words.At(1);
     int32_t right = words.At(2);
     for (int32_t done = 0;;) {
@@ -213,7 +182,7 @@ class SpanLists {
   const Mapping& mapping_;
   SpanPainter& painter_;
   const Rect limits_;
-  const int32_t originX_, originY_;
+  const Origin origin_;
   ScratchBuffer& scratch_;
 };
 

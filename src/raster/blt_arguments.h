@@ -1,3 +1,4 @@
+// The record of a bit-block transfer's arguments.
 #pragma once
 
 #include <cstdint>
@@ -16,7 +17,6 @@ struct BltArguments {
   const PhysicalBrush* brush;
   const DRAWMODE* drawMode;
   const BandRect* clip;
-  bool inBandOrder = false;  // 24-bit source pixels are blue, green, red already: rows converted for the band
 };
 
 }  // namespace qnv

@@ -74,4 +74,14 @@ inline constexpr std::array<RopRecipe, 256> kRopRecipes = [] {
   return recipes;
 }();
 
+// The same formula on the bytes of a packed pixel, for operations that do not look at the source.
+constexpr uint32_t CombineWithPattern(uint8_t index, uint32_t pattern, uint32_t destination) {
+  constexpr uint32_t kEachByte = 0x01010101;
+  const auto completed = [pattern](OpenMask mask) {
+    return (pattern & mask.open * kEachByte) ^ mask.fixed * kEachByte;
+  };
+  const RopRecipe& recipe = kRopRecipes[index];
+  return (destination & completed(recipe.and2)) ^ completed(recipe.xor2);
+}
+
 }  // namespace qnv

@@ -3,31 +3,24 @@
 namespace qnv {
 namespace {
 
-Rect Destination(const BltArguments& a, int32_t originX, int32_t originY) {
-  const int32_t x = WrapAdd(a.destX, originX);
-  const int32_t y = WrapAdd(a.destY, originY);
+Rect Destination(const BltArguments& a, Origin origin) {
+  const int32_t x = WrapAdd(a.destX, origin.x);
+  const int32_t y = WrapAdd(a.destY, origin.y);
   return {x, y, WrapAdd(x, a.width), WrapAdd(y, a.height)};
 }
 
 }  // namespace
 
-bool FillArea(const BltArguments& a, int32_t originX, int32_t originY, const Rect& clip, const Rect& band,
-              TransferArea* area) {
-  Rect dest = Destination(a, originX, originY);
+bool FillArea(const BltArguments& a, Origin origin, const Rect& clip, const Rect& band, TransferArea* area) {
+  Rect dest = Destination(a, origin);
   if (!IsAllZero(clip) && !RectIntersect(dest, dest, clip)) return false;
   area->srcX = area->srcY = 0;
   return RectIntersect(area->rect, dest, band);
 }
 
-bool CopyArea(const BltArguments& a, int32_t originX, int32_t originY, const Rect& clip, const Rect& band,
-              TransferArea* area) {
-  Rect dest = Destination(a, originX, originY);
-  if (!IsAllZero(clip)) {
-    Rect widened = clip;
-    if (dest.left < 0) widened.left = WrapAdd(widened.left, dest.left);
-    if (dest.top < 0) widened.top = WrapAdd(widened.top, dest.top);
-    if (!RectIntersect(dest, dest, widened)) return false;
-  }
+bool CopyArea(const BltArguments& a, Origin origin, const Rect& clip, const Rect& band, TransferArea* area) {
+  Rect dest = Destination(a, origin);
+  if (!IsAllZero(clip) && !RectIntersect(dest, dest, WidenedClip(clip, dest.left, dest.top))) return false;
   Rect source{a.srcX, a.srcY, WrapAdd(a.srcX, WrapSubtract(dest.right, dest.left)),
               WrapAdd(a.srcY, WrapSubtract(dest.bottom, dest.top))};
   if (!RectIntersect(source, source, Rect{0, 0, a.source->bmWidth, a.source->bmHeight})) return false;

@@ -1,37 +1,27 @@
-// Text output of a device class.
+// Text output: lays out the characters of a call, fills the opaque rectangle and paints the glyphs.
 #pragma once
 
 #include <cstdint>
 #include <type_traits>
 
 #include "color/color_forms.h"
-#include "device/device.h"
+#include "raster/band_view.h"
+#include "raster/paint_state.h"
 #include "text/glyph_painter.h"
 #include "text/glyph_run.h"
+#include "text/text_arguments.h"
+#include "text/text_clip.h"
 
 namespace qnv {
-
-// Fills a rectangle of caller coordinates with the draw mode's background colour, through the device's own
-// brush and transfer. What lies left of or above 0 is cut off first; the rest is its own clip.
-void FillOpaqueRect(Device& device, const Rect& rect, const DRAWMODE& drawMode);
-
-// Steps on which clip and opaque rectangle depend; both are in caller coordinates.
-struct TextClip {
-  bool has = false;
-  Rect rect{};
-};
-
-// Applies ETO_CLIPPED and ETO_OPAQUE: narrows *clip and fills what is to be filled.
-TextClip PrepareTextClip(Device& device, const TextArguments& a);
 
 // The characters of a call: one run, or with charWidths a run for each.
 class TextRuns {
  public:
-  TextRuns(const BandState& state, const TextArguments& a)
+  TextRuns(Origin origin, const TextArguments& a)
       : a_(a),
         font_(a.fontBase, a.fontOffset),
-        x_(WrapAdd(a.x, state.originX)),
-        y_(WrapAdd(a.y, state.originY)),
+        x_(WrapAdd(a.x, origin.x)),
+        y_(WrapAdd(a.y, origin.y)),
         breakError_(a.drawMode->BreakErr) {}
 
   // False when the rows of all glyphs lie outside.
@@ -79,30 +69,46 @@ class TextRuns {
   int16_t breakError_;
 };
 
-// mapping: from the text's pixels to the band. bandInPage: the band's rectangle in the text's pixels.
-// regray: the band holds gray levels of what is painted.
+// Where the text of a call goes.
 template <class Mapping>
-int32_t ExtTextOutOn(Device& device, const BandState& state, const BandView& band, const Mapping& mapping,
-                     const Rect& bandInPage, bool regray, const TextArguments& a) {
+struct TextTarget {
+  const BandView& band;
+  const Mapping& mapping;  // from the text's pixels to the band
+  Rect bandInText;         // the band's rectangle in the text's pixels
+  Rect unclipped;          // what limits glyphs of a call without a clip, in the text's pixels
+  bool regray;             // the band holds gray levels of what is painted
+};
+
+// Intended: without a clip the page's width limits the rows and its height the columns, both less one.
+constexpr Rect UnclippedText(uint32_t pageWidth, uint32_t pageHeight) {
+  return {0, 0, static_cast<int32_t>(pageHeight - 1), static_cast<int32_t>(pageWidth - 1)};
+}
+
+// fillRect(rect, drawMode) fills a rectangle of caller coordinates with the draw mode's background colour; it is called
+// at most once, before any glyph is painted. Returns the advance of a drawn text, the extent of a measured one, and 0
+// for a call that lacks font, draw mode or string.
+template <class Mapping, class FillRect>
+int32_t ExtTextOutOn(const PaintState& paint, const TextTarget<Mapping>& target, const TextArguments& a,
+                     FillRect fillRect) {
   if (a.fontBase == nullptr || a.drawMode == nullptr || (a.string == nullptr && a.count != 0)) return 0;
-  const TextClip clip = PrepareTextClip(device, a);
+  const TextClip clip = TextClipOf(a);
+  if (clip.fills) fillRect(clip.opaque, *a.drawMode);
 
-  // Intended: without a clip the page's width limits the rows and its height the columns, both less one.
-  Rect limits{0, 0, static_cast<int32_t>(state.description.height - 1),
-              static_cast<int32_t>(state.description.width - 1)};
-  if (clip.has) RectIntersect(limits, Shifted(clip.rect, state.originX, state.originY), bandInPage);
-  const Rect reached = ReachedLimits(band, mapping, limits);
+  const BandView& band = target.band;
+  Rect limits = target.unclipped;
+  if (clip.clips) RectIntersect(limits, Shifted(clip.clip, paint.origin.x, paint.origin.y), target.bandInText);
+  const Rect reached = ReachedLimits(band, target.mapping, limits);
 
-  TextRuns runs(state, a);
+  TextRuns runs(paint.origin, a);
   if (!runs.CanBeSeen(reached)) return runs.Lay(NoGlyphs{});
 
-  const auto packed = [regray](uint32_t colour) {
+  const auto packed = [&](uint32_t colour) {
     const uint32_t exchanged = ExchangeRedBlue(colour);
-    return regray ? GrayLevel(exchanged) : exchanged;
+    return target.regray ? GrayLevel(exchanged) : exchanged;
   };
-  const BitPainter painter(*state.rows, packed(a.drawMode->TextColor), packed(a.drawMode->bkColor),
+  const BitPainter painter(paint.rows, packed(a.drawMode->TextColor), packed(a.drawMode->bkColor),
                            a.drawMode->bkMode == TRANSPARENT, band.bytesPerPixel);
-  return runs.Lay([&](const PlacedGlyph& glyph) { PaintGlyph(band, mapping, painter, reached, glyph); });
+  return runs.Lay([&](const PlacedGlyph& glyph) { PaintGlyph(band, target.mapping, painter, reached, glyph); });
 }
 
 }  // namespace qnv

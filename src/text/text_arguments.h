@@ -1,3 +1,4 @@
+// The record of a text call's arguments.
 #pragma once
 
 #include <cstdint>

@@ -57,18 +57,29 @@ TEST(Rop2, IsATernaryOperationWithoutSource) {
   }
   EXPECT_EQ(IndexOfRop2(13), kPatCopy);
   EXPECT_EQ(IndexOfRop2(7), kPatInvert);
-  EXPECT_EQ(IndexOfRop2(6), kDstInvert);
+  EXPECT_EQ(IndexOfRop2(6), 0x55);
   EXPECT_EQ(IndexOfRop2(11), kDestination);
 }
 
-TEST(TransferOperations, CodesWithHighBitsAreTheGeneralOnes) {
-  int named = 0;
+TEST(Rop3, CombinesThePatternByteByByte) {
+  for (int index = 0; index < 256; ++index) {
+    const uint8_t code = static_cast<uint8_t>(index);
+    if (RopUsesSource(code)) continue;
+    EXPECT_EQ(CombineWithPattern(code, 0x12F0A55A, 0x9ACC33F1), EvaluateRop3<uint32_t>(code, 0x12F0A55A, 0, 0x9ACC33F1))
+        << index;
+  }
+}
+
+TEST(PatternOrigins, CodesWithHighBitsAreNoneOfTheNamedOnes) {
+  int prepared = 0, brush = 0;
   for (uint32_t upper = 0; upper < 0x10000; ++upper) {
-    if (OperationOf(upper) == TransferOperation::kBltGeneral) continue;
-    ++named;
+    const PatternOrigin from = PatternOriginOf(upper);
+    if (from == PatternOrigin::kBrushUnlessHollow) continue;
+    ++(from == PatternOrigin::kPrepared ? prepared : brush);
     EXPECT_LT(upper, 0x100u);
   }
-  EXPECT_EQ(named, 16);
+  EXPECT_EQ(prepared, 3);
+  EXPECT_EQ(brush, 2);
 }
 
 }  // namespace

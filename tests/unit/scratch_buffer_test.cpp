@@ -1,4 +1,4 @@
-#include "device/scratch_buffer.h"
+#include "output/scratch_buffer.h"
 
 #include <gtest/gtest.h>
 

@@ -1,0 +1,45 @@
+#include "device/dual_plane/dual_plane_device.h"
+
+namespace qnv {
+
+DualPlaneDevice::DualPlaneDevice(const DeviceDescription& description) : RasterDevice24(description) {}
+
+DualPlaneDevice::DualPlaneDevice(const DeviceDescription& description, const BandRect& bandRect, void* buffer,
+                                 void* secondBuffer)
+    : RasterDevice24(description, bandRect, buffer), tagBuffer_(static_cast<uint8_t*>(secondBuffer)) {
+  DeviceDescription tagDescription = description;
+  tagDescription.bitsPerPixel = 8;
+  colourDevice_ = new RasterDevice24(description, bandRect, buffer);
+  tagDevice_ = new TagDevice(tagDescription, bandRect, secondBuffer);
+  if (colourDevice_ != nullptr) colourDevice_->Enable(bandRect);
+  if (tagDevice_ != nullptr) tagDevice_->Enable(bandRect);
+}
+
+DualPlaneDevice::~DualPlaneDevice() {
+  delete tagDevice_;
+  delete colourDevice_;
+}
+
+bool DualPlaneDevice::IsReady() const {
+  return RasterDevice24::IsReady() && colourDevice_ != nullptr && colourDevice_->IsReady() && tagDevice_ != nullptr &&
+         tagDevice_->IsReady();
+}
+
+uint16_t DualPlaneDevice::Control(uint16_t code, const void* data) {
+  const uint16_t result = RasterDevice24::Control(code, data);
+  if (code == QNV_SET_ORIGIN || code == QNV_SET_BAND_RECT) {
+    tagDevice_->Control(code, data);
+    colourDevice_->Control(code, data);
+  }
+  return result;
+}
+
+void DualPlaneDevice::ClearBand() {
+  // Intended: three bytes a pixel whatever the described depth.
+  const int32_t width = static_cast<int32_t>(state_.description.width);
+  ClearWords(state_.buffer, WrapMultiply(WrapAdd(width, 1), 3) / 4, state_.description.height, 0xFF);
+  ClearWords(tagBuffer_, WrapAdd(width, 3) / 4, state_.description.height, QNV_TAG_GRAPHICS);
+  if (tagBuffer_ != nullptr) planeUniform_ = true;
+}
+
+}  // namespace qnv

@@ -1,0 +1,78 @@
+#include "device/dual_plane/dual_plane_device.h"
+#include "device/dual_plane/tag_brushes.h"
+#include "device/dual_plane/tag_rules.h"
+#include "output/span_style.h"
+
+namespace qnv {
+namespace {
+
+// The cells of a hatch or pattern that put ink on the paper; the others must leave the tag plane alone, so
+// the brush is a hatch with gaps there.
+PhysicalBrush InkBrush(const PhysicalBrush& brush, const DRAWMODE& drawMode, uint32_t paper) {
+  const bool backgroundInk = drawMode.bkColor != paper;
+  const bool textInk = drawMode.TextColor != paper;
+  const bool opaque = drawMode.bkMode == OPAQUE;
+  return MakeCellBrush(brush, BS_HATCHED, 8, kForeground | TagColour(QNV_TAG_GRAPHICS), 0, [&](uint32_t cell) {
+    const uint32_t colour = cell & kColourBits;
+    if (brush.style == BS_HATCHED && (cell & kForeground) == 0) return opaque && backgroundInk;
+    if (brush.style == BS_PATTERN && brush.patternDepth == 1) return colour == kWhite ? backgroundInk : textInk;
+    return colour != paper;
+  });
+}
+
+// What a figure is marked with.
+enum class Marking : uint8_t { kNothing, kBrush, kRefused };
+
+Marking MakeMarkingBrush(const PhysicalBrush& brush, const DRAWMODE& drawMode, TagRule rule, PhysicalBrush* result) {
+  if (rule != TagRule::kAlways) {
+    const uint32_t paper = SkipColour(rule);
+    switch (brush.style) {
+      case BS_SOLID:
+        if (brush.colour == paper) return Marking::kNothing;
+        break;
+      case BS_HOLLOW: return Marking::kNothing;
+      case BS_HATCHED:
+        if (brush.colour == paper && drawMode.bkColor == paper) return Marking::kNothing;
+        [[fallthrough]];
+      case BS_PATTERN: *result = InkBrush(brush, drawMode, paper); return Marking::kBrush;
+      default: return Marking::kRefused;
+    }
+  }
+  return MakeTagBrush(&brush, drawMode, QNV_TAG_GRAPHICS, result) ? Marking::kBrush : Marking::kRefused;
+}
+
+}  // namespace
+
+int16_t DualPlaneDevice::Output(const OutputArguments& a) {
+  return TagOutput(a) ? colourDevice_->Output(a) : int16_t{0};
+}
+
+bool DualPlaneDevice::TagOutput(const OutputArguments& a) {
+  if (planeUniform_) return true;
+  const SpanStyle style = SpanStyleOf(a.style);
+  if (style == SpanStyle::kBracket) return true;
+  if (style == SpanStyle::kUnknown) return false;
+  if (a.pen != nullptr && a.pen->style == PS_NULL) return true;
+  // Without a draw mode nothing tells how the figure is painted: it keeps the tags.
+  if (a.drawMode == nullptr) return true;
+  const TagRule rule = TagRuleOfRop2(static_cast<uint8_t>(a.drawMode->Rop2 - 1));
+  if (rule == TagRule::kNever) return true;
+
+  PhysicalBrush solid{};  // of the pen; without pen and brush the figure is black
+  if (a.pen != nullptr) solid.colour = a.pen->colour;
+  const PhysicalBrush& brush = a.pen != nullptr || a.brush == nullptr ? solid : *a.brush;
+  PhysicalBrush marking;
+  switch (MakeMarkingBrush(brush, *a.drawMode, rule, &marking)) {
+    case Marking::kNothing: return true;
+    case Marking::kRefused: return false;
+    case Marking::kBrush: break;
+  }
+  DRAWMODE mode = *a.drawMode;
+  mode.Rop2 = R2_COPYPEN;
+  mode.bkColor = TagColour(QNV_TAG_GRAPHICS);
+  // Opaque hatches have been made solid where all of them marks: gaps that are left do not mark.
+  mode.bkMode = TRANSPARENT;
+  return tagDevice_->Output(OutputArguments{a.style, a.count, a.points, nullptr, &marking, &mode, a.clip}) != 0;
+}
+
+}  // namespace qnv

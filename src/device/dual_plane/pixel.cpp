@@ -1,0 +1,18 @@
+#include "device/dual_plane/dual_plane_device.h"
+#include "device/dual_plane/tag_plane.h"
+#include "device/dual_plane/tag_rules.h"
+
+namespace qnv {
+
+uint32_t DualPlaneDevice::Pixel(int32_t x, int32_t y, const PixelArguments& a) {
+  if (a.clip == nullptr) return 0;
+  if (!planeUniform_ && a.drawMode != nullptr) {
+    const TagRule rule = TagRuleOfRop2(static_cast<uint16_t>(a.drawMode->Rop2 - 1));
+    if (rule == TagRule::kAlways || (rule != TagRule::kNever && a.colour != SkipColour(rule))) {
+      FillTagRect(tagDevice_->Plane(), QNV_TAG_GRAPHICS, x, y, 1, 1, *a.clip);
+    }
+  }
+  return colourDevice_->Pixel(x, y, a);
+}
+
+}  // namespace qnv

@@ -1,0 +1,147 @@
+#include "device/dual_plane/tag_plane.h"
+
+#include <cstring>
+
+#include "color/color_forms.h"
+#include "device/dual_plane/tag_brushes.h"
+#include "device/dual_plane/tag_rules.h"
+#include "raster/bit_blt.h"
+#include "raster/rop3.h"
+#include "raster/transfer_geometry.h"
+
+namespace qnv {
+namespace {
+
+constexpr uint32_t kReplaceMasked = 0x00E20746;  // where S is 1 the pattern, else the destination
+constexpr uint32_t kAndPattern = 0x00A000C9;
+constexpr uint32_t kOrPattern = 0x00FA0089;
+
+// An edge of the clip that is 0 does not limit.
+Rect OpenEdges(const Rect& clip, Origin origin) {
+  const Rect shifted = Shifted(clip, origin.x, origin.y);
+  return {clip.left != 0 ? shifted.left : INT32_MIN, clip.top != 0 ? shifted.top : INT32_MIN,
+          clip.right != 0 ? shifted.right : INT32_MAX, clip.bottom != 0 ? shifted.bottom : INT32_MAX};
+}
+
+void TagFromPixels(const TagPlane& plane, uint8_t tag, const BltArguments& a, uint32_t skip) {
+  const BandView& band = plane.band;
+  const Origin origin = plane.paint.origin;
+  const int32_t x = WrapAdd(a.destX, origin.x);
+  const int32_t y = WrapAdd(a.destY, origin.y);
+  Rect area{x, y, WrapAdd(x, a.width), WrapAdd(y, a.height)};
+  const Rect source =
+      Shifted(Rect{0, 0, a.source->bmWidth, a.source->bmHeight}, WrapSubtract(x, a.srcX), WrapSubtract(y, a.srcY));
+  if (!RectIntersect(area, area, band.rect) || !RectIntersect(area, area, source) ||
+      !RectIntersect(area, area, OpenEdges(*a.clip, origin))) {
+    return;
+  }
+  const auto* bits = static_cast<const uint8_t*>(a.source->bmBits);
+  for (int32_t row = area.top; row < area.bottom; ++row) {
+    const uint8_t* const pixel =
+        bits + std::ptrdiff_t{row - source.top} * a.source->bmWidthBytes + std::ptrdiff_t{area.left - source.left} * 3;
+    // What does not paint is black or white: its three bytes are the same.
+    plane.paint.rows.image->MarkRow24(band.At(area.left, row), pixel, static_cast<std::size_t>(area.right - area.left),
+                                      static_cast<uint8_t>(skip), tag);
+  }
+}
+
+// A one-bit source paints where its colour is not the skip colour: a transfer of the tag through the source.
+void TagFromBits(const TagPlane& plane, uint8_t tag, const BltArguments& a, uint32_t skip) {
+  DRAWMODE mode = *a.drawMode;
+  mode.bkColor = a.drawMode->bkColor != skip ? kWhite : 0;
+  mode.TextColor = a.drawMode->TextColor != skip ? kWhite : 0;
+  if (mode.bkColor == 0 && mode.TextColor == 0) return;
+  PhysicalBrush brush;
+  MakeTagBrush(nullptr, mode, tag, &brush);
+  BltArguments tagging = a;
+  tagging.rop = kReplaceMasked;
+  tagging.brush = &brush;
+  tagging.drawMode = &mode;
+  BitBlt8(plane.paint, plane.band, tagging);
+}
+
+// Transfers read no mask: the first pass clears the painting cells, the second writes the tag into them.
+void TagFromCells(const TagPlane& plane, uint8_t tag, const BltArguments& a, uint32_t skip) {
+  const bool backgroundPaints = a.drawMode->bkColor != skip;
+  const PhysicalBrush cells = MakeCellBrush(*a.brush, BS_PATTERN, 1, kWhite, 0, [=](uint32_t cell) {
+    return (cell & kForeground) != 0 ? (cell & kColourBits) != skip : backgroundPaints;
+  });
+  DRAWMODE mode = *a.drawMode;
+  BltArguments tagging = a;
+  tagging.source = nullptr;
+  tagging.brush = &cells;
+  tagging.drawMode = &mode;
+  tagging.rop = kAndPattern;
+  mode.bkColor = 0;  // the colour of painting cells
+  mode.TextColor = kWhite;
+  BitBlt8(plane.paint, plane.band, tagging);
+  tagging.rop = kOrPattern;
+  mode.bkColor = TagColour(tag);
+  mode.TextColor = 0;
+  BitBlt8(plane.paint, plane.band, tagging);
+}
+
+}  // namespace
+
+void FillTagRect(const TagPlane& plane, uint8_t value, int32_t x, int32_t y, int32_t width, int32_t height,
+                 const Rect& clip) {
+  const BandView& band = plane.band;
+  const Origin origin = plane.paint.origin;
+  const int32_t left = WrapAdd(x, origin.x);
+  const int32_t top = WrapAdd(y, origin.y);
+  Rect area{left, top, WrapAdd(left, width), WrapAdd(top, height)};
+  if (!IsAllZero(clip) && !RectIntersect(area, area, WidenedClip(Shifted(clip, origin.x, origin.y), left, top))) return;
+  if (!RectIntersect(area, area, band.rect)) return;
+  std::size_t pixels = static_cast<std::size_t>(area.right - area.left);
+  if (band.IsWholeRow(area.right - area.left)) {
+    pixels *= static_cast<std::size_t>(area.bottom - area.top);
+    area.bottom = area.top + 1;
+  }
+  for (int32_t row = area.top; row < area.bottom; ++row) std::memset(band.At(area.left, row), value, pixels);
+}
+
+bool TagFromSource(const TagPlane& plane, uint8_t tag, const BltArguments& a, uint32_t skip) {
+  if (a.source == nullptr) return true;
+  const bool oneBit = a.source->bmBitsPixel == 1;
+  if (a.source->bmPlanes != 1 || (!oneBit && a.source->bmBitsPixel != 24)) return false;
+  if (a.source->bmBits == nullptr) return true;
+  if (!oneBit) {
+    TagFromPixels(plane, tag, a, skip);
+  } else if (a.drawMode != nullptr) {
+    TagFromBits(plane, tag, a, skip);
+  }
+  return true;
+}
+
+bool TagFromBrush(const TagPlane& plane, uint8_t tag, const BltArguments& a, uint32_t skip) {
+  if (a.brush == nullptr) return true;
+  switch (a.brush->style) {
+    case BS_SOLID:
+      if (a.brush->colour != skip) FillTagRect(plane, tag, a.destX, a.destY, a.width, a.height, *a.clip);
+      return true;
+    case BS_HOLLOW: return true;
+    case BS_HATCHED:
+    case BS_PATTERN:
+      if (a.drawMode == nullptr) return true;
+      if (a.brush->style == BS_HATCHED && a.brush->colour == skip && a.drawMode->bkColor == skip) return true;
+      TagFromCells(plane, tag, a, skip);
+      return true;
+    default: return false;
+  }
+}
+
+bool TagTransferOn(const TagPlane& plane, uint8_t callersTag, const BltArguments& a) {
+  const TransferTagRule rule = TagRuleOfRop3(RopIndex(a.rop));
+  const uint8_t tag = rule.takesTag ? callersTag : uint8_t{QNV_TAG_GRAPHICS};
+  switch (rule.action) {
+    case TagAction::kNothing: return true;
+    case TagAction::kFill: FillTagRect(plane, tag, a.destX, a.destY, a.width, a.height, *a.clip); return true;
+    case TagAction::kSource: return TagFromSource(plane, tag, a, rule.skip);
+    case TagAction::kBrush: return TagFromBrush(plane, QNV_TAG_GRAPHICS, a, rule.skip);
+    case TagAction::kBrushThenSource:
+      return TagFromBrush(plane, QNV_TAG_GRAPHICS, a, 0) && TagFromSource(plane, tag, a, rule.skip);
+  }
+  return false;
+}
+
+}  // namespace qnv

@@ -1,0 +1,52 @@
+#include "device/scaled/scaled_raster_device.h"
+#include "image/image_rows.h"
+#include "image/kept_row_copier.h"
+#include "raster/bit_blt.h"
+
+namespace qnv {
+
+uint16_t ScaledRasterDevice::StretchDIBits(const ImageArguments& a) {
+  const BandView band = Band();
+  const KeptMapping mapping = Mapping();
+  const Rect bandInPage = mapping.CallerRect(state_.bandRect);
+  ImageTransfer transfer(state_.imageBuffers);
+  // Transfers of this device take red, green and blue.
+  const PixelTarget target = ImageModeOf(a.rop) == ImageMode::kBitBlt ? PixelTarget::kSource24 : PixelTarget::kBand24;
+  if (!transfer.Prepare(state_.Paint(), bandInPage, target, a)) return 0;
+  const bool gray = IsGrayMode();
+  switch (ImageModeOf(a.rop)) {
+    case ImageMode::kCopy: {
+      uint8_t* buffer = transfer.TakeRowBuffer(transfer.Width() + 1);
+      KeptColumns columns;
+      const int32_t bandColumns = WrapSubtract(band.rect.right, band.rect.left);
+      if (buffer == nullptr ||
+          !columns.Make(mapping, transfer.LeftInBand(), transfer.Width(), bandColumns, state_.imageBuffers)) {
+        return 0;
+      }
+      const int32_t top = WrapSubtract(transfer.Clipped().top, bandInPage.top);
+      const KeptRowCopier copier(band, mapping, columns, top, *state_.rows, gray);
+      CoveredRows rows;
+      while (transfer.NextRow(&rows)) {
+        if (!copier.Keeps(rows)) continue;
+        transfer.ConvertRow(buffer);
+        copier.Copy(buffer, rows);
+      }
+      return 1;
+    }
+    case ImageMode::kMerge: return 1;  // Intended: extended codes paint nothing on this device.
+    case ImageMode::kBitBlt: break;
+  }
+  const uint32_t bitmapWidth = static_cast<uint32_t>(map_.MapToPage(static_cast<int32_t>(state_.description.width)));
+  return FeedRows(
+      transfer, bitmapWidth, 3, a.rop, a,
+      // Rows are made gray here, not once more by every transfer.
+      [&](uint8_t* pixels, std::size_t count) {
+        if (gray) state_.rows->image->RegrayRow24(pixels, count);
+      },
+      [&](const BltArguments& row) {
+        BitBltKept(state_.PaintWithoutOrigin(), band, mapping, KeptTransfer{true, false}, row);
+        return true;
+      });
+}
+
+}  // namespace qnv

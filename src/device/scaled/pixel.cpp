@@ -1,0 +1,22 @@
+#include "device/scaled/scaled_raster_device.h"
+#include "raster/single_pixel.h"
+
+namespace qnv {
+
+uint32_t ScaledRasterDevice::Pixel(int32_t x, int32_t y, const PixelArguments& a) {
+  if (a.clip == nullptr) return 0;
+  const int32_t xPage = WrapAdd(x, state_.origin.x);
+  const int32_t yPage = WrapAdd(y, state_.origin.y);
+  if (!Contains(Shifted(*a.clip, state_.origin.x, state_.origin.y), xPage, yPage)) return 0;
+  const int32_t xBand = map_.MapToBand(xPage);
+  const int32_t yBand = map_.MapToBand(yPage);
+  const BandView band = Band();
+  if (!Contains(band.rect, xBand, yBand)) return 0;
+  uint8_t* pixel = band.At(xBand, yBand);
+  if (a.drawMode == nullptr) return ReadPixel(pixel, band.bytesPerPixel);
+  WritePixel(pixel, band.bytesPerPixel, a.colour, static_cast<uint16_t>(a.drawMode->Rop2));
+  if (IsGrayMode()) state_.rows->image->RegrayRow24(pixel, 1);
+  return 0;
+}
+
+}  // namespace qnv

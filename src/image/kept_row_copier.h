@@ -1,0 +1,54 @@
+// SRCCOPY on the resolution-mapping device: of the rows and columns that a converted row covers, those that the band
+// keeps are written.
+#pragma once
+
+#include <cstdint>
+
+#include "image/kept_columns.h"
+#include "image/row_stepping.h"
+#include "raster/band_view.h"
+#include "raster/mappings.h"
+#include "raster/rows/row_kernels.h"
+
+namespace qnv {
+
+class KeptRowCopier {
+ public:
+  // top: of the visible picture, caller's pixels from the band's top.
+  KeptRowCopier(const BandView& band, const KeptMapping& mapping, const KeptColumns& columns, int32_t top,
+                const RowKernels& kernels, bool regray)
+      : band_(band),
+        mapping_(mapping),
+        columns_(columns),
+        kernels_(kernels),
+        regray_(regray),
+        top_(top),
+        bandRows_(WrapSubtract(band.rect.bottom, band.rect.top)) {}
+
+  // Whether anything of a source row is seen. Intended: when the first row that it covers is not kept the others are
+  // not looked at.
+  bool Keeps(const CoveredRows& rows) const {
+    return rows.count != 0 && !columns_.IsEmpty() && BandRow(rows.first) != nullptr;
+  }
+
+  // pixels: the converted row, from the first visible column on; a byte behind the last pixel is read.
+  // Requires: Keeps(rows).
+  void Copy(const uint8_t* pixels, const CoveredRows& rows) const;
+
+ private:
+  // Band row of a destination row counted from the clip's top; null when it is stored nowhere.
+  uint8_t* BandRow(int32_t row) const {
+    const int32_t bandRow = mapping_.BandRow(top_ + row);
+    if (bandRow < 0 || bandRow >= bandRows_) return nullptr;
+    return band_.RelativeAt(0, static_cast<uint32_t>(bandRow));
+  }
+
+  const BandView& band_;
+  const KeptMapping mapping_;
+  const KeptColumns& columns_;
+  const RowKernels& kernels_;
+  const bool regray_;
+  const int32_t top_, bandRows_;
+};
+
+}  // namespace qnv

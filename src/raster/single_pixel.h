@@ -1,0 +1,26 @@
+// One band pixel, read or written under a binary raster operation.
+#pragma once
+
+#include <cstdint>
+
+#include "color/color_forms.h"
+#include "qnvdrv10.h"
+#include "raster/rop3.h"
+
+namespace qnv {
+
+// The bytes of a band pixel as one number, the first byte in bits 0..7; a gray byte stands in all three.
+inline uint32_t ReadPixel(const uint8_t* pixel, uint32_t bytesPerPixel) {
+  if (bytesPerPixel == 1) return Replicated(pixel[0]);
+  return static_cast<uint32_t>(pixel[0] | pixel[1] << 8 | pixel[2] << 16);
+}
+
+// Combines a band pixel with a colour reference. Intended: bits 16..23 of the colour (blue) become the first byte of a
+// 24-bit pixel, the reverse of what ReadPixel returns. An 8-bit band takes bits 0..7.
+inline void WritePixel(uint8_t* pixel, uint32_t bytesPerPixel, uint32_t colour, uint16_t rop2) {
+  const uint32_t pen = bytesPerPixel == 1 ? colour : ExchangeRedBlue(colour);
+  const uint32_t result = CombineWithPattern(IndexOfRop2(rop2), pen, ReadPixel(pixel, bytesPerPixel));
+  for (uint32_t i = 0; i < bytesPerPixel; ++i) pixel[i] = static_cast<uint8_t>(result >> 8 * i);
+}
+
+}  // namespace qnv
