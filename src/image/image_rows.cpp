@@ -1,10 +1,12 @@
 #include "image/image_rows.h"
 
+#include <cstring>
+
 namespace qnv {
 
 void CopyImage(ImageTransfer& transfer, const BandView& band, const RowKernels& kernels) {
   if (band.bits == nullptr) return;
-  const std::size_t rowBytes = static_cast<std::size_t>(transfer.Width()) * band.bytesPerPixel;
+  const std::size_t rowBytes = transfer.Columns() * band.bytesPerPixel;
   CoveredRows rows;
   while (transfer.NextRow(&rows)) {
     // A row between destination rows lies where the next one is about to be written: only the last one, which
@@ -18,11 +20,14 @@ void CopyImage(ImageTransfer& transfer, const BandView& band, const RowKernels& 
   }
 }
 
-void MergeRow(const BandView& band, const RowKernels& kernels, uint32_t rop, const BltArguments& row) {
+void MergeRow(const ImageTransfer& transfer, const BandView& band, const RowKernels& kernels, uint32_t rop,
+              const BltArguments& row, const uint8_t* pixels) {
   if (rop != ROP_MINIMUM || band.bits == nullptr) return;
-  const std::size_t first = static_cast<std::size_t>(row.srcX) * band.bytesPerPixel;
-  kernels.MinimumRow(band.At(row.destX, row.destY), static_cast<const uint8_t*>(row.source->bmBits) + first,
-                     static_cast<std::size_t>(row.width) * band.bytesPerPixel);
+  uint8_t* dst = band.At(row.destX, row.destY);
+  const std::size_t bytes = transfer.RowPixels() * band.bytesPerPixel;
+  kernels.MinimumRow(dst, pixels, bytes);
+  // Behind the converted columns the row is clear, and the minimum with zero is zero.
+  std::memset(dst + bytes, 0, transfer.Columns() * band.bytesPerPixel - bytes);
 }
 
 }  // namespace qnv

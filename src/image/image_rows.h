@@ -30,6 +30,13 @@ inline SourceBitmap RowBitmap(const uint8_t* buffer, uint32_t width, uint32_t by
           buffer};
 }
 
+// Columns of the row buffer before the picture. A bitmap has at most INT16_MAX columns, so that a picture farther to
+// the right is not looked at; its rows are converted all the same.
+inline int32_t ColumnsBefore(const ImageTransfer& transfer) {
+  const int32_t left = transfer.LeftInBand();
+  return left >= 0 && left < INT16_MAX ? left : INT16_MAX;
+}
+
 // The clip of the transfers below: an image is clipped before its rows are.
 inline constexpr Rect kNoClip{0, 0, 0, 0};
 
@@ -51,24 +58,25 @@ inline BltArguments RowTransfer(const ImageTransfer& transfer, const SourceBitma
 }
 
 // Every code but SRCCOPY: hands each destination row that a source row covers to paintRow as a one-row transfer under
-// `rop`. afterConvert(pixels, count) may change a converted row before. paintRow(BltArguments) returns false to end the
-// transfer, whose result is 0 then. 0 also without memory, else 1.
+// `rop`. afterConvert(pixels, count) may change a converted row before. paintRow(BltArguments, pixels) gets the
+// converted row too, and returns false to end the transfer, whose result is 0 then. 0 also without memory, else 1.
 template <class AfterConvert, class PaintRow>
 uint16_t FeedRows(ImageTransfer& transfer, uint32_t bitmapWidth, uint32_t bytesPerPixel, uint32_t rop,
                   const ImageArguments& a, AfterConvert afterConvert, PaintRow paintRow) {
   // Cleared once: every row writes the same columns.
-  uint8_t* buffer = transfer.TakeRowBuffer(transfer.LeftInBand() + transfer.Width());
+  const int32_t before = ColumnsBefore(transfer);
+  uint8_t* buffer = transfer.TakeRowBuffer(before);
   if (buffer == nullptr) return 0;
   const SourceBitmap bitmap = RowBitmap(buffer, bitmapWidth, bytesPerPixel);
-  uint8_t* visible = buffer + static_cast<std::size_t>(transfer.LeftInBand()) * bytesPerPixel;
+  uint8_t* visible = buffer + static_cast<std::size_t>(before) * bytesPerPixel;
   CoveredRows rows;
   while (transfer.NextRow(&rows)) {
     if (rows.count == 0) continue;
     transfer.ConvertRow(visible);
-    afterConvert(visible, static_cast<std::size_t>(transfer.Width()));
+    afterConvert(visible, transfer.RowPixels());
     const int32_t top = transfer.Clipped().top + rows.first;
     for (int32_t i = 0; i < rows.count; ++i) {
-      if (!paintRow(RowTransfer(transfer, bitmap, top + i, rop, a))) return 0;
+      if (!paintRow(RowTransfer(transfer, bitmap, top + i, rop, a), visible)) return 0;
     }
   }
   return 1;
@@ -78,7 +86,8 @@ uint16_t FeedRows(ImageTransfer& transfer, uint32_t bitmapWidth, uint32_t bytesP
 // ROP_MINIMUM. The other codes paint nothing.
 inline constexpr uint32_t kMergeTags = SRCAND;
 
-// row: a row of FeedRows.
-void MergeRow(const BandView& band, const RowKernels& kernels, uint32_t rop, const BltArguments& row);
+// row, pixels: as FeedRows hands them over.
+void MergeRow(const ImageTransfer& transfer, const BandView& band, const RowKernels& kernels, uint32_t rop,
+              const BltArguments& row, const uint8_t* pixels);
 
 }  // namespace qnv

@@ -37,8 +37,8 @@ bool ImageTransfer::Prepare(const PaintState& paint, const Rect& bandRect, Pixel
   const uint32_t rowBits = dib_.IsRle() ? 8 : dib_.bitCount;
   convert_ = RowConverterFor(rowBits, target_);
 
-  walk_ =
-      RowWalk(MakeStepping(mapping.dstTop, mapping.dstHeight, mapping.rows, topInBand, clipped_.bottom - clipped_.top));
+  walk_ = RowWalk(MakeStepping(mapping.dstTop, mapping.dstHeight, mapping.rows, topInBand,
+                               WrapSubtract(clipped_.bottom, clipped_.top)));
   const Stepping columns = MakeStepping(mapping.dstLeft, mapping.dstWidth, mapping.columns, leftInBand_, Width());
   if (!columns_.Make(columns, mapping, rowBits, target_, buffers_)) return false;
   // Rows are walked from the top of the picture down: bottom-up storage backwards.
@@ -57,9 +57,9 @@ void ImageTransfer::ConvertRow(uint8_t* out) {
   columns_.Apply(out, SourceRow(stored), convert_, ConverterContext{colours_, *rows_});
 }
 
-uint8_t* ImageTransfer::TakeRowBuffer(int32_t pixels) {
+uint8_t* ImageTransfer::TakeRowBuffer(int32_t before) {
   // Three bytes a pixel even for gray rows: a dual-plane device described with 8 bits reads them as colour.
-  const std::size_t bytes = static_cast<std::size_t>(pixels) * 3;
+  const std::size_t bytes = (static_cast<std::size_t>(before) + RowPixels() + 1) * 3;
   auto* buffer = buffers_.row.Take<uint8_t>(bytes);
   if (buffer != nullptr) std::memset(buffer, 0, bytes);
   return buffer;

@@ -2,6 +2,7 @@
 // what they do with the rows.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 
 #include "image/column_plan.h"
@@ -37,7 +38,9 @@ class ImageTransfer {
   // The visible destination, caller's pixels with the origin added, and its place relative to the band.
   const Rect& Clipped() const { return clipped_; }
   int32_t LeftInBand() const { return leftInBand_; }
-  int32_t Width() const { return clipped_.right - clipped_.left; }
+  int32_t Width() const { return WrapSubtract(clipped_.right, clipped_.left); }
+  // The same as a count: a band without memory may be wider than a signed number tells.
+  std::size_t Columns() const { return static_cast<uint32_t>(Width()); }
 
   // Steps to the next source row; false at the end.
   bool NextRow(CoveredRows* rows) { return walk_.Next(rows); }
@@ -47,8 +50,13 @@ class ImageTransfer {
   // reaches are left as they are.
   void ConvertRow(uint8_t* out);
 
-  // A cleared row buffer of `pixels` band pixels; null without memory.
-  uint8_t* TakeRowBuffer(int32_t pixels);
+  // Pixels that a converted row can hold; what lies behind them in a wider destination stays as it was cleared.
+  static constexpr int32_t kMaxRowPixels = UINT16_MAX;
+  std::size_t RowPixels() const { return std::min<std::size_t>(Columns(), kMaxRowPixels); }
+
+  // A cleared row buffer: `before` columns, RowPixels() of the picture and a spare one that stays clear; null without
+  // memory. Its size never follows a coordinate. Requires: before <= INT16_MAX.
+  uint8_t* TakeRowBuffer(int32_t before);
 
  private:
   const uint8_t* SourceRow(int32_t stored) const;

@@ -1,11 +1,14 @@
 #include "image/kept_columns.h"
 
+#include <algorithm>
+
 namespace qnv {
 
 bool KeptColumns::Make(const KeptMapping& mapping, int32_t left, int32_t width, int32_t bandColumns,
                        ImageBuffers& buffers) {
   // A band column is kept from one column of the picture at most, and so are the runs.
-  const std::size_t most = static_cast<std::size_t>(width);
+  const std::size_t most =
+      std::min<std::size_t>(static_cast<uint32_t>(width), static_cast<uint32_t>(MaxOf(bandColumns, 0)));
   auto* const columns = buffers.keptColumns.Take<int32_t>(most);
   auto* const runs = buffers.keptRuns.Take<Run>(most);
   if (columns == nullptr || runs == nullptr) return false;

@@ -2,6 +2,7 @@
 
 #include <cstring>
 
+#include "image/image_transfer.h"
 #include "raster/rows/store_pixel.h"
 
 namespace qnv {
@@ -13,7 +14,9 @@ void KeptRowCopier::Copy(const uint8_t* pixels, const CoveredRows& rows) const {
     const std::size_t count = static_cast<std::size_t>(run.count);
     StorePixels<3>(dst, count, [=](std::size_t i) {
       uint32_t packed;
-      std::memcpy(&packed, pixels + std::ptrdiff_t{3} * run.columns[i], 4);
+      // Columns beyond those that a row holds are clear, as the last one is.
+      const int32_t column = MinOf(run.columns[i], ImageTransfer::kMaxRowPixels);
+      std::memcpy(&packed, pixels + std::ptrdiff_t{3} * column, 4);
       return packed;
     });
     if (regray_) kernels_.image->RegrayRow24(dst, count);

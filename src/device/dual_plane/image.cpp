@@ -25,18 +25,19 @@ uint16_t DualPlaneDevice::StretchDIBits(const ImageArguments& a) {
     }
     case ImageMode::kMerge:
       return FeedRows(transfer, bitmapWidth, band.bytesPerPixel, kMergeTags, a, keepPixels,
-                      [&](const BltArguments& row) {
+                      [&](const BltArguments& row, const uint8_t* pixels) {
                         if (!TagImage(row)) return false;
-                        MergeRow(band, *state_.rows, a.rop, row);
+                        MergeRow(transfer, band, *state_.rows, a.rop, row, pixels);
                         return true;
                       });
     case ImageMode::kBitBlt: break;
   }
-  return FeedRows(transfer, bitmapWidth, band.bytesPerPixel, a.rop, a, keepPixels, [&](const BltArguments& row) {
-    if (!TagImage(row)) return false;
-    colourDevice_->PaintImageRow(row);
-    return true;
-  });
+  return FeedRows(transfer, bitmapWidth, band.bytesPerPixel, a.rop, a, keepPixels,
+                  [&](const BltArguments& row, const uint8_t*) {
+                    if (!TagImage(row)) return false;
+                    colourDevice_->PaintImageRow(row);
+                    return true;
+                  });
 }
 
 }  // namespace qnv

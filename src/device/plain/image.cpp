@@ -14,11 +14,17 @@ uint16_t RasterDevice::StretchDIBits(const ImageArguments& a) {
     case ImageMode::kCopy: CopyImage(transfer, band, *state_.rows); return 1;
     case ImageMode::kMerge:
       return FeedRows(transfer, bitmapWidth, band.bytesPerPixel, kMergeTags, a, keepPixels,
-                      [&](const BltArguments& row) { return MergeRow(band, *state_.rows, a.rop, row), true; });
+                      [&](const BltArguments& row, const uint8_t* pixels) {
+                        MergeRow(transfer, band, *state_.rows, a.rop, row, pixels);
+                        return true;
+                      });
     case ImageMode::kBitBlt: break;
   }
   return FeedRows(transfer, bitmapWidth, band.bytesPerPixel, a.rop, a, keepPixels,
-                  [this](const BltArguments& row) { return PaintImageRow(row), true; });
+                  [this](const BltArguments& row, const uint8_t*) {
+                    PaintImageRow(row);
+                    return true;
+                  });
 }
 
 void RasterDevice24::PaintImageRow(const BltArguments& row) {

@@ -16,7 +16,7 @@ uint16_t ScaledRasterDevice::StretchDIBits(const ImageArguments& a) {
   const bool gray = IsGrayMode();
   switch (ImageModeOf(a.rop)) {
     case ImageMode::kCopy: {
-      uint8_t* buffer = transfer.TakeRowBuffer(transfer.Width() + 1);
+      uint8_t* buffer = transfer.TakeRowBuffer(1);
       KeptColumns columns;
       const int32_t bandColumns = WrapSubtract(band.rect.right, band.rect.left);
       if (buffer == nullptr ||
@@ -43,7 +43,7 @@ uint16_t ScaledRasterDevice::StretchDIBits(const ImageArguments& a) {
       [&](uint8_t* pixels, std::size_t count) {
         if (gray) state_.rows->image->RegrayRow24(pixels, count);
       },
-      [&](const BltArguments& row) {
+      [&](const BltArguments& row, const uint8_t*) {
         BitBltKept(state_.PaintWithoutOrigin(), band, mapping, KeptTransfer{true, false}, row);
         return true;
       });
