@@ -182,7 +182,7 @@ typedef struct FONTINFO {
 /* 40 bytes. Followed at byte biSize by the colour table (blue, green, red, unused; 1, 4 and 8 bits), or at
  * byte 40 by three masks (red, green, blue; 16 bits with BI_BITFIELDS). */
 typedef struct BITMAPINFOHEADER {
-  uint32_t biSize;
+  uint32_t biSize;  /* 40..4096 at 1, 4 and 8 bits, else refused; not read at the others */
   int32_t biWidth;  /* 1..32767, else refused */
   int32_t biHeight; /* -32767..32767 but 0; negative: top row stored first */
   uint16_t biPlanes;

@@ -7,6 +7,10 @@ namespace {
 
 constexpr int32_t kMostPixels = 32767;  // what 16-bit source rectangles can hold
 
+// Table positions that a header may name: behind every header that there is, within what a host can be asked to hold.
+constexpr uint32_t kMinTableOffset = 40;
+constexpr uint32_t kMaxTableOffset = 4096;
+
 bool IsDepth(uint16_t bits) { return bits == 1 || bits == 4 || bits == 8 || bits == 16 || bits == 24 || bits == 32; }
 
 }  // namespace
@@ -19,6 +23,8 @@ bool ReadDib(const void* bitmapInfo, Dib* dib) {
   if (header.biHeight == 0 || header.biHeight < -kMostPixels || header.biHeight > kMostPixels) return false;
   if (header.biCompression == BI_RLE8 && header.biBitCount != 8) return false;
   if (header.biCompression == BI_RLE4 && header.biBitCount != 4) return false;
+  const bool hasPalette = header.biBitCount <= 8;
+  if (hasPalette && (header.biSize < kMinTableOffset || header.biSize > kMaxTableOffset)) return false;
   dib->width = header.biWidth;
   dib->topDown = header.biHeight < 0;
   dib->height = dib->topDown ? -header.biHeight : header.biHeight;
