@@ -187,7 +187,7 @@ typedef struct BITMAPINFOHEADER {
   int32_t biHeight; /* -32767..32767 but 0; negative: top row stored first */
   uint16_t biPlanes;
   uint16_t biBitCount; /* 1, 4, 8, 16, 24, 32 */
-  uint32_t biCompression;
+  uint32_t biCompression;  /* 4, 5 and values above 6 are refused; 6 is taken as plain rows */
   uint32_t biSizeImage;    /* not read */
   int32_t biXPelsPerMeter; /* not read */
   int32_t biYPelsPerMeter; /* not read */

@@ -69,5 +69,26 @@ TEST(DibHeaders, SizesThatAreNotRead) {
   }
 }
 
+// Data that is no rows of pixels.
+TEST(DibHeaders, Compressions) {
+  for (const DeviceCase& d : kDevices) {
+    for (uint32_t rop : {uint32_t{SRCCOPY}, uint32_t{SRCINVERT}, uint32_t{ROP_MINIMUM}}) {
+      for (uint16_t bitCount : {uint16_t{1}, uint16_t{4}, uint16_t{8}, uint16_t{16}, uint16_t{24}, uint16_t{32}}) {
+        const std::size_t infoBytes = 40 + (bitCount <= 8 ? std::size_t{4} << bitCount : 12u);
+        for (uint32_t compression : {4u, 5u, 7u, 8u, 11u, 13u, 0x80000000u, 0xFFFFFFFFu}) {
+          TestDevice device(d.options);
+          const std::vector<uint8_t> before = Painted(device);
+          EXPECT_EQ(0u, PaintOne(device, bitCount, compression, 40, rop, infoBytes)) << d.name << ", " << compression;
+          EXPECT_EQ(before, Painted(device)) << d.name << ", " << compression;
+        }
+        for (uint32_t compression : {0u, 3u, 6u}) {
+          TestDevice device(d.options);
+          EXPECT_EQ(1u, PaintOne(device, bitCount, compression, 40, rop, infoBytes)) << d.name << ", " << compression;
+        }
+      }
+    }
+  }
+}
+
 }  // namespace
 }  // namespace qnv::test
