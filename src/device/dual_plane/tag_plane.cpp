@@ -24,6 +24,8 @@ Rect OpenEdges(const Rect& clip, Origin origin) {
 }
 
 void TagFromPixels(const TagPlane& plane, uint8_t tag, const BltArguments& a, uint32_t skip) {
+  // Turned inside out it could wrap to a rectangle that holds everything.
+  if (a.source->bmWidth <= 0 || a.source->bmHeight <= 0) return;
   const BandView& band = plane.band;
   const Origin origin = plane.paint.origin;
   const int32_t x = WrapAdd(a.destX, origin.x);
