@@ -62,6 +62,8 @@ class TransferRows {
   // Whole rows under one colour, of a source that has none between them either, are one long row.
   bool JoinsRows(const BandView& band, const Rect& relative) const {
     if (relative.left != 0 || !band.IsWholeRow(relative.right) || !masks_.IsOneCell()) return false;
+    // The pixels of a run are counted with 31 bits.
+    if (int64_t{relative.right} * WrapSubtract(relative.bottom, relative.top) > INT32_MAX) return false;
     return source_ == nullptr || source_->RowsJoin(static_cast<std::ptrdiff_t>(band.stride));
   }
 
