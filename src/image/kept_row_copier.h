@@ -38,7 +38,7 @@ class KeptRowCopier {
  private:
   // Band row of a destination row counted from the clip's top; null when it is stored nowhere.
   uint8_t* BandRow(int32_t row) const {
-    const int32_t bandRow = mapping_.BandRow(top_ + row);
+    const int32_t bandRow = mapping_.BandRow(WrapAdd(top_, row));
     if (bandRow < 0 || bandRow >= bandRows_) return nullptr;
     return band_.RelativeAt(0, static_cast<uint32_t>(bandRow));
   }

@@ -61,6 +61,11 @@ class CoordinateMap {
   }
   // The first band pixel whose page pixel is v or a later one. Requires: Thins(), v >= 0.
   int32_t FirstBandFrom(int32_t v) const;
+  // The same behind every coordinate too: v may be 2^31.
+  int32_t EndBandOf(int64_t v) const {
+    if (v <= INT32_MAX) return FirstBandFrom(static_cast<int32_t>(v));
+    return WrapAdd(FirstBandFrom(INT32_MAX), MapKept(INT32_MAX) >= 0 ? 1 : 0);
+  }
 
   uint16_t a() const { return a_; }
   uint16_t b() const { return b_; }

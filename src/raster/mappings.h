@@ -59,11 +59,30 @@ struct KeptMapping {
   }
   int32_t BandRow(int32_t row) const { return map->MapKept(row); }
 
+  // Calls visit(band row, caller row) for those of the caller rows [first, first + count), counted from the band's top,
+  // that the band holds. Work follows the band's rows where it is coarser than the page.
+  template <class Visit>
+  void ForEachKeptRow(int32_t first, int32_t count, int32_t bandRows, Visit visit) const {
+    if (map->Thins()) {
+      if (EndOf(first, count) <= 0) return;
+      int32_t row = map->FirstBandFrom(MaxOf(first, 0));
+      map->ForEachPage(row, MinOf(map->EndBandOf(EndOf(first, count)), bandRows), [&](int32_t page) {
+        visit(row++, page);
+        return true;
+      });
+      return;
+    }
+    for (int32_t i = 0; i < count; ++i) {
+      const int32_t row = map->MapKept(WrapAdd(first, i));
+      if (row >= 0 && row < bandRows) visit(row, WrapAdd(first, i));
+    }
+  }
+
   template <class Paint>
   void ForEachRun(int32_t first, int32_t count, int32_t bandColumns, Paint paint) const {
     if (map->Thins()) return ForEachThinnedRun(first, count, bandColumns, paint);
     ForEachMappedRun(
-        count, bandColumns, [&](int32_t i) { return map->MapKept(first + i); }, paint);
+        count, bandColumns, [&](int32_t i) { return map->MapKept(WrapAdd(first, i)); }, paint);
   }
 
   // Gathers the columns 0 .. count - 1 of a walk whose band column bandColumnOf(i) lies in [0, bandColumns)
@@ -89,13 +108,18 @@ struct KeptMapping {
   }
 
  private:
+  // Coordinates wrap behind 2^31 - 1, where none is kept. count: unsigned, a page may be wider than a signed one tells.
+  static int64_t EndOf(int32_t first, int32_t count) {
+    const int64_t end = int64_t{first} + static_cast<uint32_t>(count);
+    return end > INT32_MAX ? int64_t{INT32_MAX} + 1 : end;
+  }
+
   // Band columns side by side, each of which has a caller column: those are walked instead.
   template <class Paint>
   void ForEachThinnedRun(int32_t first, int32_t count, int32_t bandColumns, Paint paint) const {
-    const int32_t end = first + count;
-    if (end <= 0) return;
+    if (EndOf(first, count) <= 0) return;
     int32_t column = map->FirstBandFrom(MaxOf(first, 0));
-    const int32_t endColumn = MinOf(map->FirstBandFrom(end), bandColumns);
+    const int32_t endColumn = MinOf(map->EndBandOf(EndOf(first, count)), bandColumns);
     uint16_t picks[kMostPicks];
     while (column < endColumn) {
       const int32_t start = map->PageOf(column);

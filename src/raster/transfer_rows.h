@@ -39,18 +39,18 @@ class TransferRows {
       return PaintRows(band, RowRange{relative.top, 1, 0}, ColumnRun{0, 0, pixels, nullptr});
     }
     // Images paint row by row: of a row that the band does not keep no columns are worked out.
-    if (!Mapping::kOneToOne && relative.bottom - relative.top == 1 && mapping.BandRow(relative.top) < 0) return;
-    mapping.ForEachRun(relative.left, relative.right - relative.left, bandColumns, [&](const ColumnRun& run) {
-      if constexpr (Mapping::kOneToOne) {
-        PaintRows(band, RowRange{relative.top, relative.bottom - relative.top, 0}, run);
-      } else {
-        for (int32_t row = relative.top; row < relative.bottom; ++row) {
-          const int32_t bandRow = mapping.BandRow(row);
-          if (bandRow < 0 || bandRow >= bandRows) continue;
-          PaintRows(band, RowRange{bandRow, 1, row - relative.top}, run);
-        }
-      }
-    });
+    const int32_t pageRows = WrapSubtract(relative.bottom, relative.top);
+    if (!Mapping::kOneToOne && pageRows == 1 && mapping.BandRow(relative.top) < 0) return;
+    mapping.ForEachRun(relative.left, WrapSubtract(relative.right, relative.left), bandColumns,
+                       [&](const ColumnRun& run) {
+                         if constexpr (Mapping::kOneToOne) {
+                           PaintRows(band, RowRange{relative.top, relative.bottom - relative.top, 0}, run);
+                         } else {
+                           mapping.ForEachKeptRow(relative.top, pageRows, bandRows, [&](int32_t bandRow, int32_t row) {
+                             PaintRows(band, RowRange{bandRow, 1, row - relative.top}, run);
+                           });
+                         }
+                       });
   }
 
  private:
