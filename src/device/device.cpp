@@ -38,12 +38,23 @@ uint32_t Device::RealizeObject(uint32_t kind, const void* input, void* output) {
 }
 
 uint32_t Device::PolyPixel(int32_t x1, int32_t y1, int32_t x2, int32_t y2, const PixelArguments& a) {
-  const int64_t xMin = std::min(x1, x2), xMax = std::max(x1, x2);
-  const int64_t yMin = std::min(y1, y2), yMax = std::max(y1, y2);
-  for (int64_t y = yMin; y <= yMax; ++y) {
-    for (int64_t x = xMin; x <= xMax; ++x) Pixel(static_cast<int32_t>(x), static_cast<int32_t>(y), a);
-  }
+  if (a.clip == nullptr || a.drawMode == nullptr) return 0;  // nothing is written
+  const PixelReach reach = Reach(*a.clip);
+  const PixelAxis columns{reach.limits.left, reach.limits.right, reach.band.left, reach.band.right, reach.map};
+  const PixelAxis rows{reach.limits.top, reach.limits.bottom, reach.band.top, reach.band.bottom, reach.map};
+  const int32_t originX = state_.origin.x, originY = state_.origin.y;
+  ForEachSeenOfCaller(rows, std::min(y1, y2), std::max(y1, y2), originY, [&](int32_t yDevice, int64_t yCount) {
+    const int32_t y = WrapSubtract(yDevice, originY);
+    ForEachSeenOfCaller(columns, std::min(x1, x2), std::max(x1, x2), originX, [&](int32_t xDevice, int64_t xCount) {
+      RepeatPixel(WrapSubtract(xDevice, originX), y, static_cast<uint64_t>(yCount) * static_cast<uint64_t>(xCount), a);
+    });
+  });
   return 0;
+}
+
+void Device::RepeatPixel(int32_t x, int32_t y, uint64_t times, const PixelArguments& a) {
+  // Bit by bit an operation sets, clears, keeps or inverts: the third time does what the first did.
+  for (uint64_t left = times > 2 ? 2 - times % 2 : times; left != 0; --left) Pixel(x, y, a);
 }
 
 uint16_t Device::SetDIBitsToDevice(int32_t x, int32_t y, uint32_t startScan, uint32_t numScans, const BandRect* clip,

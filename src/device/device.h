@@ -10,6 +10,7 @@
 #include "output/output_arguments.h"
 #include "qnvdrv10.h"
 #include "raster/blt_arguments.h"
+#include "raster/poly_pixel.h"
 #include "text/text_arguments.h"
 
 namespace qnv {
@@ -57,6 +58,10 @@ class Device {
   virtual bool ConvertsToGray() const = 0;
   virtual uint8_t HatchScale() const = 0;
   virtual void ClearBand() = 0;
+  // What PolyPixel has to visit; more than can be seen does no harm.
+  virtual PixelReach Reach(const Rect& clip) const = 0;
+  // Writes one pixel so many times.
+  virtual void RepeatPixel(int32_t x, int32_t y, uint64_t times, const PixelArguments& a);
 
   // Fills a rectangle of caller coordinates with the draw mode's background colour, by the device's own brush and
   // transfer. What lies left of or above 0 is cut off first; the rest is its own clip.

@@ -26,6 +26,12 @@ class CoordinateMap {
   int32_t MapToBand(int32_t v) const { return toBand_.Of(v); }
   int32_t MapToPage(int32_t v) const { return toPage_.Of(v); }
 
+  // The largest magnitude whose MapToBand is no overflow.
+  int64_t FarthestMapped() const {
+    if (b_ == 0) return int64_t{INT32_MAX} + 1;
+    return (((int64_t{INT32_MAX} + 1) * a_ - 1 - a_ / 2) / b_);
+  }
+
   // -1: the page row or column is not stored in the band.
   int32_t MapKept(int32_t v) const;
 

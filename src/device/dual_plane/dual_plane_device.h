@@ -27,6 +27,7 @@ class DualPlaneDevice : public RasterDevice24 {
 
  protected:
   void ClearBand() override;
+  PixelReach Reach(const Rect& clip) const override;
 
  private:
   // Each of these marks what a call paints; nothing is marked while the plane holds the graphics tag alone. False when

@@ -15,4 +15,11 @@ uint32_t DualPlaneDevice::Pixel(int32_t x, int32_t y, const PixelArguments& a) {
   return colourDevice_->Pixel(x, y, a);
 }
 
+// Tags left of or above 0 widen the clip, and an all-zero clip does not hold them: only the band limits.
+PixelReach DualPlaneDevice::Reach(const Rect&) const {
+  const bool hasMemory = state_.buffer != nullptr || tagBuffer_ != nullptr;
+  const Rect limits = hasMemory ? state_.bandRect : Rect{0, 0, 0, 0};
+  return {limits, limits, nullptr};
+}
+
 }  // namespace qnv

@@ -16,4 +16,10 @@ uint32_t RasterDevice::Pixel(int32_t x, int32_t y, const PixelArguments& a) {
   return 0;
 }
 
+PixelReach RasterDevice::Reach(const Rect& clip) const {
+  Rect limits;
+  RectIntersect(limits, Shifted(clip, state_.origin.x, state_.origin.y), Band().rect);
+  return {limits, limits, nullptr};
+}
+
 }  // namespace qnv

@@ -33,6 +33,7 @@ class RasterDevice : public Device {
   bool ConvertsToGray() const override { return state_.description.bitsPerPixel == 8; }
   uint8_t HatchScale() const override;
   void ClearBand() override;
+  PixelReach Reach(const Rect& clip) const override;
 
   uint32_t DescribedBytes() const { return state_.Is24() ? 3 : 1; }
 };

@@ -19,4 +19,23 @@ uint32_t ScaledRasterDevice::Pixel(int32_t x, int32_t y, const PixelArguments& a
   return 0;
 }
 
+PixelReach ScaledRasterDevice::Reach(const Rect& clip) const {
+  return {Shifted(clip, state_.origin.x, state_.origin.y), Band().rect, &map_};
+}
+
+void ScaledRasterDevice::RepeatPixel(int32_t x, int32_t y, uint64_t times, const PixelArguments& a) {
+  if (!IsGrayMode()) return Device::RepeatPixel(x, y, times, a);
+  // A gray level depends on the one before it alone. When one comes back the levels between repeat.
+  uint16_t seenAt[256] = {};  // time after which a level stood there
+  for (uint64_t time = 1; time <= times; ++time) {
+    Pixel(x, y, a);
+    uint16_t& seen = seenAt[Pixel(x, y, PixelArguments{0, nullptr, a.clip}) & 0xFF];
+    if (seen != 0 && times - time > 256) {
+      const uint64_t period = time - seen;
+      times = time + (times - time) % period;
+    }
+    seen = static_cast<uint16_t>(time);
+  }
+}
+
 }  // namespace qnv

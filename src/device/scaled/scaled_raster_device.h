@@ -29,6 +29,8 @@ class ScaledRasterDevice : public Device {
   bool ConvertsToGray() const override { return IsGrayMode(); }
   uint8_t HatchScale() const override { return 1; }
   void ClearBand() override;
+  PixelReach Reach(const Rect& clip) const override;
+  void RepeatPixel(int32_t x, int32_t y, uint64_t times, const PixelArguments& a) override;
 
  private:
   // What is written becomes gray in place afterwards.

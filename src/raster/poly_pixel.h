@@ -1,0 +1,85 @@
+// Which points of a rectangle a device can show: the rest need not be visited. Points that fall on one band pixel are
+// visited together, with their number.
+#pragma once
+
+#include <cstdint>
+
+#include "raster/coordinate_map.h"
+#include "raster/rect.h"
+
+namespace qnv {
+
+// What of a device's points can be seen.
+struct PixelReach {
+  Rect limits;               // points, origin added, that may pass clip and, without a map, the band
+  Rect band;                 // with a map: the band in its own pixels
+  const CoordinateMap* map;  // null: points are band pixels
+};
+
+// One direction of a PixelReach.
+struct PixelAxis {
+  int32_t low, high;          // limits, half open
+  int32_t bandLow, bandHigh;  // with a map
+  const CoordinateMap* map;
+};
+
+// Calls visit(point, count) for the points [first, last], origin added, that can be seen: `count` points from `point`
+// on fall on the same band pixel.
+template <class Visit>
+void ForEachSeen(const PixelAxis& axis, int64_t first, int64_t last, Visit visit) {
+  if (first < axis.low) first = axis.low;
+  if (last > int64_t{axis.high} - 1) last = int64_t{axis.high} - 1;
+  if (axis.map == nullptr) {
+    for (int64_t v = first; v <= last; ++v) visit(static_cast<int32_t>(v), int64_t{1});
+    return;
+  }
+  const auto bandOf = [&](int64_t v) { return axis.map->MapToBand(static_cast<int32_t>(v)); };
+  // The first point from `from` on for which isPast holds; it stays so from there to `end`, which is behind the last.
+  const auto firstPast = [](int64_t from, int64_t end, auto isPast) {
+    while (from < end) {
+      const int64_t middle = from + (end - from) / 2;
+      if (isPast(middle)) {
+        end = middle;
+      } else {
+        from = middle + 1;
+      }
+    }
+    return from;
+  };
+  // Between these the mapping rises; farther out every point is on band pixel -1, as the platform's product has it.
+  const int64_t farthest = axis.map->FarthestMapped();
+  const auto visitOutside = [&](int64_t from, int64_t end) {
+    if (from < end && axis.bandLow <= -1 && -1 < axis.bandHigh) visit(static_cast<int32_t>(from), end - from);
+  };
+  visitOutside(first, last + 1 < -farthest ? last + 1 : -farthest);
+  const int64_t begin = first > -farthest ? first : -farthest;
+  const int64_t end = (last < farthest ? last : farthest) + 1;
+  int64_t v = firstPast(begin, end, [&](int64_t point) { return bandOf(point) >= axis.bandLow; });
+  while (v < end) {
+    const int32_t pixel = bandOf(v);
+    if (pixel >= axis.bandHigh) break;
+    // A pixel's points are close together: look ahead in growing steps.
+    int64_t step = 1;
+    while (v + step < end && bandOf(v + step) == pixel) step *= 2;
+    const int64_t limit = v + step < end ? v + step : end;
+    const int64_t next = firstPast(v + step / 2, limit, [&](int64_t point) { return bandOf(point) > pixel; });
+    const int64_t following = next > v ? next : v + 1;
+    visit(static_cast<int32_t>(v), following - v);
+    v = following;
+  }
+  visitOutside(first > farthest + 1 ? first : farthest + 1, last + 1);
+}
+
+// The same for the caller's points [low, high]: added to the origin they wrap, and so may come in two pieces.
+template <class Visit>
+void ForEachSeenOfCaller(const PixelAxis& axis, int32_t low, int32_t high, int32_t origin, Visit visit) {
+  constexpr int64_t kTurn = int64_t{1} << 32;
+  const int64_t first = int64_t{low} + origin, last = int64_t{high} + origin;
+  for (int64_t turn : {-kTurn, int64_t{0}, kTurn}) {
+    const int64_t from = first + turn > INT32_MIN ? first + turn : int64_t{INT32_MIN};
+    const int64_t to = last + turn < INT32_MAX ? last + turn : int64_t{INT32_MAX};
+    if (from <= to) ForEachSeen(axis, from, to, visit);
+  }
+}
+
+}  // namespace qnv
