@@ -26,10 +26,16 @@ class SpanWords {
     return value;
   }
   const int8_t* BytesFrom(std::ptrdiff_t word) const { return reinterpret_cast<const int8_t*>(bytes_ + 2 * word); }
-  void Advance(std::ptrdiff_t words) { bytes_ += 2 * words; }
+  // False where a negative count of a record leads before the list.
+  bool Advance(std::ptrdiff_t words) {
+    if (bytes_ - begin_ < -2 * words) return false;
+    bytes_ += 2 * words;
+    return true;
+  }
 
  private:
   const uint8_t* bytes_;
+  const uint8_t* begin_ = bytes_;
 };
 
 template <class Mapping>
@@ -93,14 +99,19 @@ class SpanLists {
         const int32_t pairs = (n + 1) / 2;
         auto* spans = static_cast<Span*>(scratch_.Acquire(static_cast<uint32_t>(pairs) * sizeof(Span)));
         if (spans != nullptr) {
-          for (int32_t i = 0; i < pairs; ++i) spans[i] = Clipped(words.At(3 + 2 * i), words.At(4 + 2 * i));
-          for (int32_t y = top; y < bottom; ++y) {
-            for (int32_t i = 0; i < pairs; ++i) PaintSpan(y, spans[i]);
+          // Only what is left of the spans is kept, so that empty ones cost nothing on every row.
+          int32_t kept = 0;
+          for (int32_t i = 0; i < pairs; ++i) {
+            spans[kept] = Clipped(words.At(3 + 2 * i), words.At(4 + 2 * i));
+            if (spans[kept].left < spans[kept].right) ++kept;
+          }
+          for (int32_t y = top; y < bottom && kept != 0; ++y) {
+            for (int32_t i = 0; i < kept; ++i) painter_.Paint(y, spans[i].left, spans[i].right);
           }
           scratch_.Release();
         }
       }
-      words.Advance(std::ptrdiff_t{n} + 4);
+      if (!words.Advance(std::ptrdiff_t{n} + 4)) return;
     }
   }
 
@@ -115,7 +126,7 @@ class SpanLists {
       if (RowInside(y)) {
         for (int32_t i = 0; i < n; i += 2) PaintSpan(y, Clipped(words.At(1 + i), words.At(2 + i)));
       }
-      words.Advance(std::ptrdiff_t{n} + 1);
+      if (!words.Advance(std::ptrdiff_t{n} + 1)) return;
     }
   }
 
