@@ -1,7 +1,7 @@
 # The library: compiled once, delivered as a shared object that exports the published names and nothing else, and
 # as a static one for the tests of its parts.
 file(GLOB_RECURSE qnv_sources CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/src/*.cpp)
-qnv_row_kernel_flags(${qnv_sources})
+qnv_row_kernel_flags(qnv_sources)
 
 add_library(qnvdrv10_objects OBJECT ${qnv_sources})
 set_target_properties(qnvdrv10_objects PROPERTIES

@@ -1,17 +1,57 @@
 # Row kernels are compiled for speed, and each instruction set has its own files, named by suffix. Nothing else
 # may use those instructions: the processor is asked for them only where a kernel table is chosen.
-function(qnv_row_kernel_flags)
-  foreach(source IN LISTS ARGN)
+
+# The levels of src/raster/rows/levels.h that the target processor has, lowest first:
+#   QNV_LEVELS           their names
+#   QNV_LEVEL_name       the value of CpuLevel
+#   QNV_OPTIONS_name     the compiler options of files named *_name.cpp
+set(qnv_level_list ${PROJECT_SOURCE_DIR}/src/raster/rows/levels.h)
+set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${qnv_level_list})
+set(QNV_ALL_LEVELS)
+file(READ ${qnv_level_list} level_text)
+string(REGEX MATCHALL "\n +X\\([^\n\\]*" level_lines "${level_text}")
+foreach(line IN LISTS level_lines)
+  if(NOT line MATCHES "X\\(([a-z0-9]+), (k[A-Za-z0-9]+), \"([^\"]*)\",")
+    message(FATAL_ERROR "${qnv_level_list}: '${line}' is not understood")
+  endif()
+  list(APPEND QNV_ALL_LEVELS ${CMAKE_MATCH_1})
+  set(QNV_LEVEL_${CMAKE_MATCH_1} ${CMAKE_MATCH_2})
+  separate_arguments(QNV_OPTIONS_${CMAKE_MATCH_1} UNIX_COMMAND "${CMAKE_MATCH_3}")
+endforeach()
+include(CheckCXXSourceCompiles)
+check_cxx_source_compiles("
+#if !defined(__x86_64__) && !defined(__i386__)
+#error another processor
+#endif
+int main() {}" QNV_TARGET_IS_X86)
+if(QNV_TARGET_IS_X86)
+  set(QNV_LEVELS ${QNV_ALL_LEVELS})
+else()
+  set(QNV_LEVELS plain)
+endif()
+if(NOT QNV_ALL_LEVELS OR NOT "plain" IN_LIST QNV_ALL_LEVELS)
+  message(FATAL_ERROR "${qnv_level_list} holds no list of levels")
+endif()
+
+# Removes from the list of sources named by `variable` the files of levels that the target processor does not have, and
+# gives the others their compiler options.
+function(qnv_row_kernel_flags variable)
+  foreach(source IN LISTS ${variable})
     set(flags)
     if(source MATCHES "/src/raster/rows/")
       # Short loops differ by a quarter with the place that the linker happens to give them.
       list(APPEND flags $<$<CONFIG:RelWithDebInfo>:-O3> $<$<CONFIG:RelWithDebInfo>:-falign-loops=64>)
     endif()
-    if(source MATCHES "_(sse2|ssse3|avx2)\\.cpp$")
-      list(APPEND flags -m${CMAKE_MATCH_1})
+    if(source MATCHES "/src/raster/rows/.*_([a-z0-9]+)\\.cpp$" AND CMAKE_MATCH_1 IN_LIST QNV_ALL_LEVELS)
+      if(NOT CMAKE_MATCH_1 IN_LIST QNV_LEVELS)
+        list(REMOVE_ITEM ${variable} ${source})
+        continue()
+      endif()
+      list(APPEND flags ${QNV_OPTIONS_${CMAKE_MATCH_1}})
     endif()
     if(flags)
       set_source_files_properties(${source} PROPERTIES COMPILE_OPTIONS "${flags}")
     endif()
   endforeach()
+  set(${variable} ${${variable}} PARENT_SCOPE)
 endfunction()

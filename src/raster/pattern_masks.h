@@ -8,7 +8,7 @@
 #include "raster/fill_pattern.h"
 #include "raster/rop3.h"
 #include "raster/rows/row_kernels.h"
-#include "raster/tile.h"
+#include "raster/rows/tile.h"
 
 namespace qnv {
 

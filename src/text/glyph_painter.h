@@ -26,9 +26,9 @@ class BitPainter {
   }
 
  private:
-  BitColours colours_;
+  BitColors colours_;
   const bool transparent_;
-  void (*paintColumn_)(uint8_t* dst, std::size_t stride, const GlyphColumn& column, const BitColours& colours);
+  void (*paintColumn_)(uint8_t* dst, std::size_t stride, const GlyphColumn& column, const BitColors& colours);
 };
 
 struct GlyphSpan {

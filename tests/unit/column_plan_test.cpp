@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "support/fenced_buffer.h"
+#include "unit/kernel_levels.h"
 
 namespace qnv {
 namespace {
@@ -82,15 +83,7 @@ constexpr Scale kScales[] = {{"1:1", 1, 1},       {"x2", 2, 1},     {"x3", 3, 1}
                              {"x1.37", 137, 100}, {"x0.9", 9, 10},  {"/1.5", 2, 3},  {"/2", 1, 2},  {"/3", 1, 3},
                              {"/3.3", 10, 33},    {"/4.5", 10, 45}, {"/7.5", 2, 15}, {"/20", 1, 20}};
 
-struct Level {
-  const char* name;
-  CpuLevel level;
-};
-
-constexpr Level kLevels[] = {
-    {"plain", CpuLevel::kPlain}, {"sse2", CpuLevel::kSse2}, {"ssse3", CpuLevel::kSsse3}, {"avx2", CpuLevel::kAvx2}};
-
-class ColumnPlanTest : public testing::TestWithParam<Level> {
+class ColumnPlanTest : public testing::TestWithParam<test::KernelLevel> {
  protected:
   void SetUp() override {
     if (GetParam().level > DetectCpuLevel()) GTEST_SKIP() << "not on this machine";
@@ -153,7 +146,7 @@ TEST_P(ColumnPlanTest, EveryFormatScaleAndDirection) {
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(Levels, ColumnPlanTest, testing::ValuesIn(kLevels),
+INSTANTIATE_TEST_SUITE_P(Levels, ColumnPlanTest, testing::ValuesIn(test::kKernelLevels),
                          [](const auto& level) { return std::string(level.param.name); });
 
 }  // namespace

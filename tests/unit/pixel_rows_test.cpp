@@ -5,57 +5,26 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
-#include <random>
 #include <vector>
 
-#include "raster/rows/row_kernels.h"
-#include "support/fenced_buffer.h"
+#include "unit/kernel_levels.h"
 
-namespace qnv {
+namespace qnv::test {
 namespace {
 
-constexpr std::size_t kMost = 200;
-
-struct Level {
-  const char* name;
-  CpuLevel level;
-};
-
-constexpr Level kLevels[] = {
-    {"plain", CpuLevel::kPlain}, {"sse2", CpuLevel::kSse2}, {"ssse3", CpuLevel::kSsse3}, {"avx2", CpuLevel::kAvx2}};
-
-using Bytes = std::vector<uint8_t>;
-
-class PixelRowsTest : public testing::TestWithParam<Level> {
+class PixelRowsTest : public KernelTest {
  protected:
-  void SetUp() override {
-    if (GetParam().level > DetectCpuLevel()) GTEST_SKIP() << "not on this machine";
-  }
-  const PixelRows& rows() const { return *KernelsFor(GetParam().level).image; }
+  const PixelRows& rows() const { return *kernels().image; }
 
-  Bytes Random(std::size_t bytes) {
-    Bytes result(bytes);
-    for (uint8_t& byte : result) byte = static_cast<uint8_t>(random_());
-    return result;
-  }
-
-  // Runs kernel(dst, source) and compares the bytes that it wrote.
+  // Runs kernel(dst, source) at every alignment and compares the bytes that it wrote.
   template <class Kernel>
   void Check(const Bytes& sourceBytes, const Bytes& expected, Kernel kernel) {
-    test::FencedBuffer source(sourceBytes.size(), 0);
-    if (!sourceBytes.empty()) std::memcpy(source.data(), sourceBytes.data(), sourceBytes.size());
-    for (const std::size_t lead : {std::size_t{0}, std::size_t{1}, std::size_t{7}}) {
-      test::FencedBuffer memory(lead + expected.size() + 1, 0x5A);
-      uint8_t* dst = memory.data() + lead;
-      kernel(dst, static_cast<const uint8_t*>(source.data()));
-      for (std::size_t i = 0; i < lead; ++i) ASSERT_EQ(memory.data()[i], 0x5A);
-      ASSERT_EQ(dst[expected.size()], 0x5A) << "after " << expected.size() << " bytes";
-      ASSERT_EQ(Bytes(dst, dst + expected.size()), expected) << expected.size() << " bytes, lead " << lead;
-      ASSERT_TRUE(memory.FencesIntact());
+    const FencedSource source(sourceBytes);
+    const Bytes old(expected.size(), 0xC3);
+    for (std::size_t alignment = 0; alignment < kAlignments; ++alignment) {
+      CheckRow(old, expected, alignment, [&](uint8_t* dst) { kernel(dst, source.data()); });
     }
   }
-
-  std::mt19937 random_{4711};
 };
 
 void Append24(Bytes* out, uint32_t packed) {
@@ -65,7 +34,7 @@ void Append24(Bytes* out, uint32_t packed) {
 TEST_P(PixelRowsTest, ExpandBytes) {
   uint32_t table[256];
   for (uint32_t& entry : table) entry = random_() & 0xFFFFFF;
-  for (std::size_t pixels = 0; pixels <= kMost; ++pixels) {
+  for (std::size_t pixels = 0; pixels <= kMaxPixels; ++pixels) {
     const Bytes source = Random(pixels);
     Bytes colours, grays;
     for (const uint8_t index : source) {
@@ -80,7 +49,7 @@ TEST_P(PixelRowsTest, ExpandBytes) {
 TEST_P(PixelRowsTest, ExpandNibbles) {
   uint32_t table[16];
   for (uint32_t& entry : table) entry = random_() & 0xFFFFFF;
-  for (std::size_t pixels = 0; pixels <= kMost; ++pixels) {
+  for (std::size_t pixels = 0; pixels <= kMaxPixels; ++pixels) {
     for (const bool odd : {false, true}) {
       const Bytes source = Random((pixels + (odd ? 1 : 0) + 1) / 2);
       Bytes colours, grays;
@@ -105,7 +74,7 @@ TEST_P(PixelRowsTest, UnpackRow16) {
       {{{0xFFFF, 0, 8}, {0xBF00, 0, 1}, {0x00FF, 8, 8}}},  // the second one's sum does not fit a byte
   };
   for (const PixelMasks& masks : kMasks) {
-    for (std::size_t pixels = 0; pixels <= kMost; ++pixels) {
+    for (std::size_t pixels = 0; pixels <= kMaxPixels; ++pixels) {
       const Bytes source = Random(2 * pixels);
       Bytes expected;
       for (std::size_t i = 0; i < pixels; ++i) {
@@ -121,7 +90,7 @@ TEST_P(PixelRowsTest, UnpackRow16) {
 }
 
 TEST_P(PixelRowsTest, Pack32AndGray24) {
-  for (std::size_t pixels = 0; pixels <= kMost; ++pixels) {
+  for (std::size_t pixels = 0; pixels <= kMaxPixels; ++pixels) {
     const Bytes four = Random(4 * pixels), three = Random(3 * pixels);
     Bytes packed, swapped, gray;
     for (std::size_t i = 0; i < pixels; ++i) {
@@ -156,7 +125,7 @@ TEST_P(PixelRowsTest, GrayOfEverySum) {
 }
 
 TEST_P(PixelRowsTest, GraysInThreeBytes) {
-  for (std::size_t pixels = 0; pixels <= kMost; ++pixels) {
+  for (std::size_t pixels = 0; pixels <= kMaxPixels; ++pixels) {
     const Bytes colours = Random(3 * pixels), grays = Random(pixels);
     Bytes regrayed, tripled;
     for (std::size_t i = 0; i < pixels; ++i) {
@@ -174,7 +143,7 @@ TEST_P(PixelRowsTest, GraysInThreeBytes) {
 
 TEST_P(PixelRowsTest, MarkRow24) {
   for (const uint8_t skip : {uint8_t{0}, uint8_t{0xFF}}) {
-    for (std::size_t pixels = 0; pixels <= kMost; ++pixels) {
+    for (std::size_t pixels = 0; pixels <= kMaxPixels; ++pixels) {
       Bytes source = Random(3 * pixels);
       // Skipped pixels among some that differ in one byte.
       for (std::size_t i = 0; i < source.size(); ++i) {
@@ -195,7 +164,7 @@ TEST_P(PixelRowsTest, MarkRow24) {
 }
 
 TEST_P(PixelRowsTest, Reverse) {
-  for (std::size_t pixels = 0; pixels <= kMost; ++pixels) {
+  for (std::size_t pixels = 0; pixels <= kMaxPixels; ++pixels) {
     const Bytes three = Random(3 * pixels), one = Random(pixels);
     Bytes threeBack, oneBack;
     for (std::size_t i = pixels; i-- > 0;) {
@@ -210,7 +179,7 @@ TEST_P(PixelRowsTest, Reverse) {
 
 TEST_P(PixelRowsTest, Repeat) {
   for (const std::size_t factor : {std::size_t{2}, std::size_t{4}, std::size_t{8}}) {
-    for (std::size_t pixels = 0; pixels <= kMost; ++pixels) {
+    for (std::size_t pixels = 0; pixels <= kMaxPixels; ++pixels) {
       const std::size_t sources = (pixels + factor - 1) / factor;
       const Bytes three = Random(3 * sources + kGroupBytes), one = Random(sources + kGroupBytes);
       Bytes threeTimes, oneTimes;
@@ -226,7 +195,7 @@ TEST_P(PixelRowsTest, Repeat) {
 
 TEST_P(PixelRowsTest, ShuffleRow) {
   for (const std::size_t stride : {std::size_t{15}, std::size_t{16}, std::size_t{3}}) {
-    for (std::size_t total = 0; total <= kMost; ++total) {
+    for (std::size_t total = 0; total <= kMaxPixels; ++total) {
       const Bytes source = Random(300);
       std::vector<ShuffleGroup> groups((total + stride - 1) / stride);
       Bytes expected;
@@ -242,8 +211,7 @@ TEST_P(PixelRowsTest, ShuffleRow) {
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(Levels, PixelRowsTest, testing::ValuesIn(kLevels),
-                         [](const auto& level) { return std::string(level.param.name); });
+INSTANTIATE_TEST_SUITE_P(Levels, PixelRowsTest, testing::ValuesIn(kKernelLevels), KernelLevelName);
 
 }  // namespace
-}  // namespace qnv
+}  // namespace qnv::test

@@ -1,4 +1,4 @@
-#include "raster/tile.h"
+#include "raster/rows/tile.h"
 
 #include <gtest/gtest.h>
 

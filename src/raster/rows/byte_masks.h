@@ -1,21 +1,24 @@
-// What the eight bits of a byte select: a mask of eight pixels, most significant bit leftmost.
+// What the eight bits of a byte select: for each value of the byte a mask of eight pixels, the most significant bit
+// leftmost. The tables are data that all instruction sets share.
 #pragma once
 
-#include <array>
+#include <cstddef>
 #include <cstdint>
 
 namespace qnv {
 
-// One entry more than bytes: wide loads reach behind the last mask.
 template <std::size_t kBytesPerPixel>
-using PixelMaskTable = std::array<std::array<uint8_t, 8 * kBytesPerPixel>, 257>;
+struct PixelMaskTable {
+  // One entry more than there are bytes: wide loads read past the last mask.
+  uint8_t mask[257][8 * kBytesPerPixel];
+};
 
 template <std::size_t kBytesPerPixel>
 constexpr PixelMaskTable<kBytesPerPixel> MakePixelMasks() {
   PixelMaskTable<kBytesPerPixel> table{};
   for (std::size_t bits = 0; bits < 256; ++bits) {
     for (std::size_t i = 0; i < 8 * kBytesPerPixel; ++i) {
-      table[bits][i] = (bits >> (7 - i / kBytesPerPixel) & 1) != 0 ? 0xFF : 0;
+      table.mask[bits][i] = (bits >> (7 - i / kBytesPerPixel) & 1) != 0 ? 0xFF : 0;
     }
   }
   return table;

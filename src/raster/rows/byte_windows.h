@@ -1,6 +1,7 @@
-// Blocks whose bytes are rearranged but stay close to where they were: each half of a destination vector takes its
-// sixteen bytes from eighteen or so neighbours of the source, a little more than one shuffle reaches. Two loads at
-// neighbouring addresses, two shuffles.
+// Blocks of pixels whose bytes only change places: exchanging red and blue, reversing, dropping every fourth byte. The
+// sixteen bytes of each half of a destination vector come from about eighteen neighboring source bytes, slightly more
+// than one shuffle can reach, so each vector takes two overlapping loads and two shuffles. Load addresses and shuffle
+// indices are computed by the compiler from a map of the rearrangement. Offsets are in bytes from the block's start.
 #pragma once
 
 #include <algorithm>
@@ -93,8 +94,8 @@ void RearrangeVector(uint8_t* dst, const uint8_t* source) {
   (Map::kBackward ? Vector32{_mm256_permute4x64_epi64(both.v, 0x4E)} : both).Store(dst + 32 * kVector);
 }
 
-// A row of at least kBlockPixels + 2 pixels. Where loads leave the block, `edge` does the outermost pixels:
-// edge(pixel of the destination).
+// A row of at least kMinRearranged pixels. Where loads would read outside the block, the first and the last pixel are
+// left to edge(pixel of the destination).
 template <class Map, class Edge>
 void RearrangeRow(uint8_t* dst, const uint8_t* source, std::size_t pixels, Edge edge) {
   constexpr std::size_t kEdge = kStaysInside<Map> ? 0 : 1;
@@ -113,7 +114,7 @@ void RearrangeRow(uint8_t* dst, const uint8_t* source, std::size_t pixels, Edge 
   });
 }
 
-inline constexpr std::size_t kFewestRearranged = kBlockPixels + 2;
+inline constexpr std::size_t kMinRearranged = kBlockPixels + 2;
 
 }  // namespace
 }  // namespace qnv

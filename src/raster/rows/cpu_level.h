@@ -1,18 +1,21 @@
-// The instruction sets that row kernels exist for.
+// Which level of row kernels the processor can run.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
+
+#include "raster/rows/levels.h"
 
 namespace qnv {
 
+// In ascending order: a processor that has a level has those below it.
 enum class CpuLevel : uint8_t {
-  kPlain,  // no vector instructions asked for
-  kSse2,
-  kSsse3,
-  kAvx2,
+#define QNV_LEVEL(name, constant, ...) constant,
+  QNV_KERNEL_LEVELS(QNV_LEVEL)
+#undef QNV_LEVEL
 };
 
-// The highest level that the processor has and the operating system saves the registers of.
+// The highest level whose instructions the processor has and whose registers the operating system saves.
 CpuLevel DetectCpuLevel();
 
 }  // namespace qnv

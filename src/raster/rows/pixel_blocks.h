@@ -1,5 +1,5 @@
 // Rows in blocks of 32 pixels: three vectors of 24-bit pixels or one of 8-bit pixels. The last block of a row
-// overlaps the one before, so a block must come to the same bytes when it is written twice.
+// overlaps the one before, so computing a pixel again must give the same bytes.
 #pragma once
 
 #include <cstddef>
@@ -34,7 +34,7 @@ void CoverWithBlocks(std::size_t pixels, std::size_t second, Block block) {
 inline void StoreBlock(uint8_t* dst, __m256i a, __m256i b, __m256i c, __m256i d) {
   const __m256i pack = _mm256_setr_epi8(0, 1, 2, 4, 5, 6, 8, 9, 10, 12, 13, 14, -1, -1, -1, -1,  //
                                         0, 1, 2, 4, 5, 6, 8, 9, 10, 12, 13, 14, -1, -1, -1, -1);
-  // Six words are left of each, in two groups of three; each vector turns them to where they stand in the block.
+  // Each vector now holds six 32-bit words, in two groups of three, and moves them to their places in the block.
   a = _mm256_permutevar8x32_epi32(_mm256_shuffle_epi8(a, pack), _mm256_setr_epi32(0, 1, 2, 4, 5, 6, 3, 3));
   b = _mm256_permutevar8x32_epi32(_mm256_shuffle_epi8(b, pack), _mm256_setr_epi32(2, 4, 5, 6, 3, 3, 0, 1));
   c = _mm256_permutevar8x32_epi32(_mm256_shuffle_epi8(c, pack), _mm256_setr_epi32(5, 6, 3, 3, 0, 1, 2, 4));

@@ -1,34 +1,32 @@
-// Image rows in blocks of 32 pixels. What does not fill a block is left to the level below.
+// Level avx2: rows of images in blocks of 32 pixels. Rows shorter than a block are left to the levels below.
 #include "raster/rows/byte_windows.h"
+#include "raster/rows/gray_weights.h"
 #include "raster/rows/pixel_blocks.h"
-#include "raster/rows/pixel_rows.h"
+#include "raster/rows/row_tables.h"
 #include "raster/rows/vector32.h"
 
-namespace qnv {
-namespace {
-
-const PixelRows& Narrow() { return kSsse3PixelRows; }
+namespace qnv::avx2 {
 
 void PackRow32(uint8_t* dst, const uint8_t* source, std::size_t pixels) {
-  if (pixels < kFewestRearranged) return Narrow().PackRow32(dst, source, pixels);
+  if (pixels < kMinRearranged) return ssse3::PackRow32(dst, source, pixels);
   static_assert(kStaysInside<PackMap>);
   RearrangeRow<PackMap>(dst, source, pixels, [](std::size_t) {});
 }
 
 void PackSwapRow32(uint8_t* dst, const uint8_t* source, std::size_t pixels) {
-  if (pixels < kFewestRearranged) return Narrow().PackSwapRow32(dst, source, pixels);
+  if (pixels < kMinRearranged) return ssse3::PackSwapRow32(dst, source, pixels);
   static_assert(kStaysInside<PackSwapMap>);
   RearrangeRow<PackSwapMap>(dst, source, pixels, [](std::size_t) {});
 }
 
 void ReverseRow24(uint8_t* dst, const uint8_t* source, std::size_t pixels) {
-  if (pixels < kFewestRearranged) return Narrow().ReverseRow24(dst, source, pixels);
+  if (pixels < kMinRearranged) return ssse3::ReverseRow24(dst, source, pixels);
   RearrangeRow<ReverseMap>(dst, source, pixels,
                            [=](std::size_t i) { plain::ReverseRow24(dst + 3 * i, source + 3 * (pixels - 1 - i), 1); });
 }
 
 void ReverseRow8(uint8_t* dst, const uint8_t* source, std::size_t pixels) {
-  if (pixels < kBlockPixels) return Narrow().ReverseRow8(dst, source, pixels);
+  if (pixels < kBlockPixels) return ssse3::ReverseRow8(dst, source, pixels);
   const Vector32 reverse{_mm256_setr_epi8(15, 14, 13, 12, 11, 10, 9, 8, 7, 6, 5, 4, 3, 2, 1, 0,  //
                                           15, 14, 13, 12, 11, 10, 9, 8, 7, 6, 5, 4, 3, 2, 1, 0)};
   CoverWithBlocks(pixels, PixelsToAlignment<1>(dst), [=](std::size_t i) {
@@ -54,22 +52,23 @@ struct ComponentFactors {
   }
 };
 
-// Scattered masks can come to more than a byte, which the formula cuts.
+// Whether no pixel gives more than a byte: with the bits of a mask scattered the sum can be larger, and only its low
+// byte counts.
 bool FitsByte(const ComponentMask& m) {
-  const uint32_t most = (m.mask << m.up >> 8) & 0xFF;
-  return m.fill > 8 || most + (most >> m.fill) <= 255;
+  const uint32_t largest = (m.mask << m.up >> 8) & 0xFF;
+  return m.fill > 8 || largest + (largest >> m.fill) <= 255;
 }
 
 void UnpackRow16(uint8_t* dst, const uint8_t* source, std::size_t pixels, const PixelMasks& masks) {
   const ComponentMask* const m = masks.component;
   if (pixels < kBlockPixels || !FitsByte(m[0]) || !FitsByte(m[2])) {
-    return Narrow().UnpackRow16(dst, source, pixels, masks);
+    return ssse3::UnpackRow16(dst, source, pixels, masks);
   }
   const ComponentFactors first(m[0]), second(m[1]), third(m[2]);
   CoverWithBlocks(pixels, PixelsToAlignment<3>(dst), [&](std::size_t i) {
     __m256i eight[4];  // pixels, four bytes each
     for (std::size_t half = 0; half < 2; ++half) {
-      // Interleaving works in halves of a vector: pixels 0..3 and 4..7 are to come first in them.
+      // The unpack instructions work in halves of a vector: pixels 0..3 and 4..7 are to come first in them.
       const __m256i sixteen = _mm256_permute4x64_epi64(Vector32::Load(source + 2 * i + 32 * half).v, 0xD8);
       const __m256i two = _mm256_or_si256(first.Extract(sixteen), _mm256_slli_epi16(second.Extract(sixteen), 8));
       const __m256i one = third.Extract(sixteen);
@@ -80,24 +79,24 @@ void UnpackRow16(uint8_t* dst, const uint8_t* source, std::size_t pixels, const 
   });
 }
 
-// Palette indices of 32 pixels from sixteen bytes, which stand in both halves of `bytes` in the order wanted.
+// Palette indices of 32 pixels from sixteen bytes that stand in both halves of `bytes`, each half in the order wanted.
 __m256i Nibbles(Vector32 bytes) {
   const __m256i low = _mm256_set1_epi8(0x0F);
   return _mm256_unpacklo_epi8(_mm256_and_si256(_mm256_srli_epi16(bytes.v, 4), low), _mm256_and_si256(bytes.v, low));
 }
 
-// A sixteen-colour table as one vector for each byte of a colour, in both halves.
+// One byte of each of sixteen colors of a table, in both halves of a vector.
 Vector32 TablePlane(const uint32_t* table, int byte) {
   uint8_t plane[16];
   for (int i = 0; i < 16; ++i) plane[i] = static_cast<uint8_t>(table[i] >> 8 * byte);
   return Vector32::Twice(plane);
 }
 
-// Setting the table up costs as much as some dozens of pixels.
-constexpr std::size_t kFewNibbles = 96;
+// Setting up the table costs as much as converting some dozens of pixels.
+constexpr std::size_t kMinNibbles = 96;
 
 void ExpandNibblesRow24(uint8_t* dst, const uint8_t* source, bool odd, std::size_t pixels, const uint32_t* table) {
-  if (pixels < kFewNibbles) return Narrow().ExpandNibblesRow24(dst, source, odd, pixels, table);
+  if (pixels < kMinNibbles) return ssse3::ExpandNibblesRow24(dst, source, odd, pixels, table);
   if (odd) {
     plain::ExpandNibblesRow24(dst, source++, true, 1, table);
     dst += 3;
@@ -108,7 +107,7 @@ void ExpandNibblesRow24(uint8_t* dst, const uint8_t* source, bool odd, std::size
     plain::ExpandNibblesRow24(dst + 3 * pixels, source + pixels / 2, false, 1, table);
   }
   const Vector32 planes[3] = {TablePlane(table, 0), TablePlane(table, 1), TablePlane(table, 2)};
-  // Interleaving works in halves of a vector: pixels 0..3, 8..11, 16..19 and 24..27 go into the lower one.
+  // The unpack instructions work in halves of a vector: pixels 0..3, 8..11, 16..19 and 24..27 go into the lower one.
   const Vector32 order{_mm256_setr_epi8(0, 1, 4, 5, 8, 9, 12, 13, -1, -1, -1, -1, -1, -1, -1, -1,  //
                                         2, 3, 6, 7, 10, 11, 14, 15, -1, -1, -1, -1, -1, -1, -1, -1)};
   CoverWithBlocks(pixels, kBlockPixels, [&](std::size_t i) {
@@ -125,7 +124,7 @@ void ExpandNibblesRow24(uint8_t* dst, const uint8_t* source, bool odd, std::size
 }
 
 void ExpandNibblesRow8(uint8_t* dst, const uint8_t* source, bool odd, std::size_t pixels, const uint32_t* table) {
-  if (pixels < kFewNibbles) return Narrow().ExpandNibblesRow8(dst, source, odd, pixels, table);
+  if (pixels < kMinNibbles) return ssse3::ExpandNibblesRow8(dst, source, odd, pixels, table);
   if (odd) {
     plain::ExpandNibblesRow8(dst, source++, true, 1, table);
     ++dst;
@@ -143,7 +142,7 @@ void ExpandNibblesRow8(uint8_t* dst, const uint8_t* source, bool odd, std::size_
   });
 }
 
-// Eight pixels from a palette. Each takes a load of its index and one of its colour: that is what bounds these rows.
+// The colors of eight palette indices. Each pixel needs two loads, its index and its color; no instruction does better.
 __m256i EightEntries(const uint8_t* source, const uint32_t* table) {
   const auto four = [table](const uint8_t* p) {
     __m128i v = _mm_cvtsi32_si128(static_cast<int>(table[p[0]]));
@@ -155,7 +154,7 @@ __m256i EightEntries(const uint8_t* source, const uint32_t* table) {
 }
 
 void ExpandBytesRow24(uint8_t* dst, const uint8_t* source, std::size_t pixels, const uint32_t* table) {
-  if (pixels < kBlockPixels) return Narrow().ExpandBytesRow24(dst, source, pixels, table);
+  if (pixels < kBlockPixels) return plain::ExpandBytesRow24(dst, source, pixels, table);
   CoverWithBlocks(pixels, PixelsToAlignment<3>(dst), [=](std::size_t i) {
     const uint8_t* const p = source + i;
     StoreBlock(dst + 3 * i, EightEntries(p, table), EightEntries(p + 8, table), EightEntries(p + 16, table),
@@ -180,13 +179,9 @@ __m256i GrayBlock(const uint8_t* source, Vector32 weights) {
   return _mm256_permutevar8x32_epi32(grays, _mm256_setr_epi32(0, 4, 1, 5, 2, 6, 3, 7));
 }
 
-// How much the bytes of a pixel weigh: of the band, and of a regrayed pixel.
-Vector32 GrayWeights() { return {_mm256_set1_epi32(11 | 59 << 8 | 30 << 16)}; }
-Vector32 RegrayWeights() { return {_mm256_set1_epi32(30 | 59 << 8 | 11 << 16)}; }
-
 void GrayRow24(uint8_t* dst, const uint8_t* source, std::size_t pixels) {
-  if (pixels < kBlockPixels) return Narrow().GrayRow24(dst, source, pixels);
-  const Vector32 weights = GrayWeights();
+  if (pixels < kBlockPixels) return ssse3::GrayRow24(dst, source, pixels);
+  const Vector32 weights{_mm256_set1_epi32(static_cast<int>(kBandWeights))};
   CoverWithBlocks(pixels, PixelsToAlignment<1>(dst),
                   [=](std::size_t i) { Vector32{GrayBlock(source + 3 * i, weights)}.Store(dst + i); });
 }
@@ -204,56 +199,37 @@ void StoreTriples(uint8_t* dst, __m256i grays) {
   Shuffle(Vector32{_mm256_permute4x64_epi64(grays, 0xEE)}, third).Store(dst + 64);
 }
 
-// The gray level of a gray is itself, so that a block may be done twice.
+// A gray pixel stays as it is, so blocks may overlap.
 void RegrayRow24(uint8_t* dst, std::size_t pixels) {
-  if (pixels < kBlockPixels) return Narrow().RegrayRow24(dst, pixels);
-  const Vector32 weights = RegrayWeights();
+  if (pixels < kBlockPixels) return ssse3::RegrayRow24(dst, pixels);
+  const Vector32 weights{_mm256_set1_epi32(static_cast<int>(kRegrayWeights))};
   CoverWithBlocks(pixels, PixelsToAlignment<3>(dst),
                   [=](std::size_t i) { StoreTriples(dst + 3 * i, GrayBlock(dst + 3 * i, weights)); });
 }
 
 void TripleRow24(uint8_t* dst, const uint8_t* source, std::size_t pixels) {
-  if (pixels < kBlockPixels) return Narrow().TripleRow24(dst, source, pixels);
+  if (pixels < kBlockPixels) return ssse3::TripleRow24(dst, source, pixels);
   CoverWithBlocks(pixels, PixelsToAlignment<3>(dst),
                   [=](std::size_t i) { StoreTriples(dst + 3 * i, Vector32::Load(source + i).v); });
 }
 
-void MarkRow24(uint8_t* marks, const uint8_t* source, std::size_t pixels, uint8_t skip, uint8_t mark) {
-  Narrow().MarkRow24(marks, source, pixels, skip, mark);
-}
-
-void RepeatRow24(uint8_t* dst, const uint8_t* source, std::size_t pixels, std::size_t factor) {
-  Narrow().RepeatRow24(dst, source, pixels, factor);
-}
-
-void RepeatRow8(uint8_t* dst, const uint8_t* source, std::size_t pixels, std::size_t factor) {
-  Narrow().RepeatRow8(dst, source, pixels, factor);
-}
-
-void ShuffleRow(uint8_t* dst, const uint8_t* source, const ShuffleGroup* groups, std::size_t stride,
-                std::size_t total) {
-  Narrow().ShuffleRow(dst, source, groups, stride, total);
-}
-
-}  // namespace
-
-constinit const PixelRows kAvx2PixelRows = {
-    .ExpandBytesRow24 = ExpandBytesRow24,
+constinit const PixelRows kPixelRows = {
+    .ExpandBytesRow24 = avx2::ExpandBytesRow24,
     .ExpandBytesRow8 = plain::ExpandBytesRow8,
-    .ExpandNibblesRow24 = ExpandNibblesRow24,
-    .ExpandNibblesRow8 = ExpandNibblesRow8,
-    .UnpackRow16 = UnpackRow16,
-    .PackRow32 = PackRow32,
-    .PackSwapRow32 = PackSwapRow32,
-    .GrayRow24 = GrayRow24,
-    .RegrayRow24 = RegrayRow24,
-    .TripleRow24 = TripleRow24,
-    .MarkRow24 = MarkRow24,
-    .ReverseRow24 = ReverseRow24,
-    .ReverseRow8 = ReverseRow8,
-    .RepeatRow24 = RepeatRow24,
-    .RepeatRow8 = RepeatRow8,
-    .ShuffleRow = ShuffleRow,
+    .ExpandNibblesRow24 = avx2::ExpandNibblesRow24,
+    .ExpandNibblesRow8 = avx2::ExpandNibblesRow8,
+    .UnpackRow16 = avx2::UnpackRow16,
+    .PackRow32 = avx2::PackRow32,
+    .PackSwapRow32 = avx2::PackSwapRow32,
+    .GrayRow24 = avx2::GrayRow24,
+    .RegrayRow24 = avx2::RegrayRow24,
+    .TripleRow24 = avx2::TripleRow24,
+    .MarkRow24 = ssse3::MarkRow24,
+    .ReverseRow24 = avx2::ReverseRow24,
+    .ReverseRow8 = avx2::ReverseRow8,
+    .RepeatRow24 = ssse3::RepeatRow24,
+    .RepeatRow8 = ssse3::RepeatRow8,
+    .ShuffleRow = ssse3::ShuffleRow,
 };
 
-}  // namespace qnv
+}  // namespace qnv::avx2

@@ -1,13 +1,17 @@
+// Level plain: rows of images, one pixel at a time. These are the definitions that the other levels are tested against.
 #include <algorithm>
 #include <cstring>
 
-#include "color/color_forms.h"
-#include "raster/rows/pixel_rows.h"
+#include "raster/rows/gray_weights.h"
+#include "raster/rows/row_tables.h"
 #include "raster/rows/store_pixel.h"
 
-namespace qnv {
-namespace plain {
+namespace qnv::plain {
 namespace {
+
+uint8_t GrayOf(uint32_t red, uint32_t green, uint32_t blue) {
+  return static_cast<uint8_t>((red * kRedWeight + green * kGreenWeight + blue * kBlueWeight) / kGrayDivisor);
+}
 
 template <std::size_t kBytes>
 void ExpandBytes(uint8_t* dst, const uint8_t* source, std::size_t pixels, const uint32_t* table) {
@@ -64,19 +68,19 @@ void PackSwapRow32(uint8_t* dst, const uint8_t* source, std::size_t pixels) {
   StorePixels<3>(dst, pixels, [=](std::size_t i) {
     uint32_t pixel;
     std::memcpy(&pixel, source + 4 * i, 4);
-    return ExchangeRedBlue(pixel);
+    return (pixel & 0xFF00) | (pixel & 0xFF) << 16 | (pixel >> 16 & 0xFF);
   });
 }
 
 void GrayRow24(uint8_t* dst, const uint8_t* source, std::size_t pixels) {
   for (std::size_t i = 0; i < pixels; ++i) {
-    dst[i] = static_cast<uint8_t>(WeightedGray(source[3 * i + 2], source[3 * i + 1], source[3 * i]));
+    dst[i] = GrayOf(source[3 * i + 2], source[3 * i + 1], source[3 * i]);
   }
 }
 
 void RegrayRow24(uint8_t* dst, std::size_t pixels) {
   for (std::size_t i = 0; i < pixels; ++i, dst += 3) {
-    dst[0] = dst[1] = dst[2] = static_cast<uint8_t>(WeightedGray(dst[0], dst[1], dst[2]));
+    dst[0] = dst[1] = dst[2] = GrayOf(dst[0], dst[1], dst[2]);
   }
 }
 
@@ -110,9 +114,7 @@ void ShuffleRow(uint8_t* dst, const uint8_t* source, const ShuffleGroup* groups,
   }
 }
 
-}  // namespace plain
-
-constinit const PixelRows kPlainPixelRows = {
+constinit const PixelRows kPixelRows = {
     .ExpandBytesRow24 = plain::ExpandBytesRow24,
     .ExpandBytesRow8 = plain::ExpandBytesRow8,
     .ExpandNibblesRow24 = plain::ExpandNibblesRow24,
@@ -131,4 +133,4 @@ constinit const PixelRows kPlainPixelRows = {
     .ShuffleRow = plain::ShuffleRow,
 };
 
-}  // namespace qnv
+}  // namespace qnv::plain

@@ -1,10 +1,11 @@
-// Image rows by byte shuffles. Whole blocks go through vectors, what is left through the plain kernels.
+// Level ssse3: rows of images by byte shuffles, sixteen pixels at a time; the pixels left over go through the plain
+// kernels.
 #include <tmmintrin.h>
 
-#include "raster/rows/pixel_rows.h"
+#include "raster/rows/gray_weights.h"
+#include "raster/rows/row_tables.h"
 
-namespace qnv {
-namespace {
+namespace qnv::ssse3 {
 
 __m128i Load16(const uint8_t* p) { return _mm_loadu_si128(reinterpret_cast<const __m128i*>(p)); }
 void Store16(uint8_t* p, __m128i v) { _mm_storeu_si128(reinterpret_cast<__m128i*>(p), v); }
@@ -40,7 +41,7 @@ void PackSwapRow32(uint8_t* dst, const uint8_t* source, std::size_t pixels) {
   PackRow<plain::PackSwapRow32>(dst, source, pixels, PackShuffle::Swapped());
 }
 
-// Three planes of sixteen bytes, woven into sixteen pixels.
+// Three planes of sixteen bytes, interleaved into sixteen pixels.
 void StorePlanes(uint8_t* dst, __m128i first, __m128i second, __m128i third) {
   const __m128i zero = _mm_setzero_si128();
   const __m128i lowPairs = _mm_unpacklo_epi8(first, second), highPairs = _mm_unpackhi_epi8(first, second);
@@ -52,7 +53,7 @@ void StorePlanes(uint8_t* dst, __m128i first, __m128i second, __m128i third) {
           _mm_shuffle_epi8(_mm_unpackhi_epi16(highPairs, highThird), pack));
 }
 
-// A sixteen-colour table as one vector for each byte of a colour.
+// One byte of each of sixteen colors of a table.
 __m128i TablePlane(const uint32_t* table, int byte) {
   uint8_t plane[16];
   for (int i = 0; i < 16; ++i) plane[i] = static_cast<uint8_t>(table[i] >> 8 * byte);
@@ -66,11 +67,11 @@ __m128i SixteenNibbles(const uint8_t* source) {
   return _mm_unpacklo_epi8(_mm_and_si128(_mm_srli_epi16(bytes, 4), low), _mm_and_si128(bytes, low));
 }
 
-// Setting the table up costs as much as some dozens of pixels.
-constexpr std::size_t kFewNibbles = 64;
+// Setting up the table costs as much as converting some dozens of pixels.
+constexpr std::size_t kMinNibbles = 64;
 
 void ExpandNibblesRow24(uint8_t* dst, const uint8_t* source, bool odd, std::size_t pixels, const uint32_t* table) {
-  if (pixels < kFewNibbles) return plain::ExpandNibblesRow24(dst, source, odd, pixels, table);
+  if (pixels < kMinNibbles) return plain::ExpandNibblesRow24(dst, source, odd, pixels, table);
   if (odd) {
     plain::ExpandNibblesRow24(dst, source, true, 1, table);
     ++source;
@@ -87,7 +88,7 @@ void ExpandNibblesRow24(uint8_t* dst, const uint8_t* source, bool odd, std::size
 }
 
 void ExpandNibblesRow8(uint8_t* dst, const uint8_t* source, bool odd, std::size_t pixels, const uint32_t* table) {
-  if (pixels < kFewNibbles) return plain::ExpandNibblesRow8(dst, source, odd, pixels, table);
+  if (pixels < kMinNibbles) return plain::ExpandNibblesRow8(dst, source, odd, pixels, table);
   if (odd) {
     plain::ExpandNibblesRow8(dst, source, true, 1, table);
     ++source;
@@ -131,9 +132,8 @@ void UnpackRow16(uint8_t* dst, const uint8_t* source, std::size_t pixels, const 
   plain::UnpackRow16(dst, source, pixels, masks);
 }
 
-// How much the bytes of a pixel weigh: of the band, and of a regrayed pixel.
-__m128i GrayWeights() { return _mm_set1_epi32(11 | 59 << 8 | 30 << 16); }
-__m128i RegrayWeights() { return _mm_set1_epi32(30 | 59 << 8 | 11 << 16); }
+__m128i GrayWeights() { return _mm_set1_epi32(static_cast<int>(kBandWeights)); }
+__m128i RegrayWeights() { return _mm_set1_epi32(static_cast<int>(kRegrayWeights)); }
 
 // The gray levels of sixteen pixels; reads four bytes of the next two.
 __m128i SixteenGrays(const uint8_t* source, __m128i weights) {
@@ -171,8 +171,8 @@ void TripleRow24(uint8_t* dst, const uint8_t* source, std::size_t pixels) {
   plain::TripleRow24(dst, source, pixels);
 }
 
-// Sixteen pixels a turn: where three bytes from an address on are all `skip`, the pixel that begins there is skipped.
-// Of 48 addresses every third begins a pixel; two bytes of the next pixel are read.
+// Sixteen pixels at a time. `skipped` tells for every byte whether it and the two bytes after it are all `skip`; every
+// third byte begins a pixel, and the shuffles collect the answers for those. Reads two bytes of the next pixel.
 void MarkRow24(uint8_t* marks, const uint8_t* source, std::size_t pixels, uint8_t skip, uint8_t mark) {
   const __m128i skips = _mm_set1_epi8(static_cast<char>(skip)), marked = _mm_set1_epi8(static_cast<char>(mark));
   const auto skipped = [=](const uint8_t* p) {
@@ -193,7 +193,7 @@ void MarkRow24(uint8_t* marks, const uint8_t* source, std::size_t pixels, uint8_
 
 void ReverseRow24(uint8_t* dst, const uint8_t* source, std::size_t pixels) {
   const __m128i reverse = _mm_setr_epi8(12, 13, 14, 9, 10, 11, 6, 7, 8, 3, 4, 5, 0, 1, 2, -1);
-  // Five pixels a turn; the sixteenth byte stored is overwritten by the next pixels.
+  // Five pixels at a time; the sixteenth byte stored is overwritten by the next pixels.
   for (; pixels >= 6; pixels -= 5, dst += 15) {
     Store16(dst, _mm_shuffle_epi8(_mm_srli_si128(Load16(source + 3 * pixels - 16), 1), reverse));
   }
@@ -261,25 +261,31 @@ void ShuffleRow(uint8_t* dst, const uint8_t* source, const ShuffleGroup* groups,
   plain::ShuffleRow(dst + done, source, groups, stride, total - done);
 }
 
-}  // namespace
+void RepeatRow24(uint8_t* dst, const uint8_t* source, std::size_t pixels, std::size_t factor) {
+  RepeatRow<3, plain::RepeatRow24>(dst, source, pixels, factor);
+}
 
-constinit const PixelRows kSsse3PixelRows = {
+void RepeatRow8(uint8_t* dst, const uint8_t* source, std::size_t pixels, std::size_t factor) {
+  RepeatRow<1, plain::RepeatRow8>(dst, source, pixels, factor);
+}
+
+constinit const PixelRows kPixelRows = {
     .ExpandBytesRow24 = plain::ExpandBytesRow24,
     .ExpandBytesRow8 = plain::ExpandBytesRow8,
-    .ExpandNibblesRow24 = ExpandNibblesRow24,
-    .ExpandNibblesRow8 = ExpandNibblesRow8,
-    .UnpackRow16 = UnpackRow16,
-    .PackRow32 = PackRow32,
-    .PackSwapRow32 = PackSwapRow32,
-    .GrayRow24 = GrayRow24,
-    .RegrayRow24 = RegrayRow24,
-    .TripleRow24 = TripleRow24,
-    .MarkRow24 = MarkRow24,
-    .ReverseRow24 = ReverseRow24,
-    .ReverseRow8 = ReverseRow8,
-    .RepeatRow24 = RepeatRow<3, plain::RepeatRow24>,
-    .RepeatRow8 = RepeatRow<1, plain::RepeatRow8>,
-    .ShuffleRow = ShuffleRow,
+    .ExpandNibblesRow24 = ssse3::ExpandNibblesRow24,
+    .ExpandNibblesRow8 = ssse3::ExpandNibblesRow8,
+    .UnpackRow16 = ssse3::UnpackRow16,
+    .PackRow32 = ssse3::PackRow32,
+    .PackSwapRow32 = ssse3::PackSwapRow32,
+    .GrayRow24 = ssse3::GrayRow24,
+    .RegrayRow24 = ssse3::RegrayRow24,
+    .TripleRow24 = ssse3::TripleRow24,
+    .MarkRow24 = ssse3::MarkRow24,
+    .ReverseRow24 = ssse3::ReverseRow24,
+    .ReverseRow8 = ssse3::ReverseRow8,
+    .RepeatRow24 = ssse3::RepeatRow24,
+    .RepeatRow8 = ssse3::RepeatRow8,
+    .ShuffleRow = ssse3::ShuffleRow,
 };
 
-}  // namespace qnv
+}  // namespace qnv::ssse3

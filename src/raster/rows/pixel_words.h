@@ -1,4 +1,4 @@
-// A packed 24-bit pixel repeated: four pixels are three words.
+// A packed 24-bit pixel repeated: four pixels are three 32-bit words.
 #pragma once
 
 #include <cstdint>
@@ -8,7 +8,8 @@ namespace qnv {
 struct PixelWords {
   uint32_t first, second, third;
 
-  explicit constexpr PixelWords(uint32_t packed)
+  // Always inlined: files of different instruction sets include this and must not share a copy of it.
+  [[gnu::always_inline]] explicit constexpr PixelWords(uint32_t packed)
       : first((packed & 0xFFFFFF) | packed << 24),
         second((packed >> 8 & 0xFFFF) | packed << 16),
         third((packed >> 16 & 0xFF) | packed << 8) {}

@@ -1,3 +1,4 @@
+// From a level to its table.
 #include "raster/rows/row_kernels.h"
 
 #include "raster/rows/row_tables.h"
@@ -5,17 +6,12 @@
 namespace qnv {
 
 const RowKernels& KernelsFor(CpuLevel level) {
-#if defined(QNV_VECTOR_LEVELS)
-  switch (level) {
-    case CpuLevel::kSse2: return kSse2RowKernels;
-    case CpuLevel::kSsse3: return kSsse3RowKernels;
-    case CpuLevel::kAvx2: return kAvx2RowKernels;
-    case CpuLevel::kPlain: break;
-  }
-#else
-  static_cast<void>(level);
-#endif
-  return kPlainRowKernels;
+  static constexpr const RowKernels* kTables[] = {
+#define QNV_LEVEL(name, ...) &name::kRowKernels,
+      QNV_KERNEL_LEVELS(QNV_LEVEL)
+#undef QNV_LEVEL
+  };
+  return *kTables[static_cast<std::size_t>(level)];
 }
 
 }  // namespace qnv

@@ -1,9 +1,10 @@
-// Row kernels: loops over one row of band bytes. They know pointers, counts and constants, no geometry, and
-// for most of them no pixel depth either.
+// Row kernels: loops over one row of band bytes. They know pointers, counts and constants, no geometry, and most of
+// them no pixel depth either.
 //
-// Common to all: any alignment, any count including 0; exactly the named bytes are read and written; source
-// and destination do not overlap; nothing can fail. A `tile` points at the phase byte of a Tile: kTilePeriod
-// bytes from there are one period, and kMaxAdvance more may be read.
+// Common to all: any alignment, any count including 0; exactly the named bytes are read and written; source and
+// destination do not overlap; nothing can fail. Counts are in bytes or in pixels, as the parameter's name says. A
+// `tile` points at the byte of a Tile (tile.h) where the row begins: kTilePeriod bytes from there are one period, and
+// kMaxAdvance more may be read.
 #pragma once
 
 #include <cstddef>
@@ -31,48 +32,73 @@ struct GlyphColumn {
   std::size_t offset, pixels;  // the bits to paint; offset + pixels <= 8
 };
 
-// The two colours of text, prepared once per call: the bytes of eight pixels.
-struct BitColours {
+// The two colors of text, prepared once per call: the bytes of eight pixels.
+struct BitColors {
   uint32_t set, clear;  // packed
   alignas(16) uint8_t setBytes[24];
   alignas(16) uint8_t clearBytes[24];
   alignas(16) uint8_t changeBytes[24];  // set ^ clear
 };
 
+// The type of each kernel, named like the kernel and its entry in the table.
+namespace kernel {
+
+// D' = tile
+using FillTileRow = void(uint8_t* dst, std::size_t bytes, const uint8_t* tile);
+// D' = (D & andTile) ^ xorTile
+using RopTileRow = void(uint8_t* dst, std::size_t bytes, const uint8_t* andTile, const uint8_t* xorTile);
+// source: `bytes` bytes in band order
+using RopSourceRow = void(uint8_t* dst, const uint8_t* source, std::size_t bytes, const ByteMasks& masks);
+using RopSourceTileRow = void(uint8_t* dst, const uint8_t* source, std::size_t bytes, const TileMasks& masks);
+// D' = S
+using CopyRow = void(uint8_t* dst, const uint8_t* source, std::size_t bytes);
+// D' = min(D, S)
+using MinimumRow = void(uint8_t* dst, const uint8_t* source, std::size_t bytes);
+
+// Exchanges bytes 0 and 2 of each pixel: source 3 * pixels bytes red, green, blue.
+using SwapRow24 = void(uint8_t* dst, const uint8_t* source, std::size_t pixels);
+
+// One bit a pixel, most significant first, starting at bit `offset` (0..7) of *bits: set and clear bits become packed
+// colors (the low byte alone in 8-bit bands).
+using ExpandBitsRow24 = void(uint8_t* dst, const uint8_t* bits, std::size_t offset, std::size_t pixels, uint32_t set,
+                             uint32_t clear);
+using ExpandBitsRow8 = ExpandBitsRow24;
+
+// A column of a glyph into the rows of a band that lie `stride` bytes apart: Expand paints both colors, Paint only the
+// set bits.
+using ExpandGlyph24 = void(uint8_t* dst, std::size_t stride, const GlyphColumn& column, const BitColors& colors);
+using ExpandGlyph8 = ExpandGlyph24;
+using PaintGlyph24 = ExpandGlyph24;
+using PaintGlyph8 = ExpandGlyph24;
+
+}  // namespace kernel
+
+#define QNV_ROW_KERNELS(X) \
+  X(FillTileRow)           \
+  X(RopTileRow)            \
+  X(RopSourceRow)          \
+  X(RopSourceTileRow)      \
+  X(CopyRow)               \
+  X(MinimumRow)            \
+  X(SwapRow24)             \
+  X(ExpandBitsRow24)       \
+  X(ExpandBitsRow8)        \
+  X(ExpandGlyph24)         \
+  X(ExpandGlyph8)          \
+  X(PaintGlyph24)          \
+  X(PaintGlyph8)
+
 struct RowKernels {
-  // D' = tile
-  void (*FillTileRow)(uint8_t* dst, std::size_t bytes, const uint8_t* tile);
-  // D' = (D & andTile) ^ xorTile
-  void (*RopTileRow)(uint8_t* dst, std::size_t bytes, const uint8_t* andTile, const uint8_t* xorTile);
-  // source: `bytes` bytes in band order
-  void (*RopSourceRow)(uint8_t* dst, const uint8_t* source, std::size_t bytes, const ByteMasks& masks);
-  void (*RopSourceTileRow)(uint8_t* dst, const uint8_t* source, std::size_t bytes, const TileMasks& masks);
-  // D' = S
-  void (*CopyRow)(uint8_t* dst, const uint8_t* source, std::size_t bytes);
-  // D' = min(D, S)
-  void (*MinimumRow)(uint8_t* dst, const uint8_t* source, std::size_t bytes);
-
-  // Exchanges bytes 0 and 2 of each pixel: source 3 * pixels bytes red, green, blue.
-  void (*SwapRow24)(uint8_t* dst, const uint8_t* source, std::size_t pixels);
-
-  // One bit a pixel, most significant first, starting at bit `offset` (0..7) of *bits: set and clear bits
-  // become packed colours (the low byte alone in 8-bit bands).
-  void (*ExpandBitsRow24)(uint8_t* dst, const uint8_t* bits, std::size_t offset, std::size_t pixels, uint32_t set,
-                          uint32_t clear);
-  void (*ExpandBitsRow8)(uint8_t* dst, const uint8_t* bits, std::size_t offset, std::size_t pixels, uint32_t set,
-                         uint32_t clear);
-  // A column of a glyph into the rows of a band that lie `stride` bytes apart: both colours, or only set bits.
-  void (*ExpandGlyph24)(uint8_t* dst, std::size_t stride, const GlyphColumn& column, const BitColours& colours);
-  void (*ExpandGlyph8)(uint8_t* dst, std::size_t stride, const GlyphColumn& column, const BitColours& colours);
-  void (*PaintGlyph24)(uint8_t* dst, std::size_t stride, const GlyphColumn& column, const BitColours& colours);
-  void (*PaintGlyph8)(uint8_t* dst, std::size_t stride, const GlyphColumn& column, const BitColours& colours);
+#define QNV_ENTRY(name) kernel::name* name;
+  QNV_ROW_KERNELS(QNV_ENTRY)
+#undef QNV_ENTRY
 
   // Rows of images at the same level.
   const PixelRows* image;
 };
 
-// The kernels of a level; what a level does not improve is that of the level below. The plain ones are the
-// readable reference of all. Requires: a level that the processor has.
+// The kernels of a level. Entries that a level does not specialise come from the levels below; the plain kernels
+// define what each entry does. Requires: a level that the processor has.
 const RowKernels& KernelsFor(CpuLevel level);
 
 }  // namespace qnv

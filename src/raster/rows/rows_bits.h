@@ -1,4 +1,4 @@
-// One-bit rows through colours, eight pixels a turn: the byte of eight bits selects a mask of whole pixels.
+// One-bit rows into two colors, eight pixels at a time: the byte of eight bits selects a mask of whole pixels.
 #pragma once
 
 #include <cstddef>
@@ -14,7 +14,7 @@
 namespace qnv {
 namespace {
 
-// Eight bits starting at bit `offset` of *bits; reads the next byte only when some of them stand there.
+// Eight bits starting at bit `offset` of *bits; reads the next byte only when some of them lie in it.
 inline uint8_t EightBits(const uint8_t* bits, std::size_t offset) {
   if (offset == 0) return bits[0];
   return static_cast<uint8_t>(bits[0] << offset | bits[1] >> (8 - offset));
@@ -32,8 +32,8 @@ struct Eight24 {
   Tail tail;
 
   static Eight24 Load(const uint8_t* p) { return {Vector16::Load(p), Tail::Load(p + 16)}; }
-  static Eight24 Mask(uint8_t bits) { return Load(kPixelMasks24[bits].data()); }
-  static Eight24 Colour(uint32_t packed) {
+  static Eight24 Mask(uint8_t bits) { return Load(kPixelMasks24.mask[bits]); }
+  static Eight24 Color(uint32_t packed) {
     const PixelWords w(packed);
     const auto words = [](uint32_t a, uint32_t b, uint32_t c, uint32_t d) {
       return _mm_setr_epi32(static_cast<int>(a), static_cast<int>(b), static_cast<int>(c), static_cast<int>(d));
@@ -51,8 +51,8 @@ struct Eight24 {
 struct Eight8 : Vector8 {
   static constexpr std::size_t kBytesPerPixel = 1;
   static Eight8 Load(const uint8_t* p) { return {Vector8::Load(p)}; }
-  static Eight8 Mask(uint8_t bits) { return Load(kPixelMasks8[bits].data()); }
-  static Eight8 Colour(uint32_t packed) { return {{_mm_set1_epi8(static_cast<char>(packed))}}; }
+  static Eight8 Mask(uint8_t bits) { return Load(kPixelMasks8.mask[bits]); }
+  static Eight8 Color(uint32_t packed) { return {{_mm_set1_epi8(static_cast<char>(packed))}}; }
   friend Eight8 operator&(Eight8 a, Eight8 b) { return {{_mm_and_si128(a.v, b.v)}}; }
   friend Eight8 operator^(Eight8 a, Eight8 b) { return {{_mm_xor_si128(a.v, b.v)}}; }
 };
@@ -60,8 +60,8 @@ struct Eight8 : Vector8 {
 template <class Eight>
 void ExpandBitsRowOf(uint8_t* dst, const uint8_t* bits, std::size_t offset, std::size_t pixels, uint32_t set,
                      uint32_t clear) {
-  const Eight clearEight = Eight::Colour(clear);
-  const Eight change = Eight::Colour(set ^ clear);
+  const Eight clearEight = Eight::Color(clear);
+  const Eight change = Eight::Color(set ^ clear);
   for (; pixels >= 8; pixels -= 8, ++bits, dst += Eight::kBytes) {
     (clearEight ^ (Eight::Mask(EightBits(bits, offset)) & change)).Store(dst);
   }
@@ -70,7 +70,8 @@ void ExpandBitsRowOf(uint8_t* dst, const uint8_t* bits, std::size_t offset, std:
   }
 }
 
-// The pixels of one glyph row, from a byte's mask on: D' = D ^ ((D ^ set) & mask), or without looking at D.
+// The pixels of one glyph row, `mask` pointing into the mask of its byte: D' = D ^ ((D ^ set) & mask), or, where both
+// colors are painted, without reading D.
 
 struct PaintOperation {
   const uint8_t* mask;
@@ -108,17 +109,17 @@ void PartialEight(uint8_t* dst, std::size_t bytes, const Operation& operation) {
 template <class Eight>
 const uint8_t* MaskBytes(uint8_t bits) {
   if constexpr (Eight::kBytesPerPixel == 3) {
-    return kPixelMasks24[bits].data();
+    return kPixelMasks24.mask[bits];
   } else {
-    return kPixelMasks8[bits].data();
+    return kPixelMasks8.mask[bits];
   }
 }
 
 template <class Eight>
-void PaintGlyphOf(uint8_t* dst, std::size_t stride, const GlyphColumn& column, const BitColours& colours) {
+void PaintGlyphOf(uint8_t* dst, std::size_t stride, const GlyphColumn& column, const BitColors& colors) {
   const uint8_t* const end = column.bytes + column.rows;
   if (column.pixels == 8) {
-    const Eight set = Eight::Load(colours.setBytes);
+    const Eight set = Eight::Load(colors.setBytes);
     for (const uint8_t* bits = column.bytes; bits != end; ++bits, dst += stride) {
       const Eight band = Eight::Load(dst);
       (band ^ ((band ^ set) & Eight::Mask(*bits))).Store(dst);
@@ -128,16 +129,16 @@ void PaintGlyphOf(uint8_t* dst, std::size_t stride, const GlyphColumn& column, c
   const std::size_t skipped = column.offset * Eight::kBytesPerPixel;
   for (const uint8_t* bits = column.bytes; bits != end; ++bits, dst += stride) {
     PartialEight(dst, column.pixels * Eight::kBytesPerPixel,
-                 PaintOperation{MaskBytes<Eight>(*bits) + skipped, colours.setBytes});
+                 PaintOperation{MaskBytes<Eight>(*bits) + skipped, colors.setBytes});
   }
 }
 
 template <class Eight>
-void ExpandGlyphOf(uint8_t* dst, std::size_t stride, const GlyphColumn& column, const BitColours& colours) {
+void ExpandGlyphOf(uint8_t* dst, std::size_t stride, const GlyphColumn& column, const BitColors& colors) {
   const uint8_t* const end = column.bytes + column.rows;
   if (column.pixels == 8) {
-    const Eight clear = Eight::Load(colours.clearBytes);
-    const Eight change = Eight::Load(colours.changeBytes);
+    const Eight clear = Eight::Load(colors.clearBytes);
+    const Eight change = Eight::Load(colors.changeBytes);
     for (const uint8_t* bits = column.bytes; bits != end; ++bits, dst += stride) {
       (clear ^ (Eight::Mask(*bits) & change)).Store(dst);
     }
@@ -146,7 +147,7 @@ void ExpandGlyphOf(uint8_t* dst, std::size_t stride, const GlyphColumn& column, 
   const std::size_t skipped = column.offset * Eight::kBytesPerPixel;
   for (const uint8_t* bits = column.bytes; bits != end; ++bits, dst += stride) {
     PartialEight(dst, column.pixels * Eight::kBytesPerPixel,
-                 ExpandOperation{MaskBytes<Eight>(*bits) + skipped, colours.clearBytes, colours.changeBytes});
+                 ExpandOperation{MaskBytes<Eight>(*bits) + skipped, colors.clearBytes, colors.changeBytes});
   }
 }
 

@@ -1,4 +1,4 @@
-// One-bit rows through colours, 32 pixels a turn: each destination byte looks at its own bit of four bytes.
+// One-bit rows into two colors, 32 pixels at a time: each destination byte tests its own bit of a 32-bit word.
 #pragma once
 
 #include <cstddef>
@@ -13,7 +13,7 @@ namespace qnv {
 namespace {
 
 // 32 bits starting at bit `offset` of *bits, the leftmost one most significant; reads the fifth byte only when some
-// of them stand there.
+// of them lie in it.
 inline uint32_t ThirtyTwoBits(const uint8_t* bits, std::size_t offset) {
   uint32_t word;
   std::memcpy(&word, bits, 4);
@@ -21,7 +21,7 @@ inline uint32_t ThirtyTwoBits(const uint8_t* bits, std::size_t offset) {
   return offset == 0 ? word : word << offset | static_cast<uint32_t>(bits[4] >> (8 - offset));
 }
 
-// For each byte of a block the byte of a word where its bit stands, and the bit.
+// For each byte of a block: the byte of the word that holds its bit, and the bit.
 template <std::size_t kBytesPerPixel>
 struct BitPlaces {
   alignas(32) uint8_t byte[kBytesPerPixel * kBlockPixels] = {};
@@ -39,25 +39,25 @@ struct BitPlaces {
 template <std::size_t kBytesPerPixel>
 inline constexpr BitPlaces<kBytesPerPixel> kBitPlaces;
 
-// A block in one colour.
+// A block of pixels of one color.
 template <std::size_t kBytesPerPixel>
-struct ColourBlock;
+struct ColorBlock;
 
 template <>
-struct ColourBlock<1> {
+struct ColorBlock<1> {
   Vector32 vector[1];
 
-  explicit ColourBlock(uint32_t packed) : vector{Vector32::Fill(static_cast<uint8_t>(packed))} {}
+  explicit ColorBlock(uint32_t packed) : vector{Vector32::Fill(static_cast<uint8_t>(packed))} {}
 };
 
 template <>
-struct ColourBlock<3> {
+struct ColorBlock<3> {
   Vector32 vector[3];
 
-  explicit ColourBlock(uint32_t packed) : ColourBlock(PixelWords(packed)) {}
+  explicit ColorBlock(uint32_t packed) : ColorBlock(PixelWords(packed)) {}
 
  private:
-  explicit ColourBlock(const PixelWords& w)
+  explicit ColorBlock(const PixelWords& w)
       : vector{From(w.first, w.second, w.third), From(w.third, w.first, w.second), From(w.second, w.third, w.first)} {}
 
   static Vector32 From(uint32_t first, uint32_t second, uint32_t third) {
@@ -70,7 +70,7 @@ struct ColourBlock<3> {
 template <std::size_t kBytesPerPixel>
 void ExpandBlocks(uint8_t* dst, const uint8_t* bits, std::size_t offset, std::size_t pixels, uint32_t set,
                   uint32_t clear) {
-  const ColourBlock<kBytesPerPixel> setBlock(set), changeBlock(set ^ clear);
+  const ColorBlock<kBytesPerPixel> setBlock(set), changeBlock(set ^ clear);
   const BitPlaces<kBytesPerPixel>& places = kBitPlaces<kBytesPerPixel>;
   CoverWithBlocks(pixels, PixelsToAlignment<kBytesPerPixel>(dst), [&](std::size_t i) {
     const std::size_t at = offset + i;

@@ -1,10 +1,12 @@
+// Level plain: rows of bytes, one byte or pixel at a time. These are the definitions that the other levels are tested
+// against.
 #include <algorithm>
 
 #include "raster/rows/row_tables.h"
 #include "raster/rows/store_pixel.h"
-#include "raster/tile.h"
+#include "raster/rows/tile.h"
 
-namespace qnv {
+namespace qnv::plain {
 namespace {
 
 // Walks a row in pieces of at most one tile period.
@@ -12,6 +14,41 @@ template <class Piece>
 void ForEachPeriod(std::size_t bytes, Piece piece) {
   for (std::size_t at = 0; at < bytes; at += kTilePeriod) piece(at, std::min(kTilePeriod, bytes - at));
 }
+
+uint8_t Rop(uint8_t d, uint8_t s, uint8_t and1, uint8_t and2, uint8_t xor1, uint8_t xor2) {
+  return static_cast<uint8_t>((d & ((s & and1) ^ and2)) ^ ((s & xor1) ^ xor2));
+}
+
+bool Bit(const uint8_t* bits, std::size_t at) { return (bits[at / 8] >> (7 - at % 8) & 1) != 0; }
+
+template <std::size_t kBytes>
+void ExpandBits(uint8_t* dst, const uint8_t* bits, std::size_t offset, std::size_t pixels, uint32_t set,
+                uint32_t clear) {
+  for (std::size_t i = 0; i < pixels; ++i, dst += kBytes) StorePixel<kBytes>(dst, Bit(bits, offset + i) ? set : clear);
+}
+
+template <std::size_t kBytes>
+void PaintBits(uint8_t* dst, const uint8_t* bits, std::size_t offset, std::size_t pixels, uint32_t set) {
+  for (std::size_t i = 0; i < pixels; ++i, dst += kBytes) {
+    if (Bit(bits, offset + i)) StorePixel<kBytes>(dst, set);
+  }
+}
+
+template <std::size_t kBytes>
+void ExpandGlyph(uint8_t* dst, std::size_t stride, const GlyphColumn& column, const BitColors& colors) {
+  for (std::size_t row = 0; row < column.rows; ++row, dst += stride) {
+    ExpandBits<kBytes>(dst, column.bytes + row, column.offset, column.pixels, colors.set, colors.clear);
+  }
+}
+
+template <std::size_t kBytes>
+void PaintGlyph(uint8_t* dst, std::size_t stride, const GlyphColumn& column, const BitColors& colors) {
+  for (std::size_t row = 0; row < column.rows; ++row, dst += stride) {
+    PaintBits<kBytes>(dst, column.bytes + row, column.offset, column.pixels, colors.set);
+  }
+}
+
+}  // namespace
 
 void FillTileRow(uint8_t* dst, std::size_t bytes, const uint8_t* tile) {
   ForEachPeriod(bytes, [=](std::size_t at, std::size_t count) { std::copy_n(tile, count, dst + at); });
@@ -23,10 +60,6 @@ void RopTileRow(uint8_t* dst, std::size_t bytes, const uint8_t* andTile, const u
       dst[at + i] = static_cast<uint8_t>((dst[at + i] & andTile[i]) ^ xorTile[i]);
     }
   });
-}
-
-uint8_t Rop(uint8_t d, uint8_t s, uint8_t and1, uint8_t and2, uint8_t xor1, uint8_t xor2) {
-  return static_cast<uint8_t>((d & ((s & and1) ^ and2)) ^ ((s & xor1) ^ xor2));
 }
 
 void RopSourceRow(uint8_t* dst, const uint8_t* source, std::size_t bytes, const ByteMasks& masks) {
@@ -49,38 +82,7 @@ void MinimumRow(uint8_t* dst, const uint8_t* source, std::size_t bytes) {
 
 void CopyRow(uint8_t* dst, const uint8_t* source, std::size_t bytes) { std::copy_n(source, bytes, dst); }
 
-bool Bit(const uint8_t* bits, std::size_t at) { return (bits[at / 8] >> (7 - at % 8) & 1) != 0; }
-
-template <std::size_t kBytes>
-void ExpandBitsRow(uint8_t* dst, const uint8_t* bits, std::size_t offset, std::size_t pixels, uint32_t set,
-                   uint32_t clear) {
-  for (std::size_t i = 0; i < pixels; ++i, dst += kBytes) StorePixel<kBytes>(dst, Bit(bits, offset + i) ? set : clear);
-}
-
-template <std::size_t kBytes>
-void PaintBitsRow(uint8_t* dst, const uint8_t* bits, std::size_t offset, std::size_t pixels, uint32_t set) {
-  for (std::size_t i = 0; i < pixels; ++i, dst += kBytes) {
-    if (Bit(bits, offset + i)) StorePixel<kBytes>(dst, set);
-  }
-}
-
-template <std::size_t kBytes>
-void ExpandGlyph(uint8_t* dst, std::size_t stride, const GlyphColumn& column, const BitColours& colours) {
-  for (std::size_t row = 0; row < column.rows; ++row, dst += stride) {
-    ExpandBitsRow<kBytes>(dst, column.bytes + row, column.offset, column.pixels, colours.set, colours.clear);
-  }
-}
-
-template <std::size_t kBytes>
-void PaintGlyph(uint8_t* dst, std::size_t stride, const GlyphColumn& column, const BitColours& colours) {
-  for (std::size_t row = 0; row < column.rows; ++row, dst += stride) {
-    PaintBitsRow<kBytes>(dst, column.bytes + row, column.offset, column.pixels, colours.set);
-  }
-}
-
-}  // namespace
-
-void plain::SwapRow24(uint8_t* dst, const uint8_t* source, std::size_t pixels) {
+void SwapRow24(uint8_t* dst, const uint8_t* source, std::size_t pixels) {
   for (std::size_t i = 0; i < pixels; ++i, dst += 3, source += 3) {
     const uint8_t red = source[0], green = source[1], blue = source[2];
     dst[0] = blue;
@@ -89,21 +91,47 @@ void plain::SwapRow24(uint8_t* dst, const uint8_t* source, std::size_t pixels) {
   }
 }
 
-constinit const RowKernels kPlainRowKernels = {
-    .FillTileRow = FillTileRow,
-    .RopTileRow = RopTileRow,
-    .RopSourceRow = RopSourceRow,
-    .RopSourceTileRow = RopSourceTileRow,
-    .CopyRow = CopyRow,
-    .MinimumRow = MinimumRow,
+void ExpandBitsRow24(uint8_t* dst, const uint8_t* bits, std::size_t offset, std::size_t pixels, uint32_t set,
+                     uint32_t clear) {
+  ExpandBits<3>(dst, bits, offset, pixels, set, clear);
+}
+
+void ExpandBitsRow8(uint8_t* dst, const uint8_t* bits, std::size_t offset, std::size_t pixels, uint32_t set,
+                    uint32_t clear) {
+  ExpandBits<1>(dst, bits, offset, pixels, set, clear);
+}
+
+void ExpandGlyph24(uint8_t* dst, std::size_t stride, const GlyphColumn& column, const BitColors& colors) {
+  ExpandGlyph<3>(dst, stride, column, colors);
+}
+
+void ExpandGlyph8(uint8_t* dst, std::size_t stride, const GlyphColumn& column, const BitColors& colors) {
+  ExpandGlyph<1>(dst, stride, column, colors);
+}
+
+void PaintGlyph24(uint8_t* dst, std::size_t stride, const GlyphColumn& column, const BitColors& colors) {
+  PaintGlyph<3>(dst, stride, column, colors);
+}
+
+void PaintGlyph8(uint8_t* dst, std::size_t stride, const GlyphColumn& column, const BitColors& colors) {
+  PaintGlyph<1>(dst, stride, column, colors);
+}
+
+constinit const RowKernels kRowKernels = {
+    .FillTileRow = plain::FillTileRow,
+    .RopTileRow = plain::RopTileRow,
+    .RopSourceRow = plain::RopSourceRow,
+    .RopSourceTileRow = plain::RopSourceTileRow,
+    .CopyRow = plain::CopyRow,
+    .MinimumRow = plain::MinimumRow,
     .SwapRow24 = plain::SwapRow24,
-    .ExpandBitsRow24 = ExpandBitsRow<3>,
-    .ExpandBitsRow8 = ExpandBitsRow<1>,
-    .ExpandGlyph24 = ExpandGlyph<3>,
-    .ExpandGlyph8 = ExpandGlyph<1>,
-    .PaintGlyph24 = PaintGlyph<3>,
-    .PaintGlyph8 = PaintGlyph<1>,
-    .image = &kPlainPixelRows,
+    .ExpandBitsRow24 = plain::ExpandBitsRow24,
+    .ExpandBitsRow8 = plain::ExpandBitsRow8,
+    .ExpandGlyph24 = plain::ExpandGlyph24,
+    .ExpandGlyph8 = plain::ExpandGlyph8,
+    .PaintGlyph24 = plain::PaintGlyph24,
+    .PaintGlyph8 = plain::PaintGlyph8,
+    .image = &kPixelRows,
 };
 
-}  // namespace qnv
+}  // namespace qnv::plain

@@ -1,14 +1,11 @@
+// Level ssse3: pixels are rearranged by byte shuffles; rows of bytes stay those of sse2.
 #include <tmmintrin.h>
 
 #include "raster/rows/row_tables.h"
-#include "raster/rows/rows_bits.h"
-#include "raster/rows/rows_vector.h"
-#include "raster/rows/vector16.h"
 
-namespace qnv {
-namespace {
+namespace qnv::ssse3 {
 
-// Five pixels a turn; the sixteenth byte stored is overwritten by the next ones.
+// Five pixels at a time; the sixteenth byte stored is overwritten by the next pixels.
 void SwapRow24(uint8_t* dst, const uint8_t* source, std::size_t pixels) {
   const __m128i swap = _mm_setr_epi8(2, 1, 0, 5, 4, 3, 8, 7, 6, 11, 10, 9, 14, 13, 12, -1);
   for (; pixels >= 6; pixels -= 5, source += 15, dst += 15) {
@@ -18,23 +15,21 @@ void SwapRow24(uint8_t* dst, const uint8_t* source, std::size_t pixels) {
   plain::SwapRow24(dst, source, pixels);
 }
 
-}  // namespace
-
-constinit const RowKernels kSsse3RowKernels = {
-    .FillTileRow = FillTileRowOf<Vector16, Vector16>,
-    .RopTileRow = RopTileRowOf<Vector16, Vector16>,
-    .RopSourceRow = RopSourceRowOf<Vector16, Vector16>,
-    .RopSourceTileRow = RopSourceTileRowOf<Vector16, Vector16>,
-    .CopyRow = CopyRowOf<Vector16, Vector16>,
-    .MinimumRow = MinimumRowOf<Vector16, Vector16>,
-    .SwapRow24 = SwapRow24,
-    .ExpandBitsRow24 = ExpandBitsRowOf<Eight24>,
-    .ExpandBitsRow8 = ExpandBitsRowOf<Eight8>,
-    .ExpandGlyph24 = ExpandGlyphOf<Eight24>,
-    .ExpandGlyph8 = ExpandGlyphOf<Eight8>,
-    .PaintGlyph24 = PaintGlyphOf<Eight24>,
-    .PaintGlyph8 = PaintGlyphOf<Eight8>,
-    .image = &kSsse3PixelRows,
+constinit const RowKernels kRowKernels = {
+    .FillTileRow = sse2::FillTileRow,
+    .RopTileRow = sse2::RopTileRow,
+    .RopSourceRow = sse2::RopSourceRow,
+    .RopSourceTileRow = sse2::RopSourceTileRow,
+    .CopyRow = sse2::CopyRow,
+    .MinimumRow = sse2::MinimumRow,
+    .SwapRow24 = ssse3::SwapRow24,
+    .ExpandBitsRow24 = sse2::ExpandBitsRow24,
+    .ExpandBitsRow8 = sse2::ExpandBitsRow8,
+    .ExpandGlyph24 = sse2::ExpandGlyph24,
+    .ExpandGlyph8 = sse2::ExpandGlyph8,
+    .PaintGlyph24 = sse2::PaintGlyph24,
+    .PaintGlyph8 = sse2::PaintGlyph8,
+    .image = &kPixelRows,
 };
 
-}  // namespace qnv
+}  // namespace qnv::ssse3

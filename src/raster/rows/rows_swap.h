@@ -1,4 +1,4 @@
-// Red, green, blue into blue, green, red without byte shuffles.
+// Red, green, blue into blue, green, red without byte shuffles, for levels that have none.
 //
 // Byte j of the swapped source is the source's byte j + 2, j or j - 2 as j is the first, second or third of its
 // pixel: three loads, each masked to its own bytes. The first and the last pixel of a row go through the plain
@@ -21,7 +21,7 @@ inline constexpr struct PlaceBytes {
   }
 } kPlaceBytes;
 
-// The masks of a vector that starts at byte `offset` of a pixel row: for each place of a pixel its bytes.
+// The masks of a vector that starts at byte `offset` of a pixel row: one for each of the three places in a pixel.
 template <class Vector>
 struct Places {
   Vector first, second, third;
@@ -36,12 +36,12 @@ struct Places {
   }
 };
 
-// Rows that are worth their constants; below, the plain kernels are as fast.
-inline constexpr std::size_t kFewSwapped = 32;
+// Shorter rows do not repay loading the constants; the plain kernel is as fast.
+inline constexpr std::size_t kMinSwapped = 32;
 
 template <class Vector>
 void SwapRow24Of(uint8_t* dst, const uint8_t* source, std::size_t pixels) {
-  if (pixels < kFewSwapped) return plain::SwapRow24(dst, source, pixels);
+  if (pixels < kMinSwapped) return plain::SwapRow24(dst, source, pixels);
   constexpr std::size_t k = Vector::kBytes;
   const std::size_t last = 3 * (pixels - 1);
   plain::SwapRow24(dst, source, 1);

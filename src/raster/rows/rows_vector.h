@@ -1,11 +1,12 @@
-// The shapes of row loops over vectors of any width. Each instruction set includes this file into a namespace of
-// its own and instantiates what it is good at.
+// Row loops as templates over a vector type of any width; counts and offsets are in bytes. Each level that gains from
+// them instantiates them for its own vectors. Everything here has internal linkage: a copy compiled for one instruction
+// set is never shared with another.
 //
-// A Vector has kBytes, Load and Store at any alignment, Fill(byte), and & | ^ and Min as members.
+// A Vector has kBytes, Load and Store at any alignment, Fill(byte), and the operators & and ^ and the function Min.
+// `Smaller` is the vector for rows that are shorter than one Vector.
 //
-// Remainders: the last vector of a row overlaps the one before. Where the band is read, that vector is computed
-// from the old bytes before anything is stored, so that no byte is combined twice.
-
+// Remainders: the last vector of a row overlaps the one before. Where the band is read, that vector is computed from
+// the old bytes before anything is stored, so that no byte is combined twice.
 #pragma once
 
 #include <cstddef>
@@ -14,8 +15,8 @@
 #include <type_traits>
 
 #include "raster/rows/row_kernels.h"
+#include "raster/rows/tile.h"
 #include "raster/rows/vector16.h"
-#include "raster/tile.h"
 
 namespace qnv {
 namespace {
@@ -70,8 +71,8 @@ void ShortRow(uint8_t* dst, std::size_t bytes, const Operation& operation) {
   }
 }
 
-// The first multiple of a vector above `dst`, for rows long enough that straddling cache lines would cost more
-// than the vector that is done twice.
+// The first multiple of a vector above `dst`, for rows so long that stores across cache lines would cost
+// more than computing one vector twice.
 template <class Vector>
 std::size_t AlignedStart(const uint8_t* dst, std::size_t bytes) {
   constexpr std::size_t k = Vector::kBytes;
@@ -181,7 +182,7 @@ struct TileOperation {
   Vector AtTile(Vector band, std::size_t, std::size_t tileOffset) const {
     return With(band, Tiles<Vector>(tileOffset));
   }
-  // The vectors from offset i on that begin before `last`, three a turn. One vector is stored before the next is
+  // The vectors from offset i on that begin before `last`, three per iteration. One vector is stored before the next is
   // loaded: then six tiles and what is computed fit the eight registers of 32-bit code.
   template <class Vector>
   void WalkVectors(uint8_t* dst, std::size_t i, std::size_t last) const {
@@ -220,7 +221,7 @@ struct FourMasks {
   }
 };
 
-// kAnds, kXors: whether the source reaches the mask of that name; its own mask is all ones then.
+// kAnds, kXors: whether the source takes part in the and mask and in the xor mask (and1, xor1 are then all ones).
 template <class Wide, bool kAnds, bool kXors>
 struct SourceOperation {
   const uint8_t* source;
@@ -276,8 +277,8 @@ struct SourceTileOperation {
   Vector AtTile(Vector band, std::size_t offset, std::size_t tileOffset) const {
     return Tiles<Vector>(tileOffset).Apply(band, Vector::Load(source + offset));
   }
-  // Twelve vectors of masks would not stay in registers, four do: every third vector in a walk of its own. What the
-  // three walks share is in the first-level cache.
+  // Twelve vectors of masks would not fit the registers, four do: the row is walked three times, each time every third
+  // vector. The rows that the three walks share stay in the first-level cache.
   template <class Vector>
   void WalkVectors(uint8_t* dst, std::size_t i, std::size_t last) const {
     constexpr std::size_t k = Vector::kBytes;

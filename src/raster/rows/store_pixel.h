@@ -1,3 +1,6 @@
+// Stores packed pixels of one or three bytes, one after another.
+//
+// Always inlined: files of different instruction sets include this and must not share a copy of it.
 #pragma once
 
 #include <cstddef>
@@ -8,14 +11,14 @@ namespace qnv {
 
 // Stores a packed pixel of 3 or 1 bytes.
 template <std::size_t kBytes>
-void StorePixel(uint8_t* dst, uint32_t packed) {
+[[gnu::always_inline]] inline void StorePixel(uint8_t* dst, uint32_t packed) {
   for (std::size_t i = 0; i < kBytes; ++i) dst[i] = static_cast<uint8_t>(packed >> 8 * i);
 }
 
-// Stores pixelOf(0) .. pixelOf(pixels - 1) one after another. A three-byte pixel is stored with four: the next
-// one overwrites the fourth.
+// Stores pixelOf(0) .. pixelOf(pixels - 1) one after another. A three-byte pixel is stored as four bytes: the next
+// pixel overwrites the fourth.
 template <std::size_t kBytes, class PixelOf>
-void StorePixels(uint8_t* dst, std::size_t pixels, PixelOf pixelOf) {
+[[gnu::always_inline]] inline void StorePixels(uint8_t* dst, std::size_t pixels, PixelOf pixelOf) {
   if (pixels == 0) return;
   const std::size_t last = pixels - 1;
   for (std::size_t i = 0; i < last; ++i, dst += kBytes) {

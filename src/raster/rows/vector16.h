@@ -1,4 +1,4 @@
-// 16-byte vectors of the baseline. Included inside a namespace by the files of an instruction set.
+// 16-byte vectors (SSE2), and the eight-byte half of one. Loads and stores take any address.
 #pragma once
 
 #include <emmintrin.h>

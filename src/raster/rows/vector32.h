@@ -1,4 +1,4 @@
-// 32-byte vectors. Included inside a namespace by the files of an instruction set.
+// 32-byte vectors (AVX2). Loads and stores take any address.
 #pragma once
 
 #include <immintrin.h>

@@ -1,5 +1,6 @@
-// One pattern row laid out for row kernels: bytes in band order, repeated far enough that a kernel may start
-// at any cell and read a whole period from there.
+// One row of a pattern laid out for row kernels: bytes in band order, repeated far enough that a kernel may start at
+// any cell and read a whole period from there. Sizes and offsets are in bytes, `width` is in cells (pixels of the
+// pattern).
 #pragma once
 
 #include <cstddef>
@@ -13,7 +14,7 @@ namespace qnv {
 // A multiple of every row length in bytes: 1, 8 or 16 cells of 1 or 3 bytes; three vectors of 32 bytes.
 inline constexpr std::size_t kTilePeriod = 96;
 inline constexpr std::size_t kMaxPhase = 48;    // the longest row: 16 cells of 3 bytes
-inline constexpr std::size_t kMaxAdvance = 32;  // bytes that a kernel may pass over to reach an aligned address
+inline constexpr std::size_t kMaxAdvance = 32;  // bytes that a kernel may skip to reach an aligned address
 
 struct alignas(16) Tile {
   uint8_t bytes[kTilePeriod + kMaxPhase + kMaxAdvance];
@@ -39,20 +40,20 @@ void MakeTileOf(Tile* tile, const uint32_t* cells, std::size_t width) {
   std::memcpy(tile->bytes + at, row, sizeof tile->bytes % kRow);
 }
 
-// One packed colour everywhere.
-inline void MakeSolidTile(Tile* tile, uint32_t colour, std::size_t bytesPerPixel) {
+// The same packed color in every cell.
+inline void MakeSolidTile(Tile* tile, uint32_t color, std::size_t bytesPerPixel) {
   if (bytesPerPixel == 1) {
-    std::memset(tile->bytes, static_cast<uint8_t>(colour), sizeof tile->bytes);
+    std::memset(tile->bytes, static_cast<uint8_t>(color), sizeof tile->bytes);
     return;
   }
-  const PixelWords pixels(colour);
+  const PixelWords pixels(color);
   const uint32_t words[4] = {pixels.first, pixels.second, pixels.third, pixels.first};
   std::size_t at = 0;
   for (; at + 12 <= sizeof tile->bytes; at += 12) std::memcpy(tile->bytes + at, words, 12);
   std::memcpy(tile->bytes + at, words, sizeof tile->bytes - at);
 }
 
-// cells: `width` packed colours, 1, 8 or 16 of them.
+// cells: `width` packed colors, 1, 8 or 16 of them.
 inline void MakeTile(Tile* tile, const uint32_t* cells, std::size_t width, std::size_t bytesPerPixel) {
   if (width == 1) return MakeSolidTile(tile, cells[0], bytesPerPixel);
   bytesPerPixel == 3 ? MakeTileOf<3>(tile, cells, width) : MakeTileOf<1>(tile, cells, width);
