@@ -6,6 +6,90 @@
 #include "raster/rows/vector32.h"
 
 namespace qnv::avx2 {
+namespace {
+
+// One component of sixteen pixels: shifted to the top of its 16 bits, then times 256 + (256 >> fill), of which the
+// upper half is v + (v >> fill).
+struct ComponentFactors {
+  __m256i mask, shift, fill;
+
+  explicit ComponentFactors(const ComponentMask& m) {
+    const uint32_t topByte = m.mask << m.up & 0xFF00;
+    mask = _mm256_set1_epi16(static_cast<int16_t>(topByte >> m.up));
+    shift = _mm256_set1_epi16(static_cast<int16_t>(1u << m.up));
+    fill = _mm256_set1_epi16(static_cast<int16_t>(256 + (m.fill <= 8 ? 256u >> m.fill : 0)));
+  }
+
+  __m256i Extract(__m256i pixels) const {
+    return _mm256_mulhi_epu16(_mm256_mullo_epi16(_mm256_and_si256(pixels, mask), shift), fill);
+  }
+};
+
+// Whether no pixel gives more than a byte: with the bits of a mask scattered the sum can be larger, and only its low
+// byte counts.
+bool FitsByte(const ComponentMask& m) {
+  const uint32_t largest = (m.mask << m.up >> 8) & 0xFF;
+  return m.fill > 8 || largest + (largest >> m.fill) <= 255;
+}
+
+// Palette indices of 32 pixels from sixteen bytes that stand in both halves of `bytes`, each half in the order wanted.
+__m256i Nibbles(Vector32 bytes) {
+  const __m256i low = _mm256_set1_epi8(0x0F);
+  return _mm256_unpacklo_epi8(_mm256_and_si256(_mm256_srli_epi16(bytes.v, 4), low), _mm256_and_si256(bytes.v, low));
+}
+
+// One byte of each of sixteen colors of a table, in both halves of a vector.
+Vector32 TablePlane(const uint32_t* table, int byte) {
+  uint8_t plane[16];
+  for (int i = 0; i < 16; ++i) plane[i] = static_cast<uint8_t>(table[i] >> 8 * byte);
+  return Vector32::Twice(plane);
+}
+
+// Setting up the table costs as much as converting some dozens of pixels.
+constexpr std::size_t kMinNibbles = 96;
+
+// The colors of eight palette indices. Each pixel needs two loads, its index and its color; no instruction does better.
+__m256i EightEntries(const uint8_t* source, const uint32_t* table) {
+  const auto four = [table](const uint8_t* p) {
+    __m128i v = _mm_cvtsi32_si128(static_cast<int>(table[p[0]]));
+    v = _mm_insert_epi32(v, static_cast<int>(table[p[1]]), 1);
+    v = _mm_insert_epi32(v, static_cast<int>(table[p[2]]), 2);
+    return _mm_insert_epi32(v, static_cast<int>(table[p[3]]), 3);
+  };
+  return _mm256_inserti128_si256(_mm256_castsi128_si256(four(source)), four(source + 4), 1);
+}
+
+// The gray levels of 32 pixels. The last load reaches back, so that none leaves the block.
+__m256i GrayBlock(const uint8_t* source, Vector32 weights) {
+  const Vector32 spread{_mm256_setr_epi8(0, 1, 2, -1, 3, 4, 5, -1, 6, 7, 8, -1, 9, 10, 11, -1,  //
+                                         4, 5, 6, -1, 7, 8, 9, -1, 10, 11, 12, -1, 13, 14, 15, -1)};
+  const auto eight = [&](const uint8_t* p) {  // sums, 32 bits each
+    const __m256i pixels = Shuffle(Vector32::Halves(p, p + 8), spread).v;
+    return _mm256_madd_epi16(_mm256_maddubs_epi16(pixels, weights.v), _mm256_set1_epi16(1));
+  };
+  const auto hundredth = [](__m256i v) {  // exact for sums up to 25500
+    return _mm256_srli_epi16(_mm256_mulhi_epu16(v, _mm256_set1_epi16(5243)), 3);
+  };
+  const __m256i low = _mm256_packs_epi32(eight(source), eight(source + 24));
+  const __m256i high = _mm256_packs_epi32(eight(source + 48), eight(source + 72));
+  const __m256i grays = _mm256_packus_epi16(hundredth(low), hundredth(high));
+  return _mm256_permutevar8x32_epi32(grays, _mm256_setr_epi32(0, 4, 1, 5, 2, 6, 3, 7));
+}
+
+// Each of 32 bytes three times.
+void StoreTriples(uint8_t* dst, __m256i grays) {
+  const Vector32 first{_mm256_setr_epi8(0, 0, 0, 1, 1, 1, 2, 2, 2, 3, 3, 3, 4, 4, 4, 5,  //
+                                        5, 5, 6, 6, 6, 7, 7, 7, 8, 8, 8, 9, 9, 9, 10, 10)};
+  const Vector32 second{_mm256_setr_epi8(10, 11, 11, 11, 12, 12, 12, 13, 13, 13, 14, 14, 14, 15, 15, 15,  //
+                                         0, 0, 0, 1, 1, 1, 2, 2, 2, 3, 3, 3, 4, 4, 4, 5)};
+  const Vector32 third{_mm256_setr_epi8(5, 5, 6, 6, 6, 7, 7, 7, 8, 8, 8, 9, 9, 9, 10, 10,  //
+                                        10, 11, 11, 11, 12, 12, 12, 13, 13, 13, 14, 14, 14, 15, 15, 15)};
+  Shuffle(Vector32{_mm256_permute4x64_epi64(grays, 0x44)}, first).Store(dst);
+  Shuffle(Vector32{grays}, second).Store(dst + 32);
+  Shuffle(Vector32{_mm256_permute4x64_epi64(grays, 0xEE)}, third).Store(dst + 64);
+}
+
+}  // namespace
 
 void PackRow32(uint8_t* dst, const uint8_t* source, std::size_t pixels) {
   if (pixels < kMinRearranged) return ssse3::PackRow32(dst, source, pixels);
@@ -35,30 +119,6 @@ void ReverseRow8(uint8_t* dst, const uint8_t* source, std::size_t pixels) {
   });
 }
 
-// One component of sixteen pixels: shifted to the top of its 16 bits, then times 256 + (256 >> fill), of which the
-// upper half is v + (v >> fill).
-struct ComponentFactors {
-  __m256i mask, shift, fill;
-
-  explicit ComponentFactors(const ComponentMask& m) {
-    const uint32_t topByte = m.mask << m.up & 0xFF00;
-    mask = _mm256_set1_epi16(static_cast<int16_t>(topByte >> m.up));
-    shift = _mm256_set1_epi16(static_cast<int16_t>(1u << m.up));
-    fill = _mm256_set1_epi16(static_cast<int16_t>(256 + (m.fill <= 8 ? 256u >> m.fill : 0)));
-  }
-
-  __m256i Extract(__m256i pixels) const {
-    return _mm256_mulhi_epu16(_mm256_mullo_epi16(_mm256_and_si256(pixels, mask), shift), fill);
-  }
-};
-
-// Whether no pixel gives more than a byte: with the bits of a mask scattered the sum can be larger, and only its low
-// byte counts.
-bool FitsByte(const ComponentMask& m) {
-  const uint32_t largest = (m.mask << m.up >> 8) & 0xFF;
-  return m.fill > 8 || largest + (largest >> m.fill) <= 255;
-}
-
 void UnpackRow16(uint8_t* dst, const uint8_t* source, std::size_t pixels, const PixelMasks& masks) {
   const ComponentMask* const m = masks.component;
   if (pixels < kBlockPixels || !FitsByte(m[0]) || !FitsByte(m[2])) {
@@ -78,22 +138,6 @@ void UnpackRow16(uint8_t* dst, const uint8_t* source, std::size_t pixels, const 
     StoreBlock(dst + 3 * i, eight[0], eight[1], eight[2], eight[3]);
   });
 }
-
-// Palette indices of 32 pixels from sixteen bytes that stand in both halves of `bytes`, each half in the order wanted.
-__m256i Nibbles(Vector32 bytes) {
-  const __m256i low = _mm256_set1_epi8(0x0F);
-  return _mm256_unpacklo_epi8(_mm256_and_si256(_mm256_srli_epi16(bytes.v, 4), low), _mm256_and_si256(bytes.v, low));
-}
-
-// One byte of each of sixteen colors of a table, in both halves of a vector.
-Vector32 TablePlane(const uint32_t* table, int byte) {
-  uint8_t plane[16];
-  for (int i = 0; i < 16; ++i) plane[i] = static_cast<uint8_t>(table[i] >> 8 * byte);
-  return Vector32::Twice(plane);
-}
-
-// Setting up the table costs as much as converting some dozens of pixels.
-constexpr std::size_t kMinNibbles = 96;
 
 void ExpandNibblesRow24(uint8_t* dst, const uint8_t* source, bool odd, std::size_t pixels, const uint32_t* table) {
   if (pixels < kMinNibbles) return ssse3::ExpandNibblesRow24(dst, source, odd, pixels, table);
@@ -142,17 +186,6 @@ void ExpandNibblesRow8(uint8_t* dst, const uint8_t* source, bool odd, std::size_
   });
 }
 
-// The colors of eight palette indices. Each pixel needs two loads, its index and its color; no instruction does better.
-__m256i EightEntries(const uint8_t* source, const uint32_t* table) {
-  const auto four = [table](const uint8_t* p) {
-    __m128i v = _mm_cvtsi32_si128(static_cast<int>(table[p[0]]));
-    v = _mm_insert_epi32(v, static_cast<int>(table[p[1]]), 1);
-    v = _mm_insert_epi32(v, static_cast<int>(table[p[2]]), 2);
-    return _mm_insert_epi32(v, static_cast<int>(table[p[3]]), 3);
-  };
-  return _mm256_inserti128_si256(_mm256_castsi128_si256(four(source)), four(source + 4), 1);
-}
-
 void ExpandBytesRow24(uint8_t* dst, const uint8_t* source, std::size_t pixels, const uint32_t* table) {
   if (pixels < kBlockPixels) return plain::ExpandBytesRow24(dst, source, pixels, table);
   CoverWithBlocks(pixels, PixelsToAlignment<3>(dst), [=](std::size_t i) {
@@ -162,41 +195,11 @@ void ExpandBytesRow24(uint8_t* dst, const uint8_t* source, std::size_t pixels, c
   });
 }
 
-// The gray levels of 32 pixels. The last load reaches back, so that none leaves the block.
-__m256i GrayBlock(const uint8_t* source, Vector32 weights) {
-  const Vector32 spread{_mm256_setr_epi8(0, 1, 2, -1, 3, 4, 5, -1, 6, 7, 8, -1, 9, 10, 11, -1,  //
-                                         4, 5, 6, -1, 7, 8, 9, -1, 10, 11, 12, -1, 13, 14, 15, -1)};
-  const auto eight = [&](const uint8_t* p) {  // sums, 32 bits each
-    const __m256i pixels = Shuffle(Vector32::Halves(p, p + 8), spread).v;
-    return _mm256_madd_epi16(_mm256_maddubs_epi16(pixels, weights.v), _mm256_set1_epi16(1));
-  };
-  const auto hundredth = [](__m256i v) {  // exact for sums up to 25500
-    return _mm256_srli_epi16(_mm256_mulhi_epu16(v, _mm256_set1_epi16(5243)), 3);
-  };
-  const __m256i low = _mm256_packs_epi32(eight(source), eight(source + 24));
-  const __m256i high = _mm256_packs_epi32(eight(source + 48), eight(source + 72));
-  const __m256i grays = _mm256_packus_epi16(hundredth(low), hundredth(high));
-  return _mm256_permutevar8x32_epi32(grays, _mm256_setr_epi32(0, 4, 1, 5, 2, 6, 3, 7));
-}
-
 void GrayRow24(uint8_t* dst, const uint8_t* source, std::size_t pixels) {
   if (pixels < kBlockPixels) return ssse3::GrayRow24(dst, source, pixels);
   const Vector32 weights{_mm256_set1_epi32(static_cast<int>(kBandWeights))};
   CoverWithBlocks(pixels, PixelsToAlignment<1>(dst),
                   [=](std::size_t i) { Vector32{GrayBlock(source + 3 * i, weights)}.Store(dst + i); });
-}
-
-// Each of 32 bytes three times.
-void StoreTriples(uint8_t* dst, __m256i grays) {
-  const Vector32 first{_mm256_setr_epi8(0, 0, 0, 1, 1, 1, 2, 2, 2, 3, 3, 3, 4, 4, 4, 5,  //
-                                        5, 5, 6, 6, 6, 7, 7, 7, 8, 8, 8, 9, 9, 9, 10, 10)};
-  const Vector32 second{_mm256_setr_epi8(10, 11, 11, 11, 12, 12, 12, 13, 13, 13, 14, 14, 14, 15, 15, 15,  //
-                                         0, 0, 0, 1, 1, 1, 2, 2, 2, 3, 3, 3, 4, 4, 4, 5)};
-  const Vector32 third{_mm256_setr_epi8(5, 5, 6, 6, 6, 7, 7, 7, 8, 8, 8, 9, 9, 9, 10, 10,  //
-                                        10, 11, 11, 11, 12, 12, 12, 13, 13, 13, 14, 14, 14, 15, 15, 15)};
-  Shuffle(Vector32{_mm256_permute4x64_epi64(grays, 0x44)}, first).Store(dst);
-  Shuffle(Vector32{grays}, second).Store(dst + 32);
-  Shuffle(Vector32{_mm256_permute4x64_epi64(grays, 0xEE)}, third).Store(dst + 64);
 }
 
 // A gray pixel stays as it is, so blocks may overlap.

@@ -6,6 +6,7 @@
 #include "raster/rows/row_tables.h"
 
 namespace qnv::ssse3 {
+namespace {
 
 __m128i Load16(const uint8_t* p) { return _mm_loadu_si128(reinterpret_cast<const __m128i*>(p)); }
 void Store16(uint8_t* p, __m128i v) { _mm_storeu_si128(reinterpret_cast<__m128i*>(p), v); }
@@ -31,14 +32,6 @@ void PackRow(uint8_t* dst, const uint8_t* source, std::size_t pixels, __m128i sh
             _mm_shuffle_epi8(Load16(source + 32), shuffle), _mm_shuffle_epi8(Load16(source + 48), shuffle));
   }
   Plain(dst, source, pixels - i);
-}
-
-void PackRow32(uint8_t* dst, const uint8_t* source, std::size_t pixels) {
-  PackRow<plain::PackRow32>(dst, source, pixels, PackShuffle::InOrder());
-}
-
-void PackSwapRow32(uint8_t* dst, const uint8_t* source, std::size_t pixels) {
-  PackRow<plain::PackSwapRow32>(dst, source, pixels, PackShuffle::Swapped());
 }
 
 // Three planes of sixteen bytes, interleaved into sixteen pixels.
@@ -69,6 +62,99 @@ __m128i SixteenNibbles(const uint8_t* source) {
 
 // Setting up the table costs as much as converting some dozens of pixels.
 constexpr std::size_t kMinNibbles = 64;
+
+// One component of eight 16-bit pixels. The left shift keeps to 16 bits because a mask shifted up ends at bit 15;
+// only a mask of one bit does not, and its component is 0 either way.
+struct VectorMask {
+  __m128i mask, up, fill;
+
+  explicit VectorMask(const ComponentMask& m)
+      : mask(_mm_set1_epi16(static_cast<int16_t>(m.mask))),
+        up(_mm_cvtsi32_si128(static_cast<int>(m.up))),
+        fill(_mm_cvtsi32_si128(static_cast<int>(m.fill))) {}
+
+  __m128i Extract(__m128i pixels) const {
+    const __m128i v = _mm_srli_epi16(_mm_sll_epi16(_mm_and_si128(pixels, mask), up), 8);
+    return _mm_and_si128(_mm_add_epi16(v, _mm_srl_epi16(v, fill)), _mm_set1_epi16(0xFF));
+  }
+};
+
+__m128i GrayWeights() { return _mm_set1_epi32(static_cast<int>(kBandWeights)); }
+__m128i RegrayWeights() { return _mm_set1_epi32(static_cast<int>(kRegrayWeights)); }
+
+// The gray levels of sixteen pixels; reads four bytes of the next two.
+__m128i SixteenGrays(const uint8_t* source, __m128i weights) {
+  const __m128i spread = _mm_setr_epi8(0, 1, 2, -1, 3, 4, 5, -1, 6, 7, 8, -1, 9, 10, 11, -1);
+  const auto sums = [=](const uint8_t* p) {  // of four pixels, in pairs of 16 bits
+    return _mm_maddubs_epi16(_mm_shuffle_epi8(Load16(p), spread), weights);
+  };
+  const auto hundredth = [](__m128i v) {  // exact for sums up to 25500
+    return _mm_srli_epi16(_mm_mulhi_epu16(v, _mm_set1_epi16(5243)), 3);
+  };
+  const __m128i a = _mm_hadd_epi16(sums(source), sums(source + 12));
+  const __m128i b = _mm_hadd_epi16(sums(source + 24), sums(source + 36));
+  return _mm_packus_epi16(hundredth(a), hundredth(b));
+}
+
+void StoreTriples(uint8_t* dst, __m128i sixteen) {
+  Store16(dst, _mm_shuffle_epi8(sixteen, _mm_setr_epi8(0, 0, 0, 1, 1, 1, 2, 2, 2, 3, 3, 3, 4, 4, 4, 5)));
+  Store16(dst + 16, _mm_shuffle_epi8(sixteen, _mm_setr_epi8(5, 5, 6, 6, 6, 7, 7, 7, 8, 8, 8, 9, 9, 9, 10, 10)));
+  Store16(dst + 32,
+          _mm_shuffle_epi8(sixteen, _mm_setr_epi8(10, 11, 11, 11, 12, 12, 12, 13, 13, 13, 14, 14, 14, 15, 15, 15)));
+}
+
+// A vector of sixteen pixels in which source pixels are repeated: where its load begins, and its shuffle.
+struct RepeatVector {
+  std::ptrdiff_t from = 0;
+  alignas(16) uint8_t bytes[16] = {};
+};
+
+template <std::size_t kBytesPerPixel>
+constexpr RepeatVector MakeRepeatVector(std::size_t factor, std::size_t vector) {
+  const auto sourceOf = [=](std::size_t i) {
+    const std::size_t byte = 16 * vector + i;
+    return byte / kBytesPerPixel / factor * kBytesPerPixel + byte % kBytesPerPixel;
+  };
+  // Where the pixel of the first byte begins.
+  const std::size_t from = 16 * vector / kBytesPerPixel / factor * kBytesPerPixel;
+  RepeatVector result;
+  result.from = static_cast<std::ptrdiff_t>(from);
+  for (std::size_t i = 0; i < 16; ++i) result.bytes[i] = static_cast<uint8_t>(sourceOf(i) - from);
+  return result;
+}
+
+template <std::size_t kBytesPerPixel, std::size_t kFactor>
+void Repeat(uint8_t* dst, const uint8_t* source, std::size_t blocks) {
+  static constexpr RepeatVector kVectors[3] = {MakeRepeatVector<kBytesPerPixel>(kFactor, 0),
+                                               MakeRepeatVector<kBytesPerPixel>(kFactor, 1),
+                                               MakeRepeatVector<kBytesPerPixel>(kFactor, 2)};
+  for (; blocks != 0; --blocks, source += 16 / kFactor * kBytesPerPixel, dst += 16 * kBytesPerPixel) {
+    for (std::size_t v = 0; v < kBytesPerPixel; ++v) {
+      Store16(dst + 16 * v, _mm_shuffle_epi8(Load16(source + kVectors[v].from), Load16(kVectors[v].bytes)));
+    }
+  }
+}
+
+template <std::size_t kBytesPerPixel, auto Plain>
+void RepeatRow(uint8_t* dst, const uint8_t* source, std::size_t pixels, std::size_t factor) {
+  const std::size_t blocks = pixels / 16;
+  switch (factor) {
+    case 2: Repeat<kBytesPerPixel, 2>(dst, source, blocks); break;
+    case 4: Repeat<kBytesPerPixel, 4>(dst, source, blocks); break;
+    default: Repeat<kBytesPerPixel, 8>(dst, source, blocks); break;
+  }
+  Plain(dst + 16 * kBytesPerPixel * blocks, source + 16 / factor * kBytesPerPixel * blocks, pixels % 16, factor);
+}
+
+}  // namespace
+
+void PackRow32(uint8_t* dst, const uint8_t* source, std::size_t pixels) {
+  PackRow<plain::PackRow32>(dst, source, pixels, PackShuffle::InOrder());
+}
+
+void PackSwapRow32(uint8_t* dst, const uint8_t* source, std::size_t pixels) {
+  PackRow<plain::PackSwapRow32>(dst, source, pixels, PackShuffle::Swapped());
+}
 
 void ExpandNibblesRow24(uint8_t* dst, const uint8_t* source, bool odd, std::size_t pixels, const uint32_t* table) {
   if (pixels < kMinNibbles) return plain::ExpandNibblesRow24(dst, source, odd, pixels, table);
@@ -102,22 +188,6 @@ void ExpandNibblesRow8(uint8_t* dst, const uint8_t* source, bool odd, std::size_
   plain::ExpandNibblesRow8(dst, source, false, pixels, table);
 }
 
-// One component of eight 16-bit pixels. The left shift keeps to 16 bits because a mask shifted up ends at bit 15;
-// only a mask of one bit does not, and its component is 0 either way.
-struct VectorMask {
-  __m128i mask, up, fill;
-
-  explicit VectorMask(const ComponentMask& m)
-      : mask(_mm_set1_epi16(static_cast<int16_t>(m.mask))),
-        up(_mm_cvtsi32_si128(static_cast<int>(m.up))),
-        fill(_mm_cvtsi32_si128(static_cast<int>(m.fill))) {}
-
-  __m128i Extract(__m128i pixels) const {
-    const __m128i v = _mm_srli_epi16(_mm_sll_epi16(_mm_and_si128(pixels, mask), up), 8);
-    return _mm_and_si128(_mm_add_epi16(v, _mm_srl_epi16(v, fill)), _mm_set1_epi16(0xFF));
-  }
-};
-
 void UnpackRow16(uint8_t* dst, const uint8_t* source, std::size_t pixels, const PixelMasks& masks) {
   const VectorMask component[3] = {VectorMask(masks.component[0]), VectorMask(masks.component[1]),
                                    VectorMask(masks.component[2])};
@@ -132,33 +202,9 @@ void UnpackRow16(uint8_t* dst, const uint8_t* source, std::size_t pixels, const 
   plain::UnpackRow16(dst, source, pixels, masks);
 }
 
-__m128i GrayWeights() { return _mm_set1_epi32(static_cast<int>(kBandWeights)); }
-__m128i RegrayWeights() { return _mm_set1_epi32(static_cast<int>(kRegrayWeights)); }
-
-// The gray levels of sixteen pixels; reads four bytes of the next two.
-__m128i SixteenGrays(const uint8_t* source, __m128i weights) {
-  const __m128i spread = _mm_setr_epi8(0, 1, 2, -1, 3, 4, 5, -1, 6, 7, 8, -1, 9, 10, 11, -1);
-  const auto sums = [=](const uint8_t* p) {  // of four pixels, in pairs of 16 bits
-    return _mm_maddubs_epi16(_mm_shuffle_epi8(Load16(p), spread), weights);
-  };
-  const auto hundredth = [](__m128i v) {  // exact for sums up to 25500
-    return _mm_srli_epi16(_mm_mulhi_epu16(v, _mm_set1_epi16(5243)), 3);
-  };
-  const __m128i a = _mm_hadd_epi16(sums(source), sums(source + 12));
-  const __m128i b = _mm_hadd_epi16(sums(source + 24), sums(source + 36));
-  return _mm_packus_epi16(hundredth(a), hundredth(b));
-}
-
 void GrayRow24(uint8_t* dst, const uint8_t* source, std::size_t pixels) {
   for (; pixels >= 18; pixels -= 16, source += 48, dst += 16) Store16(dst, SixteenGrays(source, GrayWeights()));
   plain::GrayRow24(dst, source, pixels);
-}
-
-void StoreTriples(uint8_t* dst, __m128i sixteen) {
-  Store16(dst, _mm_shuffle_epi8(sixteen, _mm_setr_epi8(0, 0, 0, 1, 1, 1, 2, 2, 2, 3, 3, 3, 4, 4, 4, 5)));
-  Store16(dst + 16, _mm_shuffle_epi8(sixteen, _mm_setr_epi8(5, 5, 6, 6, 6, 7, 7, 7, 8, 8, 8, 9, 9, 9, 10, 10)));
-  Store16(dst + 32,
-          _mm_shuffle_epi8(sixteen, _mm_setr_epi8(10, 11, 11, 11, 12, 12, 12, 13, 13, 13, 14, 14, 14, 15, 15, 15)));
 }
 
 void RegrayRow24(uint8_t* dst, std::size_t pixels) {
@@ -206,49 +252,6 @@ void ReverseRow8(uint8_t* dst, const uint8_t* source, std::size_t pixels) {
     Store16(dst, _mm_shuffle_epi8(Load16(source + pixels - 16), reverse));
   }
   plain::ReverseRow8(dst, source, pixels);
-}
-
-// A vector of sixteen pixels in which source pixels are repeated: where its load begins, and its shuffle.
-struct RepeatVector {
-  std::ptrdiff_t from = 0;
-  alignas(16) uint8_t bytes[16] = {};
-};
-
-template <std::size_t kBytesPerPixel>
-constexpr RepeatVector MakeRepeatVector(std::size_t factor, std::size_t vector) {
-  const auto sourceOf = [=](std::size_t i) {
-    const std::size_t byte = 16 * vector + i;
-    return byte / kBytesPerPixel / factor * kBytesPerPixel + byte % kBytesPerPixel;
-  };
-  // Where the pixel of the first byte begins.
-  const std::size_t from = 16 * vector / kBytesPerPixel / factor * kBytesPerPixel;
-  RepeatVector result;
-  result.from = static_cast<std::ptrdiff_t>(from);
-  for (std::size_t i = 0; i < 16; ++i) result.bytes[i] = static_cast<uint8_t>(sourceOf(i) - from);
-  return result;
-}
-
-template <std::size_t kBytesPerPixel, std::size_t kFactor>
-void Repeat(uint8_t* dst, const uint8_t* source, std::size_t blocks) {
-  static constexpr RepeatVector kVectors[3] = {MakeRepeatVector<kBytesPerPixel>(kFactor, 0),
-                                               MakeRepeatVector<kBytesPerPixel>(kFactor, 1),
-                                               MakeRepeatVector<kBytesPerPixel>(kFactor, 2)};
-  for (; blocks != 0; --blocks, source += 16 / kFactor * kBytesPerPixel, dst += 16 * kBytesPerPixel) {
-    for (std::size_t v = 0; v < kBytesPerPixel; ++v) {
-      Store16(dst + 16 * v, _mm_shuffle_epi8(Load16(source + kVectors[v].from), Load16(kVectors[v].bytes)));
-    }
-  }
-}
-
-template <std::size_t kBytesPerPixel, auto Plain>
-void RepeatRow(uint8_t* dst, const uint8_t* source, std::size_t pixels, std::size_t factor) {
-  const std::size_t blocks = pixels / 16;
-  switch (factor) {
-    case 2: Repeat<kBytesPerPixel, 2>(dst, source, blocks); break;
-    case 4: Repeat<kBytesPerPixel, 4>(dst, source, blocks); break;
-    default: Repeat<kBytesPerPixel, 8>(dst, source, blocks); break;
-  }
-  Plain(dst + 16 * kBytesPerPixel * blocks, source + 16 / factor * kBytesPerPixel * blocks, pixels % 16, factor);
 }
 
 // A group is stored whole: what it writes past its stride is overwritten by the next one.
