@@ -24,8 +24,8 @@ SourceBitmap* GiveSource(RandomCase& run) {
   }
   SourceBitmap source{};
   source.bmType = static_cast<int16_t>(random.Word());
-  source.bmWidth = static_cast<int16_t>(random.Percent(97) ? random.Range(1, 90) : random.Range(-3, 0));
-  source.bmHeight = static_cast<int16_t>(random.Percent(97) ? random.Range(1, 20) : random.Range(-3, 0));
+  source.bmWidth = static_cast<int16_t>(random.Percent(97) ? random.Range(1, run.MaxWidth(90)) : random.Range(-3, 0));
+  source.bmHeight = static_cast<int16_t>(random.Percent(97) ? random.Range(1, run.MaxHeight(20)) : random.Range(-3, 0));
   source.bmPlanes = 1;
   const int form = random.Range(0, 99);
   const bool gray = run.deviceClass() == DeviceClass::kPlain8;
@@ -66,7 +66,7 @@ void BlitCall(RandomCase& run) {
   reference::BlitArgs args{};
   args.destX = random.Range(band.left - 30, band.right + 6);
   args.destY = random.Range(band.top - 10, band.bottom + 3);
-  args.width = random.Percent(96) ? random.Range(0, 75) : random.Range(-10, 200);
+  args.width = random.Percent(96) ? random.Range(0, run.MaxWidth(75)) : random.Range(-10, 200);
   args.height = random.Percent(96) ? random.Range(0, 22) : random.Range(-10, 60);
   args.srcX = random.Percent(50) ? 0 : random.Range(-12, 60);
   args.srcY = random.Percent(50) ? 0 : random.Range(-6, 15);
@@ -74,7 +74,7 @@ void BlitCall(RandomCase& run) {
   if (run.tame()) {
     args.destX = random.Range(band.left - 6, band.left + 6);
     args.destY = random.Range(band.top - 2, band.top + 2);
-    args.width = random.Range(1, 75);
+    args.width = random.Range(1, run.MaxWidth(75));
     args.height = random.Range(1, 16);
     args.srcX = random.Range(-2, 12);
     args.srcY = random.Range(-1, 3);

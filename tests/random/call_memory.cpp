@@ -1,5 +1,6 @@
 #include "random/call_memory.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -7,7 +8,8 @@
 namespace qnv::test {
 namespace {
 
-constexpr std::size_t kPlane = 16384;
+constexpr std::size_t kPlane = 65536;
+constexpr std::size_t kWatched = 8192;  // bytes before a plane that must stay as they are
 constexpr uint8_t kUntouched = 0xA5;
 
 const std::vector<uint8_t>& Untouched() {
@@ -28,6 +30,8 @@ uint8_t* PlaneMemory::Place(std::size_t size, std::size_t tail) {
   if (size + tail > kPlane) TooSmall(size);
   size_ = size;
   start_ = block_.data() + kPlane - tail - size;
+  const std::size_t before = kPlane - tail - size;
+  watched_ = before - std::min(before, kWatched);
   return start_;
 }
 
@@ -35,12 +39,12 @@ bool PlaneMemory::SurroundingsIntact() const {
   if (start_ == nullptr) return block_.FencesIntact();
   const std::size_t before = static_cast<std::size_t>(start_ - block_.data());
   const std::size_t after = kPlane - before - size_;
-  return std::memcmp(block_.data(), Untouched().data(), before) == 0 &&
+  return std::memcmp(block_.data() + watched_, Untouched().data(), before - watched_) == 0 &&
          std::memcmp(start_ + size_, Untouched().data(), after) == 0 && block_.FencesIntact();
 }
 
 void PlaneMemory::Release() {
-  block_.Fill(kUntouched);
+  if (start_ != nullptr) std::memset(block_.data() + watched_, kUntouched, kPlane - watched_);
   start_ = nullptr;
 }
 

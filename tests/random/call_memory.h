@@ -23,6 +23,7 @@ class PlaneMemory {
   FencedBuffer block_;
   uint8_t* start_ = nullptr;
   std::size_t size_ = 0;
+  std::size_t watched_ = 0;  // offset of the first byte before the plane that is looked at
 };
 
 // The records and arrays that a host passes in one call.
@@ -38,7 +39,7 @@ class InputMemory {
   int FirstChanged() const;
   void Release() { used_ = 0; }
 
-  static constexpr std::size_t kBlock = 65536;
+  static constexpr std::size_t kBlock = 131072;
 
  private:
   static constexpr std::size_t kBlocks = 10;

@@ -80,7 +80,9 @@ void WriteRle(Random& random, RandomDib& dib) {
   }
 }
 
-RandomDib MakeDib(Random& random, bool sound) {
+RandomDib MakeDib(RandomCase& run) {
+  Random& random = run.random();
+  const bool sound = run.tame();
   RandomDib dib;
   BITMAPINFOHEADER& header = dib.header;
   random.Fill(reinterpret_cast<uint8_t*>(&header), sizeof header);
@@ -92,8 +94,8 @@ RandomDib MakeDib(Random& random, bool sound) {
   if (header.biBitCount == 4 && random.Percent(40)) header.biCompression = BI_RLE4;
   if (header.biBitCount == 16 && random.Percent(60)) header.biCompression = BI_BITFIELDS;
   if (header.biBitCount == 32 && random.Percent(40)) header.biCompression = BI_BITFIELDS;
-  header.biWidth = random.Percent(90) ? random.Range(1, 48) : random.Range(1, 3);
-  header.biHeight = random.Percent(90) ? random.Range(1, 24) : random.Range(1, 2);
+  header.biWidth = random.Percent(90) ? random.Range(1, run.MaxWidth(48)) : random.Range(1, 3);
+  header.biHeight = random.Percent(90) ? random.Range(1, run.MaxHeight(24)) : random.Range(1, 2);
   if (random.Percent(25)) header.biHeight = -header.biHeight;
   const std::size_t rows = static_cast<std::size_t>(std::abs(header.biHeight));
 
@@ -157,7 +159,7 @@ uint32_t RandomImageRop(Random& random) {
 void SetExtents(RandomCase& run, const BITMAPINFOHEADER& header, reference::ImageArgs* args) {
   Random& random = run.random();
   const BandRect band = run.CallerBand();
-  const int width = std::clamp(int{header.biWidth}, 1, 64);
+  const int width = std::clamp(int{header.biWidth}, 1, run.MaxWidth(64));
   const int height = std::clamp(std::abs(std::max(int{header.biHeight}, -1000)), 1, 64);
   args->srcWidth = random.Percent(50) ? width : random.Range(-2, width + 6);
   args->srcHeight = random.Percent(50) ? height : random.Range(-2, height + 4);
@@ -168,7 +170,7 @@ void SetExtents(RandomCase& run, const BITMAPINFOHEADER& header, reference::Imag
     args->dstWidth = args->srcWidth;
     args->dstHeight = args->srcHeight;
   } else if (pick < 85) {
-    args->dstWidth = random.Range(0, 70);
+    args->dstWidth = random.Range(0, run.MaxWidth(70));
     args->dstHeight = random.Range(0, 24);
   } else {
     args->dstWidth = random.Range(1, 1500);
@@ -185,7 +187,7 @@ void SetExtents(RandomCase& run, const BITMAPINFOHEADER& header, reference::Imag
     args->srcY = 0;
     args->srcWidth = width;
     args->srcHeight = height;
-    args->dstWidth = random.Range(1, 40);
+    args->dstWidth = run.wide() && random.Percent(50) ? width : random.Range(1, run.MaxWidth(40));
     args->dstHeight = random.Range(1, 16);
     args->dstX = random.Range(band.left - 5, band.left + 5);
     args->dstY = random.Range(band.top - 3, band.top + 2);
@@ -271,7 +273,7 @@ void SetToDeviceCall(RandomCase& run, const RandomDib& dib) {
 void ImageCall(RandomCase& run) {
   const bool stretch = run.random().Percent(85);
   run.BeginCall(stretch ? "QNVStretchDIBits" : "QNVDevSetDIBitsToDevice");
-  const RandomDib dib = MakeDib(run.random(), run.tame());
+  const RandomDib dib = MakeDib(run);
   if (stretch) {
     StretchCall(run, dib);
   } else {

@@ -1,5 +1,6 @@
 #include "random/random_case.h"
 
+#include <algorithm>
 #include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
@@ -17,6 +18,8 @@ struct Resolutions {
 constexpr Resolutions kResolutions[] = {{360, 360},  {720, 360}, {360, 720}, {600, 400}, {400, 600}, {300, 360},
                                         {360, 1440}, {720, 720}, {3, 2},     {2, 3},     {7, 5},     {5, 7},
                                         {1, 1},      {4, 1},     {1, 3},     {10, 9},    {600, 359}, {719, 360}};
+constexpr int kMaxColumns = 6000;
+
 constexpr uint16_t kPlainResolutions[] = {360, 720, 1440, 300};
 
 constexpr const char* kClassNames[] = {"plain 24-bit", "plain 8-bit", "scaled", "dual-plane",
@@ -111,6 +114,17 @@ void RandomCase::MakeDescription() {
     case DeviceClass::kDualPlaneOtherDepth: description_.bitsPerPixel = random_.Percent(50) ? 8 : 16; break;
     default: break;
   }
+  // Rows of images and transfers go through the library in pieces: some bands are wide enough for several of them.
+  wide_ = random_.Percent(4);
+  if (wide_) {
+    description_.width = static_cast<uint32_t>(random_.Range(300, kMaxColumns));
+    description_.height = static_cast<uint32_t>(random_.Range(1, 3));
+  }
+}
+
+int RandomCase::MaxWidth(int usual) const {
+  const BandRect band = CallerBand();
+  return wide_ ? std::clamp(band.right - band.left + 20, usual, kMaxColumns + 20) : usual;
 }
 
 BandRect RandomCase::RandomBand(bool move) {

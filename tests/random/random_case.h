@@ -41,6 +41,11 @@ class RandomCase {
 
   // The band in the caller's coordinates, origin taken off: what random positions are chosen around.
   BandRect CallerBand() const;
+  // A share of the bands has up to 6,000 columns in few rows.
+  bool wide() const { return wide_; }
+  // The largest width for what a call paints or reads: `usual`, or about that of a wide band.
+  int MaxWidth(int usual) const;
+  int MaxHeight(int usual) const { return wide_ ? 3 : usual; }
   const BandRect& bandRect() const { return bandRect_; }
   const DrawingOrigin& origin() const { return origin_; }
   const DeviceDescription& description() const { return description_; }
@@ -104,6 +109,7 @@ class RandomCase {
   std::vector<uint8_t> before_;
   DeviceHandle* handle_ = nullptr;
   std::unique_ptr<reference::Model> model_;
+  bool wide_ = false;
   bool tame_ = false;
   std::string callName_;
   std::string failure_;
