@@ -8,7 +8,8 @@
  *   - Every function is cdecl. Where pointers have four bytes every argument is one 32-bit slot and every
  *     record below has exactly the offsets given; elsewhere pointer fields are native pointers.
  *   - Records are packed and little-endian, owned by the host, and only read during the call, unless the
- *     text says that a call writes them. The library keeps no pointer but the band buffers' addresses.
+ *     text says that a call writes them. After a call the library keeps no pointer of the host's except the
+ *     addresses of the band buffers.
  *   - Rectangles are half-open: a point is inside when left <= x < right and top <= y < bottom.
  *   - "16-bit result": only the low 16 bits carry the result. On a bad handle such a call returns the
  *     handle's own value with its low 16 bits cleared; the other calls return a whole 0.
@@ -42,19 +43,20 @@ typedef struct DeviceHandle DeviceHandle; /* opaque; made by QNVEnable, ended by
 
 #pragma pack(push, 1)
 
-/* 16 bytes. Read by QNVEnable and QNVGetDeviceInfo, which copy it. */
+/* What kind of device to make and how large it is. 16 bytes, read by QNVEnable, which copies it, and by
+ * QNVGetDeviceInfo. */
 typedef struct DeviceDescription {
   uint16_t kind;         /*  0  QNV_KIND_... */
   uint16_t bitsPerPixel; /*  2  24 (blue, green, red bytes) or 8 (one gray byte); on kind 0 a value of 0
                                 selects gray mode over three bytes a pixel */
-  uint16_t resolutionA;  /*  4  page resolution: divisor of the size scaling; must not be 0 */
-  uint32_t width;        /*  6  pixels of a band row; sets the stride */
-  uint32_t height;       /* 10  rows of the band buffer, as the clear escape counts them */
-  uint16_t resolutionB;  /* 14  device resolution: multiplier of the size scaling */
+  uint16_t resolutionA;  /*  4  dots per inch of the page: sizes are divided by it; must not be 0 */
+  uint32_t width;        /*  6  pixels of a band row, from which the bytes of a row follow */
+  uint32_t height;       /* 10  rows of the band buffer; the clear escape sets that many */
+  uint16_t resolutionB;  /* 14  dots per inch of the device: sizes are multiplied by it */
 } DeviceDescription;
 
-/* 16 bytes. Where the band lies on the page, in pixels: byte 0 of the buffer is pixel (left, top). Also
- * the form of every clip rectangle and of the opaque rectangle of text. */
+/* A rectangle in pixels of the page: the place of the band, a clip, or the opaque rectangle of text. 16 bytes.
+ * Byte 0 of the band's buffer is the pixel (left, top) of the band's rectangle. */
 typedef struct BandRect {
   int32_t left;   /*  0 */
   int32_t top;    /*  4 */
@@ -62,13 +64,13 @@ typedef struct BandRect {
   int32_t bottom; /* 12  exclusive */
 } BandRect;
 
-/* 8 bytes, written by QNVGetDeviceInfo. */
+/* The size of a device. 8 bytes, written by QNVGetDeviceInfo. */
 typedef struct DeviceSize {
   uint32_t width;  /* 0  description width scaled from resolution A to B, pixels */
   uint32_t height; /* 4 */
 } DeviceSize;
 
-/* 8 bytes, data of escape QNV_SET_ORIGIN. */
+/* Where the host's coordinates begin, in pixels of the page. 8 bytes, the data of escape QNV_SET_ORIGIN. */
 typedef struct DrawingOrigin {
   int32_t x; /* 0  added to every x a drawing call receives, clip rectangles included */
   int32_t y; /* 4 */
@@ -76,8 +78,8 @@ typedef struct DrawingOrigin {
 
 /* Escapes of QNVControl, compared on the low 16 bits. */
 #define QNV_SET_ORIGIN 0x2000u    /* data: DrawingOrigin */
-#define QNV_SET_BAND_RECT 0x2001u /* data: BandRect; moves the band, buffer and stride stay */
-#define QNV_CLEAR_BAND 0x2002u    /* data unused; whole buffer to white (tag plane to 1) */
+#define QNV_SET_BAND_RECT 0x2001u /* data: BandRect; moves the band on the page, its memory stays the same */
+#define QNV_CLEAR_BAND 0x2002u    /* data unused; sets the whole buffer to white and the tag plane to 1 */
 
 /* Values of the tag plane of a dual-plane device. */
 #define QNV_TAG_GRAPHICS 1u
@@ -85,8 +87,9 @@ typedef struct DrawingOrigin {
 
 /* ---- Drawing records ------------------------------------------------------------------------------ */
 
-/* 42 bytes: the platform's driver-side draw mode. Colours are physical colours (see QNVColorInfo). A
- * measuring QNVDevExtTextOut writes BreakErr; nothing else is ever written. */
+/* How a call combines what it paints with the band: 42 bytes, the platform's draw mode for drivers. Colours are
+ * physical colours (see QNVColorInfo). The library writes a single field: a QNVDevExtTextOut that measures sets
+ * BreakErr. */
 typedef struct DRAWMODE {
   int16_t Rop2;           /*  0  R2_... 1..16 */
   int16_t bkMode;         /*  2  1 transparent, 2 opaque */
@@ -94,7 +97,7 @@ typedef struct DRAWMODE {
   uint32_t TextColor;     /*  8  0x00BBGGRR */
   int16_t TBreakExtra;    /* 12  pixels to spread over the break characters of a line */
   int16_t BreakExtra;     /* 14  not read */
-  int16_t BreakErr;       /* 16  running error of the spreading */
+  int16_t BreakErr;       /* 16  remainder of the spreading, carried from one call of a line to the next */
   int16_t BreakRem;       /* 18  not read */
   int16_t BreakCount;     /* 20  break characters in the line */
   int16_t CharacterExtra; /* 22  pixels added after every character */
@@ -103,13 +106,14 @@ typedef struct DRAWMODE {
   uint8_t reserved[10];   /* 32  not read */
 } DRAWMODE;
 
-/* 14 bytes: a source of QNVDevBitBlt, and the bitmap of a pattern brush (the platform's BITMAP). Rows run
- * top down. One plane of one bit: most significant bit leftmost, 1 = bkColor, 0 = TextColor. Any other
- * form: 3 bytes a pixel, red, green, blue, into 24-bit bands; one gray byte into 8-bit bands. */
+/* A source of QNVDevBitBlt, or the bitmap of a pattern brush: 14 bytes, the platform's BITMAP. The top row comes
+ * first. With one plane of one bit a pixel, the most significant bit is the leftmost pixel, and 1 stands for
+ * bkColor, 0 for TextColor. All other bitmaps hold 3 bytes a pixel (red, green, blue) for 24-bit bands and one
+ * gray byte a pixel for 8-bit bands. */
 typedef struct SourceBitmap {
   int16_t bmType;        /*  0  not read */
-  int16_t bmWidth;       /*  2  pixels; bounds what is read */
-  int16_t bmHeight;      /*  4  rows; bounds what is read */
+  int16_t bmWidth;       /*  2  pixels; nothing to the right of them is read */
+  int16_t bmHeight;      /*  4  rows; nothing below them is read */
   uint16_t bmWidthBytes; /*  6  bytes from one row to the next */
   uint8_t bmPlanes;      /*  8 */
   uint8_t bmBitsPixel;   /*  9 */
@@ -137,7 +141,7 @@ typedef struct LogicalBrush {
   uint16_t style;      /* 0  BS_SOLID, BS_HOLLOW, BS_HATCHED, BS_PATTERN */
   uintptr_t colour;    /* 2  0x00BBGGRR; for BS_PATTERN the address of a SourceBitmap instead */
   int16_t hatch;       /* +0 (6)  HS_... */
-  uint32_t background; /* +2 (8)  colour of a hatch's gaps, taken as it is */
+  uint32_t background; /* +2 (8)  physical colour of the gaps of a hatch, not converted */
 } LogicalBrush;
 
 /* 268 bytes: a realised brush. A cell with top byte 0xFF is foreground, one with top byte 0 background. */
@@ -145,14 +149,14 @@ typedef struct PhysicalBrush {
   uint16_t style;        /*  0  as the logical brush */
   uint16_t hatch;        /*  2  as the logical brush */
   uint16_t patternDepth; /*  4  24, 8 or 1 for pattern brushes, else 0 */
-  uint8_t hatchScale[2]; /*  6  replication of a cell, horizontal and vertical; above 2 counts as 2 */
+  uint8_t hatchScale[2]; /*  6  pixels that a cell covers, horizontally and vertically; above 2 counts as 2 */
   uint32_t colour;       /*  8  physical colour; 0 for a 1-bit pattern */
   uint32_t cells[64];    /* 12  8 rows of 8, top row first, leftmost first */
 } PhysicalBrush;
 
-/* The first 33 bytes of the platform's raster-font record. The character table follows at byte 49 (entries
- * of 4 bytes: u16 width, u16 offset) when dfType is exactly 0x200, else at byte 82 (entries of 6 bytes: u16
- * width, u32 offset). A glyph lies at fontBase + offset: columns of 8 pixels, dfPixHeight bytes each, top
+/* What is read of a raster font: the first 33 bytes of the platform's font record. The character table follows at
+ * byte 49 (entries of 4 bytes: u16 width, u16 offset) when dfType is exactly 0x200, else at byte 82 (entries of 6
+ * bytes: u16 width, u32 offset). A glyph lies at fontBase + offset: columns of 8 pixels, dfPixHeight bytes each, top
  * row first, bit 0x80 leftmost. */
 typedef struct FONTINFO {
   uint16_t dfType;           /*  0  bit 0x20: two-byte characters; 0x200: short table */
@@ -169,18 +173,18 @@ typedef struct FONTINFO {
   uint8_t dfCharSet;         /* 19  not read */
   int16_t dfPixWidth;        /* 20  advance of every character of a fixed-pitch font */
   int16_t dfPixHeight;       /* 22  rows of every glyph */
-  uint8_t dfPitchAndFamily;  /* 24  bit 1: widths come from the character table */
+  uint8_t dfPitchAndFamily;  /* 24  bit 0x01: widths come from the character table */
   int16_t dfAvgWidth;        /* 25  not read */
   int16_t dfMaxWidth;        /* 27  not read */
   uint8_t dfFirstChar;       /* 29  first code of the table (one-byte fonts) */
   uint8_t dfLastChar;        /* 30 */
   uint8_t dfDefaultChar;     /* 31  relative to dfFirstChar; shown for codes outside the table */
-  uint8_t dfBreakChar;       /* 32  relative to dfFirstChar; takes the justification pixels */
+  uint8_t dfBreakChar;       /* 32  relative to dfFirstChar; justification widens this character */
 } FONTINFO;
 
 #ifndef _WINGDI_
-/* 40 bytes. Followed at byte biSize by the colour table (blue, green, red, unused; 1, 4 and 8 bits), or at
- * byte 40 by three masks (red, green, blue; 16 bits with BI_BITFIELDS). */
+/* The description of a device-independent bitmap: 40 bytes. Followed at byte biSize by the colour table (blue, green,
+ * red, unused; 1, 4 and 8 bits), or at byte 40 by three masks (red, green, blue; 16 bits with BI_BITFIELDS). */
 typedef struct BITMAPINFOHEADER {
   uint32_t biSize;  /* 40..4096 at 1, 4 and 8 bits, else refused; not read at the others */
   int32_t biWidth;  /* 1..32767, else refused */
@@ -284,22 +288,25 @@ typedef struct BITMAPINFOHEADER {
 
 /* ---- Functions -------------------------------------------------------------------------------------- */
 
-/* Makes a device for one band format and returns its handle, or null: unknown kind or depth, null
- * description or bandRect, resolution A of 0 on kind 0, no memory. `buffer` is rows of
- * (width * bytes + 3) & ~3 bytes, top row first; it stays the host's and must live until QNVDisable. A
- * non-null `secondBuffer` with kind 1 makes a dual-plane device whatever bitsPerPixel says: one byte a
- * pixel, rows of (width + 3) & ~3 bytes. Its clear escape writes three bytes a pixel into `buffer`, also when
- * another depth is described. A null buffer is allowed; nothing is painted then. */
+/* Makes a device that paints into one band and returns its handle. Returns null for an unknown kind or depth, a null
+ * description or bandRect, a resolution A of 0 on kind 0, and when there is no memory.
+ *   buffer        the band: rows of (width * bytes a pixel + 3) & ~3 bytes, top row first. It belongs to the host and
+ *                 must live until QNVDisable. With a null buffer nothing is painted.
+ *   secondBuffer  with kind 1, unless null, the tag plane of a dual-plane device: one byte a pixel, rows of
+ *                 (width + 3) & ~3 bytes. bitsPerPixel does not matter for the choice of this device; its clear
+ *                 escape writes three bytes a pixel into `buffer`, even when another depth is described. */
 DeviceHandle *QNV_CALL QNVEnable(const DeviceDescription *description, const BandRect *bandRect, void *buffer,
                                  void *secondBuffer);
 
 /* Destroys the device and frees the handle; the host's buffers are left alone. */
 void QNV_CALL QNVDisable(DeviceHandle *handle);
 
-/* Writes the page size scaled to resolution B and returns 8; 0 for a null result, an unknown kind or depth. */
+/* Tells the size of a device before it is made: writes the described size, scaled from resolution A to B, and returns
+ * 8. Returns 0 for a null result, an unknown kind or depth. */
 uint32_t QNV_CALL QNVGetDeviceInfo(const DeviceDescription *description, DeviceSize *result);
 
-/* Escapes. 16-bit result: 1 done; 0 unknown code, or null data where data is needed. */
+/* Escapes: set the drawing origin, move the band, clear it. 16-bit result: 1 when done, 0 for an unknown code or null
+ * data where data is needed. */
 uint32_t QNV_CALL QNVControl(DeviceHandle *handle, uint32_t code, const void *data, void *extra);
 
 /* Logical colour 0x00BBGGRR to physical colour: itself on colour devices, the gray level
@@ -318,7 +325,7 @@ uint32_t QNV_CALL QNVRealizeObject(DeviceHandle *handle, uint32_t kind, const vo
 uint32_t QNV_CALL QNVPixel(DeviceHandle *handle, int32_t x, int32_t y, uint32_t colour, const DRAWMODE *drawMode,
                            const BandRect *clip);
 
-/* QNVPixel on every point of the rectangle with these corners, both included. Returns 0. */
+/* QNVPixel on every pixel of the rectangle that has these two corners; both corners belong to it. Returns 0. */
 uint32_t QNV_CALL QNVPolyPixel(DeviceHandle *handle, int32_t x1, int32_t y1, int32_t x2, int32_t y2, uint32_t colour,
                                const DRAWMODE *drawMode, const BandRect *clip);
 
@@ -355,9 +362,12 @@ int32_t QNV_CALL QNVDevExtTextOut(DeviceHandle *handle, int32_t x, int32_t y, co
                                   DRAWMODE *drawMode, const void *textXForm, const int16_t *charWidths,
                                   const BandRect *opaqueRect, uint32_t options);
 
-/* Paints a rectangle of a device-independent bitmap, stretched, mirrored where the signs of extents differ.
- * `bitmapInfo` is a BITMAPINFOHEADER with its table or masks. `rop`: SRCCOPY, any ternary code, or
- * ROP_MINIMUM. 16-bit result: 1 ran, 0 refused (get = 1, null pointers, bad header) or clipped away whole. */
+/* Paints a rectangle of a device-independent bitmap, stretched to the destination's size, and mirrored where the signs
+ * of the extents differ.
+ *   get         low 16 bits: 1 asks to read the band back, which is refused; any other value paints
+ *   bitmapInfo  a BITMAPINFOHEADER followed by its table or masks
+ *   rop         SRCCOPY, any ternary code, or ROP_MINIMUM
+ * 16-bit result: 1 when painted, 0 when refused (get = 1, a null pointer, a bad header) or clipped away wholly. */
 uint32_t QNV_CALL QNVStretchDIBits(DeviceHandle *handle, uint32_t get, int32_t dstX, int32_t dstY, int32_t dstWidth,
                                    int32_t dstHeight, int32_t srcX, int32_t srcY, int32_t srcWidth,
                                    int32_t srcHeight, const void *bits, const void *bitmapInfo,
