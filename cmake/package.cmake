@@ -116,10 +116,22 @@ endif()
 if(TARGET qnvtool)
   add_dependencies(package_files qnvtool)
   install(TARGETS qnvtool RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT tools)
-  configure_file(${PROJECT_SOURCE_DIR}/packaging/qnvtool.1.in ${PROJECT_BINARY_DIR}/qnvtool.1 @ONLY)
+  # The program writes the options of its man page and its completion from the descriptions that --help shows.
+  configure_file(${PROJECT_SOURCE_DIR}/packaging/qnvtool.1.in ${PROJECT_BINARY_DIR}/qnvtool.1.in @ONLY)
+  add_custom_command(OUTPUT ${PROJECT_BINARY_DIR}/qnvtool.1
+    COMMAND sh -c "\"$1\" --generate man \"$2\" >\"$3\"" sh
+      $<TARGET_FILE:qnvtool> ${PROJECT_BINARY_DIR}/qnvtool.1.in ${PROJECT_BINARY_DIR}/qnvtool.1
+    DEPENDS qnvtool ${PROJECT_BINARY_DIR}/qnvtool.1.in VERBATIM)
+  set(completion ${PROJECT_BINARY_DIR}/packages/qnvtool.bash-completion)
+  add_custom_command(OUTPUT ${completion}
+    COMMAND ${CMAKE_COMMAND} -E make_directory ${PROJECT_BINARY_DIR}/packages
+    COMMAND sh -c "\"$1\" --generate completion >\"$2\"" sh $<TARGET_FILE:qnvtool> ${completion}
+    DEPENDS qnvtool VERBATIM)
+  add_custom_target(tool_completion DEPENDS ${completion})
+  add_dependencies(package_files tool_completion)
   qnv_compressed(man_page ${PROJECT_BINARY_DIR}/qnvtool.1)
   install(FILES ${man_page} DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT tools)
-  install(FILES ${PROJECT_SOURCE_DIR}/packaging/qnvtool.bash-completion
+  install(FILES ${completion}
     DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions RENAME qnvtool COMPONENT tools)
 endif()
 

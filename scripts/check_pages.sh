@@ -48,7 +48,7 @@ is_printed() { # FOLDER
     [ "$(tr -d '\377' <"$page" | wc -c)" -ge 20000 ] || { echo "${page##*/} is nearly white"; return 1; }
   done
   # The last document is full of images: tag 3.
-  [ ! -e "$1/tags.pgm" ] || [ "$(tr -dc '\003' <"$1/tags-${#pages[@]}.pgm" | wc -c)" -ge 100000 ] || {
+  [ ! -e "$1/tags-01.pgm" ] || [ "$(tr -dc '\003' <"$1/tags-$(printf %02d ${#pages[@]}).pgm" | wc -c)" -ge 100000 ] || {
     echo "no images in the tags"
     return 1
   }
@@ -68,7 +68,7 @@ as_qnvtool_prints() { # TREE
   rm -rf by-tool by-host && mkdir by-tool by-host &&
     "${trees[0]}/bin/qnvtool" print "${options[@]}" -o by-tool/page.ppm &&
     host "$1" print "${options[@]}" -o by-host/page.ppm --library "$(library_of "$1")" &&
-    [ -s by-tool/page-3.ppm ] && diff -rq by-tool by-host
+    [ -s by-tool/page-03.ppm ] && diff -rq by-tool by-host
 }
 
 # ---- Programs and documents -----------------------------------------------------------------------------------------

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Prints the sample document on every device that the library has.
 #   scripts/print_demo.sh QNVTOOL OUTDIR
-# Leaves in OUTDIR for each device DEVICE the pages DEVICE.png, DEVICE-2.png ..., for the dual device also its tag
+# Leaves in OUTDIR for each device DEVICE the pages DEVICE-01.png, DEVICE-02.png ..., for the dual device also its tag
 # plane and the pages with their image areas tinted, and the sample's images as BMP files.
 set -euo pipefail
 
@@ -31,7 +31,7 @@ print_on() {
     echo "  $device: printing failed" >&2
     exit "$status"
   else
-    echo "  $device: $out/$name.png and $(find "$out" -name "$name-[0-9]*.png" | wc -l) more pages"
+    echo "  $device: $(find "$out" -name "$name-[0-9]*.png" | wc -l) pages, $out/$name-01.png and so on"
   fi
 }
 

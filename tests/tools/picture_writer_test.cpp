@@ -5,7 +5,6 @@
 #include <png.h>
 
 #include <cstdio>
-#include <filesystem>
 #include <fstream>
 #include <sstream>
 
@@ -120,20 +119,19 @@ TEST(PictureWriter, PnmFiles) {
   EXPECT_EQ(WriteAndReadPnm(Pixels::kTags, kTags, 4), std::string("P5\n3 2\n255\n\0\1\3\3\2\1", 17));
 }
 
-TEST(PictureWriter, NamesOfPnmFiles) {
-  for (const char* name : {"a.ppm", "b/a.pgm", "a.png.pnm"}) EXPECT_TRUE(tool::IsPnmName(name)) << name;
-  for (const char* name : {"a.png", "a", "ppm", "a.ppm/b"}) EXPECT_FALSE(tool::IsPnmName(name)) << name;
-}
-
-TEST(PictureWriter, UnfinishedFilesGo) {
-  for (const auto create : {tool::CreatePngFile, tool::CreatePnmFile}) {
-    const std::string path = TempFile("unfinished");
-    {
-      const auto writer = create(path, {3, 2, 300, Pixels::kGray});
-      writer->WriteRows(kGray, 4, 1);
-      EXPECT_TRUE(std::filesystem::exists(path));
-    }
-    EXPECT_FALSE(std::filesystem::exists(path));
+TEST(PictureWriter, FormatsByName) {
+  using tool::PictureFormat;
+  for (const char* name : {"a.ppm", "b/a.pgm", "a.png.pnm", "a.PPM", "-"}) {
+    EXPECT_EQ(tool::FormatOf(name, ""), PictureFormat::kPnm) << name;
+    EXPECT_EQ(tool::FormatOf(name, "png"), PictureFormat::kPng) << name;
+  }
+  for (const char* name : {"a.png", "a.Png", "a.ppm/b.png"}) {
+    EXPECT_EQ(tool::FormatOf(name, ""), PictureFormat::kPng) << name;
+    EXPECT_EQ(tool::FormatOf(name, "ppm"), PictureFormat::kPnm) << name;
+  }
+  for (const char* name : {"a", "ppm", "a.ppm/b", "a.jpg", "a.", ".png", ""}) {
+    EXPECT_THROW(tool::FormatOf(name, ""), tool::ToolError) << name;
+    EXPECT_EQ(tool::FormatOf(name, "pgm"), PictureFormat::kPnm) << name;
   }
 }
 
@@ -153,13 +151,6 @@ TEST(PictureWriter, FailuresNameTheFile) {
     EXPECT_EQ(errorOf("/no such folder/x").rfind("/no such folder/x: cannot be written", 0), 0u);
     EXPECT_EQ(errorOf("/dev/full").rfind("/dev/full: cannot be written", 0), 0u);
   }
-}
-
-TEST(PictureWriter, NamesOfPages) {
-  EXPECT_EQ(tool::PathOfPage("out.png", 1), "out.png");
-  EXPECT_EQ(tool::PathOfPage("out.png", 2), "out-2.png");
-  EXPECT_EQ(tool::PathOfPage("a.b/out", 12), "a.b/out-12");
-  EXPECT_EQ(tool::PathOfPage("a/out.x.ppm", 3), "a/out.x-3.ppm");
 }
 
 }  // namespace

@@ -48,11 +48,11 @@ expect 0 "" --help
 expect 0 "" print --help
 expect 0 "" --version
 expect 0 "" print "${small[@]}" photo.bmp text.txt drawing.fig -o pages.png
-for page in pages.png pages-2.png pages-3.png; do [ -s $page ] || fail "$page is missing"; done
+for page in pages-01.png pages-02.png pages-03.png; do [ -s $page ] || fail "$page is missing"; done
 for device in gray dual scaled:60/30 scaled-gray:60/40; do
   expect 0 "" print "${small[@]}" photo.bmp map.bmp -o "dev.png" --device $device
-  [ -s dev-2.png ] || fail "no second page on $device"
-  rm -f dev.png dev-2.png
+  [ -s dev-02.png ] || fail "no second page on $device"
+  rm -f dev-01.png dev-02.png
 done
 expect 0 "" print "${small[@]}" map.bmp -o dual.png --device dual --tags tags.png --overlay overlay.png
 for page in dual.png tags.png overlay.png; do [ -s $page ] || fail "$page is missing"; done
@@ -76,8 +76,18 @@ expect 1 "--paper a7: use a4" print photo.bmp -o out.png --paper a7
 expect 1 "--margin 100: leaves nothing" print photo.bmp -o out.png --paper 80x60mm --margin 100
 expect 1 "--device color3:" print photo.bmp -o out.png --device color3
 expect 1 "--tags and --overlay need --device dual" print photo.bmp -o out.png --tags tags.png
-expect 1 "photo.bmp: is an input file" print photo.bmp -o photo.bmp
+expect 1 "photo.bmp: is an input file" print photo.bmp -o photo.bmp --format png
 expect 1 "no such font file" print text.txt -o out.png --font ./none.ttf
+expect 1 "out.jpg: the name says no format" print photo.bmp -o out.jpg
+expect 1 "out.pgm: PGM files are gray" print photo.bmp -o out.pgm
+expect 1 "--format jpg: use one of png, ppm, pgm" print photo.bmp -o out.png --format jpg
+expect 1 "--type jpg: use one of auto, bmp, text, fig" print photo.bmp -o out.png --type jpg
+expect 1 "--dpi 0: use a whole number from 20 to 4800" print photo.bmp -o out.png --dpi 0
+expect 1 "--margin nan: use a number from 0 to 1000" print photo.bmp -o out.png --margin nan
+expect 1 "--size inf: use a number from 2 to 200" print photo.bmp -o out.png --size inf
+expect 1 "--paper nanx20mm: each side must have 5 to 2000 mm" print photo.bmp -o out.png --paper nanx20mm
+expect 1 "--width 0: use a whole number from 1 to 8000" make-picture photo out.png --width 0
+expect 1 "--scale nan:" print photo.bmp -o out.png --scale nan
 expect 1 "--scale 0:" print photo.bmp -o out.png --scale 0
 expect 1 "--fit excludes --scale" print photo.bmp -o out.png --scale 2 --fit
 
@@ -94,7 +104,88 @@ expect 2 "text.txt: is no scalable font" print text.txt -o out.png --font text.t
 
 # Results that cannot be written.
 expect 3 "none/out.png: cannot be written" print photo.bmp -o none/out.png "${small[@]}"
-expect 3 "/dev/full: cannot be written" print photo.bmp -o /dev/full "${small[@]}"
+expect 3 "/dev/full: cannot be written" print photo.bmp -o /dev/full --format png "${small[@]}"
+
+(
+  ulimit -f 10 # blocks of 1 KB: the disk is full
+  trap '' XFSZ
+  "$tool" print photo.bmp -o full.ppm 2>stderr
+  [ $? -eq 3 ]
+) || fail "exit code with a full disk"
+grep -qF "full.ppm: cannot be written: File too large" stderr || fail "full disk: $(cat stderr)"
+[ ! -e full.ppm ] || fail "a piece of a picture was left on the full disk"
+
+# No input is ever replaced, whatever the way its name comes about; nothing else is written either.
+refused() { # FILE ARGUMENT...: FILE, an input, would be overwritten
+  local before
+  before=$(ls; cksum ./*.*)
+  expect 1 "$1: is an input file and would be overwritten" print "${small[@]}" "${@:2}"
+  rm -f stdout stderr
+  [ "$(ls; cksum ./*.*)" = "$before" ] || fail "files changed: $*"
+}
+mkdir kept && cd kept || exit 1
+cp ../photo.bmp ../map.bmp ../text.txt ../drawing.fig .
+cp map.bmp page-02.png && cp map.bmp map-02.png
+printf 'image page-02.png 5 30 30 -\n' >page.fig
+ln map.bmp hard.png && ln -s map.bmp soft.png
+font=$(fc-match -f '%{file}' serif) && cp "$font" font.png
+if [ -e "$bin/libqnvdrv10.so" ]; then
+  cp "$bin/libqnvdrv10.so" library.png
+  refused library.png photo.bmp --library library.png -o library.png
+fi
+refused page-02.png text.txt page-02.png -o page.png
+refused page-02.png text.txt page.fig -o page.png
+refused map-02.png text.txt map-02.png --device dual -o other.png --tags map.png
+refused map-02.png text.txt map-02.png --device dual -o other.png --overlay map.png
+refused hard.png map.bmp -o hard.png
+refused soft.png map.bmp -o soft.png
+refused font.png text.txt --font ./font.png -o font.png
+refused font.png text.txt --heading-font font.png -o font.png
+refused font.png text.txt --listing-font font.png -o font.png
+cd .. || exit 1
+expect 1 "named for two different pictures" print photo.bmp -o out.png --device dual --tags ./out.png
+expect 1 "named for two different pictures" print photo.bmp map.bmp -o out.png --device dual --overlay x/../out.png
+
+# A picture is replaced when the new one is complete; a run that ends early leaves the old one.
+for signal in INT TERM KILL; do
+  mkdir early && echo old >early/page.ppm
+  env --default-signal=INT "$tool" print photo.bmp --dpi 1200 --paper 300x400mm --band-rows 1 -q \
+    -o early/page.ppm 2>/dev/null &
+  pid=$!
+  # shellcheck disable=SC2010
+  until ls -l /proc/$pid/fd 2>/dev/null | grep -q "early/.*deleted\|early/.*part"; do
+    kill -0 $pid 2>/dev/null || { fail "ended before SIG$signal"; break; }
+  done
+  kill -$signal $pid
+  wait $pid 2>/dev/null
+  code=$?
+  [ $code -eq $((128 + $(kill -l $signal))) ] || fail "exit code $code after SIG$signal"
+  [ "$(ls -A early)" = page.ppm ] || fail "left after SIG$signal: $(ls -A early)"
+  [ "$(cat early/page.ppm)" = old ] || fail "the old file is gone after SIG$signal"
+  rm -r early
+done
+
+# --keep-going prints what can be printed.
+"$tool" print "${small[@]}" none.bmp photo.bmp cut.bmp map.bmp -o going.png --keep-going 2>stderr
+[ $? -eq 2 ] || fail "exit code of --keep-going"
+[ "$(sed 's/:.*No such file.*/: missing/; s/: header: .*/: header/' stderr | tr '\n' '|')" = \
+  "qnvtool: missing|qnvtool: cut.bmp: header|qnvtool: 2 of 4 files could not be used|" ] ||
+  fail "messages of --keep-going: $(cat stderr)"
+[ -s going-01.png ] && [ -s going-02.png ] && [ ! -e going-03.png ] || fail "pages of --keep-going"
+
+
+# Standard input and output.
+expect 0 "" print - "${small[@]}" -o input.png --no-header <photo.bmp
+expect 0 "" print photo.bmp "${small[@]}" -o named.png --no-header
+cmp -s input.png named.png || fail "standard input prints another page than the file"
+expect 2 "standard input: is empty" print - -o out.png </dev/null
+"$tool" make-picture photo - --width 90 --height 60 | cmp -s - photo.bmp || fail "make-picture to standard output"
+"$tool" print photo.bmp "${small[@]}" -o - --format png --no-header | cmp -s - named.png || fail "PNG on standard output"
+expect 1 "-: a PNG stream holds one page, not 2" print photo.bmp map.bmp "${small[@]}" -o - --format png
+if command -v script >/dev/null; then
+  script -qec "'$tool' print photo.bmp -o - --paper 80x60mm --margin 5" /dev/null </dev/null >terminal
+  grep -qF "standard output is a terminal" terminal || fail "binary to a terminal: $(head -c 100 terminal)"
+fi
 
 # Libraries that are none.
 expect 4 "none.so: no such library file" print photo.bmp -o out.png --library none.so

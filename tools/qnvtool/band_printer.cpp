@@ -1,6 +1,6 @@
 #include "band_printer.h"
 
-#include <fmt/format.h>
+#include <fmt/core.h>
 
 #include <numeric>
 

@@ -1,6 +1,6 @@
 #include "bmp_reader.h"
 
-#include <fmt/format.h>
+#include <fmt/core.h>
 
 #include <algorithm>
 #include <array>

@@ -1,16 +1,12 @@
 #include "bmp_writer.h"
 
-#include <fmt/format.h>
-
 #include <algorithm>
-#include <cerrno>
 #include <cmath>
 #include <cstdio>
-#include <cstring>
 
 #include "dib.h"
+#include "output_file.h"
 #include "qnvdrv10.h"
-#include "tool_error.h"
 
 namespace qnv::tool {
 namespace {
@@ -96,13 +92,9 @@ Bytes EncodeBmpRle8(int width, int height, int dpi, const std::vector<uint8_t>& 
 }
 
 void WriteFile(const std::string& path, const Bytes& bytes) {
-  const auto fail = [&] {
-    throw ToolError(ExitCode::kCannotWrite, fmt::format("{}: cannot be written: {}", path, std::strerror(errno)));
-  };
-  std::FILE* const file = std::fopen(path.c_str(), "wb");
-  if (file == nullptr) fail();
-  const bool written = std::fwrite(bytes.data(), 1, bytes.size(), file) == bytes.size();
-  if (std::fclose(file) != 0 || !written) fail();
+  OutputFile file(path);
+  if (std::fwrite(bytes.data(), 1, bytes.size(), file.get()) != bytes.size()) file.Fail();
+  file.Close();
 }
 
 }  // namespace qnv::tool

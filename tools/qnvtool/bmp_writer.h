@@ -15,7 +15,7 @@ Bytes EncodeBmp24(int width, int height, int dpi, const std::vector<uint8_t>& pi
 Bytes EncodeBmpRle8(int width, int height, int dpi, const std::vector<uint8_t>& indices,
                     const std::vector<uint32_t>& palette);
 
-// Throws ToolError (cannot write).
+// A whole file, "-" being standard output. Throws ToolError (cannot write).
 void WriteFile(const std::string& path, const Bytes& bytes);
 
 }  // namespace qnv::tool

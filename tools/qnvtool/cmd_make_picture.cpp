@@ -18,24 +18,35 @@ struct Arguments {
 
 }  // namespace
 
-void AddMakePictureCommand(CLI::App& program) {
+Command MakePictureCommand() {
   auto arguments = std::make_shared<Arguments>();
-  CLI::App* const command = program.add_subcommand("make-picture", "Make a sample picture as a BMP file");
-  command->add_option("kind", arguments->kind, "photo (24 bits: a lake at sunset) or map (RLE8: a relief map)")
-      ->required()
-      ->check(CLI::IsMember({"photo", "map"}).description(""))
-      ->type_name("KIND");
-  command->add_option("out", arguments->out, "File to write")->required()->type_name("OUT.bmp");
-  command->add_option("--width", arguments->width, "Pixels (default 900)")
-      ->type_name("N")
-      ->check(CLI::Range(1, 8000).description(""));
-  command->add_option("--height", arguments->height, "Pixels (default 600)")
-      ->type_name("N")
-      ->check(CLI::Range(1, 8000).description(""));
-  command->callback([arguments] {
+  Command command{.name = "make-picture", .summary = "Make a sample picture as a BMP file", .options = {}, .run = {}};
+  command.options = {
+      {.names = "kind",
+       .placeholder = "KIND",
+       .help = "photo (24 bits: a lake at sunset) or map (RLE8: a relief map)",
+       .value = OneOf{&arguments->kind, {"photo", "map"}},
+       .required = true},
+      {.names = "out",
+       .placeholder = "OUT.bmp",
+       .help = "File to write",
+       .value = Text{&arguments->out},
+       .required = true,
+       .fileTypes = "bmp"},
+      {.names = "--width",
+       .placeholder = "N",
+       .help = "Pixels, 1 to 8000 (default 900)",
+       .value = WholeNumber{&arguments->width, 1, 8000}},
+      {.names = "--height",
+       .placeholder = "N",
+       .help = "Pixels, 1 to 8000 (default 600)",
+       .value = WholeNumber{&arguments->height, 1, 8000}},
+  };
+  command.run = [arguments] {
     const auto make = arguments->kind == "photo" ? MakeSamplePhoto : MakeSampleMap;
     WriteFile(arguments->out, make(arguments->width, arguments->height));
-  });
+  };
+  return command;
 }
 
 }  // namespace qnv::tool

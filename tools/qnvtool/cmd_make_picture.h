@@ -1,10 +1,10 @@
 // `qnvtool make-picture`.
 #pragma once
 
-#include <CLI/CLI.hpp>
+#include "command_line.h"
 
 namespace qnv::tool {
 
-void AddMakePictureCommand(CLI::App& program);
+Command MakePictureCommand();
 
 }  // namespace qnv::tool

@@ -1,13 +1,12 @@
 // `qnvtool print`.
 #pragma once
 
-#include <CLI/CLI.hpp>
-
+#include "command_line.h"
 #include "print_job.h"
 
 namespace qnv::tool {
 
-// Adds the command to the program; it runs when the command line names it.
-void AddPrintCommand(CLI::App& program, const PrintParts& parts);
+// The command and its options, for a program that has these parts.
+Command PrintCommand(const PrintParts& parts);
 
 }  // namespace qnv::tool

@@ -1,6 +1,6 @@
 #include "device_choice.h"
 
-#include <fmt/format.h>
+#include <fmt/core.h>
 
 #include <cstdio>
 
@@ -10,13 +10,11 @@ namespace qnv::tool {
 namespace {
 
 constexpr int kDefaultDpi = 300;
-constexpr int kLowestDpi = 20;
-constexpr int kHighestDpi = 4800;
 
 void CheckDpi(const std::string& option, int dpi) {
-  if (dpi >= kLowestDpi && dpi <= kHighestDpi) return;
+  if (dpi >= kMinDpi && dpi <= kMaxDpi) return;
   throw ToolError(ExitCode::kUsage,
-                  fmt::format("{}: {} dots per inch; {} to {} can be used", option, dpi, kLowestDpi, kHighestDpi));
+                  fmt::format("{}: {} dots per inch; {} to {} can be used", option, dpi, kMinDpi, kMaxDpi));
 }
 
 }  // namespace

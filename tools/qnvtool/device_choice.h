@@ -5,6 +5,10 @@
 
 namespace qnv::tool {
 
+// Resolutions that a page can be laid out or printed at, in dots per inch.
+inline constexpr int kMinDpi = 20;
+inline constexpr int kMaxDpi = 4800;
+
 struct DeviceChoice {
   enum class Kind {
     kColour,      // 24-bit band

@@ -1,6 +1,6 @@
 #include "figures.h"
 
-#include <fmt/format.h>
+#include <fmt/core.h>
 
 #include <cmath>
 #include <filesystem>

@@ -1,6 +1,6 @@
 #include "file_bytes.h"
 
-#include <fmt/format.h>
+#include <fmt/core.h>
 
 #include <cerrno>
 #include <cstdio>
@@ -9,6 +9,10 @@
 #include <memory>
 
 #include "tool_error.h"
+#ifdef _WIN32
+#include <fcntl.h>
+#include <io.h>
+#endif
 
 namespace qnv::tool {
 namespace {
@@ -19,12 +23,25 @@ constexpr std::size_t kLargestFile = std::size_t{1} << 30;
   throw ToolError(ExitCode::kBadInput, fmt::format("{}: {}", path, why));
 }
 
+std::FILE* OpenStdin() {
+#ifdef _WIN32
+  _setmode(_fileno(stdin), _O_BINARY);
+#endif
+  return stdin;
+}
+
+int CloseUnlessStdin(std::FILE* file) { return file == stdin ? 0 : std::fclose(file); }
+
 }  // namespace
 
-Bytes ReadFile(const std::string& path) {
+std::string DisplayName(const std::string& path) { return path == "-" ? "standard input" : path; }
+
+Bytes ReadFile(const std::string& name) {
   std::error_code error;
-  if (std::filesystem::is_directory(path, error)) Fail(path, "is a folder, not a file");
-  const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(path.c_str(), "rb"), std::fclose);
+  if (std::filesystem::is_directory(name, error)) Fail(name, "is a folder, not a file");
+  const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(name == "-" ? OpenStdin() : std::fopen(name.c_str(), "rb"),
+                                                             CloseUnlessStdin);
+  const std::string path = DisplayName(name);
   if (file == nullptr) Fail(path, std::strerror(errno));
   Bytes bytes;
   std::size_t used = 0;

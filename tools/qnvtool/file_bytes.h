@@ -10,9 +10,12 @@ namespace qnv::tool {
 
 using Bytes = std::vector<uint8_t>;
 
-// Reads a regular file. Throws ToolError (bad input) naming the file when it cannot be opened or read, is a
-// folder, is empty, or has more than one gigabyte.
+// Reads a file, "-" being standard input. Throws ToolError (bad input) naming the file when it cannot be opened or
+// read, is a folder, is empty, or has more than one gigabyte.
 Bytes ReadFile(const std::string& path);
+
+// How messages call the file.
+std::string DisplayName(const std::string& path);
 
 // Requires: offset + the field's size <= bytes.size().
 uint16_t U16At(const Bytes& bytes, std::size_t offset);

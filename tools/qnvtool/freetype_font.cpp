@@ -1,6 +1,6 @@
 #include "freetype_font.h"
 
-#include <fmt/format.h>
+#include <fmt/core.h>
 #include <fontconfig/fontconfig.h>
 #include <ft2build.h>
 

@@ -1,6 +1,6 @@
 #include "library_file.h"
 
-#include <fmt/format.h>
+#include <fmt/core.h>
 
 #include <filesystem>
 

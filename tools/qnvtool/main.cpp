@@ -1,12 +1,8 @@
 // The program: its commands, and the parts that they work with.
-#include <CLI/CLI.hpp>
-
 #include "cmd_make_picture.h"
 #include "cmd_print.h"
 #include "freetype_font.h"
-#include "help_formatter.h"
 #include "png_writer.h"
-#include "run_program.h"
 
 namespace qnv::tool {
 namespace {
@@ -24,12 +20,10 @@ FontShelf OpenFonts(const PrintOptions& options) {
 }  // namespace qnv::tool
 
 int main(int argc, char** argv) {
-  CLI::App program("qnvtool: prints and inspects with the band rasteriser", "qnvtool");
-  program.require_subcommand(1);
-  program.set_version_flag("--version", std::string("qnvtool ") + QNVTOOL_VERSION);
-  program.formatter(std::make_shared<qnv::tool::HelpFormatter>());
-  program.footer(qnv::tool::kExitCodesHelp);
-  qnv::tool::AddPrintCommand(program, {qnv::tool::OpenFonts, qnv::tool::LinkedRasteriser, qnv::tool::CreatePngFile});
-  qnv::tool::AddMakePictureCommand(program);
-  return qnv::tool::RunProgram(program, argc, argv);
+  using namespace qnv::tool;
+  const Program program{.name = "qnvtool",
+                        .summary = "prints and inspects with the band rasteriser",
+                        .version = QNVTOOL_VERSION,
+                        .commands = {PrintCommand({OpenFonts, LinkedRasteriser, CreatePngFile}), MakePictureCommand()}};
+  return RunProgram(program, argc, argv);
 }

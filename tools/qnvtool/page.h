@@ -61,7 +61,7 @@ struct Figure {
 
 struct Picture {
   std::shared_ptr<const Dib> dib;
-  std::string name;  // for messages
+  std::string name;  // for messages; in a figure file the path that the image was read from
   Rect place;        // whole picture
   Rect clip;
   uint32_t rop = 0x00CC0020;  // SRCCOPY

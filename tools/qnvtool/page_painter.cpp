@@ -1,6 +1,6 @@
 #include "page_painter.h"
 
-#include <fmt/format.h>
+#include <fmt/core.h>
 
 #include <cstring>
 #include <numeric>

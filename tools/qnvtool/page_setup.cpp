@@ -1,6 +1,6 @@
 #include "page_setup.h"
 
-#include <fmt/format.h>
+#include <fmt/core.h>
 
 #include <algorithm>
 

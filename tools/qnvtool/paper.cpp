@@ -1,6 +1,6 @@
 #include "paper.h"
 
-#include <fmt/format.h>
+#include <fmt/core.h>
 
 #include <cctype>
 #include <cmath>

@@ -1,6 +1,6 @@
 #include "picture_layout.h"
 
-#include <fmt/format.h>
+#include <fmt/core.h>
 
 #include <algorithm>
 #include <cmath>

@@ -1,17 +1,13 @@
 #include "picture_writer.h"
 
-#include <fmt/format.h>
+#include <fmt/core.h>
 
-#include <cerrno>
+#include <cctype>
 #include <cstdio>
-#include <cstring>
 #include <filesystem>
 
 #include "output_file.h"
-#ifdef _WIN32
-#include <fcntl.h>
-#include <io.h>
-#endif
+#include "tool_error.h"
 
 namespace qnv::tool {
 namespace {
@@ -20,8 +16,7 @@ using Pixels = PictureForm::Pixels;
 
 class PnmWriter final : public PictureWriter {
  public:
-  // Without a file the picture goes to standard output.
-  PnmWriter(std::unique_ptr<OutputFile> file, const PictureForm& form) : file_(std::move(file)), form_(form) {
+  PnmWriter(const std::string& path, const PictureForm& form) : file_(path), form_(form) {
     const int kind = form.pixels == Pixels::kColour ? 6 : 5;
     Write(fmt::format("P{}\n{} {}\n255\n", kind, form.width, form.height));
   }
@@ -33,23 +28,15 @@ class PnmWriter final : public PictureWriter {
     }
   }
 
-  void Finish() override {
-    if (file_ != nullptr) {
-      file_->Close();
-    } else if (std::fflush(stdout) != 0) {
-      CannotWrite("standard output", std::strerror(errno));
-    }
-  }
+  void Finish() override { file_.Close(); }
 
  private:
   template <class Text>
   void Write(const Text& bytes) {
-    std::FILE* const file = file_ != nullptr ? file_->get() : stdout;
-    if (std::fwrite(bytes.data(), 1, bytes.size(), file) == bytes.size()) return;
-    CannotWrite(file_ != nullptr ? file_->path() : "standard output", std::strerror(errno));
+    if (std::fwrite(bytes.data(), 1, bytes.size(), file_.get()) != bytes.size()) file_.Fail();
   }
 
-  std::unique_ptr<OutputFile> file_;
+  OutputFile file_;
   const PictureForm form_;
   std::vector<uint8_t> row_;
 };
@@ -70,29 +57,25 @@ void ConvertRow(const PictureForm& form, const uint8_t* row, std::vector<uint8_t
   }
 }
 
-bool IsPnmName(const std::string& path) {
-  const std::string extension = std::filesystem::path(path).extension().string();
-  return extension == ".ppm" || extension == ".pgm" || extension == ".pnm";
+PictureFormat FormatOf(const std::string& path, const std::string& name) {
+  std::string wanted = name;
+  if (wanted.empty()) {
+    if (path == "-") return PictureFormat::kPnm;
+    const std::string extension = std::filesystem::path(path).extension().string();
+    for (const char c : extension.substr(extension.empty() ? 0 : 1)) {
+      wanted += static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+    }
+  }
+  if (wanted == "png") return PictureFormat::kPng;
+  if (wanted == "ppm" || wanted == "pgm" || wanted == "pnm") return PictureFormat::kPnm;
+  throw ToolError(ExitCode::kUsage,
+                  fmt::format("{}: the name says no format that can be written; end it in .png, .ppm or .pgm, or use "
+                              "--format",
+                              path));
 }
 
 std::unique_ptr<PictureWriter> CreatePnmFile(const std::string& path, const PictureForm& form) {
-  return std::make_unique<PnmWriter>(std::make_unique<OutputFile>(path), form);
-}
-
-std::unique_ptr<PictureWriter> WritePictureToStdout(const PictureForm& form) {
-#ifdef _WIN32
-  _setmode(_fileno(stdout), _O_BINARY);
-#endif
-  return std::make_unique<PnmWriter>(nullptr, form);
-}
-
-std::string PathOfPage(const std::string& path, int page) {
-  if (page == 1) return path;
-  const std::filesystem::path whole(path);
-  std::filesystem::path result = whole.parent_path() / whole.stem();
-  result += fmt::format("-{}", page);
-  result += whole.extension();
-  return result.string();
+  return std::make_unique<PnmWriter>(path, form);
 }
 
 }  // namespace qnv::tool

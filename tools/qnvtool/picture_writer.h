@@ -1,4 +1,4 @@
-// Picture files, written row by row as the bands are finished.
+// Picture files, written row by row as the bands are finished. A file gets its name when it is complete.
 #pragma once
 
 #include <cstdint>
@@ -17,7 +17,7 @@ struct PictureForm {
   };
   int width = 0;
   int height = 0;
-  int dpi = 0;  // recorded in PNG files
+  int dpi = 0;  // recorded in files whose format has a place for it
   Pixels pixels = Pixels::kColour;
 };
 
@@ -33,23 +33,20 @@ class PictureWriter {
   // The next `rows` rows of the picture. Throws ToolError (cannot write).
   virtual void WriteRows(const uint8_t* first, std::size_t stride, int rows) = 0;
 
-  // Ends the file; without it a named file is removed again. Throws ToolError (cannot write).
+  // Ends the file; without it nothing is left of it. Throws ToolError (cannot write).
   virtual void Finish() = 0;
 };
 
 // One row in the order of bytes that files have: red, green, blue; or a single byte.
 void ConvertRow(const PictureForm& form, const uint8_t* row, std::vector<uint8_t>& result);
 
-// The name ends in .ppm, .pgm or .pnm.
-bool IsPnmName(const std::string& path);
+enum class PictureFormat { kPng, kPnm };
 
-// A binary PPM (colour) or PGM file (gray, tags).
+// The format that `name` ("png", "ppm", "pgm", "pnm") stands for, or, when it is empty, the one that the extension of
+// `path` says; "-" is PNM then. Throws ToolError (usage) for an extension that stands for none.
+PictureFormat FormatOf(const std::string& path, const std::string& name);
+
+// A binary PPM (colour) or PGM file (gray, tags). On standard output ("-") pictures may follow one another.
 std::unique_ptr<PictureWriter> CreatePnmFile(const std::string& path, const PictureForm& form);
-
-// Binary PPM (colour) or PGM (gray) on standard output. Pictures may follow one another.
-std::unique_ptr<PictureWriter> WritePictureToStdout(const PictureForm& form);
-
-// "out.png" for page 1, "out-2.png" for page 2 and so on.
-std::string PathOfPage(const std::string& path, int page);
 
 }  // namespace qnv::tool

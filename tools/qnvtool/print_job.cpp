@@ -1,13 +1,17 @@
 #include "print_job.h"
 
-#include <fmt/format.h>
+#include <fmt/core.h>
 
+#include <algorithm>
+#include <cctype>
 #include <cstdio>
 #include <filesystem>
 
 #include "band_printer.h"
 #include "bmp_reader.h"
 #include "figures.h"
+#include "interruption.h"
+#include "output_names.h"
 #include "page_setup.h"
 #include "progress.h"
 #include "rasteriser.h"
@@ -27,11 +31,22 @@ FileType TypeOf(const std::string& path, const Bytes& file) {
   return LooksLikeBmp(file) ? FileType::kBmp : FileType::kText;
 }
 
-std::vector<Page> LayOut(const std::string& path, const PageSetup& setup, const PrintOptions& options) {
-  const Bytes file = ReadFile(path);
+// Adds to `inputs` what the file makes the job read.
+std::vector<Page> LayOut(const std::string& argument, const PageSetup& setup, const PrintOptions& options,
+                         std::vector<std::string>& inputs) {
+  const Bytes file = ReadFile(argument);
+  const std::string path = DisplayName(argument);
   const std::string name = std::filesystem::path(path).filename().string();
   const FileType type = options.type == FileType::kAuto ? TypeOf(path, file) : options.type;
-  if (type == FileType::kFigures) return LayOutFigures(file, setup, path);
+  if (type == FileType::kFigures) {
+    std::vector<Page> pages = LayOutFigures(file, setup, path);
+    for (const Page& page : pages) {
+      for (const auto& item : page.items) {
+        if (const auto* const picture = std::get_if<Picture>(&item)) inputs.push_back(picture->name);
+      }
+    }
+    return pages;
+  }
   if (type == FileType::kText) {
     return LayOutText(ParseTextBlocks(DecodeTextFile(file, path), options.verbatim), setup, name);
   }
@@ -42,33 +57,59 @@ std::vector<Page> LayOut(const std::string& path, const PageSetup& setup, const 
   return {LayOutPicture(std::move(dib), options.scale, setup, name)};
 }
 
-void CheckOutputs(const PrintOptions& options) {
-  const bool dual = options.device.kind == DeviceChoice::Kind::kDual;
-  for (const std::string& extra : {options.tags, options.overlay}) {
-    if (extra.empty()) continue;
-    if (!dual) throw ToolError(ExitCode::kUsage, "--tags and --overlay need --device dual");
-    if (extra == "-") throw ToolError(ExitCode::kUsage, "--tags and --overlay write files, not standard output");
-    if (extra == options.out || options.tags == options.overlay) {
-      throw ToolError(ExitCode::kUsage, fmt::format("{}: named for two different pictures", extra));
-    }
-  }
-  for (const std::string& out : {options.out, options.tags, options.overlay}) {
-    for (const std::string& file : options.files) {
-      std::error_code error;
-      if (std::filesystem::equivalent(out, file, error)) {
-        throw ToolError(ExitCode::kUsage, fmt::format("{}: is an input file and would be overwritten", out));
-      }
-    }
-  }
+// Formats of the pictures, and whether the options fit together.
+struct Formats {
+  PictureFormat picture = PictureFormat::kPng;
+  PictureFormat tags = PictureFormat::kPng;
+  PictureFormat overlay = PictureFormat::kPng;
+};
+
+bool NamesPgm(const std::string& path, const std::string& format) {
+  if (!format.empty()) return format == "pgm";
+  std::string extension = std::filesystem::path(path).extension().string();
+  for (char& c : extension) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+  return extension == ".pgm";
 }
 
-std::unique_ptr<PictureWriter> CreatePicture(const PrintParts& parts, const std::string& path,
-                                             const PictureForm& form) {
-  if (IsPnmName(path)) return CreatePnmFile(path, form);
-  if (parts.createPng == nullptr) {
-    throw ToolError(ExitCode::kUsage, fmt::format("{}: this program writes .ppm and .pgm files only", path));
+Formats CheckOutputs(const PrintOptions& options, const PrintParts& parts) {
+  const auto check = [&](const std::string& path, bool gray) {
+    const PictureFormat format = FormatOf(path, options.format);
+    if (format == PictureFormat::kPng && parts.createPng == nullptr) {
+      throw ToolError(ExitCode::kUsage, fmt::format("{}: this program writes .ppm and .pgm files only", path));
+    }
+    if (!gray && NamesPgm(path, options.format)) {
+      throw ToolError(ExitCode::kUsage, fmt::format("{}: PGM files are gray, the picture has colours; use .ppm", path));
+    }
+    return format;
+  };
+  Formats formats;
+  formats.picture = check(options.out, options.device.isGray());
+  for (const std::string& extra : {options.tags, options.overlay}) {
+    if (extra.empty()) continue;
+    if (options.device.kind != DeviceChoice::Kind::kDual) {
+      throw ToolError(ExitCode::kUsage, "--tags and --overlay need --device dual");
+    }
+    if (extra == "-") throw ToolError(ExitCode::kUsage, "--tags and --overlay write files, not standard output");
   }
-  return parts.createPng(path, form);
+  if (!options.tags.empty()) formats.tags = check(options.tags, true);
+  if (!options.overlay.empty()) formats.overlay = check(options.overlay, false);
+  return formats;
+}
+
+// Everything that the job reads, as far as a name tells.
+std::vector<std::string> InputsOf(const PrintOptions& options) {
+  std::vector<std::string> inputs = options.files;
+  std::error_code error;
+  for (const std::string& font : {options.bodyFont, options.headingFont, options.listingFont}) {
+    if (std::filesystem::exists(font, error)) inputs.push_back(font);  // else a name for fontconfig
+  }
+  if (!options.library.empty()) inputs.push_back(options.library);
+  return inputs;
+}
+
+std::unique_ptr<PictureWriter> CreatePicture(const PrintParts& parts, const std::string& path, PictureFormat format,
+                                             const PictureForm& form) {
+  return format == PictureFormat::kPnm ? CreatePnmFile(path, form) : parts.createPng(path, form);
 }
 
 Rasteriser ChooseRasteriser(const std::string& library, const PrintParts& parts) {
@@ -80,18 +121,17 @@ Rasteriser ChooseRasteriser(const std::string& library, const PrintParts& parts)
 // The pictures of one page: the page itself and what the tag plane gives.
 class PageFiles {
  public:
-  PageFiles(const PrintOptions& options, const PrintParts& parts, int page, int width, int height) {
+  PageFiles(const DeviceChoice& device, const PrintParts& parts, const Formats& formats, const PageNames& names,
+            int width, int height) {
     using Pixels = PictureForm::Pixels;
     using Kind = DeviceChoice::Kind;
-    const Kind kind = options.device.kind;
-    PictureForm form{width, height, options.device.bandDpi, Pixels::kColour};
-    if (kind == Kind::kGray) form.pixels = Pixels::kGray;
-    if (kind == Kind::kScaledGray) form.pixels = Pixels::kGrayOf3;
-    const auto create = [&](const std::string& path) { return CreatePicture(parts, PathOfPage(path, page), form); };
-    picture_ = options.out == "-" ? WritePictureToStdout(form) : create(options.out);
-    if (!options.overlay.empty()) overlay_ = create(options.overlay);
+    PictureForm form{width, height, device.bandDpi, Pixels::kColour};
+    if (device.kind == Kind::kGray) form.pixels = Pixels::kGray;
+    if (device.kind == Kind::kScaledGray) form.pixels = Pixels::kGrayOf3;
+    picture_ = CreatePicture(parts, names.picture, formats.picture, form);
+    if (!names.overlay.empty()) overlay_ = CreatePicture(parts, names.overlay, formats.overlay, form);
     form.pixels = Pixels::kTags;
-    if (!options.tags.empty()) tags_ = create(options.tags);
+    if (!names.tags.empty()) tags_ = CreatePicture(parts, names.tags, formats.tags, form);
     width_ = static_cast<std::size_t>(width);
   }
 
@@ -135,27 +175,48 @@ class PageFiles {
 }  // namespace
 
 void Print(const PrintOptions& options, const PrintParts& parts) {
-  CheckOutputs(options);
+  const Formats formats = CheckOutputs(options, parts);
   const Rasteriser rasteriser = ChooseRasteriser(options.library, parts);
   FontShelf fonts = parts.openFonts(options);
   const PageSetup setup{MakeSheet(options.paper, options.device.pageDpi, options.marginMm), &fonts, options.points,
                         options.header};
+  std::vector<std::string> inputs = InputsOf(options);
   std::vector<Page> pages;
+  std::size_t unusable = 0;
   for (const std::string& file : options.files) {
-    for (Page& page : LayOut(file, setup, options)) pages.push_back(std::move(page));
+    try {
+      for (Page& page : LayOut(file, setup, options, inputs)) pages.push_back(std::move(page));
+    } catch (const ToolError& error) {
+      if (!options.keepGoing || error.code() != ExitCode::kBadInput) throw;
+      fmt::print(stderr, "qnvtool: {}\n", error.what());
+      ++unusable;
+    }
   }
+  const auto pageCount = static_cast<int>(pages.size());
+  if (options.out == "-" && formats.picture == PictureFormat::kPng && pageCount > 1) {
+    throw ToolError(ExitCode::kUsage,
+                    fmt::format("-: a PNG stream holds one page, not {}; use --format ppm", pageCount));
+  }
+  const std::vector<PageNames> names =
+      NamePages({options.out, options.tags, options.overlay}, std::max(pageCount, 1), inputs);
 
   BandPrinter printer(rasteriser, options.device, setup.sheet.width, setup.sheet.height, options.bandRows);
   Progress progress(!options.quiet);
+  const InterruptionGuard guard;
   const double bands = static_cast<double>(printer.bands()) * static_cast<double>(pages.size());
   double done = 0;
   for (std::size_t i = 0; i < pages.size(); ++i) {
-    PageFiles files(options, parts, static_cast<int>(i + 1), printer.width(), printer.height());
+    PageFiles files(options.device, parts, formats, names[i], printer.width(), printer.height());
     printer.Print(pages[i], [&](const BandView& band) {
       files.Write(band);
       progress.Show(++done / bands, fmt::format("page {} of {}", i + 1, pages.size()));
+      ThrowIfInterrupted();
     });
     files.Finish();
+  }
+  if (unusable != 0) {
+    throw ToolError(ExitCode::kBadInput,
+                    fmt::format("{} of {} files could not be used", unusable, options.files.size()));
   }
 }
 

@@ -17,7 +17,9 @@ enum class FileType { kAuto, kBmp, kText, kFigures };
 
 struct PrintOptions {
   std::vector<std::string> files;
-  std::string out;  // "-": standard output
+  std::string out;     // "-": standard output
+  std::string format;  // of all pictures: "png", "ppm", "pgm"; empty: as the names say
+  bool keepGoing = false;
   FileType type = FileType::kAuto;
   Paper paper;
   double marginMm = 20;
@@ -43,7 +45,9 @@ struct PrintParts {
   std::unique_ptr<PictureWriter> (*createPng)(const std::string&, const PictureForm&) = nullptr;  // may be absent
 };
 
-// Lays out every file, then prints the pages. Nothing is written when a file cannot be used. Throws ToolError.
+// Lays out every file, then prints the pages. Nothing is written when a name of an output is that of an input, or when
+// a file cannot be used; with keepGoing the files that can be used are printed, each other one is reported on standard
+// error, and the ToolError comes at the end. Throws ToolError, and Interrupted when a signal ends the painting.
 void Print(const PrintOptions& options, const PrintParts& parts);
 
 }  // namespace qnv::tool

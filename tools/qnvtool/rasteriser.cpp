@@ -1,6 +1,6 @@
 #include "rasteriser.h"
 
-#include <fmt/format.h>
+#include <fmt/core.h>
 
 #include <filesystem>
 

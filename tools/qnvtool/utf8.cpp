@@ -1,6 +1,6 @@
 #include "utf8.h"
 
-#include <fmt/format.h>
+#include <fmt/core.h>
 
 #include "tool_error.h"
 

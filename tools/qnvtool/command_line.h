@@ -1,0 +1,86 @@
+// What a program understands on its command line: commands and their options, each described once. Parsing, --help,
+// the options part of the man page and the words of the shell completion all come from these descriptions.
+#pragma once
+
+#include <functional>
+#include <string>
+#include <variant>
+#include <vector>
+
+namespace qnv::tool {
+
+// Values that an option takes, and where the value given goes. A variable keeps its contents when the option is absent.
+struct Flag {
+  bool* given;
+};
+struct Text {
+  std::string* value;
+};
+struct Words {  // a positional argument that takes all that follow
+  std::vector<std::string>* values;
+};
+struct WholeNumber {
+  int* value;
+  int min, max;
+};
+struct Decimal {
+  double* value;
+  double min, max;
+};
+struct OneOf {
+  std::string* value;
+  std::vector<std::string> choices;
+};
+
+struct Option {
+  std::string names;        // "-o,--out"; without dashes: a positional argument
+  std::string placeholder;  // how help calls the value: "FILE"; empty for flags
+  std::string help;         // plain text; "(default X)" included
+  std::variant<Flag, Text, Words, WholeNumber, Decimal, OneOf> value;
+  std::string group = {};  // heading in help; empty: the general ones
+  bool required = false;
+  std::string excludes = {};     // name of an option of the same command, described earlier
+  std::string completions = {};  // for Text: words that complete it, separated by spaces
+  std::string fileTypes = {};    // for Text: extensions of files that complete it, "png|ppm"; "*": any file
+};
+
+struct Command {
+  std::string name;
+  std::string summary;
+  std::string footer = {};  // shown below the options in help
+  std::vector<Option> options;
+  std::function<void()> run;
+};
+
+struct Program {
+  std::string name;
+  std::string summary;
+  std::string version;  // empty: no --version
+  std::vector<Command> commands;
+};
+
+inline constexpr const char* kExitCodesHelp =
+    "Exit codes: 0 done, 1 wrong command line, 2 an input file cannot be used,\n"
+    "3 a result cannot be written, 4 the library cannot be loaded or refuses.\n";
+
+// Runs the command that the arguments name. "--generate completion" and "--generate man TEMPLATE", which the build of
+// the packages uses, write the shell completion, or the template with each line "@OPTIONS COMMAND@" replaced by the
+// options of the command, to standard output. Returns the program's exit code; when it is not 0, one line on standard
+// error says why.
+int RunProgram(const Program& program, int argc, char** argv);
+
+// The entries of a man page for the options of a command (troff), in the order and groups of --help.
+std::string ManOptions(const Command& command);
+
+// `page` with each line "@OPTIONS COMMAND@" replaced by ManOptions of that command.
+std::string FillManPage(const Program& program, const std::string& page);
+
+// A bash completion script for the program.
+std::string BashCompletion(const Program& program);
+
+// The number that `text` holds. Throws ToolError (usage) that names the option and the range for anything else:
+// other characters, nan, infinity, a value outside min..max.
+int ParseWholeNumber(const std::string& option, const std::string& text, int min, int max);
+double ParseDecimal(const std::string& option, const std::string& text, double min, double max);
+
+}  // namespace qnv::tool
