@@ -172,7 +172,7 @@ typedef struct FONTINFO {
   int16_t dfWeight;          /* 17  not read */
   uint8_t dfCharSet;         /* 19  not read */
   int16_t dfPixWidth;        /* 20  advance of every character of a fixed-pitch font */
-  int16_t dfPixHeight;       /* 22  rows of every glyph */
+  int16_t dfPixHeight;       /* 22  rows of every glyph; none when negative */
   uint8_t dfPitchAndFamily;  /* 24  bit 0x01: widths come from the character table */
   int16_t dfAvgWidth;        /* 25  not read */
   int16_t dfMaxWidth;        /* 27  not read */
@@ -184,7 +184,10 @@ typedef struct FONTINFO {
 
 #ifndef _WINGDI_
 /* The description of a device-independent bitmap: 40 bytes. Followed at byte biSize by the colour table (blue, green,
- * red, unused; 1, 4 and 8 bits), or at byte 40 by three masks (red, green, blue; 16 bits with BI_BITFIELDS). */
+ * red, unused; 1, 4 and 8 bits), or at byte 40 by three masks (red, green, blue; 16 bits with BI_BITFIELDS).
+ *
+ * Run-length data (BI_RLE8, BI_RLE4) has no length here: the host puts 260 + 2 * |biHeight| zero bytes behind the bytes
+ * of the document. Nothing farther is read, whatever the data holds; a last code of 0 1 alone is no such promise. */
 typedef struct BITMAPINFOHEADER {
   uint32_t biSize;  /* 40..4096 at 1, 4 and 8 bits, else refused; not read at the others */
   int32_t biWidth;  /* 1..32767, else refused */
@@ -344,10 +347,12 @@ uint32_t QNV_CALL QNVDevBitBlt(DeviceHandle *handle, int32_t destX, int32_t dest
  *
  *   OS_SCANLINES      count word pairs: (unused, y), then (left, right) ...
  *   OS_BANDED_SPANS   count records: n, top, bottom, n words (left, right) ..., n again
- *   OS_ROW_RECORDS    y, then count rows: n, n words (left, right) ...
+ *   OS_ROW_RECORDS    y, then count rows: n, n words (left, right) ...; an odd n reads one word more
  *   OS_ROW_SPANS      y, then count rows: left, right
  *   OS_BYTE_DELTAS    y, left, right, then a byte pair (dLeft, dRight) for each further row
  *   OS_NIBBLE_DELTAS  the same with one byte a row: low nibble dLeft, high nibble dRight, -8..7
+ *
+ * A negative n that leads before the list ends it.
  */
 uint32_t QNV_CALL QNVOutput(DeviceHandle *handle, uint32_t style, uint32_t count, const int16_t *points,
                             const PhysicalPen *pen, const PhysicalBrush *brush, const DRAWMODE *drawMode,
@@ -355,7 +360,8 @@ uint32_t QNV_CALL QNVOutput(DeviceHandle *handle, uint32_t style, uint32_t count
 
 /* Raster-font text; (x, y) is the top left of the first cell. `count` is taken as signed 16 bits: negative
  * measures |count| characters and draws no glyph. `charWidths`, when given, places the characters; `clip`
- * and `opaqueRect` may be null. Returns the advance, or (dfPixHeight << 16) | (advance & 0xFFFF) when
+ * and `opaqueRect` may be null. Codes of two-byte fonts index the character table unchecked: the host maps a
+ * document's codes to entries that the table has, or gives all 65,536 (393,216 bytes from byte 82 on). Returns the advance, or (dfPixHeight << 16) | (advance & 0xFFFF) when
  * measuring, which also writes drawMode->BreakErr. */
 int32_t QNV_CALL QNVDevExtTextOut(DeviceHandle *handle, int32_t x, int32_t y, const BandRect *clip,
                                   const void *string, int32_t count, const void *fontBase, uint32_t fontOffset,

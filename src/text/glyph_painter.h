@@ -38,6 +38,7 @@ struct GlyphSpan {
 // The pixels of a glyph's width or height that lie in [low, high). Ends beyond 32767 are cut there.
 constexpr GlyphSpan VisibleSpan(int32_t begin, int32_t size, int32_t low, int32_t high) {
   constexpr int32_t kFarthest = 32767;
+  if (size <= 0) return {low, low};  // a negative one could wrap to an end behind everything
   return {MaxOf(begin, low), std::min({WrapAdd(begin, size), kFarthest, high})};
 }
 
