@@ -6,13 +6,15 @@
 #   scripts/bench.sh --quick [BUILD...]      a look: few short samples; prints the tables, the document stays
 #   scripts/bench.sh --compare [BUILD...]    against the run before; the document stays
 #
-# What is measured once more beside each build stops at plain, SSE2 and SSSE3 kernels. Everything lies in build/bench:
+# Beside each build the same library is measured once more for each lower level of row kernels. Everything lies in build/bench:
 # BUILD.json, BUILD.csv, BUILD.txt, and from the run before BUILD.old.json. Nothing else should run meanwhile.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
 all_presets=(linux-x64 linux-x86 win32)
-levels=(plain sse2 ssse3)
+# The levels of row kernels, lowest first; the highest is what the full library takes.
+mapfile -t levels < <(sed -n 's/^ *X(\([a-z0-9]*\), k.*/\1/p' src/raster/rows/levels.h)
+unset 'levels[-1]'
 document=docs/benchmarks.md
 results=build/bench
 
@@ -44,26 +46,20 @@ library_of() {
   esac
 }
 
-level_macro() {
+# The library as a processor of a lower level of row kernels runs it: library_at PRESET LEVEL
+library_at() {
   case $1 in
-    plain) echo kPlain ;;
-    sse2) echo kSse2 ;;
-    ssse3) echo kSsse3 ;;
+    win32*) echo "build/bench/$1/bin/levels/$2/QNVDRV10.dll" ;;
+    *) echo "build/bench/$1/bin/levels/$2/libqnvdrv10.so" ;;
   esac
 }
 
-# build PRESET: the build that is measured, and the same with fewer instructions. Folders of their own, so that nobody
-# else's build is disturbed and no sanitizer or debug option slips in.
+# build PRESET: the build that is measured, and the same library stopping at each lower level. A folder of its own, so
+# that nobody else's build is disturbed and no sanitizer or debug option slips in.
 build() {
-  local preset=$1 tree=build/bench/$1 flags level
+  local preset=$1 tree=build/bench/$1
   cmake --preset "$preset" -B "$tree" -DQNV_TESTS=OFF -DQNV_TOOLS=OFF >"$results/build.log" 2>&1 &&
-    cmake --build "$tree" --target qnvdrv10 qnvbench >>"$results/build.log" 2>&1 || return 1
-  flags=$(sed -n 's/^CMAKE_CXX_FLAGS:[A-Z]*=//p' "$tree/CMakeCache.txt")
-  for level in "${levels[@]}"; do
-    cmake --preset "$preset" -B "$tree-$level" -DQNV_TESTS=OFF -DQNV_TOOLS=OFF \
-      -DCMAKE_CXX_FLAGS="$flags -DQNV_HIGHEST_LEVEL=$(level_macro "$level")" >>"$results/build.log" 2>&1 &&
-      cmake --build "$tree-$level" --target qnvdrv10 >>"$results/build.log" 2>&1 || return 1
-  done
+    cmake --build "$tree" --target qnvdrv10 qnvbench "${levels[@]/#/qnvdrv10_}" >>"$results/build.log" 2>&1
 }
 
 # run PRESET ARGUMENT...: the benchmark of that build
@@ -97,9 +93,9 @@ for preset in "${presets[@]}"; do
     tail -n 40 "$results/build.log" >&2
     fail "$preset could not be built"
   }
-  options=(--library "$(library_of "$preset")" --baseline "$(library_of "$preset-plain")")
+  options=(--library "$(library_of "$preset")" --baseline "$(library_at "$preset" "${levels[0]}")")
   for level in "${levels[@]:1}"; do
-    options+=(--level "$level=$(library_of "$preset-$level")")
+    options+=(--level "$level=$(library_at "$preset" "$level")")
   done
   report=$results/$preset.json
   if [ -n "$quick" ]; then
