@@ -1,10 +1,14 @@
-# Linux on arm64 by Debian's cross compiler: a processor for which only the plain row kernels exist. Tests run under
-# qemu's user mode emulation.
+# Linux on arm64: a processor for which only the plain row kernels exist. Tests run under qemu's user mode emulation.
+#
+# Clang with Debian's libraries and linker for that processor (libstdc++-12-dev-arm64-cross, libc6-dev-arm64-cross,
+# binutils-aarch64-linux-gnu): Debian's GCC for it cannot be installed beside g++-multilib, which linux-x86 needs.
 set(CMAKE_SYSTEM_NAME Linux)
 set(CMAKE_SYSTEM_PROCESSOR aarch64)
 
-set(CMAKE_C_COMPILER aarch64-linux-gnu-gcc)
-set(CMAKE_CXX_COMPILER aarch64-linux-gnu-g++)
+set(CMAKE_C_COMPILER clang)
+set(CMAKE_C_COMPILER_TARGET aarch64-linux-gnu)
+set(CMAKE_CXX_COMPILER clang++)
+set(CMAKE_CXX_COMPILER_TARGET aarch64-linux-gnu)
 
 set(CMAKE_FIND_ROOT_PATH /usr/aarch64-linux-gnu)
 set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
