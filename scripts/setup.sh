@@ -2,11 +2,11 @@
 # Installs the Debian packages that are missing, and says which. Quick and silent about the rest when none is.
 #
 #   scripts/setup.sh demo      what ./demo needs
-#   scripts/setup.sh check     also what ./check needs (32-bit and Windows compilers, test framework, package tools)
-#   scripts/setup.sh develop   also formatter, linter and fuzzer (the default)
+#   scripts/setup.sh check     also what ./check needs: 32-bit and Windows compilers, test framework, package tools,
+#                              formatter, linter, fuzzer, compiler cache (the default)
 set -euo pipefail
 
-mode=${1:-develop}
+mode=${1:-check}
 
 demo_packages=(
   cmake ninja-build g++ pkg-config
@@ -16,17 +16,14 @@ demo_packages=(
 check_packages=(
   binutils googletest g++-multilib g++-mingw-w64-i686-posix
   dpkg-dev unzip clang llvm lld
-)
-develop_packages=(
-  clang-tidy clang-format libclang-rt-dev
+  clang-tidy clang-format libclang-rt-dev ccache
 )
 
 case $mode in
   demo) wanted=("${demo_packages[@]}") ;;
   check) wanted=("${demo_packages[@]}" "${check_packages[@]}") ;;
-  develop) wanted=("${demo_packages[@]}" "${check_packages[@]}" "${develop_packages[@]}") ;;
   *)
-    echo "usage: scripts/setup.sh [demo|check|develop]" >&2
+    echo "usage: scripts/setup.sh [demo|check]" >&2
     exit 2
     ;;
 esac
