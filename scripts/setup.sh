@@ -2,7 +2,7 @@
 # Installs the Debian packages that are missing, and says which. Quick and silent about the rest when none is.
 #
 #   scripts/setup.sh demo      what ./demo needs
-#   scripts/setup.sh check     also what ./check needs: 32-bit and Windows compilers, test framework, package tools,
+#   scripts/setup.sh check     also what ./check needs: 32-bit, Windows and ARM compilers, test framework, package tools,
 #                              formatter, linter, fuzzer, compiler cache (the default)
 set -euo pipefail
 
@@ -13,10 +13,13 @@ demo_packages=(
   libpng-dev libfreetype-dev libfontconfig-dev libcli11-dev libfmt-dev
   fontconfig fonts-dejavu-core fonts-liberation2
 )
+# The multilib package of a version, because the one without conflicts with every cross compiler. What it lacks is the
+# link to the kernel's headers; the preset linux-x86 names their folder.
 check_packages=(
-  binutils googletest g++-multilib g++-mingw-w64-i686-posix
+  binutils googletest g++-12-multilib g++-mingw-w64-i686-posix
   dpkg-dev unzip clang llvm lld
   clang-tidy clang-format libclang-rt-dev ccache
+  g++-aarch64-linux-gnu qemu-user
 )
 
 case $mode in

@@ -15,7 +15,7 @@ tree=$cache/root
 ready=$cache/ready-1 # the number changes when the way of unpacking does
 
 # Wine itself, and what its text output opens at run time (with FreeType but without fontconfig it crashes at the
-# start). The C library for 32 bits comes with g++-multilib.
+# start). The C library for 32 bits comes with g++-12-multilib.
 packages=(
   libwine wine32 libz-mingw-w64 fonts-wine
   libfreetype6 libpng16-16 libbrotli1 zlib1g libfontconfig1 libexpat1
