@@ -19,7 +19,7 @@ void HatchCells(const uint8_t (&rows)[8], uint32_t line, uint32_t gap, uint32_t*
 uint32_t PatternCell(const uint8_t* row, int column, uint16_t depth) {
   switch (depth) {
     case 24: {
-      const uint8_t* pixel = row + 3 * column;
+      const uint8_t* pixel = row + std::ptrdiff_t{3} * column;
       return static_cast<uint32_t>(pixel[0] | pixel[1] << 8 | pixel[2] << 16) | kForeground;
     }
     case 8: return Replicated(row[column]) | kForeground;

@@ -81,7 +81,8 @@ class SpanLists {
   void Scanlines(SpanWords words, uint16_t count) {
     const int32_t y = MappedY(words.At(1));
     if (!RowInside(y)) return;
-    for (int32_t i = 1; i < count; ++i) PaintSpan(y, Clipped(words.At(2 * i), words.At(2 * i + 1)));
+    for (int32_t i = 1; i < count; ++i)
+      PaintSpan(y, Clipped(words.At(std::ptrdiff_t{2} * i), words.At(std::ptrdiff_t{2} * i + 1)));
   }
 
   // Records of n, top, bottom, n words, n again. The spans of a record hold for all its rows, so they are

@@ -52,7 +52,7 @@ PatternRow ReadPatternRow(const FillPattern& pattern, uint32_t row) {
     result.painted[0] = UINT32_MAX;
     return result;
   }
-  const uint32_t* const cells = pattern.brushCells + 8 * (pattern.height == 8 ? row : row / 2);
+  const uint32_t* const cells = pattern.brushCells + std::size_t{8} * (pattern.height == 8 ? row : row / 2);
   for (std::size_t i = 0; i < 8; ++i) {
     const Cell cell = ReadCell(pattern, cells[i]);
     result.colours[i] = cell.colour;

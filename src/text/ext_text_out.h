@@ -44,10 +44,10 @@ class TextRuns {
     const int32_t bytes = font_.IsTwoByte() ? 2 : 1;
     int32_t advance = 0;
     for (int32_t i = 0; i < n - 1; ++i) {
-      if (!onlyLast) Run(string + i * bytes, step, WrapAdd(x_, advance), paint);
+      if (!onlyLast) Run(string + std::ptrdiff_t{i} * bytes, step, WrapAdd(x_, advance), paint);
       advance = WrapAdd(advance, a_.charWidths[i]);
     }
-    return WrapAdd(Run(string + (n - 1) * bytes, step, WrapAdd(x_, advance), paint), advance);
+    return WrapAdd(Run(string + std::ptrdiff_t{n - 1} * bytes, step, WrapAdd(x_, advance), paint), advance);
   }
 
  private:

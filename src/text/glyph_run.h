@@ -86,7 +86,7 @@ int32_t RunTwoByte(const FontRecord& font, const uint8_t* string, int32_t count,
   const int32_t n = count < 0 ? -count : count;
   int32_t total = 0;
   for (int32_t i = 0; i < n; ++i) {
-    const uint16_t code = static_cast<uint16_t>(string[2 * i] | string[2 * i + 1] << 8);
+    const uint16_t code = static_cast<uint16_t>(string[std::ptrdiff_t{2} * i] | string[std::ptrdiff_t{2} * i + 1] << 8);
     const int32_t width = font.TableWidth(code);
     if (drawing && WrapAdd(x, firstCharWidth) >= 0) {
       paint(PlacedGlyph{font.Glyph(code), x, y, width, font.Height()});
