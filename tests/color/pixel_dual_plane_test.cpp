@@ -1,44 +1,26 @@
 // Single pixels on the dual-plane device: the colour plane as ever, the tag only where ink can replace what was there.
 #include <gtest/gtest.h>
 
+#include <iterator>
 #include <string>
+#include <vector>
 
 #include "support/plane_image.h"
 #include "support/tag_plane.h"
+#include "support/tag_rules.h"
 #include "support/test_device.h"
 #include "support/transfer_model.h"
 
 namespace qnv::test {
 namespace {
 
-enum class Mark { kAlways, kNever, kUnlessWhite, kUnlessBlack };
-
-struct Rop2Case {
-  const char* name;
-  uint16_t code;
-  Mark mark;
-};
-
-constexpr Rop2Case kRop2[] = {
-    {"R2_BLACK", 1, Mark::kAlways},
-    {"R2_NOTMERGEPEN", 2, Mark::kUnlessBlack},
-    {"R2_MASKNOTPEN", 3, Mark::kUnlessBlack},
-    {"R2_NOTCOPYPEN", 4, Mark::kAlways},
-    {"R2_MASKPENNOT", 5, Mark::kUnlessWhite},
-    {"R2_NOT", 6, Mark::kNever},
-    {"R2_XORPEN", 7, Mark::kNever},
-    {"R2_NOTMASKPEN", 8, Mark::kUnlessWhite},
-    {"R2_MASKPEN", 9, Mark::kUnlessWhite},
-    {"R2_NOTXORPEN", 10, Mark::kNever},
-    {"R2_NOP", 11, Mark::kNever},
-    {"R2_MERGENOTPEN", 12, Mark::kUnlessWhite},
-    {"R2_COPYPEN", 13, Mark::kAlways},
-    {"R2_MERGEPENNOT", 14, Mark::kUnlessBlack},
-    {"R2_MERGEPEN", 15, Mark::kUnlessBlack},
-    {"R2_WHITE", 16, Mark::kAlways},
-    {"0", 0, Mark::kAlways},
-    {"17", 17, Mark::kAlways},
-};
+// Codes that are none of the sixteen wrap around, and always mark.
+std::vector<Rop2Marking> AllCodes() {
+  std::vector<Rop2Marking> codes(std::begin(kRop2Markings), std::end(kRop2Markings));
+  codes.push_back({"0", 0, Marking::kAlways});
+  codes.push_back({"17", 17, Marking::kAlways});
+  return codes;
+}
 
 struct ColourCase {
   const char* name;
@@ -55,25 +37,16 @@ constexpr ColourCase kColours[] = {
     {"black with a top byte", 0x01000000},
 };
 
-bool Marks(Mark mark, uint32_t colour) {
-  switch (mark) {
-    case Mark::kAlways: return true;
-    case Mark::kNever: return false;
-    case Mark::kUnlessWhite: return colour != 0x00FFFFFF;
-    default: return colour != 0;
-  }
-}
-
 TEST(PixelDualPlane, TagRuleOfEveryOperation) {
-  for (const Rop2Case& r : kRop2) {
+  for (const Rop2Marking& r : AllCodes()) {
     for (const ColourCase& c : kColours) {
       SCOPED_TRACE(std::string(r.name) + ", " + c.name);
-      TestDevice device({.width = 5, .height = 3, .tagPlane = true});
-      MakeTagsMixed(&device, r.code);
+      DualPlaneDevice device({.width = 5, .height = 3});
+      MakeTagsMixed(&device, static_cast<uint64_t>(r.code));
       PlaneImage band = BandImage(device);
       PlaneImage tags = TagImage(device);
       DRAWMODE mode = MakeDrawMode();
-      mode.Rop2 = static_cast<int16_t>(r.code);
+      mode.Rop2 = r.code;
       EXPECT_EQ(0u, QNVPixel(device.handle(), 3, 1, c.colour, &mode, &kEverywhere));
       const uint8_t index = static_cast<uint8_t>(((r.code - 1) & 15) * 0x11);
       const PixelBytes pen = BandBytesOf(c.colour);
@@ -81,7 +54,7 @@ TEST(PixelDualPlane, TagRuleOfEveryOperation) {
       band.Set(
           3, 1,
           {Rop3Byte(index, 0, pen[0], old[0]), Rop3Byte(index, 0, pen[1], old[1]), Rop3Byte(index, 0, pen[2], old[2])});
-      if (Marks(r.mark, c.colour)) tags.Set(3, 1, {1, 0, 0});
+      if (Marks(r.marking, c.colour)) tags.Set(3, 1, {1, 0, 0});
       EXPECT_TRUE(BandShows(device, band));
       EXPECT_TRUE(TagsShow(device, tags));
     }
@@ -89,7 +62,7 @@ TEST(PixelDualPlane, TagRuleOfEveryOperation) {
 }
 
 TEST(PixelDualPlane, ReadingTagsNothing) {
-  TestDevice device({.width = 5, .height = 3, .tagPlane = true});
+  DualPlaneDevice device({.width = 5, .height = 3});
   MakeTagsMixed(&device, 4);
   PlaneImage band = BandImage(device);
   band.Set(4, 2, {0x11, 0x22, 0x33});
@@ -101,7 +74,7 @@ TEST(PixelDualPlane, ReadingTagsNothing) {
 }
 
 TEST(PixelDualPlane, UniformPlaneIsLeftAlone) {
-  TestDevice device({.width = 5, .height = 3, .tagPlane = true});
+  DualPlaneDevice device({.width = 5, .height = 3});
   device.Clear();
   PlaneImage band = BandImage(device);
   const PlaneImage tags = TagImage(device);
@@ -138,7 +111,7 @@ constexpr ClipCase kClips[] = {
 TEST(PixelDualPlane, BothPlanesAreClippedAlike) {
   for (const ClipCase& c : kClips) {
     SCOPED_TRACE(c.name);
-    TestDevice device({.width = 5, .height = 3, .left = 10, .top = 20, .tagPlane = true});
+    DualPlaneDevice device({.width = 5, .height = 3, .left = 10, .top = 20});
     MakeTagsMixed(&device, 5);
     device.SetOrigin(4, 6);
     PlaneImage band = BandImage(device);
@@ -155,7 +128,7 @@ TEST(PixelDualPlane, BothPlanesAreClippedAlike) {
 }
 
 TEST(PixelDualPlane, NullClipIsRefused) {
-  TestDevice device({.width = 5, .height = 3, .tagPlane = true});
+  DualPlaneDevice device({.width = 5, .height = 3});
   MakeTagsMixed(&device, 6);
   const PlaneImage band = BandImage(device);
   const PlaneImage tags = TagImage(device);

@@ -52,13 +52,7 @@ constexpr ClipCase kClips[] = {
 TEST(PixelScaled, ClippedBeforeScaling) {
   for (const ClipCase& c : kClips) {
     SCOPED_TRACE(c.name);
-    TestDevice device({.kind = QNV_KIND_SCALED,
-                       .width = 6,
-                       .height = 4,
-                       .resolutionA = 720,
-                       .resolutionB = 360,
-                       .left = 10,
-                       .top = 20});
+    ScaledDevice device({.width = 6, .height = 4, .resolutionA = 720, .resolutionB = 360, .left = 10, .top = 20});
     device.SetOrigin(2, 4);
     PlaneImage expected = BandImage(device);
     const DRAWMODE mode = ModeOf(R2_COPYPEN);
@@ -73,7 +67,7 @@ TEST(PixelScaled, EveryBinaryOperationInColour) {
   for (uint16_t bits : {uint16_t{24}, uint16_t{8}}) {
     for (uint16_t code = 0; code <= 17; ++code) {
       SCOPED_TRACE("code " + std::to_string(code) + ", " + std::to_string(bits) + " bits");
-      TestDevice device({.kind = QNV_KIND_SCALED, .bitsPerPixel = bits, .width = 5, .height = 3});
+      ScaledDevice device({.bitsPerPixel = bits, .width = 5, .height = 3});
       PlaneImage expected = BandImage(device);
       expected.Set(4, 2, {0xAA, 0x0A, 0xA0});
       LoadBand(&device, expected);
@@ -91,7 +85,7 @@ TEST(PixelScaled, EveryBinaryOperationInColour) {
 TEST(PixelScaled, GrayModeGraysEveryPixelItWrites) {
   for (uint16_t code = 0; code <= 17; ++code) {
     SCOPED_TRACE(code);
-    TestDevice device({.kind = QNV_KIND_SCALED, .bitsPerPixel = 0, .width = 4, .height = 2});
+    ScaledDevice device({.bitsPerPixel = 0, .width = 4, .height = 2});
     PlaneImage expected = BandImage(device);
     expected.Set(3, 1, {0xAA, 0x0A, 0xA0});
     LoadBand(&device, expected);
@@ -125,7 +119,7 @@ constexpr GrayCase kGrays[] = {
 TEST(PixelScaled, GrayLevels) {
   for (const GrayCase& c : kGrays) {
     SCOPED_TRACE(c.name);
-    TestDevice device({.kind = QNV_KIND_SCALED, .bitsPerPixel = 0, .width = 4, .height = 2});
+    ScaledDevice device({.bitsPerPixel = 0, .width = 4, .height = 2});
     PlaneImage expected = BandImage(device);
     const DRAWMODE mode = ModeOf(R2_COPYPEN);
     EXPECT_EQ(0u, QNVPixel(device.handle(), 2, 1, c.colour, &mode, &kEverywhere));
@@ -136,7 +130,7 @@ TEST(PixelScaled, GrayLevels) {
 }
 
 TEST(PixelScaled, GrayModeReadsWithoutGraying) {
-  TestDevice device({.kind = QNV_KIND_SCALED, .bitsPerPixel = 0, .width = 4, .height = 2});
+  ScaledDevice device({.bitsPerPixel = 0, .width = 4, .height = 2});
   PlaneImage band = BandImage(device);
   band.Set(3, 1, {0x11, 0x22, 0x33});
   LoadBand(&device, band);
@@ -145,7 +139,7 @@ TEST(PixelScaled, GrayModeReadsWithoutGraying) {
 }
 
 TEST(PixelScaled, NullClipIsRefused) {
-  TestDevice device({.kind = QNV_KIND_SCALED, .width = 6, .height = 4});
+  ScaledDevice device({.width = 6, .height = 4});
   const PlaneImage before = BandImage(device);
   const DRAWMODE mode = ModeOf(R2_COPYPEN);
   EXPECT_EQ(0u, QNVPixel(device.handle(), 1, 1, 0x00070707, &mode, nullptr));

@@ -120,7 +120,7 @@ TEST(PolyPixel, EndsAtTheLastCoordinate) {
 
 // Two page pixels share a band pixel: each of them inverts it.
 TEST(PolyPixel, ScaledDeviceVisitsPagePixels) {
-  TestDevice device({.kind = QNV_KIND_SCALED, .width = 9, .height = 8, .resolutionA = 720, .resolutionB = 360});
+  ScaledDevice device({.width = 9, .height = 8, .resolutionA = 720, .resolutionB = 360});
   FillWithNoise(&device.band(), 8);
   PlaneImage expected = BandImage(device);
   DRAWMODE mode = MakeDrawMode();
@@ -134,7 +134,7 @@ TEST(PolyPixel, ScaledDeviceVisitsPagePixels) {
 }
 
 TEST(PolyPixel, GrayModeGraysEachPixel) {
-  TestDevice device({.kind = QNV_KIND_SCALED, .bitsPerPixel = 0, .width = 9, .height = 8});
+  ScaledDevice device({.bitsPerPixel = 0, .width = 9, .height = 8});
   PlaneImage expected = BandImage(device);
   const DRAWMODE mode = MakeDrawMode();
   EXPECT_EQ(0u, QNVPolyPixel(device.handle(), 2, 1, 7, 6, 0x000000FF, &mode, &kEverywhere));
@@ -143,7 +143,7 @@ TEST(PolyPixel, GrayModeGraysEachPixel) {
 }
 
 TEST(PolyPixel, DualPlaneTagsEachPixel) {
-  TestDevice device({.width = 9, .height = 8, .tagPlane = true});
+  DualPlaneDevice device({.width = 9, .height = 8});
   MakeTagsMixed(&device, 9);
   PlaneImage band = BandImage(device);
   PlaneImage tags = TagImage(device);

@@ -62,9 +62,7 @@ TEST(BandGeometry, WholeBandAtEveryWidth) {
       expected.Fill({0, 0, expected.columns(), 3}, {0xFF, 0xFF, 0xFF});
       const DRAWMODE mode = MakeDrawMode();
       EXPECT_EQ(
-          1u,
-          Transfer(device.handle(),
-                   {.destX = -100, .destY = -100, .width = 300, .height = 300, .rop = WHITENESS, .drawMode = &mode}));
+          1u, Transfer(device.handle(), {.at = {-100, -100}, .size = {300, 300}, .rop = WHITENESS, .drawMode = &mode}));
       EXPECT_TRUE(BandShows(device, expected));
     }
   }
@@ -139,21 +137,14 @@ TEST(BandGeometry, ExtremeCoordinatesStayInsideTheBand) {
           for (const BandRect* c : {&clip, &kEverywhere}) {
             QNVPixel(device.handle(), a, b, 0, &mode, c);
             QNVPixel(device.handle(), a, b, 0, nullptr, c);
-            EXPECT_EQ(1u, Transfer(device.handle(), {.destX = a,
-                                                     .destY = b,
-                                                     .width = b,
-                                                     .height = a,
-                                                     .rop = PATCOPY,
-                                                     .brush = &brush,
-                                                     .drawMode = &mode,
-                                                     .clip = c}));
-            EXPECT_EQ(1u, Transfer(device.handle(), {.destX = a,
-                                                     .destY = a,
+            EXPECT_EQ(
+                1u, Transfer(
+                        device.handle(),
+                        {.at = {a, b}, .size = {b, a}, .rop = PATCOPY, .brush = &brush, .drawMode = &mode, .clip = c}));
+            EXPECT_EQ(1u, Transfer(device.handle(), {.at = {a, a},
                                                      .source = &source,
-                                                     .srcX = b,
-                                                     .srcY = origin,
-                                                     .width = b,
-                                                     .height = b,
+                                                     .from = {b, origin},
+                                                     .size = {b, b},
                                                      .rop = SRCCOPY,
                                                      .drawMode = &mode,
                                                      .clip = c}));

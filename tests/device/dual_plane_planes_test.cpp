@@ -39,10 +39,8 @@ void DrawSpan(const TestDevice& device, int32_t x, int32_t y) {
 void DrawTransfer(const TestDevice& device, int32_t x, int32_t y) {
   const DRAWMODE mode = MakeDrawMode();
   const PhysicalBrush brush = SolidBrush(device.handle(), 0x010203);
-  EXPECT_EQ(
-      1u,
-      Transfer(device.handle(),
-               {.destX = x, .destY = y, .width = 1, .height = 1, .rop = PATCOPY, .brush = &brush, .drawMode = &mode}));
+  EXPECT_EQ(1u, Transfer(device.handle(),
+                         {.at = {x, y}, .size = {1, 1}, .rop = PATCOPY, .brush = &brush, .drawMode = &mode}));
 }
 
 constexpr DrawingCase kDrawings[] = {
@@ -146,7 +144,7 @@ TEST(DualPlane, OtherDepthsStayInsideTheirPlanes) {
   for (uint16_t bits : {uint16_t{8}, uint16_t{16}, uint16_t{32}, uint16_t{0}}) {
     for (bool mixed : {false, true}) {
       SCOPED_TRACE(std::to_string(bits) + " bits" + (mixed ? ", tags mixed" : ""));
-      TestDevice device({.bitsPerPixel = bits, .width = 9, .height = 5, .tagPlane = true});
+      DualPlaneDevice device({.bitsPerPixel = bits, .width = 9, .height = 5});
       if (mixed) PaintOnePixelImage(device.handle(), 0, 0);
       for (const DrawingCase& c : kDrawings) {
         for (int32_t y = -1; y <= 5; ++y) {
@@ -162,14 +160,9 @@ TEST(DualPlane, OtherDepthsStayInsideTheirPlanes) {
       const SourceBitmap oneBit{0, 12, 8, 2, 1, 1, bitRows};
       for (uint32_t index = 0; index < 256; ++index) {
         for (const SourceBitmap* s : {&source, &oneBit}) {
-          Transfer(device.handle(), {.destX = -1,
-                                     .destY = -1,
-                                     .source = s,
-                                     .width = 12,
-                                     .height = 8,
-                                     .rop = index << 16,
-                                     .brush = &brush,
-                                     .drawMode = &mode});
+          Transfer(
+              device.handle(),
+              {.at = {-1, -1}, .source = s, .size = {12, 8}, .rop = index << 16, .brush = &brush, .drawMode = &mode});
         }
       }
       EXPECT_TRUE(device.FencesIntact()) << "transfers";

@@ -77,13 +77,12 @@ TEST(ScaledCoordinates, PixelsAreRoundedToTheNearest) {
   const DRAWMODE mode = MakeDrawMode();
   for (const RoundedCase& c : kRounded) {
     SCOPED_TRACE(Describe(c.resolutions) + ", page " + std::to_string(c.page));
-    TestDevice device({.kind = QNV_KIND_SCALED,
-                       .width = 45,
-                       .height = 45,
-                       .resolutionA = c.resolutions.a,
-                       .resolutionB = c.resolutions.b,
-                       .left = -22,
-                       .top = -22});
+    ScaledDevice device({.width = 45,
+                         .height = 45,
+                         .resolutionA = c.resolutions.a,
+                         .resolutionB = c.resolutions.b,
+                         .left = -22,
+                         .top = -22});
     PlaneImage expected = BandImage(device);
     QNVPixel(device.handle(), c.page, c.page, 0x010203, &mode, &kEverywhere);
     expected.Set(c.band + 22, c.band + 22, {1, 2, 3});
@@ -135,16 +134,13 @@ TEST(ScaledCoordinates, TransfersKeepOrDropWholeRowsAndColumns) {
     for (int32_t y = 0; y < count; ++y) {
       for (int32_t x = 0; x < count; ++x) {
         SCOPED_TRACE(Describe(c.resolutions) + ", page (" + std::to_string(x) + ", " + std::to_string(y) + ")");
-        TestDevice device({.kind = QNV_KIND_SCALED,
-                           .width = 16,
-                           .height = 16,
-                           .resolutionA = c.resolutions.a,
-                           .resolutionB = c.resolutions.b});
+        ScaledDevice device(
+            {.width = 16, .height = 16, .resolutionA = c.resolutions.a, .resolutionB = c.resolutions.b});
         PlaneImage expected = BandImage(device);
         const int32_t column = c.band[static_cast<std::size_t>(x)];
         const int32_t row = c.band[static_cast<std::size_t>(y)];
         if (column >= 0 && row >= 0) expected.Set(column, row, {0, 0, 0});
-        EXPECT_EQ(1u, Transfer(device.handle(), {.destX = x, .destY = y, .width = 1, .height = 1, .rop = BLACKNESS}));
+        EXPECT_EQ(1u, Transfer(device.handle(), {.at = {x, y}, .size = {1, 1}, .rop = BLACKNESS}));
         EXPECT_TRUE(BandShows(device, expected));
       }
     }
@@ -172,7 +168,7 @@ TEST(ScaledCoordinates, WholeRowsOverSeveralPeriods) {
   for (const Resolutions& r : kPairs) {
     for (uint32_t width : {1u, 2u, 5u, 34u, 301u}) {
       SCOPED_TRACE(Describe(r) + ", width " + std::to_string(width));
-      TestDevice device({.kind = QNV_KIND_SCALED, .width = width, .height = 1, .resolutionA = r.a, .resolutionB = r.b});
+      ScaledDevice device({.width = width, .height = 1, .resolutionA = r.a, .resolutionB = r.b});
       FillWithNoise(&device.band(), width);
       PlaneImage expected = BandImage(device);
       const std::vector<bool> kept = KeptOfPeriod(r);
@@ -183,7 +179,7 @@ TEST(ScaledCoordinates, WholeRowsOverSeveralPeriods) {
           expected.Set(static_cast<int32_t>(column), 0, {0, 0, 0});
         }
       }
-      EXPECT_EQ(1u, Transfer(device.handle(), {.width = 10000, .height = 1, .rop = BLACKNESS}));
+      EXPECT_EQ(1u, Transfer(device.handle(), {.size = {10000, 1}, .rop = BLACKNESS}));
       EXPECT_TRUE(BandShows(device, expected));
     }
   }
@@ -191,21 +187,21 @@ TEST(ScaledCoordinates, WholeRowsOverSeveralPeriods) {
 
 // Eight page columns and rows belong to a band of five at 600 to 400; the last kept one would round to a sixth.
 TEST(ScaledCoordinates, NothingLandsOnePastTheBand) {
-  TestDevice device({.kind = QNV_KIND_SCALED, .width = 5, .height = 5, .resolutionA = 600, .resolutionB = 400});
+  ScaledDevice device({.width = 5, .height = 5, .resolutionA = 600, .resolutionB = 400});
   PlaneImage expected = BandImage(device);
   expected.Fill({0, 0, 5, 5}, {0, 0, 0});
-  EXPECT_EQ(1u, Transfer(device.handle(), {.width = 8, .height = 8, .rop = BLACKNESS}));
+  EXPECT_EQ(1u, Transfer(device.handle(), {.size = {8, 8}, .rop = BLACKNESS}));
   EXPECT_TRUE(BandShows(device, expected));
 }
 
 // The rounding has a place for the pixel past the band that is given, but the buffer goes on there: it is dropped.
 TEST(ScaledCoordinates, NothingLandsOnePastASmallerBandRect) {
-  TestDevice device({.kind = QNV_KIND_SCALED, .width = 12, .height = 12, .resolutionA = 600, .resolutionB = 400});
+  ScaledDevice device({.width = 12, .height = 12, .resolutionA = 600, .resolutionB = 400});
   const BandRect small{0, 0, 5, 5};
   QNVControl(device.handle(), QNV_SET_BAND_RECT, &small, nullptr);
   PlaneImage expected = BandImage(device);
   expected.Fill({0, 0, 5, 5}, {0, 0, 0});
-  EXPECT_EQ(1u, Transfer(device.handle(), {.width = 100, .height = 100, .rop = BLACKNESS}));
+  EXPECT_EQ(1u, Transfer(device.handle(), {.size = {100, 100}, .rop = BLACKNESS}));
   EXPECT_TRUE(BandShows(device, expected));
 }
 

@@ -29,7 +29,7 @@ Options& TheOptions() {
   return options;
 }
 
-class GoldenScene : public testing::TestWithParam<Scene> {};
+class GoldenScene : public testing::TestWithParam<PaintedScene> {};
 
 void Compare(const ScenePicture& scene) {
   const Options& options = TheOptions();
@@ -64,13 +64,15 @@ TEST_P(GoldenScene, LooksAsAccepted) {
 }
 
 INSTANTIATE_TEST_SUITE_P(All, GoldenScene, testing::ValuesIn(AllScenes()),
-                         [](const testing::TestParamInfo<Scene>& scene) { return std::string(scene.param.name); });
+                         [](const testing::TestParamInfo<PaintedScene>& scene) {
+                           return std::string(scene.param.name);
+                         });
 
 // No picture lies about that nothing paints.
 TEST(GoldenPictures, BelongToAScene) {
   if (TheOptions().accept) GTEST_SKIP() << "the pictures are being written";
   std::set<std::string> known;
-  for (const Scene& scene : AllScenes()) {
+  for (const PaintedScene& scene : AllScenes()) {
     for (const ScenePicture& picture : scene.paint()) known.insert(picture.name + PictureSuffix(picture.picture));
   }
   std::set<std::string> found;

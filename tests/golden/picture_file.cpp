@@ -1,3 +1,4 @@
+// Reads and writes picture files, and says where two pictures differ.
 #include "golden/picture_file.h"
 
 #include <cstdio>

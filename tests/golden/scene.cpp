@@ -1,3 +1,4 @@
+// What the scenes share: letters, captions, rectangles, the generated photograph, planes as pictures.
 #include "golden/scene.h"
 
 #include <algorithm>
@@ -148,8 +149,8 @@ std::vector<uint32_t> PhotoTable(uint16_t bitCount) {
 
 }  // namespace
 
-const std::vector<Scene>& AllScenes() {
-  static const std::vector<Scene> scenes = {
+const std::vector<PaintedScene>& AllScenes() {
+  static const std::vector<PaintedScene> scenes = {
       {"hatches_and_patterns", PaintHatchesAndPatterns},
       {"rop2_bars", PaintRop2Bars},
       {"span_encodings", PaintSpanEncodings},
@@ -167,12 +168,12 @@ const std::vector<Scene>& AllScenes() {
 }
 
 Picture BandPicture(const TestDevice& device) {
-  const PicturePlane plane = CurrentBand(device);
+  const PlaneImage plane = BandImage(device);
   EXPECT_TRUE(device.FencesIntact());
-  Picture picture{plane.width, plane.height, plane.bytesPerPixel, {}};
-  for (uint32_t row = 0; row < plane.height; ++row) {
-    for (uint32_t column = 0; column < plane.width; ++column) {
-      const uint32_t colour = plane.Get(column, row);
+  Picture picture{device.options().width, device.options().height, static_cast<uint32_t>(plane.bytesPerPixel()), {}};
+  for (uint32_t row = 0; row < device.options().height; ++row) {
+    for (uint32_t column = 0; column < device.options().width; ++column) {
+      const uint32_t colour = plane.Color(column, row);
       picture.bytes.push_back(static_cast<uint8_t>(colour));
       if (picture.channels == 1) continue;
       picture.bytes.push_back(static_cast<uint8_t>(colour >> 8));
@@ -183,11 +184,11 @@ Picture BandPicture(const TestDevice& device) {
 }
 
 Picture TagPicture(const TestDevice& device) {
-  const PicturePlane plane = CurrentTags(device);
-  Picture picture{plane.width, plane.height, 1, {}};
-  for (uint32_t row = 0; row < plane.height; ++row) {
-    for (uint32_t column = 0; column < plane.width; ++column) {
-      picture.bytes.push_back(static_cast<uint8_t>(plane.Get(column, row) * 85));
+  const PlaneImage plane = TagImage(device);
+  Picture picture{device.options().width, device.options().height, 1, {}};
+  for (uint32_t row = 0; row < device.options().height; ++row) {
+    for (uint32_t column = 0; column < device.options().width; ++column) {
+      picture.bytes.push_back(static_cast<uint8_t>(plane.Color(column, row) * 85));
     }
   }
   return picture;

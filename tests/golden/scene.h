@@ -18,14 +18,14 @@ struct ScenePicture {
   Picture picture;
 };
 
-struct Scene {
+struct PaintedScene {
   const char* name;
   std::vector<ScenePicture> (*paint)();
 };
 
-inline void PrintTo(const Scene& scene, std::ostream* out) { *out << scene.name; }
+inline void PrintTo(const PaintedScene& scene, std::ostream* out) { *out << scene.name; }
 
-const std::vector<Scene>& AllScenes();
+const std::vector<PaintedScene>& AllScenes();
 
 std::vector<ScenePicture> PaintHatchesAndPatterns();
 std::vector<ScenePicture> PaintRop2Bars();

@@ -33,12 +33,11 @@ void PaintPage(const TestDevice& device) {
 }
 
 Picture MappedPage(uint16_t bitsPerPixel, uint16_t resolutionA, uint16_t resolutionB) {
-  TestDevice device({.kind = QNV_KIND_SCALED,
-                     .bitsPerPixel = bitsPerPixel,
-                     .width = 160u * resolutionB / resolutionA,
-                     .height = 120u * resolutionB / resolutionA,
-                     .resolutionA = resolutionA,
-                     .resolutionB = resolutionB});
+  ScaledDevice device({.bitsPerPixel = bitsPerPixel,
+                       .width = 160u * resolutionB / resolutionA,
+                       .height = 120u * resolutionB / resolutionA,
+                       .resolutionA = resolutionA,
+                       .resolutionB = resolutionB});
   device.Clear();
   PaintPage(device);
   return BandPicture(device);
@@ -54,7 +53,7 @@ std::vector<ScenePicture> PaintMappedPages() {
 }
 
 std::vector<ScenePicture> PaintDualPlanePage() {
-  TestDevice device({.width = 160, .height = 120, .tagPlane = true});
+  DualPlaneDevice device({.width = 160, .height = 120});
   device.Clear();
   // Before any image nothing is tagged; afterwards everything is.
   Caption(device, 4, 2, "FIRST TEXT");

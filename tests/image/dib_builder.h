@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "output/band_picture.h"
+#include "support/plane_image.h"
 
 namespace qnv::test {
 

@@ -10,13 +10,7 @@ namespace qnv::test {
 
 inline constexpr uint32_t kImageColumns = 13;
 inline constexpr uint32_t kImageRows = 6;
-inline constexpr const char* kNoImage =
-    "............."
-    "............."
-    "............."
-    "............."
-    "............."
-    ".............";
+inline constexpr const char* kNoImage = ".............";
 
 inline constexpr const char* kFourByThree =
     "abcd"

@@ -14,25 +14,13 @@ TEST(ImageMapping, SourceRectangles) {
            .picture = "............."
                       ".abcd........"
                       ".efgh........"
-                      ".ijkl........"
-                      "............."
-                      "............."},
+                      ".ijkl........"},
           {.name = "two columns of two stored rows",
            .place = {2, 1, 2, 2, 1, 1, 2, 2},
            .picture = "............."
                       "..bc........."
-                      "..fg........."
-                      "............."
-                      "............."
-                      "............."},
-          {.name = "stored row 0 is the bottom row",
-           .place = {0, 0, 4, 1, 0, 0, 4, 1},
-           .picture = "ijkl........."
-                      "............."
-                      "............."
-                      "............."
-                      "............."
-                      "............."},
+                      "..fg........."},
+          {.name = "stored row 0 is the bottom row", .place = {0, 0, 4, 1, 0, 0, 4, 1}, .picture = "ijkl........."},
           {.name = "one pixel",
            .place = {12, 5, 1, 1, 2, 1, 1, 1},
            .picture = "............."
@@ -45,34 +33,21 @@ TEST(ImageMapping, SourceRectangles) {
            .place = {0, 0, 4, 3, 2, 0, 4, 3},
            .picture = "cd..........."
                       "gh..........."
-                      "kl..........."
-                      "............."
-                      "............."
-                      "............."},
+                      "kl..........."},
           {.name = "columns left of the image take its first column",
            .place = {0, 0, 4, 3, -2, 0, 4, 3},
            .picture = "aaab........."
                       "eeef........."
-                      "iiij........."
-                      "............."
-                      "............."
-                      "............."},
+                      "iiij........."},
           {.name = "rows above the image take its first row",
            .place = {0, 0, 4, 3, 0, 1, 4, 3},
            .picture = "abcd........."
                       "abcd........."
-                      "efgh........."
-                      "............."
-                      "............."
-                      "............."},
+                      "efgh........."},
           {.name = "rows below the image are not painted",
            .place = {0, 0, 4, 3, 0, -1, 4, 3},
            .picture = "efgh........."
-                      "ijkl........."
-                      "............."
-                      "............."
-                      "............."
-                      "............."},
+                      "ijkl........."},
           {.name = "a source rectangle twice the image",
            .place = {0, 0, 8, 6, 0, 0, 8, 6},
            .picture = "abcd........."
@@ -93,18 +68,12 @@ TEST(ImageMapping, SourceRectangles) {
            .place = {0, 0, 4, 3, 0, 2, 4, 0},
            .picture = "efgh........."
                       "efgh........."
-                      "efgh........."
-                      "............."
-                      "............."
-                      "............."},
+                      "efgh........."},
           {.name = "no source width: the column before srcX fills the width",
            .place = {0, 0, 4, 3, 3, 0, 0, 3},
            .picture = "cccc........."
                       "gggg........."
-                      "kkkk........."
-                      "............."
-                      "............."
-                      "............."},
+                      "kkkk........."},
       },
       {8, 24}, {false});
 }
@@ -117,37 +86,25 @@ TEST(ImageMapping, ClipBandAndOrigin) {
            .picture = "............."
                       "............."
                       "..fg........."
-                      "..jk........."
-                      "............."
-                      ".............",
+                      "..jk.........",
            .clip = {2, 2, 4, 4}},
           {.name = "clip starts within enlarged pixels",
            .place = {0, 0, 8, 6, 0, 0, 4, 3},
            .picture = "............."
                       "...bcc......."
                       "...fgg......."
-                      "...fgg......."
-                      "............."
-                      ".............",
+                      "...fgg.......",
            .clip = {3, 1, 6, 4}},
           {.name = "band elsewhere on the page",
            .place = {98, 49, 4, 3, 0, 0, 4, 3},
            .picture = "gh..........."
-                      "kl..........."
-                      "............."
-                      "............."
-                      "............."
-                      ".............",
+                      "kl...........",
            .bandLeft = 100,
            .bandTop = 50},
           {.name = "band at negative coordinates",
            .place = {-6, -4, 4, 3, 0, 0, 4, 3},
            .picture = "fgh.........."
-                      "jkl.........."
-                      "............."
-                      "............."
-                      "............."
-                      ".............",
+                      "jkl..........",
            .bandLeft = -5,
            .bandTop = -3},
           {.name = "the origin moves image and clip",
@@ -156,8 +113,7 @@ TEST(ImageMapping, ClipBandAndOrigin) {
                       "............."
                       "............."
                       "......bcd...."
-                      "......fgh...."
-                      ".............",
+                      "......fgh....",
            .clip = {2, 0, 9, 3},
            .originX = 4,
            .originY = 2},
@@ -173,10 +129,7 @@ TEST(ImageMapping, ClipBandAndOrigin) {
            .place = {1, 1, 8, 3, 0, 0, 4, 3},
            .picture = "............."
                       "............."
-                      "......g......"
-                      "............."
-                      "............."
-                      ".............",
+                      "......g......",
            .clip = {6, 2, 7, 3}},
       },
       {8, 24}, {false, true});
@@ -188,16 +141,16 @@ TEST(ImageMapping, AcrossBands) {
   const ImagePlace place{1, 1, 12, 9, 0, 0, 4, 3};
   TestDevice whole({.width = 15, .height = 12});
   ASSERT_EQ(1u, Stretch(whole, dib, place));
-  const PicturePlane page = CurrentBand(whole);
+  const PlaneImage page = BandImage(whole);
   for (uint32_t bandRows : {1u, 2u, 5u}) {
     for (uint32_t top = 0; top < 12; top += bandRows) {
       TestDevice band({.width = 15, .height = bandRows, .top = static_cast<int32_t>(top)});
       Stretch(band, dib, place);
-      PicturePlane expected = UntouchedBand(band);
+      PlaneImage expected = UntouchedBand(band);
       for (uint32_t row = 0; row < bandRows && top + row < 12; ++row) {
-        for (uint32_t column = 0; column < 15; ++column) expected.Put(column, row, page.Get(column, top + row));
+        for (uint32_t column = 0; column < 15; ++column) expected.SetColor(column, row, page.Color(column, top + row));
       }
-      EXPECT_TRUE(SamePlane(expected, CurrentBand(band))) << "band of " << bandRows << " rows at " << top;
+      EXPECT_TRUE(SameImage(expected, BandImage(band))) << "band of " << bandRows << " rows at " << top;
     }
   }
 }

@@ -76,17 +76,15 @@ TEST(GeneralOperation, EqualsTheOperationOfItsIndex) {
       const int32_t clipY = static_cast<int32_t>(random.Below(20)) - 8;
       const BandRect clip =
           random.Below(3) == 0 ? BandRect{0, 0, 0, 0} : BandRect{clipX, clipY, clipX + 25, clipY + 14};
-      TransferCall call{.destX = static_cast<int32_t>(random.Below(60)) - 12,
-                        .destY = static_cast<int32_t>(random.Below(30)) - 8,
-                        .source = random.Below(2) == 0 ? oneBit.record() : other.record(),
-                        .srcX = static_cast<int32_t>(random.Below(40)) - 6,
-                        .srcY = static_cast<int32_t>(random.Below(30)) - 6,
-                        .width = static_cast<int32_t>(random.Below(60)),
-                        .height = static_cast<int32_t>(random.Below(25)),
-                        .rop = uint32_t{index} << 16,
-                        .brush = &brush,
-                        .drawMode = &mode,
-                        .clip = random.Below(4) == 0 ? &kEverywhere : &clip};
+      TransferCall call{
+          .at = {static_cast<int32_t>(random.Below(60)) - 12, static_cast<int32_t>(random.Below(30)) - 8},
+          .source = random.Below(2) == 0 ? oneBit.record() : other.record(),
+          .from = {static_cast<int32_t>(random.Below(40)) - 6, static_cast<int32_t>(random.Below(30)) - 6},
+          .size = {static_cast<int32_t>(random.Below(60)), static_cast<int32_t>(random.Below(25))},
+          .rop = uint32_t{index} << 16,
+          .brush = &brush,
+          .drawMode = &mode,
+          .clip = random.Below(4) == 0 ? &kEverywhere : &clip};
       const uint32_t result = Transfer(special.handle(), call);
       call.rop |= 0x01000000u << random.Below(8);
       ASSERT_EQ(result, Transfer(general.handle(), call));

@@ -17,9 +17,7 @@ TEST(BandedSpans, Lists) {
                     .picture = "............."
                                ".##.....###.."
                                ".##.....###.."
-                               ".##.....###.."
-                               "............."
-                               "............."},
+                               ".##.....###.."},
                    {.name = "two records",
                     .count = 2,
                     .words = {2, 0, 1, 0, 2, 2, /**/ 4, 4, 6, 3, 4, 12, 13, 4},
@@ -36,17 +34,11 @@ TEST(BandedSpans, Lists) {
                                "............."
                                "...###......."
                                "..####......."
-                               "..##........."
-                               "............."},
+                               "..##........."},
                    {.name = "a record above the band is stepped over whole",
                     .count = 2,
                     .words = {4, -9, 0, 0, 5, 6, 9, 4, /**/ 2, 0, 1, 5, 7, 2},
-                    .picture = ".....##......"
-                               "............."
-                               "............."
-                               "............."
-                               "............."
-                               "............."},
+                    .picture = ".....##......"},
                    {.name = "a record below the band does not end the list",
                     .count = 2,
                     .words = {2, 6, 9, 0, 5, 2, /**/ 2, 5, 9, 5, 7, 2},
@@ -70,39 +62,22 @@ TEST(BandedSpans, Lists) {
                    {.name = "a record without spans",
                     .count = 2,
                     .words = {0, 0, 6, 0, /**/ 2, 0, 1, 3, 4, 2},
-                    .picture = "...#........."
-                               "............."
-                               "............."
-                               "............."
-                               "............."
-                               "............."},
+                    .picture = "...#........."},
                    {.name = "empty and reversed spans paint nothing",
                     .count = 1,
                     .words = {6, 0, 2, 3, 3, 9, 5, 7, 8, 6},
                     .picture = ".......#....."
-                               ".......#....."
-                               "............."
-                               "............."
-                               "............."
-                               "............."},
+                               ".......#....."},
                    {.name = "an odd n takes the repeated n as the last right end",
                     .count = 1,
                     .words = {3, 0, 1, 0, 1, 2, 3},
-                    .picture = "#.#.........."
-                               "............."
-                               "............."
-                               "............."
-                               "............."
-                               "............."},
+                    .picture = "#.#.........."},
                    {.name = "the step is n + 4 words after an odd n too",
                     .count = 2,
                     .words = {1, 0, 1, 0, 1, /**/ 2, 2, 3, 4, 5, 2},
                     .picture = "#............"
                                "............."
-                               "....#........"
-                               "............."
-                               "............."
-                               "............."},
+                               "....#........"},
                    {.name = "count 0", .count = 0, .words = {2, 0, 6, 0, 13, 2}, .picture = kEmptySpanPicture},
                    {.name = "only the low 16 bits of the count",
                     .count = 0x70000000,
@@ -114,9 +89,7 @@ TEST(BandedSpans, Lists) {
                     .picture = "............."
                                "............."
                                "...##..##...."
-                               "...##..##...."
-                               "............."
-                               ".............",
+                               "...##..##....",
                     .clip = {3, 2, 9, 4}},
                });
 }
@@ -139,7 +112,7 @@ TEST(BandedSpans, LongRecords) {
     TestDevice device({.bitsPerPixel = 8, .width = 1300, .height = static_cast<uint32_t>(2 * c.sizes.size())});
     const PhysicalPen pen = SolidPen(device.handle(), kPenColour);
     const DRAWMODE mode = MakeDrawMode();
-    PicturePlane expected = UntouchedBand(device);
+    PlaneImage expected = UntouchedBand(device);
     std::vector<int16_t> words;
     int16_t top = 0;
     for (int16_t n : c.sizes) {
@@ -149,14 +122,14 @@ TEST(BandedSpans, LongRecords) {
       // Pairs (0, 1), (2, 3) ...: every even column below n; the pair of an odd n ends at n itself.
       for (int16_t i = 0; i < n; i = static_cast<int16_t>(i + 2)) {
         for (int16_t row = top; row < top + 2; ++row) {
-          expected.Put(static_cast<uint32_t>(i), static_cast<uint32_t>(row), GrayOf(kPenColour));
+          expected.SetColor(static_cast<uint32_t>(i), static_cast<uint32_t>(row), GrayOf(kPenColour));
         }
       }
       top = static_cast<int16_t>(top + 2);
     }
     EXPECT_EQ(1u, CallOutput(device, OS_BANDED_SPANS, static_cast<uint32_t>(c.sizes.size()), SpanListBytes(words),
                              {.pen = &pen, .drawMode = &mode}));
-    EXPECT_TRUE(SamePlane(expected, CurrentBand(device)));
+    EXPECT_TRUE(SameImage(expected, BandImage(device)));
     EXPECT_TRUE(device.FencesIntact());
   }
 }
@@ -170,13 +143,7 @@ TEST(BandedSpans, CountIsUnsigned) {
   for (int i = 0; i < 0x8000; ++i) words.insert(words.end(), {0, 0, 0, 0});
   words.insert(words.end(), {2, 0, 1, 0, 1, 2});
   EXPECT_EQ(1u, CallOutput(device, OS_BANDED_SPANS, 0x8001, SpanListBytes(words), {.pen = &pen, .drawMode = &mode}));
-  EXPECT_TRUE(BandIs(device, {{'#', kPenColour}},
-                     "#............"
-                     "............."
-                     "............."
-                     "............."
-                     "............."
-                     "............."));
+  EXPECT_TRUE(BandIs(device, {{'#', kPenColour}}, "#............"));
 }
 
 }  // namespace

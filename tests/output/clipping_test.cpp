@@ -72,9 +72,7 @@ const ClipCase kClipCases[] = {
      .picture = "............."
                 "...####......"
                 "...####......"
-                "...####......"
-                "............."
-                "............."},
+                "...####......"},
     {.name = "larger than the band on every side",
      .rectangle = {-40, -40, 60, 60},
      .picture = "#############"
@@ -90,8 +88,7 @@ const ClipCase kClipCases[] = {
                 "............."
                 "....#####...."
                 "....#####...."
-                "....#####...."
-                "............."},
+                "....#####...."},
     {.name = "clip cuts the left and top only",
      .rectangle = {1, 0, 12, 6},
      .clip = {10, 4, 1000, 1000},
@@ -120,11 +117,7 @@ const ClipCase kClipCases[] = {
      .rectangle = {98, 47, 104, 52},
      .place = {.left = 100, .top = 50},
      .picture = "####........."
-                "####........."
-                "............."
-                "............."
-                "............."
-                "............."},
+                "####........."},
     {.name = "band at negative coordinates",
      .rectangle = {-9, -4, -3, -1},
      .place = {.left = -10, .top = -6},
@@ -132,8 +125,7 @@ const ClipCase kClipCases[] = {
                 "............."
                 ".######......"
                 ".######......"
-                ".######......"
-                "............."},
+                ".######......"},
     {.name = "the origin moves figure and clip, not the band",
      .rectangle = {0, 0, 13, 6},
      .clip = {2, 1, 6, 3},
@@ -142,17 +134,13 @@ const ClipCase kClipCases[] = {
                 "............."
                 "............."
                 ".####........"
-                ".####........"
-                "............."},
+                ".####........"},
     {.name = "negative origin",
      .rectangle = {20, 10, 24, 12},
      .place = {.originX = -15, .originY = -9},
      .picture = "............."
                 ".....####...."
-                ".....####...."
-                "............."
-                "............."
-                "............."},
+                ".....####...."},
     {.name = "figure above the band", .rectangle = {0, -9, 13, 0}, .picture = kEmptySpanPicture},
     {.name = "figure below the band", .rectangle = {0, 6, 13, 9}, .picture = kEmptySpanPicture},
     {.name = "figure left of the band", .rectangle = {-9, 0, 0, 6}, .picture = kEmptySpanPicture},
@@ -206,10 +194,7 @@ TEST(OutputClipping, BandRectangleSmallerThanTheBuffer) {
     EXPECT_TRUE(BandIs(device, {{'#', kPenColour}},
                        "####........."
                        "####........."
-                       "####........."
-                       "............."
-                       "............."
-                       "............."))
+                       "####........."))
         << encoding.name;
   }
 }

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "output/band_picture.h"
+#include "support/plane_image.h"
 
 namespace qnv::test {
 
@@ -70,13 +70,7 @@ struct SpanCase {
 // 13 columns leave padding behind the rows of both depths.
 inline constexpr uint32_t kSpanColumns = 13;
 inline constexpr uint32_t kSpanRows = 6;
-inline constexpr const char* kEmptySpanPicture =
-    "............."
-    "............."
-    "............."
-    "............."
-    "............."
-    ".............";
+inline constexpr const char* kEmptySpanPicture = ".............";
 
 inline constexpr uint32_t kPenColour = 0x00204080;
 

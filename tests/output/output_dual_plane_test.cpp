@@ -1,8 +1,9 @@
 // Figures on the dual-plane device: where a figure puts ink the tag plane takes 1, elsewhere it keeps its tags.
 #include <gtest/gtest.h>
 
-#include "output/dual_plane.h"
 #include "output/output_call.h"
+#include "support/tag_plane.h"
+#include "support/tag_rules.h"
 
 namespace qnv::test {
 namespace {
@@ -13,52 +14,14 @@ DeviceOptions DualOptions(uint32_t width = 9, uint32_t height = 2) {
   return {.width = width, .height = height, .tagPlane = true};
 }
 
-// How each operation is classed: always marked, never marked, or marked unless the colour is that of the paper.
-enum class Marking { kAlways, kNever, kUnlessWhite, kUnlessBlack };
-
-struct CodeCase {
-  const char* name;
-  int16_t code;
-  Marking marking;
-};
-
-const CodeCase kCodes[] = {
-    {"R2_BLACK", R2_BLACK, Marking::kAlways},
-    {"R2_NOTMERGEPEN", R2_NOTMERGEPEN, Marking::kUnlessBlack},
-    {"R2_MASKNOTPEN", R2_MASKNOTPEN, Marking::kUnlessBlack},
-    {"R2_NOTCOPYPEN", R2_NOTCOPYPEN, Marking::kAlways},
-    {"R2_MASKPENNOT", R2_MASKPENNOT, Marking::kUnlessWhite},
-    {"R2_NOT", R2_NOT, Marking::kNever},
-    {"R2_XORPEN", R2_XORPEN, Marking::kNever},
-    {"R2_NOTMASKPEN", R2_NOTMASKPEN, Marking::kUnlessWhite},
-    {"R2_MASKPEN", R2_MASKPEN, Marking::kUnlessWhite},
-    {"R2_NOTXORPEN", R2_NOTXORPEN, Marking::kNever},
-    {"R2_NOP", R2_NOP, Marking::kNever},
-    {"R2_MERGENOTPEN", R2_MERGENOTPEN, Marking::kUnlessWhite},
-    {"R2_COPYPEN", R2_COPYPEN, Marking::kAlways},
-    {"R2_MERGEPENNOT", R2_MERGEPENNOT, Marking::kUnlessBlack},
-    {"R2_MERGEPEN", R2_MERGEPEN, Marking::kUnlessBlack},
-    {"R2_WHITE", R2_WHITE, Marking::kAlways},
-};
-
-bool Puts(Marking marking, uint32_t colour) {
-  switch (marking) {
-    case Marking::kAlways: return true;
-    case Marking::kNever: return false;
-    case Marking::kUnlessWhite: return colour != kWhite;
-    case Marking::kUnlessBlack: return colour != 0;
-  }
-  return false;
-}
-
 // The colour plane is that of a plain device in every case.
-PicturePlane PlainResult(const DeviceOptions& dual, uint32_t (*paint)(const TestDevice&, const OutputSetup&),
-                         const OutputSetup& setup) {
+PlaneImage PlainResult(const DeviceOptions& dual, uint32_t (*paint)(const TestDevice&, const OutputSetup&),
+                       const OutputSetup& setup) {
   DeviceOptions options = dual;
   options.tagPlane = false;
   TestDevice plain(options);
   paint(plain, setup);
-  return CurrentBand(plain);
+  return BandImage(plain);
 }
 
 uint32_t PaintMiddle(const TestDevice& device, const OutputSetup& setup) { return PaintRow(device, 2, 6, 1, setup); }
@@ -66,11 +29,11 @@ uint32_t PaintMiddle(const TestDevice& device, const OutputSetup& setup) { retur
 TEST(OutputDualPlane, SolidFiguresByCodeAndColour) {
   // Colours count with all their 32 bits.
   const uint32_t colours[] = {kWhite, 0, 0x0000FF, 0x01FFFFFF, 0x01000000, 0x00FFFFFE};
-  for (const CodeCase& code : kCodes) {
+  for (const Rop2Marking& code : kRop2Markings) {
     for (uint32_t colour : colours) {
       for (bool withPen : {true, false}) {
         TestDevice device(DualOptions());
-        TagWholeBandAsImage(device);
+        MixTags(&device);
         const PhysicalPen pen{PS_SOLID, 1, 1, colour};
         PhysicalBrush brush{};
         brush.colour = colour;
@@ -79,9 +42,9 @@ TEST(OutputDualPlane, SolidFiguresByCodeAndColour) {
         const OutputSetup setup{
             .pen = withPen ? &pen : nullptr, .brush = withPen ? nullptr : &brush, .drawMode = &mode};
         EXPECT_EQ(1u, PaintMiddle(device, setup));
-        EXPECT_TRUE(TagsMarked(device, Puts(code.marking, colour) ? "...........1111..." : ".................."))
+        EXPECT_TRUE(TagsMarked(device, Marks(code.marking, colour) ? "...........1111..." : ""))
             << code.name << ", colour " << std::hex << colour << (withPen ? ", pen" : ", brush");
-        EXPECT_TRUE(SamePlane(PlainResult(DualOptions(), PaintMiddle, setup), CurrentBand(device))) << code.name;
+        EXPECT_TRUE(SameImage(PlainResult(DualOptions(), PaintMiddle, setup), BandImage(device))) << code.name;
       }
     }
   }
@@ -93,15 +56,15 @@ TEST(OutputDualPlane, UniformPlaneIsLeftAlone) {
   const PhysicalPen pen{PS_SOLID, 1, 1, 0x0000FF};
   const DRAWMODE mode = MakeDrawMode();
   EXPECT_EQ(1u, PaintMiddle(device, {.pen = &pen, .drawMode = &mode}));
-  EXPECT_TRUE(SamePlane(UntouchedTags(device), CurrentTags(device)));
+  EXPECT_TRUE(SameImage(UntouchedTags(device), TagImage(device)));
   EXPECT_EQ(0xFFFFu, CallOutput(device, 6, 1, SpanListBytes({0, 0, 0, 0}), {.pen = &pen, .drawMode = &mode}))
       << "the result is the colour plane's";
 
-  TagWholeBandAsImage(device);
+  MixTags(&device);
   device.Clear();
   device.tags()->Fill(0x77);
   EXPECT_EQ(1u, PaintMiddle(device, {.pen = &pen, .drawMode = &mode}));
-  EXPECT_EQ(0x77, CurrentTags(device).bytes[device.tagStride() + 3]);
+  EXPECT_EQ(0x77, TagImage(device).bytes()[device.tagStride() + 3]);
 }
 
 TEST(OutputDualPlane, UnknownStylesAndMarkers) {
@@ -119,13 +82,13 @@ TEST(OutputDualPlane, UnknownStylesAndMarkers) {
   };
   for (const Case& c : cases) {
     TestDevice device(DualOptions());
-    TagWholeBandAsImage(device);
+    MixTags(&device);
     EXPECT_EQ(c.result, CallOutput(device, c.style, 2, SpanListBytes({0, 1, 2, 6}), {.pen = &pen, .drawMode = &mode}))
         << c.name;
     EXPECT_EQ(c.result,
               CallOutput(device, c.style, 2, SpanListBytes({0, 1, 2, 6}), {.brush = &hollow, .drawMode = &mode}))
         << c.name << ", hollow brush";
-    EXPECT_TRUE(TagsAllImage(device)) << c.name;
+    EXPECT_TRUE(TagsMarked(device, "")) << c.name;
     EXPECT_TRUE(BandUntouched(device)) << c.name;
   }
 }
@@ -137,9 +100,9 @@ TEST(OutputDualPlane, NullPen) {
   brush.colour = 0x00FF00;
   const DRAWMODE mode = MakeDrawMode();
   TestDevice device(DualOptions());
-  TagWholeBandAsImage(device);
+  MixTags(&device);
   EXPECT_EQ(1u, PaintMiddle(device, {.pen = &pen, .brush = &brush, .drawMode = &mode}));
-  EXPECT_TRUE(TagsAllImage(device));
+  EXPECT_TRUE(TagsMarked(device, ""));
   EXPECT_TRUE(BandIs(device, {{'g', 0x00FF00}},
                      "........."
                      "..gggg..."));
@@ -246,7 +209,7 @@ TEST(OutputDualPlane, HatchesAndPatterns) {
       SCOPED_TRACE(std::string(c.name) + ", factor " + std::to_string(factor));
       const DeviceOptions options = DualOptions(19, 3);
       TestDevice device(options);
-      TagWholeBandAsImage(device);
+      MixTags(&device);
       PhysicalBrush brush{};
       brush.style = c.style;
       brush.patternDepth = c.patternDepth;
@@ -263,12 +226,12 @@ TEST(OutputDualPlane, HatchesAndPatterns) {
         return PaintRectangle(target, 1, 1, 18, 2, how);
       };
       EXPECT_EQ(c.result, paint(device, setup));
-      PicturePlane tags = ImageTags(device);
+      PlaneImage tags = MixedTags(device);
       for (uint32_t column = 1; column < 18; ++column) {
-        if (c.marks[column / factor % 8] == '1') tags.Put(column, 1, Gray(QNV_TAG_GRAPHICS));
+        if (c.marks[column / factor % 8] == '1') tags.SetColor(column, 1, Gray(QNV_TAG_GRAPHICS));
       }
-      EXPECT_TRUE(SamePlane(tags, CurrentTags(device))) << "tag plane";
-      EXPECT_TRUE(SamePlane(PlainResult(options, paint, setup), CurrentBand(device))) << "colour plane";
+      EXPECT_TRUE(SameImage(tags, TagImage(device))) << "tag plane";
+      EXPECT_TRUE(SameImage(PlainResult(options, paint, setup), BandImage(device))) << "colour plane";
       EXPECT_TRUE(device.FencesIntact());
     }
   }
@@ -291,8 +254,7 @@ TEST(OutputDualPlane, MarksFollowTheFigure) {
        {0, -2, -8, -5, -4, -3},
        {},
        "........."
-       "..111.1.."
-       "........."},
+       "..111.1.."},
       {"banded spans",
        OS_BANDED_SPANS,
        1,
@@ -336,8 +298,8 @@ TEST(OutputDualPlane, MarksFollowTheFigure) {
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.name);
-    TestDevice device({.width = 9, .height = 3, .left = 20, .top = 7, .tagPlane = true});
-    TagWholeBandAsImage(device);
+    DualPlaneDevice device({.width = 9, .height = 3, .left = 20, .top = 7});
+    MixTags(&device);
     device.SetOrigin(30, 10);
     const PhysicalPen pen{PS_SOLID, 1, 1, 0x112233};
     const DRAWMODE mode = MakeDrawMode();
@@ -354,11 +316,11 @@ TEST(OutputDualPlane, MarksFollowTheFigure) {
 // A device described with one byte a pixel has a colour plane of that size, and nothing goes past it.
 TEST(OutputDualPlane, DescribedWithAnotherDepth) {
   for (uint16_t depth : {uint16_t{8}, uint16_t{16}, uint16_t{0}}) {
-    TestDevice device({.bitsPerPixel = depth, .width = 19, .height = 5, .tagPlane = true});
+    DualPlaneDevice device({.bitsPerPixel = depth, .width = 19, .height = 5});
     const PhysicalPen pen{PS_SOLID, 1, 1, 0x112233};
     const DRAWMODE mode = MakeDrawMode();
     for (bool mixed : {false, true}) {
-      if (mixed) TagWholeBandAsImage(device);
+      if (mixed) MixTags(&device);
       for (int16_t row = -1; row < 6; ++row) PaintRow(device, -50, 50, row, {.pen = &pen, .drawMode = &mode});
       EXPECT_EQ(1u, PaintRectangle(device, -50, -50, 50, 50, {.pen = &pen, .drawMode = &mode}));
       EXPECT_TRUE(device.FencesIntact()) << depth << " bits";
@@ -369,7 +331,7 @@ TEST(OutputDualPlane, DescribedWithAnotherDepth) {
 // The plane's pass works on copies.
 TEST(OutputDualPlane, DrawModeIsOnlyRead) {
   TestDevice device(DualOptions());
-  TagWholeBandAsImage(device);
+  MixTags(&device);
   const PhysicalBrush brush = HatchBrush(device.handle(), HS_CROSS, kRed);
   DRAWMODE mode = MakeDrawMode();
   mode.bkColor = 0x445566;

@@ -99,19 +99,19 @@ TEST(Rop2, EveryCodeFillAndDevice) {
         mode.Rop2 = rop2.code;
         mode.bkMode = fill.bkMode;
         mode.bkColor = Physical(device, kBack);
-        PicturePlane expected = CurrentBand(device);
+        PlaneImage expected = BandImage(device);
         for (uint32_t y = 1; y < 8; ++y) {
           for (uint32_t x = 2; x < 21; ++x) {
             bool painted = true;
             const uint32_t p = fill.colourAt(device, x, y, painted);
-            if (painted) expected.Put(x, y, rop2.apply(p, expected.Get(x, y)));
+            if (painted) expected.SetColor(x, y, rop2.apply(p, expected.Color(x, y)));
           }
         }
         const OutputSetup setupCall{.pen = fill.withPen ? &fill.pen : nullptr,
                                     .brush = fill.withPen ? nullptr : &fill.brush,
                                     .drawMode = &mode};
         EXPECT_EQ(1u, PaintRectangle(device, 2, 1, 21, 8, setupCall));
-        EXPECT_TRUE(SamePlane(expected, CurrentBand(device)))
+        EXPECT_TRUE(SameImage(expected, BandImage(device)))
             << rop2.name << ", " << fill.name << ", kind " << options.kind << ", " << options.bitsPerPixel << " bits"
             << (options.tagPlane ? ", dual plane" : "");
         EXPECT_TRUE(device.FencesIntact());

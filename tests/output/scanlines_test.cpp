@@ -9,107 +9,72 @@ namespace {
 const std::vector<uint32_t> kStyles = {OS_SCANLINES, 104};
 
 TEST(Scanlines, Lists) {
-  RunSpanCases(kStyles,
-               {
-                   {.name = "one span",
-                    .count = 2,
-                    .words = {0, 2, 3, 7},
-                    .picture = "............."
-                               "............."
-                               "...####......"
-                               "............."
-                               "............."
-                               "............."},
-                   {.name = "one pixel",
-                    .count = 2,
-                    .words = {0, 0, 10, 11},
-                    .picture = "..........#.."
-                               "............."
-                               "............."
-                               "............."
-                               "............."
-                               "............."},
-                   {.name = "empty span", .count = 2, .words = {0, 0, 10, 10}, .picture = kEmptySpanPicture},
-                   {.name = "reversed span", .count = 2, .words = {0, 0, 10, 4}, .picture = kEmptySpanPicture},
-                   {.name = "right end on the band's edge",
-                    .count = 2,
-                    .words = {0, 5, 9, 13},
-                    .picture = "............."
-                               "............."
-                               "............."
-                               "............."
-                               "............."
-                               ".........####"},
-                   {.name = "wider than the band",
-                    .count = 2,
-                    .words = {0, 1, -300, 300},
-                    .picture = "............."
-                               "#############"
-                               "............."
-                               "............."
-                               "............."
-                               "............."},
-                   {.name = "spans in any order, touching and overlapping",
-                    .count = 6,
-                    .words = {0, 3, 8, 10, 0, 2, 2, 3, 9, 11, 5, 5},
-                    .picture = "............."
-                               "............."
-                               "............."
-                               "###.....###.."
-                               "............."
-                               "............."},
-                   {.name = "the x of the header pair is not read",
-                    .count = 2,
-                    .words = {-32768, 4, 0, 1},
-                    .picture = "............."
-                               "............."
-                               "............."
-                               "............."
-                               "#............"
-                               "............."},
-                   {.name = "only the header", .count = 1, .words = {0, 2}, .picture = kEmptySpanPicture},
-                   {.name = "count 0", .count = 0, .words = {0, 2}, .picture = kEmptySpanPicture},
-                   {.name = "the count ends the list",
-                    .count = 2,
-                    .words = {0, 0, 1, 2, 4, 9},
-                    .picture = ".#..........."
-                               "............."
-                               "............."
-                               "............."
-                               "............."
-                               "............."},
-                   {.name = "only the low 16 bits of the count",
-                    .count = 0xABCD0002,
-                    .words = {0, 0, 1, 2},
-                    .picture = ".#..........."
-                               "............."
-                               "............."
-                               "............."
-                               "............."
-                               "............."},
-                   {.name = "row above the band", .count = 2, .words = {0, -1, 0, 13}, .picture = kEmptySpanPicture},
-                   {.name = "row below the band", .count = 2, .words = {0, 6, 0, 13}, .picture = kEmptySpanPicture},
-                   {.name = "origin 100 and row -100",
-                    .count = 2,
-                    .words = {0, -100, 4, 6},
-                    .picture = "....##......."
-                               "............."
-                               "............."
-                               "............."
-                               "............."
-                               ".............",
-                    .place = {.originY = 100}},
-                   {.name = "row above the clip",
-                    .count = 2,
-                    .words = {0, 1, 0, 13},
-                    .picture = kEmptySpanPicture,
-                    .clip = {0, 2, 13, 6}},
-                   {.name = "row on the clip's bottom",
-                    .count = 2,
-                    .words = {0, 4, 0, 13},
-                    .picture = kEmptySpanPicture,
-                    .clip = {0, 2, 13, 4}},
-               });
+  RunSpanCases(
+      kStyles,
+      {
+          {.name = "one span",
+           .count = 2,
+           .words = {0, 2, 3, 7},
+           .picture = "............."
+                      "............."
+                      "...####......"},
+          {.name = "one pixel", .count = 2, .words = {0, 0, 10, 11}, .picture = "..........#.."},
+          {.name = "empty span", .count = 2, .words = {0, 0, 10, 10}, .picture = kEmptySpanPicture},
+          {.name = "reversed span", .count = 2, .words = {0, 0, 10, 4}, .picture = kEmptySpanPicture},
+          {.name = "right end on the band's edge",
+           .count = 2,
+           .words = {0, 5, 9, 13},
+           .picture = "............."
+                      "............."
+                      "............."
+                      "............."
+                      "............."
+                      ".........####"},
+          {.name = "wider than the band",
+           .count = 2,
+           .words = {0, 1, -300, 300},
+           .picture = "............."
+                      "#############"},
+          {.name = "spans in any order, touching and overlapping",
+           .count = 6,
+           .words = {0, 3, 8, 10, 0, 2, 2, 3, 9, 11, 5, 5},
+           .picture = "............."
+                      "............."
+                      "............."
+                      "###.....###.."},
+          {.name = "the x of the header pair is not read",
+           .count = 2,
+           .words = {-32768, 4, 0, 1},
+           .picture = "............."
+                      "............."
+                      "............."
+                      "............."
+                      "#............"},
+          {.name = "only the header", .count = 1, .words = {0, 2}, .picture = kEmptySpanPicture},
+          {.name = "count 0", .count = 0, .words = {0, 2}, .picture = kEmptySpanPicture},
+          {.name = "the count ends the list", .count = 2, .words = {0, 0, 1, 2, 4, 9}, .picture = ".#..........."},
+          {.name = "only the low 16 bits of the count",
+           .count = 0xABCD0002,
+           .words = {0, 0, 1, 2},
+           .picture = ".#..........."},
+          {.name = "row above the band", .count = 2, .words = {0, -1, 0, 13}, .picture = kEmptySpanPicture},
+          {.name = "row below the band", .count = 2, .words = {0, 6, 0, 13}, .picture = kEmptySpanPicture},
+          {.name = "origin 100 and row -100",
+           .count = 2,
+           .words = {0, -100, 4, 6},
+           .picture = "....##.......",
+           .place = {.originY = 100}},
+          {.name = "row above the clip",
+           .count = 2,
+           .words = {0, 1, 0, 13},
+           .picture = kEmptySpanPicture,
+           .clip = {0, 2, 13, 6}},
+          {.name = "row on the clip's bottom",
+           .count = 2,
+           .words = {0, 4, 0, 13},
+           .picture = kEmptySpanPicture,
+           .clip = {0, 2, 13, 4}},
+      });
 }
 
 TEST(Scanlines, ManySpansOfOneRow) {
@@ -117,15 +82,15 @@ TEST(Scanlines, ManySpansOfOneRow) {
   const PhysicalPen pen = SolidPen(device.handle(), kPenColour);
   const DRAWMODE mode = MakeDrawMode();
   std::vector<int16_t> words = {0, 1};
-  PicturePlane expected = UntouchedBand(device);
+  PlaneImage expected = UntouchedBand(device);
   for (int16_t x = 0; x < 601; x = static_cast<int16_t>(x + 2)) {
     words.push_back(x);
     words.push_back(static_cast<int16_t>(x + 1));
-    expected.Put(static_cast<uint32_t>(x), 1, kPenColour);
+    expected.SetColor(static_cast<uint32_t>(x), 1, kPenColour);
   }
   EXPECT_EQ(1u, CallOutput(device, OS_SCANLINES, static_cast<uint32_t>(words.size() / 2), SpanListBytes(words),
                            {.pen = &pen, .drawMode = &mode}));
-  EXPECT_TRUE(SamePlane(expected, CurrentBand(device)));
+  EXPECT_TRUE(SameImage(expected, BandImage(device)));
   EXPECT_TRUE(device.FencesIntact());
 }
 
@@ -143,15 +108,15 @@ TEST(Scanlines, EveryLengthAndPhaseOfASolidSpan) {
           const PhysicalPen pen = SolidPen(device.handle(), kPenColour);
           DRAWMODE mode = MakeDrawMode();
           mode.Rop2 = rop2;
-          PicturePlane expected = CurrentBand(device);
+          PlaneImage expected = BandImage(device);
           const uint32_t colour = Physical(device, kPenColour);
           for (int16_t i = 0; i < length; ++i) {
             const uint32_t column = static_cast<uint32_t>(left + i);
-            const uint32_t d = expected.Get(column, 1);
-            expected.Put(column, 1, rop2 == R2_COPYPEN ? colour : rop2 == R2_XORPEN ? d ^ colour : ~colour);
+            const uint32_t d = expected.Color(column, 1);
+            expected.SetColor(column, 1, rop2 == R2_COPYPEN ? colour : rop2 == R2_XORPEN ? d ^ colour : ~colour);
           }
           PaintRow(device, left, static_cast<int16_t>(left + length), 1, {.pen = &pen, .drawMode = &mode});
-          EXPECT_TRUE(SamePlane(expected, CurrentBand(device)))
+          EXPECT_TRUE(SameImage(expected, BandImage(device)))
               << depth << " bits, rop2 " << rop2 << ", left " << left << ", length " << length;
           EXPECT_TRUE(device.FencesIntact());
         }

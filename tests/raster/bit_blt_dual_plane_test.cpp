@@ -8,6 +8,7 @@
 
 #include "support/random_bytes.h"
 #include "support/tag_plane.h"
+#include "support/tag_rules.h"
 #include "support/transfer_call.h"
 #include "support/transfer_model.h"
 
@@ -21,65 +22,6 @@ constexpr uint32_t kDPa = 0x00A000C9;      // destination and pattern
 constexpr uint32_t kDPo = 0x00FA0089;      // destination or pattern
 constexpr uint32_t kPSDPxax = 0x00B8074A;  // where the source is 1 the destination, elsewhere the pattern
 constexpr uint32_t kDSPDxax = 0x00E20746;  // where the source is 1 the pattern, elsewhere the destination
-
-enum class Rule {
-  kEverything,
-  kNothing,
-  kSourceNotWhite,
-  kSourceNotBlack,
-  kBrushNotWhite,
-  kBrushNotBlack,
-  kBrushNotBlackThenSourceNotWhite,
-};
-
-// An operation and its inverse are of one class; both indices are listed.
-Rule RuleOf(uint8_t index) {
-  switch (index) {
-    case 0x88:
-    case 0x77:
-    case 0xBB:
-    case 0x44:
-    case 0xB8:
-    case 0x47: return Rule::kSourceNotWhite;
-    case 0x99:
-    case 0x66:
-    case 0xA5:
-    case 0x5A:
-    case 0xAA:
-    case 0x55: return Rule::kNothing;
-    case 0xA0:
-    case 0x5F:
-    case 0xAF:
-    case 0x50: return Rule::kBrushNotWhite;
-    case 0xDD:
-    case 0x22:
-    case 0xEE:
-    case 0x11: return Rule::kSourceNotBlack;
-    case 0xE2:
-    case 0x1D:
-    case 0xEA:
-    case 0x15: return Rule::kSourceNotBlack;
-    case 0xF5:
-    case 0x0A:
-    case 0xFA:
-    case 0x05: return Rule::kBrushNotBlack;
-    case 0xFB:
-    case 0x04: return Rule::kBrushNotBlackThenSourceNotWhite;
-    default: return Rule::kEverything;
-  }
-}
-
-bool Marks(Rule rule, uint32_t source, uint32_t brush) {
-  switch (rule) {
-    case Rule::kEverything: return true;
-    case Rule::kNothing: return false;
-    case Rule::kSourceNotWhite: return source != kWhite;
-    case Rule::kSourceNotBlack: return source != kBlack;
-    case Rule::kBrushNotWhite: return brush != kWhite;
-    case Rule::kBrushNotBlack: return brush != kBlack;
-    default: return brush != kBlack || source != kWhite;
-  }
-}
 
 DRAWMODE Mode() {
   DRAWMODE mode = MakeDrawMode();
@@ -117,22 +59,20 @@ TEST(BitBltDualPlane, EveryIndexWithAColourSourceAndASolidBrush) {
     const PhysicalBrush brush = Solid(brushColour);
     for (uint32_t index = 0; index < 256; ++index) {
       SCOPED_TRACE("index " + std::to_string(index) + ", brush " + std::to_string(brushColour));
-      TestDevice device({.width = 13, .height = 3, .tagPlane = true});
+      DualPlaneDevice device({.width = 13, .height = 3});
       MakeTagsMixed(&device, index);
       const DRAWMODE mode = Mode();
       PlaneImage band = BandImage(device);
       PlaneImage tags = TagImage(device);
-      EXPECT_EQ(1u, Transfer(device.handle(), {.destX = 4,
-                                               .destY = 1,
+      EXPECT_EQ(1u, Transfer(device.handle(), {.at = {4, 1},
                                                .source = source.record(),
-                                               .width = width,
-                                               .height = 1,
+                                               .size = {width, 1},
                                                .rop = index << 16,
                                                .brush = &brush,
                                                .drawMode = &mode}));
       PaintExpected(&band, {4, 1, 4 + width, 2}, 0, 0, {index << 16, &source, &brush, &mode});
       for (int32_t x = 0; x < width; ++x) {
-        if (Marks(RuleOf(static_cast<uint8_t>(index)), kSourceColours[static_cast<std::size_t>(x)], brushColour)) {
+        if (TransferMarks(index, kSourceColours[static_cast<std::size_t>(x)], brushColour)) {
           tags.Set(4 + x, 1, {1, 0, 0});
         }
       }
@@ -145,13 +85,12 @@ TEST(BitBltDualPlane, EveryIndexWithAColourSourceAndASolidBrush) {
 
 // The class is that of bits 16..23 alone.
 TEST(BitBltDualPlane, UpperByteOfTheCodeDoesNotCount) {
-  TestDevice device({.width = 8, .height = 1, .tagPlane = true});
+  DualPlaneDevice device({.width = 8, .height = 1});
   MakeTagsMixed(&device, 2);
   const DRAWMODE mode = Mode();
   const PhysicalBrush brush = Solid(kRed);
   const PlaneImage tags = TagImage(device);
-  EXPECT_EQ(
-      1u, Transfer(device.handle(), {.width = 8, .height = 1, .rop = 0x01550009, .brush = &brush, .drawMode = &mode}));
+  EXPECT_EQ(1u, Transfer(device.handle(), {.size = {8, 1}, .rop = 0x01550009, .brush = &brush, .drawMode = &mode}));
   EXPECT_TRUE(TagsShow(device, tags));
 }
 
@@ -179,7 +118,7 @@ TEST(BitBltDualPlane, EveryIndexWithAOneBitSource) {
   for (const Colours& c : kColours) {
     for (uint32_t index = 0; index < 256; ++index) {
       SCOPED_TRACE(std::string(c.name) + ", index " + std::to_string(index));
-      TestDevice device({.width = 26, .height = 4, .tagPlane = true});
+      DualPlaneDevice device({.width = 26, .height = 4});
       MakeTagsMixed(&device, index);
       const SourceImage source(kOneBitSource, 30, 3, index);
       const PhysicalBrush brush = Solid(kRed);
@@ -188,13 +127,10 @@ TEST(BitBltDualPlane, EveryIndexWithAOneBitSource) {
       mode.TextColor = c.text;
       PlaneImage band = BandImage(device);
       PlaneImage tags = TagImage(device);
-      EXPECT_EQ(1u, Transfer(device.handle(), {.destX = 3,
-                                               .destY = 1,
+      EXPECT_EQ(1u, Transfer(device.handle(), {.at = {3, 1},
                                                .source = source.record(),
-                                               .srcX = 5,
-                                               .srcY = 1,
-                                               .width = kWidth,
-                                               .height = 2,
+                                               .from = {5, 1},
+                                               .size = {kWidth, 2},
                                                .rop = index << 16,
                                                .brush = &brush,
                                                .drawMode = &mode}));
@@ -202,7 +138,7 @@ TEST(BitBltDualPlane, EveryIndexWithAOneBitSource) {
       for (int32_t row = 1; row < 3; ++row) {
         for (int32_t x = 0; x < kWidth; ++x) {
           const uint32_t colour = source.Bit(5 + x, row) ? c.background : c.text;
-          if (Marks(RuleOf(static_cast<uint8_t>(index)), colour, kRed)) tags.Set(3 + x, row, {1, 0, 0});
+          if (TransferMarks(index, colour, kRed)) tags.Set(3 + x, row, {1, 0, 0});
         }
       }
       EXPECT_TRUE(BandShows(device, band));
@@ -273,7 +209,7 @@ TEST(BitBltDualPlane, HatchedAndOneBitPatternBrushes) {
         SCOPED_TRACE(std::string(c.name) + ", index " + std::to_string(index) + ", scale " + std::to_string(scale.fx) +
                      " x " + std::to_string(scale.fy));
         // A moved band: cells are counted from its corner on both planes.
-        TestDevice device({.width = 37, .height = 19, .left = 5, .top = 3, .tagPlane = true});
+        DualPlaneDevice device({.width = 37, .height = 19, .left = 5, .top = 3});
         MakeTagsMixed(&device, index);
         const PhysicalBrush brush = BrushOf(c, scale.fx, scale.fy);
         DRAWMODE mode = MakeDrawMode();
@@ -282,15 +218,11 @@ TEST(BitBltDualPlane, HatchedAndOneBitPatternBrushes) {
         mode.TextColor = 0x00123456;
         PlaneImage band = BandImage(device);
         PlaneImage tags = TagImage(device);
-        EXPECT_EQ(1u, Transfer(device.handle(), {.destX = 7,
-                                                 .destY = 4,
-                                                 .width = 100,
-                                                 .height = 15,
-                                                 .rop = index << 16,
-                                                 .brush = &brush,
-                                                 .drawMode = &mode}));
+        EXPECT_EQ(1u,
+                  Transfer(device.handle(),
+                           {.at = {7, 4}, .size = {100, 15}, .rop = index << 16, .brush = &brush, .drawMode = &mode}));
         PaintExpected(&band, {2, 1, 37, 16}, 0, 0, {index << 16, nullptr, &brush, &mode});
-        const bool skipsWhite = RuleOf(static_cast<uint8_t>(index)) == Rule::kBrushNotWhite;
+        const bool skipsWhite = TagRuleOf(index) == TagRule::kBrushUnlessWhite;
         const int32_t fx = scale.fx > 2 ? 2 : scale.fx;
         for (int32_t row = 1; row < 16; ++row) {
           for (int32_t column = 2; column < 37; ++column) {
@@ -311,7 +243,7 @@ TEST(BitBltDualPlane, ColourPatternBrushesGoByTheirCells) {
   for (uint8_t depth : {uint8_t{24}, uint8_t{8}}) {
     for (uint32_t rop : {kDPa, kDPo}) {
       SCOPED_TRACE(std::to_string(depth) + " bits, code " + std::to_string(rop));
-      TestDevice device({.width = 20, .height = 11, .tagPlane = true});
+      DualPlaneDevice device({.width = 20, .height = 11});
       const SourceImage bitmap(depth == 24 ? kColourSource : kGraySource, 8, 8, 17);
       PhysicalBrush brush = PatternBrush(device.handle(), *bitmap.record());
       brush.cells[3] = 0xFFFFFFFF;
@@ -322,8 +254,7 @@ TEST(BitBltDualPlane, ColourPatternBrushesGoByTheirCells) {
       mode.bkColor = rop == kDPa ? kWhite : kBlack;
       PlaneImage band = BandImage(device);
       PlaneImage tags = TagImage(device);
-      EXPECT_EQ(1u,
-                Transfer(device.handle(), {.width = 20, .height = 11, .rop = rop, .brush = &brush, .drawMode = &mode}));
+      EXPECT_EQ(1u, Transfer(device.handle(), {.size = {20, 11}, .rop = rop, .brush = &brush, .drawMode = &mode}));
       PaintExpected(&band, {0, 0, 20, 11}, 0, 0, {rop, nullptr, &brush, &mode});
       const uint32_t paper = rop == kDPa ? kWhite : kBlack;
       for (int32_t row = 0; row < 11; ++row) {
@@ -348,15 +279,14 @@ TEST(BitBltDualPlane, HollowBrushes) {
   for (const Case& c : {Case{"destination and pattern", kDPa, false}, Case{"destination or pattern", kDPo, false},
                         Case{"PATCOPY", PATCOPY, true}, Case{"BLACKNESS", BLACKNESS, true}}) {
     SCOPED_TRACE(c.name);
-    TestDevice device({.width = 9, .height = 3, .tagPlane = true});
+    DualPlaneDevice device({.width = 9, .height = 3});
     MakeTagsMixed(&device, 3);
     PhysicalBrush hollow{};
     hollow.style = BS_HOLLOW;
     const DRAWMODE mode = Mode();
     PlaneImage band = BandImage(device);
     PlaneImage tags = TagImage(device);
-    EXPECT_EQ(1u,
-              Transfer(device.handle(), {.width = 9, .height = 3, .rop = c.rop, .brush = &hollow, .drawMode = &mode}));
+    EXPECT_EQ(1u, Transfer(device.handle(), {.size = {9, 3}, .rop = c.rop, .brush = &hollow, .drawMode = &mode}));
     if (c.rop == BLACKNESS) band.Fill({0, 0, 9, 3}, {0, 0, 0});
     if (c.tagged) tags.Fill({0, 0, 9, 3}, {1, 0, 0});
     EXPECT_TRUE(BandShows(device, band));
@@ -396,7 +326,7 @@ TEST(BitBltDualPlane, RefusedTagsRefuseTheTransfer) {
   for (const RefusalCase& c : kRefusals) {
     for (bool uniform : {false, true}) {
       SCOPED_TRACE(std::string(c.name) + (uniform ? ", uniform plane" : ""));
-      TestDevice device({.width = 9, .height = 3, .tagPlane = true});
+      DualPlaneDevice device({.width = 9, .height = 3});
       if (uniform) {
         device.tags()->Fill(kOldTag);
       } else {
@@ -411,14 +341,13 @@ TEST(BitBltDualPlane, RefusedTagsRefuseTheTransfer) {
       const bool refused = c.refused && !uniform;
       EXPECT_EQ(
           refused ? 0u : 1u,
-          Transfer(
-              device.handle(),
-              {.source = source.record(), .width = 9, .height = 3, .rop = c.rop, .brush = &brush, .drawMode = &mode}));
+          Transfer(device.handle(),
+                   {.source = source.record(), .size = {9, 3}, .rop = c.rop, .brush = &brush, .drawMode = &mode}));
       const uint8_t index = static_cast<uint8_t>(c.rop >> 16);
       if (!refused && (c.brushStyle == BS_SOLID || !IndexUsesPattern(index))) {
         PaintExpected(&band, {0, 0, 9, 3}, 0, 0, {c.rop, &source, &brush, &mode});
       }
-      if (!refused && !uniform && RuleOf(index) == Rule::kEverything) tags.Fill({0, 0, 9, 3}, {1, 0, 0});
+      if (!refused && !uniform && FillsTags(index)) tags.Fill({0, 0, 9, 3}, {1, 0, 0});
       EXPECT_TRUE(BandShows(device, band));
       EXPECT_TRUE(TagsShow(device, tags));
     }
@@ -427,18 +356,16 @@ TEST(BitBltDualPlane, RefusedTagsRefuseTheTransfer) {
 
 // The brush's half of the tags is written before the source turns out to be of no use.
 TEST(BitBltDualPlane, PatPaintTagsByBrushBeforeItsSourceIsRefused) {
-  TestDevice device({.width = 9, .height = 3, .tagPlane = true});
+  DualPlaneDevice device({.width = 9, .height = 3});
   MakeTagsMixed(&device, 6);
   const PhysicalBrush brush = Solid(kRed);
   const DRAWMODE mode = Mode();
   const SourceImage source({"", 1, 8, 3}, 9, 3, 5);
   const PlaneImage band = BandImage(device);
   PlaneImage tags = TagImage(device);
-  EXPECT_EQ(
-      0u,
-      Transfer(
-          device.handle(),
-          {.source = source.record(), .width = 5, .height = 2, .rop = PATPAINT, .brush = &brush, .drawMode = &mode}));
+  EXPECT_EQ(0u,
+            Transfer(device.handle(),
+                     {.source = source.record(), .size = {5, 2}, .rop = PATPAINT, .brush = &brush, .drawMode = &mode}));
   tags.Fill({0, 0, 5, 2}, {1, 0, 0});
   EXPECT_TRUE(BandShows(device, band));
   EXPECT_TRUE(TagsShow(device, tags));
@@ -446,15 +373,14 @@ TEST(BitBltDualPlane, PatPaintTagsByBrushBeforeItsSourceIsRefused) {
 
 // Rows of tags at every width and phase.
 TEST(BitBltDualPlane, FillsEveryWidth) {
-  TestDevice device({.width = 79, .height = 4, .tagPlane = true});
+  DualPlaneDevice device({.width = 79, .height = 4});
   MakeTagsMixed(&device, 7);
   for (int32_t width = 0; width <= 70; ++width) {
     for (int32_t left = 0; left < 5; ++left) {
       SCOPED_TRACE(std::to_string(width) + " at " + std::to_string(left));
       device.tags()->Fill(kOldTag);
       PlaneImage tags = TagImage(device);
-      EXPECT_EQ(1u,
-                Transfer(device.handle(), {.destX = left, .destY = 1, .width = width, .height = 2, .rop = BLACKNESS}));
+      EXPECT_EQ(1u, Transfer(device.handle(), {.at = {left, 1}, .size = {width, 2}, .rop = BLACKNESS}));
       tags.Fill({left, 1, left + width, 3}, {1, 0, 0});
       ASSERT_TRUE(TagsShow(device, tags));
     }

@@ -114,13 +114,9 @@ TEST(BitBltScaled, HalvesACopy) {
     const SourceImage source(kColourSource, 10, 10, 1);
     const DRAWMODE mode = Mode();
     PlaneImage expected = BandImage(device);
-    EXPECT_EQ(1u, Transfer(device.handle(), {.destX = at,
-                                             .destY = at,
-                                             .source = source.record(),
-                                             .width = 10,
-                                             .height = 10,
-                                             .rop = SRCCOPY,
-                                             .drawMode = &mode}));
+    EXPECT_EQ(
+        1u, Transfer(device.handle(),
+                     {.at = {at, at}, .source = source.record(), .size = {10, 10}, .rop = SRCCOPY, .drawMode = &mode}));
     for (int32_t row = 0; row < 5; ++row) {
       for (int32_t column = 0; column < 5; ++column) {
         // From page 0 the even source pixels come through, from page 1 the odd ones, one band pixel further on.
@@ -137,8 +133,8 @@ TEST(BitBltScaled, ThreeToTwo) {
   const SourceImage source(kColourSource, 12, 1, 2);
   const DRAWMODE mode = Mode();
   PlaneImage expected = BandImage(device);
-  EXPECT_EQ(1u, Transfer(device.handle(),
-                         {.source = source.record(), .width = 12, .height = 1, .rop = SRCCOPY, .drawMode = &mode}));
+  EXPECT_EQ(1u,
+            Transfer(device.handle(), {.source = source.record(), .size = {12, 1}, .rop = SRCCOPY, .drawMode = &mode}));
   constexpr int32_t kSourceOfColumn[] = {0, 1, 3, 4, 6, 7, 9, 10};
   for (int32_t column = 0; column < 8; ++column) {
     const uint8_t* p = source.Row(0) + 3 * kSourceOfColumn[column];
@@ -152,7 +148,7 @@ TEST(BitBltScaled, OneToTwoLeavesGaps) {
   TestDevice device(OptionsOf({360, 720}, 24, 8, 4));
   const DRAWMODE mode = Mode();
   PlaneImage expected = BandImage(device);
-  EXPECT_EQ(1u, Transfer(device.handle(), {.width = 4, .height = 2, .rop = BLACKNESS, .drawMode = &mode}));
+  EXPECT_EQ(1u, Transfer(device.handle(), {.size = {4, 2}, .rop = BLACKNESS, .drawMode = &mode}));
   for (int32_t row : {0, 2}) {
     for (int32_t column : {0, 2, 4, 6}) expected.Set(column, row, {0, 0, 0});
   }
@@ -179,13 +175,10 @@ TEST(BitBltScaled, EveryIndex) {
             FillWithNoise(&device.band(), index);
             PlaneImage expected = BandImage(device);
             const TransferInputs inputs{index << 16, &source, &brush, &mode};
-            EXPECT_EQ(1u, Transfer(device.handle(), {.destX = 2,
-                                                     .destY = 1,
+            EXPECT_EQ(1u, Transfer(device.handle(), {.at = {2, 1},
                                                      .source = source.record(),
-                                                     .srcX = 3,
-                                                     .srcY = 2,
-                                                     .width = 15,
-                                                     .height = 9,
+                                                     .from = {3, 2},
+                                                     .size = {15, 9},
                                                      .rop = inputs.rop,
                                                      .brush = &brush,
                                                      .drawMode = &mode}));
@@ -215,13 +208,10 @@ TEST(BitBltScaled, EveryResolutionAndPhase) {
                        std::to_string(x));
           FillWithNoise(&device.band(), static_cast<uint64_t>(x));
           PlaneImage expected = BandImage(device);
-          EXPECT_EQ(1u, Transfer(device.handle(), {.destX = x,
-                                                   .destY = x / 2,
+          EXPECT_EQ(1u, Transfer(device.handle(), {.at = {x, x / 2},
                                                    .source = source.record(),
-                                                   .srcX = x,
-                                                   .srcY = 1,
-                                                   .width = 80,
-                                                   .height = 38,
+                                                   .from = {x, 1},
+                                                   .size = {80, 38},
                                                    .rop = rop,
                                                    .brush = &brush,
                                                    .drawMode = &mode}));
@@ -307,13 +297,10 @@ TEST(BitBltScaled, ClippedAndAlignedInPagePixels) {
           const DRAWMODE mode = Mode();
           const PhysicalBrush brush = HatchBrush(device.handle(), HS_BDIAGONAL, 0x00336699);
           PlaneImage expected = BandImage(device);
-          EXPECT_EQ(1u, Transfer(device.handle(), {.destX = c.destX,
-                                                   .destY = c.destY,
+          EXPECT_EQ(1u, Transfer(device.handle(), {.at = {c.destX, c.destY},
                                                    .source = source.record(),
-                                                   .srcX = c.srcX,
-                                                   .srcY = c.srcY,
-                                                   .width = 12,
-                                                   .height = 6,
+                                                   .from = {c.srcX, c.srcY},
+                                                   .size = {12, 6},
                                                    .rop = rop,
                                                    .brush = &brush,
                                                    .drawMode = &mode,
@@ -351,9 +338,8 @@ TEST(BitBltScaled, WideRows) {
           FillWithNoise(&device.band(), rop);
           PlaneImage expected = BandImage(device);
           EXPECT_EQ(1u, Transfer(device.handle(), {.source = source.record(),
-                                                   .srcX = 3,
-                                                   .width = 1000000,
-                                                   .height = 1,
+                                                   .from = {3, 0},
+                                                   .size = {1000000, 1},
                                                    .rop = rop,
                                                    .brush = &brush,
                                                    .drawMode = &mode,
@@ -375,11 +361,8 @@ TEST(BitBltScaled, PatternCountsBandPixels) {
   const SourceImage bitmap(kColourSource, 8, 8, 8);
   const PhysicalBrush brush = PatternBrush(device.handle(), *bitmap.record());
   PlaneImage expected = BandImage(device);
-  EXPECT_EQ(
-      1u,
-      Transfer(
-          device.handle(),
-          {.destX = 1, .destY = 1, .width = 100, .height = 100, .rop = PATCOPY, .brush = &brush, .drawMode = &mode}));
+  EXPECT_EQ(1u, Transfer(device.handle(),
+                         {.at = {1, 1}, .size = {100, 100}, .rop = PATCOPY, .brush = &brush, .drawMode = &mode}));
   for (int32_t row = 1; row < 20; ++row) {
     for (int32_t column = 1; column < 20; ++column) {
       expected.Set(column, row, BandBytesOf(brush.cells[row % 8 * 8 + column % 8]));
@@ -398,8 +381,7 @@ TEST(BitBltScaled, GraySourceFillsThreeBytes) {
     const SourceBitmap source{0, 4, 1, 4, 1, 8, pixels};
     const DRAWMODE mode = Mode();
     PlaneImage expected = BandImage(device);
-    EXPECT_EQ(
-        1u, Transfer(device.handle(), {.source = &source, .width = 4, .height = 1, .rop = SRCCOPY, .drawMode = &mode}));
+    EXPECT_EQ(1u, Transfer(device.handle(), {.source = &source, .size = {4, 1}, .rop = SRCCOPY, .drawMode = &mode}));
     for (int32_t column = 0; column < 4; ++column) {
       const uint8_t level = pixels[column];
       expected.Set(column, 0, {level, level, level});
@@ -431,11 +413,10 @@ TEST(BitBltScaled, SourceDepthAndStep) {
       const SourceImage source(c.form, 20, 5, 9);
       const DRAWMODE mode = Mode();
       PlaneImage expected = BandImage(device);
-      EXPECT_EQ(1u, Transfer(device.handle(), {.destX = 1,
+      EXPECT_EQ(1u, Transfer(device.handle(), {.at = {1, 0},
                                                .source = source.record(),
-                                               .srcX = srcX,
-                                               .width = 11,
-                                               .height = 5,
+                                               .from = {srcX, 0},
+                                               .size = {11, 5},
                                                .rop = SRCCOPY,
                                                .drawMode = &mode}));
       PaintScaled(&expected, Mapping(r), c.bitsPerPixel, {1, 0, 12, 5}, srcX, 0, {SRCCOPY, &source, nullptr, &mode});
@@ -452,13 +433,13 @@ TEST(BitBltScaled, GrayModeGraysWhatItWrites) {
   LoadBand(&device, band);
   const DRAWMODE mode = Mode();
   // Inverted (EF, DF, CF), then (239 x 30 + 223 x 59 + 207 x 11) / 100.
-  EXPECT_EQ(1u, Transfer(device.handle(), {.destX = 2, .width = 3, .height = 1, .rop = DSTINVERT, .drawMode = &mode}));
+  EXPECT_EQ(1u, Transfer(device.handle(), {.at = {2, 0}, .size = {3, 1}, .rop = DSTINVERT, .drawMode = &mode}));
   PlaneImage expected = band;
   expected.Set(1, 0, {226, 226, 226});
   expected.Set(2, 0, {226, 226, 226});
   EXPECT_TRUE(BandShows(device, expected));
   // The operation that leaves the destination alone does not gray it either.
-  EXPECT_EQ(1u, Transfer(device.handle(), {.width = 8, .height = 1, .rop = 0x00AA0029, .drawMode = &mode}));
+  EXPECT_EQ(1u, Transfer(device.handle(), {.size = {8, 1}, .rop = 0x00AA0029, .drawMode = &mode}));
   EXPECT_TRUE(BandShows(device, expected));
 }
 
@@ -493,8 +474,7 @@ TEST(BitBltScaled, RefusedArgumentsPaintNothing) {
   for (const Case& c : kCases) {
     SCOPED_TRACE(c.name);
     EXPECT_EQ(1u, Transfer(device.handle(), {.source = c.source,
-                                             .width = 12,
-                                             .height = 6,
+                                             .size = {12, 6},
                                              .rop = c.rop,
                                              .brush = c.brush,
                                              .drawMode = c.mode,

@@ -181,13 +181,10 @@ void RunSourceCase(const SourceCase& c, const DeviceCase& d, const SourceForm& f
   const PhysicalBrush brush = HatchBrush(device.handle(), HS_DIAGCROSS, 0x00334455);
   const PlaneImage before = BandImage(device);
   PlaneImage expected = before;
-  EXPECT_EQ(1u, Transfer(device.handle(), {.destX = c.destX,
-                                           .destY = c.destY,
+  EXPECT_EQ(1u, Transfer(device.handle(), {.at = {c.destX, c.destY},
                                            .source = source.record(),
-                                           .srcX = c.srcX,
-                                           .srcY = c.srcY,
-                                           .width = c.width,
-                                           .height = c.height,
+                                           .from = {c.srcX, c.srcY},
+                                           .size = {c.width, c.height},
                                            .rop = rop,
                                            .brush = &brush,
                                            .drawMode = &mode,
@@ -224,13 +221,10 @@ TEST(TransferClipping, TouchedRectangleOfASourceTransfer) {
     source.Seal();
     const DRAWMODE mode = MakeDrawMode();
     const PlaneImage before = BandImage(device);
-    EXPECT_EQ(1u, Transfer(device.handle(), {.destX = c.destX,
-                                             .destY = c.destY,
+    EXPECT_EQ(1u, Transfer(device.handle(), {.at = {c.destX, c.destY},
                                              .source = source.record(),
-                                             .srcX = c.srcX,
-                                             .srcY = c.srcY,
-                                             .width = c.width,
-                                             .height = c.height,
+                                             .from = {c.srcX, c.srcY},
+                                             .size = {c.width, c.height},
                                              .rop = SRCINVERT,
                                              .drawMode = &mode,
                                              .clip = &c.clip}));
@@ -292,10 +286,8 @@ TEST(TransferClipping, TransfersWithoutASource) {
         const DRAWMODE mode = Mode();
         const PhysicalBrush brush = HatchBrush(device.handle(), HS_DIAGCROSS, 0x00334455);
         PlaneImage expected = BandImage(device);
-        EXPECT_EQ(1u, Transfer(device.handle(), {.destX = c.destX,
-                                                 .destY = c.destY,
-                                                 .width = c.width,
-                                                 .height = c.height,
+        EXPECT_EQ(1u, Transfer(device.handle(), {.at = {c.destX, c.destY},
+                                                 .size = {c.width, c.height},
                                                  .rop = rop,
                                                  .brush = &brush,
                                                  .drawMode = &mode,
@@ -312,11 +304,11 @@ TEST(TransferClipping, ClipDoesNotOutliveItsCall) {
   TestDevice device({.width = 10, .height = 4});
   const BandRect narrow{2, 1, 3, 2};
   PlaneImage expected = BandImage(device);
-  EXPECT_EQ(1u, Transfer(device.handle(), {.width = 10, .height = 4, .rop = BLACKNESS, .clip = &narrow}));
+  EXPECT_EQ(1u, Transfer(device.handle(), {.size = {10, 4}, .rop = BLACKNESS, .clip = &narrow}));
   expected.Set(2, 1, {0, 0, 0});
   EXPECT_TRUE(BandShows(device, expected));
   const BandRect none = kNoClip;
-  EXPECT_EQ(1u, Transfer(device.handle(), {.width = 10, .height = 4, .rop = WHITENESS, .clip = &none}));
+  EXPECT_EQ(1u, Transfer(device.handle(), {.size = {10, 4}, .rop = WHITENESS, .clip = &none}));
   expected.Fill({0, 0, 10, 4}, {0xFF, 0xFF, 0xFF});
   EXPECT_TRUE(BandShows(device, expected));
 }

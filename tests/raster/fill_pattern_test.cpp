@@ -30,10 +30,8 @@ PhysicalBrush CraftedBrush(uint16_t style, uint16_t depth, uint8_t fx, uint8_t f
 }
 
 void PaintPattern(const TestDevice& device, const PhysicalBrush* brush, const DRAWMODE* mode) {
-  EXPECT_EQ(1u, Transfer(device.handle(), {.destX = device.options().left,
-                                           .destY = device.options().top,
-                                           .width = kSize,
-                                           .height = kSize,
+  EXPECT_EQ(1u, Transfer(device.handle(), {.at = {device.options().left, device.options().top},
+                                           .size = {kSize, kSize},
                                            .rop = PATCOPY,
                                            .brush = brush,
                                            .drawMode = mode}));
@@ -101,12 +99,11 @@ TEST(FillPattern, FactorOfZeroPaintsNothing) {
         const SourceImage source(bits == 24 ? kColourSource : kGraySource, kSize, kSize, 3);
         const PlaneImage before = BandImage(device);
         for (uint32_t rop : {PATCOPY, PATINVERT, MERGECOPY, PATPAINT, 0x00E20746u, 0x00B8074Au, 0x000F0001u}) {
-          EXPECT_EQ(1u, Transfer(device.handle(), {.source = source.record(),
-                                                   .width = kSize,
-                                                   .height = kSize,
-                                                   .rop = rop,
-                                                   .brush = &brush,
-                                                   .drawMode = &mode}));
+          EXPECT_EQ(
+              1u,
+              Transfer(
+                  device.handle(),
+                  {.source = source.record(), .size = {kSize, kSize}, .rop = rop, .brush = &brush, .drawMode = &mode}));
           EXPECT_TRUE(BandShows(device, before)) << rop;
         }
         EXPECT_EQ(1u, PaintSpans(device, nullptr, &brush, &mode));
@@ -230,7 +227,7 @@ TEST(FillPattern, NoBrushIsBlackForPreparedPatterns) {
       const DRAWMODE mode = MakeDrawMode();
       PlaneImage expected = BandImage(device);
       EXPECT_EQ(1u, Transfer(device.handle(),
-                             {.source = source.record(), .width = kSize, .height = 3, .rop = rop, .drawMode = &mode}));
+                             {.source = source.record(), .size = {kSize, 3}, .rop = rop, .drawMode = &mode}));
       PaintExpected(&expected, {0, 0, kSize, 3}, 0, 0, {rop, &source, nullptr, &mode});
       EXPECT_TRUE(BandShows(device, expected));
     }

@@ -33,8 +33,7 @@ Brushes Make(DeviceHandle* handle) {
 
 // Paints over the whole band; whatever it paints, the pattern is prepared.
 void Prepare(const TestDevice& device, const PhysicalBrush* brush, const DRAWMODE& mode) {
-  EXPECT_EQ(1u, Transfer(device.handle(),
-                         {.width = kSize, .height = kSize, .rop = PATCOPY, .brush = brush, .drawMode = &mode}));
+  EXPECT_EQ(1u, Transfer(device.handle(), {.size = {kSize, kSize}, .rop = PATCOPY, .brush = brush, .drawMode = &mode}));
 }
 
 struct Case {
@@ -80,9 +79,8 @@ TEST(NullDrawMode, TransfersKeepTheOlderPattern) {
       FillWithNoise(&device.band(), 23);
       PlaneImage expected = BandImage(device);
       const PhysicalBrush* brush = c.brush == nullptr ? nullptr : &(brushes.*c.brush);
-      EXPECT_EQ(1u,
-                Transfer(device.handle(),
-                         {.source = source.record(), .width = kSize, .height = kSize, .rop = c.rop, .brush = brush}));
+      EXPECT_EQ(1u, Transfer(device.handle(),
+                             {.source = source.record(), .size = {kSize, kSize}, .rop = c.rop, .brush = brush}));
       if (c.painted) {
         const PhysicalBrush& painting = c.solidColour ? brushes.solid : brushes.pattern;
         PaintExpected(&expected, {0, 0, kSize, kSize}, 0, 0, {c.rop, &source, &painting, &mode});
@@ -103,11 +101,11 @@ TEST(NullDrawMode, NothingToPaintIsKept) {
     const PlaneImage before = BandImage(device);
     for (const PhysicalBrush* brush : {&brushes.solid, &brushes.hatched, &brushes.pattern}) {
       EXPECT_EQ(1u, Transfer(device.handle(),
-                             {.source = source.record(), .width = kSize, .height = kSize, .rop = rop, .brush = brush}));
+                             {.source = source.record(), .size = {kSize, kSize}, .rop = rop, .brush = brush}));
     }
     EXPECT_TRUE(BandShows(device, before));
     // An operation without a pattern does not care.
-    EXPECT_EQ(1u, Transfer(device.handle(), {.width = kSize, .height = kSize, .rop = BLACKNESS}));
+    EXPECT_EQ(1u, Transfer(device.handle(), {.size = {kSize, kSize}, .rop = BLACKNESS}));
     PlaneImage expected = before;
     expected.Fill({0, 0, kSize, kSize}, {0, 0, 0});
     EXPECT_TRUE(BandShows(device, expected));
@@ -124,15 +122,12 @@ TEST(NullDrawMode, FirstCallHasNoPattern) {
       const SourceImage source(bits == 24 ? kColourSource : kGraySource, kSize, kSize, 25);
       PlaneImage expected = BandImage(device);
       for (const PhysicalBrush* brush : {&brushes.hatched, &brushes.pattern}) {
-        EXPECT_EQ(1u,
-                  Transfer(device.handle(),
-                           {.source = source.record(), .width = kSize, .height = kSize, .rop = rop, .brush = brush}));
+        EXPECT_EQ(1u, Transfer(device.handle(),
+                               {.source = source.record(), .size = {kSize, kSize}, .rop = rop, .brush = brush}));
         EXPECT_TRUE(BandShows(device, expected));
       }
-      EXPECT_EQ(
-          1u,
-          Transfer(device.handle(),
-                   {.source = source.record(), .width = kSize, .height = kSize, .rop = rop, .brush = &brushes.solid}));
+      EXPECT_EQ(1u, Transfer(device.handle(),
+                             {.source = source.record(), .size = {kSize, kSize}, .rop = rop, .brush = &brushes.solid}));
       if (rop == PATCOPY || rop == PATINVERT || rop == kPn) {
         PaintExpected(&expected, {0, 0, kSize, kSize}, 0, 0, {rop, &source, &brushes.solid, nullptr});
       }
@@ -149,8 +144,7 @@ TEST(NullDrawMode, HollowBrushReplacesTheStyleAlone) {
   Prepare(device, &brushes.pattern, mode);
   Prepare(device, &brushes.hollow, mode);
   const PlaneImage before = BandImage(device);
-  EXPECT_EQ(1u,
-            Transfer(device.handle(), {.width = kSize, .height = kSize, .rop = PATCOPY, .brush = &brushes.pattern}));
+  EXPECT_EQ(1u, Transfer(device.handle(), {.size = {kSize, kSize}, .rop = PATCOPY, .brush = &brushes.pattern}));
   EXPECT_TRUE(BandShows(device, before));
   Prepare(device, &brushes.solid, mode);
   PlaneImage expected = before;
@@ -181,8 +175,7 @@ TEST(NullDrawMode, TransfersPaintWhatSpansPrepared) {
   const PhysicalPen pen = SolidPen(device.handle(), 0x00010203);
   const int16_t points[] = {0, 0, 0, 1};
   EXPECT_EQ(1u, QNVOutput(device.handle(), OS_SCANLINES, 2, points, &pen, nullptr, &mode, &kEverywhere) & 0xFFFF);
-  EXPECT_EQ(1u,
-            Transfer(device.handle(), {.width = kSize, .height = kSize, .rop = PATCOPY, .brush = &brushes.hatched}));
+  EXPECT_EQ(1u, Transfer(device.handle(), {.size = {kSize, kSize}, .rop = PATCOPY, .brush = &brushes.hatched}));
   PlaneImage expected = BandImage(device);
   expected.Fill({0, 0, kSize, kSize}, {1, 2, 3});
   EXPECT_TRUE(BandShows(device, expected));

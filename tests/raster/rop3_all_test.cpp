@@ -47,12 +47,10 @@ void CheckAll(uint16_t depth, uint16_t resolution, const SourceForm& form) {
                    std::to_string(depth) + " bits");
       FillWithNoise(&device.band(), index);
       PlaneImage expected = BandImage(device);
-      EXPECT_EQ(1u, Transfer(device.handle(), {.destX = 3,
-                                               .destY = 1,
+      EXPECT_EQ(1u, Transfer(device.handle(), {.at = {3, 1},
                                                .source = source.record(),
-                                               .srcX = 5,
-                                               .width = kWidth,
-                                               .height = kHeight,
+                                               .from = {5, 0},
+                                               .size = {kWidth, kHeight},
                                                .rop = index << 16,
                                                .brush = &b.brush,
                                                .drawMode = &mode}));
@@ -77,7 +75,7 @@ TEST(Rop3All, DestinationIsNoOperation) {
       SCOPED_TRACE(std::to_string(depth) + " bits, " + std::to_string(rop));
       TestDevice device({.bitsPerPixel = depth, .width = 9, .height = 3});
       const PlaneImage before = BandImage(device);
-      EXPECT_EQ(1u, Transfer(device.handle(), {.width = 9, .height = 3, .rop = rop}));
+      EXPECT_EQ(1u, Transfer(device.handle(), {.size = {9, 3}, .rop = rop}));
       EXPECT_TRUE(BandShows(device, before));
     }
   }

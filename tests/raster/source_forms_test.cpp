@@ -48,12 +48,10 @@ TEST(SourceForms, EveryDepthAndPhase) {
       SCOPED_TRACE(std::string(c.form.name) + ", " + std::to_string(c.depth) + "-bit band, from " +
                    std::to_string(srcX));
       PlaneImage expected = BandImage(device);
-      EXPECT_EQ(1u, Transfer(device.handle(), {.destX = 2,
+      EXPECT_EQ(1u, Transfer(device.handle(), {.at = {2, 0},
                                                .source = source.record(),
-                                               .srcX = srcX,
-                                               .srcY = 1,
-                                               .width = 23,
-                                               .height = 3,
+                                               .from = {srcX, 1},
+                                               .size = {23, 3},
                                                .rop = SRCCOPY,
                                                .drawMode = &mode}));
       PaintExpected(&expected, {2, 0, 25, 3}, srcX, 1, {SRCCOPY, &source, nullptr, &mode});
@@ -71,8 +69,8 @@ TEST(SourceForms, RowBytesAreUnsigned) {
     const SourceImage source(kColourSource, 10, 3, 7, slack);
     const DRAWMODE mode = MakeDrawMode();
     PlaneImage expected = BandImage(device);
-    EXPECT_EQ(1u, Transfer(device.handle(),
-                           {.source = source.record(), .width = 10, .height = 3, .rop = SRCCOPY, .drawMode = &mode}));
+    EXPECT_EQ(
+        1u, Transfer(device.handle(), {.source = source.record(), .size = {10, 3}, .rop = SRCCOPY, .drawMode = &mode}));
     PaintExpected(&expected, {0, 0, 10, 3}, 0, 0, {SRCCOPY, &source, nullptr, &mode});
     EXPECT_TRUE(BandShows(device, expected));
   }
@@ -85,8 +83,8 @@ TEST(SourceForms, RowsMayOverlap) {
   source.mutableRecord()->bmWidthBytes = 0;
   const DRAWMODE mode = MakeDrawMode();
   PlaneImage expected = BandImage(device);
-  EXPECT_EQ(1u, Transfer(device.handle(),
-                         {.source = source.record(), .width = 4, .height = 3, .rop = SRCCOPY, .drawMode = &mode}));
+  EXPECT_EQ(1u,
+            Transfer(device.handle(), {.source = source.record(), .size = {4, 3}, .rop = SRCCOPY, .drawMode = &mode}));
   PaintExpected(&expected, {0, 0, 4, 3}, 0, 0, {SRCCOPY, &source, nullptr, &mode});
   EXPECT_TRUE(BandShows(device, expected));
   for (int32_t column = 0; column < 4; ++column) {
@@ -101,9 +99,9 @@ TEST(SourceForms, WidestSource) {
   mode.TextColor = 0x00112233;
   PlaneImage expected = BandImage(device);
   EXPECT_EQ(
-      1u, Transfer(
-              device.handle(),
-              {.source = source.record(), .srcX = 32755, .width = 20, .height = 2, .rop = SRCCOPY, .drawMode = &mode}));
+      1u,
+      Transfer(device.handle(),
+               {.source = source.record(), .from = {32755, 0}, .size = {20, 2}, .rop = SRCCOPY, .drawMode = &mode}));
   PaintExpected(&expected, {0, 0, 12, 2}, 32755, 0, {SRCCOPY, &source, nullptr, &mode});
   EXPECT_TRUE(BandShows(device, expected));
 }
@@ -124,13 +122,9 @@ TEST(SourceForms, EmptySources) {
       const SourceBitmap source{0, c.width, c.height, 8, 1, 1, nullptr};
       const PlaneImage before = BandImage(device);
       for (int32_t at : {-4, 0, 4}) {
-        EXPECT_EQ(1u, Transfer(device.handle(), {.source = &source,
-                                                 .srcX = at,
-                                                 .srcY = at,
-                                                 .width = 8,
-                                                 .height = 8,
-                                                 .rop = SRCCOPY,
-                                                 .drawMode = &mode}));
+        EXPECT_EQ(1u,
+                  Transfer(device.handle(),
+                           {.source = &source, .from = {at, at}, .size = {8, 8}, .rop = SRCCOPY, .drawMode = &mode}));
       }
       EXPECT_TRUE(BandShows(device, before));
     }
@@ -145,8 +139,7 @@ TEST(SourceForms, DrawModeColoursAreExchanged) {
   DRAWMODE mode = MakeDrawMode();
   mode.TextColor = 0x000000FF;
   mode.bkColor = 0x7F00FF00;  // the top byte is no part of a colour
-  EXPECT_EQ(1u,
-            Transfer(device.handle(), {.source = &source, .width = 2, .height = 1, .rop = SRCCOPY, .drawMode = &mode}));
+  EXPECT_EQ(1u, Transfer(device.handle(), {.source = &source, .size = {2, 1}, .rop = SRCCOPY, .drawMode = &mode}));
   PlaneImage expected = BandImage(device);
   expected.Set(0, 0, {0x00, 0x00, 0xFF});
   expected.Set(1, 0, {0x00, 0xFF, 0x00});

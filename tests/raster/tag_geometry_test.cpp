@@ -74,12 +74,8 @@ TEST(TagGeometry, WholeRectangles) {
     Device d(c.place);
     PlaneImage band = BandImage(d.device);
     PlaneImage tags = TagImage(d.device);
-    EXPECT_EQ(1u, Transfer(d.device.handle(), {.destX = c.destX,
-                                               .destY = c.destY,
-                                               .width = c.width,
-                                               .height = c.height,
-                                               .rop = BLACKNESS,
-                                               .clip = &c.clip}));
+    EXPECT_EQ(1u, Transfer(d.device.handle(),
+                           {.at = {c.destX, c.destY}, .size = {c.width, c.height}, .rop = BLACKNESS, .clip = &c.clip}));
     band.Fill(c.painted, {0, 0, 0});
     tags.Fill(c.tagged, {1, 0, 0});
     EXPECT_TRUE(BandShows(d.device, band));
@@ -94,12 +90,10 @@ TEST(TagGeometry, CopyTagsPastItsSource) {
   const DRAWMODE mode = MakeDrawMode();
   PlaneImage band = BandImage(d.device);
   PlaneImage tags = TagImage(d.device);
-  EXPECT_EQ(1u, Transfer(d.device.handle(), {.destX = 2,
-                                             .destY = 1,
+  EXPECT_EQ(1u, Transfer(d.device.handle(), {.at = {2, 1},
                                              .source = source.record(),
-                                             .srcX = 1,
-                                             .width = 10,
-                                             .height = 8,
+                                             .from = {1, 0},
+                                             .size = {10, 8},
                                              .rop = SRCCOPY,
                                              .drawMode = &mode}));
   PaintExpected(&band, {2, 1, 5, 4}, 1, 0, {SRCCOPY, &source, nullptr, &mode});
@@ -196,13 +190,10 @@ TEST(TagGeometry, ColourSources) {
     const DRAWMODE mode = MakeDrawMode();
     PlaneImage band = BandImage(d.device);
     PlaneImage tags = TagImage(d.device);
-    EXPECT_EQ(1u, Transfer(d.device.handle(), {.destX = c.destX,
-                                               .destY = c.destY,
+    EXPECT_EQ(1u, Transfer(d.device.handle(), {.at = {c.destX, c.destY},
                                                .source = source.record(),
-                                               .srcX = c.srcX,
-                                               .srcY = c.srcY,
-                                               .width = c.width,
-                                               .height = c.height,
+                                               .from = {c.srcX, c.srcY},
+                                               .size = {c.width, c.height},
                                                .rop = SRCAND,
                                                .drawMode = &mode,
                                                .clip = &c.clip}));
@@ -227,13 +218,10 @@ TEST(TagGeometry, OneBitSources) {
     const DRAWMODE mode = MakeDrawMode();  // black on white
     PlaneImage band = BandImage(d.device);
     PlaneImage tags = TagImage(d.device);
-    EXPECT_EQ(1u, Transfer(d.device.handle(), {.destX = c.destX,
-                                               .destY = c.destY,
+    EXPECT_EQ(1u, Transfer(d.device.handle(), {.at = {c.destX, c.destY},
                                                .source = source.record(),
-                                               .srcX = c.srcX,
-                                               .srcY = c.srcY,
-                                               .width = c.width,
-                                               .height = c.height,
+                                               .from = {c.srcX, c.srcY},
+                                               .size = {c.width, c.height},
                                                .rop = SRCAND,
                                                .drawMode = &mode,
                                                .clip = &c.clip}));
@@ -282,10 +270,8 @@ TEST(TagGeometry, Brushes) {
     }();
     PlaneImage band = BandImage(d.device);
     PlaneImage tags = TagImage(d.device);
-    EXPECT_EQ(1u, Transfer(d.device.handle(), {.destX = c.destX,
-                                               .destY = c.destY,
-                                               .width = 9,
-                                               .height = 5,
+    EXPECT_EQ(1u, Transfer(d.device.handle(), {.at = {c.destX, c.destY},
+                                               .size = {9, 5},
                                                .rop = 0x00A000C9,
                                                .brush = &brush,
                                                .drawMode = &mode,

@@ -97,7 +97,7 @@ TEST(TagImages, EveryClass) {
   for (bool uniform : {false, true}) {
     for (const Case& c : kCases) {
       SCOPED_TRACE(std::string(c.name) + (uniform ? ", uniform plane" : ""));
-      TestDevice device({.width = 9, .height = 5, .left = 20, .top = 10, .tagPlane = true});
+      DualPlaneDevice device({.width = 9, .height = 5, .left = 20, .top = 10});
       TestDevice plain({.width = 9, .height = 5, .left = 20, .top = 10});
       if (uniform) {
         device.tags()->Fill(kOldTag);
@@ -128,7 +128,7 @@ TEST(TagImages, EveryClass) {
 TEST(TagImages, ClippedWithTheImage) {
   for (uint32_t rop : {SRCCOPY, SRCAND, ROP_MINIMUM}) {
     SCOPED_TRACE(rop);
-    TestDevice device({.width = 9, .height = 5, .left = 20, .top = 10, .tagPlane = true});
+    DualPlaneDevice device({.width = 9, .height = 5, .left = 20, .top = 10});
     MakeTagsMixed(&device, 2);
     device.SetOrigin(2, 1);
     const PhysicalBrush brush = Solid(kRed);

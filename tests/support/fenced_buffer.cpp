@@ -1,3 +1,4 @@
+// Fenced memory: an unreadable page behind the block on Linux, canaries around it elsewhere.
 #include "support/fenced_buffer.h"
 
 #include <cstdlib>

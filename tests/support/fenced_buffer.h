@@ -4,6 +4,8 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
+#include <vector>
 
 namespace qnv::test {
 
@@ -27,6 +29,23 @@ class FencedBuffer {
   std::size_t mappingSize_ = 0;
   uint8_t* data_ = nullptr;
   std::size_t size_ = 0;
+};
+
+// Read-only input of a call at the very end of a fenced block, so that reading past it stops the test.
+class FencedInput {
+ public:
+  explicit FencedInput(const std::vector<uint8_t>& bytes) : buffer_(bytes.size(), 0), original_(bytes) {
+    if (!bytes.empty()) std::memcpy(buffer_.data(), bytes.data(), bytes.size());
+  }
+  const void* data() const { return buffer_.data(); }
+  bool Unchanged() const {
+    return buffer_.FencesIntact() &&
+           (original_.empty() || std::memcmp(buffer_.data(), original_.data(), original_.size()) == 0);
+  }
+
+ private:
+  FencedBuffer buffer_;
+  std::vector<uint8_t> original_;
 };
 
 }  // namespace qnv::test

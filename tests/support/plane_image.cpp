@@ -1,3 +1,4 @@
+// Comparing planes, and planes as pictures of letters.
 #include "support/plane_image.h"
 
 #include <algorithm>
@@ -43,9 +44,19 @@ PlaneImage::PlaneImage(std::string name, uint32_t columns, uint32_t rows, uint32
   if (bytes_.size() != std::size_t{stride_} * rows_) throw std::invalid_argument("plane of another size");
 }
 
-std::size_t PlaneImage::Offset(int32_t column, int32_t row) const {
+std::size_t PlaneImage::Offset(int64_t column, int64_t row) const {
   if (column < 0 || row < 0 || column >= columns() || row >= rows()) throw std::out_of_range("pixel outside the plane");
   return static_cast<std::size_t>(row) * stride_ + static_cast<std::size_t>(column * bytesPerPixel_);
+}
+
+void PlaneImage::SetColor(int64_t column, int64_t row, uint32_t color) {
+  uint8_t* pixel = bytes_.data() + Offset(column, row);
+  for (int i = 0; i < bytesPerPixel_; ++i) pixel[i] = static_cast<uint8_t>(color >> (16 - 8 * i));
+}
+
+uint32_t PlaneImage::Color(int64_t column, int64_t row) const {
+  const uint8_t* pixel = bytes_.data() + Offset(column, row);
+  return bytesPerPixel_ == 1 ? Gray(pixel[0]) : uint32_t{pixel[0]} << 16 | uint32_t{pixel[1]} << 8 | pixel[2];
 }
 
 void PlaneImage::Set(int32_t column, int32_t row, const PixelBytes& value) {
@@ -105,6 +116,77 @@ testing::AssertionResult TagsShow(const TestDevice& device, const PlaneImage& ex
   if (!device.FencesIntact()) return testing::AssertionFailure() << "memory outside the planes was written";
   return SameImage(expected, TagImage(device));
 }
+
+PlaneImage UntouchedBand(const TestDevice& device) {
+  PlaneImage plane = BandImage(device);
+  plane.FillBytes(device.options().fill);
+  return plane;
+}
+
+PlaneImage UntouchedTags(const TestDevice& device) {
+  PlaneImage plane = TagImage(device);
+  plane.FillBytes(device.options().fill);
+  return plane;
+}
+
+testing::AssertionResult BandUntouched(const TestDevice& device) { return BandShows(device, UntouchedBand(device)); }
+
+PlaneImage Drawn(PlaneImage base, const PictureInks& inks, std::string_view picture) {
+  int32_t pixel = 0;
+  for (char letter : picture) {
+    if (letter == ' ') {
+      EXPECT_EQ(0, pixel % base.columns()) << "a blank within a row of the picture";
+      continue;
+    }
+    const int32_t column = pixel % base.columns();
+    const int32_t row = pixel++ / base.columns();
+    if (letter == '.') continue;
+    const auto ink = std::find_if(inks.begin(), inks.end(), [&](const PictureInk& i) { return i.letter == letter; });
+    if (ink == inks.end() || row >= base.rows()) {
+      ADD_FAILURE() << "letter " << letter << " of the picture has no ink or no pixel";
+      return base;
+    }
+    base.SetColor(column, row, ink->color);
+  }
+  EXPECT_EQ(0, pixel % base.columns()) << "the picture ends within a row";
+  EXPECT_LE(pixel, base.columns() * base.rows()) << "the picture is larger than the plane";
+  return base;
+}
+
+testing::AssertionResult PlaneIs(const PlaneImage& got, const PlaneImage& untouched, const PictureInks& inks,
+                                 std::string_view picture) {
+  testing::AssertionResult same = SameImage(Drawn(untouched, inks, picture), got);
+  if (same || got.columns() > 64) return same;
+  for (int32_t row = 0; row < got.rows(); ++row) {
+    same << '\n';
+    for (int32_t column = 0; column < got.columns(); ++column) {
+      const uint32_t color = got.Color(column, row);
+      char letter = color == untouched.Color(column, row) ? '.' : '?';
+      for (const PictureInk& ink : inks) {
+        const uint32_t stored = got.bytesPerPixel() == 3 ? ink.color & 0xFFFFFF : Gray((ink.color >> 16) & 0xFF);
+        if (color == stored) letter = ink.letter;
+      }
+      same << letter;
+    }
+  }
+  return same;
+}
+
+testing::AssertionResult BandIs(const TestDevice& device, const PictureInks& inks, std::string_view picture) {
+  if (!device.FencesIntact()) return testing::AssertionFailure() << "memory outside the planes was written";
+  return PlaneIs(BandImage(device), UntouchedBand(device), inks, picture);
+}
+
+testing::AssertionResult TagsAre(const TestDevice& device, const PictureInks& inks, std::string_view picture) {
+  if (!device.FencesIntact()) return testing::AssertionFailure() << "memory outside the planes was written";
+  return PlaneIs(TagImage(device), UntouchedTags(device), inks, picture);
+}
+
+bool IsGrayDevice(const TestDevice& device) {
+  return device.options().bitsPerPixel == (device.options().kind == QNV_KIND_SCALED ? 0 : 8);
+}
+
+uint32_t Physical(const TestDevice& device, uint32_t color) { return IsGrayDevice(device) ? GrayOf(color) : color; }
 
 BandRect TouchedRect(const PlaneImage& before, const PlaneImage& after) {
   BandRect touched{0, 0, 0, 0};

@@ -1,3 +1,4 @@
+// Makes the seeded calls of a scene.
 #include "support/scene.h"
 
 #include <array>
@@ -150,13 +151,11 @@ Scene::Step Scene::TransferStep() {
   const DRAWMODE mode = RandomMode();
   const BandRect clip = RandomClip();
   const bool keeps = options_.nullDrawModes && random_.Below(8) == 0;
-  TransferCall call{.destX = RandomX(),
-                    .destY = RandomY(),
+  TransferCall call{.at = {RandomX(), RandomY()},
                     .source = sources_[random_.Below(2)]->record(),
-                    .srcX = static_cast<int32_t>(random_.Below(kSourceSize)) - 4,
-                    .srcY = static_cast<int32_t>(random_.Below(kSourceSize)) - 4,
-                    .width = static_cast<int32_t>(random_.Below(width_)),
-                    .height = static_cast<int32_t>(random_.Below(height_)),
+                    .from = {static_cast<int32_t>(random_.Below(kSourceSize)) - 4,
+                             static_cast<int32_t>(random_.Below(kSourceSize)) - 4},
+                    .size = {static_cast<int32_t>(random_.Below(width_)), static_cast<int32_t>(random_.Below(height_))},
                     .rop = rop};
   return {"DevBitBlt of code " + std::to_string(rop), [=](DeviceHandle* h) {
             const PhysicalBrush physical = Realise(h, brush);

@@ -1,3 +1,4 @@
+// Source bitmaps of noise for transfers.
 #include "support/source_image.h"
 
 #include <cstring>

@@ -1,3 +1,4 @@
+// Devices, draw modes and drawing objects as a host would make them.
 #include "support/test_device.h"
 
 #include <cstdlib>

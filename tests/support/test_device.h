@@ -61,6 +61,14 @@ class TestDevice {
   DeviceHandle* handle_ = nullptr;
 };
 
+// The device classes with rules of their own: axes that may be scaled, and a second plane that says what each pixel is.
+struct ScaledDevice : TestDevice {
+  explicit ScaledDevice(DeviceOptions options) : TestDevice((options.kind = QNV_KIND_SCALED, options)) {}
+};
+struct DualPlaneDevice : TestDevice {
+  explicit DualPlaneDevice(DeviceOptions options) : TestDevice((options.tagPlane = true, options)) {}
+};
+
 // A draw mode with black text on white, copy pen, opaque background; the tests change what they need.
 DRAWMODE MakeDrawMode();
 

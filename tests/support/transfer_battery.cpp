@@ -1,3 +1,4 @@
+// The rules of every transfer operation, each checked against the model of one pixel.
 #include "support/transfer_battery.h"
 
 #include <gtest/gtest.h>
@@ -83,11 +84,9 @@ void RunTransferExamples(uint32_t rop, std::span<const TransferExample> examples
     brush.colour = e.brush;
     const uint8_t bits = e.source[0] != 0 ? 0x80 : 0x00;
     const SourceBitmap source{0, 1, 1, 4, 1, e.sourceBits, e.sourceBits == 1 ? &bits : e.source.data()};
-    EXPECT_EQ(1u, Transfer(device.handle(), {.destX = 3,
-                                             .destY = 1,
+    EXPECT_EQ(1u, Transfer(device.handle(), {.at = {3, 1},
                                              .source = e.sourceBits == 0 ? nullptr : &source,
-                                             .width = 1,
-                                             .height = 1,
+                                             .size = {1, 1},
                                              .rop = rop,
                                              .brush = &brush,
                                              .drawMode = &mode}));
@@ -114,13 +113,10 @@ void CheckWidthsAndPhases(uint32_t rop) {
             mode.bkMode = phase % 2 == 0 ? OPAQUE : TRANSPARENT;
             FillWithNoise(&device.band(), static_cast<uint64_t>(width * 4 + phase));
             PlaneImage expected = BandImage(device);
-            EXPECT_EQ(1u, Transfer(device.handle(), {.destX = left,
-                                                     .destY = 1,
+            EXPECT_EQ(1u, Transfer(device.handle(), {.at = {left, 1},
                                                      .source = source.record(),
-                                                     .srcX = srcX,
-                                                     .srcY = 2,
-                                                     .width = width,
-                                                     .height = 2,
+                                                     .from = {srcX, 2},
+                                                     .size = {width, 2},
                                                      .rop = rop,
                                                      .brush = &b.brush,
                                                      .drawMode = &mode}));
@@ -147,9 +143,8 @@ void CheckLargeArea(uint32_t rop) {
       FillWithNoise(&device.band(), rop);
       PlaneImage expected = BandImage(device);
       EXPECT_EQ(1u, Transfer(device.handle(), {.source = source.record(),
-                                               .srcX = 5,
-                                               .width = kWidth,
-                                               .height = 5,
+                                               .from = {5, 0},
+                                               .size = {kWidth, 5},
                                                .rop = rop,
                                                .brush = &brush,
                                                .drawMode = &mode}));
@@ -176,7 +171,7 @@ void CheckUnreadArguments(uint32_t rop) {
       PaintExpected(&expected, {2, 1, 7, 3}, 0, 0, inputs);
       EXPECT_TRUE(BandShows(device, expected));
     };
-    TransferCall call{.destX = 2, .destY = 1, .width = 5, .height = 2, .rop = rop, .brush = &solid, .drawMode = &mode};
+    TransferCall call{.at = {2, 1}, .size = {5, 2}, .rop = rop, .brush = &solid, .drawMode = &mode};
     const TransferInputs inputs{rop, &colour, &solid, &mode};
     if (!IndexUsesSource(index)) {
       call.source = NotToBeRead<SourceBitmap>();
@@ -209,8 +204,7 @@ void CheckNullArguments(uint32_t rop) {
     const DRAWMODE mode = ExampleMode();
     const PhysicalBrush solid = NoiseBrush(BS_SOLID, 0, 1, 9);
     const SourceImage oneBit(kOneBitSource, 9, 3, 10);
-    const TransferCall whole{
-        .source = oneBit.record(), .width = 9, .height = 3, .rop = rop, .brush = &solid, .drawMode = &mode};
+    const TransferCall whole{.source = oneBit.record(), .size = {9, 3}, .rop = rop, .brush = &solid, .drawMode = &mode};
     const auto paintsNothing = [&](const char* name, const TransferCall& call) {
       SCOPED_TRACE(std::to_string(depth) + " bits, " + name);
       EXPECT_EQ(1u, Transfer(device.handle(), call));
@@ -253,27 +247,16 @@ void CheckExtentsAndCode(uint32_t rop) {
     const DRAWMODE mode = ExampleMode();
     const PhysicalBrush brush = NoiseBrush(BS_PATTERN, 24, 1, 11);
     const SourceImage source(kOneBitSource, 20, 20, 12);
-    TransferCall call{.destX = 4,
-                      .destY = 2,
-                      .source = source.record(),
-                      .srcX = 6,
-                      .srcY = 6,
-                      .rop = rop,
-                      .brush = &brush,
-                      .drawMode = &mode};
-    struct Extent {
-      int32_t width;
-      int32_t height;
-    };
-    for (const Extent& e : {Extent{0, 2}, Extent{2, 0}, Extent{0, 0}, Extent{-2, 2}, Extent{2, -2}, Extent{-3, -2}}) {
+    TransferCall call{
+        .at = {4, 2}, .source = source.record(), .from = {6, 6}, .rop = rop, .brush = &brush, .drawMode = &mode};
+    for (const TransferSize& e : {TransferSize{0, 2}, TransferSize{2, 0}, TransferSize{0, 0}, TransferSize{-2, 2},
+                                  TransferSize{2, -2}, TransferSize{-3, -2}}) {
       SCOPED_TRACE(std::to_string(depth) + " bits, " + std::to_string(e.width) + " x " + std::to_string(e.height));
-      call.width = e.width;
-      call.height = e.height;
+      call.size = e;
       EXPECT_EQ(1u, Transfer(device.handle(), call));
       EXPECT_TRUE(BandShows(device, before));
     }
-    call.width = 3;
-    call.height = 2;
+    call.size = {3, 2};
     for (uint32_t lowWord : {0x0000u, 0xFFFFu, 0x0020u}) {
       SCOPED_TRACE(std::to_string(depth) + " bits, low word " + std::to_string(lowWord));
       LoadBand(&device, before);

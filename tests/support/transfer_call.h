@@ -7,14 +7,21 @@
 
 namespace qnv::test {
 
-struct TransferCall {
-  int32_t destX = 0;
-  int32_t destY = 0;
-  const SourceBitmap* source = nullptr;
-  int32_t srcX = 0;
-  int32_t srcY = 0;
+struct TransferPoint {
+  int32_t x = 0;
+  int32_t y = 0;
+};
+
+struct TransferSize {
   int32_t width = 0;
   int32_t height = 0;
+};
+
+struct TransferCall {
+  TransferPoint at{};  // of the destination
+  const SourceBitmap* source = nullptr;
+  TransferPoint from{};  // of the source
+  TransferSize size{};
   uint32_t rop = 0;
   const PhysicalBrush* brush = nullptr;
   const DRAWMODE* drawMode = nullptr;
@@ -23,8 +30,8 @@ struct TransferCall {
 
 // The 16-bit result.
 inline uint32_t Transfer(DeviceHandle* handle, const TransferCall& call) {
-  return QNVDevBitBlt(handle, call.destX, call.destY, call.source, call.srcX, call.srcY, call.width, call.height,
-                      call.rop, call.brush, call.drawMode, call.clip) &
+  return QNVDevBitBlt(handle, call.at.x, call.at.y, call.source, call.from.x, call.from.y, call.size.width,
+                      call.size.height, call.rop, call.brush, call.drawMode, call.clip) &
          0xFFFF;
 }
 

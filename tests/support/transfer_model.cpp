@@ -1,3 +1,4 @@
+// The model of one transferred pixel: pattern, source and destination through the truth table of the index.
 #include "support/transfer_model.h"
 
 #include <algorithm>

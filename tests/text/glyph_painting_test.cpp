@@ -28,15 +28,15 @@ TEST(GlyphPainting, EveryWidthAndCut) {
         TestDevice device({.bitsPerPixel = static_cast<uint16_t>(cut % 2 == 0 ? 24 : 8), .width = 31, .height = 5});
         DRAWMODE mode = TextMode(OPAQUE);
         const BandRect clip{2 + cut, 0, 2 + cut + keep, 5};
-        PicturePlane expected = UntouchedBand(device);
+        PlaneImage expected = UntouchedBand(device);
         for (int row = 0; row < kHeight; ++row) {
           for (int column = cut; column < width && column < cut + keep; ++column) {
-            expected.Put(static_cast<uint32_t>(2 + column), static_cast<uint32_t>(1 + row),
-                         BitAt(width, column, row) ? kTextColour : kBackColour);
+            expected.SetColor(static_cast<uint32_t>(2 + column), static_cast<uint32_t>(1 + row),
+                              BitAt(width, column, row) ? kTextColour : kBackColour);
           }
         }
         EXPECT_EQ(width, DrawTextAt(device, 2, 1, "a", font, mode, {.clip = &clip}));
-        EXPECT_TRUE(SamePlane(expected, CurrentBand(device)))
+        EXPECT_TRUE(SameImage(expected, BandImage(device)))
             << "width " << width << ", cut " << cut << ", kept " << keep;
         EXPECT_TRUE(device.FencesIntact());
       }
@@ -55,15 +55,15 @@ TEST(GlyphPainting, EveryRowCut) {
       TestDevice device({.width = 17, .height = 11});
       DRAWMODE mode = TextMode(OPAQUE);
       const BandRect clip{0, top, 17, top + rows};
-      PicturePlane expected = UntouchedBand(device);
+      PlaneImage expected = UntouchedBand(device);
       for (int row = top; row < kHeight && row < top + rows; ++row) {
         for (int column = 0; column < 17; ++column) {
-          expected.Put(static_cast<uint32_t>(column), static_cast<uint32_t>(row),
-                       BitAt(17, column, row) ? kTextColour : kBackColour);
+          expected.SetColor(static_cast<uint32_t>(column), static_cast<uint32_t>(row),
+                            BitAt(17, column, row) ? kTextColour : kBackColour);
         }
       }
       DrawTextAt(device, 0, 0, "a", font, mode, {.clip = &clip});
-      EXPECT_TRUE(SamePlane(expected, CurrentBand(device))) << "top " << top << ", rows " << rows;
+      EXPECT_TRUE(SameImage(expected, BandImage(device))) << "top " << top << ", rows " << rows;
     }
   }
 }
@@ -78,18 +78,18 @@ TEST(GlyphPainting, AcrossBands) {
     for (int32_t top = 0; top < 15; top += static_cast<int32_t>(bandRows)) {
       TestDevice device({.width = 20, .height = bandRows, .top = top});
       DRAWMODE mode = TextMode(TRANSPARENT);
-      PicturePlane expected = UntouchedBand(device);
+      PlaneImage expected = UntouchedBand(device);
       for (int row = 0; row < kHeight; ++row) {
         const int bandRow = 2 + row - top;
         if (bandRow < 0 || bandRow >= static_cast<int>(bandRows)) continue;
         for (int column = 0; column < 17; ++column) {
           if (BitAt(17, column, row)) {
-            expected.Put(static_cast<uint32_t>(1 + column), static_cast<uint32_t>(bandRow), kTextColour);
+            expected.SetColor(static_cast<uint32_t>(1 + column), static_cast<uint32_t>(bandRow), kTextColour);
           }
         }
       }
       DrawTextAt(device, 1, 2, "a", font, mode);
-      EXPECT_TRUE(SamePlane(expected, CurrentBand(device))) << "band of " << bandRows << " rows at " << top;
+      EXPECT_TRUE(SameImage(expected, BandImage(device))) << "band of " << bandRows << " rows at " << top;
       EXPECT_TRUE(device.FencesIntact());
     }
   }

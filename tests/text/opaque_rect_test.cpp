@@ -30,16 +30,9 @@ const char* const kTextAlone =
     "....TTT......"
     "....T.T......"
     "....T.T......"
-    "....TTT......"
-    ".............";
+    "....TTT......";
 
-const char* const kNothing =
-    "............."
-    "............."
-    "............."
-    "............."
-    "............."
-    ".............";
+const char* const kNothing = ".............";
 
 const OpaqueCase kCases[] = {
     {.name = "below transparent text",
@@ -48,8 +41,7 @@ const OpaqueCase kCases[] = {
                 "...OTTTOO...."
                 "...OTOTOO...."
                 "....T.T......"
-                "....TTT......"
-                "............."},
+                "....TTT......"},
     {.name = "below opaque text",
      .rect = {3, 0, 9, 3},
      .bkMode = OPAQUE,
@@ -57,8 +49,7 @@ const OpaqueCase kCases[] = {
                 "...OTTTOO...."
                 "...OTBTOO...."
                 "....TBT......"
-                "....TTT......"
-                "............."},
+                "....TTT......"},
     {.name = "without the option nothing is filled", .rect = {3, 0, 9, 3}, .options = 0, .picture = kTextAlone},
     {.name = "the fill is cut to the clip",
      .clip = {5, 0, 8, 6},
@@ -67,37 +58,27 @@ const OpaqueCase kCases[] = {
                 ".....TTO....."
                 ".....OTO....."
                 "......T......"
-                ".....TT......"
-                "............."},
+                ".....TT......"},
     {.name = "clipped: the text is cut to it as well",
      .rect = {3, 0, 6, 3},
      .options = ETO_OPAQUE | ETO_CLIPPED,
      .picture = "...OOO......."
                 "...OTT......."
-                "...OTO......."
-                "............."
-                "............."
-                "............."},
+                "...OTO......."},
     {.name = "clipped without a clip rectangle",
      .withClip = false,
      .rect = {3, 0, 6, 3},
      .options = ETO_OPAQUE | ETO_CLIPPED,
      .picture = "...OOO......."
                 "...OTT......."
-                "...OTO......."
-                "............."
-                "............."
-                "............."},
+                "...OTO......."},
     {.name = "clipped, with a clip rectangle: both cut both",
      .clip = {5, 1, 13, 6},
      .rect = {3, 0, 9, 3},
      .options = ETO_OPAQUE | ETO_CLIPPED,
      .picture = "............."
                 ".....TTOO...."
-                ".....OTOO...."
-                "............."
-                "............."
-                "............."},
+                ".....OTOO...."},
     {.name = "a rectangle outside the clip fills nothing",
      .clip = {0, 0, 3, 6},
      .rect = {3, 0, 9, 3},
@@ -122,8 +103,7 @@ const OpaqueCase kCases[] = {
                 "...OTTTOO...."
                 "...OTOTOO...."
                 "....T.T......"
-                "....TTT......"
-                "............."},
+                "....TTT......"},
     // What lies left of or above 0 in the caller's coordinates is not filled, wherever the origin puts it.
     {.name = "the part left of the caller's 0 is not filled",
      .x = 0,
@@ -134,8 +114,7 @@ const OpaqueCase kCases[] = {
                 "....TTTO....."
                 "....TOTO....."
                 "....T.T......"
-                "....TTT......"
-                "............."},
+                "....TTT......"},
     {.name = "the part above the caller's 0 is not filled",
      .x = 4,
      .y = 0,
@@ -145,8 +124,7 @@ const OpaqueCase kCases[] = {
                 "...OTTTOO...."
                 "...OTOTOO...."
                 "....T.T......"
-                "....TTT......"
-                "............."},
+                "....TTT......"},
     {.name = "wholly left of the caller's 0",
      .x = 0,
      .y = 1,
@@ -158,19 +136,13 @@ const OpaqueCase kCases[] = {
      .rect = {3, 0, 9, 3},
      .picture = "...OOOOOO...."
                 "...OOOOOO...."
-                "...OOOOOO...."
-                "............."
-                "............."
-                "............."},
+                "...OOOOOO...."},
     {.name = "so does a call with no character",
      .count = 0,
      .rect = {3, 0, 9, 3},
      .picture = "...OOOOOO...."
                 "...OOOOOO...."
-                "...OOOOOO...."
-                "............."
-                "............."
-                "............."},
+                "...OOOOOO...."},
 };
 
 TEST(OpaqueRect, Cases) {
@@ -205,9 +177,7 @@ TEST(OpaqueRect, NoCharactersWithWidths) {
   const int16_t widths[1] = {5};
   EXPECT_EQ(
       0, DrawTextAt(device, 0, 0, "", font, mode, {.charWidths = widths, .opaqueRect = &rect, .options = ETO_OPAQUE}));
-  EXPECT_TRUE(BandIs(device, {{'O', kBackColour}},
-                     ".OO..."
-                     "......"));
+  EXPECT_TRUE(BandIs(device, {{'O', kBackColour}}, ".OO..."));
 }
 
 // The option without a rectangle does nothing.

@@ -1,7 +1,7 @@
 // Text on the dual-plane device: glyph pixels and the opaque rectangle take tag 1, opaque cell gaps tag 0.
 #include <gtest/gtest.h>
 
-#include "output/dual_plane.h"
+#include "support/tag_plane.h"
 #include "text/font_builder.h"
 
 namespace qnv::test {
@@ -25,13 +25,7 @@ struct DualCase {
   const char* tags = "";  // '1' graphics, '0' background, '.' still image
 };
 
-const char* const kNoTags =
-    "............."
-    "............."
-    "............."
-    "............."
-    "............."
-    ".............";
+const char* const kNoTags = ".............";
 
 const DualCase kCases[] = {
     {.name = "transparent",
@@ -39,25 +33,21 @@ const DualCase kCases[] = {
              "....111......"
              "....1.1......"
              "....1.1......"
-             "....111......"
-             "............."},
+             "....111......"},
     {.name = "opaque",
      .bkMode = OPAQUE,
      .tags = "............."
              "....111......"
              "....101......"
              "....101......"
-             "....111......"
-             "............."},
+             "....111......"},
     {.name = "clipped",
      .bkMode = OPAQUE,
      .clip = {5, 0, 13, 4},
      .tags = "............."
              ".....11......"
              ".....01......"
-             ".....01......"
-             "............."
-             "............."},
+             ".....01......"},
     {.name = "opaque rectangle below opaque text",
      .bkMode = OPAQUE,
      .withRect = true,
@@ -77,8 +67,7 @@ const DualCase kCases[] = {
              "..1111111...."
              "..1111111...."
              "....1.1......"
-             "....111......"
-             "............."},
+             "....111......"},
     {.name = "the rectangle is cut to the clip",
      .clip = {0, 1, 6, 3},
      .withRect = true,
@@ -86,10 +75,7 @@ const DualCase kCases[] = {
      .options = ETO_OPAQUE,
      .tags = "............."
              "..1111......."
-             "..1111......."
-             "............."
-             "............."
-             "............."},
+             "..1111......."},
     {.name = "the rectangle misses the clip",
      .clip = {0, 0, 2, 6},
      .withRect = true,
@@ -103,8 +89,7 @@ const DualCase kCases[] = {
              "....111......"
              "....1.1......"
              "....1.1......"
-             "....111......"
-             "............."},
+             "....111......"},
     {.name = "clipped to the rectangle",
      .bkMode = OPAQUE,
      .withRect = true,
@@ -114,8 +99,7 @@ const DualCase kCases[] = {
              "............."
              "....10......."
              "....10......."
-             "....11......."
-             "............."},
+             "....11......."},
     {.name = "clipped to and filled",
      .bkMode = OPAQUE,
      .withClip = false,
@@ -142,11 +126,7 @@ const DualCase kCases[] = {
      .rect = {2, 0, 5, 2},
      .options = ETO_OPAQUE,
      .tags = "..111........"
-             "..111........"
-             "............."
-             "............."
-             "............."
-             "............."},
+             "..111........"},
 };
 
 int32_t Draw(const TestDevice& device, const DualCase& c, const Font& font, DRAWMODE& mode) {
@@ -159,15 +139,15 @@ TEST(TextDualPlane, Cases) {
   const Font font = SmallFont().Build();
   for (const DualCase& c : kCases) {
     SCOPED_TRACE(c.name);
-    TestDevice device({.width = kColumns, .height = kRows, .tagPlane = true});
+    DualPlaneDevice device({.width = kColumns, .height = kRows});
     TestDevice plain({.width = kColumns, .height = kRows});
-    TagWholeBandAsImage(device);
+    MixTags(&device);
     DRAWMODE mode = TextMode(c.bkMode);
     DRAWMODE plainMode = mode;
     EXPECT_EQ(Draw(plain, c, font, plainMode), Draw(device, c, font, mode));
     EXPECT_EQ(0, std::memcmp(&plainMode, &mode, sizeof mode)) << "the draw mode";
     EXPECT_TRUE(TagsMarked(device, c.tags));
-    EXPECT_TRUE(SamePlane(CurrentBand(plain), CurrentBand(device))) << "colour plane";
+    EXPECT_TRUE(SameImage(BandImage(plain), BandImage(device))) << "colour plane";
   }
 }
 
@@ -175,21 +155,21 @@ TEST(TextDualPlane, UniformPlaneIsLeftAlone) {
   const Font font = SmallFont().Build();
   for (const DualCase& c : kCases) {
     SCOPED_TRACE(c.name);
-    TestDevice device({.width = kColumns, .height = kRows, .tagPlane = true});
+    DualPlaneDevice device({.width = kColumns, .height = kRows});
     TestDevice plain({.width = kColumns, .height = kRows});
     DRAWMODE mode = TextMode(c.bkMode);
     DRAWMODE plainMode = mode;
     EXPECT_EQ(Draw(plain, c, font, plainMode), Draw(device, c, font, mode));
-    EXPECT_TRUE(SamePlane(UntouchedTags(device), CurrentTags(device)));
-    EXPECT_TRUE(SamePlane(CurrentBand(plain), CurrentBand(device)));
+    EXPECT_TRUE(SameImage(UntouchedTags(device), TagImage(device)));
+    EXPECT_TRUE(SameImage(BandImage(plain), BandImage(device)));
   }
 }
 
 // Position, band and origin are those of the colour plane; the rectangle's origin too.
 TEST(TextDualPlane, BandAndOrigin) {
   const Font font = SmallFont().Build();
-  TestDevice device({.width = kColumns, .height = kRows, .left = 40, .top = 10, .tagPlane = true});
-  TagWholeBandAsImage(device);
+  DualPlaneDevice device({.width = kColumns, .height = kRows, .left = 40, .top = 10});
+  MixTags(&device);
   device.SetOrigin(38, 9);
   DRAWMODE mode = TextMode(OPAQUE);
   const BandRect rect{3, 2, 12, 5};
@@ -206,18 +186,14 @@ TEST(TextDualPlane, BandAndOrigin) {
 // The colour fill starts at the caller's 0, the marks do not.
 TEST(TextDualPlane, RectangleLeftOfTheCallersZero) {
   const Font font = SmallFont().Build();
-  TestDevice device({.width = kColumns, .height = 2, .tagPlane = true});
-  TagWholeBandAsImage(device);
+  DualPlaneDevice device({.width = kColumns, .height = 2});
+  MixTags(&device);
   device.SetOrigin(4, 0);
   DRAWMODE mode = TextMode();
   const BandRect rect{-3, 0, 2, 1};
   DrawTextAt(device, 0, 0, "", font, mode, {.opaqueRect = &rect, .options = ETO_OPAQUE});
-  EXPECT_TRUE(TagsMarked(device,
-                         ".11111......."
-                         "............."));
-  EXPECT_TRUE(BandIs(device, {{'O', kBackColour}},
-                     "....OO......."
-                     "............."));
+  EXPECT_TRUE(TagsMarked(device, ".11111......."));
+  EXPECT_TRUE(BandIs(device, {{'O', kBackColour}}, "....OO......."));
 }
 
 // A device described with one byte a pixel has a colour plane of that size, and nothing goes past it.
@@ -225,10 +201,10 @@ TEST(TextDualPlane, DescribedWithAnotherDepth) {
   const Font font = SmallFont().Build();
   const BandRect rect{-50, -50, 50, 50};
   for (uint16_t depth : {uint16_t{8}, uint16_t{16}}) {
-    TestDevice device({.bitsPerPixel = depth, .width = 19, .height = 5, .tagPlane = true});
+    DualPlaneDevice device({.bitsPerPixel = depth, .width = 19, .height = 5});
     DRAWMODE mode = TextMode(OPAQUE);
     for (bool mixed : {false, true}) {
-      if (mixed) TagWholeBandAsImage(device);
+      if (mixed) MixTags(&device);
       for (int32_t y = -4; y < 6; ++y) {
         DrawTextAt(device, -5, y, "acacac", font, mode, {.opaqueRect = &rect, .options = ETO_OPAQUE});
       }
@@ -239,8 +215,8 @@ TEST(TextDualPlane, DescribedWithAnotherDepth) {
 
 TEST(TextDualPlane, WidthsAndTwoByteFonts) {
   const Font wide = FontBuilder({.height = 1, .twoByte = true}).Glyph(7, 3, "#.#").Build();
-  TestDevice device({.width = kColumns, .height = 1, .tagPlane = true});
-  TagWholeBandAsImage(device);
+  DualPlaneDevice device({.width = kColumns, .height = 1});
+  MixTags(&device);
   DRAWMODE mode = TextMode(OPAQUE);
   const int16_t widths[2] = {6, 0};
   EXPECT_EQ(9, TwoByteText(device, 1, 0, {7, 7}, 2, wide, mode, {.charWidths = widths}));

@@ -8,13 +8,7 @@ namespace {
 
 constexpr uint32_t kColumns = 13;
 constexpr uint32_t kRows = 6;
-constexpr const char* kNothing =
-    "............."
-    "............."
-    "............."
-    "............."
-    "............."
-    ".............";
+constexpr const char* kNothing = ".............";
 
 struct ScaledCase {
   const char* name = "";
@@ -41,27 +35,20 @@ const ScaledCase kCases[] = {
                 ".TBBBBBBBBT.."
                 ".BTTBBBBTTB.."
                 ".BBBTTTTBBB.."
-                ".BBBBBBBBTT.."
-                "............."},
+                ".BBBBBBBBTT.."},
     // Odd columns are dropped; rows 0, 1, 2, 3 land on 0, 1, 1, 2 and the later one stays.
     {.name = "halved",
      .resolutionA = 720,
      .picture = "TBBBB........"
                 "BBTTB........"
-                "BBBBT........"
-                "............."
-                "............."
-                "............."},
+                "BBBBT........"},
     {.name = "halved, starting on an odd column and row",
      .resolutionA = 720,
      .x = 1,
      .y = 1,
      .picture = "............."
                 ".TBBTB......."
-                ".BBBBT......."
-                "............."
-                "............."
-                "............."},
+                ".BBBBT......."},
     // Every row has a band row of its own, every other band row stays; columns take the last place of theirs.
     {.name = "doubled",
      .resolutionB = 720,
@@ -71,8 +58,7 @@ const ScaledCase kCases[] = {
                 "............."
                 ".T.B.T......."
                 "............."
-                ".T.B.T......."
-                "............."},
+                ".T.B.T......."},
     {.name = "doubled, columns in the second inch",
      .resolutionB = 720,
      .text = "a",
@@ -83,37 +69,27 @@ const ScaledCase kCases[] = {
                 "............."
                 "...T.B.T....."
                 "............."
-                "...T.B.T....."
-                "............."},
+                "...T.B.T....."},
     // Of three columns the third is dropped; rows 0..3 land on 0, 1, 1, 2.
     {.name = "two thirds",
      .resolutionA = 600,
      .resolutionB = 400,
      .picture = "TBBBBBT......"
                 "BBTTTBB......"
-                "BBBBBBT......"
-                "............."
-                "............."
-                "............."},
+                "BBBBBBT......"},
     {.name = "clip in caller pixels",
      .resolutionA = 720,
      .clip = {3, 1, 8, 4},
      .picture = "............."
                 "..TT........."
-                "..BB........."
-                "............."
-                "............."
-                "............."},
+                "..BB........."},
     {.name = "clip outside the mapped band", .resolutionA = 720, .clip = {26, 0, 100, 100}},
     {.name = "the clip is met with the mapped band",
      .resolutionA = 720,
      .x = 20,
      .picture = "..........TBB"
                 "..........BBT"
-                "..........BBB"
-                "............."
-                "............."
-                "............."},
+                "..........BBB"},
     {.name = "origin in caller pixels",
      .resolutionA = 720,
      .text = "a",
@@ -125,9 +101,7 @@ const ScaledCase kCases[] = {
      .picture = "............."
                 "..TT........."
                 "..TT........."
-                "..TT........."
-                "............."
-                "............."},
+                "..TT........."},
     {.name = "band further down the page",
      .resolutionA = 720,
      .text = "a",
@@ -137,11 +111,7 @@ const ScaledCase kCases[] = {
      .bandLeft = 8,
      .bandTop = 21,
      .picture = "..TT........."
-                "..TT........."
-                "............."
-                "............."
-                "............."
-                "............."},
+                "..TT........."},
     {.name = "left of the page is passed over", .resolutionA = 720, .text = "a", .x = -4, .advance = 3, .bandLeft = -6},
 };
 
@@ -149,13 +119,12 @@ TEST(TextScaled, Cases) {
   for (TableForm table : {TableForm::kShort, TableForm::kLong}) {
     const Font font = SmallFont({.table = table}).Build();
     for (const ScaledCase& c : kCases) {
-      TestDevice device({.kind = QNV_KIND_SCALED,
-                         .width = kColumns,
-                         .height = kRows,
-                         .resolutionA = c.resolutionA,
-                         .resolutionB = c.resolutionB,
-                         .left = c.bandLeft,
-                         .top = c.bandTop});
+      ScaledDevice device({.width = kColumns,
+                           .height = kRows,
+                           .resolutionA = c.resolutionA,
+                           .resolutionB = c.resolutionB,
+                           .left = c.bandLeft,
+                           .top = c.bandTop});
       device.SetOrigin(c.originX, c.originY);
       DRAWMODE mode = TextMode(OPAQUE);
       EXPECT_EQ(c.advance, DrawTextAt(device, c.x, c.y, c.text, font, mode, {.clip = &c.clip})) << c.name;
@@ -166,7 +135,7 @@ TEST(TextScaled, Cases) {
 
 TEST(TextScaled, TransparentGapsStay) {
   const Font font = SmallFont().Build();
-  TestDevice device({.kind = QNV_KIND_SCALED, .width = kColumns, .height = kRows, .resolutionB = 720});
+  ScaledDevice device({.width = kColumns, .height = kRows, .resolutionB = 720});
   DRAWMODE mode = TextMode(TRANSPARENT);
   DrawTextAt(device, 0, 0, "a", font, mode);
   EXPECT_TRUE(BandIs(device, TextInks(),
@@ -174,8 +143,7 @@ TEST(TextScaled, TransparentGapsStay) {
                      "............."
                      ".T...T......."
                      "............."
-                     ".T...T......."
-                     "............."));
+                     ".T...T......."));
 }
 
 // With equal resolutions the device is a plain one, limits without a clip rectangle included.
@@ -187,7 +155,7 @@ TEST(TextScaled, EqualResolutionsEqualThePlainDevice) {
     for (int32_t origin : {0, 3}) {
       for (bool withClip : {true, false}) {
         for (bool withWidths : {true, false}) {
-          PicturePlane planes[2];
+          PlaneImage planes[2];
           int32_t results[2];
           for (int i = 0; i < 2; ++i) {
             TestDevice device({.kind = static_cast<uint16_t>(i == 0 ? QNV_KIND_SCALED : QNV_KIND_RASTER),
@@ -202,11 +170,11 @@ TEST(TextScaled, EqualResolutionsEqualThePlainDevice) {
                                      .charWidths = withWidths ? widths : nullptr,
                                      .opaqueRect = &opaque,
                                      .options = ETO_OPAQUE});
-            planes[i] = CurrentBand(device);
+            planes[i] = BandImage(device);
             EXPECT_TRUE(device.FencesIntact());
           }
           EXPECT_EQ(results[1], results[0]);
-          EXPECT_TRUE(SamePlane(planes[1], planes[0])) << resolution << " dots, origin " << origin
+          EXPECT_TRUE(SameImage(planes[1], planes[0])) << resolution << " dots, origin " << origin
                                                        << (withClip ? ", clip" : "") << (withWidths ? ", widths" : "");
         }
       }
@@ -219,19 +187,19 @@ TEST(TextScaled, LimitsWithoutAClipRectangle) {
   const Font font = FontBuilder({.height = 4, .firstChar = 'a', .lastChar = 'a'})
                         .Glyph('a', 10, "########################################")
                         .Build();
-  TestDevice device({.kind = QNV_KIND_SCALED, .width = 40, .height = 20, .resolutionA = 720});
+  ScaledDevice device({.width = 40, .height = 20, .resolutionA = 720});
   DRAWMODE mode = TextMode();
   // Columns stop before caller column 19, rows before caller row 39.
   EXPECT_EQ(10, DrawTextAt(device, 12, 37, "a", font, mode, {.clip = nullptr}));
-  PicturePlane expected = UntouchedBand(device);
+  PlaneImage expected = UntouchedBand(device);
   // Rows 37 and 38 both are band row 19; columns 12, 14, 16, 18.
-  for (uint32_t column = 6; column <= 9; ++column) expected.Put(column, 19, kTextColour);
-  EXPECT_TRUE(SamePlane(expected, CurrentBand(device)));
+  for (uint32_t column = 6; column <= 9; ++column) expected.SetColor(column, 19, kTextColour);
+  EXPECT_TRUE(SameImage(expected, BandImage(device)));
 }
 
 TEST(TextScaled, OpaqueRectangle) {
   const Font font = SmallFont().Build();
-  TestDevice device({.kind = QNV_KIND_SCALED, .width = kColumns, .height = kRows, .resolutionA = 720});
+  ScaledDevice device({.width = kColumns, .height = kRows, .resolutionA = 720});
   DRAWMODE mode = TextMode();
   const BandRect rect{2, 1, 9, 6};
   DrawTextAt(device, 4, 2, "a", font, mode, {.opaqueRect = &rect, .options = ETO_OPAQUE});
@@ -242,14 +210,12 @@ TEST(TextScaled, OpaqueRectangle) {
                      "............."
                      ".OTTO........"
                      ".OTTO........"
-                     "..TT........."
-                     "............."
-                     "............."));
+                     "..TT........."));
 }
 
 TEST(TextScaled, MeasuringIsInCallerPixels) {
   const Font font = SmallFont().Build();
-  TestDevice device({.kind = QNV_KIND_SCALED, .width = kColumns, .height = kRows, .resolutionA = 720});
+  ScaledDevice device({.width = kColumns, .height = kRows, .resolutionA = 720});
   DRAWMODE mode = TextMode(OPAQUE);
   mode.TBreakExtra = 5;
   mode.BreakCount = 2;
@@ -266,7 +232,7 @@ TEST(TextScaled, TwoByteFont) {
                                "#.......#"
                                ".#######.")
                         .Build();
-  TestDevice device({.kind = QNV_KIND_SCALED, .width = kColumns, .height = kRows, .resolutionA = 720});
+  ScaledDevice device({.width = kColumns, .height = kRows, .resolutionA = 720});
   DRAWMODE mode = TextMode(OPAQUE);
   EXPECT_EQ(18, TwoByteText(device, 0, 4, {300, 300}, 2, font, mode));
   // Columns 0, 2 .. 16 of the two cells; rows 4 and 5 land on 2 and 3.
@@ -274,31 +240,29 @@ TEST(TextScaled, TwoByteFont) {
                      "............."
                      "............."
                      "TBBBTBBBB...."
-                     "BTTTBTTTT...."
-                     "............."
-                     "............."));
+                     "BTTTBTTTT...."));
 }
 
 // In gray mode a text pixel is grayed where it lies, its first byte weighing 30.
 TEST(TextScaled, GrayMode) {
   const Font font = SmallFont().Build();
   for (int16_t bkMode : {int16_t{TRANSPARENT}, int16_t{OPAQUE}}) {
-    TestDevice device({.kind = QNV_KIND_SCALED, .bitsPerPixel = 0, .width = 4, .height = 5});
+    ScaledDevice device({.bitsPerPixel = 0, .width = 4, .height = 5});
     for (std::size_t i = 0; i < device.band().size(); ++i) device.band().data()[i] = static_cast<uint8_t>(i * 3);
-    PicturePlane expected = CurrentBand(device);
+    PlaneImage expected = BandImage(device);
     const char* const rows[4] = {"###", "#.#", "#.#", "###"};
     for (uint32_t row = 0; row < 4; ++row) {
       for (uint32_t column = 0; column < 3; ++column) {
         if (rows[row][column] == '#') {
-          expected.Put(column + 1, row + 1, Regrayed(kTextColour));
+          expected.SetColor(column + 1, row + 1, Regrayed(kTextColour));
         } else if (bkMode == OPAQUE) {
-          expected.Put(column + 1, row + 1, Regrayed(kBackColour));
+          expected.SetColor(column + 1, row + 1, Regrayed(kBackColour));
         }
       }
     }
     DRAWMODE mode = TextMode(bkMode);
     DrawTextAt(device, 1, 1, "a", font, mode);
-    EXPECT_TRUE(SamePlane(expected, CurrentBand(device))) << "bkMode " << bkMode;
+    EXPECT_TRUE(SameImage(expected, BandImage(device))) << "bkMode " << bkMode;
   }
 }
 

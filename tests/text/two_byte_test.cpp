@@ -94,12 +94,7 @@ struct LeftCase {
 // The leftward test looks at the first of the given widths, and at 0 when there are none, not at the glyph's own.
 TEST(TwoByteText, LeftwardTest) {
   const LeftCase cases[] = {
-      {"without widths: column -1 is left",
-       -1,
-       {5},
-       {},
-       "...................."
-       "...................."},
+      {"without widths: column -1 is left", -1, {5}, {}, "...................."},
       {"without widths: column 0 is not",
        0,
        {5},
@@ -112,24 +107,9 @@ TEST(TwoByteText, LeftwardTest) {
        {10},
        "..T.T..............."
        "...T................"},
-      {"one less does not",
-       -10,
-       {5},
-       {9},
-       "...................."
-       "...................."},
-      {"the first width serves every character",
-       -9,
-       {5, 5},
-       {4, 30},
-       "...................."
-       "...................."},
-      {"a small first width drops what the glyph still shows",
-       -1,
-       {300},
-       {0},
-       "...................."
-       "...................."},
+      {"one less does not", -10, {5}, {9}, "...................."},
+      {"the first width serves every character", -9, {5, 5}, {4, 30}, "...................."},
+      {"a small first width drops what the glyph still shows", -1, {300}, {0}, "...................."},
       {"the first width large, the others small",
        -9,
        {5, 5, 5},
@@ -167,14 +147,14 @@ TEST(TwoByteText, CutAtEveryColumn) {
     TestDevice device({.bitsPerPixel = 8, .width = 9, .height = 2});
     DRAWMODE mode = TextMode(OPAQUE);
     const BandRect clip{left, 0, 9, 2};
-    PicturePlane expected = UntouchedBand(device);
+    PlaneImage expected = UntouchedBand(device);
     for (uint32_t row = 0; row < 2; ++row) {
       for (uint32_t column = static_cast<uint32_t>(left); column < 9; ++column) {
-        expected.Put(column, row, rows[row][column] == '#' ? kTextColour : kBackColour);
+        expected.SetColor(column, row, rows[row][column] == '#' ? kTextColour : kBackColour);
       }
     }
     TwoByteText(device, 0, 0, {300}, 1, font, mode, {.clip = &clip});
-    EXPECT_TRUE(SamePlane(expected, CurrentBand(device))) << left;
+    EXPECT_TRUE(SameImage(expected, BandImage(device))) << left;
   }
 }
 

@@ -1,3 +1,4 @@
+// Makes one transfer on both sides.
 #include "windows/transfer_pair.h"
 
 #include "support/transfer_call.h"
@@ -7,13 +8,10 @@ namespace qnv::test {
 
 void PaintBoth(const Witness& witness, const TransferPair& pair, const DRAWMODE& mode) {
   const TransferArea& area = pair.area;
-  EXPECT_EQ(1u, Transfer(witness.handle(), {.destX = area.destX,
-                                            .destY = area.destY,
+  EXPECT_EQ(1u, Transfer(witness.handle(), {.at = {area.destX, area.destY},
                                             .source = pair.source ? pair.source->library->record() : nullptr,
-                                            .srcX = area.srcX,
-                                            .srcY = area.srcY,
-                                            .width = area.width,
-                                            .height = area.height,
+                                            .from = {area.srcX, area.srcY},
+                                            .size = {area.width, area.height},
                                             .rop = pair.rop,
                                             .brush = pair.brush ? &pair.brush->library : nullptr,
                                             .drawMode = &mode,

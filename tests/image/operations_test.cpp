@@ -1,10 +1,12 @@
-// Ternary operations of images: each converted row goes through a transfer.
+// Images combined with what the band holds: all ternary operations, and the extended ones.
 #include <gtest/gtest.h>
 
 #include "image/image_cases.h"
 
 namespace qnv::test {
 namespace {
+
+// ---- Ternary operations of images: each converted row goes through a transfer.
 
 // One result bit for each of the eight combinations of pattern, source and destination.
 uint32_t Rop3(uint32_t index, uint32_t p, uint32_t s, uint32_t d) {
@@ -36,7 +38,7 @@ TEST(ImageRops, EveryIndex) {
         }
         const PhysicalBrush brush =
             solid ? SolidBrush(device.handle(), kInk) : PatternBrush(device.handle(), patternBitmap);
-        PicturePlane expected = CurrentBand(device);
+        PlaneImage expected = BandImage(device);
         for (uint32_t row = 0; row < 6; ++row) {  // doubled down, from band row 1
           for (uint32_t column = 0; column < 4; ++column) {
             const uint32_t x = column + 2;
@@ -44,11 +46,11 @@ TEST(ImageRops, EveryIndex) {
             const uint32_t s =
                 Physical(device, ImageColours()[static_cast<std::size_t>(image[row / 2 * 4 + column] - 'a')]);
             const uint32_t p = solid ? Physical(device, kInk) : Gray(PatternByte(x, y));
-            expected.Put(x, y, Rop3(index, p, s, expected.Get(x, y)));
+            expected.SetColor(x, y, Rop3(index, p, s, expected.Color(x, y)));
           }
         }
         EXPECT_EQ(1u, Stretch(device, dib, {7, 4, 4, 6, 0, 0, 4, 3}, {.rop = index << 16 | 0x1234, .brush = &brush}));
-        EXPECT_TRUE(SamePlane(expected, CurrentBand(device)))
+        EXPECT_TRUE(SameImage(expected, BandImage(device)))
             << "index " << std::hex << index << std::dec << ", " << bandDepth << " bits"
             << (solid ? ", solid brush" : ", pattern brush");
         EXPECT_TRUE(device.FencesIntact());
@@ -125,9 +127,99 @@ TEST(ImageRops, OriginCountsOnce) {
     EXPECT_TRUE(BandIs(device, ImageInks(device),
                        "........."
                        ".ab...b.."
-                       ".ef...f.."
-                       "........."))
+                       ".ef...f.."))
         << std::hex << rop;
+  }
+}
+
+// ---- Extended operations: the minimum of band and image; every other one paints nothing.
+
+TEST(ImageMerge, TheSmallerByteStays) {
+  for (uint16_t bandDepth : {uint16_t{24}, uint16_t{8}}) {
+    for (uint16_t depth : {uint16_t{8}, uint16_t{24}}) {
+      TestDevice device({.bitsPerPixel = bandDepth, .width = 11, .height = 5});
+      for (std::size_t i = 0; i < device.band().size(); ++i) device.band().data()[i] = static_cast<uint8_t>(i * 59 + 7);
+      PlaneImage expected = BandImage(device);
+      const std::string image = kFourByThree;
+      for (uint32_t row = 0; row < 3; ++row) {
+        for (uint32_t column = 0; column < 8; ++column) {  // doubled across
+          const uint32_t s =
+              Physical(device, ImageColours()[static_cast<std::size_t>(image[row * 4 + column / 2] - 'a')]);
+          const uint32_t d = expected.Color(column + 2, row + 1);
+          uint32_t smaller = 0;
+          for (uint32_t shift : {0u, 8u, 16u}) {
+            smaller |= std::min((s >> shift) & 0xFF, (d >> shift) & 0xFF) << shift;
+          }
+          expected.SetColor(column + 2, row + 1, smaller);
+        }
+      }
+      const Dib dib = PictureDib(4, kFourByThree, {.bitCount = depth});
+      EXPECT_EQ(1u, Stretch(device, dib, {2, 1, 8, 3, 0, 0, 4, 3}, {.rop = ROP_MINIMUM}));
+      EXPECT_TRUE(SameImage(expected, BandImage(device))) << bandDepth << "-bit band, " << depth << "-bit image";
+      EXPECT_TRUE(device.FencesIntact());
+    }
+  }
+}
+
+struct FillCase {
+  const char* name;
+  uint8_t fill;
+  const char* picture;  // 6 x 2
+};
+
+TEST(ImageMerge, OverWhiteAndBlack) {
+  const FillCase cases[] = {
+      {"white leaves the image", 0xFF,
+       ".abcd."
+       ".efgh."},
+      {"black stays", 0x00, "......"},
+  };
+  for (const FillCase& c : cases) {
+    for (uint16_t bandDepth : {uint16_t{24}, uint16_t{8}}) {
+      TestDevice device({.bitsPerPixel = bandDepth, .width = 6, .height = 2, .fill = c.fill});
+      const Dib dib = PictureDib(4, "abcdefgh", {.bitCount = 4});
+      EXPECT_EQ(1u, Stretch(device, dib, {1, 0, 4, 2, 0, 0, 4, 2}, {.rop = ROP_MINIMUM}));
+      EXPECT_TRUE(BandIs(device, ImageInks(device), c.picture)) << c.name << ", " << bandDepth << " bits";
+    }
+  }
+}
+
+// Repeated rows, clip and band place: the same pixels as a copy paints.
+TEST(ImageMerge, PlacesAreThoseOfACopy) {
+  struct Case {
+    const char* name;
+    ImagePlace place;
+    BandRect clip;
+  };
+  const Case cases[] = {
+      {"tripled", {-2, -1, 12, 9, 0, 0, 4, 3}, kEverywhere},
+      {"clipped", {0, 0, 12, 9, 0, 0, 4, 3}, {4, 1, 9, 5}},
+      {"mirrored both ways", {12, 5, -11, -5, 0, 0, 4, 3}, kEverywhere},
+      {"shrunk", {3, 2, 3, 2, 0, 0, 4, 3}, kEverywhere},
+  };
+  for (const Case& c : cases) {
+    for (uint16_t bandDepth : {uint16_t{24}, uint16_t{8}}) {
+      TestDevice merged({.bitsPerPixel = bandDepth, .width = 13, .height = 6, .left = -1, .top = -1, .fill = 0xFF});
+      TestDevice copied({.bitsPerPixel = bandDepth, .width = 13, .height = 6, .left = -1, .top = -1, .fill = 0xFF});
+      merged.SetOrigin(-1, 1);
+      copied.SetOrigin(-1, 1);
+      const Dib dib = PictureDib(4, kFourByThree, {});
+      EXPECT_EQ(1u, Stretch(merged, dib, c.place, {.rop = ROP_MINIMUM, .clip = c.clip})) << c.name;
+      EXPECT_EQ(1u, Stretch(copied, dib, c.place, {.clip = c.clip})) << c.name;
+      EXPECT_TRUE(SameImage(BandImage(copied), BandImage(merged))) << c.name << ", " << bandDepth << " bits";
+    }
+  }
+}
+
+TEST(ImageMerge, OtherExtendedCodesPaintNothing) {
+  for (uint32_t rop : {0x02000000u, 0x01000001u, 0x01CC0020u, 0x01000020u, 0x7FFFFFFFu, 0x80000000u, 0xFF000000u,
+                       0xFFFFFFFFu, 0xFFCC0020u}) {
+    for (uint16_t bandDepth : {uint16_t{24}, uint16_t{8}}) {
+      TestDevice device({.bitsPerPixel = bandDepth, .width = 6, .height = 2});
+      const Dib dib = PictureDib(4, "abcdefgh", {});
+      EXPECT_EQ(1u, Stretch(device, dib, {1, 0, 4, 2, 0, 0, 4, 2}, {.rop = rop})) << std::hex << rop;
+      EXPECT_TRUE(BandUntouched(device)) << std::hex << rop;
+    }
   }
 }
 

@@ -1,10 +1,69 @@
-// Negative extents: a picture is mirrored where the signs of source and destination differ.
+// Images stored top row first, and images mirrored by negative extents.
 #include <gtest/gtest.h>
 
 #include "image/image_cases.h"
 
 namespace qnv::test {
 namespace {
+
+// ---- Images stored top row first.
+
+TEST(TopDown, WholeImagesEqualTheirTwins) {
+  RunImageCases(
+      {
+          {.name = "unscaled",
+           .place = {1, 1, 4, 3, 0, 0, 4, 3},
+           .picture = "............."
+                      ".abcd........"
+                      ".efgh........"
+                      ".ijkl........"},
+          {.name = "doubled",
+           .place = {0, 0, 8, 6, 0, 0, 4, 3},
+           .picture = "aabbccdd....."
+                      "aabbccdd....."
+                      "eeffgghh....."
+                      "eeffgghh....."
+                      "iijjkkll....."
+                      "iijjkkll....."},
+      },
+      {4, 8, 16, 24, 32}, {false, true});
+}
+
+// Source rows are counted from the other end: row 0 is the bottom row of the picture here as well.
+TEST(TopDown, PartsOfTheImage) {
+  RunImageCases(
+      {
+          {.name = "two rows from 0",
+           .place = {0, 0, 4, 2, 0, 0, 4, 2},
+           .picture = "efgh........."
+                      "ijkl........."},
+          {.name = "two rows from 1",
+           .place = {0, 0, 4, 2, 0, 1, 4, 2},
+           .picture = "abcd........."
+                      "efgh........."},
+          {.name = "row 1", .place = {0, 0, 4, 1, 0, 1, 4, 1}, .picture = "efgh........."},
+      },
+      {8, 24}, {false, true});
+}
+
+// The mending of an empty source height looks at the row counted from the other end.
+TEST(TopDown, NoSourceHeight) {
+  RunImageCases(
+      {
+          {.name = "srcY 2",
+           .place = {0, 0, 4, 2, 0, 2, 4, 0},
+           .picture = "abcd........."
+                      "abcd........."},
+          {.name = "srcY 0",
+           .place = {0, 0, 4, 2, 0, 0, 4, 0},
+           .picture = "ijkl........."
+                      "ijkl........."},
+          {.name = "srcY 3", .place = {0, 0, 4, 2, 0, 3, 4, 0}, .picture = kNoImage, .result = 0},
+      },
+      {24}, {true});
+}
+
+// ---- Negative extents: a picture is mirrored where the signs of source and destination differ.
 
 TEST(ImageMirroring, Cases) {
   RunImageCases(
@@ -14,86 +73,64 @@ TEST(ImageMirroring, Cases) {
            .picture = "............."
                       "...dcba......"
                       "...hgfe......"
-                      "...lkji......"
-                      "............."
-                      "............."},
+                      "...lkji......"},
           {.name = "source to the left",
            .place = {2, 1, 4, 3, 4, 0, -4, 3},
            .picture = "............."
                       "..dcba......."
                       "..hgfe......."
-                      "..lkji......."
-                      "............."
-                      "............."},
+                      "..lkji......."},
           {.name = "both to the left",
            .place = {7, 1, -4, 3, 4, 0, -4, 3},
            .picture = "............."
                       "...abcd......"
                       "...efgh......"
-                      "...ijkl......"
-                      "............."
-                      "............."},
+                      "...ijkl......"},
           {.name = "destination upwards",
            .place = {2, 5, 4, -3, 0, 0, 4, 3},
            .picture = "............."
                       "............."
                       "..ijkl......."
                       "..efgh......."
-                      "..abcd......."
-                      "............."},
+                      "..abcd......."},
           {.name = "source upwards",
            .place = {2, 1, 4, 3, 0, 3, 4, -3},
            .picture = "............."
                       "..ijkl......."
                       "..efgh......."
-                      "..abcd......."
-                      "............."
-                      "............."},
+                      "..abcd......."},
           {.name = "both upwards",
            .place = {2, 5, 4, -3, 0, 3, 4, -3},
            .picture = "............."
                       "............."
                       "..abcd......."
                       "..efgh......."
-                      "..ijkl......."
-                      "............."},
+                      "..ijkl......."},
           {.name = "destination to the left and upwards",
            .place = {7, 5, -4, -3, 0, 0, 4, 3},
            .picture = "............."
                       "............."
                       "...lkji......"
                       "...hgfe......"
-                      "...dcba......"
-                      "............."},
+                      "...dcba......"},
           {.name = "doubled to the left, clipped",
            .place = {10, 0, -8, 6, 0, 0, 4, 3},
            .picture = "............."
                       "...dccbb....."
                       "...hggff....."
                       "...hggff....."
-                      "...lkkjj....."
-                      ".............",
+                      "...lkkjj.....",
            .clip = {3, 1, 8, 5}},
           {.name = "12 to 5 to the left",
            .width = 12,
            .image = "abcdefghijkl",
            .place = {9, 0, -5, 1, 0, 0, 12, 1},
-           .picture = "....kifdb...."
-                      "............."
-                      "............."
-                      "............."
-                      "............."
-                      "............."},
+           .picture = "....kifdb...."},
           {.name = "3 to 10 to the left, clipped",
            .width = 3,
            .image = "abc",
            .place = {11, 0, -10, 1, 0, 0, 3, 1},
-           .picture = "..ccbbbba...."
-                      "............."
-                      "............."
-                      "............."
-                      "............."
-                      ".............",
+           .picture = "..ccbbbba....",
            .clip = {2, 0, 9, 1}},
           {.name = "8 to 3 upwards",
            .width = 1,
@@ -103,8 +140,7 @@ TEST(ImageMirroring, Cases) {
                       "............."
                       "g............"
                       "e............"
-                      "b............"
-                      "............."},
+                      "b............"},
           {.name = "2 to 6 upwards, clipped",
            .width = 1,
            .image = "ab",
@@ -113,8 +149,7 @@ TEST(ImageMirroring, Cases) {
                       "b............"
                       "b............"
                       "a............"
-                      "a............"
-                      ".............",
+                      "a............",
            .clip = {0, 1, 1, 5}},
       },
       {4, 8, 24}, {false, true});

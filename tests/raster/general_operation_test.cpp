@@ -49,9 +49,8 @@ TEST(BltGeneral, BlackTextLetsThePatternThrough) {
   mode.bkColor = 0x00FFFFFF;
   const PhysicalBrush brush = SolidBrush(device.handle(), 0x00010203);
   PlaneImage expected = BandImage(device);
-  EXPECT_EQ(
-      1u, Transfer(device.handle(),
-                   {.source = &source, .width = 8, .height = 1, .rop = kPSDPxax, .brush = &brush, .drawMode = &mode}));
+  EXPECT_EQ(1u, Transfer(device.handle(),
+                         {.source = &source, .size = {8, 1}, .rop = kPSDPxax, .brush = &brush, .drawMode = &mode}));
   for (int32_t column : {0, 2, 4, 5}) expected.Set(column, 0, {1, 2, 3});
   EXPECT_TRUE(BandShows(device, expected));
 }
@@ -78,10 +77,9 @@ TEST(BltGeneral, UpperByteOfTheCode) {
         const uint32_t rop = upper | index << 16;
         FillWithNoise(&device.band(), index);
         PlaneImage expected = BandImage(device);
-        EXPECT_EQ(1u, Transfer(device.handle(), {.destX = 1,
+        EXPECT_EQ(1u, Transfer(device.handle(), {.at = {1, 0},
                                                  .source = source.record(),
-                                                 .width = 18,
-                                                 .height = 3,
+                                                 .size = {18, 3},
                                                  .rop = rop,
                                                  .brush = &brush,
                                                  .drawMode = &mode}));
@@ -100,13 +98,11 @@ TEST(BltGeneral, UpperByteCountsAsUsingThePattern) {
   PhysicalBrush hollow{};
   hollow.style = BS_HOLLOW;
   const PlaneImage before = BandImage(device);
-  EXPECT_EQ(
-      1u, Transfer(device.handle(), {.width = 8, .height = 2, .rop = 0x01000042, .brush = &hollow, .drawMode = &mode}));
+  EXPECT_EQ(1u, Transfer(device.handle(), {.size = {8, 2}, .rop = 0x01000042, .brush = &hollow, .drawMode = &mode}));
   EXPECT_TRUE(BandShows(device, before));
   PlaneImage expected = before;
   expected.Fill({0, 0, 8, 2}, {0, 0, 0});
-  EXPECT_EQ(
-      1u, Transfer(device.handle(), {.width = 8, .height = 2, .rop = BLACKNESS, .brush = &hollow, .drawMode = &mode}));
+  EXPECT_EQ(1u, Transfer(device.handle(), {.size = {8, 2}, .rop = BLACKNESS, .brush = &hollow, .drawMode = &mode}));
   EXPECT_TRUE(BandShows(device, expected));
 }
 
@@ -117,12 +113,11 @@ TEST(BltGeneral, HollowBrushReachedDirectly) {
     TestDevice device({.bitsPerPixel = depth, .width = 8, .height = 2});
     const DRAWMODE mode = MakeDrawMode();
     const PhysicalBrush hatched = HatchBrush(device.handle(), HS_CROSS, 0x010203);
-    EXPECT_EQ(1u,
-              Transfer(device.handle(), {.width = 8, .height = 2, .rop = kPn, .brush = &hatched, .drawMode = &mode}));
+    EXPECT_EQ(1u, Transfer(device.handle(), {.size = {8, 2}, .rop = kPn, .brush = &hatched, .drawMode = &mode}));
     PhysicalBrush hollow{};
     hollow.style = BS_HOLLOW;
     const PlaneImage before = BandImage(device);
-    EXPECT_EQ(1u, Transfer(device.handle(), {.width = 8, .height = 2, .rop = kPn, .brush = &hollow}));
+    EXPECT_EQ(1u, Transfer(device.handle(), {.size = {8, 2}, .rop = kPn, .brush = &hollow}));
     EXPECT_TRUE(BandShows(device, before));
   }
 }
