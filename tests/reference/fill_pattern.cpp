@@ -1,3 +1,4 @@
+// The model of prepared fills: the cells of each brush style and how they repeat.
 #include "reference/fill_pattern.h"
 
 #include <algorithm>

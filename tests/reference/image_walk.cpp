@@ -1,3 +1,4 @@
+// The model's checks of an image and the walk over its rows.
 #include "reference/image_walk.h"
 
 #include <cmath>

@@ -1,3 +1,4 @@
+// What all models share: planes of pixels, and the calls that are made of other calls; the factory of models.
 #include "reference/model.h"
 
 #include <algorithm>

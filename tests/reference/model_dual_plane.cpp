@@ -1,3 +1,4 @@
+// The model of the dual-plane device: every call on the color plane, and its marks on the tag plane.
 #include "reference/dual_plane_model.h"
 
 namespace qnv::reference {

@@ -1,3 +1,4 @@
+// Decodes the encodings of span lists into spans.
 #include "reference/span_list.h"
 
 #include <cstring>

@@ -1,3 +1,4 @@
+// Makes bitmaps of noise in every depth and compression.
 #include "windows/dib_sample.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// Whether this is Wine, and the check that a claimed difference is one.
 #include "windows/differences.h"
 
 namespace qnv::test {

@@ -1,3 +1,4 @@
+// Creates the DIB section and its device context, and reads the pixels back.
 #include "windows/gdi_surface.h"
 
 #include <cstdlib>

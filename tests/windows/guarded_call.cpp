@@ -1,3 +1,4 @@
+// Makes the guarded calls and compares the processor's state before and after.
 #include "windows/guarded_call.h"
 
 #include <cstddef>

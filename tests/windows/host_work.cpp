@@ -1,3 +1,4 @@
+// Every exported function once or more on one device, called through the host's own way of calling.
 #include "windows/host_work.h"
 
 #include <windows.h>

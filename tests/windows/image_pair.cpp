@@ -1,3 +1,4 @@
+// Makes one image call on both sides.
 #include "windows/image_pair.h"
 
 namespace qnv::test {

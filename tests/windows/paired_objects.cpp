@@ -1,3 +1,4 @@
+// Makes sources and brushes for both sides from the same pixels.
 #include "windows/paired_objects.h"
 
 #include <cstdlib>

@@ -1,3 +1,4 @@
+// Reads sections, exports, imports and headers of an executable file.
 #include "windows/pe_image.h"
 
 #include <cstdlib>

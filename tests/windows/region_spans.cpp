@@ -1,3 +1,4 @@
+// Turns the platform's regions into span lists.
 #include "windows/region_spans.h"
 
 #include <cstdlib>

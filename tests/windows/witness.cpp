@@ -1,3 +1,4 @@
+// Sets up both sides and compares their pixels.
 #include "windows/witness.h"
 
 #include <algorithm>
