@@ -4,9 +4,11 @@
 #include <gtest/gtest.h>
 #include <png.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <fstream>
 #include <sstream>
+#include <utility>
 
 #include "qnvtool/png_writer.h"
 #include "qnvtool/tool_error.h"
@@ -99,6 +101,44 @@ TEST(PictureWriter, TagsShowTheLegend) {
                     {static_cast<uint8_t>(rgb >> 16), static_cast<uint8_t>(rgb >> 8), static_cast<uint8_t>(rgb)});
   }
   EXPECT_EQ(png.bytes, expected);
+}
+
+// Pictures that are compressed in many pieces: noise, which deflate stores, beside runs, which refer far back.
+TEST(PictureWriter, LargePng) {
+  constexpr int kWidth = 1201;
+  constexpr int kHeight = 1103;
+  constexpr std::size_t kRow = kWidth * 3;
+  std::vector<uint8_t> pixels(kRow * kHeight);
+  uint32_t random = 1;
+  for (std::size_t i = 0; i < pixels.size(); ++i) {
+    random = random * 1664525 + 1013904223;
+    const std::size_t row = i / kRow;
+    pixels[i] = row % 300 < 100 ? static_cast<uint8_t>(random >> 24) : static_cast<uint8_t>(row * i % kRow / 40);
+  }
+  const auto write = [&](const std::string& path, int rows) {
+    const auto writer = tool::CreatePngFile(path, {kWidth, kHeight, 300, Pixels::kColour});
+    for (int y = 0; y < kHeight; y += rows) {
+      writer->WriteRows(pixels.data() + static_cast<std::size_t>(y) * kRow, kRow, std::min(rows, kHeight - y));
+    }
+    writer->Finish();
+  };
+  const std::string path = TempFile("large.png");
+  write(path, kHeight);
+  PngFile png = ReadPng(path);
+  EXPECT_EQ(png.width, kWidth);
+  EXPECT_EQ(png.height, kHeight);
+  for (std::size_t i = 0; i + 2 < png.bytes.size(); i += 3) std::swap(png.bytes[i], png.bytes[i + 2]);
+  EXPECT_TRUE(png.bytes == pixels);
+
+  const auto bytesOf = [](const std::string& name) {
+    std::ifstream file(name, std::ios::binary);
+    std::stringstream bytes;
+    bytes << file.rdbuf();
+    return bytes.str();
+  };
+  const std::string bands = TempFile("bands.png");
+  write(bands, 17);
+  EXPECT_TRUE(bytesOf(bands) == bytesOf(path)) << "the file depends on the height of the bands";
 }
 
 std::string WriteAndReadPnm(Pixels pixels, const uint8_t* first, std::size_t stride) {

@@ -45,13 +45,18 @@ class PnmWriter final : public PictureWriter {
 
 void ConvertRow(const PictureForm& form, const uint8_t* row, std::vector<uint8_t>& result) {
   const auto width = static_cast<std::size_t>(form.width);
-  result.clear();
   switch (form.pixels) {
     case Pixels::kColour:
-      for (std::size_t x = 0; x < width; ++x) result.insert(result.end(), {row[3 * x + 2], row[3 * x + 1], row[3 * x]});
+      result.resize(width * 3);
+      for (std::size_t i = 0; i < width * 3; i += 3) {
+        result[i] = row[i + 2];
+        result[i + 1] = row[i + 1];
+        result[i + 2] = row[i];
+      }
       break;
     case Pixels::kGrayOf3:
-      for (std::size_t x = 0; x < width; ++x) result.push_back(row[3 * x]);
+      result.resize(width);
+      for (std::size_t x = 0; x < width; ++x) result[x] = row[3 * x];
       break;
     default: result.assign(row, row + width);
   }

@@ -1,12 +1,19 @@
+// Writes PNG files itself rather than through libpng, because nine tenths of the time of printing a page went into
+// compressing it on one core. The rows are cut into blocks that are compressed at the same time: each is a piece of one
+// deflate stream, begins with the end of the block before as its dictionary and ends on a byte. The file depends on
+// neither the number of cores nor the height of the bands.
 #include "png_writer.h"
 
-#include <png.h>
+#include <zlib.h>
 
-#include <cerrno>
+#include <algorithm>
+#include <array>
 #include <cmath>
-#include <csetjmp>
 #include <cstdio>
-#include <cstring>
+#include <deque>
+#include <future>
+#include <system_error>
+#include <thread>
 #include <vector>
 
 #include "output_file.h"
@@ -15,91 +22,174 @@ namespace qnv::tool {
 namespace {
 
 using Pixels = PictureForm::Pixels;
+using Buffer = std::vector<uint8_t>;
+
+// Seconds of processor time to print, and kilobytes written, of a photograph at 300 dots per inch and of a text of one
+// page or two at 600 (rasterising included; "up" and "none" are row filters):
+//
+//     level   up: photograph   up: text      none: photograph   none: text
+//     2       0.18   1329      0.45   853    0.19   1546        0.55   1183
+//     3       0.19   1315      0.45   793    0.21   1508        0.63   1027
+//     4       0.29   1153      0.88   447    0.29   1299        1.02    839
+//     6       0.43   1145      0.94   334    0.38   1286        1.13    534
+//
+// libpng, which tries all filters on every row, took 0.48 s for 1087 KB and 1.35 s for 413 KB at level 4.
+constexpr int kLevel = 4;
+
+constexpr std::size_t kBlock = 512 * 1024;      // bytes of filtered rows; smaller ones compress worse
+constexpr std::size_t kDictionary = 32 * 1024;  // how far back deflate looks
+constexpr uint8_t kFilterUp = 2;                // a row as its difference from the one above
+
+void AppendBig32(Buffer& buffer, uint32_t value) {
+  for (int shift = 24; shift >= 0; shift -= 8) buffer.push_back(static_cast<uint8_t>(value >> shift));
+}
+
+struct Compressed {
+  Buffer bytes;
+  uLong adler = 0;  // of the uncompressed bytes
+  std::size_t size = 0;
+  bool hasMemory = false;
+};
+
+// One block as a piece of a raw deflate stream.
+Compressed Compress(const Buffer& dictionary, const Buffer& block, bool last) {
+  Compressed result;
+  z_stream stream{};
+  if (deflateInit2(&stream, kLevel, Z_DEFLATED, -15, 8, Z_DEFAULT_STRATEGY) != Z_OK) return result;
+  if (!dictionary.empty()) deflateSetDictionary(&stream, dictionary.data(), static_cast<uInt>(dictionary.size()));
+  // A sync flush adds at most six bytes to the bound.
+  result.bytes.resize(deflateBound(&stream, static_cast<uLong>(block.size())) + 16);
+  stream.next_in = const_cast<Bytef*>(block.data());
+  stream.avail_in = static_cast<uInt>(block.size());
+  stream.next_out = result.bytes.data();
+  stream.avail_out = static_cast<uInt>(result.bytes.size());
+  const int status = deflate(&stream, last ? Z_FINISH : Z_SYNC_FLUSH);
+  result.hasMemory = stream.avail_in == 0 && status == (last ? Z_STREAM_END : Z_OK);
+  result.bytes.resize(result.bytes.size() - stream.avail_out);
+  deflateEnd(&stream);
+  result.adler = adler32(adler32(0, nullptr, 0), block.data(), static_cast<uInt>(block.size()));
+  result.size = block.size();
+  return result;
+}
 
 class PngWriter final : public PictureWriter {
  public:
   PngWriter(const std::string& path, const PictureForm& form) : file_(path), form_(form) {
-    png_ = png_create_write_struct(PNG_LIBPNG_VER_STRING, this, OnError, OnWarning);
-    if (png_ != nullptr) info_ = png_create_info_struct(png_);
-    if (info_ == nullptr || !WriteHeader()) {
-      png_destroy_write_struct(&png_, &info_);
-      Fail();
-    }
+    above_.assign(BytesOfRow(), 0);
+    block_.reserve(kBlock + BytesOfRow());
+    WriteHeader();
   }
-  ~PngWriter() override { png_destroy_write_struct(&png_, &info_); }
 
   void WriteRows(const uint8_t* first, std::size_t stride, int rows) override {
     for (int row = 0; row < rows; ++row) {
       ConvertRow(form_, first + static_cast<std::size_t>(row) * stride, row_);
-      if (!WriteRow()) Fail();
+      const std::size_t at = block_.size();
+      block_.resize(at + 1 + row_.size());
+      block_[at] = kFilterUp;
+      uint8_t* const filtered = block_.data() + at + 1;
+      for (std::size_t i = 0; i < row_.size(); ++i) filtered[i] = static_cast<uint8_t>(row_[i] - above_[i]);
+      above_.swap(row_);
+      if (block_.size() >= kBlock) StartBlock(false);
     }
   }
 
   void Finish() override {
-    if (!WriteEnd()) Fail();
+    StartBlock(true);
+    while (!running_.empty()) WriteOldestBlock();
+    Buffer checksum;
+    AppendBig32(checksum, static_cast<uint32_t>(adler_));
+    WriteChunk("IDAT", checksum);
+    WriteChunk("IEND", {});
     file_.Close();
   }
 
  private:
-  // libpng leaves its functions by longjmp; the functions below hold nothing that would need a destructor.
-  static void OnError(png_structp png, png_const_charp text) {
-    auto* const self = static_cast<PngWriter*>(png_get_error_ptr(png));
-    std::snprintf(self->error_, sizeof self->error_, "%s", text);
-    png_longjmp(png, 1);
+  std::size_t BytesOfRow() const {
+    return static_cast<std::size_t>(form_.width) * (form_.pixels == Pixels::kColour ? 3 : 1);
   }
-  static void OnWarning(png_structp, png_const_charp) {}
 
-  bool WriteHeader() {
-    if (setjmp(png_jmpbuf(png_)) != 0) return false;
-    const int type = form_.pixels == Pixels::kColour ? PNG_COLOR_TYPE_RGB
-                     : form_.pixels == Pixels::kTags ? PNG_COLOR_TYPE_PALETTE
-                                                     : PNG_COLOR_TYPE_GRAY;
-    png_init_io(png_, file_.get());
-    png_set_IHDR(png_, info_, static_cast<png_uint_32>(form_.width), static_cast<png_uint_32>(form_.height), 8, type,
-                 PNG_INTERLACE_NONE, PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
-    const auto perMetre = static_cast<png_uint_32>(std::lround(form_.dpi / 0.0254));
-    png_set_pHYs(png_, info_, perMetre, perMetre, PNG_RESOLUTION_METER);
-    if (form_.pixels == Pixels::kTags) SetPalette();
-    png_set_compression_level(png_, 4);  // pages are large and mostly white: more effort gains little
-    png_write_info(png_, info_);
-    return true;
+  void Write(const Buffer& bytes) {
+    if (std::fwrite(bytes.data(), 1, bytes.size(), file_.get()) != bytes.size()) file_.Fail();
+  }
+
+  void WriteChunk(const char (&type)[5], const Buffer& data) {
+    Buffer chunk;
+    chunk.reserve(data.size() + 12);
+    AppendBig32(chunk, static_cast<uint32_t>(data.size()));
+    chunk.insert(chunk.end(), type, type + 4);
+    chunk.insert(chunk.end(), data.begin(), data.end());
+    AppendBig32(chunk, static_cast<uint32_t>(crc32(0, chunk.data() + 4, static_cast<uInt>(data.size() + 4))));
+    Write(chunk);
+  }
+
+  void WriteHeader() {
+    Write({0x89, 'P', 'N', 'G', '\r', '\n', 0x1A, '\n'});
+    constexpr uint8_t kGray = 0, kColour = 2, kPalette = 3;
+    const bool tags = form_.pixels == Pixels::kTags;
+    Buffer header;
+    AppendBig32(header, static_cast<uint32_t>(form_.width));
+    AppendBig32(header, static_cast<uint32_t>(form_.height));
+    // Bits of a component, kind of pixels, deflate, filters by row, rows in order.
+    header.insert(header.end(), {8, form_.pixels == Pixels::kColour ? kColour : tags ? kPalette : kGray, 0, 0, 0});
+    WriteChunk("IHDR", header);
+    if (tags) WritePalette();
+    const auto perMetre = static_cast<uint32_t>(std::lround(form_.dpi / 0.0254));
+    Buffer density;
+    AppendBig32(density, perMetre);
+    AppendBig32(density, perMetre);
+    density.push_back(1);  // the unit is the metre
+    WriteChunk("pHYs", density);
+    constexpr uint8_t kMethod = 0x78;         // deflate with a window of 32 KB
+    constexpr uint8_t kLevelAndCheck = 0x5E;  // a fast level; makes the two bytes a multiple of 31
+    WriteChunk("IDAT", {kMethod, kLevelAndCheck});
   }
 
   // Index = tag value. Values that no device writes are black.
-  void SetPalette() {
-    png_color palette[256] = {};
-    const auto set = [&](int index, uint32_t rgb) {
-      palette[index] = {static_cast<png_byte>(rgb >> 16), static_cast<png_byte>(rgb >> 8), static_cast<png_byte>(rgb)};
+  void WritePalette() {
+    Buffer palette(256 * 3, 0);
+    const auto set = [&](std::size_t index, uint32_t rgb) {
+      for (std::size_t i = 0; i < 3; ++i) palette[index * 3 + i] = static_cast<uint8_t>(rgb >> (16 - 8 * i));
     };
     set(0, kTagTextCell);
     set(1, kTagGraphics);
     set(3, kTagImage);
-    png_set_PLTE(png_, info_, palette, 256);
+    WriteChunk("PLTE", palette);
   }
 
-  bool WriteRow() {
-    if (setjmp(png_jmpbuf(png_)) != 0) return false;
-    png_write_row(png_, row_.data());
-    return true;
+  void StartBlock(bool last) {
+    Buffer dictionary(block_.end() - static_cast<std::ptrdiff_t>(std::min(block_.size(), kDictionary)), block_.end());
+    std::swap(dictionary, dictionary_);
+    Buffer block;
+    block.reserve(kBlock + BytesOfRow());
+    std::swap(block, block_);
+    while (running_.size() >= maxRunning_) WriteOldestBlock();
+    const auto compress = [dictionary = std::move(dictionary), block = std::move(block), last] {
+      return Compress(dictionary, block, last);
+    };
+    try {
+      running_.push_back(std::async(maxRunning_ > 1 ? std::launch::async : std::launch::deferred, compress));
+    } catch (const std::system_error&) {  // no further thread to be had
+      running_.push_back(std::async(std::launch::deferred, compress));
+    }
   }
 
-  bool WriteEnd() {
-    if (setjmp(png_jmpbuf(png_)) != 0) return false;
-    png_write_end(png_, info_);
-    return true;
-  }
-
-  [[noreturn]] void Fail() const {
-    const bool disk = std::ferror(file_.get()) != 0 && errno != 0;
-    CannotWrite(file_.path(), disk ? std::strerror(errno) : error_[0] != '\0' ? error_ : "no memory");
+  void WriteOldestBlock() {
+    const Compressed block = running_.front().get();
+    running_.pop_front();
+    if (!block.hasMemory) CannotWrite(file_.path(), "no memory");
+    if (!block.bytes.empty()) WriteChunk("IDAT", block.bytes);
+    adler_ = adler32_combine(adler_, block.adler, static_cast<z_off_t>(block.size));
   }
 
   OutputFile file_;
   const PictureForm form_;
-  png_structp png_ = nullptr;
-  png_infop info_ = nullptr;
-  std::vector<uint8_t> row_;
-  char error_[128] = {};
+  Buffer row_;
+  Buffer above_;       // the row before, unfiltered
+  Buffer block_;       // filtered rows of the block that is being filled
+  Buffer dictionary_;  // the end of the block before
+  const std::size_t maxRunning_ = std::max(1u, std::thread::hardware_concurrency());
+  std::deque<std::future<Compressed>> running_;  // in the order of the blocks
+  uLong adler_ = adler32(0, nullptr, 0);         // of all blocks written
 };
 
 }  // namespace
