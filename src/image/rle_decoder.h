@@ -17,7 +17,11 @@ struct RleState {
 };
 
 // Only an end of line, an end of the bitmap or a delta to a later row ends a row: runs that pass its end are cut.
-// Pixels that no code names are 0. The data has no length: Requires an end-of-bitmap code, or rows enough.
+// Pixels that no code names are 0. The data has no length: Requires an end-of-bitmap code that decoding reaches, or
+// zeros behind the data: the last record that begins in the data takes at most 256 bytes behind it (the bytes of a
+// literal of 255 pixels whose count was the last one; of a delta two, of a run one), and from there on every two zeros
+// are an end of line, of which no bitmap has more than rows. Copies in whole blocks keep to what is known to be data.
+// So 256 + 2 x rows bytes are never passed; hosts are told 260 + 2 x rows.
 class RleDecoder {
  public:
   // What DecodeRow may write past a row's end.
