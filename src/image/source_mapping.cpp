@@ -2,6 +2,8 @@
 
 #include <bit>
 
+#include "image/rounding_mode.h"
+
 namespace qnv {
 namespace {
 
@@ -69,6 +71,7 @@ Edges CoveredPixels(double from, double to, int32_t size) {
 
 bool MapSource(const StretchRequest& request, const Rect& clipped, const Rect& band, int32_t sourceWidth,
                int32_t sourceHeight, bool topDown, SourceMapping* mapping) {
+  const DefaultRounding rounding;
   int32_t sx = request.srcX, sy = request.srcY, sw = request.srcWidth, sh = request.srcHeight;
   if (topDown) {
     sy = WrapSubtract(sourceHeight, sy);
