@@ -25,7 +25,7 @@ class SpanWords {
     std::memcpy(&value, bytes_ + 2 * word, 2);
     return value;
   }
-  const int8_t* BytesFrom(std::ptrdiff_t word) const { return reinterpret_cast<const int8_t*>(bytes_ + 2 * word); }
+  const uint8_t* BytesFrom(std::ptrdiff_t word) const { return bytes_ + 2 * word; }
   // False where a negative count of a record leads before the list.
   bool Advance(std::ptrdiff_t words) {
     if (bytes_ - begin_ < -2 * words) return false;
@@ -168,9 +168,9 @@ class SpanLists {
   }
 
   void ByteDeltas(const SpanWords& words, uint16_t count) {
-    const int8_t* next = words.BytesFrom(3);
+    const uint8_t* next = words.BytesFrom(3);
     const auto nextDeltas = [&next] {
-      const Deltas deltas{next[0], next[1]};
+      const Deltas deltas{static_cast<int8_t>(next[0]), static_cast<int8_t>(next[1])};
       next += 2;
       return deltas;
     };
@@ -182,9 +182,9 @@ class SpanLists {
 
   // Intended: these thin rows out on a resolution-mapping device where byte deltas repeat them.
   void NibbleDeltas(const SpanWords& words, uint16_t count) {
-    const int8_t* next = words.BytesFrom(3);
+    const uint8_t* next = words.BytesFrom(3);
     const auto nextDeltas = [&next] {
-      const uint8_t both = static_cast<uint8_t>(*next++);
+      const uint8_t both = *next++;
       const auto signedNibble = [](int32_t nibble) { return (nibble ^ 8) - 8; };
       return Deltas{signedNibble(both & 0x0F), signedNibble(both >> 4)};
     };

@@ -73,9 +73,9 @@ void ForEachSeen(const PixelAxis& axis, int64_t first, int64_t last, Visit visit
 // The same for the caller's points [low, high]: added to the origin they wrap, and so may come in two pieces.
 template <class Visit>
 void ForEachSeenOfCaller(const PixelAxis& axis, int32_t low, int32_t high, int32_t origin, Visit visit) {
-  constexpr int64_t kTurn = int64_t{1} << 32;
+  constexpr int64_t kTurns[] = {-(int64_t{1} << 32), 0, int64_t{1} << 32};
   const int64_t first = int64_t{low} + origin, last = int64_t{high} + origin;
-  for (int64_t turn : {-kTurn, int64_t{0}, kTurn}) {
+  for (const int64_t turn : kTurns) {
     const int64_t from = first + turn > INT32_MIN ? first + turn : int64_t{INT32_MIN};
     const int64_t to = last + turn < INT32_MAX ? last + turn : int64_t{INT32_MAX};
     if (from <= to) ForEachSeen(axis, from, to, visit);

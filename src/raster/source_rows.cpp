@@ -36,13 +36,14 @@ void SourceRows::FetchInto(const RowKernels& rows, int32_t row, int32_t column, 
 // All pixels between the first and the last one that are picked are converted, which is quicker than one by one.
 void SourceRows::FetchPicked(const RowKernels& rows, int32_t row, int32_t column, const uint16_t* picks,
                              std::size_t count, uint8_t* out) const {
-  uint8_t converted[kMostPixels * 3 + 1];  // gathering reads a byte behind the last pixel
+  uint8_t converted[kMostPixels * 3 + 1];
   for (std::size_t done = 0; done < count;) {
     const uint16_t begin = picks[done];
     std::size_t end = count;
     while (picks[end - 1] - begin >= static_cast<int32_t>(kMostPixels)) end = done + (end - done) / 2;
     const std::size_t between = picks[end - 1] - begin + std::size_t{1};
     FetchInto(rows, row, column + begin, nullptr, between, converted);
+    converted[3 * between] = 0;  // gathering reads a byte behind the last pixel
     StorePixels<3>(out + 3 * done, end - done, [&](std::size_t i) {
       uint32_t packed;
       std::memcpy(&packed, converted + std::size_t{3} * static_cast<std::size_t>(picks[done + i] - begin), 4);

@@ -1,7 +1,9 @@
 // Text output: lays out the characters of a call, fills the opaque rectangle and paints the glyphs.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <type_traits>
 
 #include "color/color_forms.h"
@@ -45,20 +47,28 @@ class TextRuns {
     int32_t advance = 0;
     for (int32_t i = 0; i < n - 1; ++i) {
       if (!onlyLast) Run(string + std::ptrdiff_t{i} * bytes, step, WrapAdd(x_, advance), paint);
-      advance = WrapAdd(advance, a_.charWidths[i]);
+      advance = WrapAdd(advance, WidthAt(i));
     }
     return WrapAdd(Run(string + std::ptrdiff_t{n - 1} * bytes, step, WrapAdd(x_, advance), paint), advance);
   }
 
  private:
+  // The host need not align its widths.
+  int16_t WidthAt(int32_t i) const {
+    int16_t width;
+    std::memcpy(&width, static_cast<const uint8_t*>(static_cast<const void*>(a_.charWidths)) + std::ptrdiff_t{2} * i,
+                sizeof width);
+    return width;
+  }
+
   template <class PaintGlyph>
   int32_t Run(const uint8_t* string, int32_t count, int32_t x, PaintGlyph& paint) {
     const Justification justification{a_.drawMode->TBreakExtra, a_.drawMode->BreakCount, a_.drawMode->CharacterExtra,
                                       &breakError_};
-    const int32_t result =
-        font_.IsTwoByte() ? RunTwoByte(font_, string, count, x, y_,
-                                       a_.charWidths != nullptr ? a_.charWidths[0] : int16_t{0}, &breakError_, paint)
-                          : RunOneByte(font_, string, count, x, y_, justification, paint);
+    const int32_t result = font_.IsTwoByte()
+                               ? RunTwoByte(font_, string, count, x, y_,
+                                            a_.charWidths != nullptr ? WidthAt(0) : int16_t{0}, &breakError_, paint)
+                               : RunOneByte(font_, string, count, x, y_, justification, paint);
     if (count <= 0) a_.drawMode->BreakErr = breakError_;
     return result;
   }

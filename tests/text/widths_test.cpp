@@ -97,6 +97,16 @@ TEST(CharWidths, WidthsAreFenced) {
   EXPECT_TRUE(widths.Unchanged());
 }
 
+// The sanitizers see a read that supposes alignment.
+TEST(CharWidths, WidthsNeedNoAlignment) {
+  const Font font = SmallFont().Build();
+  TestDevice device({.width = 20, .height = 1});
+  DRAWMODE mode = TextMode();
+  alignas(2) const uint8_t bytes[] = {0xAA, 4, 0, 6, 0, 3, 0};
+  const void* widths = bytes + 1;
+  EXPECT_EQ(11, DrawTextAt(device, 0, 0, "bab", font, mode, {.charWidths = static_cast<const int16_t*>(widths)}));
+}
+
 TEST(CharWidths, CountZeroGivesZero) {
   const Font font = SmallFont().Build();
   TestDevice device({.width = 20, .height = 1});

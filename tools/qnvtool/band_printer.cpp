@@ -50,7 +50,7 @@ BandPrinter::BandPrinter(const Rasteriser& rasteriser, const DeviceChoice& devic
   width_ = static_cast<int>(size.width);
   height_ = static_cast<int>(size.height);
   bandRows_ = bandRows <= 0 ? height_ : std::min(bandRows, height_);
-  const std::size_t rows = static_cast<std::size_t>(bandRows_ + 2 * guard_);
+  const std::size_t rows = static_cast<std::size_t>(bandRows_) + 2 * static_cast<std::size_t>(guard_);
   band_.resize(stride_ * rows);
   if (dual) {
     tagStride_ = (static_cast<std::size_t>(width_) + 3) & ~std::size_t{3};

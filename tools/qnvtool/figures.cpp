@@ -63,7 +63,7 @@ class FigureSetter {
   double Px(double mm) const { return mm * setup_.sheet.dpi / 25.4; }
   int RoundPx(double mm) const { return static_cast<int>(std::lround(Px(mm))); }
 
-  void Add(SpanRegion region, const Fill& fill, const FigureLine& line) {
+  void Add(const SpanRegion& region, const Fill& fill, const FigureLine& line) {
     Figure figure;
     figure.region = Clip(region, {0, 0, setup_.sheet.width, setup_.sheet.height});
     figure.fill = fill;

@@ -84,7 +84,7 @@ std::vector<PageNames> NamePages(const PageNames& wanted, int pages, const std::
   }
   FileSet written;
   const auto name = [&](const std::string& path, int page) {
-    const std::string result = PathOfPage(path, page, pages);
+    std::string result = PathOfPage(path, page, pages);
     if (result.empty() || result == "-" || IsSpecial(result)) return result;
     if (read.Has(result)) {
       throw ToolError(ExitCode::kUsage, fmt::format("{}: is an input file and would be overwritten", result));

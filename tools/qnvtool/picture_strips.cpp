@@ -11,7 +11,7 @@ namespace {
 // divides 65536 every step is exact. Where m is odd a boundary stays at least 1 / (2 m) away from every middle of a
 // page row, and the steps err by less than (n + 2) / 65536 together.
 bool IsStable(int sourceRows, int rows) {
-  const int64_t n = sourceRows;
+  const int64_t n = std::max(sourceRows, 1);
   const int64_t m = n / std::gcd(n, int64_t{rows});
   if (65536 % m == 0) return true;
   return m % 2 == 1 && 2 * m * (n + 2) < 65536;

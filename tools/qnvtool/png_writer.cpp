@@ -36,9 +36,9 @@ using Buffer = std::vector<uint8_t>;
 // libpng, which tries all filters on every row, took 0.48 s for 1087 KB and 1.35 s for 413 KB at level 4.
 constexpr int kLevel = 4;
 
-constexpr std::size_t kBlock = 512 * 1024;      // bytes of filtered rows; smaller ones compress worse
-constexpr std::size_t kDictionary = 32 * 1024;  // how far back deflate looks
-constexpr uint8_t kFilterUp = 2;                // a row as its difference from the one above
+constexpr std::size_t kBlock = std::size_t{512} * 1024;      // bytes of filtered rows; smaller ones compress worse
+constexpr std::size_t kDictionary = std::size_t{32} * 1024;  // how far back deflate looks
+constexpr uint8_t kFilterUp = 2;                             // a row as its difference from the one above
 
 void AppendBig32(Buffer& buffer, uint32_t value) {
   for (int shift = 24; shift >= 0; shift -= 8) buffer.push_back(static_cast<uint8_t>(value >> shift));
@@ -146,7 +146,7 @@ class PngWriter final : public PictureWriter {
 
   // Index = tag value. Values that no device writes are black.
   void WritePalette() {
-    Buffer palette(256 * 3, 0);
+    Buffer palette(std::size_t{256} * 3, 0);
     const auto set = [&](std::size_t index, uint32_t rgb) {
       for (std::size_t i = 0; i < 3; ++i) palette[index * 3 + i] = static_cast<uint8_t>(rgb >> (16 - 8 * i));
     };
