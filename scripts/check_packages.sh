@@ -90,7 +90,8 @@ control_field() { # FIELD PATTERN
 deb_control() {
   control_field Package '^qnvdrv10-dev$' && control_field Version "^${version//./\\.}$" &&
     control_field Architecture "^$(dpkg --print-architecture)$" && control_field Depends '(^|, )libc6 ' &&
-    control_field Depends '(^|, )libpng16-16 ' && control_field Description 'Band rasteriser'
+    control_field Depends '(^|, )zlib1g ' && control_field Depends '(^|, )libfreetype6 ' &&
+    control_field Description 'Band rasteriser'
 }
 
 # Nothing says where it was built. Compressed files are looked into.

@@ -93,10 +93,10 @@ TEST(PolyPixel, AsTheModelPaints) {
       DRAWMODE mode = MakeDrawMode();
       mode.Rop2 = static_cast<int16_t>(random.Range(1, 16));
       // From the origin's own place, where the band is, to somewhere near it.
-      const auto near = [&](int32_t o) {
+      const auto nearBand = [&](int32_t o) {
         return static_cast<int32_t>(static_cast<uint32_t>(random.Range(-40, 40)) - static_cast<uint32_t>(o));
       };
-      int32_t x1 = near(origin.x), x2 = near(origin.x), y1 = near(origin.y), y2 = near(origin.y);
+      int32_t x1 = nearBand(origin.x), x2 = nearBand(origin.x), y1 = nearBand(origin.y), y2 = nearBand(origin.y);
       if (std::abs(int64_t{x1} - x2) > 1000) x2 = x1;  // across the end of the numbers
       x1 = std::min(x1, kMax - 1);                     // the model counts past the last point
       x2 = std::min(x2, kMax - 1);
