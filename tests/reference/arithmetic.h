@@ -22,7 +22,12 @@ inline bool AllZero(const Rect& r) { return r.left == 0 && r.top == 0 && r.right
 
 inline bool IsEmpty(const Rect& r) { return r.left >= r.right || r.top >= r.bottom; }
 
-inline Rect Shift(const Rect& r, Point by) { return {r.left + by.x, r.top + by.y, r.right + by.x, r.bottom + by.y}; }
+// Sums of coordinates wrap at 32 bits.
+inline int Sum(int a, int b) { return static_cast<int>(static_cast<uint32_t>(a) + static_cast<uint32_t>(b)); }
+
+inline Rect Shift(const Rect& r, Point by) {
+  return {Sum(r.left, by.x), Sum(r.top, by.y), Sum(r.right, by.x), Sum(r.bottom, by.y)};
+}
 
 inline bool Contains(const Rect& r, int x, int y) { return r.top <= y && y < r.bottom && r.left <= x && x < r.right; }
 

@@ -49,8 +49,8 @@ void BandModel::Put(int column, int row, uint32_t value) {
 
 uint32_t BandModel::Pixel(int32_t x, int32_t y, uint32_t colour, const DRAWMODE* drawMode, const BandRect* clip) {
   if (clip == nullptr) return 0;
-  int deviceX = x + origin_.x;
-  int deviceY = y + origin_.y;
+  int deviceX = Sum(x, origin_.x);
+  int deviceY = Sum(y, origin_.y);
   if (!Contains(Shift(ToRect(*clip), origin_), deviceX, deviceY)) return 0;
   if (scaled()) {
     deviceX = map_->ToBand(deviceX);

@@ -56,13 +56,13 @@ bool DualPlaneModel::TagBlt(const BlitArgs& args, bool image) {
 
 void DualPlaneModel::FillTagRect(uint8_t value, int x, int y, int width, int height, const Rect& clip) {
   const Point origin = tags_.origin();
-  const int left = x + origin.x;
-  const int top = y + origin.y;
-  Rect area{left, top, left + width, top + height};
+  const int left = Sum(x, origin.x);
+  const int top = Sum(y, origin.y);
+  Rect area{left, top, Sum(left, width), Sum(top, height)};
   if (!AllZero(clip)) {
     Rect shifted = Shift(clip, origin);
-    if (left < 0) shifted.left += left;
-    if (top < 0) shifted.top += top;
+    if (left < 0) shifted.left = Sum(shifted.left, left);
+    if (top < 0) shifted.top = Sum(shifted.top, top);
     area = Intersect(area, shifted);
   }
   area = Intersect(area, tags_.rect());

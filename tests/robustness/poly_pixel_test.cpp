@@ -37,7 +37,7 @@ TEST(PolyPixel, CornersFarOutside) {
       options.top = left == kMax - 64 ? kMax - 32 : left;
       for (int32_t origin : {0, 100, -100, kMin, kMax}) {
         TestDevice device(options);
-        device.SetOrigin(origin, -origin);
+        device.SetOrigin(origin, origin == kMin ? kMax : -origin);
         for (uint32_t rop = 1; rop <= 16; ++rop) {
           DRAWMODE mode = MakeDrawMode();
           mode.Rop2 = static_cast<int16_t>(rop);
