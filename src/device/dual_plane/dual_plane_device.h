@@ -21,13 +21,15 @@ class DualPlaneDevice : public RasterDevice24 {
   int16_t Output(const OutputArguments& a) override;
   uint16_t BitBlt(const BltArguments& a) override;
   int32_t ExtTextOut(const TextArguments& a) override;
-  uint16_t StretchDIBits(const ImageArguments& a) override;
   uint32_t Pixel(int32_t x, int32_t y, const PixelArguments& a) override;
+  void PaintImageRow(const BltArguments& row) override;
   uint16_t Control(uint16_t code, const void* data) override;
 
  protected:
   void ClearBand() override;
   PixelReach Reach(const Rect& clip) const override;
+  // Images are marked with the image tag.
+  bool MarkImage(const BltArguments& a) override;
 
  private:
   // Each of these marks what a call paints; nothing is marked while the plane holds the graphics tag alone. False when
@@ -35,8 +37,6 @@ class DualPlaneDevice : public RasterDevice24 {
   bool TagOutput(const OutputArguments& a);
   bool TagText(const TextArguments& a);
   bool TagTransfer(const BltArguments& a);
-  // The same for a part of an image: it is marked with the image tag, and its coordinates hold the origin already.
-  bool TagImage(const BltArguments& a);
 
   bool planeUniform_ = true;
   RasterDevice24* colourDevice_ = nullptr;  // owned

@@ -102,6 +102,11 @@ void FillTagRect(const TagPlane& plane, uint8_t value, int32_t x, int32_t y, int
   for (int32_t row = area.top; row < area.bottom; ++row) std::memset(band.At(area.left, row), value, pixels);
 }
 
+namespace {
+
+// Tags the destination pixels of a transfer whose source pixel is not of the skip colour. False for a source
+// that is neither one plane of 24 bits nor one of one bit. What cannot be read (a null source, a one-bit one
+// without draw mode) is not painted and not tagged.
 bool TagFromSource(const TagPlane& plane, uint8_t tag, const BltArguments& a, uint32_t skip) {
   if (a.source == nullptr) return true;
   const bool oneBit = a.source->bmBitsPixel == 1;
@@ -115,6 +120,8 @@ bool TagFromSource(const TagPlane& plane, uint8_t tag, const BltArguments& a, ui
   return true;
 }
 
+// Tags the destination pixels whose brush cell is not of the skip colour. False for a style above 3. Nothing
+// is tagged without a brush, or for a hatch or pattern without the draw mode that colours it.
 bool TagFromBrush(const TagPlane& plane, uint8_t tag, const BltArguments& a, uint32_t skip) {
   if (a.brush == nullptr) return true;
   switch (a.brush->style) {
@@ -131,6 +138,8 @@ bool TagFromBrush(const TagPlane& plane, uint8_t tag, const BltArguments& a, uin
     default: return false;
   }
 }
+
+}  // namespace
 
 bool TagTransferOn(const TagPlane& plane, uint8_t callersTag, const BltArguments& a) {
   const TransferTagRule rule = TagRuleOfRop3(RopIndex(a.rop));

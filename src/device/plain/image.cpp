@@ -8,23 +8,28 @@ uint16_t RasterDevice::StretchDIBits(const ImageArguments& a) {
   const BandView band = ImageBand(Band());
   ImageTransfer transfer(state_.imageBuffers);
   if (!transfer.Prepare(state_.Paint(), state_.bandRect, BandTarget(state_.Is24()), a)) return 0;
-  const auto keepPixels = [](uint8_t*, std::size_t) {};
-  const uint32_t bitmapWidth = state_.description.width;
-  switch (ImageModeOf(a.rop)) {
-    case ImageMode::kCopy: CopyImage(transfer, band, *state_.rows); return 1;
-    case ImageMode::kMerge:
-      return FeedRows(transfer, bitmapWidth, band.bytesPerPixel, kMergeTags, a, keepPixels,
-                      [&](const BltArguments& row, const uint8_t* pixels) {
-                        MergeRow(transfer, band, *state_.rows, a.rop, row, pixels);
-                        return true;
-                      });
-    case ImageMode::kBitBlt: break;
+  const ImageMode mode = ImageModeOf(a.rop);
+  if (mode == ImageMode::kCopy) {
+    const Rect& area = transfer.Clipped();
+    const BltArguments whole{area.left, area.top, nullptr,    area.left, 0, transfer.Width(), area.bottom - area.top,
+                             SRCCOPY,   a.brush,  a.drawMode, &kNoClip};
+    if (!MarkImage(whole)) return 0;
+    CopyImage(transfer, band, *state_.rows);
+    return 1;
   }
-  return FeedRows(transfer, bitmapWidth, band.bytesPerPixel, a.rop, a, keepPixels,
-                  [this](const BltArguments& row, const uint8_t*) {
-                    PaintImageRow(row);
-                    return true;
-                  });
+  const bool merges = mode == ImageMode::kMerge;
+  const auto keepPixels = [](uint8_t*, std::size_t) {};
+  const auto paintRow = [&](const BltArguments& row, const uint8_t* pixels) {
+    if (!MarkImage(row)) return false;
+    if (merges) {
+      MergeRow(transfer, band, *state_.rows, a.rop, row, pixels);
+    } else {
+      PaintImageRow(row);
+    }
+    return true;
+  };
+  return FeedRows(transfer, state_.description.width, band.bytesPerPixel, merges ? kMergeTags : a.rop, a, keepPixels,
+                  paintRow);
 }
 
 void RasterDevice24::PaintImageRow(const BltArguments& row) {

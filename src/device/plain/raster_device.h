@@ -34,6 +34,9 @@ class RasterDevice : public Device {
   uint8_t HatchScale() const override;
   void ClearBand() override;
   PixelReach Reach(const Rect& clip) const override;
+  // Called before a part of an image is painted, with the transfer that stands for it: coordinates with the origin
+  // added. False refuses the image.
+  virtual bool MarkImage(const BltArguments& /*a*/) { return true; }
 
   uint32_t DescribedBytes() const { return state_.Is24() ? 3 : 1; }
 };
