@@ -88,7 +88,7 @@ struct Row {
 
 // What one run of a job amounts to.
 struct Amounts {
-  double bytes = 0;        // written to the colour plane
+  double bytes = 0;        // written to the color plane
   double sourceBytes = 0;  // of the source rows that reach the band
   double calls = 1;
   double items = 0;  // glyphs

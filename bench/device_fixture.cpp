@@ -81,8 +81,8 @@ void DeviceFixture::Rewind() const {
 }
 
 uint64_t DeviceFixture::PictureHash() const {
-  const uint64_t colours = HashBytes(memory_.band(), stride_ * static_cast<std::size_t>(height_));
-  return IsDual(band_) ? colours * 3 + HashBytes(memory_.tags(), TagSize()) : colours;
+  const uint64_t colors = HashBytes(memory_.band(), stride_ * static_cast<std::size_t>(height_));
+  return IsDual(band_) ? colors * 3 + HashBytes(memory_.tags(), TagSize()) : colors;
 }
 
 void DeviceFixture::MakeBrush(Brush kind) {

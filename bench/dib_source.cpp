@@ -54,10 +54,10 @@ DibSource MakeDib(Memory& memory, const ImageSource& image, int width, int heigh
   header.biPlanes = 1;
   header.biBitCount = image.bits;
   header.biCompression = image.rle ? BI_RLE8 : BI_RGB;
-  const std::size_t colours = image.bits <= 8 ? std::size_t{1} << image.bits : 0;
-  dib.info.resize(sizeof header + 4 * colours);
+  const std::size_t colors = image.bits <= 8 ? std::size_t{1} << image.bits : 0;
+  dib.info.resize(sizeof header + 4 * colors);
   FillRandom(dib.info.data(), dib.info.size(), 8);
-  for (std::size_t i = 0; i < colours; ++i) dib.info[sizeof header + 4 * i + 3] = 0;
+  for (std::size_t i = 0; i < colors; ++i) dib.info[sizeof header + 4 * i + 3] = 0;
   const std::size_t stride = ((static_cast<std::size_t>(width) * image.bits + 7) / 8 + 3) & ~std::size_t{3};
   dib.size = stride * static_cast<std::size_t>(height);
   // A literal stretch of three pixels takes six bytes, so this bounds the compressed form.

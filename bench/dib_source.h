@@ -10,7 +10,7 @@
 namespace qnv::bench {
 
 struct DibSource {
-  std::vector<uint8_t> info;  // header and colour table
+  std::vector<uint8_t> info;  // header and color table
   const uint8_t* bits = nullptr;
   int width = 0;
   int height = 0;

@@ -20,7 +20,7 @@ constexpr COLORREF kBrush = 0x00285AC8;
 
 struct GrayInfo {
   BITMAPINFOHEADER header;
-  RGBQUAD colours[256];
+  RGBQUAD colors[256];
 };
 
 GrayInfo MakeInfo(int width, int height, int bitsPerPixel) {
@@ -32,7 +32,7 @@ GrayInfo MakeInfo(int width, int height, int bitsPerPixel) {
   info.header.biBitCount = static_cast<WORD>(bitsPerPixel);
   for (int i = 0; i < 256; ++i) {
     const BYTE level = static_cast<BYTE>(i);
-    info.colours[i] = {level, level, level, 0};
+    info.colors[i] = {level, level, level, 0};
   }
   return info;
 }
@@ -48,7 +48,7 @@ class Canvas {
     size_ = static_cast<std::size_t>((width * bitsPerPixel + 31) / 32 * 4) * static_cast<std::size_t>(height);
   }
 
-  // A bitmap of one bit a pixel takes the colours of the context that it is copied to, as the library does.
+  // A bitmap of one bit a pixel takes the colors of the context that it is copied to, as the library does.
   Canvas(int width, int height, const uint8_t* oneBitRows) : context_(CreateCompatibleDC(nullptr)) {
     Keep(CreateBitmap(width, height, 1, 1, oneBitRows));
   }
@@ -109,7 +109,7 @@ Rival MakeGdiRival(std::unique_ptr<Canvas> canvas, const Memory& memory, Call ca
 }
 
 // What the library takes as red, green, blue lies the other way round in this platform's bitmaps.
-void ExchangeColours(uint8_t* bytes, std::size_t count) {
+void ExchangeColors(uint8_t* bytes, std::size_t count) {
   for (std::size_t i = 0; i + 3 <= count; i += 3) std::swap(bytes[i], bytes[i + 2]);
 }
 
@@ -118,7 +118,7 @@ HBRUSH MakePatternBrush(int period, int bitsPerPixel) {
   const std::size_t bytes = static_cast<std::size_t>(bitsPerPixel / 8);
   uint8_t cells[8 * 8 * 3];
   FillRandom(cells, 64 * bytes, 4);
-  if (bytes == 3) ExchangeColours(cells, sizeof cells);
+  if (bytes == 3) ExchangeColors(cells, sizeof cells);
   GrayInfo info = MakeInfo(period, period, bitsPerPixel);
   const std::size_t header = bytes == 1 ? sizeof info : sizeof info.header;
   std::vector<uint8_t> packed(header);
@@ -151,7 +151,7 @@ std::unique_ptr<Canvas> MakeSourceCanvas(Memory& memory, Source source, int widt
   }
   auto canvas = std::make_unique<Canvas>(width, height, source == Source::kRgb24 ? 24 : 8);
   FillRandom(canvas->bits(), canvas->size(), 3);
-  if (source == Source::kRgb24) ExchangeColours(canvas->bits(), canvas->size());
+  if (source == Source::kRgb24) ExchangeColors(canvas->bits(), canvas->size());
   return canvas;
 }
 

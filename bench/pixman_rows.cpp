@@ -22,7 +22,7 @@ struct Transform {
   int32_t matrix[3][3];
 };
 
-struct PixmanColour {
+struct PixmanColor {
   uint16_t red, green, blue, alpha;
 };
 
@@ -42,7 +42,7 @@ constexpr uint32_t k888 = Format(32, kTypeArgb, 0, 8, 8, 8);
 
 struct Pixman {
   Image* (*createBits)(uint32_t format, int width, int height, uint32_t* bits, int stride) = nullptr;
-  Image* (*createSolid)(const PixmanColour* colour) = nullptr;
+  Image* (*createSolid)(const PixmanColor* color) = nullptr;
   int (*unref)(Image* image) = nullptr;
   void (*setRepeat)(Image* image, int repeat) = nullptr;
   int (*setTransform)(Image* image, const Transform* transform) = nullptr;
@@ -119,8 +119,8 @@ class PixmanJob final : public Job {
 };
 
 ImageOwner MakeSolid() {
-  const PixmanColour colour = {0xC8C8, 0x5A5A, 0x2828, 0xFFFF};
-  return Own(Open().createSolid(&colour));
+  const PixmanColor color = {0xC8C8, 0x5A5A, 0x2828, 0xFFFF};
+  return Own(Open().createSolid(&color));
 }
 
 ImageOwner MakeTile(const RowSpec& spec, std::vector<uint32_t>& storage) {

@@ -32,7 +32,7 @@ Band BandOf(const RowResult& row) {
   return parts.band;
 }
 
-// How much longer calls take on the device with tags, compared with the same call on the colour band alone.
+// How much longer calls take on the device with tags, compared with the same call on the color band alone.
 void AddTagCosts(const std::vector<RowResult>& rows, const Times& times, std::vector<DerivedResult>& figures) {
   std::vector<double> uniform;
   for (const RowResult& row : rows) {

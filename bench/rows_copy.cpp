@@ -13,7 +13,7 @@ struct SourceName {
 
 constexpr SourceName kSources[] = {{Source::kRgb24, "rgb24"}, {Source::kGray8, "gray8"}, {Source::kMono, "mono"}};
 
-// A band of bytes takes byte sources, a colour band colour sources; one-bit sources go with both.
+// A band of bytes takes byte sources, a color band color sources; one-bit sources go with both.
 bool Fits(Source source, Band band) {
   return source == Source::kMono || (source == Source::kGray8) == (band == Band::kGray8);
 }

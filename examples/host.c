@@ -27,7 +27,7 @@ enum {
 
 enum { kExitUsage = 1, kExitFile = 2, kExitLibrary = 3 };
 
-/* Colours are handed over with red in the low byte. */
+/* Colors are handed over with red in the low byte. */
 #define RGB24(red, green, blue) ((uint32_t)(red) | (uint32_t)(green) << 8 | (uint32_t)(blue) << 16)
 
 #define INK RGB24(32, 36, 48)
@@ -38,7 +38,7 @@ static const BandRect page_rect = {0, 0, kPageWidth, kPageHeight};
 typedef struct Host {
   DeviceHandle *device;
   uint8_t *band; /* kBandRows rows of kStride bytes; the library paints here and never frees it */
-  DRAWMODE mode; /* raster operation and colours of the next calls */
+  DRAWMODE mode; /* raster operation and colors of the next calls */
 } Host;
 
 static void fail(int code, const char *message) {
@@ -110,13 +110,13 @@ static PhysicalBrush realise(Host *host, const LogicalBrush *logical) {
   return brush;
 }
 
-static PhysicalBrush solid_brush(Host *host, uint32_t colour) {
-  const LogicalBrush logical = {BS_SOLID, colour, 0, 0};
+static PhysicalBrush solid_brush(Host *host, uint32_t color) {
+  const LogicalBrush logical = {BS_SOLID, color, 0, 0};
   return realise(host, &logical);
 }
 
-static PhysicalBrush hatch_brush(Host *host, int16_t hatch, uint32_t colour) {
-  const LogicalBrush logical = {BS_HATCHED, colour, hatch, PAPER};
+static PhysicalBrush hatch_brush(Host *host, int16_t hatch, uint32_t color) {
+  const LogicalBrush logical = {BS_HATCHED, color, hatch, PAPER};
   return realise(host, &logical);
 }
 
@@ -225,14 +225,14 @@ static int text_width(Host *host, const Font *font, const char *text) {
   return extent & 0xFFFF;
 }
 
-/* (x, y): top left of the first character. The draw mode takes physical colours: on a gray device a gray level. */
-static void draw_text(Host *host, const Font *font, int x, int y, uint32_t colour, const char *text) {
-  host->mode.TextColor = QNVColorInfo(host->device, colour, NULL);
+/* (x, y): top left of the first character. The draw mode takes physical colors: on a gray device a gray level. */
+static void draw_text(Host *host, const Font *font, int x, int y, uint32_t color, const char *text) {
+  host->mode.TextColor = QNVColorInfo(host->device, color, NULL);
   QNVDevExtTextOut(host->device, x, y, &page_rect, text, (int32_t)strlen(text), font->block, 0, &host->mode, NULL, NULL,
                    NULL, 0);
 }
 
-/* The same on a box of the background colour, and cut to it. */
+/* The same on a box of the background color, and cut to it. */
 static void draw_caption(Host *host, const Font *font, const BandRect *box, uint32_t background, const char *text) {
   const int x = (box->left + box->right - text_width(host, font, text)) / 2;
   const int y = (box->top + box->bottom - SMALL_FONT_ROWS * font->scale) / 2;
@@ -246,16 +246,16 @@ static void draw_caption(Host *host, const Font *font, const BandRect *box, uint
 
 /* ---- A run-length image ------------------------------------------------------------------------------- */
 
-enum { kPictureWidth = 96, kPictureHeight = 64, kPictureColours = 14 };
+enum { kPictureWidth = 96, kPictureHeight = 64, kPictureColors = 14 };
 
-/* Everything is bytes or packed, so the colour table follows the header without a gap. */
+/* Everything is bytes or packed, so the color table follows the header without a gap. */
 typedef struct Picture {
   BITMAPINFOHEADER header;
-  uint8_t colours[kPictureColours][4];                        /* blue, green, red, unused */
+  uint8_t colors[kPictureColors][4];                        /* blue, green, red, unused */
   uint8_t data[kPictureHeight * (2 * kPictureWidth + 2) + 2]; /* at most a code a pixel and an end a row */
 } Picture;
 
-static const uint8_t picture_colours[kPictureColours][4] = {
+static const uint8_t picture_colors[kPictureColors][4] = {
     {0x6E, 0x3A, 0x28, 0}, {0x80, 0x44, 0x50, 0}, {0x78, 0x50, 0x86, 0}, {0x6C, 0x60, 0xBC, 0}, /* sky, top down */
     {0x5C, 0x78, 0xE4, 0}, {0x5A, 0x9C, 0xF6, 0}, {0x78, 0xC8, 0xFC, 0}, {0xB4, 0xF0, 0xFF, 0}, /* ... and the sun */
     {0x6E, 0x46, 0x46, 0}, {0x5A, 0x3A, 0x3A, 0}, {0x46, 0x2E, 0x30, 0},                        /* water */
@@ -309,8 +309,8 @@ static Picture *make_picture(void) {
   picture->header.biBitCount = 8;
   picture->header.biCompression = BI_RLE8;
   picture->header.biSizeImage = (uint32_t)encode_picture(picture->data);
-  picture->header.biClrUsed = kPictureColours;
-  memcpy(picture->colours, picture_colours, sizeof picture->colours);
+  picture->header.biClrUsed = kPictureColors;
+  memcpy(picture->colors, picture_colors, sizeof picture->colors);
   return picture;
 }
 
@@ -351,13 +351,13 @@ static void draw_heading(Host *host, const Page *page) {
 }
 
 /* Drawn at (0, 0) and put in its place by the origin. */
-static void draw_colours(Host *host) {
-  static const uint32_t colours[] = {RGB24(214, 48, 49),  RGB24(232, 126, 4), RGB24(246, 201, 14), RGB24(39, 154, 72),
+static void draw_colors(Host *host) {
+  static const uint32_t colors[] = {RGB24(214, 48, 49),  RGB24(232, 126, 4), RGB24(246, 201, 14), RGB24(39, 154, 72),
                                      RGB24(24, 140, 170), RGB24(52, 84, 180), RGB24(128, 62, 152), RGB24(80, 80, 88)};
   int i;
   set_origin(host, 48, 180);
   for (i = 0; i < 8; ++i) {
-    const PhysicalBrush brush = solid_brush(host, colours[i]);
+    const PhysicalBrush brush = solid_brush(host, colors[i]);
     fill_rect(host, i * 63, 0, i * 63 + 63, 40, &brush);
   }
   set_origin(host, 0, 0);
@@ -421,7 +421,7 @@ static void draw_bars(Host *host) {
 
 static void draw_page(Host *host, const Page *page) {
   draw_heading(host, page);
-  draw_colours(host);
+  draw_colors(host);
   draw_hatches(host, page);
   draw_discs(host);
   draw_image(host, page);

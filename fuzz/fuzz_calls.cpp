@@ -23,11 +23,11 @@ void CallPixels(Input& input, DeviceHandle* handle) {
   const BandRect clip = input.Rect();
   const int8_t x = static_cast<int8_t>(input.Byte());
   const int8_t y = static_cast<int8_t>(input.Byte());
-  const uint32_t colour = input.Long();
+  const uint32_t color = input.Long();
   const int32_t point[2] = {input.Coordinate(), input.Coordinate()};
-  QNVPixel(handle, point[0], point[1], colour, input.Byte() & 1 ? &mode : nullptr, &clip);
+  QNVPixel(handle, point[0], point[1], color, input.Byte() & 1 ? &mode : nullptr, &clip);
   const int32_t corner[2] = {x + static_cast<int8_t>(input.Byte()) / 8, y + static_cast<int8_t>(input.Byte()) / 8};
-  QNVPolyPixel(handle, x, y, corner[0], corner[1], colour, &mode, &clip);
+  QNVPolyPixel(handle, x, y, corner[0], corner[1], color, &mode, &clip);
 }
 
 void CallObjects(Input& input, DeviceHandle* handle) {

@@ -16,8 +16,8 @@ FuzzDevice::FuzzDevice(Input& input) {
   description.height = 1u + input.Byte() % 64;
   const bool dual = choice % 4 == 3;
   // The clear escape of a dual-plane device takes three bytes a pixel, whatever the description says.
-  const bool colour = dual || description.kind == QNV_KIND_SCALED || description.bitsPerPixel == 24;
-  const uint32_t bytesPerPixel = colour ? 3 : 1;
+  const bool color = dual || description.kind == QNV_KIND_SCALED || description.bitsPerPixel == 24;
+  const uint32_t bytesPerPixel = color ? 3 : 1;
   band_ = std::make_unique<Block>(
       std::vector<uint8_t>(((description.width * bytesPerPixel + 3) & ~3u) * description.height, 0x5A));
   if (dual) {

@@ -1,4 +1,4 @@
-/* QNVDRV10: the band rasteriser of a colour printer driver.
+/* QNVDRV10: the band rasteriser of a color printer driver.
  *
  * A driver (the host) cuts a page into horizontal bands, owns the memory of the band it works on, and
  * forwards drawing calls here; each call paints into that memory and returns. This header is the whole
@@ -87,8 +87,8 @@ typedef struct DrawingOrigin {
 
 /* ---- Drawing records ------------------------------------------------------------------------------ */
 
-/* How a call combines what it paints with the band: 42 bytes, the platform's draw mode for drivers. Colours are
- * physical colours (see QNVColorInfo). The library writes a single field: a QNVDevExtTextOut that measures sets
+/* How a call combines what it paints with the band: 42 bytes, the platform's draw mode for drivers. Colors are
+ * physical colors (see QNVColorInfo). The library writes a single field: a QNVDevExtTextOut that measures sets
  * BreakErr. */
 typedef struct DRAWMODE {
   int16_t Rop2;           /*  0  R2_... 1..16 */
@@ -133,7 +133,7 @@ typedef struct PhysicalPen {
   uint16_t style;  /* 0  PS_SOLID or PS_NULL; every other style is realised as PS_SOLID */
   int16_t widthX;  /* 2  copied */
   int16_t widthY;  /* 4  copied */
-  uint32_t colour; /* 6  physical colour */
+  uint32_t colour; /* 6  physical color */
 } PhysicalPen;
 
 /* 12 bytes where pointers have four: a brush before it is realised. */
@@ -141,7 +141,7 @@ typedef struct LogicalBrush {
   uint16_t style;      /* 0  BS_SOLID, BS_HOLLOW, BS_HATCHED, BS_PATTERN */
   uintptr_t colour;    /* 2  0x00BBGGRR; for BS_PATTERN the address of a SourceBitmap instead */
   int16_t hatch;       /* +0 (6)  HS_... */
-  uint32_t background; /* +2 (8)  physical colour of the gaps of a hatch, not converted */
+  uint32_t background; /* +2 (8)  physical color of the gaps of a hatch, not converted */
 } LogicalBrush;
 
 /* 268 bytes: a realised brush. A cell with top byte 0xFF is foreground, one with top byte 0 background. */
@@ -150,7 +150,7 @@ typedef struct PhysicalBrush {
   uint16_t hatch;        /*  2  as the logical brush */
   uint16_t patternDepth; /*  4  24, 8 or 1 for pattern brushes, else 0 */
   uint8_t hatchScale[2]; /*  6  pixels that a cell covers, horizontally and vertically; above 2 counts as 2 */
-  uint32_t colour;       /*  8  physical colour; 0 for a 1-bit pattern */
+  uint32_t colour;       /*  8  physical color; 0 for a 1-bit pattern */
   uint32_t cells[64];    /* 12  8 rows of 8, top row first, leftmost first */
 } PhysicalBrush;
 
@@ -183,7 +183,7 @@ typedef struct FONTINFO {
 } FONTINFO;
 
 #ifndef _WINGDI_
-/* The description of a device-independent bitmap: 40 bytes. Followed at byte biSize by the colour table (blue, green,
+/* The description of a device-independent bitmap: 40 bytes. Followed at byte biSize by the color table (blue, green,
  * red, unused; 1, 4 and 8 bits), or at byte 40 by three masks (red, green, blue; 16 bits with BI_BITFIELDS).
  *
  * Run-length data (BI_RLE8, BI_RLE4) has no length here: the host puts 260 + 2 * |biHeight| zero bytes behind the bytes
@@ -312,7 +312,7 @@ uint32_t QNV_CALL QNVGetDeviceInfo(const DeviceDescription *description, DeviceS
  * data where data is needed. */
 uint32_t QNV_CALL QNVControl(DeviceHandle *handle, uint32_t code, const void *data, void *extra);
 
-/* Logical colour 0x00BBGGRR to physical colour: itself on colour devices, the gray level
+/* Logical color 0x00BBGGRR to physical color: itself on color devices, the gray level
  * (30 red + 59 green + 11 blue) / 100 in three bytes on gray ones. Also stored at `result` unless null. */
 uint32_t QNV_CALL QNVColorInfo(DeviceHandle *handle, uint32_t colour, uint32_t *result);
 

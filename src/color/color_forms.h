@@ -1,5 +1,5 @@
-// The forms of a colour. A colour reference holds red in bits 0..7, green in 8..15, blue in 16..23; a packed
-// colour holds blue there instead, so that its bytes lie in memory in band order.
+// The forms of a color. A color reference holds red in bits 0..7, green in 8..15, blue in 16..23; a packed
+// color holds blue there instead, so that its bytes lie in memory in band order.
 #pragma once
 
 #include <cstdint>
@@ -7,11 +7,11 @@
 namespace qnv {
 
 constexpr uint32_t kWhite = 0x00FFFFFF;
-constexpr uint32_t kColourBits = 0x00FFFFFF;
+constexpr uint32_t kColorBits = 0x00FFFFFF;
 
-// Colour reference to packed colour and back. The top byte is kept.
-constexpr uint32_t ExchangeRedBlue(uint32_t colour) {
-  return (colour & 0xFF00FF00u) | (colour & 0xFF) << 16 | (colour >> 16 & 0xFF);
+// Color reference to packed color and back. The top byte is kept.
+constexpr uint32_t ExchangeRedBlue(uint32_t color) {
+  return (color & 0xFF00FF00u) | (color & 0xFF) << 16 | (color >> 16 & 0xFF);
 }
 
 // 0..255; the arguments are weighted in this order, truncated.
@@ -21,12 +21,12 @@ constexpr uint32_t WeightedGray(uint32_t weight30, uint32_t weight59, uint32_t w
 
 constexpr uint32_t Replicated(uint32_t byte) { return byte * 0x010101u; }
 
-// The gray level of a colour reference in all three bytes; its top byte is dropped.
-constexpr uint32_t GrayLevel(uint32_t colour) {
-  return Replicated(WeightedGray(colour & 0xFF, colour >> 8 & 0xFF, colour >> 16 & 0xFF));
+// The gray level of a color reference in all three bytes; its top byte is dropped.
+constexpr uint32_t GrayLevel(uint32_t color) {
+  return Replicated(WeightedGray(color & 0xFF, color >> 8 & 0xFF, color >> 16 & 0xFF));
 }
 
-// Logical to physical colour.
-constexpr uint32_t PhysicalColour(uint32_t colour, bool gray) { return gray ? GrayLevel(colour) : colour; }
+// Logical to physical color.
+constexpr uint32_t PhysicalColor(uint32_t color, bool gray) { return gray ? GrayLevel(color) : color; }
 
 }  // namespace qnv

@@ -41,29 +41,29 @@ bool PatternCells(const SourceBitmap* bitmap, PhysicalBrush* brush) {
 
 }  // namespace
 
-uint32_t RealizePen(const LogicalPen& logical, uint32_t physicalColour, PhysicalPen* pen) {
+uint32_t RealizePen(const LogicalPen& logical, uint32_t physicalColor, PhysicalPen* pen) {
   // Styled pens are drawn solid: the host cuts dashes into spans itself.
   const uint16_t style = logical.style == PS_NULL ? PS_NULL : PS_SOLID;
-  *pen = {style, logical.widthX, logical.widthY, physicalColour};
+  *pen = {style, logical.widthX, logical.widthY, physicalColor};
   return kRealised;
 }
 
 uint32_t RealizeBrush(const LogicalBrush& logical, const BrushRules& rules, PhysicalBrush* brush) {
-  const uint32_t colour = PhysicalColour(static_cast<uint32_t>(logical.colour), rules.gray);
+  const uint32_t color = PhysicalColor(static_cast<uint32_t>(logical.colour), rules.gray);
   const uint16_t style = logical.style;
   const int16_t hatch = logical.hatch;
   brush->style = style;
   brush->hatch = static_cast<uint16_t>(hatch);
   brush->patternDepth = 0;
   brush->hatchScale[0] = brush->hatchScale[1] = rules.hatchScale;
-  brush->colour = colour;
+  brush->colour = color;
   switch (style) {
     case BS_SOLID: return kRealisedSolid;
     case BS_HOLLOW: return kRealised;
     case BS_HATCHED:
       if (hatch >= 0 && hatch < kHatchCount) {
         uint32_t cells[64];
-        HatchCells(kHatchRows[hatch], colour, logical.background, cells);
+        HatchCells(kHatchRows[hatch], color, logical.background, cells);
         for (int i = 0; i < 64; ++i) brush->cells[i] = cells[i];
       }
       return kRealised;

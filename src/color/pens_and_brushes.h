@@ -12,12 +12,12 @@ inline constexpr uint32_t kRealisedSolid = 0x8002;
 
 inline constexpr uint32_t kForeground = 0xFF000000;  // top byte of a brush cell
 
-// Writes *pen from *logical with the colour already physical. Returns kRealised.
-uint32_t RealizePen(const LogicalPen& logical, uint32_t physicalColour, PhysicalPen* pen);
+// Writes *pen from *logical with the color already physical. Returns kRealised.
+uint32_t RealizePen(const LogicalPen& logical, uint32_t physicalColor, PhysicalPen* pen);
 
 // How a device class realises brushes.
 struct BrushRules {
-  bool gray;           // solid and hatch colours become gray levels
+  bool gray;           // solid and hatch colors become gray levels
   uint8_t hatchScale;  // replication of hatch and pattern cells, both directions
 };
 

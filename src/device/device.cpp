@@ -14,8 +14,8 @@ uint32_t Device::GetDeviceInfo(DeviceSize* result) const {
   return sizeof *result;
 }
 
-uint32_t Device::ColorInfo(uint32_t colour, uint32_t* result) const {
-  const uint32_t physical = PhysicalColour(colour, ConvertsToGray());
+uint32_t Device::ColorInfo(uint32_t color, uint32_t* result) const {
+  const uint32_t physical = PhysicalColor(color, ConvertsToGray());
   if (result != nullptr) std::memcpy(result, &physical, sizeof physical);
   return physical;
 }

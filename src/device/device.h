@@ -17,7 +17,7 @@ namespace qnv {
 
 // Arguments of Pixel, which PolyPixel repeats.
 struct PixelArguments {
-  uint32_t colour;
+  uint32_t color;
   const DRAWMODE* drawMode;
   const BandRect* clip;
 };
@@ -39,7 +39,7 @@ class Device {
   uint32_t GetDeviceInfo(DeviceSize* result) const;
   virtual void Enable(const BandRect& bandRect) = 0;
   virtual uint32_t RealizeObject(uint32_t kind, const void* input, void* output);
-  uint32_t ColorInfo(uint32_t colour, uint32_t* result) const;
+  uint32_t ColorInfo(uint32_t color, uint32_t* result) const;
   virtual int16_t Output(const OutputArguments& a) = 0;
   virtual uint16_t BitBlt(const BltArguments& a) = 0;
   virtual int32_t ExtTextOut(const TextArguments& a) = 0;
@@ -54,7 +54,7 @@ class Device {
  protected:
   explicit Device(const DeviceDescription& description) { state_.description = description; }
 
-  // The device's logical colours become gray levels.
+  // The device's logical colors become gray levels.
   virtual bool ConvertsToGray() const = 0;
   virtual uint8_t HatchScale() const = 0;
   virtual void ClearBand() = 0;
@@ -63,7 +63,7 @@ class Device {
   // Writes one pixel so many times.
   virtual void RepeatPixel(int32_t x, int32_t y, uint64_t times, const PixelArguments& a);
 
-  // Fills a rectangle of caller coordinates with the draw mode's background colour, by the device's own brush and
+  // Fills a rectangle of caller coordinates with the draw mode's background color, by the device's own brush and
   // transfer. What lies left of or above 0 is cut off first; the rest is its own clip.
   void FillOpaqueRect(const Rect& rect, const DRAWMODE& drawMode);
 

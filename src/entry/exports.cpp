@@ -64,9 +64,9 @@ QNV_ENTRY uint32_t QNVControl(DeviceHandle* handle, uint32_t code, const void* d
   return handle->device->Control(Low16(code), data);
 }
 
-QNV_ENTRY uint32_t QNVColorInfo(DeviceHandle* handle, uint32_t colour, uint32_t* result) {
+QNV_ENTRY uint32_t QNVColorInfo(DeviceHandle* handle, uint32_t color, uint32_t* result) {
   if (!IsValid(handle)) return 0;
-  return handle->device->ColorInfo(colour, result);
+  return handle->device->ColorInfo(color, result);
 }
 
 QNV_ENTRY uint32_t QNVRealizeObject(DeviceHandle* handle, uint32_t kind, const void* input, void* output,
@@ -75,16 +75,16 @@ QNV_ENTRY uint32_t QNVRealizeObject(DeviceHandle* handle, uint32_t kind, const v
   return handle->device->RealizeObject(kind, input, output);
 }
 
-QNV_ENTRY uint32_t QNVPixel(DeviceHandle* handle, int32_t x, int32_t y, uint32_t colour, const DRAWMODE* drawMode,
+QNV_ENTRY uint32_t QNVPixel(DeviceHandle* handle, int32_t x, int32_t y, uint32_t color, const DRAWMODE* drawMode,
                             const BandRect* clip) {
   if (!IsValid(handle)) return 0;
-  return handle->device->Pixel(x, y, PixelArguments{colour, drawMode, clip});
+  return handle->device->Pixel(x, y, PixelArguments{color, drawMode, clip});
 }
 
-QNV_ENTRY uint32_t QNVPolyPixel(DeviceHandle* handle, int32_t x1, int32_t y1, int32_t x2, int32_t y2, uint32_t colour,
+QNV_ENTRY uint32_t QNVPolyPixel(DeviceHandle* handle, int32_t x1, int32_t y1, int32_t x2, int32_t y2, uint32_t color,
                                 const DRAWMODE* drawMode, const BandRect* clip) {
   if (!IsValid(handle)) return 0;
-  return handle->device->PolyPixel(x1, y1, x2, y2, PixelArguments{colour, drawMode, clip});
+  return handle->device->PolyPixel(x1, y1, x2, y2, PixelArguments{color, drawMode, clip});
 }
 
 QNV_ENTRY uint32_t QNVDevBitBlt(DeviceHandle* handle, int32_t destX, int32_t destY, const SourceBitmap* source,

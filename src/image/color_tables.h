@@ -1,4 +1,4 @@
-// Colour tables and colour masks of a bitmap, prepared once per call in the form that the converters store.
+// Color tables and color masks of a bitmap, prepared once per call in the form that the converters store.
 #pragma once
 
 #include <cstdint>

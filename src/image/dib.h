@@ -29,7 +29,7 @@ constexpr std::size_t DibRowBytes(int32_t width, uint32_t bitCount) {
 }
 
 // False for a header that is refused: planes other than 1, a depth that is none of the six, a width or height
-// of 0 or beyond 32767, run lengths at another depth than their own, a compression of 4, 5 or above 6, a colour table
+// of 0 or beyond 32767, run lengths at another depth than their own, a compression of 4, 5 or above 6, a color table
 // at another place than 40 to 4096 bytes behind the header's begin (1, 4 and 8 bits; the others have none).
 bool ReadDib(const void* bitmapInfo, Dib* dib);
 

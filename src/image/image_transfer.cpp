@@ -32,8 +32,8 @@ bool ImageTransfer::Prepare(const PaintState& paint, const Rect& bandRect, Pixel
   bits_ = static_cast<const uint8_t*>(a.bits);
   rows_ = &paint.rows;
   target_ = target;
-  if (dib_.HasPalette()) MakeColorTable(dib_, target_, &colours_.table);
-  if (dib_.bitCount == 16) colours_.masks = MakePixelMasks(dib_, target_);
+  if (dib_.HasPalette()) MakeColorTable(dib_, target_, &colors_.table);
+  if (dib_.bitCount == 16) colors_.masks = MakePixelMasks(dib_, target_);
   const uint32_t rowBits = dib_.IsRle() ? 8 : dib_.bitCount;
   convert_ = RowConverterFor(rowBits, target_);
 
@@ -54,11 +54,11 @@ const uint8_t* ImageTransfer::SourceRow(int32_t stored) const {
 
 void ImageTransfer::ConvertRow(uint8_t* out) {
   const int32_t stored = firstRow_ + walk_.Index() * rowAdvance_;
-  columns_.Apply(out, SourceRow(stored), convert_, ConverterContext{colours_, *rows_});
+  columns_.Apply(out, SourceRow(stored), convert_, ConverterContext{colors_, *rows_});
 }
 
 uint8_t* ImageTransfer::TakeRowBuffer(int32_t before) {
-  // Three bytes a pixel even for gray rows: a dual-plane device described with 8 bits reads them as colour.
+  // Three bytes a pixel even for gray rows: a dual-plane device described with 8 bits reads them as color.
   const std::size_t bytes = (static_cast<std::size_t>(before) + RowPixels() + 1) * 3;
   auto* buffer = buffers_.row.Take<uint8_t>(bytes);
   if (buffer != nullptr) std::memset(buffer, 0, bytes);

@@ -72,7 +72,7 @@ class ImageTransfer {
   int32_t rowAdvance_ = 1;  // +1 or -1
   ColumnPlan columns_;
   RowConverter convert_{};
-  PixelColours colours_;
+  PixelColors colors_;
   const RowKernels* rows_ = nullptr;
   RleRows rleRows_;  // run-length sources
 };

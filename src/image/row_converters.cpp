@@ -9,7 +9,7 @@
 namespace qnv {
 namespace {
 
-// Pixels of colours in a table.
+// Pixels of colors in a table.
 template <uint32_t kBits>
 uint32_t ReadPixel(const uint8_t* row, uint32_t x, const uint32_t* table) {
   if constexpr (kBits == 1) return table[row[x / 8] >> (7 - x % 8) & 1];
@@ -22,7 +22,7 @@ template <PixelTarget kTarget, uint32_t kBits>
 void Convert24(uint8_t* out, const uint8_t* pixels, std::size_t count, const ConverterContext& context) {
   const PixelRows& image = *context.rows.image;
   if constexpr (kBits == 16) {
-    image.UnpackRow16(out, pixels, count, context.colours.masks);
+    image.UnpackRow16(out, pixels, count, context.colors.masks);
   } else if constexpr (kBits == 24) {
     if constexpr (kTarget == PixelTarget::kSource24) {
       context.rows.SwapRow24(out, pixels, count);
@@ -42,11 +42,11 @@ void ConvertGray(uint8_t* out, const uint8_t* pixels, std::size_t count, const C
     image.GrayRow24(out, pixels, count);
   } else {
     constexpr std::size_t kPiece = 256;
-    uint8_t colours[3 * kPiece];
+    uint8_t colors[3 * kPiece];
     for (std::size_t done = 0; done < count; done += kPiece) {
       const std::size_t piece = std::min(kPiece, count - done);
-      Convert24<PixelTarget::kGray8, kBits>(colours, pixels + kBits / 8 * done, piece, context);
-      image.GrayRow24(out + done, colours, piece);
+      Convert24<PixelTarget::kGray8, kBits>(colors, pixels + kBits / 8 * done, piece, context);
+      image.GrayRow24(out + done, colors, piece);
     }
   }
 }
@@ -56,7 +56,7 @@ void Consecutive(uint8_t* out, const uint8_t* row, uint32_t first, std::size_t c
   constexpr bool kGray = kTarget == PixelTarget::kGray8;
   const RowKernels& rows = context.rows;
   const PixelRows& image = *rows.image;
-  const uint32_t* table = context.colours.table.entries;
+  const uint32_t* table = context.colors.table.entries;
   if constexpr (kBits == 1) {
     (kGray ? rows.ExpandBitsRow8 : rows.ExpandBitsRow24)(out, row + first / 8, first % 8, count, table[1], table[0]);
   } else if constexpr (kBits == 4) {
@@ -70,14 +70,14 @@ void Consecutive(uint8_t* out, const uint8_t* row, uint32_t first, std::size_t c
   }
 }
 
-// Colours of a table are looked up one by one; other pixels are gathered, a cached piece at a time, and converted as
+// Colors of a table are looked up one by one; other pixels are gathered, a cached piece at a time, and converted as
 // consecutive ones.
 template <PixelTarget kTarget, uint32_t kBits>
 void Picked(uint8_t* out, const uint8_t* row, const uint16_t* picks, std::size_t count,
             const ConverterContext& context) {
   if constexpr (kBits <= 8) {
     StorePixels<BytesOf(kTarget)>(
-        out, count, [&](std::size_t i) { return ReadPixel<kBits>(row, picks[i], context.colours.table.entries); });
+        out, count, [&](std::size_t i) { return ReadPixel<kBits>(row, picks[i], context.colors.table.entries); });
   } else {
     constexpr std::size_t kPiece = 256;
     constexpr std::size_t kBytes = kBits / 8;

@@ -10,13 +10,13 @@
 namespace qnv {
 
 // Constants of a call; which of them is read depends on the depth.
-struct PixelColours {
+struct PixelColors {
   ColorTable table;
   PixelMasks masks;
 };
 
 struct ConverterContext {
-  const PixelColours& colours;
+  const PixelColors& colors;
   const RowKernels& rows;
 };
 

@@ -52,7 +52,7 @@ void SpanPainter::PaintBlock(int32_t top, std::size_t rows, int32_t left, std::s
 
 void SpanPainter::Regray(uint8_t* dst, std::size_t pixels, int32_t y, int32_t left) {
   if (!hatched_) return rows_.image->RegrayRow24(dst, pixels);
-  // The gaps of a hatch are not written and keep their colour.
+  // The gaps of a hatch are not written and keep their color.
   static constexpr Tile kZeros{};
   constexpr std::size_t kMostPixels = 256;
   uint8_t gray[kMostPixels * 3];

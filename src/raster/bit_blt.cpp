@@ -14,12 +14,12 @@ struct SourcePixels {
   std::ptrdiff_t firstByte;
 };
 
-// The pixel formats: how a colour reference is packed and how source pixels are read.
+// The pixel formats: how a color reference is packed and how source pixels are read.
 struct Format24 {
   static constexpr uint32_t kBytesPerPixel = 3;
   static constexpr SourceForm kOneBit = SourceForm::kOneBitTo24;
   SourceOrder order;
-  static uint32_t Pack(uint32_t colour) { return ExchangeRedBlue(colour); }
+  static uint32_t Pack(uint32_t color) { return ExchangeRedBlue(color); }
   SourcePixels Pixels(const BltArguments&, int32_t x) const {
     return {order == SourceOrder::kBlueGreenRed ? SourceForm::kBlueGreenRed : SourceForm::kRedGreenBlue,
             std::ptrdiff_t{x} * 3};
@@ -29,7 +29,7 @@ struct Format24 {
 struct Format8 {
   static constexpr uint32_t kBytesPerPixel = 1;
   static constexpr SourceForm kOneBit = SourceForm::kOneBitTo8;
-  static uint32_t Pack(uint32_t colour) { return colour & 0xFF; }
+  static uint32_t Pack(uint32_t color) { return color & 0xFF; }
   static SourcePixels Pixels(const BltArguments& a, int32_t x) {
     return {SourceForm::kGray, std::ptrdiff_t{x} * a.source->bmBitsPixel / 8};
   }
@@ -39,7 +39,7 @@ struct FormatKept {
   static constexpr uint32_t kBytesPerPixel = 3;
   static constexpr SourceForm kOneBit = SourceForm::kOneBitTo24;
   bool threeByteSources;
-  static uint32_t Pack(uint32_t colour) { return ExchangeRedBlue(colour); }
+  static uint32_t Pack(uint32_t color) { return ExchangeRedBlue(color); }
   SourcePixels Pixels(const BltArguments& a, int32_t x) const {
     return {threeByteSources ? SourceForm::kRedGreenBlue : SourceForm::kGrayTo24,
             std::ptrdiff_t{x} * a.source->bmBitsPixel / 8};
@@ -47,7 +47,7 @@ struct FormatKept {
 };
 
 // The source of a transfer whose first pixel is (x, y). False when it cannot be read: no bits, or a one-bit source
-// without the draw mode that colours it.
+// without the draw mode that colors it.
 template <class Format>
 bool OpenSource(const Format& format, const BltArguments& a, int32_t x, int32_t y, SourceRows* source) {
   const SourceBitmap& bitmap = *a.source;

@@ -22,16 +22,16 @@ void SelectCells(FillPattern* pattern, const PhysicalBrush& brush, CellRule rule
 }
 
 struct Cell {
-  uint32_t colour;
+  uint32_t color;
   bool painted;
 };
 
 Cell ReadCell(const FillPattern& pattern, uint32_t cell) {
   const bool marked = cell >> 24 != 0;
   switch (pattern.rule) {
-    case CellRule::kTwoColours: return {(cell & kColourBits) == kWhite ? pattern.background : pattern.text, true};
+    case CellRule::kTwoColors: return {(cell & kColorBits) == kWhite ? pattern.background : pattern.text, true};
     case CellRule::kOpaqueHatch: return {marked ? ExchangeRedBlue(cell) : pattern.background, true};
-    case CellRule::kOwnColour: break;
+    case CellRule::kOwnColor: break;
   }
   return {ExchangeRedBlue(cell), marked || pattern.style != kFillHatched};
 }
@@ -42,25 +42,25 @@ Cell ReadCell(const FillPattern& pattern, uint32_t cell) {
 void SelectSolid(FillPattern* pattern, uint32_t packed) {
   pattern->style = kFillSolid;
   pattern->width = pattern->height = 1;
-  pattern->colour = packed;
+  pattern->color = packed;
 }
 
 PatternRow ReadPatternRow(const FillPattern& pattern, uint32_t row) {
   PatternRow result;
   if (pattern.style == kFillSolid) {
-    result.colours[0] = pattern.colour;
+    result.colors[0] = pattern.color;
     result.painted[0] = UINT32_MAX;
     return result;
   }
   const uint32_t* const cells = pattern.brushCells + std::size_t{8} * (pattern.height == 8 ? row : row / 2);
   for (std::size_t i = 0; i < 8; ++i) {
     const Cell cell = ReadCell(pattern, cells[i]);
-    result.colours[i] = cell.colour;
+    result.colors[i] = cell.color;
     result.painted[i] = cell.painted ? UINT32_MAX : 0;
   }
   if (pattern.width == 8) return result;
   for (std::size_t i = 16; i-- > 0;) {
-    result.colours[i] = result.colours[i / 2];
+    result.colors[i] = result.colors[i / 2];
     result.painted[i] = result.painted[i / 2];
   }
   return result;
@@ -78,12 +78,12 @@ void SelectFillPattern(FillPattern* pattern, const PhysicalPen* pen, const Physi
     case BS_SOLID: SelectSolid(pattern, ExchangeRedBlue(brush->colour)); break;
     case BS_HATCHED:
       pattern->style = kFillHatched;
-      SelectCells(pattern, *brush, drawMode->bkMode == OPAQUE ? CellRule::kOpaqueHatch : CellRule::kOwnColour,
+      SelectCells(pattern, *brush, drawMode->bkMode == OPAQUE ? CellRule::kOpaqueHatch : CellRule::kOwnColor,
                   *drawMode);
       break;
     case BS_PATTERN:
       pattern->style = kFillPatterned;
-      SelectCells(pattern, *brush, brush->patternDepth == 1 ? CellRule::kTwoColours : CellRule::kOwnColour, *drawMode);
+      SelectCells(pattern, *brush, brush->patternDepth == 1 ? CellRule::kTwoColors : CellRule::kOwnColor, *drawMode);
       break;
     default: pattern->style = kFillNothing;
   }

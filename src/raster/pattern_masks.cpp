@@ -16,7 +16,7 @@ void PatternMasks::MakeRow(uint32_t row) {
   RowTiles& tiles = rows_[row];
   const PatternRow cells = pattern_ != nullptr ? ReadPatternRow(*pattern_, row) : PatternRow{{0}, {UINT32_MAX}};
   Tile& pattern = tiles.xor2;  // completed last, in place
-  MakeTile(&pattern, cells.colours, width_, bytesPerPixel_);
+  MakeTile(&pattern, cells.colors, width_, bytesPerPixel_);
   if (needs_ != Needs::kOne) Complete(&tiles.and2, pattern, recipe_.and2);
   if (needs_ == Needs::kFour) {
     Complete(&tiles.and1, pattern, recipe_.and1);

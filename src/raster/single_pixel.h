@@ -15,10 +15,10 @@ inline uint32_t ReadPixel(const uint8_t* pixel, uint32_t bytesPerPixel) {
   return static_cast<uint32_t>(pixel[0] | pixel[1] << 8 | pixel[2] << 16);
 }
 
-// Combines a band pixel with a colour reference. Intended: bits 16..23 of the colour (blue) become the first byte of a
+// Combines a band pixel with a color reference. Intended: bits 16..23 of the color (blue) become the first byte of a
 // 24-bit pixel, the reverse of what ReadPixel returns. An 8-bit band takes bits 0..7.
-inline void WritePixel(uint8_t* pixel, uint32_t bytesPerPixel, uint32_t colour, uint16_t rop2) {
-  const uint32_t pen = bytesPerPixel == 1 ? colour : ExchangeRedBlue(colour);
+inline void WritePixel(uint8_t* pixel, uint32_t bytesPerPixel, uint32_t color, uint16_t rop2) {
+  const uint32_t pen = bytesPerPixel == 1 ? color : ExchangeRedBlue(color);
   const uint32_t result = CombineWithPattern(IndexOfRop2(rop2), pen, ReadPixel(pixel, bytesPerPixel));
   for (uint32_t i = 0; i < bytesPerPixel; ++i) pixel[i] = static_cast<uint8_t>(result >> 8 * i);
 }

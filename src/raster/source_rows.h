@@ -10,7 +10,7 @@ namespace qnv {
 
 // How the bytes of a source become band bytes.
 enum class SourceForm : uint8_t {
-  kOneBitTo24,  // set bits stand for the background colour, clear ones for the text colour
+  kOneBitTo24,  // set bits stand for the background color, clear ones for the text color
   kOneBitTo8,
   kRedGreenBlue,  // three bytes a pixel, into a 24-bit band
   kBlueGreenRed,  // the same in the order of the band
@@ -28,7 +28,7 @@ struct SourceRows {
   const uint8_t* first;   // byte that holds the first source pixel
   std::size_t firstBit;   // 0..7, one-bit sources only
   std::ptrdiff_t stride;  // bytes from one row to the next
-  uint32_t set, clear;    // packed colours, one-bit sources only
+  uint32_t set, clear;    // packed colors, one-bit sources only
 
   // Whether pixels are taken from the host's memory as they are.
   bool IsInBandOrder() const { return form == SourceForm::kGray || form == SourceForm::kBlueGreenRed; }

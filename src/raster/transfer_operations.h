@@ -24,7 +24,7 @@ static_assert(kPatCopy == 0xF0 && kMergeCopy == 0xC0 && kPatPaint == 0xFB && kDS
 // pattern of an earlier call.
 enum class PatternOrigin : uint8_t {
   kPrepared,           // the prepared pattern, whatever the brush is
-  kBrush,              // a solid brush's own colour, else the prepared pattern; nothing without a brush
+  kBrush,              // a solid brush's own color, else the prepared pattern; nothing without a brush
   kBrushUnlessHollow,  // the same, and nothing for a hollow brush
 };
 

@@ -59,7 +59,7 @@ class TransferRows {
 
   static Shape ShapeOf(uint8_t index);
 
-  // Whole rows under one colour, of a source that has none between them either, are one long row.
+  // Whole rows under one color, of a source that has none between them either, are one long row.
   bool JoinsRows(const BandView& band, const Rect& relative) const {
     if (relative.left != 0 || !band.IsWholeRow(relative.right) || !masks_.IsOneCell()) return false;
     // The pixels of a run are counted with 31 bits.

@@ -94,7 +94,7 @@ constexpr Rect UnclippedText(uint32_t pageWidth, uint32_t pageHeight) {
   return {0, 0, static_cast<int32_t>(pageHeight - 1), static_cast<int32_t>(pageWidth - 1)};
 }
 
-// fillRect(rect, drawMode) fills a rectangle of caller coordinates with the draw mode's background colour; it is called
+// fillRect(rect, drawMode) fills a rectangle of caller coordinates with the draw mode's background color; it is called
 // at most once, before any glyph is painted. Returns the advance of a drawn text, the extent of a measured one, and 0
 // for a call that lacks font, draw mode or string.
 template <class Mapping, class FillRect>
@@ -112,8 +112,8 @@ int32_t ExtTextOutOn(const PaintState& paint, const TextTarget<Mapping>& target,
   TextRuns runs(paint.origin, a);
   if (!runs.CanBeSeen(reached)) return runs.Lay(NoGlyphs{});
 
-  const auto packed = [&](uint32_t colour) {
-    const uint32_t exchanged = ExchangeRedBlue(colour);
+  const auto packed = [&](uint32_t color) {
+    const uint32_t exchanged = ExchangeRedBlue(color);
     return target.regray ? GrayLevel(exchanged) : exchanged;
   };
   const BitPainter painter(paint.rows, packed(a.drawMode->TextColor), packed(a.drawMode->bkColor),

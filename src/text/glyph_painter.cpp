@@ -59,13 +59,13 @@ void PaintGathered(const BandView& band, const BitPainter& painter, int32_t x, s
 BitPainter::BitPainter(const RowKernels& rows, uint32_t text, uint32_t background, bool transparent,
                        uint32_t bytesPerPixel)
     : transparent_(transparent) {
-  colours_.set = text;
-  colours_.clear = background;
-  for (uint32_t i = 0; i < sizeof colours_.setBytes; ++i) {
+  colors_.set = text;
+  colors_.clear = background;
+  for (uint32_t i = 0; i < sizeof colors_.setBytes; ++i) {
     const uint32_t shift = i % bytesPerPixel * 8;
-    colours_.setBytes[i] = static_cast<uint8_t>(text >> shift);
-    colours_.clearBytes[i] = static_cast<uint8_t>(background >> shift);
-    colours_.changeBytes[i] = static_cast<uint8_t>(colours_.setBytes[i] ^ colours_.clearBytes[i]);
+    colors_.setBytes[i] = static_cast<uint8_t>(text >> shift);
+    colors_.clearBytes[i] = static_cast<uint8_t>(background >> shift);
+    colors_.changeBytes[i] = static_cast<uint8_t>(colors_.setBytes[i] ^ colors_.clearBytes[i]);
   }
   const bool is24 = bytesPerPixel == 3;
   paintColumn_ =

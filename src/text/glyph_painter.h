@@ -1,4 +1,4 @@
-// Paints glyphs: bits, through the text colour and, unless transparent, the background colour.
+// Paints glyphs: bits, through the text color and, unless transparent, the background color.
 #pragma once
 
 #include <algorithm>
@@ -11,14 +11,14 @@
 
 namespace qnv {
 
-// The colours of a call and the kernels that paint bits in them.
+// The colors of a call and the kernels that paint bits in them.
 class BitPainter {
  public:
   // text, background: packed. transparent: clear bits are not painted.
   BitPainter(const RowKernels& rows, uint32_t text, uint32_t background, bool transparent, uint32_t bytesPerPixel);
 
   void PaintColumn(uint8_t* dst, std::size_t stride, const GlyphColumn& column) const {
-    paintColumn_(dst, stride, column, colours_);
+    paintColumn_(dst, stride, column, colors_);
   }
   // What two rows of bits, painted one over the other, come to.
   uint8_t Merge(uint8_t below, uint8_t above) const {
@@ -26,9 +26,9 @@ class BitPainter {
   }
 
  private:
-  BitColors colours_;
+  BitColors colors_;
   const bool transparent_;
-  void (*paintColumn_)(uint8_t* dst, std::size_t stride, const GlyphColumn& column, const BitColors& colours);
+  void (*paintColumn_)(uint8_t* dst, std::size_t stride, const GlyphColumn& column, const BitColors& colors);
 };
 
 struct GlyphSpan {

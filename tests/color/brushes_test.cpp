@@ -49,11 +49,11 @@ Realised Realise(const TestDevice& device, const LogicalBrush& logical, uint32_t
   return realised;
 }
 
-void ExpectHeader(const PhysicalBrush& brush, uint16_t style, uint16_t hatch, uint16_t depth, uint32_t colour) {
+void ExpectHeader(const PhysicalBrush& brush, uint16_t style, uint16_t hatch, uint16_t depth, uint32_t color) {
   EXPECT_EQ(style, uint16_t{brush.style});
   EXPECT_EQ(hatch, uint16_t{brush.hatch});
   EXPECT_EQ(depth, uint16_t{brush.patternDepth});
-  EXPECT_EQ(colour, uint32_t{brush.colour});
+  EXPECT_EQ(color, uint32_t{brush.colour});
 }
 
 void ExpectCells(const PhysicalBrush& brush, const std::array<uint32_t, 64>& expected) {
@@ -93,7 +93,7 @@ TEST(Brushes, StylesAndResults) {
   }
 }
 
-TEST(Brushes, ColourKeepsItsTopByteOnColourDevices) {
+TEST(Brushes, ColorKeepsItsTopByteOnColorDevices) {
   const TestDevice device({.bitsPerPixel = 24});
   EXPECT_EQ(0x7F112233u, uint32_t{Realise(device, {BS_SOLID, 0x7F112233, 0, 0}).brush.colour});
   const TestDevice gray({.bitsPerPixel = 8});
@@ -122,15 +122,15 @@ TEST(Brushes, HatchCells) {
     const TestDevice device(d.options);
     for (const HatchCase& h : kHatches) {
       SCOPED_TRACE(std::string(d.name) + ", " + h.name);
-      // The gaps' colour is taken as it is, top byte and all, on gray devices too.
+      // The gaps' color is taken as it is, top byte and all, on gray devices too.
       const uint32_t gap = 0x12AB34CD;
       const Realised realised = Realise(device, {BS_HATCHED, 0x000000FF, h.hatch, gap});
       EXPECT_EQ(0x8000u, realised.result);
-      const uint32_t colour = d.gray ? 0x004C4C4Cu : 0x000000FFu;
-      ExpectHeader(realised.brush, BS_HATCHED, static_cast<uint16_t>(h.hatch), 0, colour);
+      const uint32_t color = d.gray ? 0x004C4C4Cu : 0x000000FFu;
+      ExpectHeader(realised.brush, BS_HATCHED, static_cast<uint16_t>(h.hatch), 0, color);
       std::array<uint32_t, 64> expected;
       for (std::size_t i = 0; i < 64; ++i) {
-        expected[i] = (h.rows[i / 8] >> (7 - i % 8) & 1) != 0 ? gap : colour | 0xFF000000u;
+        expected[i] = (h.rows[i / 8] >> (7 - i % 8) & 1) != 0 ? gap : color | 0xFF000000u;
       }
       ExpectCells(realised.brush, expected);
     }
@@ -187,12 +187,12 @@ struct PatternBitmap {
   SourceBitmap record;
 };
 
-// The address of the bitmap is what stands in the colour field, and goes the way of a colour.
-uint32_t ColourOfAddress(const TestDevice& device, const PatternBitmap& bitmap) {
+// The address of the bitmap is what stands in the color field, and goes the way of a color.
+uint32_t ColorOfAddress(const TestDevice& device, const PatternBitmap& bitmap) {
   return QNVColorInfo(device.handle(), static_cast<uint32_t>(reinterpret_cast<uintptr_t>(&bitmap.record)), nullptr);
 }
 
-TEST(Brushes, ColourPatternCells) {
+TEST(Brushes, ColorPatternCells) {
   for (const DeviceCase& d : kDevices) {
     for (uint16_t widthBytes : {uint16_t{24}, uint16_t{96}, uint16_t{25}, uint16_t{40000}}) {
       SCOPED_TRACE(std::string(d.name) + ", rows " + std::to_string(widthBytes) + " bytes apart");
@@ -200,7 +200,7 @@ TEST(Brushes, ColourPatternCells) {
       const PatternBitmap bitmap(24, widthBytes, widthBytes);
       const Realised realised = Realise(device, bitmap.Logical());
       EXPECT_EQ(0x8000u, realised.result);
-      ExpectHeader(realised.brush, BS_PATTERN, 3, 24, ColourOfAddress(device, bitmap));
+      ExpectHeader(realised.brush, BS_PATTERN, 3, 24, ColorOfAddress(device, bitmap));
       std::array<uint32_t, 64> expected;
       for (std::size_t i = 0; i < 64; ++i) {
         const uint8_t* p = bitmap.Row(i / 8) + i % 8 * 3;
@@ -219,7 +219,7 @@ TEST(Brushes, GrayPatternCells) {
       const PatternBitmap bitmap(8, widthBytes, widthBytes);
       const Realised realised = Realise(device, bitmap.Logical());
       EXPECT_EQ(0x8000u, realised.result);
-      ExpectHeader(realised.brush, BS_PATTERN, 3, 8, ColourOfAddress(device, bitmap));
+      ExpectHeader(realised.brush, BS_PATTERN, 3, 8, ColorOfAddress(device, bitmap));
       std::array<uint32_t, 64> expected;
       for (std::size_t i = 0; i < 64; ++i) expected[i] = 0xFF000000u | bitmap.Row(i / 8)[i % 8] * 0x010101u;
       ExpectCells(realised.brush, expected);

@@ -1,4 +1,4 @@
-// Logical to physical colour on every device class.
+// Logical to physical color on every device class.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -29,13 +29,13 @@ const DeviceCase kDevices[] = {
     {"dual-plane, 0 bits", {.bitsPerPixel = 0, .tagPlane = true}, false},
 };
 
-struct ColourCase {
+struct ColorCase {
   const char* name;
   uint32_t logical;
   uint32_t gray;
 };
 
-constexpr ColourCase kColours[] = {
+constexpr ColorCase kColors[] = {
     {"black", 0x00000000, 0x00000000},
     {"white", 0x00FFFFFF, 0x00FFFFFF},
     {"red", 0x000000FF, 0x004C4C4C},
@@ -56,7 +56,7 @@ constexpr ColourCase kColours[] = {
 TEST(ColorInfo, EveryDeviceClass) {
   for (const DeviceCase& d : kDevices) {
     const TestDevice device(d.options);
-    for (const ColourCase& c : kColours) {
+    for (const ColorCase& c : kColors) {
       SCOPED_TRACE(std::string(d.name) + ", " + c.name);
       const uint32_t expected = d.gray ? c.gray : c.logical;
       uint32_t stored = 0xDEADBEEF;
@@ -67,7 +67,7 @@ TEST(ColorInfo, EveryDeviceClass) {
   }
 }
 
-TEST(ColorInfo, GrayOfManyColours) {
+TEST(ColorInfo, GrayOfManyColors) {
   const TestDevice device({.bitsPerPixel = 8});
   RandomBytes random(21);
   for (int i = 0; i < 2000; ++i) {

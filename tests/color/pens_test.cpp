@@ -1,4 +1,4 @@
-// Realising pens: the same on every device class but for the colour.
+// Realising pens: the same on every device class but for the color.
 #include <gtest/gtest.h>
 
 #include <cstring>
@@ -44,7 +44,7 @@ constexpr StyleCase kStyles[] = {
     {"0xFFFF", 0xFFFF, PS_SOLID},
 };
 
-TEST(Pens, StylesWidthsAndColour) {
+TEST(Pens, StylesWidthsAndColor) {
   for (const DeviceCase& d : kDevices) {
     const TestDevice device(d.options);
     for (const StyleCase& s : kStyles) {

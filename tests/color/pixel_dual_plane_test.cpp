@@ -1,4 +1,4 @@
-// Single pixels on the dual-plane device: the colour plane as ever, the tag only where ink can replace what was there.
+// Single pixels on the dual-plane device: the color plane as ever, the tag only where ink can replace what was there.
 #include <gtest/gtest.h>
 
 #include <iterator>
@@ -22,24 +22,24 @@ std::vector<Rop2Marking> AllCodes() {
   return codes;
 }
 
-struct ColourCase {
+struct ColorCase {
   const char* name;
-  uint32_t colour;
+  uint32_t color;
 };
 
-constexpr ColourCase kColours[] = {
+constexpr ColorCase kColors[] = {
     {"white", 0x00FFFFFF},
     {"black", 0},
     {"nearly white", 0x00FFFFFE},
     {"nearly black", 0x00000001},
-    // Compared whole: with a top byte neither is the paper's colour any more.
+    // Compared whole: with a top byte neither is the paper's color any more.
     {"white with a top byte", 0x01FFFFFF},
     {"black with a top byte", 0x01000000},
 };
 
 TEST(PixelDualPlane, TagRuleOfEveryOperation) {
   for (const Rop2Marking& r : AllCodes()) {
-    for (const ColourCase& c : kColours) {
+    for (const ColorCase& c : kColors) {
       SCOPED_TRACE(std::string(r.name) + ", " + c.name);
       DualPlaneDevice device({.width = 5, .height = 3});
       MakeTagsMixed(&device, static_cast<uint64_t>(r.code));
@@ -47,14 +47,14 @@ TEST(PixelDualPlane, TagRuleOfEveryOperation) {
       PlaneImage tags = TagImage(device);
       DRAWMODE mode = MakeDrawMode();
       mode.Rop2 = r.code;
-      EXPECT_EQ(0u, QNVPixel(device.handle(), 3, 1, c.colour, &mode, &kEverywhere));
+      EXPECT_EQ(0u, QNVPixel(device.handle(), 3, 1, c.color, &mode, &kEverywhere));
       const uint8_t index = static_cast<uint8_t>(((r.code - 1) & 15) * 0x11);
-      const PixelBytes pen = BandBytesOf(c.colour);
+      const PixelBytes pen = BandBytesOf(c.color);
       const uint8_t* old = band.At(3, 1);
       band.Set(
           3, 1,
           {Rop3Byte(index, 0, pen[0], old[0]), Rop3Byte(index, 0, pen[1], old[1]), Rop3Byte(index, 0, pen[2], old[2])});
-      if (Marks(r.marking, c.colour)) tags.Set(3, 1, {1, 0, 0});
+      if (Marks(r.marking, c.color)) tags.Set(3, 1, {1, 0, 0});
       EXPECT_TRUE(BandShows(device, band));
       EXPECT_TRUE(TagsShow(device, tags));
     }

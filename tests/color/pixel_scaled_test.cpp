@@ -63,7 +63,7 @@ TEST(PixelScaled, ClippedBeforeScaling) {
   }
 }
 
-TEST(PixelScaled, EveryBinaryOperationInColour) {
+TEST(PixelScaled, EveryBinaryOperationInColor) {
   for (uint16_t bits : {uint16_t{24}, uint16_t{8}}) {
     for (uint16_t code = 0; code <= 17; ++code) {
       SCOPED_TRACE("code " + std::to_string(code) + ", " + std::to_string(bits) + " bits");
@@ -100,11 +100,11 @@ TEST(PixelScaled, GrayModeGraysEveryPixelItWrites) {
 
 struct GrayCase {
   const char* name;
-  uint32_t colour;
+  uint32_t color;
   uint8_t level;
 };
 
-// A colour that the host has not converted: blue, first in memory, has the weight of red.
+// A color that the host has not converted: blue, first in memory, has the weight of red.
 constexpr GrayCase kGrays[] = {
     {"red", 0x000000FF, 28},
     {"green", 0x0000FF00, 150},
@@ -122,7 +122,7 @@ TEST(PixelScaled, GrayLevels) {
     ScaledDevice device({.bitsPerPixel = 0, .width = 4, .height = 2});
     PlaneImage expected = BandImage(device);
     const DRAWMODE mode = ModeOf(R2_COPYPEN);
-    EXPECT_EQ(0u, QNVPixel(device.handle(), 2, 1, c.colour, &mode, &kEverywhere));
+    EXPECT_EQ(0u, QNVPixel(device.handle(), 2, 1, c.color, &mode, &kEverywhere));
     expected.Set(2, 1, {c.level, c.level, c.level});
     EXPECT_TRUE(BandShows(device, expected));
     EXPECT_EQ(c.level * 0x010101u, QNVPixel(device.handle(), 2, 1, 0, nullptr, &kEverywhere));

@@ -105,7 +105,7 @@ TEST(Pixel, EveryBinaryOperation) {
   }
 }
 
-// Each byte of a pixel meets its own byte of the colour.
+// Each byte of a pixel meets its own byte of the color.
 TEST(Pixel, OperationsActByteByByte) {
   TestDevice device({.width = 4, .height = 1});
   PlaneImage expected = BandImage(device);

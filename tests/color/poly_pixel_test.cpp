@@ -72,7 +72,7 @@ TEST(PolyPixel, VisitsEachPixelOfTheRectangleOnce) {
   }
 }
 
-TEST(PolyPixel, CopiesTheColour) {
+TEST(PolyPixel, CopiesTheColor) {
   for (const DeviceCase& d : kDevices) {
     SCOPED_TRACE(d.name);
     TestDevice device(d.options);

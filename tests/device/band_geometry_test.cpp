@@ -92,8 +92,8 @@ TEST(BandGeometry, EdgesOfABandAnywhereOnThePage) {
       const BandRect clip{INT_MIN / 2, INT_MIN / 2, INT_MAX / 2, INT_MAX / 2};
       const int32_t x = c.left - c.originX;
       const int32_t y = c.top - c.originY;
-      const auto put = [&](int32_t column, int32_t row, uint32_t colour) {
-        EXPECT_EQ(0u, QNVPixel(device.handle(), x + column, y + row, colour, &mode, &clip));
+      const auto put = [&](int32_t column, int32_t row, uint32_t color) {
+        EXPECT_EQ(0u, QNVPixel(device.handle(), x + column, y + row, color, &mode, &clip));
       };
       put(0, 0, 0x010101);
       put(6, 3, 0x020202);

@@ -89,11 +89,11 @@ Font MakeLetterFont(int scale) {
   return builder.Build();
 }
 
-struct Colour {
+struct Color {
   uint32_t red, green, blue;
 };
 
-Colour PhotoColour(int32_t x, int32_t y) {
+Color PhotoColor(int32_t x, int32_t y) {
   const int32_t sunX = x - 34;
   const int32_t sunY = y - 12;
   if (sunX * sunX + sunY * sunY <= 60) return {255, 224, 32};
@@ -106,18 +106,18 @@ Colour PhotoColour(int32_t x, int32_t y) {
   return {column * 5, row * 5, 255 - row * 4};
 }
 
-constexpr uint32_t kSixteenColours[16] = {0x000000, 0x000080, 0x008000, 0x008080, 0x800000, 0x800080,
-                                          0x808000, 0xC0C0C0, 0x808080, 0x0000FF, 0x00FF00, 0x00FFFF,
-                                          0xFF0000, 0xFF00FF, 0xFFFF00, 0xFFFFFF};
+constexpr uint32_t kSixteenColors[16] = {0x000000, 0x000080, 0x008000, 0x008080, 0x800000, 0x800080,
+                                         0x808000, 0xC0C0C0, 0x808080, 0x0000FF, 0x00FF00, 0x00FFFF,
+                                         0xFF0000, 0xFF00FF, 0xFFFF00, 0xFFFFFF};
 
-uint32_t Distance(const Colour& a, uint32_t colour) {
+uint32_t Distance(const Color& a, uint32_t color) {
   const auto square = [](uint32_t p, uint32_t q) { return p > q ? (p - q) * (p - q) : (q - p) * (q - p); };
-  return square(a.red, colour & 0xFF) + square(a.green, (colour >> 8) & 0xFF) + square(a.blue, (colour >> 16) & 0xFF);
+  return square(a.red, color & 0xFF) + square(a.green, (color >> 8) & 0xFF) + square(a.blue, (color >> 16) & 0xFF);
 }
 
-// The pixel value of a photograph's colour: an index of the depth's own table, or the packed colour.
+// The pixel value of a photograph's color: an index of the depth's own table, or the packed color.
 uint32_t PhotoPixel(int32_t x, int32_t y, uint16_t bitCount) {
-  const Colour c = PhotoColour(x, y);
+  const Color c = PhotoColor(x, y);
   switch (bitCount) {
     case 1: {
       const uint32_t level = (c.red * 30 + c.green * 59 + c.blue * 11) / 100;
@@ -127,7 +127,7 @@ uint32_t PhotoPixel(int32_t x, int32_t y, uint16_t bitCount) {
     case 4: {
       uint32_t best = 0;
       for (uint32_t i = 1; i < 16; ++i) {
-        if (Distance(c, kSixteenColours[i]) < Distance(c, kSixteenColours[best])) best = i;
+        if (Distance(c, kSixteenColors[i]) < Distance(c, kSixteenColors[best])) best = i;
       }
       return best;
     }
@@ -140,7 +140,7 @@ uint32_t PhotoPixel(int32_t x, int32_t y, uint16_t bitCount) {
 std::vector<uint32_t> PhotoTable(uint16_t bitCount) {
   std::vector<uint32_t> table;
   if (bitCount == 1) table = {0x602000, 0xE0FFFF};
-  if (bitCount == 4) table.assign(std::begin(kSixteenColours), std::end(kSixteenColours));
+  if (bitCount == 4) table.assign(std::begin(kSixteenColors), std::end(kSixteenColors));
   if (bitCount == 8) {
     for (uint32_t i = 0; i < 216; ++i) table.push_back(i % 6 * 51 << 16 | i / 6 % 6 * 51 << 8 | i / 36 * 51);
   }
@@ -173,11 +173,11 @@ Picture BandPicture(const TestDevice& device) {
   Picture picture{device.options().width, device.options().height, static_cast<uint32_t>(plane.bytesPerPixel()), {}};
   for (uint32_t row = 0; row < device.options().height; ++row) {
     for (uint32_t column = 0; column < device.options().width; ++column) {
-      const uint32_t colour = plane.Color(column, row);
-      picture.bytes.push_back(static_cast<uint8_t>(colour));
+      const uint32_t color = plane.Color(column, row);
+      picture.bytes.push_back(static_cast<uint8_t>(color));
       if (picture.channels == 1) continue;
-      picture.bytes.push_back(static_cast<uint8_t>(colour >> 8));
-      picture.bytes.push_back(static_cast<uint8_t>(colour >> 16));
+      picture.bytes.push_back(static_cast<uint8_t>(color >> 8));
+      picture.bytes.push_back(static_cast<uint8_t>(color >> 16));
     }
   }
   return picture;
@@ -200,10 +200,10 @@ const Font& LetterFont(int scale) {
   return scale == 1 ? small : large;
 }
 
-void Caption(const TestDevice& device, int32_t x, int32_t y, std::string_view text, uint32_t colour) {
+void Caption(const TestDevice& device, int32_t x, int32_t y, std::string_view text, uint32_t color) {
   DRAWMODE mode = MakeDrawMode();
   mode.bkMode = TRANSPARENT;
-  mode.TextColor = colour;
+  mode.TextColor = color;
   DrawTextAt(device, x, y, text, LetterFont(1), mode);
 }
 
@@ -217,8 +217,8 @@ void FillRectangle(const TestDevice& device, const BandRect& rect, const Physica
   EXPECT_EQ(1u, QNVOutput(device.handle(), OS_BANDED_SPANS, 1, points, nullptr, &brush, &mode, &kEverywhere) & 0xFFFF);
 }
 
-void FillRectangle(const TestDevice& device, const BandRect& rect, uint32_t colour) {
-  FillRectangle(device, rect, SolidBrush(device.handle(), colour), MakeDrawMode());
+void FillRectangle(const TestDevice& device, const BandRect& rect, uint32_t color) {
+  FillRectangle(device, rect, SolidBrush(device.handle(), color), MakeDrawMode());
 }
 
 Dib PhotoDib(uint16_t bitCount, bool topDown) {
@@ -229,7 +229,7 @@ Dib PhotoDib(uint16_t bitCount, bool topDown) {
     for (int32_t x = 0; x < kPhotoWidth; ++x) values.push_back(PhotoPixel(x, y, bitCount));
     AppendDibRow(bits, values, bitCount, 0);
   }
-  const DibShape shape{.bitCount = bitCount, .topDown = topDown, .coloursUsed = bitCount == 8 ? 216u : 0u};
+  const DibShape shape{.bitCount = bitCount, .topDown = topDown, .colorsUsed = bitCount == 8 ? 216u : 0u};
   return Dib(DibInfo(kPhotoWidth, kPhotoHeight, shape, PhotoTable(bitCount)), bits);
 }
 

@@ -49,8 +49,8 @@ Picture TagPicture(const TestDevice& device);
 // Capitals, digits and space, 7 rows high in cells of 9, each font pixel `scale` wide and high.
 const Font& LetterFont(int scale);
 
-void Caption(const TestDevice& device, int32_t x, int32_t y, std::string_view text, uint32_t colour = 0);
-void FillRectangle(const TestDevice& device, const BandRect& rect, uint32_t colour);
+void Caption(const TestDevice& device, int32_t x, int32_t y, std::string_view text, uint32_t color = 0);
+void FillRectangle(const TestDevice& device, const BandRect& rect, uint32_t color);
 void FillRectangle(const TestDevice& device, const BandRect& rect, const PhysicalBrush& brush, const DRAWMODE& mode);
 
 // A generated photograph: two gradients, a sun, and a letter F that shows which way is up and right.

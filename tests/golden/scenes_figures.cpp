@@ -24,17 +24,17 @@ std::vector<ScenePicture> PaintHatchesAndPatterns() {
     }
   }
   // Patterns: 24, 8 and 1 bits, then the one-bit one doubled.
-  uint8_t colours[8 * 24];
+  uint8_t colors[8 * 24];
   uint8_t grays[64];
   for (uint32_t i = 0; i < 64; ++i) {
-    colours[3 * i] = static_cast<uint8_t>(i % 8 * 36);  // red
-    colours[3 * i + 1] = static_cast<uint8_t>(i / 8 * 36);
-    colours[3 * i + 2] = 128;
+    colors[3 * i] = static_cast<uint8_t>(i % 8 * 36);  // red
+    colors[3 * i + 1] = static_cast<uint8_t>(i / 8 * 36);
+    colors[3 * i + 2] = 128;
     grays[i] = static_cast<uint8_t>(i * 4);
   }
   const uint8_t arrow[16] = {0xEF, 0, 0xC7, 0, 0x83, 0, 0xEF, 0, 0xEF, 0, 0xEF, 0, 0xEF, 0, 0xFF, 0};
   const SourceBitmap bitmaps[] = {
-      {0, 8, 8, 24, 1, 24, colours}, {0, 8, 8, 8, 1, 8, grays}, {0, 8, 8, 2, 1, 1, arrow}, {0, 8, 8, 2, 1, 1, arrow}};
+      {0, 8, 8, 24, 1, 24, colors}, {0, 8, 8, 8, 1, 8, grays}, {0, 8, 8, 2, 1, 1, arrow}, {0, 8, 8, 2, 1, 1, arrow}};
   for (int32_t i = 0; i < 4; ++i) {
     PhysicalBrush brush = PatternBrush(device.handle(), bitmaps[i]);
     if (i == 3) brush.hatchScale[0] = brush.hatchScale[1] = 2;
@@ -49,7 +49,7 @@ std::vector<ScenePicture> PaintHatchesAndPatterns() {
 std::vector<ScenePicture> PaintRop2Bars() {
   TestDevice device({.width = 164, .height = 120});
   device.Clear();
-  // Behind: colour stripes from left to right, and the photograph.
+  // Behind: color stripes from left to right, and the photograph.
   const uint32_t stripes[] = {0x000000, 0x0000FF, 0x00FF00, 0xFF0000, 0x808080, 0xFFFFFF};
   for (int32_t i = 0; i < 6; ++i) FillRectangle(device, {2, 2 + 10 * i, 162, 12 + 10 * i}, stripes[i]);
   Stretch(device, PhotoDib(24), {2, 62, 160, 44, 0, 0, kPhotoWidth, kPhotoHeight});
@@ -82,8 +82,8 @@ std::vector<ScenePicture> PaintSpanEncodings() {
   device.Clear();
   const DRAWMODE mode = MakeDrawMode();
   const auto paint = [&](uint32_t style, uint32_t count, const std::vector<int16_t>& words,
-                         const std::vector<int>& deltas, uint32_t colour) {
-    const PhysicalPen pen = SolidPen(device.handle(), colour);
+                         const std::vector<int>& deltas, uint32_t color) {
+    const PhysicalPen pen = SolidPen(device.handle(), color);
     EXPECT_EQ(1u, CallOutput(device, style, count, SpanListBytes(words, deltas), {.pen = &pen, .drawMode = &mode}));
   };
   // A ladder of scanlines.

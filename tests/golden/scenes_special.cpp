@@ -83,7 +83,7 @@ std::vector<ScenePicture> PaintDualPlanePage() {
   const PhysicalBrush brush = SolidBrush(device.handle(), 0xFF8000);
   EXPECT_EQ(
       1u, QNVDevBitBlt(device.handle(), 84, 78, nullptr, 0, 0, 72, 38, PATCOPY, &brush, &mode, &kEverywhere) & 0xFFFF);
-  return {{"dual_plane_colours", BandPicture(device)}, {"dual_plane_tags", TagPicture(device)}};
+  return {{"dual_plane_colors", BandPicture(device)}, {"dual_plane_tags", TagPicture(device)}};
 }
 
 }  // namespace qnv::test

@@ -1,4 +1,4 @@
-// Text in all its modes, on a colour band and on a gray one.
+// Text in all its modes, on a color band and on a gray one.
 #include "golden/scene.h"
 
 namespace qnv::test {
@@ -79,7 +79,7 @@ std::vector<ScenePicture> PaintTextModes() {
   return {{"text_modes", BandPicture(device)}};
 }
 
-// The colours of text are taken as they are: a gray band keeps their high byte alone.
+// The colors of text are taken as they are: a gray band keeps their high byte alone.
 std::vector<ScenePicture> PaintTextOnGray() {
   TestDevice device({.bitsPerPixel = 8, .width = 208, .height = 168});
   device.Clear();

@@ -1,4 +1,4 @@
-// Bit-block transfers: every named operation and a few others, of a colour source, a one-bit source and a pattern.
+// Bit-block transfers: every named operation and a few others, of a color source, a one-bit source and a pattern.
 #include "golden/scene.h"
 
 namespace qnv::test {
@@ -9,7 +9,7 @@ constexpr uint32_t kOperations[] = {BLACKNESS,  NOTSRCERASE, NOTSRCCOPY, SRCERAS
                                     0x00E20746, SRCPAINT,    PATCOPY,    PATPAINT,   WHITENESS, 0x00B8074A};
 
 // A disc in red, green, blue bytes over a ramp.
-std::vector<uint8_t> ColourSource() {
+std::vector<uint8_t> ColorSource() {
   std::vector<uint8_t> bytes(24 * 3 * 24);
   for (int32_t y = 0; y < 24; ++y) {
     for (int32_t x = 0; x < 24; ++x) {
@@ -41,14 +41,14 @@ std::vector<uint8_t> OneBitSource() {
 std::vector<ScenePicture> PaintTransfers() {
   TestDevice device({.width = 250, .height = 172});
   device.Clear();
-  const std::vector<uint8_t> colourBytes = ColourSource();
+  const std::vector<uint8_t> colorBytes = ColorSource();
   const std::vector<uint8_t> oneBitBytes = OneBitSource();
-  const SourceBitmap colour{0, 24, 24, 72, 1, 24, colourBytes.data()};
+  const SourceBitmap color{0, 24, 24, 72, 1, 24, colorBytes.data()};
   const SourceBitmap oneBit{0, 24, 24, 4, 1, 1, oneBitBytes.data()};
   for (int32_t i = 0; i < 18; ++i) {
     const int32_t x = 4 + i % 9 * 27;
     const int32_t y = 4 + i / 9 * 84;
-    // The ground: upper half a colour, lower half white, a black bar at the left.
+    // The ground: upper half a color, lower half white, a black bar at the left.
     FillRectangle(device, {x, y, x + 24, y + 80}, 0xF0D0B0);
     FillRectangle(device, {x, y + 12, x + 24, y + 24}, 0xFFFFFF);
     FillRectangle(device, {x, y + 40, x + 24, y + 52}, 0xFFFFFF);
@@ -63,7 +63,7 @@ std::vector<ScenePicture> PaintTransfers() {
                                  &kEverywhere) &
                         0xFFFF);
     };
-    blit(y, colour, hatch);
+    blit(y, color, hatch);
     blit(y + 28, oneBit, hatch);
     blit(y + 56, oneBit, solid);
   }

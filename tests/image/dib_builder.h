@@ -12,22 +12,22 @@
 namespace qnv::test {
 
 // Letters of images: 'a' + table index. Every component is exact in five bits, and the grays are distinct.
-inline const std::vector<uint32_t>& ImageColours() {
-  static const std::vector<uint32_t> colours = {
+inline const std::vector<uint32_t>& ImageColors() {
+  static const std::vector<uint32_t> colors = {
       0x0000FF, 0x00FF00, 0xFF0000, 0xFFFFFF, 0x000000, 0x00FFFF, 0xFF00FF, 0xFFFF00,
       0x848484, 0x000084, 0x008400, 0x840000, 0x0084FF, 0x84FF00, 0xFF0084, 0x8484FF,
   };
-  return colours;
+  return colors;
 }
 
-inline constexpr uint32_t ColoursOfDepth(uint16_t bitCount) { return bitCount == 1 ? 2 : 16; }
+inline constexpr uint32_t ColorsOfDepth(uint16_t bitCount) { return bitCount == 1 ? 2 : 16; }
 
 struct DibShape {
   uint16_t bitCount = 24;
   uint32_t compression = BI_RGB;
   bool topDown = false;
   uint32_t headerSize = 40;
-  uint32_t coloursUsed = 0;
+  uint32_t colorsUsed = 0;
   uint16_t planes = 1;
 };
 
@@ -65,13 +65,13 @@ inline std::vector<uint8_t> DibInfo(int32_t width, int32_t height, const DibShap
   Append16(info, shape.bitCount);
   Append32(info, shape.compression);
   for (uint32_t unread : {0xDEADBEEFu, 0x80000000u, 0x7FFFFFFFu}) Append32(info, unread);
-  Append32(info, shape.coloursUsed);
+  Append32(info, shape.colorsUsed);
   Append32(info, 0xFFFFFFFF);
   info.resize(std::max<std::size_t>(shape.headerSize, 40), 0x5A);
-  for (uint32_t colour : table) {
-    info.push_back(static_cast<uint8_t>(colour >> 16));
-    info.push_back(static_cast<uint8_t>(colour >> 8));
-    info.push_back(static_cast<uint8_t>(colour));
+  for (uint32_t color : table) {
+    info.push_back(static_cast<uint8_t>(color >> 16));
+    info.push_back(static_cast<uint8_t>(color >> 8));
+    info.push_back(static_cast<uint8_t>(color));
     info.push_back(0xEE);
   }
   return info;
@@ -81,15 +81,15 @@ inline uint32_t DibStride(int32_t width, uint16_t bitCount) {
   return ((static_cast<uint32_t>(width) * bitCount + 7) / 8 + 3) & ~3u;
 }
 
-// Full table of a depth; entries without a letter are a colour that no test expects.
+// Full table of a depth; entries without a letter are a color that no test expects.
 inline std::vector<uint32_t> FullTable(uint16_t bitCount) {
   std::vector<uint32_t> table;
   if (bitCount > 8) return table;
-  for (uint32_t i = 0; i < 1u << bitCount; ++i) table.push_back(i < 16 ? ImageColours()[i] : 0x123456);
+  for (uint32_t i = 0; i < 1u << bitCount; ++i) table.push_back(i < 16 ? ImageColors()[i] : 0x123456);
   return table;
 }
 
-// One row of pixel values (table indices below 16 bits, colours from 16 bits on), padded to whole words by `padding`.
+// One row of pixel values (table indices below 16 bits, colors from 16 bits on), padded to whole words by `padding`.
 inline void AppendDibRow(std::vector<uint8_t>& bits, const std::vector<uint32_t>& values, uint16_t bitCount,
                          uint8_t padding = 0x3C) {
   std::vector<uint8_t> row(DibStride(static_cast<int32_t>(values.size()), bitCount), padding);
@@ -107,12 +107,12 @@ inline void AppendDibRow(std::vector<uint8_t>& bits, const std::vector<uint32_t>
   bits.insert(bits.end(), row.begin(), row.end());
 }
 
-// The pixel value that shows a colour at a depth. Unused bits are set, to show that they are not read.
+// The pixel value that shows a color at a depth. Unused bits are set, to show that they are not read.
 inline uint32_t DibPixel(uint32_t index, uint16_t bitCount) {
-  const uint32_t colour = ImageColours()[index];
-  const uint32_t red = colour & 0xFF;
-  const uint32_t green = (colour >> 8) & 0xFF;
-  const uint32_t blue = (colour >> 16) & 0xFF;
+  const uint32_t color = ImageColors()[index];
+  const uint32_t red = color & 0xFF;
+  const uint32_t green = (color >> 8) & 0xFF;
+  const uint32_t blue = (color >> 16) & 0xFF;
   switch (bitCount) {
     case 16: return 0x8000 | (red >> 3) << 10 | (green >> 3) << 5 | blue >> 3;
     case 24: return red << 16 | green << 8 | blue;
@@ -121,7 +121,7 @@ inline uint32_t DibPixel(uint32_t index, uint16_t bitCount) {
   }
 }
 
-// A bitmap from a picture, top row first; the letter's index wraps at the depth's number of colours.
+// A bitmap from a picture, top row first; the letter's index wraps at the depth's number of colors.
 inline Dib PictureDib(int32_t width, std::string_view picture, const DibShape& shape) {
   const int32_t height = static_cast<int32_t>(picture.size()) / width;
   std::vector<uint8_t> bits;
@@ -130,7 +130,7 @@ inline Dib PictureDib(int32_t width, std::string_view picture, const DibShape& s
     std::vector<uint32_t> values;
     for (int32_t x = 0; x < width; ++x) {
       const uint32_t index = static_cast<uint32_t>(picture[static_cast<std::size_t>(row * width + x)] - 'a');
-      values.push_back(DibPixel(index % ColoursOfDepth(shape.bitCount), shape.bitCount));
+      values.push_back(DibPixel(index % ColorsOfDepth(shape.bitCount), shape.bitCount));
     }
     AppendDibRow(bits, values, shape.bitCount);
   }
@@ -141,7 +141,7 @@ inline Dib PictureDib(int32_t width, std::string_view picture, const DibShape& s
 inline PictureInks ImageInks(const TestDevice& device, uint16_t bitCount = 24) {
   PictureInks inks;
   for (uint32_t i = 0; i < 16; ++i) {
-    inks.push_back({static_cast<char>('a' + i), Physical(device, ImageColours()[i % ColoursOfDepth(bitCount)])});
+    inks.push_back({static_cast<char>('a' + i), Physical(device, ImageColors()[i % ColorsOfDepth(bitCount)])});
   }
   return inks;
 }

@@ -1,4 +1,4 @@
-// Images on the dual-plane device: the colour plane as on a plain band, the tag plane by operation, source and brush.
+// Images on the dual-plane device: the color plane as on a plain band, the tag plane by operation, source and brush.
 #include <gtest/gtest.h>
 
 #include "image/image_cases.h"
@@ -8,7 +8,7 @@
 namespace qnv::test {
 namespace {
 
-// White, black, colour and nearly white pixels; painted at column 1 of a 6 x 2 band, each row twice.
+// White, black, color and nearly white pixels; painted at column 1 of a 6 x 2 band, each row twice.
 constexpr const char* kImage = "deab";
 
 DeviceOptions DualOptions() { return {.width = 6, .height = 2, .tagPlane = true}; }
@@ -26,7 +26,7 @@ PlaneImage FilledTags(const TestDevice& device, uint32_t tag) {
 TEST(ImageDualPlane, EveryIndex) {
   const std::string image = kImage;
   const Dib dib = PictureDib(4, kImage, {});
-  for (uint32_t brushColour : {0xFFFFFFu, 0x000000u, 0x3050A0u}) {
+  for (uint32_t brushColor : {0xFFFFFFu, 0x000000u, 0x3050A0u}) {
     for (bool startWithImage : {false, true}) {
       for (uint32_t index = 0; index < 256; ++index) {
         TestDevice device(DualOptions());
@@ -37,22 +37,22 @@ TEST(ImageDualPlane, EveryIndex) {
           MixTags(&device);
           device.band().Fill(0xFF);
         }
-        const PhysicalBrush brush = SolidBrush(device.handle(), brushColour);
+        const PhysicalBrush brush = SolidBrush(device.handle(), brushColor);
         const ImageSetup setup{.rop = index << 16, .brush = &brush};
         PlaneImage expected = TagImage(device);
         for (uint32_t row = 0; row < 2; ++row) {
           for (uint32_t x = 0; x < 4; ++x) {
-            const uint32_t source = ImageColours()[static_cast<std::size_t>(image[x] - 'a')];
+            const uint32_t source = ImageColors()[static_cast<std::size_t>(image[x] - 'a')];
             const uint32_t before = expected.Color(x + 1, row) & 0xFF;
-            expected.SetColor(x + 1, row, Gray(ImageTagAfter(TagRuleOf(index), source, brushColour, before)));
+            expected.SetColor(x + 1, row, Gray(ImageTagAfter(TagRuleOf(index), source, brushColor, before)));
           }
         }
         EXPECT_EQ(1u, Stretch(device, dib, kPlace, setup)) << std::hex << index;
         EXPECT_EQ(1u, Stretch(plain, dib, kPlace, setup)) << std::hex << index;
         EXPECT_TRUE(SameImage(expected, TagImage(device)))
-            << "tags, index " << std::hex << index << ", brush " << brushColour
+            << "tags, index " << std::hex << index << ", brush " << brushColor
             << (startWithImage ? ", from image tags" : ", from a cleared plane");
-        EXPECT_TRUE(SameImage(BandImage(plain), BandImage(device))) << "colour, index " << std::hex << index;
+        EXPECT_TRUE(SameImage(BandImage(plain), BandImage(device))) << "color, index " << std::hex << index;
         EXPECT_TRUE(device.FencesIntact());
       }
     }
@@ -71,9 +71,9 @@ TEST(ImageDualPlane, CopyTagsTheClippedRectangle) {
     for (uint32_t column = 1; column < 6; ++column) tags.SetColor(column, row, Gray(QNV_TAG_IMAGE));
   }
   EXPECT_TRUE(SameImage(tags, TagImage(device)));
-  PlaneImage colours = UntouchedBand(device);
-  colours.FillBytes(0xFF);
-  EXPECT_TRUE(PlaneIs(BandImage(device), colours, ImageInks(device),
+  PlaneImage colors = UntouchedBand(device);
+  colors.FillBytes(0xFF);
+  EXPECT_TRUE(PlaneIs(BandImage(device), colors, ImageInks(device),
                       ".fgh....."
                       ".jkl....."));
   EXPECT_TRUE(device.FencesIntact());
@@ -104,7 +104,7 @@ TEST(ImageDualPlane, ExtendedCodes) {
   struct Case {
     const char* name;
     uint32_t rop;
-    const char* colours;  // 6 x 2
+    const char* colors;  // 6 x 2
   };
   const Case cases[] = {
       {"minimum", ROP_MINIMUM,
@@ -117,7 +117,7 @@ TEST(ImageDualPlane, ExtendedCodes) {
     device.Clear();
     const Dib dib = PictureDib(4, kImage, {});
     EXPECT_EQ(1u, Stretch(device, dib, kPlace, {.rop = c.rop})) << c.name;
-    EXPECT_TRUE(BandIs(device, ImageInks(device), c.colours)) << c.name;
+    EXPECT_TRUE(BandIs(device, ImageInks(device), c.colors)) << c.name;
     EXPECT_TRUE(PlaneIs(TagImage(device), FilledTags(device, QNV_TAG_GRAPHICS), {{'3', Gray(QNV_TAG_IMAGE)}},
                         "..333."
                         "..333."))
@@ -132,12 +132,12 @@ TEST(ImageDualPlane, RefusedTransfers) {
   for (uint32_t rop : {PATPAINT, 0x00A00000u, 0x00FA0000u, 0x000A0000u}) {
     DualPlaneDevice device({.width = 6, .height = 2});
     device.Clear();
-    const PlaneImage colours = BandImage(device);
+    const PlaneImage colors = BandImage(device);
     const Dib dib = PictureDib(4, kImage, {});
     device.SetOrigin(1, 0);
     EXPECT_EQ(0u, Stretch(device, dib, {0, 0, 4, 2, 0, 0, 4, 1}, {.rop = rop, .brush = &brush})) << std::hex << rop;
     EXPECT_TRUE(SameImage(FilledTags(device, QNV_TAG_GRAPHICS), TagImage(device))) << std::hex << rop;
-    EXPECT_TRUE(SameImage(colours, BandImage(device))) << std::hex << rop;
+    EXPECT_TRUE(SameImage(colors, BandImage(device))) << std::hex << rop;
     // The origin is back: the next image lies where it says.
     EXPECT_EQ(1u, Stretch(device, dib, {0, 0, 4, 1, 0, 0, 4, 1}));
     EXPECT_TRUE(
@@ -145,7 +145,7 @@ TEST(ImageDualPlane, RefusedTransfers) {
   }
 }
 
-// A device described with one byte a pixel has a colour plane of that size, and nothing goes past it.
+// A device described with one byte a pixel has a color plane of that size, and nothing goes past it.
 TEST(ImageDualPlane, DescribedWithAnotherDepth) {
   const Dib dib = PictureDib(4, kFourByThree, {});
   for (uint16_t depth : {uint16_t{8}, uint16_t{16}}) {

@@ -197,8 +197,8 @@ TEST(ImageScaled, GrayMode) {
         EXPECT_EQ(1u, Stretch(device, dib, c.place, {.rop = operation.rop, .clip = c.clip})) << c.name;
         PictureInks inks;
         for (uint32_t i = 0; i < 16; ++i) {
-          const uint32_t colour = ImageColours()[i];
-          inks.push_back({static_cast<char>('a' + i), operation.rop == SRCCOPY ? Regrayed(colour) : GrayOf(colour)});
+          const uint32_t color = ImageColors()[i];
+          inks.push_back({static_cast<char>('a' + i), operation.rop == SRCCOPY ? Regrayed(color) : GrayOf(color)});
         }
         const bool transferred = operation.rop != SRCCOPY && c.transferred != nullptr;
         EXPECT_TRUE(BandIs(device, inks, transferred ? c.transferred : c.copied))
@@ -213,13 +213,13 @@ TEST(ImageScaled, GrayModeDoesNotGrayTransfersTwice) {
   ScaledDevice device({.bitsPerPixel = 0, .width = 4, .height = 1});
   for (uint32_t i = 0; i < 12; ++i) device.band().data()[i] = static_cast<uint8_t>(16 * i + 5);
   PlaneImage expected = BandImage(device);
-  for (uint32_t x = 0; x < 4; ++x) expected.SetColor(x, 0, expected.Color(x, 0) | GrayOf(ImageColours()[x]));
+  for (uint32_t x = 0; x < 4; ++x) expected.SetColor(x, 0, expected.Color(x, 0) | GrayOf(ImageColors()[x]));
   const Dib dib = PictureDib(4, "abcd", {});
   EXPECT_EQ(1u, Stretch(device, dib, {0, 0, 4, 1, 0, 0, 4, 1}, {.rop = SRCPAINT}));
   EXPECT_TRUE(SameImage(expected, BandImage(device)));
   // Gray mode is on again afterwards.
-  uint32_t colour = 0;
-  EXPECT_EQ(GrayOf(0x0000FF), QNVColorInfo(device.handle(), 0x0000FF, &colour));
+  uint32_t color = 0;
+  EXPECT_EQ(GrayOf(0x0000FF), QNVColorInfo(device.handle(), 0x0000FF, &color));
 }
 
 // A repeated row is the painted span of the first one, with what lies between its columns.
@@ -227,7 +227,7 @@ TEST(ImageScaled, RepeatedRowsCopyTheWholeSpan) {
   ScaledDevice device({.width = 9, .height = 5, .resolutionA = 360, .resolutionB = 720});
   for (std::size_t i = 0; i < device.band().size(); ++i) device.band().data()[i] = static_cast<uint8_t>(i);
   PlaneImage expected = BandImage(device);
-  for (uint32_t x = 0; x < 3; ++x) expected.SetColor(2 + 2 * x, 0, ImageColours()[x]);
+  for (uint32_t x = 0; x < 3; ++x) expected.SetColor(2 + 2 * x, 0, ImageColors()[x]);
   for (uint32_t x = 2; x <= 6; ++x) expected.SetColor(x, 2, expected.Color(x, 0));
   const Dib dib = PictureDib(3, "abc", {});
   EXPECT_EQ(1u, Stretch(device, dib, {1, 0, 3, 2, 0, 0, 3, 1}));
@@ -274,7 +274,7 @@ TEST(ImageScaled, Transfers) {
     for (uint32_t row = 1; row < 5; ++row) {
       for (uint32_t column = 1; column < 6; ++column) {
         const std::size_t letter = (row - 1) * 2 * 10 + (column - 1) * 2;
-        const uint32_t s = ImageColours()[static_cast<std::size_t>(image[letter] - 'a')];
+        const uint32_t s = ImageColors()[static_cast<std::size_t>(image[letter] - 'a')];
         const uint32_t p = Gray(patternBytes[row % 8 * 8 + column % 8]);
         expected.SetColor(column, row, c.apply(p, s, expected.Color(column, row)));
       }
@@ -298,7 +298,7 @@ TEST(ImageScaled, ColumnsBeyondTheSource) {
   }
 }
 
-// With equal resolutions and a source that reaches all over the destination the device is a plain colour band.
+// With equal resolutions and a source that reaches all over the destination the device is a plain color band.
 TEST(ImageScaled, EqualResolutionsEqualThePlainDevice) {
   const ImagePlace places[] = {
       {1, 1, 10, 8, 0, 0, 10, 8}, {-3, -2, 20, 13, 0, 0, 10, 8}, {12, 5, -7, -4, 2, 1, 6, 5}, {3, 2, 4, 3, 6, 0, 4, 8}};

@@ -44,7 +44,7 @@ TEST(ImageRops, EveryIndex) {
             const uint32_t x = column + 2;
             const uint32_t y = row + 1;
             const uint32_t s =
-                Physical(device, ImageColours()[static_cast<std::size_t>(image[row / 2 * 4 + column] - 'a')]);
+                Physical(device, ImageColors()[static_cast<std::size_t>(image[row / 2 * 4 + column] - 'a')]);
             const uint32_t p = solid ? Physical(device, kInk) : Gray(PatternByte(x, y));
             expected.SetColor(x, y, Rop3(index, p, s, expected.Color(x, y)));
           }
@@ -89,14 +89,14 @@ TEST(ImageRops, ColumnsBeyondTheSource) {
       // The images' white would show under the minimum as the band's own value.
       PictureInks inks = {{'k', 0}, {'w', 0xFFFFFF}};
       for (char letter : {'c', 'd', 'g', 'h'}) {
-        const uint32_t colour = Physical(device, ImageColours()[static_cast<std::size_t>(letter - 'a')]);
-        uint32_t shown = colour;
+        const uint32_t color = Physical(device, ImageColors()[static_cast<std::size_t>(letter - 'a')]);
+        uint32_t shown = color;
         if (c.rop == ROP_MINIMUM) {
           shown = 0;
-          for (uint32_t shift : {0u, 8u, 16u}) shown |= std::min((colour >> shift) & 0xFF, 0xFEu) << shift;
+          for (uint32_t shift : {0u, 8u, 16u}) shown |= std::min((color >> shift) & 0xFF, 0xFEu) << shift;
         }
         inks.push_back({letter, shown});
-        inks.push_back({static_cast<char>(letter - 'a' + 'A'), ~colour & 0xFFFFFF});
+        inks.push_back({static_cast<char>(letter - 'a' + 'A'), ~color & 0xFFFFFF});
       }
       EXPECT_TRUE(BandIs(device, inks, c.picture)) << c.name << ", " << bandDepth << " bits";
     }
@@ -144,7 +144,7 @@ TEST(ImageMerge, TheSmallerByteStays) {
       for (uint32_t row = 0; row < 3; ++row) {
         for (uint32_t column = 0; column < 8; ++column) {  // doubled across
           const uint32_t s =
-              Physical(device, ImageColours()[static_cast<std::size_t>(image[row * 4 + column / 2] - 'a')]);
+              Physical(device, ImageColors()[static_cast<std::size_t>(image[row * 4 + column / 2] - 'a')]);
           const uint32_t d = expected.Color(column + 2, row + 1);
           uint32_t smaller = 0;
           for (uint32_t shift : {0u, 8u, 16u}) {

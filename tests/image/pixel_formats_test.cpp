@@ -6,12 +6,12 @@
 namespace qnv::test {
 namespace {
 
-// ---- Colour tables: where they lie, how many entries they have, what missing entries show.
+// ---- Color tables: where they lie, how many entries they have, what missing entries show.
 
 struct TableCase {
   const char* name;
   uint16_t bitCount;
-  uint32_t coloursUsed;
+  uint32_t colorsUsed;
   std::size_t entries;  // given behind the header, and no byte more
 };
 
@@ -23,7 +23,7 @@ const TableCase kTables[] = {
     {"8 bits, three used", 8, 3, 3},   {"8 bits, 255 used", 8, 255, 255}, {"8 bits, 70000 used", 8, 70000, 256},
 };
 
-uint32_t EntryColour(uint32_t index) { return index * 0x010203u + 0x402010u; }
+uint32_t EntryColor(uint32_t index) { return index * 0x010203u + 0x402010u; }
 
 // Every index that the depth can hold; indices without an entry are white.
 TEST(Palette, Entries) {
@@ -33,17 +33,17 @@ TEST(Palette, Entries) {
         const int32_t indices = 1 << c.bitCount;
         TestDevice device({.bitsPerPixel = bandDepth, .width = static_cast<uint32_t>(indices), .height = 1});
         std::vector<uint32_t> table;
-        for (uint32_t i = 0; i < c.entries; ++i) table.push_back(EntryColour(i) & 0xFFFFFF);
+        for (uint32_t i = 0; i < c.entries; ++i) table.push_back(EntryColor(i) & 0xFFFFFF);
         std::vector<uint32_t> values;
         for (uint32_t i = 0; i < static_cast<uint32_t>(indices); ++i) values.push_back(i);
         std::vector<uint8_t> bits;
         AppendDibRow(bits, values, c.bitCount);
-        const DibShape shape{.bitCount = c.bitCount, .headerSize = headerSize, .coloursUsed = c.coloursUsed};
+        const DibShape shape{.bitCount = c.bitCount, .headerSize = headerSize, .colorsUsed = c.colorsUsed};
         const Dib dib(DibInfo(indices, 1, shape, table), bits);
         EXPECT_EQ(1u, Stretch(device, dib, {0, 0, indices, 1, 0, 0, indices, 1})) << c.name;
         PlaneImage expected = UntouchedBand(device);
         for (uint32_t i = 0; i < static_cast<uint32_t>(indices); ++i) {
-          expected.SetColor(i, 0, Physical(device, i < c.entries ? EntryColour(i) & 0xFFFFFF : 0xFFFFFF));
+          expected.SetColor(i, 0, Physical(device, i < c.entries ? EntryColor(i) & 0xFFFFFF : 0xFFFFFF));
         }
         EXPECT_TRUE(SameImage(expected, BandImage(device)))
             << c.name << ", " << bandDepth << "-bit band, header of " << headerSize;
@@ -55,7 +55,7 @@ TEST(Palette, Entries) {
 // Short tables serve run-length data as well.
 TEST(Palette, ShortTableOfRunLengthData) {
   TestDevice device({.width = 8, .height = 1});
-  const DibShape shape{.bitCount = 4, .compression = BI_RLE4, .coloursUsed = 2};
+  const DibShape shape{.bitCount = 4, .compression = BI_RLE4, .colorsUsed = 2};
   const Dib dib(DibInfo(8, 1, shape, {0x0000FF, 0x00FF00}), RleWriter().Run(8, 0x1F).EndOfBitmap().bytes());
   EXPECT_EQ(1u, Stretch(device, dib, {0, 0, 8, 1, 0, 0, 8, 1}));
   EXPECT_TRUE(BandIs(device, {{'g', 0x00FF00}, {'w', 0xFFFFFF}}, "gwgwgwgw"));
@@ -68,7 +68,7 @@ TEST(Palette, NoTableAboveEightBits) {
       TestDevice device({.width = 2, .height = 1});
       std::vector<uint8_t> bits;
       AppendDibRow(bits, {DibPixel(0, depth), DibPixel(7, depth)}, depth);
-      const Dib dib(DibInfo(2, 1, {.bitCount = depth, .coloursUsed = used}), bits);
+      const Dib dib(DibInfo(2, 1, {.bitCount = depth, .colorsUsed = used}), bits);
       EXPECT_EQ(1u, Stretch(device, dib, {0, 0, 2, 1, 0, 0, 2, 1}));
       EXPECT_TRUE(BandIs(device, ImageInks(device), "ah")) << depth << " bits, " << used << " used";
     }
@@ -106,8 +106,8 @@ void RunPixelCases(uint16_t bitCount, bool withMasks, const std::vector<PixelCas
         TestDevice device({.bitsPerPixel = bandDepth, .width = 1, .height = 1});
         const Dib dib = OnePixel(bitCount, withMasks, c.masks, c.pixel, headerSize);
         EXPECT_EQ(1u, Stretch(device, dib, {0, 0, 1, 1, 0, 0, 1, 1})) << c.name;
-        const uint32_t colour = c.blue << 16 | c.green << 8 | c.red;
-        EXPECT_TRUE(BandIs(device, {{'x', Physical(device, colour)}}, "x"))
+        const uint32_t color = c.blue << 16 | c.green << 8 | c.red;
+        EXPECT_TRUE(BandIs(device, {{'x', Physical(device, color)}}, "x"))
             << c.name << ", header of " << headerSize << ", " << bandDepth << "-bit band";
       }
     }
@@ -193,13 +193,13 @@ const GrayCase kGrayCases[] = {
 };
 
 Dib OnePixel(uint16_t bitCount, const GrayCase& c) {
-  const uint32_t colour = c.blue << 16 | c.green << 8 | c.red;
+  const uint32_t color = c.blue << 16 | c.green << 8 | c.red;
   const uint32_t pixel = bitCount > 8 ? c.red << 16 | c.green << 8 | c.blue : 1;
   std::vector<uint32_t> table;
-  if (bitCount <= 8) table = {0x5A5A5A, colour};
+  if (bitCount <= 8) table = {0x5A5A5A, color};
   std::vector<uint8_t> bits;
   AppendDibRow(bits, {pixel}, bitCount);
-  return Dib(DibInfo(1, 1, {.bitCount = bitCount, .coloursUsed = bitCount <= 8 ? 2u : 0u}, table), bits);
+  return Dib(DibInfo(1, 1, {.bitCount = bitCount, .colorsUsed = bitCount <= 8 ? 2u : 0u}, table), bits);
 }
 
 TEST(GrayImages, EveryDepth) {
@@ -231,7 +231,7 @@ TEST(GrayImages, SixteenBits) {
   }
 }
 
-// ---- Every source depth, in both directions, into every kind of row: a colour band, the row of a transfer, a gray
+// ---- Every source depth, in both directions, into every kind of row: a color band, the row of a transfer, a gray
 // band.
 
 struct Target {
@@ -241,8 +241,8 @@ struct Target {
 };
 
 const Target kTargets[] = {
-    {"colour band", 24, SRCCOPY},
-    {"colour band by transfer", 24, 0x00CC0000},
+    {"color band", 24, SRCCOPY},
+    {"color band by transfer", 24, 0x00CC0000},
     {"gray band", 8, SRCCOPY},
     {"gray band by transfer", 8, 0x00CC0000},
 };

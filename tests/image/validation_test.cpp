@@ -197,8 +197,8 @@ TEST(ImageValidation, TheOriginSurvives) {
     EXPECT_EQ(1u, Stretch(device, good, {0, 1, 2, 1, 0, 0, 2, 1}));
     PictureInks inks = ImageInks(device);
     const auto notErase = [&](uint32_t s) { return ~(s | 0xCCCCCC) & 0xFFFFFF; };
-    inks.push_back({'A', notErase(Physical(device, ImageColours()[0]))});
-    inks.push_back({'B', notErase(Physical(device, ImageColours()[1]))});
+    inks.push_back({'A', notErase(Physical(device, ImageColors()[0]))});
+    inks.push_back({'B', notErase(Physical(device, ImageColors()[1]))});
     EXPECT_TRUE(BandIs(device, inks,
                        "........."
                        "..ab....."

@@ -35,11 +35,11 @@ const DeviceCase kDevices[] = {
 
 bool IsGray(const DeviceOptions& options) { return options.bitsPerPixel == (options.kind == QNV_KIND_SCALED ? 0 : 8); }
 
-PhysicalBrush BrushOf(DeviceHandle* handle, uint32_t kind, uint32_t colour, const SourceBitmap& bitmap) {
+PhysicalBrush BrushOf(DeviceHandle* handle, uint32_t kind, uint32_t color, const SourceBitmap& bitmap) {
   switch (kind) {
-    case 0: return SolidBrush(handle, colour);
+    case 0: return SolidBrush(handle, color);
     case 1: return PatternBrush(handle, bitmap);
-    default: return HatchBrush(handle, static_cast<int16_t>(kind - 2), colour, 0x00FEDCBA);
+    default: return HatchBrush(handle, static_cast<int16_t>(kind - 2), color, 0x00FEDCBA);
   }
 }
 
@@ -49,7 +49,7 @@ TEST(GeneralOperation, EqualsTheOperationOfItsIndex) {
     TestDevice general(d.options);
     const bool gray = IsGray(d.options);
     const SourceImage oneBit(kOneBitSource, 60, 40, 1);
-    const SourceImage other(gray ? kGraySource : kColourSource, 60, 40, 2);
+    const SourceImage other(gray ? kGraySource : kColorSource, 60, 40, 2);
     RandomBytes random(3);
     for (uint32_t n = 0; n < 3400; ++n) {
       const uint8_t index = kIndices[n % kIndices.size()];

@@ -24,9 +24,9 @@ void ExpectSameScene(const Scene& scene, const TestDevice& expected, const TestD
   EXPECT_TRUE(got.FencesIntact());
 }
 
-// The colour plane of a dual-plane device is what a plain 24-bit device paints, whatever happens to the tags. Kept out
+// The color plane of a dual-plane device is what a plain 24-bit device paints, whatever happens to the tags. Kept out
 // are calls without a draw mode: without one the tags of a span cannot be decided.
-TEST(DualPlaneColour, EqualsAPlainDevice) {
+TEST(DualPlaneColor, EqualsAPlainDevice) {
   for (bool mixed : {false, true}) {
     for (uint64_t seed = 100; seed < 200; ++seed) {
       SCOPED_TRACE("seed " + std::to_string(seed) + (mixed ? ", mixed tags" : ""));
@@ -50,7 +50,7 @@ TEST(DualPlaneColour, EqualsAPlainDevice) {
 }
 
 // Whatever is drawn after a clear, tags hold what they can hold: 1 or 3, and 0 only below text.
-TEST(DualPlaneColour, TagsHoldKnownValues) {
+TEST(DualPlaneColor, TagsHoldKnownValues) {
   for (uint64_t seed = 200; seed < 240; ++seed) {
     SCOPED_TRACE(seed);
     DualPlaneDevice dual({.width = 41, .height = 23});

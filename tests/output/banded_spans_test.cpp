@@ -110,7 +110,7 @@ TEST(BandedSpans, LongRecords) {
   for (const Case& c : cases) {
     SCOPED_TRACE(c.name);
     TestDevice device({.bitsPerPixel = 8, .width = 1300, .height = static_cast<uint32_t>(2 * c.sizes.size())});
-    const PhysicalPen pen = SolidPen(device.handle(), kPenColour);
+    const PhysicalPen pen = SolidPen(device.handle(), kPenColor);
     const DRAWMODE mode = MakeDrawMode();
     PlaneImage expected = UntouchedBand(device);
     std::vector<int16_t> words;
@@ -122,7 +122,7 @@ TEST(BandedSpans, LongRecords) {
       // Pairs (0, 1), (2, 3) ...: every even column below n; the pair of an odd n ends at n itself.
       for (int16_t i = 0; i < n; i = static_cast<int16_t>(i + 2)) {
         for (int16_t row = top; row < top + 2; ++row) {
-          expected.SetColor(static_cast<uint32_t>(i), static_cast<uint32_t>(row), GrayOf(kPenColour));
+          expected.SetColor(static_cast<uint32_t>(i), static_cast<uint32_t>(row), GrayOf(kPenColor));
         }
       }
       top = static_cast<int16_t>(top + 2);
@@ -136,14 +136,14 @@ TEST(BandedSpans, LongRecords) {
 
 TEST(BandedSpans, CountIsUnsigned) {
   TestDevice device({.width = kSpanColumns, .height = kSpanRows});
-  const PhysicalPen pen = SolidPen(device.handle(), kPenColour);
+  const PhysicalPen pen = SolidPen(device.handle(), kPenColor);
   const DRAWMODE mode = MakeDrawMode();
   // 0x8001 records, all but the last one without spans.
   std::vector<int16_t> words;
   for (int i = 0; i < 0x8000; ++i) words.insert(words.end(), {0, 0, 0, 0});
   words.insert(words.end(), {2, 0, 1, 0, 1, 2});
   EXPECT_EQ(1u, CallOutput(device, OS_BANDED_SPANS, 0x8001, SpanListBytes(words), {.pen = &pen, .drawMode = &mode}));
-  EXPECT_TRUE(BandIs(device, {{'#', kPenColour}}, "#............"));
+  EXPECT_TRUE(BandIs(device, {{'#', kPenColor}}, "#............"));
 }
 
 }  // namespace

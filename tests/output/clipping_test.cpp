@@ -173,10 +173,10 @@ TEST(OutputClipping, EveryEncodingOnEveryDevice) {
                      std::to_string(options.bitsPerPixel) + " bits" + (options.tagPlane ? ", dual plane" : ""));
         TestDevice device(Placed(options, c.place));
         device.SetOrigin(c.place.originX, c.place.originY);
-        const PhysicalPen pen = SolidPen(device.handle(), kPenColour);
+        const PhysicalPen pen = SolidPen(device.handle(), kPenColor);
         const DRAWMODE mode = MakeDrawMode();
         encoding.paint(device, encoding.style, c.rectangle, {.pen = &pen, .drawMode = &mode, .clip = c.clip});
-        EXPECT_TRUE(BandIs(device, {{'#', Physical(device, kPenColour)}}, c.picture));
+        EXPECT_TRUE(BandIs(device, {{'#', Physical(device, kPenColor)}}, c.picture));
       }
     }
   }
@@ -188,10 +188,10 @@ TEST(OutputClipping, BandRectangleSmallerThanTheBuffer) {
     TestDevice device(Placed({}, {}));
     const BandRect band{100, 50, 104, 53};
     ASSERT_EQ(1u, QNVControl(device.handle(), QNV_SET_BAND_RECT, &band, nullptr) & 0xFFFF);
-    const PhysicalPen pen = SolidPen(device.handle(), kPenColour);
+    const PhysicalPen pen = SolidPen(device.handle(), kPenColor);
     const DRAWMODE mode = MakeDrawMode();
     encoding.paint(device, encoding.style, {0, 0, 200, 100}, {.pen = &pen, .drawMode = &mode});
-    EXPECT_TRUE(BandIs(device, {{'#', kPenColour}},
+    EXPECT_TRUE(BandIs(device, {{'#', kPenColor}},
                        "####........."
                        "####........."
                        "####........."))
@@ -203,7 +203,7 @@ TEST(OutputClipping, NullClipIsRefused) {
   for (const DeviceOptions& options : kClipDevices) {
     for (const Encoding& encoding : kEncodings) {
       TestDevice device(Placed(options, {}));
-      const PhysicalPen pen = SolidPen(device.handle(), kPenColour);
+      const PhysicalPen pen = SolidPen(device.handle(), kPenColor);
       const DRAWMODE mode = MakeDrawMode();
       const std::vector<uint8_t> list = SpanListBytes({2, 0, 2, 0, 2, 2});
       const FencedInput input(list);

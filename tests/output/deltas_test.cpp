@@ -150,12 +150,12 @@ TEST(Deltas, EdgesPassSixteenBits) {
   for (uint32_t style : {OS_BYTE_DELTAS, OS_NIBBLE_DELTAS}) {
     SCOPED_TRACE(style);
     TestDevice device({.width = kSpanColumns, .height = kSpanRows, .left = 32760});
-    const PhysicalPen pen = SolidPen(device.handle(), kPenColour);
+    const PhysicalPen pen = SolidPen(device.handle(), kPenColor);
     const DRAWMODE mode = MakeDrawMode();
     const std::vector<int> deltas = style == OS_BYTE_DELTAS ? InBytes(steps) : InNibbles(steps);
     EXPECT_EQ(1u,
               CallOutput(device, style, 3, SpanListBytes({0, 32766, 32767}, deltas), {.pen = &pen, .drawMode = &mode}));
-    EXPECT_TRUE(BandIs(device, {{'#', kPenColour}},
+    EXPECT_TRUE(BandIs(device, {{'#', kPenColor}},
                        "......#......"
                        ".......##...."
                        ".........##.."));
@@ -170,11 +170,11 @@ TEST(Deltas, EveryNibblePair) {
     const int left = 20 + (low < 8 ? low : low - 16);
     const int right = 40 + (high < 8 ? high : high - 16);
     TestDevice device({.bitsPerPixel = 8, .width = 61, .height = 2});
-    const PhysicalPen pen = SolidPen(device.handle(), kPenColour);
+    const PhysicalPen pen = SolidPen(device.handle(), kPenColor);
     const DRAWMODE mode = MakeDrawMode();
     PlaneImage expected = UntouchedBand(device);
-    for (int x = 20; x < 40; ++x) expected.SetColor(static_cast<uint32_t>(x), 0, GrayOf(kPenColour));
-    for (int x = left; x < right; ++x) expected.SetColor(static_cast<uint32_t>(x), 1, GrayOf(kPenColour));
+    for (int x = 20; x < 40; ++x) expected.SetColor(static_cast<uint32_t>(x), 0, GrayOf(kPenColor));
+    for (int x = left; x < right; ++x) expected.SetColor(static_cast<uint32_t>(x), 1, GrayOf(kPenColor));
     EXPECT_EQ(1u, CallOutput(device, OS_NIBBLE_DELTAS, 2, SpanListBytes({0, 20, 40}, {byte}),
                              {.pen = &pen, .drawMode = &mode}));
     EXPECT_TRUE(SameImage(expected, BandImage(device))) << "delta byte " << byte;

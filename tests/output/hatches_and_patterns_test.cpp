@@ -294,7 +294,7 @@ TEST(Patterns, DepthsOfTheBitmap) {
        {{'a', Gray(10)}, {'b', Gray(20)}, {'c', Gray(30)}, {'d', Gray(40)}, {'k', 0}},
        "abckkkkkab",
        "dkkkkkkkdk"},
-      {"1 bit: set takes the background, clear the text colour",
+      {"1 bit: set takes the background, clear the text color",
        1,
        2,
        Rows({0xA1}, {0x7F}, 2),
@@ -380,7 +380,7 @@ TEST(FillChoice, PenBrushOrNeither) {
   }
 }
 
-// A null-style pen is a pen like any other here: only its colour is read.
+// A null-style pen is a pen like any other here: only its color is read.
 TEST(FillChoice, PenStyleIsNotRead) {
   TestDevice device({.width = 4, .height = 1});
   const PhysicalPen pen{PS_NULL, 0, 0, 0x010203};
@@ -402,7 +402,7 @@ TEST(FillChoice, NullDrawModeKeepsTheFill) {
   EXPECT_TRUE(BandUntouched(device));
   PaintRow(device, 1, 2, 0, {.pen = &red, .drawMode = &mode});
   PaintRow(device, 2, 3, 0, {.pen = &green});
-  EXPECT_TRUE(BandIs(device, {{'r', 0x0000FF}}, ".rr.....")) << "colour kept";
+  EXPECT_TRUE(BandIs(device, {{'r', 0x0000FF}}, ".rr.....")) << "color kept";
   PaintRow(device, 3, 4, 0, {.brush = &hollow, .drawMode = &mode});
   EXPECT_EQ(1u, PaintRow(device, 4, 5, 0, {.pen = &green})) << "a hollow fill is kept too";
   EXPECT_TRUE(BandIs(device, {{'r', 0x0000FF}}, ".rr....."));

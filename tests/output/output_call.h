@@ -72,7 +72,7 @@ inline constexpr uint32_t kSpanColumns = 13;
 inline constexpr uint32_t kSpanRows = 6;
 inline constexpr const char* kEmptySpanPicture = ".............";
 
-inline constexpr uint32_t kPenColour = 0x00204080;
+inline constexpr uint32_t kPenColor = 0x00204080;
 
 // Every case under every style given, on both depths.
 inline void RunSpanCases(const std::vector<uint32_t>& styles, const std::vector<SpanCase>& cases) {
@@ -86,11 +86,11 @@ inline void RunSpanCases(const std::vector<uint32_t>& styles, const std::vector<
                            .left = c.place.left,
                            .top = c.place.top});
         device.SetOrigin(c.place.originX, c.place.originY);
-        const PhysicalPen pen = SolidPen(device.handle(), kPenColour);
+        const PhysicalPen pen = SolidPen(device.handle(), kPenColor);
         const DRAWMODE mode = MakeDrawMode();
         const OutputSetup setup{.pen = &pen, .drawMode = &mode, .clip = c.clip};
         EXPECT_EQ(1u, CallOutput(device, style, c.count, SpanListBytes(c.words, c.deltas), setup));
-        EXPECT_TRUE(BandIs(device, {{'#', Physical(device, kPenColour)}}, c.picture));
+        EXPECT_TRUE(BandIs(device, {{'#', Physical(device, kPenColor)}}, c.picture));
       }
     }
   }

@@ -14,7 +14,7 @@ DeviceOptions DualOptions(uint32_t width = 9, uint32_t height = 2) {
   return {.width = width, .height = height, .tagPlane = true};
 }
 
-// The colour plane is that of a plain device in every case.
+// The color plane is that of a plain device in every case.
 PlaneImage PlainResult(const DeviceOptions& dual, uint32_t (*paint)(const TestDevice&, const OutputSetup&),
                        const OutputSetup& setup) {
   DeviceOptions options = dual;
@@ -26,24 +26,24 @@ PlaneImage PlainResult(const DeviceOptions& dual, uint32_t (*paint)(const TestDe
 
 uint32_t PaintMiddle(const TestDevice& device, const OutputSetup& setup) { return PaintRow(device, 2, 6, 1, setup); }
 
-TEST(OutputDualPlane, SolidFiguresByCodeAndColour) {
-  // Colours count with all their 32 bits.
-  const uint32_t colours[] = {kWhite, 0, 0x0000FF, 0x01FFFFFF, 0x01000000, 0x00FFFFFE};
+TEST(OutputDualPlane, SolidFiguresByCodeAndColor) {
+  // Colors count with all their 32 bits.
+  const uint32_t colors[] = {kWhite, 0, 0x0000FF, 0x01FFFFFF, 0x01000000, 0x00FFFFFE};
   for (const Rop2Marking& code : kRop2Markings) {
-    for (uint32_t colour : colours) {
+    for (uint32_t color : colors) {
       for (bool withPen : {true, false}) {
         TestDevice device(DualOptions());
         MixTags(&device);
-        const PhysicalPen pen{PS_SOLID, 1, 1, colour};
+        const PhysicalPen pen{PS_SOLID, 1, 1, color};
         PhysicalBrush brush{};
-        brush.colour = colour;
+        brush.colour = color;
         DRAWMODE mode = MakeDrawMode();
         mode.Rop2 = code.code;
         const OutputSetup setup{
             .pen = withPen ? &pen : nullptr, .brush = withPen ? nullptr : &brush, .drawMode = &mode};
         EXPECT_EQ(1u, PaintMiddle(device, setup));
-        EXPECT_TRUE(TagsMarked(device, Marks(code.marking, colour) ? "...........1111..." : ""))
-            << code.name << ", colour " << std::hex << colour << (withPen ? ", pen" : ", brush");
+        EXPECT_TRUE(TagsMarked(device, Marks(code.marking, color) ? "...........1111..." : ""))
+            << code.name << ", color " << std::hex << color << (withPen ? ", pen" : ", brush");
         EXPECT_TRUE(SameImage(PlainResult(DualOptions(), PaintMiddle, setup), BandImage(device))) << code.name;
       }
     }
@@ -58,7 +58,7 @@ TEST(OutputDualPlane, UniformPlaneIsLeftAlone) {
   EXPECT_EQ(1u, PaintMiddle(device, {.pen = &pen, .drawMode = &mode}));
   EXPECT_TRUE(SameImage(UntouchedTags(device), TagImage(device)));
   EXPECT_EQ(0xFFFFu, CallOutput(device, 6, 1, SpanListBytes({0, 0, 0, 0}), {.pen = &pen, .drawMode = &mode}))
-      << "the result is the colour plane's";
+      << "the result is the color plane's";
 
   MixTags(&device);
   device.Clear();
@@ -114,7 +114,7 @@ struct BrushCase {
   uint16_t style;
   uint16_t patternDepth;
   std::vector<uint32_t> cells;  // of the first row; every row is alike
-  uint32_t colour;
+  uint32_t color;
   int16_t bkMode;
   uint32_t bkColor;
   uint32_t textColor;
@@ -125,11 +125,11 @@ struct BrushCase {
 constexpr uint32_t kRed = 0x0000FF;
 
 // A hatch of two line cells and six gaps, and patterns of four cells repeated.
-std::vector<uint32_t> HatchCells(uint32_t colour) {
-  return {0xFF000000 | colour, 0xFF000000 | colour, 0, 0x00FFFFFF, 0x00123456, 0, 0, 0};
+std::vector<uint32_t> HatchCells(uint32_t color) {
+  return {0xFF000000 | color, 0xFF000000 | color, 0, 0x00FFFFFF, 0x00123456, 0, 0, 0};
 }
 
-std::vector<uint32_t> ColourCells() {
+std::vector<uint32_t> ColorCells() {
   return {0xFFFFFFFF, 0xFF000000, 0xFF0000FF, 0xFFFFFFFF, 0xFF000000, 0xFF0000FF, 0xFFFFFFFF, 0xFF000000};
 }
 
@@ -149,9 +149,9 @@ const BrushCase kBrushCases[] = {
     {"hatch, exclusive or", R2_XORPEN, BS_HATCHED, 0, HatchCells(kRed), kRed, OPAQUE, 0, 0, 1, "........"},
     {"hatch, masked, opaque on white: the lines", R2_MASKPEN, BS_HATCHED, 0, HatchCells(kRed), kRed, OPAQUE, kWhite, 0,
      1, "11......"},
-    {"hatch, masked, opaque on a colour: all of it", R2_MASKPEN, BS_HATCHED, 0, HatchCells(kRed), kRed, OPAQUE,
-     0x00FF00, 0, 1, "11111111"},
-    {"white hatch, masked, opaque on a colour: the gaps", R2_MASKPEN, BS_HATCHED, 0, HatchCells(kWhite), kWhite, OPAQUE,
+    {"hatch, masked, opaque on a color: all of it", R2_MASKPEN, BS_HATCHED, 0, HatchCells(kRed), kRed, OPAQUE, 0x00FF00,
+     0, 1, "11111111"},
+    {"white hatch, masked, opaque on a color: the gaps", R2_MASKPEN, BS_HATCHED, 0, HatchCells(kWhite), kWhite, OPAQUE,
      0x00FF00, 0, 1, "..111111"},
     {"white hatch, masked, opaque on white: nothing", R2_MASKPEN, BS_HATCHED, 0, HatchCells(kWhite), kWhite, OPAQUE,
      kWhite, 0, 1, "........"},
@@ -159,20 +159,18 @@ const BrushCase kBrushCases[] = {
      0, 1, "11......"},
     {"white hatch, masked, transparent: nothing", R2_MASKPEN, BS_HATCHED, 0, HatchCells(kWhite), kWhite, TRANSPARENT,
      0x00FF00, 0, 1, "........"},
-    {"black hatch, merged, opaque on a colour: the gaps", R2_MERGEPEN, BS_HATCHED, 0, HatchCells(0), 0, OPAQUE, kRed, 0,
+    {"black hatch, merged, opaque on a color: the gaps", R2_MERGEPEN, BS_HATCHED, 0, HatchCells(0), 0, OPAQUE, kRed, 0,
      1, "..111111"},
     {"black hatch, merged, opaque on black: nothing", R2_MERGEPEN, BS_HATCHED, 0, HatchCells(0), 0, OPAQUE, 0, 0, 1,
      "........"},
     {"hatch, merged, opaque on black: the lines", R2_MERGEPEN, BS_HATCHED, 0, HatchCells(kRed), kRed, OPAQUE, 0, 0, 1,
      "11......"},
-    {"colour pattern, copied: all of it", R2_COPYPEN, BS_PATTERN, 24, ColourCells(), 0, TRANSPARENT, kWhite, 0, 1,
+    {"color pattern, copied: all of it", R2_COPYPEN, BS_PATTERN, 24, ColorCells(), 0, TRANSPARENT, kWhite, 0, 1,
      "11111111"},
-    {"colour pattern, masked: but for white", R2_MASKPEN, BS_PATTERN, 24, ColourCells(), 0, OPAQUE, 0, 0, 1,
-     ".11.11.1"},
-    {"colour pattern, merged: but for black", R2_MERGEPEN, BS_PATTERN, 24, ColourCells(), 0, OPAQUE, 0, 0, 1,
-     "1.11.11."},
-    {"gray pattern, masked: but for white", R2_MASKPEN, BS_PATTERN, 8, ColourCells(), 0, OPAQUE, 0, 0, 1, ".11.11.1"},
-    {"colour pattern, inverted: nothing", R2_NOT, BS_PATTERN, 24, ColourCells(), 0, OPAQUE, 0, 0, 1, "........"},
+    {"color pattern, masked: but for white", R2_MASKPEN, BS_PATTERN, 24, ColorCells(), 0, OPAQUE, 0, 0, 1, ".11.11.1"},
+    {"color pattern, merged: but for black", R2_MERGEPEN, BS_PATTERN, 24, ColorCells(), 0, OPAQUE, 0, 0, 1, "1.11.11."},
+    {"gray pattern, masked: but for white", R2_MASKPEN, BS_PATTERN, 8, ColorCells(), 0, OPAQUE, 0, 0, 1, ".11.11.1"},
+    {"color pattern, inverted: nothing", R2_NOT, BS_PATTERN, 24, ColorCells(), 0, OPAQUE, 0, 0, 1, "........"},
     {"one-bit pattern, copied: all of it", R2_COPYPEN, BS_PATTERN, 1, OneBitCells(), 0, TRANSPARENT, kWhite, kWhite, 1,
      "11111111"},
     {"one-bit pattern, masked, white background", R2_MASKPEN, BS_PATTERN, 1, OneBitCells(), 0, OPAQUE, kWhite, kRed, 1,
@@ -214,7 +212,7 @@ TEST(OutputDualPlane, HatchesAndPatterns) {
       brush.style = c.style;
       brush.patternDepth = c.patternDepth;
       brush.hatchScale[0] = brush.hatchScale[1] = factor;
-      brush.colour = c.colour;
+      brush.colour = c.color;
       for (std::size_t i = 0; i < 64 && !c.cells.empty(); ++i) brush.cells[i] = c.cells[i % 8];
       DRAWMODE mode = MakeDrawMode();
       mode.Rop2 = c.rop2;
@@ -231,13 +229,13 @@ TEST(OutputDualPlane, HatchesAndPatterns) {
         if (c.marks[column / factor % 8] == '1') tags.SetColor(column, 1, Gray(QNV_TAG_GRAPHICS));
       }
       EXPECT_TRUE(SameImage(tags, TagImage(device))) << "tag plane";
-      EXPECT_TRUE(SameImage(PlainResult(options, paint, setup), BandImage(device))) << "colour plane";
+      EXPECT_TRUE(SameImage(PlainResult(options, paint, setup), BandImage(device))) << "color plane";
       EXPECT_TRUE(device.FencesIntact());
     }
   }
 }
 
-// Marks follow clip, band and origin as the colour does, in every encoding.
+// Marks follow clip, band and origin as the color does, in every encoding.
 TEST(OutputDualPlane, MarksFollowTheFigure) {
   struct Case {
     const char* name;
@@ -307,13 +305,13 @@ TEST(OutputDualPlane, MarksFollowTheFigure) {
     EXPECT_EQ(1u, CallOutput(device, c.style, c.count, SpanListBytes(c.words, c.deltas),
                              {.pen = &pen, .drawMode = &mode, .clip = clip}));
     EXPECT_TRUE(TagsMarked(device, c.marks));
-    std::string colours = c.marks;
-    for (char& letter : colours) letter = letter == '1' ? '#' : '.';
-    EXPECT_TRUE(BandIs(device, {{'#', 0x112233}}, colours));
+    std::string colors = c.marks;
+    for (char& letter : colors) letter = letter == '1' ? '#' : '.';
+    EXPECT_TRUE(BandIs(device, {{'#', 0x112233}}, colors));
   }
 }
 
-// A device described with one byte a pixel has a colour plane of that size, and nothing goes past it.
+// A device described with one byte a pixel has a color plane of that size, and nothing goes past it.
 TEST(OutputDualPlane, DescribedWithAnotherDepth) {
   for (uint16_t depth : {uint16_t{8}, uint16_t{16}, uint16_t{0}}) {
     DualPlaneDevice device({.bitsPerPixel = depth, .width = 19, .height = 5});

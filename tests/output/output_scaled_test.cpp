@@ -226,12 +226,12 @@ TEST(OutputScaled, Lists) {
                          .left = c.place.left,
                          .top = c.place.top});
     device.SetOrigin(c.place.originX, c.place.originY);
-    const PhysicalPen pen = SolidPen(device.handle(), kPenColour);
+    const PhysicalPen pen = SolidPen(device.handle(), kPenColor);
     DRAWMODE mode = MakeDrawMode();
     mode.Rop2 = R2_XORPEN;
     EXPECT_EQ(1u, CallOutput(device, c.style, c.count, SpanListBytes(c.words, c.deltas),
                              {.pen = &pen, .drawMode = &mode, .clip = c.clip}));
-    EXPECT_TRUE(BandIs(device, {{'#', kStart ^ kPenColour}}, c.picture));
+    EXPECT_TRUE(BandIs(device, {{'#', kStart ^ kPenColor}}, c.picture));
   }
 }
 
@@ -272,7 +272,7 @@ TEST(OutputScaled, GrayModeGraysWhatItWrites) {
         for (uint32_t column = 0; column < 9; ++column) expected.SetColor(column, row, 0x102030 + column * 0x070503);
       }
       std::memcpy(device.band().data(), expected.bytes().data(), expected.bytes().size());
-      // Records of the host's own making, so that the colour is not gray before it is written.
+      // Records of the host's own making, so that the color is not gray before it is written.
       const PhysicalPen pen{PS_SOLID, 1, 1, 0x00FF8001};
       PhysicalBrush hatch{};
       hatch.style = BS_HATCHED;

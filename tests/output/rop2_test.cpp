@@ -31,7 +31,7 @@ const Rop2Case kRop2Cases[] = {
     {"R2_WHITE", R2_WHITE, [](uint32_t, uint32_t) { return 0xFFFFFFu; }},
 };
 
-// Each device class with the bytes a colour takes there.
+// Each device class with the bytes a color takes there.
 const DeviceOptions kDevices[] = {
     {.bitsPerPixel = 24, .width = 23, .height = 9},
     {.bitsPerPixel = 8, .width = 23, .height = 9},
@@ -49,8 +49,8 @@ struct FillCase {
   PhysicalBrush brush;
   bool withPen;
   int16_t bkMode;
-  // The fill's colour at a device pixel; painted = false where a transparent hatch has a gap.
-  uint32_t (*colourAt)(const TestDevice& device, uint32_t x, uint32_t y, bool& painted);
+  // The fill's color at a device pixel; painted = false where a transparent hatch has a gap.
+  uint32_t (*colorAt)(const TestDevice& device, uint32_t x, uint32_t y, bool& painted);
 };
 
 const uint32_t kInk = 0x00C35A0F;
@@ -103,7 +103,7 @@ TEST(Rop2, EveryCodeFillAndDevice) {
         for (uint32_t y = 1; y < 8; ++y) {
           for (uint32_t x = 2; x < 21; ++x) {
             bool painted = true;
-            const uint32_t p = fill.colourAt(device, x, y, painted);
+            const uint32_t p = fill.colorAt(device, x, y, painted);
             if (painted) expected.SetColor(x, y, rop2.apply(p, expected.Color(x, y)));
           }
         }

@@ -66,13 +66,13 @@ TEST(RowSpans, Lists) {
 TEST(RowSpans, CountIsUnsigned) {
   TestDevice device({.width = kSpanColumns, .height = kSpanRows, .top = 30000});
   device.SetOrigin(0, 60000);
-  const PhysicalPen pen = SolidPen(device.handle(), kPenColour);
+  const PhysicalPen pen = SolidPen(device.handle(), kPenColor);
   const DRAWMODE mode = MakeDrawMode();
   // The first row lies 2768 rows above the band; a count taken as signed would be negative.
   std::vector<int16_t> words = {-32768};
   for (int i = 0; i <= 0x8000; ++i) words.insert(words.end(), {0, 2});
   EXPECT_EQ(1u, CallOutput(device, OS_ROW_SPANS, 0x8001, SpanListBytes(words), {.pen = &pen, .drawMode = &mode}));
-  EXPECT_TRUE(BandIs(device, {{'#', kPenColour}},
+  EXPECT_TRUE(BandIs(device, {{'#', kPenColor}},
                      "##..........."
                      "##..........."
                      "##..........."

@@ -79,14 +79,14 @@ TEST(Scanlines, Lists) {
 
 TEST(Scanlines, ManySpansOfOneRow) {
   TestDevice device({.width = 601, .height = 2});
-  const PhysicalPen pen = SolidPen(device.handle(), kPenColour);
+  const PhysicalPen pen = SolidPen(device.handle(), kPenColor);
   const DRAWMODE mode = MakeDrawMode();
   std::vector<int16_t> words = {0, 1};
   PlaneImage expected = UntouchedBand(device);
   for (int16_t x = 0; x < 601; x = static_cast<int16_t>(x + 2)) {
     words.push_back(x);
     words.push_back(static_cast<int16_t>(x + 1));
-    expected.SetColor(static_cast<uint32_t>(x), 1, kPenColour);
+    expected.SetColor(static_cast<uint32_t>(x), 1, kPenColor);
   }
   EXPECT_EQ(1u, CallOutput(device, OS_SCANLINES, static_cast<uint32_t>(words.size() / 2), SpanListBytes(words),
                            {.pen = &pen, .drawMode = &mode}));
@@ -105,15 +105,15 @@ TEST(Scanlines, EveryLengthAndPhaseOfASolidSpan) {
           for (std::size_t i = 0; i < device.band().size(); ++i) {
             device.band().data()[i] = static_cast<uint8_t>(i * 37 + 11);
           }
-          const PhysicalPen pen = SolidPen(device.handle(), kPenColour);
+          const PhysicalPen pen = SolidPen(device.handle(), kPenColor);
           DRAWMODE mode = MakeDrawMode();
           mode.Rop2 = rop2;
           PlaneImage expected = BandImage(device);
-          const uint32_t colour = Physical(device, kPenColour);
+          const uint32_t color = Physical(device, kPenColor);
           for (int16_t i = 0; i < length; ++i) {
             const uint32_t column = static_cast<uint32_t>(left + i);
             const uint32_t d = expected.Color(column, 1);
-            expected.SetColor(column, 1, rop2 == R2_COPYPEN ? colour : rop2 == R2_XORPEN ? d ^ colour : ~colour);
+            expected.SetColor(column, 1, rop2 == R2_COPYPEN ? color : rop2 == R2_XORPEN ? d ^ color : ~color);
           }
           PaintRow(device, left, static_cast<int16_t>(left + length), 1, {.pen = &pen, .drawMode = &mode});
           EXPECT_TRUE(SameImage(expected, BandImage(device)))

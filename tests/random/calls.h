@@ -10,7 +10,7 @@ void OutputCall(RandomCase& run);
 void TextCall(RandomCase& run);
 void ImageCall(RandomCase& run);
 void PixelCall(RandomCase& run);
-// Origin, band, clearing and unknown escapes; colours, pens and brushes; the page size; other devices, made or
+// Origin, band, clearing and unknown escapes; colors, pens and brushes; the page size; other devices, made or
 // refused; bad handles.
 void StateCall(RandomCase& run);
 // One image pixel, so that a dual-plane device no longer knows its tag plane to be uniform.

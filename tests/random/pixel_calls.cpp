@@ -18,10 +18,10 @@ void PixelCall(RandomCase& run) {
   }
   const int x2 = x + random.Range(-12, 12);
   const int y2 = y + random.Range(-5, 5);
-  const uint32_t colour = RandomColour(random);
+  const uint32_t color = RandomColor(random);
   run.Say("  %d, %d", x, y);
   if (many) run.Say(" to %d, %d", x2, y2);
-  run.Say(", colour 0x%08X\n", colour);
+  run.Say(", color 0x%08X\n", color);
   const DRAWMODE* mode = random.Percent(many ? 3 : 25) ? nullptr : GiveDrawMode(run, false);
   if (mode == nullptr) run.Say("  draw mode null\n");
   const BandRect* clip = GiveClip(run, true);
@@ -30,11 +30,11 @@ void PixelCall(RandomCase& run) {
   uint32_t expected = 0;
   uint32_t got;
   if (many) {
-    if (model != nullptr) expected = model->PolyPixel(x, y, x2, y2, colour, mode, clip);
-    got = QNVPolyPixel(run.handle(), x, y, x2, y2, colour, mode, clip);
+    if (model != nullptr) expected = model->PolyPixel(x, y, x2, y2, color, mode, clip);
+    got = QNVPolyPixel(run.handle(), x, y, x2, y2, color, mode, clip);
   } else {
-    if (model != nullptr) expected = model->Pixel(x, y, colour, mode, clip);
-    got = QNVPixel(run.handle(), x, y, colour, mode, clip);
+    if (model != nullptr) expected = model->Pixel(x, y, color, mode, clip);
+    got = QNVPixel(run.handle(), x, y, color, mode, clip);
   }
   run.Check(expected, got);
 }

@@ -23,38 +23,38 @@ void SetScale(Random& random, PhysicalBrush* brush) {
 
 }  // namespace
 
-uint32_t RandomColour(Random& random) {
+uint32_t RandomColor(Random& random) {
   const int pick = random.Range(0, 99);
-  uint32_t colour;
+  uint32_t color;
   if (pick < 15) {
-    colour = 0x00FFFFFF;
+    color = 0x00FFFFFF;
   } else if (pick < 30) {
-    colour = 0;
+    color = 0;
   } else if (pick < 40) {
     constexpr uint32_t kPrimaries[] = {0x0000FF, 0x00FF00, 0xFF0000, 0xFFFF00, 0x00FFFF, 0xFEFFFF};
-    colour = random.Pick(kPrimaries);
+    color = random.Pick(kPrimaries);
   } else if (pick < 55) {
-    colour = static_cast<uint32_t>(random.Range(0, 255)) * 0x010101u;
+    color = static_cast<uint32_t>(random.Range(0, 255)) * 0x010101u;
   } else {
-    colour = random.Word() & 0x00FFFFFF;
+    color = random.Word() & 0x00FFFFFF;
   }
-  // The top byte tells some colours apart that paint the same.
-  if (random.Percent(pick < 30 ? 10 : 3)) colour |= random.Word() & 0xFF000000;
-  return colour;
+  // The top byte tells some colors apart that paint the same.
+  if (random.Percent(pick < 30 ? 10 : 3)) color |= random.Word() & 0xFF000000;
+  return color;
 }
 
 PhysicalBrush RandomBrush(Random& random) {
   PhysicalBrush brush;
   std::memset(&brush, 0, sizeof brush);
   brush.hatch = static_cast<uint16_t>(random.Range(0, 5));
-  brush.colour = RandomColour(random);
+  brush.colour = RandomColor(random);
   SetScale(random, &brush);
   const int pick = random.Range(0, 99);
   if (pick < 38) {
     brush.style = BS_SOLID;
   } else if (pick < 62) {
     brush.style = BS_HATCHED;
-    const uint32_t gap = random.Percent(30) ? brush.colour & 0xFFFFFF : RandomColour(random);
+    const uint32_t gap = random.Percent(30) ? brush.colour & 0xFFFFFF : RandomColor(random);
     const uint8_t* rows = kSomeRows[random.Range(0, 4)];
     for (int i = 0; i < 64; ++i) {
       brush.cells[i] = (rows[i / 8] >> (7 - i % 8) & 1) != 0 ? gap : brush.colour | 0xFF000000u;
@@ -63,7 +63,7 @@ PhysicalBrush RandomBrush(Random& random) {
     brush.style = BS_PATTERN;
     brush.patternDepth = random.Percent(50) ? 24 : 8;
     for (uint32_t& cell : brush.cells) {
-      cell = random.Percent(60) ? RandomColour(random) : random.Percent(50) ? 0 : 0xFFFFFF;
+      cell = random.Percent(60) ? RandomColor(random) : random.Percent(50) ? 0 : 0xFFFFFF;
       if (brush.patternDepth == 8) cell = (cell & 0xFF) * 0x010101u;
       cell |= 0xFF000000u;
     }
@@ -96,8 +96,8 @@ DRAWMODE* GiveDrawMode(RandomCase& run, bool mayBeNull) {
   mode.bkMode = static_cast<int16_t>(random.Percent(48)   ? OPAQUE
                                      : random.Percent(90) ? TRANSPARENT
                                                           : random.Range(-2, 300));
-  mode.bkColor = RandomColour(random);
-  mode.TextColor = RandomColour(random);
+  mode.bkColor = RandomColor(random);
+  mode.TextColor = RandomColor(random);
   if (random.Percent(40)) {
     mode.TBreakExtra = static_cast<int16_t>(random.Range(-20, 30));
     mode.BreakCount = static_cast<int16_t>(random.Range(-2, 6));
@@ -120,7 +120,7 @@ PhysicalBrush* GiveBrush(RandomCase& run) {
     return nullptr;
   }
   const PhysicalBrush brush = RandomBrush(run.random());
-  run.Say("  brush style %u, depth %u, scale %u x %u, colour 0x%08X\n", brush.style, brush.patternDepth,
+  run.Say("  brush style %u, depth %u, scale %u x %u, color 0x%08X\n", brush.style, brush.patternDepth,
           brush.hatchScale[0], brush.hatchScale[1], brush.colour);
   if (run.verbose() && (brush.style == BS_HATCHED || brush.style == BS_PATTERN)) {
     for (int i = 0; i < 64; ++i) run.Say("%s%08X%s", i % 8 == 0 ? "    " : " ", brush.cells[i], i % 8 == 7 ? "\n" : "");
@@ -136,8 +136,8 @@ PhysicalPen* GivePen(RandomCase& run) {
   const PhysicalPen pen{static_cast<uint16_t>(run.random().Percent(76)   ? PS_SOLID
                                               : run.random().Percent(80) ? PS_NULL
                                                                          : run.random().Range(1, 9)),
-                        1, 1, RandomColour(run.random())};
-  run.Say("  pen style %u, colour 0x%08X\n", pen.style, pen.colour);
+                        1, 1, RandomColor(run.random())};
+  run.Say("  pen style %u, color 0x%08X\n", pen.style, pen.colour);
   return run.Give(pen);
 }
 

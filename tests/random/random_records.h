@@ -5,7 +5,7 @@
 
 namespace qnv::test {
 
-uint32_t RandomColour(Random& random);
+uint32_t RandomColor(Random& random);
 
 // Null once in a while where the flag allows it.
 DRAWMODE* GiveDrawMode(RandomCase& run, bool mayBeNull);

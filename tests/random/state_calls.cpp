@@ -30,14 +30,14 @@ void EscapeCall(RandomCase& run, const BandRect& moved) {
   }
 }
 
-void ColourCall(RandomCase& run) {
+void ColorCall(RandomCase& run) {
   run.BeginCall("QNVColorInfo");
-  const uint32_t colour = RandomColour(run.random());
-  run.Say("  colour 0x%08X\n", colour);
+  const uint32_t color = RandomColor(run.random());
+  run.Say("  color 0x%08X\n", color);
   uint32_t* result = run.random().Percent(70) ? run.Give(run.random().Word()) : nullptr;
   run.Ready();
-  const uint32_t got = QNVColorInfo(run.handle(), colour, result);
-  const uint32_t expected = run.model() != nullptr ? run.model()->ColorInfo(colour) : got;
+  const uint32_t got = QNVColorInfo(run.handle(), color, result);
+  const uint32_t expected = run.model() != nullptr ? run.model()->ColorInfo(color) : got;
   if (result != nullptr) run.Expect(result, expected);
   run.Check(expected, got);
 }
@@ -68,8 +68,8 @@ void PenCall(RandomCase& run) {
   Random& random = run.random();
   run.BeginCall("QNVRealizeObject");
   const LogicalPen pen{static_cast<uint16_t>(random.Range(0, 8)), static_cast<int16_t>(random.Word()),
-                       static_cast<int16_t>(random.Word()), RandomColour(random)};
-  run.Say("  pen style %u, colour 0x%08X\n", pen.style, pen.colour);
+                       static_cast<int16_t>(random.Word()), RandomColor(random)};
+  run.Say("  pen style %u, color 0x%08X\n", pen.style, pen.colour);
   const LogicalPen* input = random.Percent(95) ? run.Give(pen) : nullptr;
   PhysicalPen* output = random.Percent(90) ? run.Give(PhysicalPen{9, 9, 9, 0x99999999}) : nullptr;
   run.Ready();
@@ -87,9 +87,9 @@ void BrushCall(RandomCase& run) {
   run.BeginCall("QNVRealizeObject");
   LogicalBrush brush{};
   brush.style = static_cast<uint16_t>(random.Percent(95) ? random.Range(0, 3) : random.Range(4, 60000));
-  brush.colour = RandomColour(random);
+  brush.colour = RandomColor(random);
   brush.hatch = static_cast<int16_t>(random.Percent(92) ? random.Range(0, 5) : random.Range(-9, 30));
-  brush.background = RandomColour(random);
+  brush.background = RandomColor(random);
   if (brush.style == BS_PATTERN) {
     constexpr uint8_t kDepths[] = {1, 1, 8, 24, 4, 32};
     const uint8_t depth = random.Pick(kDepths);
@@ -106,7 +106,7 @@ void BrushCall(RandomCase& run) {
                                        : "with bits");
     run.SayBytes("  bits", bits.data(), bits.size());
   }
-  run.Say("  brush style %u, colour 0x%08X, hatch %d, background 0x%08X\n", brush.style,
+  run.Say("  brush style %u, color 0x%08X, hatch %d, background 0x%08X\n", brush.style,
           static_cast<uint32_t>(brush.colour), brush.hatch, brush.background);
   const LogicalBrush* input = random.Percent(96) ? run.Give(brush) : nullptr;
   PhysicalBrush expected;
@@ -187,7 +187,7 @@ void BadHandleCall(RandomCase& run) {
 
 void StateCall(RandomCase& run) {
   switch (run.random().Range(0, 11)) {
-    case 0: ColourCall(run); break;
+    case 0: ColorCall(run); break;
     case 10: EnableCall(run); break;
     case 11: BadHandleCall(run); break;
     case 1: SizeCall(run); break;

@@ -1,5 +1,5 @@
 // Which pixels of the tag plane a transfer marks on the dual-plane device: by the class of its index, its source and
-// its brush. The colour plane gets what a plain device would get, or nothing where the tagging is refused.
+// its brush. The color plane gets what a plain device would get, or nothing where the tagging is refused.
 #include <gtest/gtest.h>
 
 #include <array>
@@ -30,35 +30,35 @@ DRAWMODE Mode() {
   return mode;
 }
 
-PhysicalBrush Solid(uint32_t colour) {
+PhysicalBrush Solid(uint32_t color) {
   PhysicalBrush brush{};
   brush.hatchScale[0] = brush.hatchScale[1] = 1;
-  brush.colour = colour;
+  brush.colour = color;
   return brush;
 }
 
-// One row of pixels: the paper colours, their nearest neighbours, and one that is neither.
-constexpr std::array<uint32_t, 7> kSourceColours = {kWhite,     kBlack,     0x00FFFFFE, 0x007FFFFF,
-                                                    0x00000001, 0x00800000, 0x00402010};
+// One row of pixels: the paper colors, their nearest neighbours, and one that is neither.
+constexpr std::array<uint32_t, 7> kSourceColors = {kWhite,     kBlack,     0x00FFFFFE, 0x007FFFFF,
+                                                   0x00000001, 0x00800000, 0x00402010};
 
-void StoreColours(SourceImage* source) {
-  for (std::size_t i = 0; i < kSourceColours.size(); ++i) {
+void StoreColors(SourceImage* source) {
+  for (std::size_t i = 0; i < kSourceColors.size(); ++i) {
     uint8_t* pixel = source->Row(0) + 3 * i;
-    pixel[0] = static_cast<uint8_t>(kSourceColours[i]);
-    pixel[1] = static_cast<uint8_t>(kSourceColours[i] >> 8);
-    pixel[2] = static_cast<uint8_t>(kSourceColours[i] >> 16);
+    pixel[0] = static_cast<uint8_t>(kSourceColors[i]);
+    pixel[1] = static_cast<uint8_t>(kSourceColors[i] >> 8);
+    pixel[2] = static_cast<uint8_t>(kSourceColors[i] >> 16);
   }
   source->Seal();
 }
 
-TEST(BitBltDualPlane, EveryIndexWithAColourSourceAndASolidBrush) {
-  const int32_t width = static_cast<int32_t>(kSourceColours.size());
-  SourceImage source(kColourSource, width, 1, 1);
-  StoreColours(&source);
-  for (uint32_t brushColour : {kWhite, kBlack, kRed, 0x00FFFFFEu, 0x01FFFFFFu, 0x01000000u}) {
-    const PhysicalBrush brush = Solid(brushColour);
+TEST(BitBltDualPlane, EveryIndexWithAColorSourceAndASolidBrush) {
+  const int32_t width = static_cast<int32_t>(kSourceColors.size());
+  SourceImage source(kColorSource, width, 1, 1);
+  StoreColors(&source);
+  for (uint32_t brushColor : {kWhite, kBlack, kRed, 0x00FFFFFEu, 0x01FFFFFFu, 0x01000000u}) {
+    const PhysicalBrush brush = Solid(brushColor);
     for (uint32_t index = 0; index < 256; ++index) {
-      SCOPED_TRACE("index " + std::to_string(index) + ", brush " + std::to_string(brushColour));
+      SCOPED_TRACE("index " + std::to_string(index) + ", brush " + std::to_string(brushColor));
       DualPlaneDevice device({.width = 13, .height = 3});
       MakeTagsMixed(&device, index);
       const DRAWMODE mode = Mode();
@@ -72,7 +72,7 @@ TEST(BitBltDualPlane, EveryIndexWithAColourSourceAndASolidBrush) {
                                                .drawMode = &mode}));
       PaintExpected(&band, {4, 1, 4 + width, 2}, 0, 0, {index << 16, &source, &brush, &mode});
       for (int32_t x = 0; x < width; ++x) {
-        if (TransferMarks(index, kSourceColours[static_cast<std::size_t>(x)], brushColour)) {
+        if (TransferMarks(index, kSourceColors[static_cast<std::size_t>(x)], brushColor)) {
           tags.Set(4 + x, 1, {1, 0, 0});
         }
       }
@@ -94,14 +94,14 @@ TEST(BitBltDualPlane, UpperByteOfTheCodeDoesNotCount) {
   EXPECT_TRUE(TagsShow(device, tags));
 }
 
-// A one-bit source paints where the colour that its bit stands for is not the paper's.
+// A one-bit source paints where the color that its bit stands for is not the paper's.
 TEST(BitBltDualPlane, EveryIndexWithAOneBitSource) {
-  struct Colours {
+  struct Colors {
     const char* name;
     uint32_t background;
     uint32_t text;
   };
-  constexpr Colours kColours[] = {
+  constexpr Colors kColors[] = {
       {"black on white", kWhite, kBlack},
       {"white on black", kBlack, kWhite},
       {"white on white", kWhite, kWhite},
@@ -110,12 +110,12 @@ TEST(BitBltDualPlane, EveryIndexWithAOneBitSource) {
       {"white on red", kRed, kWhite},
       {"red on black", kBlack, kRed},
       {"black on red", kRed, kBlack},
-      {"two colours", kRed, 0x00123456},
-      // Compared whole: a top byte makes another colour of it.
+      {"two colors", kRed, 0x00123456},
+      // Compared whole: a top byte makes another color of it.
       {"top bytes", 0x01FFFFFF, 0x02000000},
   };
   constexpr int32_t kWidth = 21;
-  for (const Colours& c : kColours) {
+  for (const Colors& c : kColors) {
     for (uint32_t index = 0; index < 256; ++index) {
       SCOPED_TRACE(std::string(c.name) + ", index " + std::to_string(index));
       DualPlaneDevice device({.width = 26, .height = 4});
@@ -137,8 +137,8 @@ TEST(BitBltDualPlane, EveryIndexWithAOneBitSource) {
       PaintExpected(&band, {3, 1, 3 + kWidth, 3}, 5, 1, {index << 16, &source, &brush, &mode});
       for (int32_t row = 1; row < 3; ++row) {
         for (int32_t x = 0; x < kWidth; ++x) {
-          const uint32_t colour = source.Bit(5 + x, row) ? c.background : c.text;
-          if (TransferMarks(index, colour, kRed)) tags.Set(3 + x, row, {1, 0, 0});
+          const uint32_t color = source.Bit(5 + x, row) ? c.background : c.text;
+          if (TransferMarks(index, color, kRed)) tags.Set(3 + x, row, {1, 0, 0});
         }
       }
       EXPECT_TRUE(BandShows(device, band));
@@ -156,7 +156,7 @@ struct BrushCase {
   uint16_t depth;
   int16_t bkMode;
   uint32_t background;
-  uint32_t foreground;  // colour of the marked cells
+  uint32_t foreground;  // color of the marked cells
   // Whether marked and unmarked cells paint where white, where black is skipped.
   bool markedPaintsOnWhite;
   bool gapPaintsOnWhite;
@@ -168,7 +168,7 @@ constexpr BrushCase kBrushes[] = {
     {"red hatch on white", BS_HATCHED, 0, OPAQUE, kWhite, kRed, true, false, true, true},
     {"red hatch on black", BS_HATCHED, 0, OPAQUE, kBlack, kRed, true, true, true, false},
     {"red hatch on blue", BS_HATCHED, 0, OPAQUE, 0x00FF0000, kRed, true, true, true, true},
-    // What the gaps of a transparent hatch show is settled by the background colour all the same.
+    // What the gaps of a transparent hatch show is settled by the background color all the same.
     {"red hatch on blue, transparent", BS_HATCHED, 0, TRANSPARENT, 0x00FF0000, kRed, true, true, true, true},
     {"red hatch on white, transparent", BS_HATCHED, 0, TRANSPARENT, kWhite, kRed, true, false, true, true},
     {"white hatch on white", BS_HATCHED, 0, OPAQUE, kWhite, kWhite, false, false, true, true},
@@ -176,10 +176,10 @@ constexpr BrushCase kBrushes[] = {
     {"black hatch on black", BS_HATCHED, 0, OPAQUE, kBlack, kBlack, true, true, false, false},
     {"black hatch on white", BS_HATCHED, 0, OPAQUE, kWhite, kBlack, true, false, false, true},
     {"white hatch on black, transparent", BS_HATCHED, 0, TRANSPARENT, kBlack, kWhite, false, true, true, false},
-    // The background is compared whole, a cell by its colour alone.
+    // The background is compared whole, a cell by its color alone.
     {"background with a top byte", BS_HATCHED, 0, OPAQUE, 0x01FFFFFF, kRed, true, true, true, true},
     // A pattern paints all of its cells. Of a one-bit pattern the marked ones count as black, whatever the text
-    // colour, the others as the background colour.
+    // color, the others as the background color.
     {"one-bit pattern on white", BS_PATTERN, 1, OPAQUE, kWhite, kBlack, true, false, false, true},
     {"one-bit pattern on black", BS_PATTERN, 1, OPAQUE, kBlack, kBlack, true, true, false, false},
     {"one-bit pattern on red", BS_PATTERN, 1, TRANSPARENT, kRed, kBlack, true, true, false, true},
@@ -239,12 +239,12 @@ TEST(BitBltDualPlane, HatchedAndOneBitPatternBrushes) {
   }
 }
 
-TEST(BitBltDualPlane, ColourPatternBrushesGoByTheirCells) {
+TEST(BitBltDualPlane, ColorPatternBrushesGoByTheirCells) {
   for (uint8_t depth : {uint8_t{24}, uint8_t{8}}) {
     for (uint32_t rop : {kDPa, kDPo}) {
       SCOPED_TRACE(std::to_string(depth) + " bits, code " + std::to_string(rop));
       DualPlaneDevice device({.width = 20, .height = 11});
-      const SourceImage bitmap(depth == 24 ? kColourSource : kGraySource, 8, 8, 17);
+      const SourceImage bitmap(depth == 24 ? kColorSource : kGraySource, 8, 8, 17);
       PhysicalBrush brush = PatternBrush(device.handle(), *bitmap.record());
       brush.cells[3] = 0xFFFFFFFF;
       brush.cells[12] = 0xFF000000;
@@ -259,8 +259,8 @@ TEST(BitBltDualPlane, ColourPatternBrushesGoByTheirCells) {
       const uint32_t paper = rop == kDPa ? kWhite : kBlack;
       for (int32_t row = 0; row < 11; ++row) {
         for (int32_t column = 0; column < 20; ++column) {
-          const uint32_t colour = brush.cells[row % 8 * 8 + column % 8] & 0xFFFFFF;
-          if (colour != paper) tags.Set(column, row, {1, 0, 0});
+          const uint32_t color = brush.cells[row % 8 * 8 + column % 8] & 0xFFFFFF;
+          if (color != paper) tags.Set(column, row, {1, 0, 0});
         }
       }
       EXPECT_TRUE(BandShows(device, band));

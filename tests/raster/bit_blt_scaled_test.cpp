@@ -73,7 +73,7 @@ void PaintScaled(PlaneImage* expected, const Mapping& mapping, uint16_t bitsPerP
       if (IndexUsesSource(index)) {
         source = SourceBytes(*in.source, *in.drawMode, bitsPerPixel, srcX, srcX + x - page.left, srcY + y - page.top);
       }
-      if (IndexUsesPattern(index)) pattern = BandBytesOf(PatternColour(in.brush, *in.drawMode, *column, *row));
+      if (IndexUsesPattern(index)) pattern = BandBytesOf(PatternColor(in.brush, *in.drawMode, *column, *row));
       PixelBytes result;
       for (std::size_t i = 0; i < 3; ++i) {
         result[i] = Rop3Byte(index, pattern[i], source[i], expected->At(*column, *row)[i]);
@@ -104,14 +104,14 @@ DRAWMODE Mode() {
 }
 
 // The source form that has the device's own step.
-const SourceForm& OwnForm(uint16_t bitsPerPixel) { return bitsPerPixel == 24 ? kColourSource : kGraySource; }
+const SourceForm& OwnForm(uint16_t bitsPerPixel) { return bitsPerPixel == 24 ? kColorSource : kGraySource; }
 
 // Ten by ten page pixels at twice the band's resolution: every other row and column has a place.
 TEST(BitBltScaled, HalvesACopy) {
   for (int32_t at : {0, 1}) {
     SCOPED_TRACE(at);
     TestDevice device(OptionsOf({720, 360}, 24, 8, 8));
-    const SourceImage source(kColourSource, 10, 10, 1);
+    const SourceImage source(kColorSource, 10, 10, 1);
     const DRAWMODE mode = Mode();
     PlaneImage expected = BandImage(device);
     EXPECT_EQ(
@@ -130,7 +130,7 @@ TEST(BitBltScaled, HalvesACopy) {
 
 TEST(BitBltScaled, ThreeToTwo) {
   TestDevice device(OptionsOf({600, 400}, 24, 8, 1));
-  const SourceImage source(kColourSource, 12, 1, 2);
+  const SourceImage source(kColorSource, 12, 1, 2);
   const DRAWMODE mode = Mode();
   PlaneImage expected = BandImage(device);
   EXPECT_EQ(1u,
@@ -155,14 +155,14 @@ TEST(BitBltScaled, OneToTwoLeavesGaps) {
   EXPECT_TRUE(BandShows(device, expected));
 }
 
-// Every index, source form and kind of brush, in colour, in gray mode and at a depth that is neither.
+// Every index, source form and kind of brush, in color, in gray mode and at a depth that is neither.
 TEST(BitBltScaled, EveryIndex) {
   for (const Resolutions& r : {Resolutions{600, 400}, Resolutions{360, 360}}) {
     const Mapping mapping(r);
     for (uint16_t bits : {uint16_t{24}, uint16_t{0}, uint16_t{8}}) {
       TestDevice device(OptionsOf(r, bits, 19, 11));
       const DRAWMODE mode = Mode();
-      const SourceImage bitmap(kColourSource, 8, 8, 3);
+      const SourceImage bitmap(kColorSource, 8, 8, 3);
       const PhysicalBrush brushes[] = {SolidBrush(device.handle(), 0x00804C1F),
                                        HatchBrush(device.handle(), HS_DIAGCROSS, 0x00336699),
                                        PatternBrush(device.handle(), *bitmap.record())};
@@ -201,7 +201,7 @@ TEST(BitBltScaled, EveryResolutionAndPhase) {
       const PhysicalBrush brush = HatchBrush(device.handle(), HS_FDIAGONAL, 0x00336699);
       const int32_t pageRight = mapping.PageEdge(static_cast<int32_t>(width));
       const int32_t pageBottom = mapping.PageEdge(6);
-      const SourceImage source(kColourSource, 90, 40, 5);
+      const SourceImage source(kColorSource, 90, 40, 5);
       for (uint32_t rop : {SRCCOPY, SRCINVERT, PATINVERT, PATPAINT, WHITENESS}) {
         for (int32_t x = 0; x < 9; ++x) {
           SCOPED_TRACE(Name(r) + ", width " + std::to_string(width) + ", code " + std::to_string(rop) + ", at " +
@@ -358,7 +358,7 @@ TEST(BitBltScaled, WideRows) {
 TEST(BitBltScaled, PatternCountsBandPixels) {
   TestDevice device(OptionsOf({720, 360}, 24, 20, 20));
   const DRAWMODE mode = Mode();
-  const SourceImage bitmap(kColourSource, 8, 8, 8);
+  const SourceImage bitmap(kColorSource, 8, 8, 8);
   const PhysicalBrush brush = PatternBrush(device.handle(), *bitmap.record());
   PlaneImage expected = BandImage(device);
   EXPECT_EQ(1u, Transfer(device.handle(),
@@ -371,7 +371,7 @@ TEST(BitBltScaled, PatternCountsBandPixels) {
   EXPECT_TRUE(BandShows(device, expected));
 }
 
-// A byte of a gray source fills all three bytes of a pixel; a byte of a colour source read on a device of neither
+// A byte of a gray source fills all three bytes of a pixel; a byte of a color source read on a device of neither
 // depth does as well.
 TEST(BitBltScaled, GraySourceFillsThreeBytes) {
   for (uint16_t bits : {uint16_t{0}, uint16_t{8}}) {
@@ -398,11 +398,11 @@ TEST(BitBltScaled, SourceDepthAndStep) {
     SourceForm form;
   };
   constexpr Case kCases[] = {
-      {"8 bits in colour", 24, {"", 1, 8, 3}},
-      {"32 bits in colour", 24, {"", 1, 32, 4}},
+      {"8 bits in color", 24, {"", 1, 8, 3}},
+      {"32 bits in color", 24, {"", 1, 32, 4}},
       {"24 bits in gray", 0, {"", 1, 24, 3}},
       {"4 bits in gray", 0, {"", 1, 4, 1}},
-      {"8 bits, three planes, in colour", 24, {"", 3, 8, 3}},
+      {"8 bits, three planes, in color", 24, {"", 3, 8, 3}},
       {"24 bits at 8", 8, {"", 1, 24, 3}},
   };
   for (const Case& c : kCases) {
@@ -446,7 +446,7 @@ TEST(BitBltScaled, GrayModeGraysWhatItWrites) {
 TEST(BitBltScaled, RefusedArgumentsPaintNothing) {
   TestDevice device(OptionsOf({600, 400}, 24, 10, 5));
   const DRAWMODE mode = Mode();
-  const SourceImage source(kColourSource, 12, 6, 10);
+  const SourceImage source(kColorSource, 12, 6, 10);
   const SourceImage oneBit(kOneBitSource, 12, 6, 11);
   const PhysicalBrush solid = SolidBrush(device.handle(), 0x00112233);
   PhysicalBrush hollow{};

@@ -200,8 +200,8 @@ TEST(TransferClipping, TransfersWithASource) {
   for (const SourceCase& c : kSourceCases) {
     for (const DeviceCase& d : kDevices) {
       for (uint32_t rop : kCodes) {
-        const SourceForm& colour = d.bitsPerPixel == 24 ? kColourSource : kGraySource;
-        for (const SourceForm& form : {colour, kOneBitSource}) {
+        const SourceForm& color = d.bitsPerPixel == 24 ? kColorSource : kGraySource;
+        for (const SourceForm& form : {color, kOneBitSource}) {
           SCOPED_TRACE(std::string(c.name) + ", " + d.name + ", code " + std::to_string(rop) + ", " + form.name);
           RunSourceCase(c, d, form, rop);
         }

@@ -1,4 +1,4 @@
-// How pen, brush and draw mode become the pattern that transfers and spans paint with. Colours show through pattern
+// How pen, brush and draw mode become the pattern that transfers and spans paint with. Colors show through pattern
 // copies, the cells that paint nothing through spans: only those honour them.
 #include <gtest/gtest.h>
 
@@ -78,7 +78,7 @@ TEST(FillPattern, CellsAreReplicated) {
         PaintPattern(device, &brush, &mode);
         for (int32_t row = 0; row < kSize; ++row) {
           for (int32_t column = 0; column < kSize; ++column) {
-            expected.Set(column, row, BandBytesOf(PatternColour(&brush, mode, column, row)));
+            expected.Set(column, row, BandBytesOf(PatternColor(&brush, mode, column, row)));
           }
         }
         EXPECT_TRUE(BandShows(device, expected));
@@ -96,7 +96,7 @@ TEST(FillPattern, FactorOfZeroPaintsNothing) {
         TestDevice device({.bitsPerPixel = bits, .width = kSize, .height = kSize});
         const PhysicalBrush brush = CraftedBrush(style, 24, scale.fx, scale.fy);
         const DRAWMODE mode = MakeDrawMode();
-        const SourceImage source(bits == 24 ? kColourSource : kGraySource, kSize, kSize, 3);
+        const SourceImage source(bits == 24 ? kColorSource : kGraySource, kSize, kSize, 3);
         const PlaneImage before = BandImage(device);
         for (uint32_t rop : {PATCOPY, PATINVERT, MERGECOPY, PATPAINT, 0x00E20746u, 0x00B8074Au, 0x000F0001u}) {
           EXPECT_EQ(
@@ -153,7 +153,7 @@ constexpr CellCase kCells[] = {
     {"any top byte paints", BS_HATCHED, 0, TRANSPARENT, 0x80010203, true, {1, 2, 3}},
     {"pattern of 24 bits", BS_PATTERN, 24, TRANSPARENT, 0xFF010203, true, {1, 2, 3}},
     {"pattern cell without a mark", BS_PATTERN, 24, TRANSPARENT, 0x00010203, true, {1, 2, 3}},
-    {"white in a colour pattern", BS_PATTERN, 24, OPAQUE, 0x00FFFFFF, true, {0xFF, 0xFF, 0xFF}},
+    {"white in a color pattern", BS_PATTERN, 24, OPAQUE, 0x00FFFFFF, true, {0xFF, 0xFF, 0xFF}},
     {"pattern of 8 bits", BS_PATTERN, 8, OPAQUE, 0xFF070707, true, {7, 7, 7}},
     {"one bit, white", BS_PATTERN, 1, OPAQUE, 0x00FFFFFF, true, {0xA0, 0xB0, 0xC0}},
     {"one bit, white, transparent", BS_PATTERN, 1, TRANSPARENT, 0x00FFFFFF, true, {0xA0, 0xB0, 0xC0}},
@@ -164,7 +164,7 @@ constexpr CellCase kCells[] = {
     {"depth 2 is no one-bit pattern", BS_PATTERN, 2, OPAQUE, 0xFFFFFFFF, true, {0xFF, 0xFF, 0xFF}},
 };
 
-TEST(FillPattern, ColourAndMaskOfACell) {
+TEST(FillPattern, ColorAndMaskOfACell) {
   for (const CellCase& c : kCells) {
     SCOPED_TRACE(c.name);
     TestDevice device({.width = 8, .height = 8});
@@ -223,7 +223,7 @@ TEST(FillPattern, NoBrushIsBlackForPreparedPatterns) {
       SCOPED_TRACE(std::to_string(rop) + ", " + std::to_string(bits) + " bits");
       TestDevice device({.bitsPerPixel = bits, .width = kSize, .height = 3});
       FillWithNoise(&device.band(), 4);
-      const SourceImage source(bits == 24 ? kColourSource : kGraySource, kSize, 3, 5);
+      const SourceImage source(bits == 24 ? kColorSource : kGraySource, kSize, 3, 5);
       const DRAWMODE mode = MakeDrawMode();
       PlaneImage expected = BandImage(device);
       EXPECT_EQ(1u, Transfer(device.handle(),
@@ -269,7 +269,7 @@ TEST(FillPattern, Alignment) {
       PlaneImage expected = BandImage(device);
       for (int32_t row = 0; row < kSize; ++row) {
         for (int32_t column = 0; column < kSize; ++column) {
-          expected.Set(column, row, BandBytesOf(PatternColour(&brush, mode, column + phaseX, row + phaseY)));
+          expected.Set(column, row, BandBytesOf(PatternColor(&brush, mode, column + phaseX, row + phaseY)));
         }
       }
       return expected;

@@ -16,8 +16,8 @@ constexpr uint32_t kPn = 0x000F0001;       // not pattern
 
 constexpr TransferExample kPSDPxaxExamples[] = {
     {"24-bit source", 24, {0xAA, 0x0F, 0x33}, 24, {0xFF, 0xF0, 0x00}, 0xF03C81, {0xF0, 0x0C, 0x33}},
-    {"bit 0 is the text colour", 24, {0xAA, 0x0F, 0x33}, 1, {0}, 0xF03C81, {0xE2, 0x0C, 0x93}},
-    {"bit 1 is the background colour", 24, {0xAA, 0x0F, 0x33}, 1, {1}, 0xF03C81, {0xB0, 0x3C, 0x21}},
+    {"bit 0 is the text color", 24, {0xAA, 0x0F, 0x33}, 1, {0}, 0xF03C81, {0xE2, 0x0C, 0x93}},
+    {"bit 1 is the background color", 24, {0xAA, 0x0F, 0x33}, 1, {1}, 0xF03C81, {0xB0, 0x3C, 0x21}},
     {"8-bit source, low byte of the brush", 8, {0x0F}, 8, {0xF0}, 0xF03C81, {0x01}},
     {"8 bits, bit 0", 8, {0x0F}, 1, {0}, 0xF03C81, {0x87}},
     {"8 bits, bit 1", 8, {0x0F}, 1, {1}, 0xF03C81, {0x01}},
@@ -39,7 +39,7 @@ TEST(BltGeneral, Examples) {
   RunTransferExamples(kDSan, kDSanExamples);
 }
 
-// A text colour of 0 makes the pattern show through where the bit is 0.
+// A text color of 0 makes the pattern show through where the bit is 0.
 TEST(BltGeneral, BlackTextLetsThePatternThrough) {
   TestDevice device({.width = 8, .height = 1, .fill = 0x3C});
   const uint8_t bits = 0b01010011;
@@ -69,7 +69,7 @@ TEST(BltGeneral, UpperByteOfTheCode) {
     const DRAWMODE mode = MakeDrawMode();
     PhysicalBrush brush{};
     brush.colour = 0x00F03C81;
-    const SourceImage source(depth == 24 ? kColourSource : kGraySource, 20, 3, 5);
+    const SourceImage source(depth == 24 ? kColorSource : kGraySource, 20, 3, 5);
     for (uint32_t upper : {0x01000000u, 0x80000000u, 0xFF000000u}) {
       for (uint32_t index = 0; index < 256; ++index) {
         SCOPED_TRACE(std::to_string(depth) + " bits, code " + std::to_string(upper) + " + index " +
@@ -83,7 +83,7 @@ TEST(BltGeneral, UpperByteOfTheCode) {
                                                  .rop = rop,
                                                  .brush = &brush,
                                                  .drawMode = &mode}));
-        // A solid colour comes from the brush here, also for the three that otherwise take the prepared pattern.
+        // A solid color comes from the brush here, also for the three that otherwise take the prepared pattern.
         PaintExpected(&expected, {1, 0, 19, 3}, 0, 0, {rop, &source, &brush, &mode});
         ASSERT_TRUE(BandShows(device, expected));
       }

@@ -24,7 +24,7 @@ struct Brushes {
 };
 
 Brushes Make(DeviceHandle* handle) {
-  const SourceImage bitmap(kColourSource, 8, 8, 21);
+  const SourceImage bitmap(kColorSource, 8, 8, 21);
   Brushes brushes{HatchBrush(handle, HS_DIAGCROSS, 0x00112233, 0x00445566), PatternBrush(handle, *bitmap.record()),
                   SolidBrush(handle, 0x00778899), PhysicalBrush{}};
   brushes.hollow.style = BS_HOLLOW;
@@ -40,14 +40,14 @@ struct Case {
   const char* name;
   uint32_t rop;
   const PhysicalBrush Brushes::*brush;  // of the call without a draw mode; null for no brush
-  bool solidColour;                     // paints the brush's own colour instead of the older pattern
+  bool solidColor;                      // paints the brush's own color instead of the older pattern
   bool painted;
 };
 
 const Case kCases[] = {
     {"PATCOPY, hatched brush: the older pattern", PATCOPY, &Brushes::hatched, false, true},
     {"PATCOPY, hollow brush: the older pattern", PATCOPY, &Brushes::hollow, false, true},
-    {"PATCOPY, solid brush: its own colour", PATCOPY, &Brushes::solid, true, true},
+    {"PATCOPY, solid brush: its own color", PATCOPY, &Brushes::solid, true, true},
     {"PATINVERT, hatched brush", PATINVERT, &Brushes::hatched, false, true},
     {"PATINVERT, hollow brush", PATINVERT, &Brushes::hollow, false, true},
     {"PATINVERT, solid brush", PATINVERT, &Brushes::solid, true, true},
@@ -73,7 +73,7 @@ TEST(NullDrawMode, TransfersKeepTheOlderPattern) {
       SCOPED_TRACE(std::string(c.name) + ", " + std::to_string(bits) + " bits");
       TestDevice device({.bitsPerPixel = bits, .width = kSize, .height = kSize});
       const Brushes brushes = Make(device.handle());
-      const SourceImage source(bits == 24 ? kColourSource : kGraySource, kSize, kSize, 22);
+      const SourceImage source(bits == 24 ? kColorSource : kGraySource, kSize, kSize, 22);
       const DRAWMODE mode = MakeDrawMode();
       Prepare(device, &brushes.pattern, mode);
       FillWithNoise(&device.band(), 23);
@@ -82,7 +82,7 @@ TEST(NullDrawMode, TransfersKeepTheOlderPattern) {
       EXPECT_EQ(1u, Transfer(device.handle(),
                              {.source = source.record(), .size = {kSize, kSize}, .rop = c.rop, .brush = brush}));
       if (c.painted) {
-        const PhysicalBrush& painting = c.solidColour ? brushes.solid : brushes.pattern;
+        const PhysicalBrush& painting = c.solidColor ? brushes.solid : brushes.pattern;
         PaintExpected(&expected, {0, 0, kSize, kSize}, 0, 0, {c.rop, &source, &painting, &mode});
       }
       EXPECT_TRUE(BandShows(device, expected));
@@ -96,7 +96,7 @@ TEST(NullDrawMode, NothingToPaintIsKept) {
     SCOPED_TRACE(rop);
     TestDevice device({.width = kSize, .height = kSize});
     const Brushes brushes = Make(device.handle());
-    const SourceImage source(kColourSource, kSize, kSize, 24);
+    const SourceImage source(kColorSource, kSize, kSize, 24);
     Prepare(device, &brushes.hollow, MakeDrawMode());
     const PlaneImage before = BandImage(device);
     for (const PhysicalBrush* brush : {&brushes.solid, &brushes.hatched, &brushes.pattern}) {
@@ -112,14 +112,14 @@ TEST(NullDrawMode, NothingToPaintIsKept) {
   }
 }
 
-// A device that has never seen a draw mode has a pattern of no cells; only a solid brush's own colour can paint.
+// A device that has never seen a draw mode has a pattern of no cells; only a solid brush's own color can paint.
 TEST(NullDrawMode, FirstCallHasNoPattern) {
   for (uint16_t bits : {uint16_t{24}, uint16_t{8}}) {
     for (uint32_t rop : {PATCOPY, PATINVERT, MERGECOPY, PATPAINT, kDSPDxax, kPn}) {
       SCOPED_TRACE(std::to_string(rop) + ", " + std::to_string(bits) + " bits");
       TestDevice device({.bitsPerPixel = bits, .width = kSize, .height = kSize});
       const Brushes brushes = Make(device.handle());
-      const SourceImage source(bits == 24 ? kColourSource : kGraySource, kSize, kSize, 25);
+      const SourceImage source(bits == 24 ? kColorSource : kGraySource, kSize, kSize, 25);
       PlaneImage expected = BandImage(device);
       for (const PhysicalBrush* brush : {&brushes.hatched, &brushes.pattern}) {
         EXPECT_EQ(1u, Transfer(device.handle(),

@@ -21,14 +21,14 @@ struct NamedBrush {
 };
 
 std::vector<NamedBrush> Brushes(DeviceHandle* handle) {
-  const SourceImage colour(kColourSource, 8, 8, 31);
+  const SourceImage color(kColorSource, 8, 8, 31);
   const SourceImage gray(kGraySource, 8, 8, 32);
   const SourceImage oneBit(kOneBitSource, 8, 8, 33);
   return {
       {"solid brush", SolidBrush(handle, 0x00804C1F), OPAQUE},
       {"hatched brush, opaque", HatchBrush(handle, HS_DIAGCROSS, 0x00336699, 0x00AA5500), OPAQUE},
       {"hatched brush, transparent", HatchBrush(handle, HS_FDIAGONAL, 0x00336699, 0x00AA5500), TRANSPARENT},
-      {"24-bit pattern brush", PatternBrush(handle, *colour.record()), OPAQUE},
+      {"24-bit pattern brush", PatternBrush(handle, *color.record()), OPAQUE},
       {"8-bit pattern brush", PatternBrush(handle, *gray.record()), OPAQUE},
       {"one-bit pattern brush", PatternBrush(handle, *oneBit.record()), OPAQUE},
   };
@@ -62,11 +62,11 @@ void CheckAll(uint16_t depth, uint16_t resolution, const SourceForm& form) {
   EXPECT_TRUE(device.FencesIntact());
 }
 
-TEST(Rop3All, ColourSourceOnColourBand) { CheckAll(24, 360, kColourSource); }
-TEST(Rop3All, OneBitSourceOnColourBand) { CheckAll(24, 360, kOneBitSource); }
+TEST(Rop3All, ColorSourceOnColorBand) { CheckAll(24, 360, kColorSource); }
+TEST(Rop3All, OneBitSourceOnColorBand) { CheckAll(24, 360, kOneBitSource); }
 TEST(Rop3All, GraySourceOnGrayBand) { CheckAll(8, 360, kGraySource); }
 TEST(Rop3All, OneBitSourceOnGrayBand) { CheckAll(8, 360, kOneBitSource); }
-TEST(Rop3All, DoubledPatternCells) { CheckAll(24, 720, kColourSource); }
+TEST(Rop3All, DoubledPatternCells) { CheckAll(24, 720, kColorSource); }
 
 // The index whose truth table is the destination itself leaves everything alone, whatever the other arguments.
 TEST(Rop3All, DestinationIsNoOperation) {

@@ -15,7 +15,7 @@ struct FormCase {
   uint16_t depth;  // of the band
 };
 
-// On a colour band every source but a one-bit one is three bytes a pixel. On a gray band the first pixel's place is
+// On a color band every source but a one-bit one is three bytes a pixel. On a gray band the first pixel's place is
 // scaled by the depth and the rest follows byte by byte.
 constexpr FormCase kForms[] = {
     {{"one bit, one plane", 1, 1, 0}, 24},
@@ -66,7 +66,7 @@ TEST(SourceForms, RowBytesAreUnsigned) {
   for (int slack : {32768 - 30, 40000 - 30, 65535 - 30}) {
     SCOPED_TRACE(slack);
     TestDevice device({.width = 10, .height = 3});
-    const SourceImage source(kColourSource, 10, 3, 7, slack);
+    const SourceImage source(kColorSource, 10, 3, 7, slack);
     const DRAWMODE mode = MakeDrawMode();
     PlaneImage expected = BandImage(device);
     EXPECT_EQ(
@@ -79,7 +79,7 @@ TEST(SourceForms, RowBytesAreUnsigned) {
 // Rows may also be shorter than their pixels, or all be the same one.
 TEST(SourceForms, RowsMayOverlap) {
   TestDevice device({.width = 4, .height = 3});
-  SourceImage source(kColourSource, 4, 3, 8);
+  SourceImage source(kColorSource, 4, 3, 8);
   source.mutableRecord()->bmWidthBytes = 0;
   const DRAWMODE mode = MakeDrawMode();
   PlaneImage expected = BandImage(device);
@@ -131,14 +131,14 @@ TEST(SourceForms, EmptySources) {
   }
 }
 
-// Red, green, blue in the draw mode's colours arrive as blue, green, red in memory.
-TEST(SourceForms, DrawModeColoursAreExchanged) {
+// Red, green, blue in the draw mode's colors arrive as blue, green, red in memory.
+TEST(SourceForms, DrawModeColorsAreExchanged) {
   TestDevice device({.width = 2, .height = 1});
   const uint8_t bits = 0b01000000;
   const SourceBitmap source{0, 2, 1, 2, 1, 1, &bits};
   DRAWMODE mode = MakeDrawMode();
   mode.TextColor = 0x000000FF;
-  mode.bkColor = 0x7F00FF00;  // the top byte is no part of a colour
+  mode.bkColor = 0x7F00FF00;  // the top byte is no part of a color
   EXPECT_EQ(1u, Transfer(device.handle(), {.source = &source, .size = {2, 1}, .rop = SRCCOPY, .drawMode = &mode}));
   PlaneImage expected = BandImage(device);
   expected.Set(0, 0, {0x00, 0x00, 0xFF});

@@ -1,5 +1,5 @@
-// Where the tags of a transfer lie. Three ways to mark have three geometries: whole rectangles, colour sources and
-// one-bit sources; only the last one's is that of the colour plane.
+// Where the tags of a transfer lie. Three ways to mark have three geometries: whole rectangles, color sources and
+// one-bit sources; only the last one's is that of the color plane.
 #include <gtest/gtest.h>
 
 #include <climits>
@@ -42,7 +42,7 @@ struct FillCase {
   int32_t height;
   BandRect clip;
   BandRect tagged;   // columns and rows
-  BandRect painted;  // of the colour plane
+  BandRect painted;  // of the color plane
 };
 
 // BLACKNESS on a band of 24 x 12.
@@ -60,10 +60,10 @@ constexpr FillCase kFills[] = {
     {"origin", {100, 50, 90, 40}, 12, 11, 5, 4, {13, 12, 100, 100}, {3, 2, 7, 5}, {3, 2, 7, 5}},
     {"empty", {}, 3, 2, 0, 4, kPage, kNothing, kNothing},
     {"turned", {}, 9, 9, -5, -4, kPage, kNothing, kNothing},
-    // A destination that begins below zero widens the clip of the tags, not that of the colours.
+    // A destination that begins below zero widens the clip of the tags, not that of the colors.
     {"below zero", {-10, -6, 0, 0}, -4, -3, 9, 8, kPage, {6, 3, 15, 11}, {10, 6, 15, 11}},
     {"below zero by the origin", {-10, -6, -8, -7}, 4, 4, 9, 8, {6, 5, 100, 100}, {6, 3, 15, 11}, {8, 4, 15, 11}},
-    // The zeros of "no clip" are looked for before the origin is added here, after it on the colour plane.
+    // The zeros of "no clip" are looked for before the origin is added here, after it on the color plane.
     {"zeros and an origin", {0, 0, 5, 5}, 0, 0, 4, 3, kNoClip, {5, 5, 9, 8}, kNothing},
     {"a clip that the origin turns into zeros", {0, 0, 5, 5}, 0, 0, 4, 3, {-5, -5, -5, -5}, kNothing, {5, 5, 9, 8}},
 };
@@ -86,7 +86,7 @@ TEST(TagGeometry, WholeRectangles) {
 // A copy tags its whole destination, also where the source has no pixel to paint.
 TEST(TagGeometry, CopyTagsPastItsSource) {
   Device d({});
-  const SourceImage source(kColourSource, 4, 3, 2);
+  const SourceImage source(kColorSource, 4, 3, 2);
   const DRAWMODE mode = MakeDrawMode();
   PlaneImage band = BandImage(d.device);
   PlaneImage tags = TagImage(d.device);
@@ -116,7 +116,7 @@ struct SourceCase {
   BandRect tagged;
   int32_t tagFirstX;
   int32_t tagFirstY;
-  // The same of the colour plane, and of the tags of a one-bit source.
+  // The same of the color plane, and of the tags of a one-bit source.
   BandRect painted;
   int32_t firstX;
   int32_t firstY;
@@ -125,7 +125,7 @@ struct SourceCase {
 // SRCAND of a source of 14 x 8.
 constexpr SourceCase kSources[] = {
     {"inside", {}, 3, 2, 1, 1, 9, 5, kPage, {3, 2, 12, 7}, 1, 1, {3, 2, 12, 7}, 1, 1},
-    // A clip on the left or top restarts the source of the colours. Tags of a colour source stay where they were.
+    // A clip on the left or top restarts the source of the colors. Tags of a color source stay where they were.
     {"clip left", {}, 3, 2, 1, 1, 9, 5, {6, 0, 100, 100}, {6, 2, 12, 7}, 4, 1, {6, 2, 12, 7}, 1, 1},
     {"clip top", {}, 3, 2, 1, 1, 9, 5, {1, 4, 100, 100}, {3, 4, 12, 7}, 1, 3, {3, 4, 12, 7}, 1, 1},
     {"clip right and bottom", {}, 3, 2, 1, 1, 9, 5, {1, 1, 8, 5}, {3, 2, 8, 5}, 1, 1, {3, 2, 8, 5}, 1, 1},
@@ -136,7 +136,7 @@ constexpr SourceCase kSources[] = {
     {"band cuts far side", {}, 18, 9, 1, 1, 9, 5, kPage, {18, 9, 24, 12}, 1, 1, {18, 9, 24, 12}, 1, 1},
     {"origin", {100, 50, 90, 40}, 12, 11, 1, 1, 9, 5, {13, 12, 100, 100}, {3, 2, 11, 6}, 2, 2, {3, 2, 11, 6}, 1, 1},
     {"left of and above zero", {}, -3, -2, 1, 1, 9, 5, kPage, {0, 0, 6, 3}, 4, 3, {0, 0, 6, 3}, 4, 3},
-    // A zero edge of a colour source's clip is no limit on that side.
+    // A zero edge of a color source's clip is no limit on that side.
     {"clip on the left alone", {}, 3, 2, 1, 1, 9, 5, {6, 0, 0, 0}, {6, 2, 12, 7}, 4, 1, kNothing, 0, 0},
     {"clip on the right alone", {}, 3, 2, 1, 1, 9, 5, {0, 0, 8, 0}, {3, 2, 8, 7}, 1, 1, kNothing, 0, 0},
     {"clip above alone", {}, 3, 2, 1, 1, 9, 5, {0, 4, 0, 0}, {3, 4, 12, 7}, 1, 3, kNothing, 0, 0},
@@ -175,11 +175,11 @@ constexpr SourceCase kSources[] = {
     {"turned", {}, 12, 7, 1, 1, -9, -5, kPage, kNothing, 0, 0, kNothing, 0, 0},
 };
 
-TEST(TagGeometry, ColourSources) {
+TEST(TagGeometry, ColorSources) {
   for (const SourceCase& c : kSources) {
     SCOPED_TRACE(c.name);
     Device d(c.place);
-    SourceImage source(kColourSource, 14, 8, 3);
+    SourceImage source(kColorSource, 14, 8, 3);
     for (int32_t row = 0; row < 8; ++row) {
       for (int32_t column = 0; column < 14; ++column) {
         if ((column * 5 + row * 3) % 4 != 0) continue;

@@ -86,10 +86,10 @@ uint32_t PaintImage(const TestDevice& device, int32_t x, int32_t y, uint32_t rop
          0xFFFF;
 }
 
-PhysicalBrush Solid(uint32_t colour) {
+PhysicalBrush Solid(uint32_t color) {
   PhysicalBrush brush{};
   brush.hatchScale[0] = brush.hatchScale[1] = 1;
-  brush.colour = colour;
+  brush.colour = color;
   return brush;
 }
 

@@ -58,13 +58,13 @@ inline int FloorDiv(int value, int divisor) {
 // The non-negative remainder.
 inline int FloorMod(int value, int divisor) { return value - FloorDiv(value, divisor) * divisor; }
 
-inline uint32_t SwapRedBlue(uint32_t colour) {
-  return (colour & 0x0000FF00u) | ((colour & 0xFFu) << 16) | ((colour >> 16) & 0xFFu);
+inline uint32_t SwapRedBlue(uint32_t color) {
+  return (color & 0x0000FF00u) | ((color & 0xFFu) << 16) | ((color >> 16) & 0xFFu);
 }
 
-// The gray level of a colour whose low byte weighs 30, in all three bytes.
-inline uint32_t GrayLevel(uint32_t colour) {
-  const uint32_t gray = ((colour & 0xFF) * 30 + ((colour >> 8) & 0xFF) * 59 + ((colour >> 16) & 0xFF) * 11) / 100;
+// The gray level of a color whose low byte weighs 30, in all three bytes.
+inline uint32_t GrayLevel(uint32_t color) {
+  const uint32_t gray = ((color & 0xFF) * 30 + ((color >> 8) & 0xFF) * 59 + ((color >> 16) & 0xFF) * 11) / 100;
   return gray * 0x010101u;
 }
 

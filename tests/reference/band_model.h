@@ -34,9 +34,9 @@ class BandModel : public Model {
 
   const Plane& band() const override { return plane_; }
   uint32_t Control(uint32_t code, const void* data) override;
-  uint32_t ColorInfo(uint32_t colour) const override;
+  uint32_t ColorInfo(uint32_t color) const override;
   uint32_t RealizeObject(uint32_t kind, const void* input, void* output) const override;
-  uint32_t Pixel(int32_t x, int32_t y, uint32_t colour, const DRAWMODE* drawMode, const BandRect* clip) override;
+  uint32_t Pixel(int32_t x, int32_t y, uint32_t color, const DRAWMODE* drawMode, const BandRect* clip) override;
   uint32_t BitBlt(const BlitArgs& args) override;
   uint32_t Output(const OutputArgs& args) override;
   int32_t ExtTextOut(const TextArgs& args) override;
@@ -66,7 +66,7 @@ class BandModel : public Model {
     int column, row;
   };
   bool scaled() const { return map_ != nullptr; }
-  bool gray() const;         // logical colours turn into gray levels
+  bool gray() const;         // logical colors turn into gray levels
   bool inPlaceGray() const;  // written pixels turn gray
   Rect CallerBand() const;
   bool Kept(int x, int y, Spot* spot) const;  // caller position relative to CallerBand's corner

@@ -1,4 +1,4 @@
-// The colour of one pixel of a device-independent bitmap, and the decoding of run-length sources.
+// The color of one pixel of a device-independent bitmap, and the decoding of run-length sources.
 #include <cstring>
 
 #include "reference/image_walk.h"
@@ -13,7 +13,7 @@ T ReadAs(const uint8_t* from) {
   return value;
 }
 
-// One colour of a 16-bit pixel: the masked bits moved to the top of a byte, the gap below filled from the top.
+// One color of a 16-bit pixel: the masked bits moved to the top of a byte, the gap below filled from the top.
 uint8_t Component16(uint32_t pixel, uint32_t mask) {
   int bits = 0;
   while ((1u << bits) < mask) ++bits;
@@ -40,29 +40,29 @@ DibImage::DibImage(const void* info, const void* bits, int rowsUsed)
 
 Rgb DibImage::Pixel(int column, int storedRow) const {
   if (!decoded_.empty()) {
-    return TableColour(decoded_[static_cast<std::size_t>(storedRow) * static_cast<std::size_t>(header_.biWidth) +
-                                static_cast<std::size_t>(column)]);
+    return TableColor(decoded_[static_cast<std::size_t>(storedRow) * static_cast<std::size_t>(header_.biWidth) +
+                               static_cast<std::size_t>(column)]);
   }
   const uint8_t* row = bits_ + static_cast<std::size_t>(storedRow) * stride_;
   const std::size_t x = static_cast<std::size_t>(column);
   switch (header_.biBitCount) {
-    case 1: return TableColour(row[x / 8] >> (7 - x % 8) & 1u);
-    case 4: return TableColour(x % 2 == 0 ? row[x / 2] >> 4 : row[x / 2] & 15u);
-    case 8: return TableColour(row[x]);
-    case 16: return Colour16(ReadAs<uint16_t>(row + 2 * x));
+    case 1: return TableColor(row[x / 8] >> (7 - x % 8) & 1u);
+    case 4: return TableColor(x % 2 == 0 ? row[x / 2] >> 4 : row[x / 2] & 15u);
+    case 8: return TableColor(row[x]);
+    case 16: return Color16(ReadAs<uint16_t>(row + 2 * x));
     case 24: return {row[3 * x], row[3 * x + 1], row[3 * x + 2]};
     default: return {row[4 * x], row[4 * x + 1], row[4 * x + 2]};
   }
 }
 
-Rgb DibImage::TableColour(uint32_t index) const {
+Rgb DibImage::TableColor(uint32_t index) const {
   const uint32_t full = 1u << header_.biBitCount;
   if (header_.biClrUsed != 0 && header_.biClrUsed < full && index >= header_.biClrUsed) return {255, 255, 255};
   const uint8_t* entry = info_ + header_.biSize + std::size_t{4} * index;
   return {entry[0], entry[1], entry[2]};
 }
 
-Rgb DibImage::Colour16(uint32_t pixel) const {
+Rgb DibImage::Color16(uint32_t pixel) const {
   uint32_t red = 0x7C00, green = 0x03E0, blue = 0x001F;
   if (header_.biCompression == BI_BITFIELDS) {
     red = ReadAs<uint32_t>(info_ + 40) & 0xFFFF;

@@ -1,4 +1,4 @@
-// The model of the device that keeps a tag beside every colour pixel: two one-band models and the rules that
+// The model of the device that keeps a tag beside every color pixel: two one-band models and the rules that
 // say which pixels a call tags.
 #pragma once
 
@@ -8,16 +8,16 @@ namespace qnv::reference {
 
 class DualPlaneModel : public Model {
  public:
-  DualPlaneModel(const DeviceDescription& description, const BandRect& bandRect, Plane colour, Plane tags);
+  DualPlaneModel(const DeviceDescription& description, const BandRect& bandRect, Plane color, Plane tags);
 
-  const Plane& band() const override { return colour_.band(); }
+  const Plane& band() const override { return color_.band(); }
   const Plane* tags() const override { return &tags_.band(); }
   uint32_t Control(uint32_t code, const void* data) override;
-  uint32_t ColorInfo(uint32_t colour) const override { return own_.ColorInfo(colour); }
+  uint32_t ColorInfo(uint32_t color) const override { return own_.ColorInfo(color); }
   uint32_t RealizeObject(uint32_t kind, const void* input, void* output) const override {
     return own_.RealizeObject(kind, input, output);
   }
-  uint32_t Pixel(int32_t x, int32_t y, uint32_t colour, const DRAWMODE* drawMode, const BandRect* clip) override;
+  uint32_t Pixel(int32_t x, int32_t y, uint32_t color, const DRAWMODE* drawMode, const BandRect* clip) override;
   uint32_t BitBlt(const BlitArgs& args) override;
   uint32_t Output(const OutputArgs& args) override;
   int32_t ExtTextOut(const TextArgs& args) override;
@@ -31,8 +31,8 @@ class DualPlaneModel : public Model {
   bool MarkOutput(const OutputArgs& args);
   uint32_t RunImage(ImageWalk& walk, const ImageArgs& args);
 
-  BandModel own_;  // description and rules for colours and objects; paints nothing
-  BandModel colour_;
+  BandModel own_;  // description and rules for colors and objects; paints nothing
+  BandModel color_;
   BandModel tags_;
   bool uniform_ = true;  // the tag plane is known to hold nothing but 1
 };

@@ -18,12 +18,12 @@ bool FillPattern::Paints(int x, int y) const {
   return style != kMasked || mask[FloorMod(y, height)][FloorMod(x, width)] != 0;
 }
 
-void FillPattern::SetBlock(const PhysicalBrush& brush, int row, int column, uint32_t colour, uint8_t maskByte) {
+void FillPattern::SetBlock(const PhysicalBrush& brush, int row, int column, uint32_t color, uint8_t maskByte) {
   const int across = Scale(brush.hatchScale[0]);
   const int down = Scale(brush.hatchScale[1]);
   for (int y = row * down; y < row * down + down; ++y) {
     for (int x = column * across; x < column * across + across; ++x) {
-      cells[y][x] = colour;
+      cells[y][x] = color;
       mask[y][x] = maskByte;
     }
   }
@@ -34,13 +34,13 @@ void FillPattern::SetScaledPeriod(const PhysicalBrush& brush) {
   height = 8 * Scale(brush.hatchScale[1]);
 }
 
-void FillPattern::SetSolid(uint32_t colour) {
+void FillPattern::SetSolid(uint32_t color) {
   style = 0;
   width = 8;
   height = 8;
   for (int y = 0; y < 8; ++y) {
     for (int x = 0; x < 8; ++x) {
-      cells[y][x] = colour;
+      cells[y][x] = color;
       mask[y][x] = 255;
     }
   }
@@ -72,18 +72,18 @@ void SelectFillPattern(FillPattern& pattern, const PhysicalPen* pen, const Physi
   for (int row = 0; row < 8; ++row) {
     for (int column = 0; column < 8; ++column) {
       const uint32_t cell = brush->cells[row * 8 + column];
-      uint32_t colour = SwapRedBlue(cell);
+      uint32_t color = SwapRedBlue(cell);
       uint8_t mask = 255;
       if (hatched) {
         if (drawMode->bkMode == OPAQUE && cell < 0x1000000) {
-          colour = background;
+          color = background;
         } else {
           mask = static_cast<uint8_t>(cell >> 24);
         }
       } else if (brush->patternDepth == 1) {
-        colour = (cell & 0xFFFFFF) == 0xFFFFFF ? background : text;
+        color = (cell & 0xFFFFFF) == 0xFFFFFF ? background : text;
       }
-      pattern.SetBlock(*brush, row, column, colour, mask);
+      pattern.SetBlock(*brush, row, column, color, mask);
     }
   }
 }

@@ -22,9 +22,9 @@ struct FillPattern {
   uint32_t Cell(int x, int y) const;  // any position, also a negative one
   bool Paints(int x, int y) const;
   // Spreads one cell of a brush over its block.
-  void SetBlock(const PhysicalBrush& brush, int row, int column, uint32_t colour, uint8_t maskByte);
+  void SetBlock(const PhysicalBrush& brush, int row, int column, uint32_t color, uint8_t maskByte);
   void SetScaledPeriod(const PhysicalBrush& brush);
-  void SetSolid(uint32_t colour);
+  void SetSolid(uint32_t color);
 };
 
 void SelectFillPattern(FillPattern& pattern, const PhysicalPen* pen, const PhysicalBrush* brush,

@@ -150,8 +150,8 @@ ImageWalk::Row ImageWalk::Next() {
     const int upTo = std::min(Reached(position), columns());
     if (upTo > previous) {
       const int column = mirrorX_ ? sourceLeft_ + sourceColumns_ - 1 - i : sourceLeft_ + i;
-      const Rgb colour = image_->Pixel(column, storedRow);
-      for (int x = previous; x < upTo; ++x) row.pixels[static_cast<std::size_t>(x)] = colour;
+      const Rgb color = image_->Pixel(column, storedRow);
+      for (int x = previous; x < upTo; ++x) row.pixels[static_cast<std::size_t>(x)] = color;
     }
     previous = upTo;
   }

@@ -1,5 +1,5 @@
 // One image transfer, taken row by row: what is checked before anything is painted, which source pixels cover
-// which destination pixels, and the colour of each. Where the pixels go is the devices' business.
+// which destination pixels, and the color of each. Where the pixels go is the devices' business.
 #pragma once
 
 #include <optional>
@@ -23,8 +23,8 @@ class DibImage {
   Rgb Pixel(int column, int storedRow) const;
 
  private:
-  Rgb TableColour(uint32_t index) const;
-  Rgb Colour16(uint32_t pixel) const;
+  Rgb TableColor(uint32_t index) const;
+  Rgb Color16(uint32_t pixel) const;
 
   BITMAPINFOHEADER header_;
   const uint8_t* info_;

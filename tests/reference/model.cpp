@@ -42,10 +42,10 @@ void Plane::FillStart(std::size_t count, uint8_t value) {
   std::fill_n(bytes_.begin(), count, value);
 }
 
-uint32_t Model::PolyPixel(int32_t x1, int32_t y1, int32_t x2, int32_t y2, uint32_t colour, const DRAWMODE* drawMode,
+uint32_t Model::PolyPixel(int32_t x1, int32_t y1, int32_t x2, int32_t y2, uint32_t color, const DRAWMODE* drawMode,
                           const BandRect* clip) {
   for (int y = std::min(y1, y2); y <= std::max(y1, y2); ++y) {
-    for (int x = std::min(x1, x2); x <= std::max(x1, x2); ++x) Pixel(x, y, colour, drawMode, clip);
+    for (int x = std::min(x1, x2); x <= std::max(x1, x2); ++x) Pixel(x, y, color, drawMode, clip);
   }
   return 0;
 }
@@ -69,9 +69,9 @@ std::unique_ptr<Model> MakeModel(const DeviceDescription* description, const Ban
 
   const int bytesPerPixel = scaled || description->bitsPerPixel == 24 ? 3 : 1;
   const uint32_t stride = (description->width * static_cast<uint32_t>(bytesPerPixel) + 3) / 4 * 4;
-  Plane colour(band, stride, bytesPerPixel);
-  if (!dual) return std::make_unique<BandModel>(*description, *bandRect, std::move(colour));
-  return std::make_unique<DualPlaneModel>(*description, *bandRect, std::move(colour),
+  Plane color(band, stride, bytesPerPixel);
+  if (!dual) return std::make_unique<BandModel>(*description, *bandRect, std::move(color));
+  return std::make_unique<DualPlaneModel>(*description, *bandRect, std::move(color),
                                           Plane(tags, (description->width + 3) / 4 * 4, 1));
 }
 

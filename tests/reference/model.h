@@ -90,15 +90,15 @@ class Model {
   virtual const Plane* tags() const { return nullptr; }
 
   virtual uint32_t Control(uint32_t code, const void* data) = 0;
-  virtual uint32_t ColorInfo(uint32_t colour) const = 0;
+  virtual uint32_t ColorInfo(uint32_t color) const = 0;
   virtual uint32_t RealizeObject(uint32_t kind, const void* input, void* output) const = 0;
-  virtual uint32_t Pixel(int32_t x, int32_t y, uint32_t colour, const DRAWMODE* drawMode, const BandRect* clip) = 0;
+  virtual uint32_t Pixel(int32_t x, int32_t y, uint32_t color, const DRAWMODE* drawMode, const BandRect* clip) = 0;
   virtual uint32_t BitBlt(const BlitArgs& args) = 0;
   virtual uint32_t Output(const OutputArgs& args) = 0;
   virtual int32_t ExtTextOut(const TextArgs& args) = 0;
   virtual uint32_t StretchDIBits(const ImageArgs& args) = 0;
 
-  uint32_t PolyPixel(int32_t x1, int32_t y1, int32_t x2, int32_t y2, uint32_t colour, const DRAWMODE* drawMode,
+  uint32_t PolyPixel(int32_t x1, int32_t y1, int32_t x2, int32_t y2, uint32_t color, const DRAWMODE* drawMode,
                      const BandRect* clip);
   uint32_t SetDIBitsToDevice(int32_t x, int32_t y, uint32_t startScan, uint32_t numScans, const BandRect* clip,
                              const DRAWMODE* drawMode, const void* bits, const void* bitmapInfo);

@@ -6,8 +6,8 @@ namespace {
 
 // Which transfers have an operation of their own; all others are evaluated by the general one.
 enum class PatternSource {
-  kGeneral,       // brush colour when solid, nothing when hollow, else cells
-  kBrushOrCells,  // brush colour when solid, else cells
+  kGeneral,       // brush color when solid, nothing when hollow, else cells
+  kBrushOrCells,  // brush color when solid, else cells
   kCells,         // always cells
 };
 
@@ -83,7 +83,7 @@ uint32_t BandModel::BitBlt(const BlitArgs& args) {
   if (usesSource && (args.source == nullptr || (oneBit && args.drawMode == nullptr))) return 1;
 
   const bool threeBytes = plane_.bytesPerPixel() == 3;
-  const auto packed = [&](uint32_t colour) { return threeBytes ? SwapRedBlue(colour) : colour & 0xFF; };
+  const auto packed = [&](uint32_t color) { return threeBytes ? SwapRedBlue(color) : color & 0xFF; };
   bool fromCells = usesPattern;
   uint32_t solid = 0;
   if (usesPattern && operation.pattern != PatternSource::kCells) {

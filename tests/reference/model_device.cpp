@@ -1,4 +1,4 @@
-// Set-up, escapes, colours and single pixels of a device with one band.
+// Set-up, escapes, colors and single pixels of a device with one band.
 #include <cstring>
 
 #include "reference/band_model.h"
@@ -41,13 +41,13 @@ uint32_t BandModel::Control(uint32_t code, const void* data) {
   }
 }
 
-uint32_t BandModel::ColorInfo(uint32_t colour) const { return gray() ? GrayLevel(colour) : colour; }
+uint32_t BandModel::ColorInfo(uint32_t color) const { return gray() ? GrayLevel(color) : color; }
 
 void BandModel::Put(int column, int row, uint32_t value) {
   plane_.Write(column, row, inPlaceGray() ? GrayLevel(value) : value);
 }
 
-uint32_t BandModel::Pixel(int32_t x, int32_t y, uint32_t colour, const DRAWMODE* drawMode, const BandRect* clip) {
+uint32_t BandModel::Pixel(int32_t x, int32_t y, uint32_t color, const DRAWMODE* drawMode, const BandRect* clip) {
   if (clip == nullptr) return 0;
   int deviceX = Sum(x, origin_.x);
   int deviceY = Sum(y, origin_.y);
@@ -61,8 +61,8 @@ uint32_t BandModel::Pixel(int32_t x, int32_t y, uint32_t colour, const DRAWMODE*
   const int row = deviceY - rect_.top;
   const uint32_t old = plane_.Read(column, row);
   if (drawMode == nullptr) return plane_.bytesPerPixel() == 3 ? old : old * 0x010101;
-  // The first byte of three is bits 16..23 of the colour; a gray byte is bits 0..7.
-  const uint32_t pen = plane_.bytesPerPixel() == 3 ? SwapRedBlue(colour) : colour;
+  // The first byte of three is bits 16..23 of the color; a gray byte is bits 0..7.
+  const uint32_t pen = plane_.bytesPerPixel() == 3 ? SwapRedBlue(color) : color;
   Put(column, row, EvaluateRop2(static_cast<uint16_t>(drawMode->Rop2), pen, old));
   return 0;
 }

@@ -14,36 +14,36 @@ DeviceDescription WithDepth(DeviceDescription description, uint16_t depth) {
 
 }  // namespace
 
-DualPlaneModel::DualPlaneModel(const DeviceDescription& description, const BandRect& bandRect, Plane colour, Plane tags)
+DualPlaneModel::DualPlaneModel(const DeviceDescription& description, const BandRect& bandRect, Plane color, Plane tags)
     : own_(description, bandRect, Plane(nullptr, 0, 3)),
-      colour_(description, bandRect, std::move(colour)),
+      color_(description, bandRect, std::move(color)),
       tags_(WithDepth(description, 8), bandRect, std::move(tags)) {}
 
 uint32_t DualPlaneModel::Control(uint32_t code, const void* data) {
   if ((code & 0xFFFF) != QNV_CLEAR_BAND) {
-    colour_.Control(code, data);
+    color_.Control(code, data);
     tags_.Control(code, data);
     return own_.Control(code, data);
   }
   const std::size_t width = own_.description().width;
   const std::size_t height = own_.description().height;
-  colour_.FillStart((width + 1) * 3 / 4 * height * 4, 0xFF);
+  color_.FillStart((width + 1) * 3 / 4 * height * 4, 0xFF);
   tags_.FillStart((width + 3) / 4 * height * 4, 1);
   uniform_ = true;
   return 1;
 }
 
-uint32_t DualPlaneModel::Pixel(int32_t x, int32_t y, uint32_t colour, const DRAWMODE* drawMode, const BandRect* clip) {
+uint32_t DualPlaneModel::Pixel(int32_t x, int32_t y, uint32_t color, const DRAWMODE* drawMode, const BandRect* clip) {
   if (clip == nullptr) return 0;
   if (!uniform_ && drawMode != nullptr) {
     const uint32_t code = static_cast<uint16_t>(drawMode->Rop2 - 1);
     const uint32_t folded = code < 8 ? 15 - code : code;
     const bool keeps = folded == 9 || folded == 10;
-    const bool whiteKeeps = (folded == 8 || folded == 11) && colour == kWhite;
-    const bool blackKeeps = (folded == 13 || folded == 14) && colour == kBlack;
+    const bool whiteKeeps = (folded == 8 || folded == 11) && color == kWhite;
+    const bool blackKeeps = (folded == 13 || folded == 14) && color == kBlack;
     if (!keeps && !whiteKeeps && !blackKeeps) FillTagRect(QNV_TAG_GRAPHICS, x, y, 1, 1, ToRect(*clip));
   }
-  return colour_.Pixel(x, y, colour, drawMode, clip);
+  return color_.Pixel(x, y, color, drawMode, clip);
 }
 
 int32_t DualPlaneModel::ExtTextOut(const TextArgs& args) {
@@ -63,17 +63,17 @@ int32_t DualPlaneModel::ExtTextOut(const TextArgs& args) {
     tagArgs.options &= 0xFFFD;
     if (static_cast<uint32_t>(tags_.ExtTextOut(tagArgs)) == 0x80000000u) return 0;
   }
-  return colour_.ExtTextOut(args);
+  return color_.ExtTextOut(args);
 }
 
 uint32_t DualPlaneModel::StretchDIBits(const ImageArgs& args) {
-  const Point origin = colour_.origin();
-  std::optional<ImageWalk> walk = ImageWalk::Begin(args, origin, colour_.rect());
+  const Point origin = color_.origin();
+  std::optional<ImageWalk> walk = ImageWalk::Begin(args, origin, color_.rect());
   if (!walk) return 0;
-  colour_.set_origin({0, 0});
+  color_.set_origin({0, 0});
   tags_.set_origin({0, 0});
   const uint32_t result = RunImage(*walk, args);
-  colour_.set_origin(origin);
+  color_.set_origin(origin);
   tags_.set_origin(origin);
   return result;
 }
@@ -87,7 +87,7 @@ uint32_t DualPlaneModel::RunImage(ImageWalk& walk, const ImageArgs& args) {
                 true)) {
       return 0;
     }
-    while (!walk.AtEnd()) colour_.StoreImageRow(walk, walk.Next());
+    while (!walk.AtEnd()) color_.StoreImageRow(walk, walk.Next());
     return 1;
   }
 
@@ -95,13 +95,13 @@ uint32_t DualPlaneModel::RunImage(ImageWalk& walk, const ImageArgs& args) {
   const int width = static_cast<int>(own_.description().width);
   const std::size_t used = static_cast<std::size_t>(std::max(width, walk.left() + walk.columns()));
   std::vector<uint8_t> bytes(used * 3);
-  std::vector<Rgb> colours(static_cast<std::size_t>(walk.columns()));
+  std::vector<Rgb> colors(static_cast<std::size_t>(walk.columns()));
   while (!walk.AtEnd()) {
     const ImageWalk::Row row = walk.Next();
     if (!extended) bytes.assign(bytes.size(), 0);
     for (std::size_t x = 0; x < row.pixels.size(); ++x) {
       if (!row.pixels[x]) continue;
-      const Rgb c = colours[x] = *row.pixels[x];
+      const Rgb c = colors[x] = *row.pixels[x];
       // A merged row is in band order, a row for a transfer in source order.
       uint8_t* to = bytes.data() + (static_cast<std::size_t>(walk.left()) + x) * 3;
       to[0] = extended ? c.blue : c.red;
@@ -110,11 +110,11 @@ uint32_t DualPlaneModel::RunImage(ImageWalk& walk, const ImageArgs& args) {
     }
     for (int i = 0; i < row.count; ++i) {
       BandModel::RowBlit blit;
-      colour_.SetRowBlit(&blit, walk, args, row.first + i, extended ? SRCAND : args.rop, bytes, width);
+      color_.SetRowBlit(&blit, walk, args, row.first + i, extended ? SRCAND : args.rop, bytes, width);
       if (!TagBlt(blit.args, true)) return 0;
-      if (!extended) colour_.BitBlt(blit.args);
+      if (!extended) color_.BitBlt(blit.args);
     }
-    if (args.rop == ROP_MINIMUM) colour_.MinimumImageRow(walk, row, colours);
+    if (args.rop == ROP_MINIMUM) color_.MinimumImageRow(walk, row, colors);
   }
   return 1;
 }

@@ -59,8 +59,8 @@ uint32_t BandModel::ScaledCopy(ImageWalk& walk) {
       if (i == 0) {
         for (int x = 0; x < walk.columns(); ++x) {
           if (!Kept(left + x, walk.top() + row.first, &spot)) continue;
-          const Rgb colour = row.pixels[static_cast<std::size_t>(x)].value_or(Rgb{0, 0, 0});
-          Put(spot.column, spot.row, uint32_t{colour.red} << 16 | uint32_t{colour.green} << 8 | colour.blue);
+          const Rgb color = row.pixels[static_cast<std::size_t>(x)].value_or(Rgb{0, 0, 0});
+          Put(spot.column, spot.row, uint32_t{color.red} << 16 | uint32_t{color.green} << 8 | color.blue);
           firstColumn = firstColumn < 0 ? spot.column : std::min(firstColumn, spot.column);
           lastColumn = std::max(lastColumn, spot.column);
           writtenRow = spot.row;

@@ -10,7 +10,7 @@ constexpr uint32_t kWhite = 0x00FFFFFF;
 constexpr uint32_t kBlack = 0;
 constexpr uint32_t kSourceWhereOne = 0x00E20746;  // pattern where the source is 1, else destination
 
-// Does this cell of the brush put down a colour other than the one to skip?
+// Does this cell of the brush put down a color other than the one to skip?
 bool CellPaints(uint32_t cell, uint32_t background, uint32_t skip) {
   return (cell >> 24) != 0 ? (cell & 0xFFFFFF) != skip : background != skip;
 }
@@ -20,7 +20,7 @@ bool CellPaints(uint32_t cell, uint32_t background, uint32_t skip) {
 uint32_t DualPlaneModel::BitBlt(const BlitArgs& args) {
   if (args.clip == nullptr) return 1;
   if (!TagBlt(args, false)) return 0;
-  return colour_.BitBlt(args);
+  return color_.BitBlt(args);
 }
 
 bool DualPlaneModel::TagBlt(const BlitArgs& args, bool image) {
@@ -74,7 +74,7 @@ void DualPlaneModel::FillTagRect(uint8_t value, int x, int y, int width, int hei
 }
 
 bool DualPlaneModel::TagFromSource(uint8_t tag, const BlitArgs& args, uint32_t skip) {
-  if (args.source == nullptr) return true;  // the colour plane paints nothing either
+  if (args.source == nullptr) return true;  // the color plane paints nothing either
   const SourceBitmap& source = *args.source;
   if (source.bmPlanes == 1 && source.bmBitsPixel == 1) {
     if (args.drawMode == nullptr) return true;
@@ -135,7 +135,7 @@ bool DualPlaneModel::TagFromBrush(const BlitArgs& args, uint32_t skip) {
   const uint32_t background = args.drawMode->bkColor;
   if (brush.style == BS_HATCHED && brush.colour == skip && background == skip) return true;
 
-  // Where the cells paint, aligned as the colour plane aligns its fill.
+  // Where the cells paint, aligned as the color plane aligns its fill.
   FillPattern painting;
   painting.SetScaledPeriod(brush);
   for (int cell = 0; cell < 64; ++cell) {

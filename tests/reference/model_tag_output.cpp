@@ -9,8 +9,8 @@ constexpr uint32_t kBlack = 0;
 
 struct Brush {
   uint16_t style;
-  uint32_t colour;
-  const PhysicalBrush* record;  // null for a pen's colour and for no brush at all
+  uint32_t color;
+  const PhysicalBrush* record;  // null for a pen's color and for no brush at all
 };
 
 // Pens paint as solid brushes; without a pen and a brush the fill is black.
@@ -36,7 +36,7 @@ Marking MarkingOf(int16_t rop2) {
   }
 }
 
-// Does this cell of a hatched or pattern brush put ink on paper of this colour?
+// Does this cell of a hatched or pattern brush put ink on paper of this color?
 bool CellPutsInk(const PhysicalBrush& brush, uint32_t cell, const DRAWMODE& mode, uint32_t paper) {
   if (brush.style == BS_PATTERN) {
     if (brush.patternDepth != 1) return (cell & 0xFFFFFF) != paper;
@@ -58,10 +58,10 @@ void SetCells(FillPattern* ink, const PhysicalBrush& brush, const auto& paints) 
 
 uint32_t DualPlaneModel::Output(const OutputArgs& args) {
   if (!uniform_ && !MarkOutput(args)) return 0;
-  return colour_.Output(args);
+  return color_.Output(args);
 }
 
-// False where the call must not reach the colour plane.
+// False where the call must not reach the color plane.
 bool DualPlaneModel::MarkOutput(const OutputArgs& args) {
   const uint32_t style = args.style & 0xFFFF;
   if (IsMarkerStyle(style)) return true;
@@ -84,8 +84,8 @@ bool DualPlaneModel::MarkOutput(const OutputArgs& args) {
     }
   } else {
     const uint32_t paper = marking == Marking::kUnlessWhite ? kWhite : kBlack;
-    if (brush.style == BS_SOLID && brush.colour == paper) return true;
-    if (brush.style == BS_HATCHED && brush.colour == paper && mode.bkColor == paper) return true;
+    if (brush.style == BS_SOLID && brush.color == paper) return true;
+    if (brush.style == BS_HATCHED && brush.color == paper && mode.bkColor == paper) return true;
     if (brush.style != BS_SOLID) {
       SetCells(&ink, *brush.record, [&](uint32_t cell) { return CellPutsInk(*brush.record, cell, mode, paper); });
     }

@@ -35,7 +35,7 @@ std::vector<uint8_t> Painted(const TestDevice& device) {
   return bytes;
 }
 
-TEST(DibHeaders, SizesThatPlaceAColourTable) {
+TEST(DibHeaders, SizesThatPlaceAColorTable) {
   for (const DeviceCase& d : kDevices) {
     for (uint32_t rop : {uint32_t{SRCCOPY}, uint32_t{SRCINVERT}, uint32_t{ROP_MINIMUM}}) {
       for (uint16_t bitCount : {uint16_t{1}, uint16_t{4}, uint16_t{8}}) {

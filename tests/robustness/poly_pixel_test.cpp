@@ -75,8 +75,8 @@ TEST(PolyPixel, AsTheModelPaints) {
       QNVStretchDIBits(device.handle(), 0, options.left, options.top, 1, 1, 0, 0, 1, 1, &pixel, info, nullptr, SRCCOPY,
                        nullptr, &mode, &kEverywhere);
     }
-    const std::vector<uint8_t> colours = device.BandBytes(), tags = device.TagBytes();
-    const auto model = reference::MakeModel(&description, &band, &colours, options.tagPlane ? &tags : nullptr);
+    const std::vector<uint8_t> colors = device.BandBytes(), tags = device.TagBytes();
+    const auto model = reference::MakeModel(&description, &band, &colors, options.tagPlane ? &tags : nullptr);
     ASSERT_NE(nullptr, model);
     if (options.tagPlane) {
       const uint32_t info[] = {40, 1, 1, 1 | 24 << 16, 0, 0, 0, 0, 0, 0};
@@ -102,9 +102,9 @@ TEST(PolyPixel, AsTheModelPaints) {
       x2 = std::min(x2, kMax - 1);
       const BandRect clips[] = {{0, 0, 0, 0}, {-3, -3, 30, 30}, kEverywhere, {2, 1, 6, 5}, {-2000, 1, 2000, 4}};
       const BandRect clip = clips[random.Range(0, 4)];
-      const uint32_t colour = static_cast<uint32_t>(random.Range(0, 0xFFFFFF));
-      QNVPolyPixel(device.handle(), x1, y1, x2, y2, colour, &mode, &clip);
-      model->PolyPixel(x1, y1, x2, y2, colour, &mode, &clip);
+      const uint32_t color = static_cast<uint32_t>(random.Range(0, 0xFFFFFF));
+      QNVPolyPixel(device.handle(), x1, y1, x2, y2, color, &mode, &clip);
+      model->PolyPixel(x1, y1, x2, y2, color, &mode, &clip);
       ASSERT_EQ(model->band().bytes(), device.BandBytes())
           << "round " << round << ", " << options.resolutionA << " to " << options.resolutionB << ", rop " << mode.Rop2
           << ", " << x1 << ", " << y1 << " to " << x2 << ", " << y2 << ", origin " << origin.x << ", " << origin.y;

@@ -44,7 +44,7 @@ Scene::Scene(uint64_t seed, const SceneOptions& options)
       random_(seed) {
   sources_.push_back(std::make_unique<SourceImage>(kOneBitSource, kSourceSize, kSourceSize, seed + 1));
   sources_.push_back(
-      std::make_unique<SourceImage>(options.gray ? kGraySource : kColourSource, kSourceSize, kSourceSize, seed + 2));
+      std::make_unique<SourceImage>(options.gray ? kGraySource : kColorSource, kSourceSize, kSourceSize, seed + 2));
   font_ = MakeFont(&random_);
   image_.resize(kImageSize * kImageSize * 4);
   for (uint8_t& byte : image_) byte = random_.Byte();
@@ -70,21 +70,21 @@ Scene::Scene(uint64_t seed, const SceneOptions& options)
   }
 }
 
-uint32_t Scene::RandomColour() {
+uint32_t Scene::RandomColor() {
   const uint32_t kind = random_.Below(4);
   return kind == 0 ? 0x00FFFFFFu : kind == 1 ? 0u : random_.Next() & 0xFFFFFF;
 }
 
 Scene::Brush Scene::RandomBrush(bool cells) {
   const uint16_t style = cells ? static_cast<uint16_t>(random_.Below(4)) : uint16_t{BS_SOLID};
-  return {style, RandomColour(), static_cast<int16_t>(random_.Below(6)), RandomColour(),
+  return {style, RandomColor(), static_cast<int16_t>(random_.Below(6)), RandomColor(),
           sources_[random_.Below(2)]->record()};
 }
 
 PhysicalBrush Scene::Realise(DeviceHandle* handle, const Brush& brush) {
-  const uintptr_t colour =
-      brush.style == BS_PATTERN ? reinterpret_cast<uintptr_t>(brush.bitmap) : uintptr_t{brush.colour};
-  const LogicalBrush logical{brush.style, colour, brush.hatch, brush.background};
+  const uintptr_t color =
+      brush.style == BS_PATTERN ? reinterpret_cast<uintptr_t>(brush.bitmap) : uintptr_t{brush.color};
+  const LogicalBrush logical{brush.style, color, brush.hatch, brush.background};
   PhysicalBrush physical{};
   QNVRealizeObject(handle, OBJ_BRUSH, &logical, &physical, nullptr);
   return physical;
@@ -94,8 +94,8 @@ DRAWMODE Scene::RandomMode() {
   DRAWMODE mode = MakeDrawMode();
   mode.Rop2 = static_cast<int16_t>(1 + random_.Below(16));
   mode.bkMode = static_cast<int16_t>(1 + random_.Below(2));
-  mode.bkColor = RandomColour();
-  mode.TextColor = RandomColour();
+  mode.bkColor = RandomColor();
+  mode.TextColor = RandomColor();
   if (options_.gray) {
     mode.bkColor = (mode.bkColor & 0xFF) * 0x010101;
     mode.TextColor = (mode.TextColor & 0xFF) * 0x010101;
@@ -124,11 +124,11 @@ BandRect Scene::RandomClip() {
 Scene::Step Scene::PixelStep() {
   const int32_t x = RandomX();
   const int32_t y = RandomY();
-  const uint32_t colour = RandomColour();
+  const uint32_t color = RandomColor();
   const DRAWMODE mode = RandomMode();
   const BandRect clip = RandomClip();
   const bool reads = random_.Below(4) == 0;
-  return {"Pixel", [=](DeviceHandle* h) { return QNVPixel(h, x, y, colour, reads ? nullptr : &mode, &clip); }};
+  return {"Pixel", [=](DeviceHandle* h) { return QNVPixel(h, x, y, color, reads ? nullptr : &mode, &clip); }};
 }
 
 Scene::Step Scene::PolyPixelStep() {
@@ -136,10 +136,10 @@ Scene::Step Scene::PolyPixelStep() {
   const int32_t y = RandomY();
   const int32_t x2 = x + static_cast<int32_t>(random_.Below(9)) - 4;
   const int32_t y2 = y + static_cast<int32_t>(random_.Below(9)) - 4;
-  const uint32_t colour = RandomColour();
+  const uint32_t color = RandomColor();
   const DRAWMODE mode = RandomMode();
   const BandRect clip = RandomClip();
-  return {"PolyPixel", [=](DeviceHandle* h) { return QNVPolyPixel(h, x, y, x2, y2, colour, &mode, &clip); }};
+  return {"PolyPixel", [=](DeviceHandle* h) { return QNVPolyPixel(h, x, y, x2, y2, color, &mode, &clip); }};
 }
 
 Scene::Step Scene::TransferStep() {
@@ -201,13 +201,13 @@ Scene::Step Scene::OutputStep() {
   }
   const bool hasPen = random_.Below(3) == 0;
   const bool hasBrush = !hasPen || random_.Below(4) == 0;
-  const uint32_t penColour = RandomColour();
+  const uint32_t penColor = RandomColor();
   const Brush brush = RandomBrush(true);
   const DRAWMODE mode = RandomMode();
   const BandRect clip = RandomClip();
   const bool keeps = options_.nullDrawModes && random_.Below(8) == 0;
   return {"Output of style " + std::to_string(style), [=](DeviceHandle* h) {
-            const PhysicalPen pen = SolidPen(h, penColour);
+            const PhysicalPen pen = SolidPen(h, penColor);
             const PhysicalBrush physical = Realise(h, brush);
             return QNVOutput(h, style, count, points.data(), hasPen ? &pen : nullptr, hasBrush ? &physical : nullptr,
                              keeps ? nullptr : &mode, &clip) &

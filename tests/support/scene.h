@@ -46,7 +46,7 @@ class Scene {
   };
   struct Brush {
     uint16_t style;
-    uint32_t colour;
+    uint32_t color;
     int16_t hatch;
     uint32_t background;
     const SourceBitmap* bitmap;
@@ -55,7 +55,7 @@ class Scene {
   Brush RandomBrush(bool cells);
   DRAWMODE RandomMode();
   BandRect RandomClip();
-  uint32_t RandomColour();
+  uint32_t RandomColor();
   int32_t RandomX() { return options_.left - 6 + static_cast<int32_t>(random_.Below(width_ + 12)); }
   int32_t RandomY() { return options_.top - 6 + static_cast<int32_t>(random_.Below(height_ + 12)); }
   static PhysicalBrush Realise(DeviceHandle* handle, const Brush& brush);

@@ -17,7 +17,7 @@ struct SourceForm {
 };
 
 inline constexpr SourceForm kOneBitSource{"one-bit source", 1, 1, 0};
-inline constexpr SourceForm kColourSource{"24-bit source", 1, 24, 3};
+inline constexpr SourceForm kColorSource{"24-bit source", 1, 24, 3};
 inline constexpr SourceForm kGraySource{"8-bit source", 1, 8, 1};
 
 class SourceImage {

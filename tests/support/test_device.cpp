@@ -66,20 +66,20 @@ PhysicalBrush Realise(DeviceHandle* handle, const LogicalBrush& logical) {
 
 }  // namespace
 
-PhysicalBrush SolidBrush(DeviceHandle* handle, uint32_t colour) {
-  return Realise(handle, LogicalBrush{BS_SOLID, colour, 0, 0});
+PhysicalBrush SolidBrush(DeviceHandle* handle, uint32_t color) {
+  return Realise(handle, LogicalBrush{BS_SOLID, color, 0, 0});
 }
 
-PhysicalBrush HatchBrush(DeviceHandle* handle, int16_t hatch, uint32_t colour, uint32_t background) {
-  return Realise(handle, LogicalBrush{BS_HATCHED, colour, hatch, background});
+PhysicalBrush HatchBrush(DeviceHandle* handle, int16_t hatch, uint32_t color, uint32_t background) {
+  return Realise(handle, LogicalBrush{BS_HATCHED, color, hatch, background});
 }
 
 PhysicalBrush PatternBrush(DeviceHandle* handle, const SourceBitmap& bitmap) {
   return Realise(handle, LogicalBrush{BS_PATTERN, reinterpret_cast<uintptr_t>(&bitmap), 0, 0});
 }
 
-PhysicalPen SolidPen(DeviceHandle* handle, uint32_t colour) {
-  const LogicalPen logical{PS_SOLID, 1, 1, colour};
+PhysicalPen SolidPen(DeviceHandle* handle, uint32_t color) {
+  const LogicalPen logical{PS_SOLID, 1, 1, color};
   PhysicalPen pen;
   if (QNVRealizeObject(handle, OBJ_PEN, &logical, &pen, nullptr) == 0) std::abort();
   return pen;

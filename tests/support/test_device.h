@@ -72,9 +72,9 @@ struct DualPlaneDevice : TestDevice {
 // A draw mode with black text on white, copy pen, opaque background; the tests change what they need.
 DRAWMODE MakeDrawMode();
 
-PhysicalBrush SolidBrush(DeviceHandle* handle, uint32_t colour);
-PhysicalBrush HatchBrush(DeviceHandle* handle, int16_t hatch, uint32_t colour, uint32_t background = 0);
+PhysicalBrush SolidBrush(DeviceHandle* handle, uint32_t color);
+PhysicalBrush HatchBrush(DeviceHandle* handle, int16_t hatch, uint32_t color, uint32_t background = 0);
 PhysicalBrush PatternBrush(DeviceHandle* handle, const SourceBitmap& bitmap);
-PhysicalPen SolidPen(DeviceHandle* handle, uint32_t colour);
+PhysicalPen SolidPen(DeviceHandle* handle, uint32_t color);
 
 }  // namespace qnv::test

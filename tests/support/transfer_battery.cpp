@@ -42,8 +42,8 @@ PhysicalBrush NoiseBrush(uint16_t style, uint16_t depth, uint8_t scale, uint64_t
   brush.hatchScale[0] = brush.hatchScale[1] = scale;
   brush.colour = random.Next() & 0xFFFFFF;
   for (uint32_t& cell : brush.cells) {
-    const uint32_t colour = random.Next() & 0xFFFFFF;
-    cell = random.Below(2) == 0 ? colour | 0xFF000000u : depth == 1 ? 0xFFFFFFu : colour;
+    const uint32_t color = random.Next() & 0xFFFFFF;
+    cell = random.Below(2) == 0 ? color | 0xFF000000u : depth == 1 ? 0xFFFFFFu : color;
   }
   return brush;
 }
@@ -66,7 +66,7 @@ std::vector<NamedBrush> BrushesFor(uint32_t rop) {
 
 std::vector<SourceForm> SourcesFor(uint32_t rop, uint16_t depth) {
   if (!IndexUsesSource(IndexOf(rop))) return {kOneBitSource};
-  return {kOneBitSource, depth == 24 ? kColourSource : kGraySource};
+  return {kOneBitSource, depth == 24 ? kColorSource : kGraySource};
 }
 
 }  // namespace
@@ -161,7 +161,7 @@ void CheckUnreadArguments(uint32_t rop) {
     const DRAWMODE mode = ExampleMode();
     const PhysicalBrush solid = NoiseBrush(BS_SOLID, 0, 1, 9);
     const PhysicalBrush hollow = NoiseBrush(BS_HOLLOW, 0, 1, 9);
-    const SourceImage colour(depth == 24 ? kColourSource : kGraySource, 9, 3, 10);
+    const SourceImage color(depth == 24 ? kColorSource : kGraySource, 9, 3, 10);
     const PlaneImage before = BandImage(device);
     const auto paints = [&](const char* name, const TransferCall& call, const TransferInputs& inputs) {
       SCOPED_TRACE(std::to_string(depth) + " bits, " + name);
@@ -172,14 +172,14 @@ void CheckUnreadArguments(uint32_t rop) {
       EXPECT_TRUE(BandShows(device, expected));
     };
     TransferCall call{.at = {2, 1}, .size = {5, 2}, .rop = rop, .brush = &solid, .drawMode = &mode};
-    const TransferInputs inputs{rop, &colour, &solid, &mode};
+    const TransferInputs inputs{rop, &color, &solid, &mode};
     if (!IndexUsesSource(index)) {
       call.source = NotToBeRead<SourceBitmap>();
       paints("source unread", call, inputs);
       call.source = nullptr;
       paints("no source", call, inputs);
     } else {
-      call.source = colour.record();
+      call.source = color.record();
     }
     if (!IndexUsesPattern(index)) {
       call.brush = &hollow;
@@ -191,7 +191,7 @@ void CheckUnreadArguments(uint32_t rop) {
       call.brush = NotToBeRead<PhysicalBrush>();
       paints("brush unread", call, inputs);
     }
-    EXPECT_TRUE(colour.Unchanged());
+    EXPECT_TRUE(color.Unchanged());
   }
 }
 

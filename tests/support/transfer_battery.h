@@ -15,7 +15,7 @@ struct TransferExample {
   PixelBytes before;    // band pixel, in memory order
   uint8_t sourceBits;   // 24, 8 or 1; 0 for no source
   PixelBytes source;    // in memory order; of a one-bit source the first says which bit
-  uint32_t brush;       // colour of a solid brush as the record holds it
+  uint32_t brush;       // color of a solid brush as the record holds it
   PixelBytes expected;  // band pixel
 };
 

@@ -6,7 +6,7 @@
 namespace qnv::test {
 namespace {
 
-// The three operations that take even a solid colour from the prepared pattern.
+// The three operations that take even a solid color from the prepared pattern.
 bool TakesSolidFromPattern(uint32_t rop) {
   const uint32_t upper = rop >> 16;
   return upper == 0xC0 || upper == 0xFB || upper == 0xE2;
@@ -15,18 +15,18 @@ bool TakesSolidFromPattern(uint32_t rop) {
 PixelBytes PatternBytes(const TransferInputs& inputs, int32_t column, int32_t row, int bytesPerPixel) {
   const PhysicalBrush* brush = inputs.brush;
   const bool solid = brush != nullptr && brush->style == BS_SOLID && !TakesSolidFromPattern(inputs.rop);
-  const uint32_t colour = solid ? brush->colour : PatternColour(brush, *inputs.drawMode, column, row);
-  if (bytesPerPixel == 3 || !solid) return BandBytesOf(colour);
-  return {static_cast<uint8_t>(colour), 0, 0};
+  const uint32_t color = solid ? brush->colour : PatternColor(brush, *inputs.drawMode, column, row);
+  if (bytesPerPixel == 3 || !solid) return BandBytesOf(color);
+  return {static_cast<uint8_t>(color), 0, 0};
 }
 
 // `firstX` is the source column of the area's first column: on a gray band only that one is scaled by the depth.
 PixelBytes SourceBytes(const TransferInputs& inputs, int32_t firstX, int32_t x, int32_t y, int bytesPerPixel) {
   const SourceImage& source = *inputs.source;
   if (source.oneBit()) {
-    const uint32_t colour = source.Bit(x, y) ? inputs.drawMode->bkColor : inputs.drawMode->TextColor;
-    if (bytesPerPixel == 3) return BandBytesOf(colour);
-    return {static_cast<uint8_t>(colour), 0, 0};
+    const uint32_t color = source.Bit(x, y) ? inputs.drawMode->bkColor : inputs.drawMode->TextColor;
+    if (bytesPerPixel == 3) return BandBytesOf(color);
+    return {static_cast<uint8_t>(color), 0, 0};
   }
   const uint8_t* row = source.Row(y);
   if (bytesPerPixel == 3) return {row[3 * x + 2], row[3 * x + 1], row[3 * x]};
@@ -50,11 +50,11 @@ bool IndexUsesPattern(uint8_t index) { return (index >> 4) != (index & 15); }
 
 bool IndexUsesSource(uint8_t index) { return (index & 0x33) != (index >> 2 & 0x33); }
 
-PixelBytes BandBytesOf(uint32_t colour) {
-  return {static_cast<uint8_t>(colour >> 16), static_cast<uint8_t>(colour >> 8), static_cast<uint8_t>(colour)};
+PixelBytes BandBytesOf(uint32_t color) {
+  return {static_cast<uint8_t>(color >> 16), static_cast<uint8_t>(color >> 8), static_cast<uint8_t>(color)};
 }
 
-uint32_t PatternColour(const PhysicalBrush* brush, const DRAWMODE& drawMode, int32_t column, int32_t row) {
+uint32_t PatternColor(const PhysicalBrush* brush, const DRAWMODE& drawMode, int32_t column, int32_t row) {
   if (brush == nullptr) return 0;
   if (brush->style == BS_SOLID) return brush->colour;
   const int32_t fx = std::min<int32_t>(brush->hatchScale[0], 2);

@@ -15,11 +15,11 @@ uint8_t Rop3Byte(uint8_t index, uint8_t pattern, uint8_t source, uint8_t dest);
 bool IndexUsesPattern(uint8_t index);
 bool IndexUsesSource(uint8_t index);
 
-// The bytes of a colour as a 24-bit band holds them: bits 16..23 first.
-PixelBytes BandBytesOf(uint32_t colour);
+// The bytes of a color as a 24-bit band holds them: bits 16..23 first.
+PixelBytes BandBytesOf(uint32_t color);
 
-// The colour of the prepared pattern at a cell, red in the low byte. Null brush: black.
-uint32_t PatternColour(const PhysicalBrush* brush, const DRAWMODE& drawMode, int32_t column, int32_t row);
+// The color of the prepared pattern at a cell, red in the low byte. Null brush: black.
+uint32_t PatternColor(const PhysicalBrush* brush, const DRAWMODE& drawMode, int32_t column, int32_t row);
 
 struct TransferInputs {
   uint32_t rop = 0;

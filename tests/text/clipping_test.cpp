@@ -281,7 +281,7 @@ TEST(TextClipping, LimitsWithoutAClipRectangle) {
       PlaneImage expected = UntouchedBand(device);
       for (int32_t y = c.firstRow; y < c.endRow; ++y) {
         for (int32_t x = c.firstColumn; x < c.endColumn; ++x) {
-          expected.SetColor(static_cast<uint32_t>(x - c.bandLeft), static_cast<uint32_t>(y - c.bandTop), kTextColour);
+          expected.SetColor(static_cast<uint32_t>(x - c.bandLeft), static_cast<uint32_t>(y - c.bandTop), kTextColor);
         }
       }
       EXPECT_EQ(10, DrawTextAt(device, c.x, c.y, "a", font, mode, {.clip = nullptr})) << c.name;

@@ -135,19 +135,19 @@ inline FontBuilder SmallFont(FontShape shape = {}) {
              "..");
 }
 
-inline constexpr uint32_t kTextColour = 0x00102030;
-inline constexpr uint32_t kBackColour = 0x00A0B0C0;
+inline constexpr uint32_t kTextColor = 0x00102030;
+inline constexpr uint32_t kBackColor = 0x00A0B0C0;
 
 inline DRAWMODE TextMode(int16_t bkMode = TRANSPARENT) {
   DRAWMODE mode = MakeDrawMode();
   mode.bkMode = bkMode;
-  mode.TextColor = kTextColour;
-  mode.bkColor = kBackColour;
+  mode.TextColor = kTextColor;
+  mode.bkColor = kBackColor;
   return mode;
 }
 
-// Letters of text pictures: 'T' text, 'B' cell background. An 8-bit band takes the colour's bits 16..23.
-inline PictureInks TextInks() { return {{'T', kTextColour}, {'B', kBackColour}}; }
+// Letters of text pictures: 'T' text, 'B' cell background. An 8-bit band takes the color's bits 16..23.
+inline PictureInks TextInks() { return {{'T', kTextColor}, {'B', kBackColor}}; }
 
 struct TextSetup {
   const BandRect* clip = &kEverywhere;

@@ -32,7 +32,7 @@ TEST(GlyphPainting, EveryWidthAndCut) {
         for (int row = 0; row < kHeight; ++row) {
           for (int column = cut; column < width && column < cut + keep; ++column) {
             expected.SetColor(static_cast<uint32_t>(2 + column), static_cast<uint32_t>(1 + row),
-                              BitAt(width, column, row) ? kTextColour : kBackColour);
+                              BitAt(width, column, row) ? kTextColor : kBackColor);
           }
         }
         EXPECT_EQ(width, DrawTextAt(device, 2, 1, "a", font, mode, {.clip = &clip}));
@@ -59,7 +59,7 @@ TEST(GlyphPainting, EveryRowCut) {
       for (int row = top; row < kHeight && row < top + rows; ++row) {
         for (int column = 0; column < 17; ++column) {
           expected.SetColor(static_cast<uint32_t>(column), static_cast<uint32_t>(row),
-                            BitAt(17, column, row) ? kTextColour : kBackColour);
+                            BitAt(17, column, row) ? kTextColor : kBackColor);
         }
       }
       DrawTextAt(device, 0, 0, "a", font, mode, {.clip = &clip});
@@ -84,7 +84,7 @@ TEST(GlyphPainting, AcrossBands) {
         if (bandRow < 0 || bandRow >= static_cast<int>(bandRows)) continue;
         for (int column = 0; column < 17; ++column) {
           if (BitAt(17, column, row)) {
-            expected.SetColor(static_cast<uint32_t>(1 + column), static_cast<uint32_t>(bandRow), kTextColour);
+            expected.SetColor(static_cast<uint32_t>(1 + column), static_cast<uint32_t>(bandRow), kTextColor);
           }
         }
       }
@@ -121,16 +121,16 @@ TEST(GlyphPainting, BackgroundModes) {
   }
 }
 
-// The bytes of a colour: bits 16..23 first; a gray band takes those alone.
+// The bytes of a color: bits 16..23 first; a gray band takes those alone.
 TEST(GlyphPainting, ByteOrder) {
   const Font font = FontBuilder({.height = 1, .firstChar = 'a', .lastChar = 'a'}).Glyph('a', 2, "#.").Build();
   DRAWMODE mode = TextMode(OPAQUE);
   mode.TextColor = 0xEE112233;
   mode.bkColor = 0xDD445566;
-  TestDevice colour({.width = 2, .height = 1});
-  DrawTextAt(colour, 0, 0, "a", font, mode);
-  const uint8_t colourBytes[8] = {0x11, 0x22, 0x33, 0x44, 0x55, 0x66, 0xCC, 0xCC};
-  EXPECT_EQ(0, std::memcmp(colourBytes, colour.band().data(), sizeof colourBytes));
+  TestDevice color({.width = 2, .height = 1});
+  DrawTextAt(color, 0, 0, "a", font, mode);
+  const uint8_t colorBytes[8] = {0x11, 0x22, 0x33, 0x44, 0x55, 0x66, 0xCC, 0xCC};
+  EXPECT_EQ(0, std::memcmp(colorBytes, color.band().data(), sizeof colorBytes));
   TestDevice gray({.bitsPerPixel = 8, .width = 2, .height = 1});
   DrawTextAt(gray, 0, 0, "a", font, mode);
   const uint8_t grayBytes[4] = {0x11, 0x44, 0xCC, 0xCC};

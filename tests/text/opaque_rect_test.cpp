@@ -1,4 +1,4 @@
-// The opaque rectangle: ETO_OPAQUE fills it with the background colour before the text is painted.
+// The opaque rectangle: ETO_OPAQUE fills it with the background color before the text is painted.
 #include <gtest/gtest.h>
 
 #include "text/font_builder.h"
@@ -158,9 +158,9 @@ TEST(OpaqueRect, Cases) {
           QNVDevExtTextOut(device.handle(), c.x, c.y, c.withClip ? &clip : nullptr, c.text.data(), c.count, font.base(),
                            font.offset(), &mode, nullptr, nullptr, &rect, c.options);
       EXPECT_EQ(c.count > 0 ? 3 : Extent(4, c.count < 0 ? 3 : 0), result) << c.name;
-      // The fill goes through a brush, so on a gray band its colour is the gray level; the text's is one byte of it.
+      // The fill goes through a brush, so on a gray band its color is the gray level; the text's is one byte of it.
       PictureInks inks = TextInks();
-      inks.push_back({'O', Physical(device, kBackColour)});
+      inks.push_back({'O', Physical(device, kBackColor)});
       EXPECT_TRUE(BandIs(device, inks, c.picture)) << c.name << ", " << depth << " bits";
       EXPECT_EQ(0, std::memcmp(&rect, &c.rect, sizeof rect)) << c.name << ": the rectangle was written";
       EXPECT_EQ(0, std::memcmp(&clip, &c.clip, sizeof clip)) << c.name << ": the clip rectangle was written";
@@ -177,7 +177,7 @@ TEST(OpaqueRect, NoCharactersWithWidths) {
   const int16_t widths[1] = {5};
   EXPECT_EQ(
       0, DrawTextAt(device, 0, 0, "", font, mode, {.charWidths = widths, .opaqueRect = &rect, .options = ETO_OPAQUE}));
-  EXPECT_TRUE(BandIs(device, {{'O', kBackColour}}, ".OO..."));
+  EXPECT_TRUE(BandIs(device, {{'O', kBackColor}}, ".OO..."));
 }
 
 // The option without a rectangle does nothing.
@@ -190,7 +190,7 @@ TEST(OpaqueRect, NoRectangle) {
 }
 
 // The fill is a transfer: it prepares the device's fill pattern, which a figure without a draw mode then uses.
-TEST(OpaqueRect, LeavesItsColourAsTheFillPattern) {
+TEST(OpaqueRect, LeavesItsColorAsTheFillPattern) {
   const Font font = SmallFont().Build();
   TestDevice device({.width = 6, .height = 2});
   DRAWMODE mode = TextMode();
@@ -198,7 +198,7 @@ TEST(OpaqueRect, LeavesItsColourAsTheFillPattern) {
   DrawTextAt(device, 0, 0, "", font, mode, {.opaqueRect = &rect, .options = ETO_OPAQUE});
   const int16_t points[4] = {0, 1, 2, 5};
   EXPECT_EQ(1u, QNVOutput(device.handle(), OS_SCANLINES, 2, points, nullptr, nullptr, nullptr, &kEverywhere) & 0xFFFF);
-  EXPECT_TRUE(BandIs(device, {{'O', kBackColour}},
+  EXPECT_TRUE(BandIs(device, {{'O', kBackColor}},
                      "O....."
                      "..OOO."));
 }

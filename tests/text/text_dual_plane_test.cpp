@@ -147,7 +147,7 @@ TEST(TextDualPlane, Cases) {
     EXPECT_EQ(Draw(plain, c, font, plainMode), Draw(device, c, font, mode));
     EXPECT_EQ(0, std::memcmp(&plainMode, &mode, sizeof mode)) << "the draw mode";
     EXPECT_TRUE(TagsMarked(device, c.tags));
-    EXPECT_TRUE(SameImage(BandImage(plain), BandImage(device))) << "colour plane";
+    EXPECT_TRUE(SameImage(BandImage(plain), BandImage(device))) << "color plane";
   }
 }
 
@@ -165,7 +165,7 @@ TEST(TextDualPlane, UniformPlaneIsLeftAlone) {
   }
 }
 
-// Position, band and origin are those of the colour plane; the rectangle's origin too.
+// Position, band and origin are those of the color plane; the rectangle's origin too.
 TEST(TextDualPlane, BandAndOrigin) {
   const Font font = SmallFont().Build();
   DualPlaneDevice device({.width = kColumns, .height = kRows, .left = 40, .top = 10});
@@ -183,7 +183,7 @@ TEST(TextDualPlane, BandAndOrigin) {
                          "....111......"));
 }
 
-// The colour fill starts at the caller's 0, the marks do not.
+// The color fill starts at the caller's 0, the marks do not.
 TEST(TextDualPlane, RectangleLeftOfTheCallersZero) {
   const Font font = SmallFont().Build();
   DualPlaneDevice device({.width = kColumns, .height = 2});
@@ -193,10 +193,10 @@ TEST(TextDualPlane, RectangleLeftOfTheCallersZero) {
   const BandRect rect{-3, 0, 2, 1};
   DrawTextAt(device, 0, 0, "", font, mode, {.opaqueRect = &rect, .options = ETO_OPAQUE});
   EXPECT_TRUE(TagsMarked(device, ".11111......."));
-  EXPECT_TRUE(BandIs(device, {{'O', kBackColour}}, "....OO......."));
+  EXPECT_TRUE(BandIs(device, {{'O', kBackColor}}, "....OO......."));
 }
 
-// A device described with one byte a pixel has a colour plane of that size, and nothing goes past it.
+// A device described with one byte a pixel has a color plane of that size, and nothing goes past it.
 TEST(TextDualPlane, DescribedWithAnotherDepth) {
   const Font font = SmallFont().Build();
   const BandRect rect{-50, -50, 50, 50};

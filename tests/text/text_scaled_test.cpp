@@ -193,7 +193,7 @@ TEST(TextScaled, LimitsWithoutAClipRectangle) {
   EXPECT_EQ(10, DrawTextAt(device, 12, 37, "a", font, mode, {.clip = nullptr}));
   PlaneImage expected = UntouchedBand(device);
   // Rows 37 and 38 both are band row 19; columns 12, 14, 16, 18.
-  for (uint32_t column = 6; column <= 9; ++column) expected.SetColor(column, 19, kTextColour);
+  for (uint32_t column = 6; column <= 9; ++column) expected.SetColor(column, 19, kTextColor);
   EXPECT_TRUE(SameImage(expected, BandImage(device)));
 }
 
@@ -204,7 +204,7 @@ TEST(TextScaled, OpaqueRectangle) {
   const BandRect rect{2, 1, 9, 6};
   DrawTextAt(device, 4, 2, "a", font, mode, {.opaqueRect = &rect, .options = ETO_OPAQUE});
   PictureInks inks = TextInks();
-  inks.push_back({'O', kBackColour});
+  inks.push_back({'O', kBackColor});
   // The fill keeps even rows and columns: 2 and 4 down, 2..8 across. Text rows 2..5 land on 1, 2, 2, 3.
   EXPECT_TRUE(BandIs(device, inks,
                      "............."
@@ -254,9 +254,9 @@ TEST(TextScaled, GrayMode) {
     for (uint32_t row = 0; row < 4; ++row) {
       for (uint32_t column = 0; column < 3; ++column) {
         if (rows[row][column] == '#') {
-          expected.SetColor(column + 1, row + 1, Regrayed(kTextColour));
+          expected.SetColor(column + 1, row + 1, Regrayed(kTextColor));
         } else if (bkMode == OPAQUE) {
-          expected.SetColor(column + 1, row + 1, Regrayed(kBackColour));
+          expected.SetColor(column + 1, row + 1, Regrayed(kBackColor));
         }
       }
     }

@@ -150,7 +150,7 @@ TEST(TwoByteText, CutAtEveryColumn) {
     PlaneImage expected = UntouchedBand(device);
     for (uint32_t row = 0; row < 2; ++row) {
       for (uint32_t column = static_cast<uint32_t>(left); column < 9; ++column) {
-        expected.SetColor(column, row, rows[row][column] == '#' ? kTextColour : kBackColour);
+        expected.SetColor(column, row, rows[row][column] == '#' ? kTextColor : kBackColor);
       }
     }
     TwoByteText(device, 0, 0, {300}, 1, font, mode, {.clip = &clip});

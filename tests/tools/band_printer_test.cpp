@@ -100,7 +100,7 @@ Page FullPage(const DeviceChoice& device, tool::FontShelf& fonts) {
   Fill hatch;
   hatch.kind = Fill::Kind::kHatch;
   hatch.hatch = HS_DIAGCROSS;
-  hatch.colour = 0x2010C0;
+  hatch.color = 0x2010C0;
   Fill gaps = hatch;
   gaps.opaque = true;
   gaps.hatch = HS_BDIAGONAL;
@@ -108,14 +108,14 @@ Page FullPage(const DeviceChoice& device, tool::FontShelf& fonts) {
   Fill bits;
   bits.kind = Fill::Kind::kBits;
   bits.bits = {0x18, 0x3C, 0x7E, 0xFF, 0xF0, 0x0F, 0xAA, 0x55};
-  bits.colour = 0x006000;
+  bits.color = 0x006000;
   bits.background = 0xC0FFC0;
   Fill weave;
   weave.kind = Fill::Kind::kWeave;
-  weave.colour = 0xFF8000;
+  weave.color = 0xFF8000;
   weave.background = 0x0080FF;
   Fill solid;
-  solid.colour = 0x804020;
+  solid.color = 0x804020;
   const auto ring = tool::Subtract(tool::EllipseRegion(100, 90, 190, 160), tool::EllipseRegion(115, 105, 175, 145));
   auto& items = page.items;
   items.emplace_back(Filled(tool::RectRegion(12, 100, 90, 150), hatch));
@@ -233,20 +233,20 @@ TEST(BandPrinter, StripsStandInOrder) {
   }
 }
 
-// Logical colour of a pixel; on a gray device its level three times.
-tool::Colour ColourAt(const Printed& printed, int x, int y) {
+// Logical color of a pixel; on a gray device its level three times.
+tool::Color ColorAt(const Printed& printed, int x, int y) {
   const uint8_t* const p = printed.At(x, y);
   if (printed.bytesPerPixel == 1) return p[0] * 0x010101u;
-  return static_cast<tool::Colour>(p[2] | p[1] << 8 | p[0] << 16);
+  return static_cast<tool::Color>(p[2] | p[1] << 8 | p[0] << 16);
 }
 
-tool::Colour Gray(tool::Colour colour) {
-  return ((colour & 0xFF) * 30 + (colour >> 8 & 0xFF) * 59 + (colour >> 16) * 11) / 100 * 0x010101;
+tool::Color Gray(tool::Color color) {
+  return ((color & 0xFF) * 30 + (color >> 8 & 0xFF) * 59 + (color >> 16) * 11) / 100 * 0x010101;
 }
 
-TEST(BandPrinter, FillsHaveTheirColours) {
-  constexpr tool::Colour kFront = 0x302010;
-  constexpr tool::Colour kBack = 0x80C0F0;
+TEST(BandPrinter, FillsHaveTheirColors) {
+  constexpr tool::Color kFront = 0x302010;
+  constexpr tool::Color kBack = 0x80C0F0;
   const auto page = [](const Fill& fill) {
     Page result;
     result.width = result.height = 16;
@@ -255,35 +255,35 @@ TEST(BandPrinter, FillsHaveTheirColours) {
   };
   for (const char* name : {"color", "gray", "dual", "scaled:100/100", "scaled-gray:100/100"}) {
     const DeviceChoice device = Device(name, 100);
-    const auto physical = [&](tool::Colour colour) { return device.isGray() ? Gray(colour) : colour; };
+    const auto physical = [&](tool::Color color) { return device.isGray() ? Gray(color) : color; };
     SCOPED_TRACE(name);
     Fill fill;
-    fill.colour = kFront;
+    fill.color = kFront;
     fill.background = kBack;
     for (const auto kind : {Fill::Kind::kPen, Fill::Kind::kSolid}) {
       fill.kind = kind;
-      EXPECT_EQ(ColourAt(PrintPage(page(fill), device, 3), 5, 7), physical(kFront));
+      EXPECT_EQ(ColorAt(PrintPage(page(fill), device, 3), 5, 7), physical(kFront));
     }
     fill.kind = Fill::Kind::kHatch;
     fill.hatch = HS_VERTICAL;
-    EXPECT_EQ(ColourAt(PrintPage(page(fill), device, 3), 8, 3), physical(kFront));
-    EXPECT_EQ(ColourAt(PrintPage(page(fill), device, 3), 9, 3), tool::kWhite);
+    EXPECT_EQ(ColorAt(PrintPage(page(fill), device, 3), 8, 3), physical(kFront));
+    EXPECT_EQ(ColorAt(PrintPage(page(fill), device, 3), 9, 3), tool::kWhite);
     fill.opaque = true;
-    EXPECT_EQ(ColourAt(PrintPage(page(fill), device, 3), 9, 3), physical(kBack));
+    EXPECT_EQ(ColorAt(PrintPage(page(fill), device, 3), 9, 3), physical(kBack));
     fill.opaque = false;
     fill.kind = Fill::Kind::kBits;
     fill.bits = {0xFF, 0x80};
     const Printed bits = PrintPage(page(fill), device, 3);
-    EXPECT_EQ(ColourAt(bits, 3, 0), physical(kBack));
-    EXPECT_EQ(ColourAt(bits, 0, 1), physical(kBack));
-    EXPECT_EQ(ColourAt(bits, 1, 1), physical(kFront));
-    EXPECT_EQ(ColourAt(bits, 8, 2), physical(kFront));
+    EXPECT_EQ(ColorAt(bits, 3, 0), physical(kBack));
+    EXPECT_EQ(ColorAt(bits, 0, 1), physical(kBack));
+    EXPECT_EQ(ColorAt(bits, 1, 1), physical(kFront));
+    EXPECT_EQ(ColorAt(bits, 8, 2), physical(kFront));
     fill.kind = Fill::Kind::kWeave;
     const Printed weave = PrintPage(page(fill), device, 3);
-    EXPECT_EQ(ColourAt(weave, 5, 3), physical(kFront));
-    EXPECT_EQ(ColourAt(weave, 9, 3), physical(kBack));
-    EXPECT_EQ(ColourAt(weave, 7, 3), physical(0x587080));  // half of each
-    EXPECT_EQ(ColourAt(weave, 7, 8), tool::kWhite);
+    EXPECT_EQ(ColorAt(weave, 5, 3), physical(kFront));
+    EXPECT_EQ(ColorAt(weave, 9, 3), physical(kBack));
+    EXPECT_EQ(ColorAt(weave, 7, 3), physical(0x587080));  // half of each
+    EXPECT_EQ(ColorAt(weave, 7, 8), tool::kWhite);
   }
 }
 
@@ -294,7 +294,7 @@ TEST(BandPrinter, AScaledDeviceOfOneScaleIsAPlainDevice) {
   EXPECT_TRUE(PrintPage(page, scaled, 50) == PrintPage(page, Device("color", 100), 50));
 }
 
-TEST(BandPrinter, DualIsColourWithTags) {
+TEST(BandPrinter, DualIsColorWithTags) {
   tool::FontShelf fonts = SyntheticShelf(100);
   const DeviceChoice dual = Device("dual", 100);
   const Page page = FullPage(dual, fonts);

@@ -14,7 +14,7 @@ struct BmpFile {
   uint16_t bitCount = 24;
   uint32_t compression = 0;
   uint32_t imageSize = 0;
-  uint32_t colours = 0;  // biClrUsed
+  uint32_t colors = 0;  // biClrUsed
   uint32_t xPixelsPerMetre = 0;
   uint32_t yPixelsPerMetre = 0;
   std::vector<uint32_t> masks;  // after a 40-byte header, else at their place inside the header
@@ -41,14 +41,14 @@ struct BmpFile {
     Put(file, 2, planes);
     Put(file, 2, bitCount);
     if (headerSize >= 40) {
-      for (const uint32_t field : {compression, imageSize, xPixelsPerMetre, yPixelsPerMetre, colours, 0u}) {
+      for (const uint32_t field : {compression, imageSize, xPixelsPerMetre, yPixelsPerMetre, colors, 0u}) {
         Put(file, 4, field);
       }
     }
     for (const uint32_t mask : masks) Put(file, 4, mask);
     // What the larger headers hold besides is not zero, so that a reader at a wrong place shows itself.
     while (file.size() < 14 + headerSize) file.push_back(0x5A);
-    for (const uint32_t colour : table) Put(file, headerSize == 12 ? 3 : 4, colour);
+    for (const uint32_t color : table) Put(file, headerSize == 12 ? 3 : 4, color);
     const uint32_t offset = static_cast<uint32_t>(file.size()) + static_cast<uint32_t>(offsetChange);
     for (std::size_t i = 0; i < 4; ++i) file[10 + i] = static_cast<uint8_t>(offset >> 8 * i);
     file.insert(file.end(), pixels.begin(), pixels.end());

@@ -37,7 +37,7 @@ BmpFile WithRows(BmpFile file) {
   return file;
 }
 
-std::vector<uint32_t> Colours(std::size_t count) {
+std::vector<uint32_t> Colors(std::size_t count) {
   std::vector<uint32_t> table;
   for (std::size_t i = 0; i < count; ++i) table.push_back(static_cast<uint32_t>(0x102030 + i * 0x010203) & 0xFFFFFF);
   return table;
@@ -48,7 +48,7 @@ TEST(BmpReader, EveryHeaderSizeGivesTheSameBitmap) {
     BmpFile file;
     file.headerSize = size;
     file.bitCount = 8;
-    file.table = Colours(256);
+    file.table = Colors(256);
     file = WithRows(file);
     const Dib dib = ReadBmp(file.Bytes(), "x.bmp");
     SCOPED_TRACE(size);
@@ -74,7 +74,7 @@ TEST(BmpReader, EveryDepthKeepsItsRows) {
       BmpFile file;
       file.bitCount = static_cast<uint16_t>(bits);
       file.height = height;
-      if (bits <= 8) file.table = Colours(std::size_t{1} << bits);
+      if (bits <= 8) file.table = Colors(std::size_t{1} << bits);
       file = WithRows(file);
       const Dib dib = ReadBmp(file.Bytes(), "x.bmp");
       SCOPED_TRACE(testing::Message() << bits << " bits, height " << height);
@@ -89,8 +89,8 @@ TEST(BmpReader, EveryDepthKeepsItsRows) {
 TEST(BmpReader, ShortTablesAreTakenAsTheyAre) {
   BmpFile file;
   file.bitCount = 8;
-  file.colours = 3;
-  file.table = Colours(3);
+  file.colors = 3;
+  file.table = Colors(3);
   const Dib dib = ReadBmp(WithRows(file).Bytes(), "x.bmp");
   EXPECT_EQ(tool::U32At(dib.info, 32), 3u);
   EXPECT_EQ(dib.info.size(), 40u + 3 * 4);
@@ -100,8 +100,8 @@ TEST(BmpReader, ShortTablesAreTakenAsTheyAre) {
 TEST(BmpReader, TablesThatRunIntoThePixelsAreCut) {
   BmpFile file;
   file.bitCount = 8;
-  file.colours = 200;
-  file.table = Colours(10);
+  file.colors = 200;
+  file.table = Colors(10);
   const Dib dib = ReadBmp(WithRows(file).Bytes(), "x.bmp");
   EXPECT_EQ(tool::U32At(dib.info, 32), 10u);
   ASSERT_EQ(dib.remarks.size(), 1u);
@@ -111,16 +111,16 @@ TEST(BmpReader, TablesThatRunIntoThePixelsAreCut) {
 TEST(BmpReader, TablesLongerThanTheDepthAllowsAreCut) {
   BmpFile file;
   file.bitCount = 1;
-  file.colours = 300;
-  file.table = Colours(300);
+  file.colors = 300;
+  file.table = Colors(300);
   const Dib dib = ReadBmp(WithRows(file).Bytes(), "x.bmp");
   EXPECT_EQ(tool::U32At(dib.info, 32), 2u);
 }
 
 TEST(BmpReader, HintTablesOfDeepPixelsAreLeftOut) {
   BmpFile file;
-  file.colours = 16;
-  file.table = Colours(16);
+  file.colors = 16;
+  file.table = Colors(16);
   file = WithRows(file);
   const Dib dib = ReadBmp(file.Bytes(), "x.bmp");
   EXPECT_EQ(dib.info.size(), 40u);
@@ -196,7 +196,7 @@ BmpFile RleFile(uint16_t bits, std::vector<uint8_t> codes) {
   BmpFile file;
   file.bitCount = static_cast<uint16_t>(bits);
   file.compression = bits == 8 ? BI_RLE8 : BI_RLE4;
-  file.table = Colours(std::size_t{1} << bits);
+  file.table = Colors(std::size_t{1} << bits);
   file.pixels = std::move(codes);
   return file;
 }
@@ -286,7 +286,7 @@ TEST(BmpReader, EveryTruncationOfTheHeadersIsReported) {
       BmpFile file;
       file.headerSize = size;
       file.bitCount = static_cast<uint16_t>(bits);
-      if (bits == 4) file.table = Colours(16);
+      if (bits == 4) file.table = Colors(16);
       if (bits != 4 && size >= 40 && size != 64) {
         file.compression = BI_BITFIELDS;
         file.masks = {0xF800, 0x07E0, 0x001F};
@@ -306,7 +306,7 @@ TEST(BmpReader, EveryByteOfTheHeadersMayBeAnything) {
     BmpFile file;
     file.headerSize = size;
     file.bitCount = 8;
-    file.table = Colours(256);
+    file.table = Colors(256);
     const std::vector<uint8_t> whole = WithRows(file).Bytes();
     int accepted = 0;
     int refused = 0;

@@ -57,7 +57,7 @@ TEST_F(Figures, MillimetresBecomePixels) {
   EXPECT_EQ(figure.region.top, 20);
   EXPECT_EQ(figure.region.bottom(), 60);
   EXPECT_EQ(figure.region.rows[0], (tool::SpanRow{{10, 45}}));
-  EXPECT_EQ(figure.fill.colour, 0x204080u);
+  EXPECT_EQ(figure.fill.color, 0x204080u);
   EXPECT_EQ(figure.rop2, R2_COPYPEN);
 }
 
@@ -79,7 +79,7 @@ TEST_F(Figures, FillsAndLines) {
   EXPECT_EQ(ItemAt<Figure>(page, 2).fill.bits, (std::array<uint8_t, 8>{1, 0x23, 0x45, 0x67, 0x89, 0xAB, 0xCD, 0xEF}));
   EXPECT_EQ(ItemAt<Figure>(page, 3).fill.kind, Fill::Kind::kWeave);
   EXPECT_EQ(ItemAt<Figure>(page, 4).fill.kind, Fill::Kind::kPen);
-  EXPECT_EQ(ItemAt<Figure>(page, 4).fill.colour, 0xFFFFFFu);
+  EXPECT_EQ(ItemAt<Figure>(page, 4).fill.color, 0xFFFFFFu);
   EXPECT_EQ(ItemAt<Figure>(page, 5).region.rows.size(), 2u);  // 0.2 mm
   EXPECT_EQ(ItemAt<Figure>(page, 6).fill.kind, Fill::Kind::kSolid);
 }
@@ -93,7 +93,7 @@ TEST_F(Figures, TextBreaksAndJustifies) {
   ASSERT_GT(page.items.size(), 3u);
   EXPECT_EQ(ItemAt<TextLine>(page, 0).runs.at(0).latin, "one line");
   EXPECT_EQ(ItemAt<TextLine>(page, 0).baseline, 100);
-  EXPECT_EQ(ItemAt<TextLine>(page, 1).colour, 0x0000FFu);
+  EXPECT_EQ(ItemAt<TextLine>(page, 1).color, 0x0000FFu);
   EXPECT_GT(ItemAt<TextLine>(page, 1).breakCount, 0);
   EXPECT_GT(ItemAt<TextLine>(page, 2).baseline, ItemAt<TextLine>(page, 1).baseline);
 }
@@ -125,8 +125,8 @@ TEST_F(Figures, MistakesAreNamed) {
       {"rect 1 2 3 x", "H: \"x\" is no number"},
       {"rect 1 2 3 nan", "H: \"nan\" is no number"},
       {"rect 1 2 3 1e9", "H: \"1e9\" is no number"},
-      {"rect 1 2 3 4 colour=#000000", "rect: has no option \"colour\""},
-      {"rect 1 2 3 4 fill=red", "\"red\" is no colour"},
+      {"rect 1 2 3 4 color=#000000", "rect: has no option \"color\""},
+      {"rect 1 2 3 4 fill=red", "\"red\" is no color"},
       {"rect 1 2 3 4 fill=#12345g", "no hexadecimal number"},
       {"rect 1 2 3 4 fill=hatch:dots:#000000", "\"dots\" is no kind of hatch"},
       {"rect 1 2 3 4 fill=bits:12:#000000:#ffffff", "fill: \"bits:12:#000000:#ffffff\" is none of"},

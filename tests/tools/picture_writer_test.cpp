@@ -55,7 +55,7 @@ PngFile ReadPng(const std::string& path) {
 }
 
 // Three pixels a row, two rows, four bytes of padding that must not appear.
-constexpr uint8_t kColour[] = {1, 2, 3, 4, 5, 6, 7, 8, 9, 99, 99, 99, 11, 12, 13, 14, 15, 16, 17, 18, 19, 99, 99, 99};
+constexpr uint8_t kColor[] = {1, 2, 3, 4, 5, 6, 7, 8, 9, 99, 99, 99, 11, 12, 13, 14, 15, 16, 17, 18, 19, 99, 99, 99};
 constexpr uint8_t kGray[] = {10, 20, 30, 99, 40, 50, 60, 99};
 constexpr uint8_t kTags[] = {0, 1, 3, 99, 3, 2, 1, 99};
 
@@ -70,8 +70,8 @@ PngFile WriteAndRead(Pixels pixels, const uint8_t* first, std::size_t stride) {
   return ReadPng(path);
 }
 
-TEST(PictureWriter, ColourPng) {
-  const PngFile png = WriteAndRead(Pixels::kColour, kColour, 12);
+TEST(PictureWriter, ColorPng) {
+  const PngFile png = WriteAndRead(Pixels::kColor, kColor, 12);
   EXPECT_EQ(png.width, 3);
   EXPECT_EQ(png.height, 2);
   EXPECT_EQ(png.type, PNG_COLOR_TYPE_RGB);
@@ -86,7 +86,7 @@ TEST(PictureWriter, GrayPng) {
 }
 
 TEST(PictureWriter, GrayOfThreeBytes) {
-  const PngFile png = WriteAndRead(Pixels::kGrayOf3, kColour, 12);
+  const PngFile png = WriteAndRead(Pixels::kGrayOf3, kColor, 12);
   EXPECT_EQ(png.type, PNG_COLOR_TYPE_GRAY);
   EXPECT_EQ(png.bytes, (std::vector<uint8_t>{1, 1, 1, 4, 4, 4, 7, 7, 7, 11, 11, 11, 14, 14, 14, 17, 17, 17}));
 }
@@ -116,7 +116,7 @@ TEST(PictureWriter, LargePng) {
     pixels[i] = row % 300 < 100 ? static_cast<uint8_t>(random >> 24) : static_cast<uint8_t>(row * i % kRow / 40);
   }
   const auto write = [&](const std::string& path, int rows) {
-    const auto writer = tool::CreatePngFile(path, {kWidth, kHeight, 300, Pixels::kColour});
+    const auto writer = tool::CreatePngFile(path, {kWidth, kHeight, 300, Pixels::kColor});
     for (int y = 0; y < kHeight; y += rows) {
       writer->WriteRows(pixels.data() + static_cast<std::size_t>(y) * kRow, kRow, std::min(rows, kHeight - y));
     }
@@ -153,7 +153,7 @@ std::string WriteAndReadPnm(Pixels pixels, const uint8_t* first, std::size_t str
 }
 
 TEST(PictureWriter, PnmFiles) {
-  EXPECT_EQ(WriteAndReadPnm(Pixels::kColour, kColour, 12),
+  EXPECT_EQ(WriteAndReadPnm(Pixels::kColor, kColor, 12),
             std::string("P6\n3 2\n255\n\3\2\1\6\5\4\11\10\7\15\14\13\20\17\16\23\22\21"));
   EXPECT_EQ(WriteAndReadPnm(Pixels::kGray, kGray, 4), std::string("P5\n3 2\n255\n\12\24\36\50\62\74"));
   EXPECT_EQ(WriteAndReadPnm(Pixels::kTags, kTags, 4), std::string("P5\n3 2\n255\n\0\1\3\3\2\1", 17));

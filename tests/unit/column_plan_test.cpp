@@ -17,16 +17,16 @@ namespace {
 
 using test::FencedBuffer;
 
-struct Colour {
+struct Color {
   uint32_t red, green, blue;
 };
 
 struct Source {
   uint32_t bitCount;
   const uint8_t* row;
-  const std::vector<Colour>& table;
+  const std::vector<Color>& table;
 
-  Colour At(int32_t x) const {
+  Color At(int32_t x) const {
     const uint8_t* pixel = row + static_cast<uint32_t>(x) * bitCount / 8;
     const uint32_t inByte = static_cast<uint32_t>(x) * bitCount % 8;
     if (bitCount <= 8) return table[*pixel >> (8 - bitCount - inByte) & ((1u << bitCount) - 1)];
@@ -40,7 +40,7 @@ struct Source {
   }
 };
 
-void Store(uint8_t* out, std::size_t at, PixelTarget target, const Colour& c) {
+void Store(uint8_t* out, std::size_t at, PixelTarget target, const Color& c) {
   const uint32_t bytes[3] = {c.blue, c.green, c.red};
   for (std::size_t i = 0; i < 3; ++i) {
     if (target == PixelTarget::kBand24) out[3 * at + i] = static_cast<uint8_t>(bytes[i]);
@@ -61,7 +61,7 @@ void ConvertNaively(uint8_t* out, const Source& source, const Stepping& stepping
   }
 }
 
-uint32_t TableEntry(const Colour& c, PixelTarget target) {
+uint32_t TableEntry(const Color& c, PixelTarget target) {
   uint8_t bytes[4] = {};
   Store(bytes, 0, target, c);
   return bytes[0] | static_cast<uint32_t>(bytes[1]) << 8 | static_cast<uint32_t>(bytes[2]) << 16;
@@ -113,13 +113,13 @@ class ColumnPlanTest : public testing::TestWithParam<test::KernelLevel> {
     FencedBuffer expected(bytes, 0xEE), out(bytes, 0xEE);
     ConvertNaively(expected.data(), {bitCount, row.data(), table_}, stepping, mapping, target);
 
-    PixelColours colours{};
-    for (std::size_t i = 0; i < table_.size(); ++i) colours.table.entries[i] = TableEntry(table_[i], target);
-    colours.masks = FiveBitMasks(target);
+    PixelColors colors{};
+    for (std::size_t i = 0; i < table_.size(); ++i) colors.table.entries[i] = TableEntry(table_[i], target);
+    colors.masks = FiveBitMasks(target);
     ColumnPlan plan;
     ASSERT_TRUE(plan.Make(stepping, mapping, bitCount, target, buffers_));
     plan.Apply(out.data(), row.data(), RowConverterFor(bitCount, target),
-               ConverterContext{colours, KernelsFor(GetParam().level)});
+               ConverterContext{colors, KernelsFor(GetParam().level)});
     ASSERT_EQ(0, std::memcmp(expected.data(), out.data(), bytes))
         << bitCount << " bits, target " << static_cast<int>(target) << ", " << scale.name << ", " << columns
         << " columns from " << left << ", " << shown << " shown from " << hidden << (mirrored ? ", mirrored" : "");
@@ -127,7 +127,7 @@ class ColumnPlanTest : public testing::TestWithParam<test::KernelLevel> {
   }
 
   std::mt19937 random_{1};
-  std::vector<Colour> table_;
+  std::vector<Color> table_;
   ImageBuffers buffers_;
 };
 

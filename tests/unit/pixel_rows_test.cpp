@@ -36,12 +36,12 @@ TEST_P(PixelRowsTest, ExpandBytes) {
   for (uint32_t& entry : table) entry = random_() & 0xFFFFFF;
   for (std::size_t pixels = 0; pixels <= kMaxPixels; ++pixels) {
     const Bytes source = Random(pixels);
-    Bytes colours, grays;
+    Bytes colors, grays;
     for (const uint8_t index : source) {
-      Append24(&colours, table[index]);
+      Append24(&colors, table[index]);
       grays.push_back(static_cast<uint8_t>(table[index]));
     }
-    Check(source, colours, [&](uint8_t* d, const uint8_t* s) { rows().ExpandBytesRow24(d, s, pixels, table); });
+    Check(source, colors, [&](uint8_t* d, const uint8_t* s) { rows().ExpandBytesRow24(d, s, pixels, table); });
     Check(source, grays, [&](uint8_t* d, const uint8_t* s) { rows().ExpandBytesRow8(d, s, pixels, table); });
   }
 }
@@ -52,15 +52,14 @@ TEST_P(PixelRowsTest, ExpandNibbles) {
   for (std::size_t pixels = 0; pixels <= kMaxPixels; ++pixels) {
     for (const bool odd : {false, true}) {
       const Bytes source = Random((pixels + (odd ? 1 : 0) + 1) / 2);
-      Bytes colours, grays;
+      Bytes colors, grays;
       for (std::size_t i = 0; i < pixels; ++i) {
         const std::size_t at = i + (odd ? 1 : 0);
         const uint32_t entry = table[at % 2 == 0 ? source[at / 2] >> 4 : source[at / 2] & 15];
-        Append24(&colours, entry);
+        Append24(&colors, entry);
         grays.push_back(static_cast<uint8_t>(entry));
       }
-      Check(source, colours,
-            [&](uint8_t* d, const uint8_t* s) { rows().ExpandNibblesRow24(d, s, odd, pixels, table); });
+      Check(source, colors, [&](uint8_t* d, const uint8_t* s) { rows().ExpandNibblesRow24(d, s, odd, pixels, table); });
       Check(source, grays, [&](uint8_t* d, const uint8_t* s) { rows().ExpandNibblesRow8(d, s, odd, pixels, table); });
     }
   }
@@ -126,14 +125,14 @@ TEST_P(PixelRowsTest, GrayOfEverySum) {
 
 TEST_P(PixelRowsTest, GraysInThreeBytes) {
   for (std::size_t pixels = 0; pixels <= kMaxPixels; ++pixels) {
-    const Bytes colours = Random(3 * pixels), grays = Random(pixels);
+    const Bytes colors = Random(3 * pixels), grays = Random(pixels);
     Bytes regrayed, tripled;
     for (std::size_t i = 0; i < pixels; ++i) {
-      const uint8_t* p = colours.data() + 3 * i;
+      const uint8_t* p = colors.data() + 3 * i;
       regrayed.insert(regrayed.end(), 3, static_cast<uint8_t>((p[0] * 30 + p[1] * 59 + p[2] * 11) / 100));
       tripled.insert(tripled.end(), 3, grays[i]);
     }
-    Check(colours, regrayed, [&](uint8_t* d, const uint8_t* s) {
+    Check(colors, regrayed, [&](uint8_t* d, const uint8_t* s) {
       if (pixels != 0) std::memcpy(d, s, 3 * pixels);
       rows().RegrayRow24(d, pixels);
     });

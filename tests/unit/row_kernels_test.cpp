@@ -165,7 +165,7 @@ TEST_P(RowKernelsTest, ExpandBits) {
       const std::size_t offset = place % 8, alignment = place / 8;
       const Bytes bits = Random((offset + pixels + 7) / 8);
       const FencedSource source(bits);
-      const auto byteOf = [](uint32_t colour, std::size_t i) { return static_cast<uint8_t>(colour >> 8 * i); };
+      const auto byteOf = [](uint32_t color, std::size_t i) { return static_cast<uint8_t>(color >> 8 * i); };
       Check(
           3 * pixels, alignment,
           [&](uint8_t* dst) { rows().ExpandBitsRow24(dst, source.data(), offset, pixels, kSet, kClear); },
@@ -179,13 +179,13 @@ TEST_P(RowKernelsTest, ExpandBits) {
 }
 
 BitColors MakeColors(uint32_t set, uint32_t clear, uint32_t bytesPerPixel) {
-  BitColors colours{set, clear, {}, {}, {}};
+  BitColors colors{set, clear, {}, {}, {}};
   for (uint32_t i = 0; i < 24; ++i) {
-    colours.setBytes[i] = static_cast<uint8_t>(set >> i % bytesPerPixel * 8);
-    colours.clearBytes[i] = static_cast<uint8_t>(clear >> i % bytesPerPixel * 8);
-    colours.changeBytes[i] = static_cast<uint8_t>(colours.setBytes[i] ^ colours.clearBytes[i]);
+    colors.setBytes[i] = static_cast<uint8_t>(set >> i % bytesPerPixel * 8);
+    colors.clearBytes[i] = static_cast<uint8_t>(clear >> i % bytesPerPixel * 8);
+    colors.changeBytes[i] = static_cast<uint8_t>(colors.setBytes[i] ^ colors.clearBytes[i]);
   }
-  return colours;
+  return colors;
 }
 
 TEST_P(RowKernelsTest, GlyphColumns) {
@@ -202,7 +202,7 @@ TEST_P(RowKernelsTest, GlyphColumns) {
                             {"paint 8", 1, true, rows().PaintGlyph8}};
   for (const Kernel& k : kernels) {
     SCOPED_TRACE(k.name);
-    const BitColors colours = MakeColors(0x00C3A55A, 0x000F1E2D, k.bytesPerPixel);
+    const BitColors colors = MakeColors(0x00C3A55A, 0x000F1E2D, k.bytesPerPixel);
     for (std::size_t offset = 0; offset < 8; ++offset) {
       for (std::size_t pixels = 0; offset + pixels <= 8; ++pixels) {
         for (std::size_t alignment = 0; alignment < kAlignments; ++alignment) {
@@ -213,13 +213,13 @@ TEST_P(RowKernelsTest, GlyphColumns) {
           const std::size_t stride = width + gap;
           const GlyphColumn column{source.data(), kRows, offset, pixels};
           Check(
-              kRows * stride, alignment, [&](uint8_t* dst) { k.kernel(dst, stride, column, colours); },
+              kRows * stride, alignment, [&](uint8_t* dst) { k.kernel(dst, stride, column, colors); },
               [&](std::size_t i, uint8_t d) -> uint8_t {
                 const std::size_t row = i / stride, at = i % stride;
                 if (at >= width) return d;
                 const bool set = (bits[row] >> (7 - offset - at / k.bytesPerPixel) & 1) != 0;
                 if (!set && k.transparent) return d;
-                return set ? colours.setBytes[at] : colours.clearBytes[at];
+                return set ? colors.setBytes[at] : colors.clearBytes[at];
               });
         }
       }

@@ -14,8 +14,8 @@ std::size_t StrideOf(int32_t width, uint16_t bitCount) {
   return ((static_cast<std::size_t>(width) * bitCount + 31) / 32) * 4;
 }
 
-// One colour of a header's table.
-RGBQUAD NoiseColour(RandomBytes* random, bool gray) {
+// One color of a header's table.
+RGBQUAD NoiseColor(RandomBytes* random, bool gray) {
   const uint8_t blue = random->Byte();
   return gray ? RGBQUAD{blue, blue, blue, 0} : RGBQUAD{blue, random->Byte(), random->Byte(), 0};
 }
@@ -55,8 +55,8 @@ void DibSample::LimitIndices(uint32_t limit) {
 void DibSample::WriteHeader(const DibForm& form, RowOrder order, uint64_t seed, bool gray) {
   // Longer headers hold the masks at the byte where shorter ones are followed by them.
   const bool masked = form.compression == BI_BITFIELDS;
-  const std::size_t colours = form.bitCount > 8 ? 0 : form.coloursUsed != 0 ? form.coloursUsed : 1u << form.bitCount;
-  info_.resize(std::max<std::size_t>(form.headerSize, masked ? 52 : 40) + colours * sizeof(RGBQUAD));
+  const std::size_t colors = form.bitCount > 8 ? 0 : form.colorsUsed != 0 ? form.colorsUsed : 1u << form.bitCount;
+  info_.resize(std::max<std::size_t>(form.headerSize, masked ? 52 : 40) + colors * sizeof(RGBQUAD));
   BITMAPINFOHEADER header{};
   header.biSize = form.headerSize;
   header.biWidth = width_;
@@ -65,13 +65,13 @@ void DibSample::WriteHeader(const DibForm& form, RowOrder order, uint64_t seed, 
   header.biBitCount = form.bitCount;
   header.biCompression = form.compression;
   header.biSizeImage = static_cast<DWORD>(bits_.size());  // the platform asks for it where rows are compressed
-  header.biClrUsed = form.coloursUsed;
+  header.biClrUsed = form.colorsUsed;
   std::memcpy(info_.data(), &header, sizeof header);
   if (masked) std::memcpy(info_.data() + 40, form.masks, sizeof form.masks);
   RandomBytes random(seed + 1000);
-  for (std::size_t i = 0; i < colours; ++i) {
-    const RGBQUAD colour = NoiseColour(&random, gray);
-    std::memcpy(info_.data() + form.headerSize + i * sizeof colour, &colour, sizeof colour);
+  for (std::size_t i = 0; i < colors; ++i) {
+    const RGBQUAD color = NoiseColor(&random, gray);
+    std::memcpy(info_.data() + form.headerSize + i * sizeof color, &color, sizeof color);
   }
 }
 

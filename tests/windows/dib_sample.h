@@ -17,7 +17,7 @@ struct DibForm {
   uint32_t compression = BI_RGB;
   uint32_t masks[3] = {};  // red, green, blue; of bit-fields
   uint32_t headerSize = 40;
-  uint32_t coloursUsed = 0;
+  uint32_t colorsUsed = 0;
 };
 
 inline void PrintTo(const DibForm& form, std::ostream* out) { *out << form.name; }

@@ -29,7 +29,7 @@ inline constexpr Difference kPatternOrigin{"pattern origin", Nature::kPromised};
 inline constexpr Difference kLargePattern{"large pattern", Nature::kPromised};
 inline constexpr Difference kHatchShapes{"hatch shapes", Nature::kLeftOpen};
 inline constexpr Difference kHatchScale{"hatch scale", Nature::kPromised};
-inline constexpr Difference kGrayOfColour{"gray of a colour", Nature::kPromised};
+inline constexpr Difference kGrayOfColor{"gray of a color", Nature::kPromised};
 inline constexpr Difference kNoBrush{"no brush", Nature::kPromised};
 inline constexpr Difference kStyledPen{"styled pen", Nature::kPromised};
 inline constexpr Difference kPixelOrder{"order of a pixel read", Nature::kPromised};
@@ -39,7 +39,7 @@ inline constexpr Difference kMirrorCorner{"corner of a mirrored image", Nature::
 inline constexpr Difference kShrinking{"shrinking", Nature::kLeftOpen};
 inline constexpr Difference kBrokenFactor{"enlarging by a broken factor", Nature::kLeftOpen};
 inline constexpr Difference kBeyondImage{"source beyond the image", Nature::kLeftOpen};
-inline constexpr Difference kShortTable{"short colour table", Nature::kLeftOpen};
+inline constexpr Difference kShortTable{"short color table", Nature::kLeftOpen};
 inline constexpr Difference kOneBitField{"field of one bit", Nature::kLeftOpen};
 inline constexpr Difference kWideMasks{"masks of 32 bits", Nature::kPromised};
 inline constexpr Difference kCoreHeader{"core header", Nature::kPromised};
@@ -57,7 +57,7 @@ inline constexpr Difference kFiveBitMatching{"gray matched by five bits", Nature
 
 inline constexpr Difference kDifferences[] = {
     kClippedSource, kTurnedExtents, kZeroClip,     kTurnedClip,     kTransparentHatch,  kPatternOrigin,
-    kLargePattern,  kHatchShapes,   kHatchScale,   kGrayOfColour,   kNoBrush,           kStyledPen,
+    kLargePattern,  kHatchShapes,   kHatchScale,   kGrayOfColor,    kNoBrush,           kStyledPen,
     kPixelOrder,    kMirrorCorner,  kShrinking,    kBrokenFactor,   kBeyondImage,       kShortTable,
     kOneBitField,   kWideMasks,     kCoreHeader,   kSkippedPixels,  kRowWithoutEnd,     kOverlongLiteral,
     kTopDownRuns,   kFirstScan,     kExtendedCode, kTransferResult, kPatternWithSource, kFiveBitMatching,

@@ -17,7 +17,7 @@ constexpr TransferArea kArea = {.destX = 4, .destY = 3, .srcX = 2, .srcY = 1, .w
 TEST(GdiClipping, WithoutASourceEveryClipAgrees) {
   Witness witness({.left = 10, .top = -4});
   const DRAWMODE mode = MakeDrawMode();
-  const BrushPair brush = ColourPatternPair(witness, 3);
+  const BrushPair brush = ColorPatternPair(witness, 3);
   RandomBytes random(5);
   const auto below = [&random](uint32_t limit) { return static_cast<int32_t>(random.Below(limit)); };
   for (int i = 0; i < 300; ++i) {
@@ -36,7 +36,7 @@ TEST(GdiClipping, WithoutASourceEveryClipAgrees) {
 TEST(GdiClipping, WithASourceClipsAtTheRightAndTheBottomAgree) {
   Witness witness;
   const DRAWMODE mode = MakeDrawMode();
-  const SourcePair sources[] = {ColourSourcePair(40, 20, 4), BitSourcePair(40, 20, 4)};
+  const SourcePair sources[] = {ColorSourcePair(40, 20, 4), BitSourcePair(40, 20, 4)};
   for (const SourcePair& source : sources) {
     for (int32_t right = 5; right < 40; right += 3) {
       for (int32_t bottom = 4; bottom < 18; bottom += 3) {
@@ -52,7 +52,7 @@ TEST(GdiClipping, WithASourceClipsAtTheRightAndTheBottomAgree) {
 TEST(GdiClipping, WithASourceTheBandsEdgesAgree) {
   Witness witness;
   const DRAWMODE mode = MakeDrawMode();
-  const SourcePair sources[] = {ColourSourcePair(60, 40, 4), BitSourcePair(60, 40, 4)};
+  const SourcePair sources[] = {ColorSourcePair(60, 40, 4), BitSourcePair(60, 40, 4)};
   for (const SourcePair& source : sources) {
     for (int32_t x = -25; x < 45; x += 7) {
       for (int32_t y = -17; y < 20; y += 5) {
@@ -67,7 +67,7 @@ TEST(GdiClipping, WithASourceTheBandsEdgesAgree) {
 TEST(GdiClipping, WhereTheSourceEndsNothingIsPainted) {
   Witness witness;
   const DRAWMODE mode = MakeDrawMode();
-  const SourcePair sources[] = {ColourSourcePair(20, 9, 4), BitSourcePair(20, 9, 4)};
+  const SourcePair sources[] = {ColorSourcePair(20, 9, 4), BitSourcePair(20, 9, 4)};
   for (const SourcePair& source : sources) {
     for (int32_t x = -12; x < 24; x += 3) {
       for (int32_t y = -7; y < 12; y += 2) {
@@ -84,7 +84,7 @@ TEST(GdiClipping, WhereTheSourceEndsNothingIsPainted) {
 TEST(GdiClippingDifference, AClipAtTheLeftOrTheTopKeepsTheSourcesCorner) {
   Witness witness;
   const DRAWMODE mode = MakeDrawMode();
-  const SourcePair source = ColourSourcePair(40, 20, 4);
+  const SourcePair source = ColorSourcePair(40, 20, 4);
   for (const BandRect& clip : {BandRect{9, 0, 40, 19}, BandRect{0, 7, 40, 19}}) {
     witness.Reset(3);
     PaintBoth(witness, {.area = kArea, .source = &source, .clip = clip}, mode);
@@ -110,7 +110,7 @@ TEST(GdiClippingDifference, AClipAtTheLeftOrTheTopKeepsTheSourcesCorner) {
 TEST(GdiClippingDifference, TurnedExtentsPaintNothing) {
   Witness witness;
   const DRAWMODE mode = MakeDrawMode();
-  const SourcePair source = ColourSourcePair(40, 20, 4);
+  const SourcePair source = ColorSourcePair(40, 20, 4);
   const BrushPair brush = SolidPair(witness, RGB(1, 2, 3));
   for (uint32_t rop : {SRCCOPY, PATCOPY}) {
     for (const TransferArea& area : {TransferArea{.destX = 34, .destY = 3, .srcX = 34, .width = -20, .height = 5},

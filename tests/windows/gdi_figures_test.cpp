@@ -75,7 +75,7 @@ TEST_P(GdiFigures, EveryEncodingAgreesWithTheRegion) {
 TEST_P(GdiFigures, ClipsAgree) {
   Witness witness({.depth = GetParam(), .width = 101, .height = 67, .left = 50, .top = 5});
   const DRAWMODE mode = MakeDrawMode();
-  const BrushPair brush = SolidPair(witness, ExactColour(witness, 0x00407090));
+  const BrushPair brush = SolidPair(witness, ExactColor(witness, 0x00407090));
   const Selected selected(witness.dc(), brush.platform.get());
   const BandRect clips[] = {{70, 20, 120, 60}, {0, 0, 100, 40}, {99, 39, 300, 300}, {60, 30, 61, 31}, {0, 0, 20, 20}};
   for (const Figure& figure : AllFigures()) {

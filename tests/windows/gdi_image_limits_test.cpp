@@ -40,7 +40,7 @@ TEST(GdiImageDifference, ShrinkingKeepsOtherPixels) {
 }
 
 // Which pixels a shrunken image keeps is each side's own business, but each of them is a pixel of the image.
-TEST(GdiImageDifference, ShrinkingInventsNoColours) {
+TEST(GdiImageDifference, ShrinkingInventsNoColors) {
   const DibForm form{"1 bit", 1};
   const DibSample dib = Sample(form);
   for (int32_t width : {3, 10, 20, 28}) {
@@ -153,13 +153,13 @@ TEST(GdiImageWine, GraysAreMatchedByFiveBits) {
   ExpectDifference(kFiveBitMatching, witness);
 }
 
-// Colours on a gray band: the library weighs red, green and blue, the platform looks for the nearest entry.
-TEST(GdiImageDifference, GraysOfColoursAreWeighed) {
+// Colors on a gray band: the library weighs red, green and blue, the platform looks for the nearest entry.
+TEST(GdiImageDifference, GraysOfColorsAreWeighed) {
   for (const DibForm& form : {DibForm{"8 bits", 8}, kPlainForm}) {
     const DibSample dib = Sample(form);
     const Witness witness({.depth = 8});
     PaintBoth(witness, {.dib = &dib, .area = WholeImage(dib, 3, 2)});
-    ExpectDifference(kGrayOfColour, witness);
+    ExpectDifference(kGrayOfColor, witness);
   }
 }
 

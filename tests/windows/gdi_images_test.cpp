@@ -121,7 +121,7 @@ TEST(GdiImageClips, ImagesThatStickOutOfTheBandAgree) {
 TEST(GdiImageRops, EveryCodeAgrees) {
   Witness witness({.width = 61, .height = 40});
   const DibSample dib(kPlainForm, kWidth, kHeight, RowOrder::kBottomUp, 7);
-  const BrushPair brushes[] = {SolidPair(witness, 0x00405060), ColourPatternPair(witness, 3)};
+  const BrushPair brushes[] = {SolidPair(witness, 0x00405060), ColorPatternPair(witness, 3)};
   for (const BrushPair& brush : brushes) {
     for (uint32_t i = 0; i < 256; ++i) {
       const uint8_t index = static_cast<uint8_t>(i);

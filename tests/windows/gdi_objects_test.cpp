@@ -73,7 +73,7 @@ TEST(GdiObjectsDifference, HatchesGrowWithTheResolution) {
 TEST(GdiObjectsDifference, SpansCountPatternsFromThePage) {
   const Witness witness({.left = 3, .top = 2});
   const DRAWMODE mode = MakeDrawMode();
-  const BrushPair brush = ColourPatternPair(witness, 3);
+  const BrushPair brush = ColorPatternPair(witness, 3);
   PaintAreaSpans(witness, nullptr, &brush.library, mode);
   PaintAreaRectangle(witness, brush.platform.get());
   ExpectDifference(kPatternOrigin, witness);
@@ -82,7 +82,7 @@ TEST(GdiObjectsDifference, SpansCountPatternsFromThePage) {
 TEST(GdiObjectsDifference, TransfersIgnoreTheBrushOrigin) {
   const Witness witness;
   const DRAWMODE mode = MakeDrawMode();
-  const BrushPair brush = ColourPatternPair(witness, 3);
+  const BrushPair brush = ColorPatternPair(witness, 3);
   SetBrushOrgEx(witness.dc(), 1, 0, nullptr);
   PaintBoth(witness, {.area = kArea, .rop = PATCOPY, .brush = &brush}, mode);
   ExpectDifference(kPatternOrigin, witness);
@@ -114,13 +114,13 @@ TEST(GdiObjectsDifference, TransfersFillTheGapsOfATransparentHatch) {
   ExpectDifference(kTransparentHatch, witness);
 }
 
-TEST(GdiObjectsDifference, GrayBandsWeighTheComponentsOfAColour) {
+TEST(GdiObjectsDifference, GrayBandsWeighTheComponentsOfAColor) {
   const Witness witness({.depth = 8});
   const DRAWMODE mode = MakeDrawMode();
   const BrushPair brush = SolidPair(witness, RGB(255, 0, 0));
   PaintBoth(witness, {.area = kArea, .rop = PATCOPY, .brush = &brush}, mode);
   EXPECT_EQ(76, *witness.device().Pixel(3, 2));
-  ExpectDifference(kGrayOfColour, witness);
+  ExpectDifference(kGrayOfColor, witness);
 }
 
 TEST(GdiObjectsDifference, WithoutBrushAndPenSpansAreBlack) {
@@ -172,8 +172,8 @@ TEST(GdiObjectsWine, APatternBesideASourceIsCountedFromElsewhere) {
   if (!RunsUnderWine()) GTEST_SKIP() << "known of Wine only";
   const Witness witness;
   const DRAWMODE mode = MakeDrawMode();
-  const SourcePair source = ColourSourcePair(30, 12, 4);
-  const BrushPair brush = ColourPatternPair(witness, 3);
+  const SourcePair source = ColorSourcePair(30, 12, 4);
+  const BrushPair brush = ColorPatternPair(witness, 3);
   PaintBoth(witness, {.area = kArea, .rop = MERGECOPY, .source = &source, .brush = &brush}, mode);
   ExpectDifference(kPatternWithSource, witness);
 }

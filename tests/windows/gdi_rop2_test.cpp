@@ -44,14 +44,14 @@ SpanList Box(const RECT& box) {
 DRAWMODE ModeOf(const Witness& witness, int16_t rop2) {
   DRAWMODE mode = MakeDrawMode();
   mode.Rop2 = rop2;
-  mode.TextColor = ExactColour(witness, 0x00123456);
-  mode.bkColor = ExactColour(witness, 0x00E0C0A1);
+  mode.TextColor = ExactColor(witness, 0x00123456);
+  mode.bkColor = ExactColor(witness, 0x00E0C0A1);
   return mode;
 }
 
 std::vector<BrushPair> AllBrushes(const Witness& witness, const DRAWMODE& mode) {
   std::vector<BrushPair> brushes;
-  brushes.push_back(SolidPair(witness, ExactColour(witness, 0x00407090)));
+  brushes.push_back(SolidPair(witness, ExactColor(witness, 0x00407090)));
   brushes.push_back(DeepPatternPair(witness, 3));
   brushes.push_back(BitPatternPair(witness, kTile));
   for (int16_t hatch = HS_HORIZONTAL; hatch <= HS_DIAGCROSS; ++hatch) {
@@ -124,9 +124,9 @@ TEST_P(GdiRop2, TransparentHatchesAgreeUnderEveryCode) {
 
 TEST_P(GdiRop2, HorizontalLinesAgreeWithSpansOfAPen) {
   Witness witness({.depth = GetParam(), .left = 37, .top = -11});
-  const COLORREF colour = ExactColour(witness, 0x00705030);
-  const PhysicalPen pen = SolidPen(witness.handle(), colour);
-  const GdiObject<HPEN> platform(CreatePen(PS_SOLID, 1, colour));
+  const COLORREF color = ExactColor(witness, 0x00705030);
+  const PhysicalPen pen = SolidPen(witness.handle(), color);
+  const GdiObject<HPEN> platform(CreatePen(PS_SOLID, 1, color));
   const Selected selected(witness.dc(), platform.get());
   for (int16_t rop2 = R2_BLACK; rop2 <= R2_WHITE; ++rop2) {
     const DRAWMODE mode = ModeOf(witness, rop2);
@@ -146,26 +146,26 @@ TEST_P(GdiRop2, HorizontalLinesAgreeWithSpansOfAPen) {
 
 TEST_P(GdiRop2, PixelsAgree) {
   Witness witness({.depth = GetParam(), .left = 37, .top = -11});
-  const COLORREF colour = ExactColour(witness, 0x00705030);
-  const BrushPair brush = SolidPair(witness, colour);
+  const COLORREF color = ExactColor(witness, 0x00705030);
+  const BrushPair brush = SolidPair(witness, color);
   const Selected selected(witness.dc(), brush.platform.get());
   for (int16_t rop2 = R2_BLACK; rop2 <= R2_WHITE; ++rop2) {
     const DRAWMODE mode = ModeOf(witness, rop2);
     witness.Apply(mode);
     for (int32_t x = 35; x < 84; x += 3) {
       for (int32_t y = -13; y < 12; y += 4) {
-        QNVPixel(witness.handle(), x, y, colour, &mode, &kEverywhere);
+        QNVPixel(witness.handle(), x, y, color, &mode, &kEverywhere);
         PatBlt(witness.dc(), x, y, 1, 1, TernaryOf(rop2));
       }
     }
-    QNVPolyPixel(witness.handle(), 70, 6, 51, -20, colour, &mode, &kEverywhere);  // both corners included
+    QNVPolyPixel(witness.handle(), 70, 6, 51, -20, color, &mode, &kEverywhere);  // both corners included
     PatBlt(witness.dc(), 51, -20, 20, 27, TernaryOf(rop2));
     ASSERT_TRUE(witness.Same()) << "code " << rop2;
   }
   const DRAWMODE copy = ModeOf(witness, R2_COPYPEN);
   witness.Apply(copy);
-  QNVPixel(witness.handle(), 40, 0, colour, &copy, &kEverywhere);
-  SetPixel(witness.dc(), 40, 0, colour);
+  QNVPixel(witness.handle(), 40, 0, color, &copy, &kEverywhere);
+  SetPixel(witness.dc(), 40, 0, color);
   EXPECT_TRUE(witness.Same());
 }
 

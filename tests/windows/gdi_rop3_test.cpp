@@ -16,17 +16,17 @@ namespace {
 
 constexpr BitRows kTile = {0x12, 0x34, 0x56, 0x78, 0x9A, 0xBC, 0xDE, 0xF1};
 
-DRAWMODE TwoColours(const Witness& witness) {
+DRAWMODE TwoColors(const Witness& witness) {
   DRAWMODE mode = MakeDrawMode();
-  mode.TextColor = ExactColour(witness, 0x00123456);
-  mode.bkColor = ExactColour(witness, 0x00E0C0A1);
+  mode.TextColor = ExactColor(witness, 0x00123456);
+  mode.bkColor = ExactColor(witness, 0x00E0C0A1);
   return mode;
 }
 
-// The platform's one-bit patterns show a hatch in the text colour.
+// The platform's one-bit patterns show a hatch in the text color.
 std::vector<BrushPair> AllBrushes(const Witness& witness, const DRAWMODE& mode) {
   std::vector<BrushPair> brushes;
-  brushes.push_back(SolidPair(witness, ExactColour(witness, 0x00407090)));
+  brushes.push_back(SolidPair(witness, ExactColor(witness, 0x00407090)));
   brushes.push_back(DeepPatternPair(witness, 3));
   brushes.push_back(BitPatternPair(witness, kTile));
   for (int16_t hatch = HS_HORIZONTAL; hatch <= HS_DIAGCROSS; ++hatch) {
@@ -72,7 +72,7 @@ class GdiRop3 : public testing::TestWithParam<Rop3Case> {};
 
 TEST_P(GdiRop3, EveryCodeAgreesWithEveryBrush) {
   Witness witness({.depth = GetParam().depth, .left = 100, .top = 50});
-  const DRAWMODE mode = TwoColours(witness);
+  const DRAWMODE mode = TwoColors(witness);
   witness.Apply(mode);
   const SourcePair source = GetParam().bitSource ? BitSourcePair(kSourceWidth, kSourceHeight, 6)
                                                  : DeepSourcePair(witness, kSourceWidth, kSourceHeight, 5);
@@ -97,8 +97,8 @@ INSTANTIATE_TEST_SUITE_P(AllSources, GdiRop3,
                                          Rop3Case{"8-bit source, 8-bit band", 8, false},
                                          Rop3Case{"one-bit source, 8-bit band", 8, true}));
 
-TEST(GdiRop3Text, ColoursOfOneBitSources) {
-  // A red text on a blue ground, told apart from an exchange of colours or of their bytes.
+TEST(GdiRop3Text, ColorsOfOneBitSources) {
+  // A red text on a blue ground, told apart from an exchange of colors or of their bytes.
   Witness witness;
   DRAWMODE mode = MakeDrawMode();
   mode.TextColor = RGB(255, 0, 0);
@@ -115,9 +115,9 @@ TEST(GdiRop3Pattern, CellsAreCountedFromTheBandsCorner) {
   for (int32_t left : {0, 1, 5, 8, 13, -3}) {
     for (int32_t top : {0, 2, 7, -9}) {
       Witness witness({.left = left, .top = top});
-      const DRAWMODE mode = TwoColours(witness);
+      const DRAWMODE mode = TwoColors(witness);
       witness.Apply(mode);
-      const BrushPair brush = ColourPatternPair(witness, 3);
+      const BrushPair brush = ColorPatternPair(witness, 3);
       for (uint32_t rop : {PATCOPY, PATINVERT, DWORD{0x00050325}}) {
         PaintBoth(
             witness,
@@ -129,9 +129,9 @@ TEST(GdiRop3Pattern, CellsAreCountedFromTheBandsCorner) {
   }
 }
 
-TEST(GdiRop3Pattern, GrayPatternOnAColourBand) {
+TEST(GdiRop3Pattern, GrayPatternOnAColorBand) {
   Witness witness;
-  const DRAWMODE mode = TwoColours(witness);
+  const DRAWMODE mode = TwoColors(witness);
   const BrushPair brush = GrayPatternPair(witness, 9);
   PaintBoth(witness, {.area = {.destX = 3, .destY = 2, .width = 30, .height = 12}, .rop = PATCOPY, .brush = &brush},
             mode);
@@ -141,8 +141,8 @@ TEST(GdiRop3Pattern, GrayPatternOnAColourBand) {
 TEST(GdiRop3Flags, TheMirroringFlagChangesNothing) {
   // Codes with bits above the index take the library's general way.
   Witness witness;
-  const DRAWMODE mode = TwoColours(witness);
-  const SourcePair source = ColourSourcePair(30, 12, 4);
+  const DRAWMODE mode = TwoColors(witness);
+  const SourcePair source = ColorSourcePair(30, 12, 4);
   for (uint32_t rop : {SRCCOPY, SRCINVERT, NOTSRCERASE}) {
     PaintBoth(
         witness,

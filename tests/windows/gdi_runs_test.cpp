@@ -136,9 +136,9 @@ TEST(GdiOddRuns, WhatReachesBeyondARowIsCut) {
   EXPECT_TRUE(witness.Same()) << "a literal of four bits that is too long";
 }
 
-// The platform leaves what is skipped as it was, the library paints it with colour 0: over a ground of that colour both
+// The platform leaves what is skipped as it was, the library paints it with color 0: over a ground of that color both
 // come to the same.
-TEST(GdiOddRunsDifference, SkippedPixelsGetColourZero) {
+TEST(GdiOddRunsDifference, SkippedPixelsGetColorZero) {
   const OddRuns cases[] = {
       {"an early end of line", {2, 1, 0, 0, 4, 2, 0, 0, 4, 3, 0, 1}},
       {"an early end of the bitmap", {4, 1, 0, 0, 2, 2, 0, 1}},

@@ -18,10 +18,10 @@ Handle Required(Handle handle) {
 
 }  // namespace
 
-void SetGrayColours(DibHeader* dib) {
+void SetGrayColors(DibHeader* dib) {
   for (uint32_t i = 0; i < 256; ++i) {
     const uint8_t level = static_cast<uint8_t>(i);
-    dib->colours[i] = {level, level, level, 0};
+    dib->colors[i] = {level, level, level, 0};
   }
 }
 
@@ -35,7 +35,7 @@ GdiSurface::GdiSurface(uint16_t depth, uint32_t width, uint32_t height, int32_t 
   dib.header.biHeight = -static_cast<LONG>(height);
   dib.header.biPlanes = 1;
   dib.header.biBitCount = depth;
-  SetGrayColours(&dib);
+  SetGrayColors(&dib);
   void* bits = nullptr;
   bitmap_ = Required(CreateDIBSection(dc_, dib.info(), DIB_RGB_COLORS, &bits, nullptr, 0));
   bits_ = static_cast<uint8_t*>(Required(bits));

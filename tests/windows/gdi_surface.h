@@ -17,16 +17,16 @@
 
 namespace qnv::test {
 
-// A DIB's header with room for the longest colour table; the masks of bit-fields lie in its first three entries.
+// A DIB's header with room for the longest color table; the masks of bit-fields lie in its first three entries.
 struct DibHeader {
   BITMAPINFOHEADER header;
-  RGBQUAD colours[256];
+  RGBQUAD colors[256];
 
   const BITMAPINFO* info() const { return reinterpret_cast<const BITMAPINFO*>(this); }
 };
 
 // Entry i is the gray level i, as a gray band means its bytes.
-void SetGrayColours(DibHeader* dib);
+void SetGrayColors(DibHeader* dib);
 
 class GdiSurface {
  public:

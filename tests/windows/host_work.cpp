@@ -90,8 +90,8 @@ void Work::SetUp() {
   Record("QNVControl", QNV_CLEAR_BAND, 0, 0);
   Record("QNVControl", QNV_SET_BAND_RECT, &band_, 0);
   Record("QNVControl", QNV_SET_ORIGIN, &origin, 0);
-  uint32_t colour = 0;
-  Record("QNVColorInfo", 0x00405060, &colour);
+  uint32_t color = 0;
+  Record("QNVColorInfo", 0x00405060, &color);
   const LogicalPen logical{PS_DOT, 1, 1, 0x00102030};
   PhysicalPen pen{};
   Record("QNVRealizeObject", OBJ_PEN, &logical, &pen, 0);
@@ -103,7 +103,7 @@ void Work::SetUp() {
 }
 
 void Work::Transfers() {
-  const SourceImage deep(description_.bitsPerPixel == 8 ? kGraySource : kColourSource, kWidth, kHeight, 5);
+  const SourceImage deep(description_.bitsPerPixel == 8 ? kGraySource : kColorSource, kWidth, kHeight, 5);
   const SourceImage bits(kOneBitSource, kWidth, kHeight, 6);
   for (const SourceImage* source : {&deep, &bits}) {
     for (const PhysicalBrush* brush : {&solid_, &hatch_, &pattern_}) {

@@ -30,7 +30,7 @@ DibHeader TopDownHeader(int32_t width, int32_t height, uint16_t depth) {
   dib.header.biHeight = -height;
   dib.header.biPlanes = 1;
   dib.header.biBitCount = depth;
-  SetGrayColours(&dib);
+  SetGrayColors(&dib);
   return dib;
 }
 
@@ -71,13 +71,13 @@ BrushPair BytePattern(const Witness& witness, uint32_t bytesPerPixel, uint64_t s
       0, 8, 8, static_cast<uint16_t>(8 * bytesPerPixel), 1, static_cast<uint8_t>(8 * bytesPerPixel), cells.data()};
 
   const DibHeader dib = TopDownHeader(8, 8, static_cast<uint16_t>(8 * bytesPerPixel));
-  const std::size_t headerSize = sizeof dib.header + (bytesPerPixel == 1 ? sizeof dib.colours : 0);
+  const std::size_t headerSize = sizeof dib.header + (bytesPerPixel == 1 ? sizeof dib.colors : 0);
   std::vector<uint8_t> packed(headerSize + cells.size());
   std::memcpy(packed.data(), &dib, headerSize);
   for (std::size_t i = 0; i < cells.size(); i += bytesPerPixel) {
     CopyPixel(cells.data() + i, packed.data() + headerSize + i, bytesPerPixel);
   }
-  return {bytesPerPixel == 1 ? "gray pattern" : "colour pattern", PatternBrush(witness.handle(), bitmap),
+  return {bytesPerPixel == 1 ? "gray pattern" : "color pattern", PatternBrush(witness.handle(), bitmap),
           GdiObject<HBRUSH>(CreateDIBPatternBrushPt(packed.data(), DIB_RGB_COLORS))};
 }
 
@@ -88,8 +88,8 @@ HBRUSH BitBrush(const BitRows& rows) {
 
 }  // namespace
 
-SourcePair ColourSourcePair(int32_t width, int32_t height, uint64_t seed) {
-  return BytePixelSource(kColourSource, width, height, seed);
+SourcePair ColorSourcePair(int32_t width, int32_t height, uint64_t seed) {
+  return BytePixelSource(kColorSource, width, height, seed);
 }
 
 SourcePair GraySourcePair(int32_t width, int32_t height, uint64_t seed) {
@@ -108,19 +108,19 @@ SourcePair BitSourcePair(int32_t width, int32_t height, uint64_t seed) {
 }
 
 SourcePair DeepSourcePair(const Witness& witness, int32_t width, int32_t height, uint64_t seed) {
-  return witness.shape().depth == 24 ? ColourSourcePair(width, height, seed) : GraySourcePair(width, height, seed);
+  return witness.shape().depth == 24 ? ColorSourcePair(width, height, seed) : GraySourcePair(width, height, seed);
 }
 
-BrushPair SolidPair(const Witness& witness, COLORREF colour) {
-  return {"solid brush", SolidBrush(witness.handle(), colour), GdiObject<HBRUSH>(CreateSolidBrush(colour))};
+BrushPair SolidPair(const Witness& witness, COLORREF color) {
+  return {"solid brush", SolidBrush(witness.handle(), color), GdiObject<HBRUSH>(CreateSolidBrush(color))};
 }
 
-BrushPair ColourPatternPair(const Witness& witness, uint64_t seed) { return BytePattern(witness, 3, seed); }
+BrushPair ColorPatternPair(const Witness& witness, uint64_t seed) { return BytePattern(witness, 3, seed); }
 
 BrushPair GrayPatternPair(const Witness& witness, uint64_t seed) { return BytePattern(witness, 1, seed); }
 
 BrushPair DeepPatternPair(const Witness& witness, uint64_t seed) {
-  return witness.shape().depth == 24 ? ColourPatternPair(witness, seed) : GrayPatternPair(witness, seed);
+  return witness.shape().depth == 24 ? ColorPatternPair(witness, seed) : GrayPatternPair(witness, seed);
 }
 
 BrushPair BitPatternPair(const Witness& witness, const BitRows& rows) {
@@ -128,8 +128,8 @@ BrushPair BitPatternPair(const Witness& witness, const BitRows& rows) {
   return {"one-bit pattern", PatternBrush(witness.handle(), bitmap), GdiObject<HBRUSH>(BitBrush(rows))};
 }
 
-BrushPair HatchPair(const Witness& witness, int16_t hatch, COLORREF colour) {
-  return {"hatch", HatchBrush(witness.handle(), hatch, colour), GdiObject<HBRUSH>(BitBrush(HatchRows(hatch)))};
+BrushPair HatchPair(const Witness& witness, int16_t hatch, COLORREF color) {
+  return {"hatch", HatchBrush(witness.handle(), hatch, color), GdiObject<HBRUSH>(BitBrush(HatchRows(hatch)))};
 }
 
 const BitRows& HatchRows(int16_t hatch) { return kHatches[hatch]; }

@@ -70,8 +70,8 @@ ClippedTo::ClippedTo(HDC dc, const BandRect& clip) : dc_(dc) {
   IntersectClipRect(dc, clip.left, clip.top, clip.right, clip.bottom);
 }
 
-COLORREF ExactColour(const Witness& witness, uint32_t colour) {
-  return witness.shape().depth == 24 ? colour : (colour & 0xFF) * 0x010101u;
+COLORREF ExactColor(const Witness& witness, uint32_t color) {
+  return witness.shape().depth == 24 ? color : (color & 0xFF) * 0x010101u;
 }
 
 }  // namespace qnv::test

@@ -33,7 +33,7 @@ class Witness {
   // The same noise in both pictures.
   void Reset(uint64_t seed);
 
-  // Colours and modes of `mode` for the platform's calls.
+  // Colors and modes of `mode` for the platform's calls.
   void Apply(const DRAWMODE& mode) const;
 
   // Both pictures hold the same pixels, and the library wrote neither padding nor memory around its band.
@@ -67,7 +67,7 @@ class ClippedTo {
   HDC dc_;
 };
 
-// A logical colour that a witness of this depth shows exactly: any colour, or the gray level of its lowest byte.
-COLORREF ExactColour(const Witness& witness, uint32_t colour);
+// A logical color that a witness of this depth shows exactly: any color, or the gray level of its lowest byte.
+COLORREF ExactColor(const Witness& witness, uint32_t color);
 
 }  // namespace qnv::test

@@ -24,11 +24,11 @@ bool IsBitRun(uint32_t mask) {
   return (low & (low + 1)) == 0;
 }
 
-bool ReadDirectly16(const ColourMasks& masks) {
+bool ReadDirectly16(const ColorMasks& masks) {
   return Within2To8Bits(masks.red) && Within2To8Bits(masks.green) && Within2To8Bits(masks.blue);
 }
 
-Bytes ExpandTo32(const Bytes& bits, int width, int height, int bitCount, const ColourMasks& masks) {
+Bytes ExpandTo32(const Bytes& bits, int width, int height, int bitCount, const ColorMasks& masks) {
   const std::size_t stride = DibStride(width, bitCount);
   const std::size_t step = static_cast<std::size_t>(bitCount) / 8;
   Bytes result;

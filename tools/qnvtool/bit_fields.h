@@ -7,25 +7,25 @@
 
 namespace qnv::tool {
 
-struct ColourMasks {
+struct ColorMasks {
   uint32_t red = 0;
   uint32_t green = 0;
   uint32_t blue = 0;
-  bool operator==(const ColourMasks&) const = default;
+  bool operator==(const ColorMasks&) const = default;
 };
 
 // The layout that the rasteriser assumes of every 32-bit pixel.
-inline constexpr ColourMasks kMasks888{0xFF0000, 0x00FF00, 0x0000FF};
+inline constexpr ColorMasks kMasks888{0xFF0000, 0x00FF00, 0x0000FF};
 
 // True for one unbroken run of set bits.
 bool IsBitRun(uint32_t mask);
 
-// True when the rasteriser's own shifts give the right colours for these masks of 16-bit pixels: runs of 2 to 8
+// True when the rasteriser's own shifts give the right colors for these masks of 16-bit pixels: runs of 2 to 8
 // bits. (Its shift counts take a single bit for the top bit of a wider field.) Requires: IsBitRun of each mask.
-bool ReadDirectly16(const ColourMasks& masks);
+bool ReadDirectly16(const ColorMasks& masks);
 
 // Rows of 16 or 32-bit pixels (4-byte aligned) to rows of 32-bit pixels in the 8-8-8 layout. Each component is
 // stretched to 0..255. Requires: IsBitRun of each mask.
-Bytes ExpandTo32(const Bytes& bits, int width, int height, int bitCount, const ColourMasks& masks);
+Bytes ExpandTo32(const Bytes& bits, int width, int height, int bitCount, const ColorMasks& masks);
 
 }  // namespace qnv::tool

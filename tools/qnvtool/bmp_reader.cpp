@@ -33,7 +33,7 @@ struct Header {
   uint32_t sizeImage = 0;
   int32_t xPixelsPerMetre = 0;
   int32_t yPixelsPerMetre = 0;
-  uint32_t colours = 0;
+  uint32_t colors = 0;
 
   bool isCore() const { return size == kCoreHeader; }
   bool isRle() const { return compression == BI_RLE8 || compression == BI_RLE4; }
@@ -105,7 +105,7 @@ class Reader {
     header_.sizeImage = U32At(file_, 34);
     header_.xPixelsPerMetre = I32At(file_, 38);
     header_.yPixelsPerMetre = I32At(file_, 42);
-    header_.colours = U32At(file_, 46);
+    header_.colors = U32At(file_, 46);
   }
 
   void CheckSize() const {
@@ -145,13 +145,13 @@ class Reader {
     }
   }
 
-  // Masks follow the 40-byte header; the larger headers hold them at the same place. The colour table comes next.
+  // Masks follow the 40-byte header; the larger headers hold them at the same place. The color table comes next.
   void FindMasks() {
     tableOffset_ = kFileHeader + header_.size;
     if (header_.compression != BI_BITFIELDS && header_.compression != kAlphaBitFields) return;
     const std::size_t masks = kFileHeader + kInfoHeader;
     if (header_.size == kInfoHeader) tableOffset_ += header_.compression == kAlphaBitFields ? 16 : 12;
-    Require(masks + 12, "colour masks");
+    Require(masks + 12, "color masks");
     masks_ = {U32At(file_, masks), U32At(file_, masks + 4), U32At(file_, masks + 8)};
     constexpr std::array<const char*, 3> kNames{"red", "green", "blue"};
     const std::array<uint32_t, 3> each{masks_.red, masks_.green, masks_.blue};
@@ -168,15 +168,15 @@ class Reader {
     if (!header_.hasTable()) return;
     const std::size_t entry = header_.isCore() ? 3 : 4;
     const std::size_t full = std::size_t{1} << header_.bitCount;
-    std::size_t entries = header_.colours == 0 ? full : std::min<std::size_t>(header_.colours, full);
+    std::size_t entries = header_.colors == 0 ? full : std::min<std::size_t>(header_.colors, full);
     if (tableOffset_ > pixelOffset_) return;  // CheckPixelOffset reports it
     const std::size_t room = (pixelOffset_ - tableOffset_) / entry;
-    if (room == 0) Fail("bfOffBits: {} leaves no room for the colour table at byte {}", pixelOffset_, tableOffset_);
+    if (room == 0) Fail("bfOffBits: {} leaves no room for the color table at byte {}", pixelOffset_, tableOffset_);
     if (room < entries) {
-      dib_.remarks.push_back(fmt::format("biClrUsed: {} colours promised, room for {}", entries, room));
+      dib_.remarks.push_back(fmt::format("biClrUsed: {} colors promised, room for {}", entries, room));
       entries = room;
     }
-    Require(tableOffset_ + entries * entry, "colour table");
+    Require(tableOffset_ + entries * entry, "color table");
     for (std::size_t i = 0; i < entries; ++i) {
       const auto at = file_.begin() + static_cast<std::ptrdiff_t>(tableOffset_ + i * entry);
       table_.insert(table_.end(), at, at + 3);
@@ -259,7 +259,7 @@ class Reader {
   std::size_t pixelOffset_ = 0;
   std::size_t tableOffset_ = 0;
   Header header_;
-  ColourMasks masks_;
+  ColorMasks masks_;
   Bytes table_;
   Dib dib_;
 };

@@ -13,9 +13,9 @@ namespace {
 
 constexpr uint32_t kHeaders = 14 + 40;
 
-Bytes Headers(int width, int height, int dpi, uint32_t bitCount, uint32_t compression, std::size_t colours,
+Bytes Headers(int width, int height, int dpi, uint32_t bitCount, uint32_t compression, std::size_t colors,
               std::size_t imageSize) {
-  const uint32_t offset = kHeaders + static_cast<uint32_t>(colours) * 4;
+  const uint32_t offset = kHeaders + static_cast<uint32_t>(colors) * 4;
   const auto perMetre = static_cast<uint32_t>(std::lround(dpi / 0.0254));
   Bytes file{'B', 'M'};
   AppendU32(file, offset + static_cast<uint32_t>(imageSize));
@@ -30,7 +30,7 @@ Bytes Headers(int width, int height, int dpi, uint32_t bitCount, uint32_t compre
   AppendU32(file, static_cast<uint32_t>(imageSize));
   AppendU32(file, perMetre);
   AppendU32(file, perMetre);
-  AppendU32(file, static_cast<uint32_t>(colours));
+  AppendU32(file, static_cast<uint32_t>(colors));
   AppendU32(file, 0);
   return file;
 }
@@ -86,7 +86,7 @@ Bytes EncodeBmpRle8(int width, int height, int dpi, const std::vector<uint8_t>& 
   codes.push_back(0);
   codes.push_back(1);
   Bytes file = Headers(width, height, dpi, 8, BI_RLE8, palette.size(), codes.size());
-  for (const uint32_t colour : palette) AppendU32(file, colour);
+  for (const uint32_t color : palette) AppendU32(file, color);
   file.insert(file.end(), codes.begin(), codes.end());
   return file;
 }

@@ -155,7 +155,7 @@ Command PrintCommand(const PrintParts& parts) {
 
       {.names = "--device",
        .placeholder = "DEVICE",
-       .help = "color (24 bits), gray (8 bits), dual (colour with a plane of tags), or scaled:A/B, scaled-gray:A/B: "
+       .help = "color (24 bits), gray (8 bits), dual (color with a plane of tags), or scaled:A/B, scaled-gray:A/B: "
                "laid out "
                "at A dpi, printed at B dpi (default color)",
        .value = Text{&arguments->device},

@@ -26,7 +26,7 @@ DeviceChoice ParseDevice(const std::string& text, int dpi) {
   choice.pageDpi = choice.bandDpi = dpi == 0 ? kDefaultDpi : dpi;
   if (text == "color" || text == "colour" || text == "gray" || text == "grey" || text == "dual") {
     CheckDpi("--dpi", choice.pageDpi);
-    choice.kind = text == "dual" ? Kind::kDual : text[0] == 'g' ? Kind::kGray : Kind::kColour;
+    choice.kind = text == "dual" ? Kind::kDual : text[0] == 'g' ? Kind::kGray : Kind::kColor;
     return choice;
   }
   const std::size_t colon = text.find(':');

@@ -11,13 +11,13 @@ inline constexpr int kMaxDpi = 4800;
 
 struct DeviceChoice {
   enum class Kind {
-    kColour,      // 24-bit band
+    kColor,       // 24-bit band
     kGray,        // 8-bit band
     kScaled,      // drawn at one resolution, kept in 24 bits at another
     kScaledGray,  // the same in gray
     kDual,        // 24-bit band and a plane of tags
   };
-  Kind kind = Kind::kColour;
+  Kind kind = Kind::kColor;
   int pageDpi = 300;  // resolution that documents are laid out at
   int bandDpi = 300;  // resolution of the picture; differs from pageDpi on the scaled devices only
   std::string name;   // as the user wrote it

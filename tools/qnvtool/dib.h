@@ -23,7 +23,7 @@ struct Dib {
   int xPixelsPerMetre = 0;
   int yPixelsPerMetre = 0;
 
-  Bytes info;  // BITMAPINFOHEADER, then the colour table (4 bytes an entry) or three masks
+  Bytes info;  // BITMAPINFOHEADER, then the color table (4 bytes an entry) or three masks
   Bytes bits;  // pixel rows or RLE codes, safe to decode to the last row
 
   std::vector<std::string> remarks;  // what was mended while reading; worth telling the user

@@ -121,9 +121,9 @@ void FigureLine::ExpectOptions(const std::vector<std::string>& options) const {
   }
 }
 
-Colour ParseColour(const std::string& text, const FigureLine& line) {
-  if (text.size() != 7 || text[0] != '#') line.Fail(fmt::format("\"{}\" is no colour #rrggbb", text));
-  const uint32_t rgb = ParseHex(text.substr(1), "colour", line);
+Color ParseColor(const std::string& text, const FigureLine& line) {
+  if (text.size() != 7 || text[0] != '#') line.Fail(fmt::format("\"{}\" is no color #rrggbb", text));
+  const uint32_t rgb = ParseHex(text.substr(1), "color", line);
   return (rgb & 0xFF) << 16 | (rgb & 0xFF00) | rgb >> 16;
 }
 
@@ -131,24 +131,24 @@ Fill ParseFill(const std::string& text, const FigureLine& line) {
   const std::vector<std::string> parts = SplitParts(text);
   Fill fill;
   if (parts.size() == 1) {
-    fill.colour = ParseColour(parts[0], line);
+    fill.color = ParseColor(parts[0], line);
   } else if (parts[0] == "hatch" && (parts.size() == 3 || parts.size() == 4)) {
     fill.kind = Fill::Kind::kHatch;
     fill.hatch = HatchKind(parts[1], line);
-    fill.colour = ParseColour(parts[2], line);
+    fill.color = ParseColor(parts[2], line);
     fill.opaque = parts.size() == 4;
-    if (fill.opaque) fill.background = ParseColour(parts[3], line);
+    if (fill.opaque) fill.background = ParseColor(parts[3], line);
   } else if (parts[0] == "bits" && parts.size() == 4 && parts[1].size() == 16) {
     fill.kind = Fill::Kind::kBits;
     for (std::size_t row = 0; row < 8; ++row) {
       fill.bits[row] = static_cast<uint8_t>(ParseHex(parts[1].substr(row * 2, 2), "fill", line));
     }
-    fill.colour = ParseColour(parts[2], line);
-    fill.background = ParseColour(parts[3], line);
+    fill.color = ParseColor(parts[2], line);
+    fill.background = ParseColor(parts[3], line);
   } else if (parts[0] == "weave" && parts.size() == 3) {
     fill.kind = Fill::Kind::kWeave;
-    fill.colour = ParseColour(parts[1], line);
-    fill.background = ParseColour(parts[2], line);
+    fill.color = ParseColor(parts[1], line);
+    fill.background = ParseColor(parts[2], line);
   } else {
     line.Fail(
         fmt::format("fill: \"{}\" is none of #rrggbb, hatch:KIND:#line[:#gaps], bits:HEX16:#clear:#set, "
@@ -165,7 +165,7 @@ LineStyle ParseLineStyle(const std::string& text, const FigureLine& line) {
   if (end == nullptr || end == parts[1].c_str() || *end != '\0' || !(width > 0 && width <= 100)) {
     line.Fail(fmt::format("line: \"{}\" is no #rrggbb:WIDTH with a width above 0, up to 100", text));
   }
-  return {ParseColour(parts[0], line), width};
+  return {ParseColor(parts[0], line), width};
 }
 
 }  // namespace qnv::tool

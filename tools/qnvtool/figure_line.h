@@ -41,11 +41,11 @@ class FigureLine {
 };
 
 // "#rrggbb". The others fail through `line`.
-Colour ParseColour(const std::string& text, const FigureLine& line);
+Color ParseColor(const std::string& text, const FigureLine& line);
 Fill ParseFill(const std::string& text, const FigureLine& line);
 
 struct LineStyle {
-  Colour colour = kBlack;
+  Color color = kBlack;
   double widthMm = 0;
 };
 LineStyle ParseLineStyle(const std::string& text, const FigureLine& line);

@@ -82,7 +82,7 @@ class FigureSetter {
   static Fill PenOf(const LineStyle& style) {
     Fill fill;
     fill.kind = Fill::Kind::kPen;
-    fill.colour = style.colour;
+    fill.color = style.color;
     return fill;
   }
 
@@ -161,7 +161,7 @@ class FigureSetter {
         {"body", FontRole::kBody}, {"heading", FontRole::kHeading}, {"listing", FontRole::kListing}};
     const auto role = roles.find(line.Option("font", "body"));
     if (role == roles.end()) line.Fail("font: is none of body, heading, listing");
-    const Colour colour = ParseColour(line.Option("color", "#000000"), line);
+    const Color color = ParseColor(line.Option("color", "#000000"), line);
     const std::string& bytes = line.Word(3, "TEXT");
     const std::u32string text = DecodeTextFile(Bytes(bytes.begin(), bytes.end()), path_);
     const std::shared_ptr<Font> font = setup_.fonts->Get(role->second, points);
@@ -169,7 +169,7 @@ class FigureSetter {
     int baseline = RoundPx(line.Number(1, "Y"));
     const int width = RoundPx(line.NumberOption("width", 0));
     const auto add = [&](TextLine set) {
-      set.colour = colour;
+      set.color = color;
       pages_.back().items.emplace_back(std::move(set));
     };
     if (width <= 0) return add(MakeLine(text, font, left, baseline));

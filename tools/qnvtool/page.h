@@ -15,10 +15,10 @@
 
 namespace qnv::tool {
 
-// Logical colours, 0x00BBGGRR.
-using Colour = uint32_t;
-inline constexpr Colour kBlack = 0;
-inline constexpr Colour kWhite = 0x00FFFFFF;
+// Logical colors, 0x00BBGGRR.
+using Color = uint32_t;
+inline constexpr Color kBlack = 0;
+inline constexpr Color kWhite = 0x00FFFFFF;
 
 // Characters of one kind in a line: Latin-1 goes to the one-byte font, everything else to the two-byte one.
 struct TextRun {
@@ -31,7 +31,7 @@ struct TextRun {
 struct TextLine {
   int left = 0;
   int baseline = 0;
-  Colour colour = kBlack;
+  Color color = kBlack;
   int breakExtra = 0;  // pixels to spread over the line's spaces
   int breakCount = 0;  // spaces in the line
   std::vector<TextRun> runs;
@@ -39,15 +39,15 @@ struct TextLine {
 
 struct Fill {
   enum class Kind {
-    kPen,    // painted with a pen of the colour
-    kSolid,  // painted with a brush of the colour
-    kHatch,  // HS_ lines in the colour
-    kBits,   // an 8 x 8 pattern, clear bits in the colour, set bits in the background
-    kWeave,  // an 8 x 8 pattern of blends of colour and background
+    kPen,    // painted with a pen of the color
+    kSolid,  // painted with a brush of the color
+    kHatch,  // HS_ lines in the color
+    kBits,   // an 8 x 8 pattern, clear bits in the color, set bits in the background
+    kWeave,  // an 8 x 8 pattern of blends of color and background
   };
   Kind kind = Kind::kSolid;
-  Colour colour = kBlack;
-  Colour background = kWhite;
+  Color color = kBlack;
+  Color background = kWhite;
   bool opaque = false;  // a hatch's gaps take the background
   int hatch = 0;
   std::array<uint8_t, 8> bits{};

@@ -29,13 +29,13 @@ bool MayTouch(int top, int bottom, const Rect& view) { return bottom > view.top 
 
 bool Done(uint32_t result) { return (result & 0xFFFF) == 1; }
 
-// Eight steps from one colour to another and back, running down the diagonal.
-Colour WeaveColour(const Fill& fill, int row, int column) {
+// Eight steps from one color to another and back, running down the diagonal.
+Color WeaveColor(const Fill& fill, int row, int column) {
   const int step = (row + column) % 8;
   const int weight = step < 4 ? step : 8 - step;  // 0..4
-  Colour result = 0;
+  Color result = 0;
   for (int shift = 0; shift < 24; shift += 8) {
-    const uint32_t a = fill.colour >> shift & 0xFF;
+    const uint32_t a = fill.color >> shift & 0xFF;
     const uint32_t b = fill.background >> shift & 0xFF;
     result |= (a * static_cast<uint32_t>(4 - weight) + b * static_cast<uint32_t>(weight)) / 4 << shift;
   }
@@ -59,10 +59,10 @@ void PagePainter::Paint(const Rect& view) const {
   }
 }
 
-uint32_t PagePainter::Physical(Colour colour) const { return rasteriser_.colorInfo(handle_, colour, nullptr); }
+uint32_t PagePainter::Physical(Color color) const { return rasteriser_.colorInfo(handle_, color, nullptr); }
 
 PagePainter::ReadyText PagePainter::Prepare(const TextLine& line) const {
-  ReadyText text{&line, Physical(line.colour), line.baseline, line.baseline};
+  ReadyText text{&line, Physical(line.color), line.baseline, line.baseline};
   for (const TextRun& run : line.runs) {
     const FontRecord& font = run.codes.empty() ? run.font->latin() : run.font->Wide();
     text.top = std::min(text.top, line.baseline - font.ascent);
@@ -75,7 +75,7 @@ void PagePainter::Paint(const ReadyText& text, const Rect& view) const {
   if (!MayTouch(text.top, text.bottom, view)) return;
   const TextLine& line = *text.line;
   DRAWMODE mode = PlainMode();
-  mode.TextColor = text.colour;
+  mode.TextColor = text.color;
   mode.bkColor = Physical(kWhite);
   mode.TBreakExtra = static_cast<int16_t>(line.breakExtra);
   mode.BreakCount = static_cast<int16_t>(line.breakCount);
@@ -108,7 +108,7 @@ int PagePainter::PaintRun(const TextRun& run, int x, int baseline, DRAWMODE& mod
 }
 
 PhysicalBrush PagePainter::RealiseBrush(const Fill& fill) const {
-  LogicalBrush logical{BS_SOLID, fill.colour, 0, Physical(fill.background)};
+  LogicalBrush logical{BS_SOLID, fill.color, 0, Physical(fill.background)};
   uint8_t bytes[8 * 8 * 3] = {};
   SourceBitmap bitmap{0, 8, 8, 0, 1, 0, bytes};
   if (fill.kind == Fill::Kind::kHatch) {
@@ -124,8 +124,8 @@ PhysicalBrush PagePainter::RealiseBrush(const Fill& fill) const {
     bitmap.bmBitsPixel = static_cast<uint8_t>(step * 8);
     bitmap.bmWidthBytes = static_cast<uint16_t>(8 * step);
     for (int i = 0; i < 64; ++i) {
-      const uint32_t colour = Physical(WeaveColour(fill, i / 8, i % 8));
-      for (int byte = 0; byte < step; ++byte) bytes[i * step + byte] = static_cast<uint8_t>(colour >> 8 * byte);
+      const uint32_t color = Physical(WeaveColor(fill, i / 8, i % 8));
+      for (int byte = 0; byte < step; ++byte) bytes[i * step + byte] = static_cast<uint8_t>(color >> 8 * byte);
     }
   }
   if (bitmap.bmBitsPixel != 0) {
@@ -147,7 +147,7 @@ PagePainter::ReadyFigure PagePainter::Prepare(const Figure& figure) const {
   const Fill& fill = figure.fill;
   ready.usesPen = fill.kind == Fill::Kind::kPen;
   if (ready.usesPen) {
-    const LogicalPen pen{PS_SOLID, 1, 1, fill.colour};
+    const LogicalPen pen{PS_SOLID, 1, 1, fill.color};
     if (rasteriser_.realizeObject(handle_, OBJ_PEN, &pen, &ready.pen, nullptr) == 0) {
       Refused("QNVRealizeObject", "a pen");
     }
@@ -157,7 +157,7 @@ PagePainter::ReadyFigure PagePainter::Prepare(const Figure& figure) const {
   ready.mode = PlainMode();
   ready.mode.Rop2 = figure.rop2;
   ready.mode.bkMode = fill.opaque ? OPAQUE : TRANSPARENT;
-  ready.mode.TextColor = Physical(fill.colour);
+  ready.mode.TextColor = Physical(fill.color);
   ready.mode.bkColor = Physical(fill.background);
   const SpanRegion region = Clip(figure.region, {0, 0, pageRect_.right, pageRect_.bottom});
   // Where page rows and band rows differ, only banded spans paint every band row of a figure, and paint it once.

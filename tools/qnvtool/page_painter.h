@@ -36,7 +36,7 @@ class PagePainter {
   };
   struct ReadyText {
     const TextLine* line = nullptr;
-    uint32_t colour = 0;
+    uint32_t color = 0;
     int top = 0;
     int bottom = 0;
   };
@@ -45,7 +45,7 @@ class PagePainter {
   ReadyFigure Prepare(const Figure& figure) const;
   ReadyPicture Prepare(const Picture& picture) const;
   PhysicalBrush RealiseBrush(const Fill& fill) const;
-  uint32_t Physical(Colour colour) const;
+  uint32_t Physical(Color color) const;
 
   void Paint(const ReadyText& text, const Rect& view) const;
   void Paint(const ReadyFigure& figure, const Rect& view) const;

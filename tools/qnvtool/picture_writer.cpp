@@ -17,7 +17,7 @@ using Pixels = PictureForm::Pixels;
 class PnmWriter final : public PictureWriter {
  public:
   PnmWriter(const std::string& path, const PictureForm& form) : file_(path), form_(form) {
-    const int kind = form.pixels == Pixels::kColour ? 6 : 5;
+    const int kind = form.pixels == Pixels::kColor ? 6 : 5;
     Write(fmt::format("P{}\n{} {}\n255\n", kind, form.width, form.height));
   }
 
@@ -46,7 +46,7 @@ class PnmWriter final : public PictureWriter {
 void ConvertRow(const PictureForm& form, const uint8_t* row, std::vector<uint8_t>& result) {
   const auto width = static_cast<std::size_t>(form.width);
   switch (form.pixels) {
-    case Pixels::kColour:
+    case Pixels::kColor:
       result.resize(width * 3);
       for (std::size_t i = 0; i < width * 3; i += 3) {
         result[i] = row[i + 2];

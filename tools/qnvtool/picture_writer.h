@@ -10,18 +10,18 @@ namespace qnv::tool {
 
 struct PictureForm {
   enum class Pixels {
-    kColour,   // 3 bytes a pixel: blue, green, red
+    kColor,    // 3 bytes a pixel: blue, green, red
     kGray,     // 1 byte a pixel
     kGrayOf3,  // 3 equal bytes a pixel, written as one
-    kTags,     // 1 byte a pixel; PNG files show it through the colours of the tag legend
+    kTags,     // 1 byte a pixel; PNG files show it through the colors of the tag legend
   };
   int width = 0;
   int height = 0;
   int dpi = 0;  // recorded in files whose format has a place for it
-  Pixels pixels = Pixels::kColour;
+  Pixels pixels = Pixels::kColor;
 };
 
-// Colours of the tag legend, 0xRRGGBB: cells of opaque text, graphics and paper, images.
+// Colors of the tag legend, 0xRRGGBB: cells of opaque text, graphics and paper, images.
 inline constexpr uint32_t kTagTextCell = 0xF2C300;
 inline constexpr uint32_t kTagGraphics = 0xE8EEF4;
 inline constexpr uint32_t kTagImage = 0xC8102E;
@@ -46,7 +46,7 @@ enum class PictureFormat { kPng, kPnm };
 // `path` says; "-" is PNM then. Throws ToolError (usage) for an extension that stands for none.
 PictureFormat FormatOf(const std::string& path, const std::string& name);
 
-// A binary PPM (colour) or PGM file (gray, tags). On standard output ("-") pictures may follow one another.
+// A binary PPM (color) or PGM file (gray, tags). On standard output ("-") pictures may follow one another.
 std::unique_ptr<PictureWriter> CreatePnmFile(const std::string& path, const PictureForm& form);
 
 }  // namespace qnv::tool

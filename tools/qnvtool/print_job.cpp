@@ -78,7 +78,7 @@ Formats CheckOutputs(const PrintOptions& options, const PrintParts& parts) {
       throw ToolError(ExitCode::kUsage, fmt::format("{}: this program writes .ppm and .pgm files only", path));
     }
     if (!gray && NamesPgm(path, options.format)) {
-      throw ToolError(ExitCode::kUsage, fmt::format("{}: PGM files are gray, the picture has colours; use .ppm", path));
+      throw ToolError(ExitCode::kUsage, fmt::format("{}: PGM files are gray, the picture has colors; use .ppm", path));
     }
     return format;
   };
@@ -125,7 +125,7 @@ class PageFiles {
             int width, int height) {
     using Pixels = PictureForm::Pixels;
     using Kind = DeviceChoice::Kind;
-    PictureForm form{width, height, device.bandDpi, Pixels::kColour};
+    PictureForm form{width, height, device.bandDpi, Pixels::kColor};
     if (device.kind == Kind::kGray) form.pixels = Pixels::kGray;
     if (device.kind == Kind::kScaledGray) form.pixels = Pixels::kGrayOf3;
     picture_ = CreatePicture(parts, names.picture, formats.picture, form);
@@ -148,7 +148,7 @@ class PageFiles {
   }
 
  private:
-  // Image areas take half of the colour that the tag legend gives them.
+  // Image areas take half of the color that the tag legend gives them.
   void WriteOverlay(const BandView& band) {
     for (int i = 0; i < band.rows; ++i) {
       const uint8_t* const pixels = band.pixels + static_cast<std::size_t>(i) * band.stride;

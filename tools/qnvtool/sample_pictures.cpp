@@ -80,7 +80,7 @@ Rgb Sky(double x, double y) {
 
 // The scene above the water; x runs from 0 to the picture's aspect ratio.
 Rgb Land(double x, double y) {
-  Rgb colour = Sky(x, y);
+  Rgb color = Sky(x, y);
   struct Range {
     double base, height, scale;
     uint32_t seed;
@@ -99,9 +99,9 @@ Rgb Land(double x, double y) {
     const double texture = Clouds(x * 28, y * 40, range.seed + 50, 4);
     Rgb rock = Mix(range.dark, range.lit, 0.45 + slope * 7 + (texture - 0.5) * 0.7);
     if (range.seed == 101) rock = Mix(rock, {244, 236, 240}, Smooth(0.1, 0.0, y - ridge) * Smooth(0.4, 0.55, texture));
-    colour = Mix(colour, rock, Smooth(0, 0.003, y - ridge));
+    color = Mix(color, rock, Smooth(0, 0.003, y - ridge));
   }
-  return colour;
+  return color;
 }
 
 Rgb Scene(double x, double y) {
@@ -126,8 +126,8 @@ Bytes MakeSamplePhoto(int width, int height) {
   for (int row = 0; row < height; ++row) {
     for (int column = 0; column < width; ++column) {
       const double grain = (Lattice(column, row, 9) - 0.5) * 5;
-      const Rgb colour = Scene((column + 0.5) / height, (row + 0.5) / height);
-      pixels.insert(pixels.end(), {Byte(colour.b + grain), Byte(colour.g + grain), Byte(colour.r + grain)});
+      const Rgb color = Scene((column + 0.5) / height, (row + 0.5) / height);
+      pixels.insert(pixels.end(), {Byte(color.b + grain), Byte(color.g + grain), Byte(color.r + grain)});
     }
   }
   return EncodeBmp24(width, height, 150, pixels);
@@ -142,8 +142,8 @@ Bytes MakeSampleMap(int width, int height) {
   for (int level = 0; level < kLevels; ++level) {
     const double place = level * 5.0 / (kLevels - 1);
     const int stop = std::min(static_cast<int>(place), 4);
-    const Rgb colour = Mix(stops[stop], stops[stop + 1], place - stop);
-    palette.push_back(uint32_t{Byte(colour.r)} << 16 | uint32_t{Byte(colour.g)} << 8 | Byte(colour.b));
+    const Rgb color = Mix(stops[stop], stops[stop + 1], place - stop);
+    palette.push_back(uint32_t{Byte(color.r)} << 16 | uint32_t{Byte(color.g)} << 8 | Byte(color.b));
   }
   palette.push_back(0x4A3826);
   palette.push_back(0x7A8288);

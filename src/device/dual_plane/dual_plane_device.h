@@ -1,6 +1,6 @@
-// The dual-plane device: a colour band and, in a second buffer, a tag plane of one byte a pixel that tells
+// The dual-plane device: a color band and, in a second buffer, a tag plane of one byte a pixel that tells
 // what was painted last: images (QNV_TAG_IMAGE) or anything else (QNV_TAG_GRAPHICS). Each drawing call first
-// writes the tags and then goes unchanged to the colour band.
+// writes the tags and then goes unchanged to the color band.
 #pragma once
 
 #include <cstdint>

@@ -12,11 +12,11 @@ PhysicalBrush InkBrush(const PhysicalBrush& brush, const DRAWMODE& drawMode, uin
   const bool backgroundInk = drawMode.bkColor != paper;
   const bool textInk = drawMode.TextColor != paper;
   const bool opaque = drawMode.bkMode == OPAQUE;
-  return MakeCellBrush(brush, BS_HATCHED, 8, kForeground | TagColour(QNV_TAG_GRAPHICS), 0, [&](uint32_t cell) {
-    const uint32_t colour = cell & kColourBits;
+  return MakeCellBrush(brush, BS_HATCHED, 8, kForeground | TagColor(QNV_TAG_GRAPHICS), 0, [&](uint32_t cell) {
+    const uint32_t color = cell & kColorBits;
     if (brush.style == BS_HATCHED && (cell & kForeground) == 0) return opaque && backgroundInk;
-    if (brush.style == BS_PATTERN && brush.patternDepth == 1) return colour == kWhite ? backgroundInk : textInk;
-    return colour != paper;
+    if (brush.style == BS_PATTERN && brush.patternDepth == 1) return color == kWhite ? backgroundInk : textInk;
+    return color != paper;
   });
 }
 
@@ -25,7 +25,7 @@ enum class Marking : uint8_t { kNothing, kBrush, kRefused };
 
 Marking MakeMarkingBrush(const PhysicalBrush& brush, const DRAWMODE& drawMode, TagRule rule, PhysicalBrush* result) {
   if (rule != TagRule::kAlways) {
-    const uint32_t paper = SkipColour(rule);
+    const uint32_t paper = SkipColor(rule);
     switch (brush.style) {
       case BS_SOLID:
         if (brush.colour == paper) return Marking::kNothing;
@@ -69,7 +69,7 @@ bool DualPlaneDevice::TagOutput(const OutputArguments& a) {
   }
   DRAWMODE mode = *a.drawMode;
   mode.Rop2 = R2_COPYPEN;
-  mode.bkColor = TagColour(QNV_TAG_GRAPHICS);
+  mode.bkColor = TagColor(QNV_TAG_GRAPHICS);
   // Opaque hatches have been made solid where all of them marks: gaps that are left do not mark.
   mode.bkMode = TRANSPARENT;
   return tagDevice_->Output(OutputArguments{a.style, a.count, a.points, nullptr, &marking, &mode, a.clip}) != 0;

@@ -8,7 +8,7 @@ uint32_t DualPlaneDevice::Pixel(int32_t x, int32_t y, const PixelArguments& a) {
   if (a.clip == nullptr) return 0;
   if (!planeUniform_ && a.drawMode != nullptr) {
     const TagRule rule = TagRuleOfRop2(static_cast<uint16_t>(a.drawMode->Rop2 - 1));
-    if (rule == TagRule::kAlways || (rule != TagRule::kNever && a.colour != SkipColour(rule))) {
+    if (rule == TagRule::kAlways || (rule != TagRule::kNever && a.color != SkipColor(rule))) {
       FillTagRect(tagDevice_->Plane(), QNV_TAG_GRAPHICS, x, y, 1, 1, *a.clip);
     }
   }

@@ -8,7 +8,7 @@ bool MakeTagBrush(const PhysicalBrush* brush, const DRAWMODE& drawMode, uint8_t 
   const uint16_t style = brush != nullptr ? brush->style : uint16_t{BS_SOLID};
   *result = PhysicalBrush{};
   result->patternDepth = 8;
-  result->colour = TagColour(tag);
+  result->colour = TagColor(tag);
   if (brush != nullptr) {
     result->hatch = brush->hatch;
     result->hatchScale[0] = brush->hatchScale[0];
@@ -20,7 +20,7 @@ bool MakeTagBrush(const PhysicalBrush* brush, const DRAWMODE& drawMode, uint8_t 
     case BS_HOLLOW: result->style = BS_HOLLOW; return true;
     case BS_HATCHED:
       result->style = drawMode.bkMode == OPAQUE ? BS_SOLID : BS_HATCHED;
-      for (int i = 0; i < 64; ++i) result->cells[i] = (brush->cells[i] & kForeground) | TagColour(tag);
+      for (int i = 0; i < 64; ++i) result->cells[i] = (brush->cells[i] & kForeground) | TagColor(tag);
       return true;
     default: return false;
   }

@@ -1,4 +1,4 @@
-// Brushes for the tag plane, made from the brush of a call: they carry a tag instead of a colour.
+// Brushes for the tag plane, made from the brush of a call: they carry a tag instead of a color.
 #pragma once
 
 #include <cstdint>
@@ -8,7 +8,7 @@
 
 namespace qnv {
 
-constexpr uint32_t TagColour(uint8_t tag) { return tag * 0x010101u; }
+constexpr uint32_t TagColor(uint8_t tag) { return tag * 0x010101u; }
 
 // A brush that paints the tag wherever `brush` paints at all (null: everywhere): hatches on a transparent
 // background keep their gaps. False for a style above 3.

@@ -47,7 +47,7 @@ void TagFromPixels(const TagPlane& plane, uint8_t tag, const BltArguments& a, ui
   }
 }
 
-// A one-bit source paints where its colour is not the skip colour: a transfer of the tag through the source.
+// A one-bit source paints where its color is not the skip color: a transfer of the tag through the source.
 void TagFromBits(const TagPlane& plane, uint8_t tag, const BltArguments& a, uint32_t skip) {
   DRAWMODE mode = *a.drawMode;
   mode.bkColor = a.drawMode->bkColor != skip ? kWhite : 0;
@@ -66,7 +66,7 @@ void TagFromBits(const TagPlane& plane, uint8_t tag, const BltArguments& a, uint
 void TagFromCells(const TagPlane& plane, uint8_t tag, const BltArguments& a, uint32_t skip) {
   const bool backgroundPaints = a.drawMode->bkColor != skip;
   const PhysicalBrush cells = MakeCellBrush(*a.brush, BS_PATTERN, 1, kWhite, 0, [=](uint32_t cell) {
-    return (cell & kForeground) != 0 ? (cell & kColourBits) != skip : backgroundPaints;
+    return (cell & kForeground) != 0 ? (cell & kColorBits) != skip : backgroundPaints;
   });
   DRAWMODE mode = *a.drawMode;
   BltArguments tagging = a;
@@ -74,11 +74,11 @@ void TagFromCells(const TagPlane& plane, uint8_t tag, const BltArguments& a, uin
   tagging.brush = &cells;
   tagging.drawMode = &mode;
   tagging.rop = kAndPattern;
-  mode.bkColor = 0;  // the colour of painting cells
+  mode.bkColor = 0;  // the color of painting cells
   mode.TextColor = kWhite;
   BitBlt8(plane.paint, plane.band, tagging);
   tagging.rop = kOrPattern;
-  mode.bkColor = TagColour(tag);
+  mode.bkColor = TagColor(tag);
   mode.TextColor = 0;
   BitBlt8(plane.paint, plane.band, tagging);
 }
@@ -104,7 +104,7 @@ void FillTagRect(const TagPlane& plane, uint8_t value, int32_t x, int32_t y, int
 
 namespace {
 
-// Tags the destination pixels of a transfer whose source pixel is not of the skip colour. False for a source
+// Tags the destination pixels of a transfer whose source pixel is not of the skip color. False for a source
 // that is neither one plane of 24 bits nor one of one bit. What cannot be read (a null source, a one-bit one
 // without draw mode) is not painted and not tagged.
 bool TagFromSource(const TagPlane& plane, uint8_t tag, const BltArguments& a, uint32_t skip) {
@@ -120,8 +120,8 @@ bool TagFromSource(const TagPlane& plane, uint8_t tag, const BltArguments& a, ui
   return true;
 }
 
-// Tags the destination pixels whose brush cell is not of the skip colour. False for a style above 3. Nothing
-// is tagged without a brush, or for a hatch or pattern without the draw mode that colours it.
+// Tags the destination pixels whose brush cell is not of the skip color. False for a style above 3. Nothing
+// is tagged without a brush, or for a hatch or pattern without the draw mode that colors it.
 bool TagFromBrush(const TagPlane& plane, uint8_t tag, const BltArguments& a, uint32_t skip) {
   if (a.brush == nullptr) return true;
   switch (a.brush->style) {

@@ -1,5 +1,5 @@
 // When painting replaces what a pixel shows, so that its tag must change. Operations that keep, invert or
-// merely combine the old value leave the old tag; some do so only for one colour.
+// merely combine the old value leave the old tag; some do so only for one color.
 #pragma once
 
 #include <cstdint>
@@ -28,8 +28,8 @@ constexpr TagRule TagRuleOfRop2(uint32_t truth) {
   }
 }
 
-// The colour that does not paint. Requires: a rule with a colour.
-constexpr uint32_t SkipColour(TagRule rule) { return rule == TagRule::kUnlessWhite ? kWhite : 0; }
+// The color that does not paint. Requires: a rule with a color.
+constexpr uint32_t SkipColor(TagRule rule) { return rule == TagRule::kUnlessWhite ? kWhite : 0; }
 
 // What decides the tags of a bit-block transfer.
 enum class TagAction : uint8_t {
@@ -43,7 +43,7 @@ enum class TagAction : uint8_t {
 struct TransferTagRule {
   TagAction action;
   bool takesTag;  // the caller's tag; else always the graphics tag
-  uint32_t skip;  // colour of source pixels or brush cells that do not paint
+  uint32_t skip;  // color of source pixels or brush cells that do not paint
 };
 
 // Intended: rows without takesTag write the graphics tag for images too.

@@ -18,7 +18,7 @@ bool DualPlaneDevice::TagText(const TextArguments& a) {
   // Intended: the background of opaque cells is no ink; its tag becomes 0.
   DRAWMODE mode = *a.drawMode;
   mode.bkColor = 0;
-  mode.TextColor = TagColour(QNV_TAG_GRAPHICS);
+  mode.TextColor = TagColor(QNV_TAG_GRAPHICS);
   TextArguments tagging = a;
   tagging.drawMode = &mode;
   tagging.options = static_cast<uint16_t>(a.options & ~ETO_OPAQUE);

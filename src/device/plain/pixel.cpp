@@ -12,7 +12,7 @@ uint32_t RasterDevice::Pixel(int32_t x, int32_t y, const PixelArguments& a) {
   if (!Contains(Shifted(*a.clip, state_.origin.x, state_.origin.y), xDevice, yDevice)) return 0;
   uint8_t* pixel = band.At(xDevice, yDevice);
   if (a.drawMode == nullptr) return ReadPixel(pixel, band.bytesPerPixel);
-  WritePixel(pixel, band.bytesPerPixel, a.colour, static_cast<uint16_t>(a.drawMode->Rop2));
+  WritePixel(pixel, band.bytesPerPixel, a.color, static_cast<uint16_t>(a.drawMode->Rop2));
   return 0;
 }
 

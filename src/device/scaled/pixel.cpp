@@ -14,7 +14,7 @@ uint32_t ScaledRasterDevice::Pixel(int32_t x, int32_t y, const PixelArguments& a
   if (!Contains(band.rect, xBand, yBand)) return 0;
   uint8_t* pixel = band.At(xBand, yBand);
   if (a.drawMode == nullptr) return ReadPixel(pixel, band.bytesPerPixel);
-  WritePixel(pixel, band.bytesPerPixel, a.colour, static_cast<uint16_t>(a.drawMode->Rop2));
+  WritePixel(pixel, band.bytesPerPixel, a.color, static_cast<uint16_t>(a.drawMode->Rop2));
   if (IsGrayMode()) state_.rows->image->RegrayRow24(pixel, 1);
   return 0;
 }
