@@ -1,3 +1,17 @@
+# Most of the time of a fresh build goes into reading headers again and again. Sources of programs are therefore
+# compiled several at a time, as one unit: they may not define the same name twice, in unnamed namespaces neither. The
+# library's sources stay units of their own, because flags and instruction sets belong to single files.
+option(QNV_UNITY "Compile the sources of tests and tools several at a time" ON)
+
+# qnv_unity(target BATCH): BATCH sources a unit
+function(qnv_unity target batch)
+  set_target_properties(${target} PROPERTIES UNITY_BUILD ${QNV_UNITY} UNITY_BUILD_BATCH_SIZE ${batch})
+endfunction()
+
+# Optimised builds of programs keep line numbers and leave out the description of variables, which is a quarter of the
+# time that compiling takes.
+set(QNV_PROGRAM_OPTIONS $<$<CONFIG:RelWithDebInfo>:-g1>)
+
 # Options shared by every target of this project. Third-party sources do not get them.
 add_library(qnv_options INTERFACE)
 target_compile_options(qnv_options INTERFACE

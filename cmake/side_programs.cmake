@@ -6,6 +6,11 @@ if(bench_sources AND NOT QNV_FUZZ)
   add_executable(qnvbench ${bench_sources})
   target_include_directories(qnvbench PRIVATE ${PROJECT_SOURCE_DIR}/include)
   target_link_libraries(qnvbench PRIVATE qnv_options ${CMAKE_DL_LIBS})
+  qnv_unity(qnvbench 9)
+  # What it measures runs in the library, apart from the limits of the memory, which are loops of its own.
+  target_compile_options(qnvbench PRIVATE ${QNV_PROGRAM_OPTIONS} $<$<CONFIG:RelWithDebInfo>:-O1>)
+  set_source_files_properties(${PROJECT_SOURCE_DIR}/bench/memory_limits.cpp PROPERTIES
+    COMPILE_OPTIONS $<$<CONFIG:RelWithDebInfo>:-O2>)
   if(QNV_TESTS)
     add_test(NAME bench_self_test COMMAND qnvbench --self-test)
     set_tests_properties(bench_self_test PROPERTIES ENVIRONMENT "${QNV_TEST_ENVIRONMENT}" TIMEOUT 300)

@@ -10,7 +10,6 @@
 namespace qnv::tool {
 namespace {
 
-constexpr int kLargestSide = 32767;            // span coordinates have 16 bits
 constexpr std::size_t kLargestStride = 65535;  // image transfers count a band row in 16 bits
 
 DeviceDescription Describe(const DeviceChoice& device, int width, int height) {
@@ -38,9 +37,7 @@ BandPrinter::BandPrinter(const Rasteriser& rasteriser, const DeviceChoice& devic
     throw ToolError(ExitCode::kLibrary, fmt::format("--device {}: the library does not have this device", device.name));
   }
   if (device.isScaled()) guard_ = device.bandDpi / std::gcd(device.pageDpi, device.bandDpi);
-  const auto tooLarge = [&](uint32_t side) {
-    return side == 0 || side > uint32_t{kLargestSide} - 2 * uint32_t(guard_);
-  };
+  const auto tooLarge = [&](uint32_t side) { return side == 0 || side > uint32_t{kMaxSide} - 2 * uint32_t(guard_); };
   stride_ = (std::size_t{size.width} * static_cast<std::size_t>(device.bandBytesPerPixel()) + 3) & ~std::size_t{3};
   if (tooLarge(size.width) || tooLarge(size.height) || stride_ > kLargestStride) {
     throw ToolError(ExitCode::kUsage, fmt::format("the page would have {} x {} pixels, which is too large for --device "

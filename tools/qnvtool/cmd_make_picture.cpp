@@ -9,7 +9,7 @@
 namespace qnv::tool {
 namespace {
 
-struct Arguments {
+struct PictureArguments {
   std::string kind;
   std::string out;
   int width = 900;
@@ -19,7 +19,7 @@ struct Arguments {
 }  // namespace
 
 Command MakePictureCommand() {
-  auto arguments = std::make_shared<Arguments>();
+  auto arguments = std::make_shared<PictureArguments>();
   Command command{.name = "make-picture", .summary = "Make a sample picture as a BMP file", .options = {}, .run = {}};
   command.options = {
       {.names = "kind",

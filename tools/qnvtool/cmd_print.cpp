@@ -9,7 +9,7 @@ namespace qnv::tool {
 namespace {
 
 // What the command line holds before it is made sense of.
-struct Arguments {
+struct PrintArguments {
   PrintOptions options;
   std::string paper = "a4";
   std::string device = "color";
@@ -30,7 +30,7 @@ const std::string kFooter = std::string(
                                 "letters or run from right to left come out letter by letter.\n\n") +
                             kFigureFormatHelp + "\n" + kExitCodesHelp;
 
-void Run(Arguments& arguments, const PrintParts& parts) {
+void Run(PrintArguments& arguments, const PrintParts& parts) {
   PrintOptions& options = arguments.options;
   options.paper = ParsePaper(arguments.paper);
   options.device = ParseDevice(arguments.device, arguments.dpi);
@@ -46,7 +46,7 @@ void Run(Arguments& arguments, const PrintParts& parts) {
 }  // namespace
 
 Command PrintCommand(const PrintParts& parts) {
-  auto arguments = std::make_shared<Arguments>();
+  auto arguments = std::make_shared<PrintArguments>();
   PrintOptions& options = arguments->options;
   const std::string page = "Page";
   const std::string text = "Text";

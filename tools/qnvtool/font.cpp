@@ -2,12 +2,13 @@
 
 #include <algorithm>
 
+#include "line_breaker.h"
+
 namespace qnv::tool {
 namespace {
 
 constexpr std::size_t kMostWideGlyphs = 65536;
 constexpr char32_t kNoBreakSpace = 0xA0;
-constexpr char32_t kSoftHyphen = 0xAD;
 
 }  // namespace
 

@@ -6,6 +6,9 @@
 
 namespace qnv::tool {
 
+// Sheets and pictures are no wider and no higher, in pixels: the coordinates of spans have 16 bits.
+inline constexpr int kMaxSide = 32767;
+
 // Half-open: right and bottom are outside. Pixels unless a name says otherwise.
 struct Rect {
   int left = 0;

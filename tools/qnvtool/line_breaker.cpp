@@ -3,7 +3,6 @@
 namespace qnv::tool {
 namespace {
 
-constexpr char32_t kSoftHyphen = 0x00AD;
 constexpr char32_t kZeroWidthSpace = 0x200B;
 
 bool IsIdeograph(char32_t c) {

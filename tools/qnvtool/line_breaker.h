@@ -7,6 +7,9 @@
 
 namespace qnv::tool {
 
+// Does not show unless a line ends at it.
+inline constexpr char32_t kSoftHyphen = 0x00AD;
+
 // Advance of a character in pixels.
 using AdvanceOf = std::function<int(char32_t)>;
 

@@ -11,8 +11,6 @@
 namespace qnv::tool {
 namespace {
 
-constexpr int kLargestSide = 32767;
-
 std::string Lower(std::string text) {
   for (char& c : text) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
   return text;
@@ -44,10 +42,10 @@ Sheet MakeSheet(const Paper& paper, int dpi, double marginMm) {
   sheet.dpi = dpi;
   sheet.width = PixelsFromMm(paper.widthMm, dpi);
   sheet.height = PixelsFromMm(paper.heightMm, dpi);
-  if (sheet.width > kLargestSide || sheet.height > kLargestSide) {
+  if (sheet.width > kMaxSide || sheet.height > kMaxSide) {
     throw ToolError(ExitCode::kUsage,
                     fmt::format("the page would have {} x {} pixels; at most {} a side can be painted", sheet.width,
-                                sheet.height, kLargestSide));
+                                sheet.height, kMaxSide));
   }
   const int margin = PixelsFromMm(marginMm, dpi);
   sheet.content = {margin, margin, sheet.width - margin, sheet.height - margin};

@@ -12,7 +12,6 @@ namespace qnv::tool {
 namespace {
 
 constexpr double kDefaultPixelsPerMetre = 72 / 0.0254;
-constexpr double kLargestSide = 32767;
 
 struct Size {
   double width = 0;
@@ -58,7 +57,7 @@ Page LayOutPicture(std::shared_ptr<const Dib> dib, const PictureScale& scale, co
                    const std::string& name) {
   const Rect body = BodyOf(setup);
   const Size size = PageSize(*dib, scale, body, setup.sheet.dpi);
-  if (size.width > kLargestSide || size.height > kLargestSide) {
+  if (size.width > kMaxSide || size.height > kMaxSide) {
     throw ToolError(ExitCode::kUsage, fmt::format("{}: would be {:.0f} x {:.0f} pixels large; use a smaller --scale",
                                                   name, size.width, size.height));
   }

@@ -12,12 +12,10 @@
 namespace qnv::tool {
 namespace {
 
-using Pixels = PictureForm::Pixels;
-
 class PnmWriter final : public PictureWriter {
  public:
   PnmWriter(const std::string& path, const PictureForm& form) : file_(path), form_(form) {
-    const int kind = form.pixels == Pixels::kColor ? 6 : 5;
+    const int kind = form.pixels == PictureForm::Pixels::kColor ? 6 : 5;
     Write(fmt::format("P{}\n{} {}\n255\n", kind, form.width, form.height));
   }
 
@@ -46,7 +44,7 @@ class PnmWriter final : public PictureWriter {
 void ConvertRow(const PictureForm& form, const uint8_t* row, std::vector<uint8_t>& result) {
   const auto width = static_cast<std::size_t>(form.width);
   switch (form.pixels) {
-    case Pixels::kColor:
+    case PictureForm::Pixels::kColor:
       result.resize(width * 3);
       for (std::size_t i = 0; i < width * 3; i += 3) {
         result[i] = row[i + 2];
@@ -54,7 +52,7 @@ void ConvertRow(const PictureForm& form, const uint8_t* row, std::vector<uint8_t
         result[i + 2] = row[i];
       }
       break;
-    case Pixels::kGrayOf3:
+    case PictureForm::Pixels::kGrayOf3:
       result.resize(width);
       for (std::size_t x = 0; x < width; ++x) result[x] = row[3 * x];
       break;

@@ -21,7 +21,6 @@
 namespace qnv::tool {
 namespace {
 
-using Pixels = PictureForm::Pixels;
 using Buffer = std::vector<uint8_t>;
 
 // Seconds of processor time to print, and kilobytes written, of a photograph at 300 dots per inch and of a text of one
@@ -105,7 +104,7 @@ class PngWriter final : public PictureWriter {
 
  private:
   std::size_t BytesOfRow() const {
-    return static_cast<std::size_t>(form_.width) * (form_.pixels == Pixels::kColor ? 3 : 1);
+    return static_cast<std::size_t>(form_.width) * (form_.pixels == PictureForm::Pixels::kColor ? 3 : 1);
   }
 
   void Write(const Buffer& bytes) {
@@ -125,12 +124,16 @@ class PngWriter final : public PictureWriter {
   void WriteHeader() {
     Write({0x89, 'P', 'N', 'G', '\r', '\n', 0x1A, '\n'});
     constexpr uint8_t kGray = 0, kColor = 2, kPalette = 3;
-    const bool tags = form_.pixels == Pixels::kTags;
+    const bool tags = form_.pixels == PictureForm::Pixels::kTags;
     Buffer header;
     AppendBig32(header, static_cast<uint32_t>(form_.width));
     AppendBig32(header, static_cast<uint32_t>(form_.height));
     // Bits of a component, kind of pixels, deflate, filters by row, rows in order.
-    header.insert(header.end(), {8, form_.pixels == Pixels::kColor ? kColor : tags ? kPalette : kGray, 0, 0, 0});
+    header.insert(header.end(), {8,
+                                 form_.pixels == PictureForm::Pixels::kColor ? kColor
+                                 : tags                                      ? kPalette
+                                                                             : kGray,
+                                 0, 0, 0});
     WriteChunk("IHDR", header);
     if (tags) WritePalette();
     const auto perMetre = static_cast<uint32_t>(std::lround(form_.dpi / 0.0254));
