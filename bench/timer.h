@@ -41,14 +41,14 @@ inline double TimeBatch(Job& job, int times) {
 
 // Runs for a batch of the planned length. Serves as warm-up too.
 inline int CalibrateBatch(Job& job, const TimingPlan& plan) {
-  constexpr int kMost = 1 << 24;
+  constexpr int kMaxTimes = 1 << 24;
   int times = 1;
   for (;;) {
     const double ns = std::max(TimeBatch(job, times), 1.0);
-    if (ns >= plan.batchNs / 2 || times >= kMost) {
-      return std::clamp(static_cast<int>(times * plan.batchNs / ns), 1, kMost);
+    if (ns >= plan.batchNs / 2 || times >= kMaxTimes) {
+      return std::clamp(static_cast<int>(times * plan.batchNs / ns), 1, kMaxTimes);
     }
-    times = std::min(kMost, times * static_cast<int>(std::clamp(plan.batchNs / ns, 2.0, 16.0)));
+    times = std::min(kMaxTimes, times * static_cast<int>(std::clamp(plan.batchNs / ns, 2.0, 16.0)));
   }
 }
 

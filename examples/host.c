@@ -135,11 +135,11 @@ static void fill_rect(Host *host, int left, int top, int right, int bottom, cons
 
 /* One span a row. A pixel belongs to the disc when its centre does. */
 static void fill_disc(Host *host, int centre_x, int centre_y, int radius, const PhysicalBrush *brush) {
-  enum { kMostRows = 128 };
-  int16_t points[1 + 2 * kMostRows];
+  enum { kMaxRows = 128 };
+  int16_t points[1 + 2 * kMaxRows];
   int16_t *point = points;
   int row;
-  if (radius > kMostRows / 2) radius = kMostRows / 2;
+  if (radius > kMaxRows / 2) radius = kMaxRows / 2;
   *point++ = (int16_t)(centre_y - radius);
   for (row = -radius; row < radius; ++row) {
     /* Doubled, so that centres are whole numbers: the row's is 2 row + 1, the last pixel's is 2 half - 1. */
@@ -251,7 +251,7 @@ enum { kPictureWidth = 96, kPictureHeight = 64, kPictureColors = 14 };
 /* Everything is bytes or packed, so the color table follows the header without a gap. */
 typedef struct Picture {
   BITMAPINFOHEADER header;
-  uint8_t colors[kPictureColors][4];                        /* blue, green, red, unused */
+  uint8_t colors[kPictureColors][4];                          /* blue, green, red, unused */
   uint8_t data[kPictureHeight * (2 * kPictureWidth + 2) + 2]; /* at most a code a pixel and an end a row */
 } Picture;
 
@@ -353,7 +353,7 @@ static void draw_heading(Host *host, const Page *page) {
 /* Drawn at (0, 0) and put in its place by the origin. */
 static void draw_colors(Host *host) {
   static const uint32_t colors[] = {RGB24(214, 48, 49),  RGB24(232, 126, 4), RGB24(246, 201, 14), RGB24(39, 154, 72),
-                                     RGB24(24, 140, 170), RGB24(52, 84, 180), RGB24(128, 62, 152), RGB24(80, 80, 88)};
+                                    RGB24(24, 140, 170), RGB24(52, 84, 180), RGB24(128, 62, 152), RGB24(80, 80, 88)};
   int i;
   set_origin(host, 48, 180);
   for (i = 0; i < 8; ++i) {

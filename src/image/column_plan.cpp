@@ -8,11 +8,11 @@ namespace qnv {
 namespace {
 
 // Picks that stand together in a group, wherever it begins; 1 when only the pixel itself does.
-std::size_t PixelsOfAGroup(const uint16_t* picks, std::size_t count, std::size_t bytesPerPixel) {
+std::size_t PixelsPerGroup(const uint16_t* indices, std::size_t count, std::size_t bytesPerPixel) {
   std::size_t pixels = kGroupBytes / bytesPerPixel;
   for (std::size_t begin = 0; begin < count && pixels > 1;) {
     const std::size_t last = std::min(begin + pixels, count) - 1;
-    const std::size_t apart = static_cast<std::size_t>(std::abs(picks[last] - picks[begin]));
+    const std::size_t apart = static_cast<std::size_t>(std::abs(indices[last] - indices[begin]));
     const bool fits = (apart + 1) * bytesPerPixel <= kGroupBytes;
     begin = fits ? last + 1 : 0;
     pixels -= fits ? 0 : 1;
@@ -52,12 +52,12 @@ struct ColumnOrder {
 };
 
 // Formats whose whole rows are converted sooner than single pixels are picked out of bytes.
-bool ConvertsBeforeThinning(uint32_t bitCount, PixelTarget target) {
+bool ConvertsBeforeDecimation(uint32_t bitCount, PixelTarget target) {
   return bitCount == 1 || (bitCount == 4 && target == PixelTarget::kGray8);
 }
 
 // Bytes converted for each destination pixel; beyond that picking is as fast.
-constexpr std::size_t kMostConverted = 6;
+constexpr std::size_t kMaxConverted = 6;
 
 }  // namespace
 
@@ -89,14 +89,14 @@ bool ColumnPlan::Make(const Stepping& stepping, const SourceMapping& mapping, ui
     order_ = Order::kRepeated;
     return TakeConverted(static_cast<std::size_t>(sourceCount_) * bytesPerPixel_, buffers);
   }
-  order_ = Order::kPicked;
-  if (!PlanPicks(stepping, first, advance, buffers)) return false;
+  order_ = Order::kIndexed;
+  if (!PlanIndices(stepping, first, advance, buffers)) return false;
   if (!order.ascending) return true;
   const std::size_t count = static_cast<std::size_t>(count_);
   const std::size_t sourceCount = static_cast<std::size_t>(sourceCount_);
   const std::size_t bytes = sourceCount * bytesPerPixel_;
   const bool enlarges = stepping.step >= 65536;
-  if (enlarges || (ConvertsBeforeThinning(bitCount, target) && bytes <= kMostConverted * count)) {
+  if (enlarges || (ConvertsBeforeDecimation(bitCount, target) && bytes <= kMaxConverted * count)) {
     if (!TakeConverted(bytes, buffers)) return false;
     if (PlanGroups(bytesPerPixel_, bytes + kGroupBytes, buffers)) order_ = Order::kConvertedFirst;
   } else if (sourceBytes_ > 0) {
@@ -106,20 +106,20 @@ bool ColumnPlan::Make(const Stepping& stepping, const SourceMapping& mapping, ui
   return true;
 }
 
-bool ColumnPlan::PlanPicks(const Stepping& stepping, int32_t first, int32_t advance, ImageBuffers& buffers) {
-  auto* picks = buffers.columns.Take<uint16_t>(static_cast<std::size_t>(count_));
-  if (picks == nullptr) return false;
+bool ColumnPlan::PlanIndices(const Stepping& stepping, int32_t first, int32_t advance, ImageBuffers& buffers) {
+  auto* indices = buffers.columns.Take<uint16_t>(static_cast<std::size_t>(count_));
+  if (indices == nullptr) return false;
   WalkColumns(stepping, [&](int32_t i, int32_t begin, int32_t end) {
-    std::fill(picks + begin, picks + end, static_cast<uint16_t>(first + i * advance));
+    std::fill(indices + begin, indices + end, static_cast<uint16_t>(first + i * advance));
   });
-  picks_ = picks;
+  indices_ = indices;
   return true;
 }
 
 // readable: bytes from the pixel low_ on. False when groups would hold single pixels, and without memory.
 bool ColumnPlan::PlanGroups(std::size_t bytesPerPixel, std::size_t readable, ImageBuffers& buffers) {
   const std::size_t count = static_cast<std::size_t>(count_);
-  groupPixels_ = PixelsOfAGroup(picks_, count, bytesPerPixel);
+  groupPixels_ = PixelsPerGroup(indices_, count, bytesPerPixel);
   if (groupPixels_ < 2 || readable < kGroupBytes) return false;
   const std::size_t groupCount = (count + groupPixels_ - 1) / groupPixels_;
   auto* groups = buffers.groups.Take<ShuffleGroup>(groupCount);
@@ -128,7 +128,7 @@ bool ColumnPlan::PlanGroups(std::size_t bytesPerPixel, std::size_t readable, Ima
   groups_ = groups;
   for (std::size_t begin = 0; begin < count; begin += groupPixels_, ++groups) {
     const std::size_t end = std::min(begin + groupPixels_, count);
-    const auto byteOf = [&](std::size_t i) { return static_cast<std::size_t>(picks_[i] - low_) * bytesPerPixel; };
+    const auto byteOf = [&](std::size_t i) { return static_cast<std::size_t>(indices_[i] - low_) * bytesPerPixel; };
     const std::size_t from = std::min({byteOf(begin), byteOf(end - 1), readable - kGroupBytes});
     groups->from = static_cast<uint32_t>(from);
     uint8_t* next = groups->bytes;
@@ -172,7 +172,7 @@ void ColumnPlan::Apply(uint8_t* out, const uint8_t* row, const RowConverter& con
                        count * sourceBytes_);
       converter.Consecutive(out, converted_, 0, count, context);
       break;
-    case Order::kPicked: converter.Picked(out, row, picks_, count, context); break;
+    case Order::kIndexed: converter.Indexed(out, row, indices_, count, context); break;
   }
 }
 

@@ -27,10 +27,10 @@ class ColumnPlan {
     kRepeated,        // converted one after another, then each repeated 2, 4 or 8 times
     kConvertedFirst,  // converted one after another, then enlarged or thinned out
     kGatheredFirst,   // source pixels thinned out, then converted one after another
-    kPicked,          // source columns one by one
+    kIndexed,         // source columns one by one
   };
 
-  bool PlanPicks(const Stepping& stepping, int32_t first, int32_t advance, ImageBuffers& buffers);
+  bool PlanIndices(const Stepping& stepping, int32_t first, int32_t advance, ImageBuffers& buffers);
   bool PlanGroups(std::size_t bytesPerPixel, std::size_t readable, ImageBuffers& buffers);
   bool TakeConverted(std::size_t bytes, ImageBuffers& buffers);
 
@@ -40,8 +40,8 @@ class ColumnPlan {
   int32_t low_ = 0;                       // leftmost source column that is converted
   int32_t sourceCount_ = 0;               // source columns from there to the last one
   int32_t count_ = 0;                     // destination columns
-  const uint16_t* picks_ = nullptr;       // the source column of each destination column
-  const ShuffleGroup* groups_ = nullptr;  // what picks_ says, in bytes from low_ on
+  const uint16_t* indices_ = nullptr;     // the source column of each destination column
+  const ShuffleGroup* groups_ = nullptr;  // what indices_ says, in bytes from low_ on
   std::size_t groupPixels_ = 0;
   std::size_t factor_ = 0;        // kRepeated
   uint8_t* converted_ = nullptr;  // a row between its two steps

@@ -5,14 +5,14 @@
 namespace qnv {
 namespace {
 
-constexpr int32_t kMostPixels = 32767;  // what 16-bit source rectangles can hold
+constexpr int32_t kMaxPixels = 32767;  // what 16-bit source rectangles can hold
 
 // Table positions that a header may name: behind every header that there is, within what a host can be asked to hold.
 constexpr uint32_t kMinTableOffset = 40;
 constexpr uint32_t kMaxTableOffset = 4096;
 
 // Neither pictures in a format of their own (4 and 5) nor what nobody has defined are rows of pixels.
-constexpr uint32_t kLastOfRows = BI_BITFIELDS;
+constexpr uint32_t kMaxRowCompression = BI_BITFIELDS;
 constexpr uint32_t kAlphaBitfields = 6;  // read as plain rows
 
 bool IsDepth(uint16_t bits) { return bits == 1 || bits == 4 || bits == 8 || bits == 16 || bits == 24 || bits == 32; }
@@ -23,11 +23,11 @@ bool ReadDib(const void* bitmapInfo, Dib* dib) {
   BITMAPINFOHEADER header;
   std::memcpy(&header, bitmapInfo, sizeof header);
   if (header.biPlanes != 1 || !IsDepth(header.biBitCount)) return false;
-  if (header.biWidth < 1 || header.biWidth > kMostPixels) return false;
-  if (header.biHeight == 0 || header.biHeight < -kMostPixels || header.biHeight > kMostPixels) return false;
+  if (header.biWidth < 1 || header.biWidth > kMaxPixels) return false;
+  if (header.biHeight == 0 || header.biHeight < -kMaxPixels || header.biHeight > kMaxPixels) return false;
   if (header.biCompression == BI_RLE8 && header.biBitCount != 8) return false;
   if (header.biCompression == BI_RLE4 && header.biBitCount != 4) return false;
-  if (header.biCompression > kLastOfRows && header.biCompression != kAlphaBitfields) return false;
+  if (header.biCompression > kMaxRowCompression && header.biCompression != kAlphaBitfields) return false;
   const bool hasPalette = header.biBitCount <= 8;
   if (hasPalette && (header.biSize < kMinTableOffset || header.biSize > kMaxTableOffset)) return false;
   dib->width = header.biWidth;

@@ -15,7 +15,7 @@ bool KeptColumns::Make(const KeptMapping& mapping, int32_t left, int32_t width, 
   std::size_t used = 0;
   mapping.ForEachRun(left, width, bandColumns, [&](const ColumnRun& run) {
     runs[runCount_++] = Run{run.bandColumn, run.count, columns + used};
-    for (int32_t i = 0; i < run.count; ++i) columns[used++] = run.callerColumn + run.picks[i];
+    for (int32_t i = 0; i < run.count; ++i) columns[used++] = run.callerColumn + run.indices[i];
   });
   runs_ = runs;
   return true;

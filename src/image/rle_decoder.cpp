@@ -106,23 +106,23 @@ void WritePixels(uint8_t* out, const uint8_t* record, int32_t count) {
 
 // Blocks of constant size become vector moves; calls of the runtime cost more than most records have pixels.
 constexpr int32_t kBlock = 16;
-constexpr int32_t kFewBlocks = 3;
-static_assert(std::size_t{kFewBlocks} * kBlock <= RleDecoder::kOvershoot);
+constexpr int32_t kMinBlocks = 3;
+static_assert(std::size_t{kMinBlocks} * kBlock <= RleDecoder::kOvershoot);
 // The most that a record takes when its literal is read in whole blocks.
-constexpr std::ptrdiff_t kMostRead = 2 + 256;
+constexpr std::ptrdiff_t kMaxRead = 2 + 256;
 
 void FillBlocks(uint8_t* out, uint8_t value, int32_t count) {
   std::memset(out, value, kBlock);
   std::memset(out + kBlock, value, kBlock);
   std::memset(out + std::ptrdiff_t{2} * kBlock, value, kBlock);
-  for (int32_t done = kFewBlocks * kBlock; done < count; done += kBlock) std::memset(out + done, value, kBlock);
+  for (int32_t done = kMinBlocks * kBlock; done < count; done += kBlock) std::memset(out + done, value, kBlock);
 }
 
 void CopyBlocks(uint8_t* out, const uint8_t* from, int32_t count) {
   std::memcpy(out, from, kBlock);
   std::memcpy(out + kBlock, from + kBlock, kBlock);
   std::memcpy(out + std::ptrdiff_t{2} * kBlock, from + std::ptrdiff_t{2} * kBlock, kBlock);
-  for (int32_t done = kFewBlocks * kBlock; done < count; done += kBlock) {
+  for (int32_t done = kMinBlocks * kBlock; done < count; done += kBlock) {
     std::memcpy(out + done, from + done, kBlock);
   }
 }
@@ -141,7 +141,7 @@ void WriteRecords(RlePlace* place, int32_t columns, int32_t width, const uint8_t
       next += 2;
       column += first;
     } else {
-      if (second < 3 || second > room || readable - next < kMostRead) break;
+      if (second < 3 || second > room || readable - next < kMaxRead) break;
       CopyBlocks(row + column, next + 2, second);
       next += 2 + LiteralBytes<false>(second);
       column += second;

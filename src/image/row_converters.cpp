@@ -73,11 +73,11 @@ void Consecutive(uint8_t* out, const uint8_t* row, uint32_t first, std::size_t c
 // Colors of a table are looked up one by one; other pixels are gathered, a cached piece at a time, and converted as
 // consecutive ones.
 template <PixelTarget kTarget, uint32_t kBits>
-void Picked(uint8_t* out, const uint8_t* row, const uint16_t* picks, std::size_t count,
-            const ConverterContext& context) {
+void Indexed(uint8_t* out, const uint8_t* row, const uint16_t* indices, std::size_t count,
+             const ConverterContext& context) {
   if constexpr (kBits <= 8) {
     StorePixels<BytesOf(kTarget)>(
-        out, count, [&](std::size_t i) { return ReadPixel<kBits>(row, picks[i], context.colors.table.entries); });
+        out, count, [&](std::size_t i) { return ReadPixel<kBits>(row, indices[i], context.colors.table.entries); });
   } else {
     constexpr std::size_t kPiece = 256;
     constexpr std::size_t kBytes = kBits / 8;
@@ -85,7 +85,7 @@ void Picked(uint8_t* out, const uint8_t* row, const uint16_t* picks, std::size_t
     for (std::size_t done = 0; done < count; done += kPiece) {
       const std::size_t piece = std::min(kPiece, count - done);
       for (std::size_t i = 0; i < piece; ++i) {
-        std::memcpy(gathered + kBytes * i, row + kBytes * picks[done + i], kBytes);
+        std::memcpy(gathered + kBytes * i, row + kBytes * indices[done + i], kBytes);
       }
       Consecutive<kTarget, kBits>(out + BytesOf(kTarget) * done, gathered, 0, piece, context);
     }
@@ -95,12 +95,12 @@ void Picked(uint8_t* out, const uint8_t* row, const uint16_t* picks, std::size_t
 template <PixelTarget kTarget>
 RowConverter ConverterOf(uint32_t bitCount) {
   switch (bitCount) {
-    case 1: return {Consecutive<kTarget, 1>, Picked<kTarget, 1>};
-    case 4: return {Consecutive<kTarget, 4>, Picked<kTarget, 4>};
-    case 8: return {Consecutive<kTarget, 8>, Picked<kTarget, 8>};
-    case 16: return {Consecutive<kTarget, 16>, Picked<kTarget, 16>};
-    case 24: return {Consecutive<kTarget, 24>, Picked<kTarget, 24>};
-    default: return {Consecutive<kTarget, 32>, Picked<kTarget, 32>};
+    case 1: return {Consecutive<kTarget, 1>, Indexed<kTarget, 1>};
+    case 4: return {Consecutive<kTarget, 4>, Indexed<kTarget, 4>};
+    case 8: return {Consecutive<kTarget, 8>, Indexed<kTarget, 8>};
+    case 16: return {Consecutive<kTarget, 16>, Indexed<kTarget, 16>};
+    case 24: return {Consecutive<kTarget, 24>, Indexed<kTarget, 24>};
+    default: return {Consecutive<kTarget, 32>, Indexed<kTarget, 32>};
   }
 }
 

@@ -24,9 +24,9 @@ struct RowConverter {
   // Pixels first .. first + count - 1 of a row. out: count pixels of the target.
   void (*Consecutive)(uint8_t* out, const uint8_t* row, uint32_t first, std::size_t count,
                       const ConverterContext& context);
-  // Pixels picks[0] .. picks[count - 1]; each is looked at once for each place that it takes.
-  void (*Picked)(uint8_t* out, const uint8_t* row, const uint16_t* picks, std::size_t count,
-                 const ConverterContext& context);
+  // Pixels indices[0] .. indices[count - 1]; each is looked at once for each place that it takes.
+  void (*Indexed)(uint8_t* out, const uint8_t* row, const uint16_t* indices, std::size_t count,
+                  const ConverterContext& context);
 };
 
 // Requires: a depth of 1, 4, 8, 16, 24 or 32.

@@ -15,7 +15,7 @@ struct Parts {
   bool fraction = false;  // there is something behind the point
 };
 
-Parts TakeApart(double v) {
+Parts Decompose(double v) {
   const uint64_t bits = std::bit_cast<uint64_t>(v);
   const int exponent = static_cast<int>(bits >> 52 & 0x7FF) - 1075;
   const uint64_t mantissa = (bits & ((uint64_t{1} << 52) - 1)) | uint64_t{1} << 52;
@@ -38,17 +38,17 @@ int32_t Signed(const Parts& parts, uint64_t magnitude) {
 }
 
 int32_t Truncate(double v) {
-  const Parts parts = TakeApart(v);
+  const Parts parts = Decompose(v);
   return Signed(parts, parts.whole);
 }
 
 int32_t Floor(double v) {
-  const Parts parts = TakeApart(v);
+  const Parts parts = Decompose(v);
   return Signed(parts, parts.whole + (parts.negative && parts.fraction ? 1 : 0));
 }
 
 int32_t Ceil(double v) {
-  const Parts parts = TakeApart(v);
+  const Parts parts = Decompose(v);
   return Signed(parts, parts.whole + (!parts.negative && parts.fraction ? 1 : 0));
 }
 

@@ -54,10 +54,10 @@ void SpanPainter::Regray(uint8_t* dst, std::size_t pixels, int32_t y, int32_t le
   if (!hatched_) return rows_.image->RegrayRow24(dst, pixels);
   // The gaps of a hatch are not written and keep their color.
   static constexpr Tile kZeros{};
-  constexpr std::size_t kMostPixels = 256;
-  uint8_t gray[kMostPixels * 3];
-  for (std::size_t done = 0; done < pixels; done += kMostPixels) {
-    const std::size_t count = std::min(kMostPixels, pixels - done);
+  constexpr std::size_t kMaxPixels = 256;
+  uint8_t gray[kMaxPixels * 3];
+  for (std::size_t done = 0; done < pixels; done += kMaxPixels) {
+    const std::size_t count = std::min(kMaxPixels, pixels - done);
     uint8_t* part = dst + 3 * done;
     std::memcpy(gray, part, 3 * count);
     rows_.image->RegrayRow24(gray, count);

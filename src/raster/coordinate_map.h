@@ -52,8 +52,8 @@ class CoordinateMap {
   };
 
   // True when every band pixel holds a page pixel of its own: MapKept of it is that band pixel.
-  bool Thins() const { return b_ != 0 && b_ <= a_; }
-  // The page pixel of a band pixel. Requires: Thins(), band >= 0.
+  bool Decimates() const { return b_ != 0 && b_ <= a_; }
+  // The page pixel of a band pixel. Requires: Decimates(), band >= 0.
   int32_t PageOf(int32_t band) const;
   // Calls take(page pixel) for the band pixels [band, end) until it returns false. Requires as PageOf.
   template <class Take>
@@ -65,7 +65,7 @@ class CoordinateMap {
       }
     }
   }
-  // The first band pixel whose page pixel is v or a later one. Requires: Thins(), v >= 0.
+  // The first band pixel whose page pixel is v or a later one. Requires: Decimates(), v >= 0.
   int32_t FirstBandFrom(int32_t v) const;
   // The same behind every coordinate too: v may be 2^31.
   int32_t EndBandOf(int64_t v) const {

@@ -11,10 +11,10 @@ namespace qnv {
 
 // Neighbouring band pixels and the caller columns that they come from.
 struct ColumnRun {
-  int32_t bandColumn;     // of the first pixel, from the band's left edge
-  int32_t callerColumn;   // of the first pixel, from the start of the walk
-  int32_t count;          // pixels
-  const uint16_t* picks;  // caller column of each pixel, from the start of the walk; null: one after another
+  int32_t bandColumn;       // of the first pixel, from the band's left edge
+  int32_t callerColumn;     // of the first pixel, from the start of the walk
+  int32_t count;            // pixels
+  const uint16_t* indices;  // caller column of each pixel, from the start of the walk; null: one after another
 };
 
 // Plain devices: caller pixels are band pixels.
@@ -44,7 +44,7 @@ struct PlainMapping {
 struct KeptMapping {
   static constexpr bool kOneToOne = false;
   // As many as one fetch of a source takes.
-  static constexpr int32_t kMostPicks = 2048;
+  static constexpr int32_t kMaxRunPixels = 2048;
 
   const CoordinateMap* map;
 
@@ -63,7 +63,7 @@ struct KeptMapping {
   // that the band holds. Work follows the band's rows where it is coarser than the page.
   template <class Visit>
   void ForEachKeptRow(int32_t first, int32_t count, int32_t bandRows, Visit visit) const {
-    if (map->Thins()) {
+    if (map->Decimates()) {
       if (EndOf(first, count) <= 0) return;
       int32_t row = map->FirstBandFrom(MaxOf(first, 0));
       map->ForEachPage(row, MinOf(map->EndBandOf(EndOf(first, count)), bandRows), [&](int32_t page) {
@@ -80,7 +80,7 @@ struct KeptMapping {
 
   template <class Paint>
   void ForEachRun(int32_t first, int32_t count, int32_t bandColumns, Paint paint) const {
-    if (map->Thins()) return ForEachThinnedRun(first, count, bandColumns, paint);
+    if (map->Decimates()) return ForEachDecimatedRun(first, count, bandColumns, paint);
     ForEachMappedRun(
         count, bandColumns, [&](int32_t i) { return map->MapKept(WrapAdd(first, i)); }, paint);
   }
@@ -89,12 +89,12 @@ struct KeptMapping {
   // into runs of neighbours. Dropped columns have a negative band column.
   template <class BandColumnOf, class Paint>
   static void ForEachMappedRun(int32_t count, int32_t bandColumns, BandColumnOf bandColumnOf, Paint paint) {
-    uint16_t picks[kMostPicks];
-    ColumnRun run{0, 0, 0, picks};
+    uint16_t indices[kMaxRunPixels];
+    ColumnRun run{0, 0, 0, indices};
     for (int32_t i = 0; i < count; ++i) {
       const int32_t column = bandColumnOf(i);
       if (column < 0 || column >= bandColumns) continue;
-      const bool joins = run.count != 0 && run.count != kMostPicks && column == run.bandColumn + run.count &&
+      const bool joins = run.count != 0 && run.count != kMaxRunPixels && column == run.bandColumn + run.count &&
                          i - run.callerColumn <= UINT16_MAX;
       if (!joins) {
         if (run.count != 0) paint(static_cast<const ColumnRun&>(run));
@@ -102,7 +102,7 @@ struct KeptMapping {
         run.callerColumn = i;
         run.count = 0;
       }
-      picks[run.count++] = static_cast<uint16_t>(i - run.callerColumn);
+      indices[run.count++] = static_cast<uint16_t>(i - run.callerColumn);
     }
     if (run.count != 0) paint(static_cast<const ColumnRun&>(run));
   }
@@ -116,17 +116,17 @@ struct KeptMapping {
 
   // Band columns side by side, each of which has a caller column: those are walked instead.
   template <class Paint>
-  void ForEachThinnedRun(int32_t first, int32_t count, int32_t bandColumns, Paint paint) const {
+  void ForEachDecimatedRun(int32_t first, int32_t count, int32_t bandColumns, Paint paint) const {
     if (EndOf(first, count) <= 0) return;
     int32_t column = map->FirstBandFrom(MaxOf(first, 0));
     const int32_t endColumn = MinOf(map->EndBandOf(EndOf(first, count)), bandColumns);
-    uint16_t picks[kMostPicks];
+    uint16_t indices[kMaxRunPixels];
     while (column < endColumn) {
       const int32_t start = map->PageOf(column);
-      ColumnRun run{column, start - first, 0, picks};
+      ColumnRun run{column, start - first, 0, indices};
       map->ForEachPage(column, endColumn, [&](int32_t page) {
-        if (run.count == kMostPicks || page - start > UINT16_MAX) return false;
-        picks[run.count++] = static_cast<uint16_t>(page - start);
+        if (run.count == kMaxRunPixels || page - start > UINT16_MAX) return false;
+        indices[run.count++] = static_cast<uint16_t>(page - start);
         return true;
       });
       paint(static_cast<const ColumnRun&>(run));

@@ -6,17 +6,17 @@
 
 namespace qnv {
 
-const uint8_t* SourceRows::Fetch(const RowKernels& rows, int32_t row, int32_t column, const uint16_t* picks,
+const uint8_t* SourceRows::Fetch(const RowKernels& rows, int32_t row, int32_t column, const uint16_t* indices,
                                  std::size_t count, uint8_t* chunk) const {
   if (form == SourceForm::kGray) return first + row * stride + column;
   if (form == SourceForm::kBlueGreenRed) return first + row * stride + std::ptrdiff_t{column} * 3;
-  FetchInto(rows, row, column, picks, count, chunk);
+  FetchInto(rows, row, column, indices, count, chunk);
   return chunk;
 }
 
-void SourceRows::FetchInto(const RowKernels& rows, int32_t row, int32_t column, const uint16_t* picks,
+void SourceRows::FetchInto(const RowKernels& rows, int32_t row, int32_t column, const uint16_t* indices,
                            std::size_t count, uint8_t* out) const {
-  if (picks != nullptr) return FetchPicked(rows, row, column, picks, count, out);
+  if (indices != nullptr) return FetchIndexed(rows, row, column, indices, count, out);
   const uint8_t* start = first + row * stride;
   switch (form) {
     case SourceForm::kOneBitTo24:
@@ -34,19 +34,19 @@ void SourceRows::FetchInto(const RowKernels& rows, int32_t row, int32_t column, 
 }
 
 // All pixels between the first and the last one that are picked are converted, which is quicker than one by one.
-void SourceRows::FetchPicked(const RowKernels& rows, int32_t row, int32_t column, const uint16_t* picks,
-                             std::size_t count, uint8_t* out) const {
-  uint8_t converted[kMostPixels * 3 + 1];
+void SourceRows::FetchIndexed(const RowKernels& rows, int32_t row, int32_t column, const uint16_t* indices,
+                              std::size_t count, uint8_t* out) const {
+  uint8_t converted[kMaxPixels * 3 + 1];
   for (std::size_t done = 0; done < count;) {
-    const uint16_t begin = picks[done];
+    const uint16_t begin = indices[done];
     std::size_t end = count;
-    while (picks[end - 1] - begin >= static_cast<int32_t>(kMostPixels)) end = done + (end - done) / 2;
-    const std::size_t between = picks[end - 1] - begin + std::size_t{1};
+    while (indices[end - 1] - begin >= static_cast<int32_t>(kMaxPixels)) end = done + (end - done) / 2;
+    const std::size_t between = indices[end - 1] - begin + std::size_t{1};
     FetchInto(rows, row, column + begin, nullptr, between, converted);
     converted[3 * between] = 0;  // gathering reads a byte behind the last pixel
     StorePixels<3>(out + 3 * done, end - done, [&](std::size_t i) {
       uint32_t packed;
-      std::memcpy(&packed, converted + std::size_t{3} * static_cast<std::size_t>(picks[done + i] - begin), 4);
+      std::memcpy(&packed, converted + std::size_t{3} * static_cast<std::size_t>(indices[done + i] - begin), 4);
       return packed;
     });
     done = end;

@@ -21,8 +21,8 @@ enum class SourceForm : uint8_t {
 struct SourceRows {
   // The longest run fetched into a chunk; it stays in the first-level cache.
   // Long enough that what is stored has left the store buffer when it is read back.
-  static constexpr std::size_t kMostPixels = 2048;
-  using Chunk = uint8_t[kMostPixels * 3];
+  static constexpr std::size_t kMaxPixels = 2048;
+  using Chunk = uint8_t[kMaxPixels * 3];
 
   SourceForm form;
   const uint8_t* first;   // byte that holds the first source pixel
@@ -40,18 +40,18 @@ struct SourceRows {
 
   // Band bytes of `count` pixels of row `row` (0 = the row of the first source pixel) from pixel `column`
   // (0 = the first) on: where they are, in the host's own memory or in `chunk`.
-  // picks: with them, the columns to take instead of consecutive ones, counted from `column`.
-  const uint8_t* Fetch(const RowKernels& rows, int32_t row, int32_t column, const uint16_t* picks, std::size_t count,
+  // indices: with them, the columns to take instead of consecutive ones, counted from `column`.
+  const uint8_t* Fetch(const RowKernels& rows, int32_t row, int32_t column, const uint16_t* indices, std::size_t count,
                        uint8_t* chunk) const;
 
-  // Fetch into memory that the caller names, any count without picks.
-  void FetchInto(const RowKernels& rows, int32_t row, int32_t column, const uint16_t* picks, std::size_t count,
+  // Fetch into memory that the caller names, any count without indices.
+  void FetchInto(const RowKernels& rows, int32_t row, int32_t column, const uint16_t* indices, std::size_t count,
                  uint8_t* out) const;
 
  private:
-  // Requires: a form that becomes three bytes a pixel; ascending picks.
-  void FetchPicked(const RowKernels& rows, int32_t row, int32_t column, const uint16_t* picks, std::size_t count,
-                   uint8_t* out) const;
+  // Requires: a form that becomes three bytes a pixel; ascending indices.
+  void FetchIndexed(const RowKernels& rows, int32_t row, int32_t column, const uint16_t* indices, std::size_t count,
+                    uint8_t* out) const;
 };
 
 }  // namespace qnv

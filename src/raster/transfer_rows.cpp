@@ -27,7 +27,7 @@ void TransferRows::PaintRows(const BandView& band, const RowRange& range, const 
         rows_.RopTileRow(dst, bytes, masks.and2, masks.xor2);
         break;
       }
-      case Shape::kSourceCopy: source_->FetchInto(rows_, sourceRow, run.callerColumn, run.picks, pixels, dst); break;
+      case Shape::kSourceCopy: source_->FetchInto(rows_, sourceRow, run.callerColumn, run.indices, pixels, dst); break;
       case Shape::kSource:
       case Shape::kSourcePattern: PaintSourceRun(dst, bandRow, sourceRow, run); break;
     }
@@ -44,13 +44,13 @@ void TransferRows::PaintSourceRun(uint8_t* dst, int32_t bandRow, int32_t sourceR
   SourceRows::Chunk chunk;
   // A chunk is a whole number of pattern periods, so that every chunk begins at the same phase. What is not converted
   // needs none, but for the several walks over a patterned row.
-  static_assert(SourceRows::kMostPixels % kMaxPeriod == 0);
+  static_assert(SourceRows::kMaxPixels % kMaxPeriod == 0);
   const bool whole = !patterned && source_->IsInBandOrder();
-  const std::size_t most = whole ? pixels : SourceRows::kMostPixels;
+  const std::size_t most = whole ? pixels : SourceRows::kMaxPixels;
   for (std::size_t done = 0; done < pixels; done += most) {
     const std::size_t count = std::min(most, pixels - done);
     const uint8_t* source =
-        source_->Fetch(rows_, sourceRow, run.callerColumn + static_cast<int32_t>(done), run.picks, count, chunk);
+        source_->Fetch(rows_, sourceRow, run.callerColumn + static_cast<int32_t>(done), run.indices, count, chunk);
     uint8_t* out = dst + done * bytesPerPixel_;
     const std::size_t bytes = count * bytesPerPixel_;
     if (patterned) {

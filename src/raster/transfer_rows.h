@@ -14,7 +14,7 @@
 namespace qnv {
 
 class TransferRows {
-  static_assert(KeptMapping::kMostPicks <= SourceRows::kMostPixels, "a run is fetched into one chunk");
+  static_assert(KeptMapping::kMaxRunPixels <= SourceRows::kMaxPixels, "a run is fetched into one chunk");
 
  public:
   // pattern: null when the operation reads none. source: null when it reads none. regray: pixels become

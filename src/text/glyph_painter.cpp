@@ -6,7 +6,7 @@ namespace qnv {
 namespace {
 
 // Rows of a glyph that are thinned at a time.
-constexpr int32_t kMostRows = 64;
+constexpr int32_t kMaxRows = 64;
 
 // In each byte of a word, or'ed to out: the bit 0x80 >> from becomes 0x80 >> to.
 template <class Word>
@@ -19,12 +19,12 @@ void MoveBit(uint8_t* out, const uint8_t* bytes, uint32_t from, uint32_t to) {
   std::memcpy(out, &moved, sizeof moved);
 }
 
-// Up to eight columns of a glyph, side by side in one byte a row. picks: counted from column `first`.
-void GatherColumns(uint8_t* out, const PlacedGlyph& glyph, int32_t first, const uint16_t* picks, uint32_t pixels,
+// Up to eight columns of a glyph, side by side in one byte a row. indices: counted from column `first`.
+void GatherColumns(uint8_t* out, const PlacedGlyph& glyph, int32_t first, const uint16_t* indices, uint32_t pixels,
                    int32_t top, int32_t rows) {
-  std::memset(out, 0, kMostRows);
+  std::memset(out, 0, kMaxRows);
   for (uint32_t to = 0; to < pixels; ++to) {
-    const uint32_t column = static_cast<uint32_t>(first) + picks[to];
+    const uint32_t column = static_cast<uint32_t>(first) + indices[to];
     const uint8_t* bytes = glyph.bits + static_cast<std::ptrdiff_t>(column / 8) * glyph.height + top;
     int32_t row = 0;
     for (; row + 4 <= rows; row += 4) MoveBit<uint32_t>(out + row, bytes + row, column % 8, to);
@@ -95,10 +95,10 @@ void PaintGlyph(const BandView& band, const KeptMapping& mapping, const BitPaint
   if (!VisiblePart(glyph, limits, &part)) return;
   const int32_t bandColumns = WrapSubtract(band.rect.right, band.rect.left);
   for (int32_t row = part.top; row < part.bottom;) {
-    int32_t bandRows[kMostRows];
+    int32_t bandRows[kMaxRows];
     int32_t rows = 0;
     int32_t top = row;
-    for (; row < part.bottom && rows < kMostRows; ++row) {
+    for (; row < part.bottom && rows < kMaxRows; ++row) {
       const int32_t y = mapping.ToBand(WrapAdd(glyph.y, row));
       if (y >= band.rect.bottom) {
         part.bottom = row;
@@ -116,8 +116,8 @@ void PaintGlyph(const BandView& band, const KeptMapping& mapping, const BitPaint
     KeptMapping::ForEachMappedRun(part.right - part.left, bandColumns, bandColumnOf, [&](const ColumnRun& run) {
       for (int32_t done = 0; done < run.count; done += 8) {
         const uint32_t pixels = static_cast<uint32_t>(MinOf(run.count - done, 8));
-        uint8_t bytes[kMostRows];
-        GatherColumns(bytes, glyph, part.left + run.callerColumn, run.picks + done, pixels, top, rows);
+        uint8_t bytes[kMaxRows];
+        GatherColumns(bytes, glyph, part.left + run.callerColumn, run.indices + done, pixels, top, rows);
         PaintGathered(band, painter, band.rect.left + run.bandColumn + done, pixels, bytes, bandRows, rows);
       }
     });

@@ -26,9 +26,9 @@ std::vector<Placed> ByRuns(const CoordinateMap& map, int32_t first, int32_t coun
   std::vector<Placed> placed;
   KeptMapping{&map}.ForEachRun(first, count, bandColumns, [&](const ColumnRun& run) {
     EXPECT_GT(run.count, 0);
-    EXPECT_LE(run.count, KeptMapping::kMostPicks);
-    EXPECT_EQ(run.picks[0], 0);
-    for (int32_t i = 0; i < run.count; ++i) placed.push_back({run.bandColumn + i, run.callerColumn + run.picks[i]});
+    EXPECT_LE(run.count, KeptMapping::kMaxRunPixels);
+    EXPECT_EQ(run.indices[0], 0);
+    for (int32_t i = 0; i < run.count; ++i) placed.push_back({run.bandColumn + i, run.callerColumn + run.indices[i]});
   });
   return placed;
 }
@@ -62,7 +62,7 @@ TEST(KeptMapping, PageOfIsTheInverseOfMapKept) {
     CoordinateMap map;
     map.SetResolutions(pair.a, pair.b);
     ASSERT_TRUE(map.Build());
-    if (!map.Thins()) continue;
+    if (!map.Decimates()) continue;
     for (int32_t band = 0; band < 3 * pair.b + 2; ++band) {
       const int32_t page = map.PageOf(band);
       ASSERT_EQ(band, map.MapKept(page)) << pair.a << ":" << pair.b;

@@ -7,7 +7,7 @@
 namespace qnv::tool {
 namespace {
 
-constexpr std::size_t kMostWideGlyphs = 65536;
+constexpr std::size_t kMaxWideGlyphs = 65536;
 constexpr char32_t kNoBreakSpace = 0xA0;
 
 }  // namespace
@@ -31,7 +31,7 @@ int Font::Advance(char32_t code) {
 uint16_t Font::WideCode(char32_t code) {
   const auto known = wideCodes_.find(code);
   if (known != wideCodes_.end()) return known->second;
-  if (wideGlyphs_.size() == kMostWideGlyphs) return static_cast<uint16_t>(kMostWideGlyphs - 1);
+  if (wideGlyphs_.size() == kMaxWideGlyphs) return static_cast<uint16_t>(kMaxWideGlyphs - 1);
   const auto index = static_cast<uint16_t>(wideGlyphs_.size());
   wideGlyphs_.push_back(source_->Load(code));
   wideCodes_.emplace(code, index);

@@ -4,7 +4,7 @@ namespace qnv {
 
 uint16_t DualPlaneDevice::BitBlt(const BltArguments& a) {
   if (a.clip == nullptr) return 1;
-  return TagTransfer(a) ? colourDevice_->BitBlt(a) : uint16_t{0};
+  return TagTransfer(a) ? colorDevice_->BitBlt(a) : uint16_t{0};
 }
 
 bool DualPlaneDevice::TagTransfer(const BltArguments& a) {

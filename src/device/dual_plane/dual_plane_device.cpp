@@ -9,19 +9,19 @@ DualPlaneDevice::DualPlaneDevice(const DeviceDescription& description, const Ban
     : RasterDevice24(description, bandRect, buffer), tagBuffer_(static_cast<uint8_t*>(secondBuffer)) {
   DeviceDescription tagDescription = description;
   tagDescription.bitsPerPixel = 8;
-  colourDevice_ = new RasterDevice24(description, bandRect, buffer);
+  colorDevice_ = new RasterDevice24(description, bandRect, buffer);
   tagDevice_ = new TagDevice(tagDescription, bandRect, secondBuffer);
-  if (colourDevice_ != nullptr) colourDevice_->Enable(bandRect);
+  if (colorDevice_ != nullptr) colorDevice_->Enable(bandRect);
   if (tagDevice_ != nullptr) tagDevice_->Enable(bandRect);
 }
 
 DualPlaneDevice::~DualPlaneDevice() {
   delete tagDevice_;
-  delete colourDevice_;
+  delete colorDevice_;
 }
 
 bool DualPlaneDevice::IsReady() const {
-  return RasterDevice24::IsReady() && colourDevice_ != nullptr && colourDevice_->IsReady() && tagDevice_ != nullptr &&
+  return RasterDevice24::IsReady() && colorDevice_ != nullptr && colorDevice_->IsReady() && tagDevice_ != nullptr &&
          tagDevice_->IsReady();
 }
 
@@ -29,7 +29,7 @@ uint16_t DualPlaneDevice::Control(uint16_t code, const void* data) {
   const uint16_t result = RasterDevice24::Control(code, data);
   if (code == QNV_SET_ORIGIN || code == QNV_SET_BAND_RECT) {
     tagDevice_->Control(code, data);
-    colourDevice_->Control(code, data);
+    colorDevice_->Control(code, data);
   }
   return result;
 }

@@ -39,9 +39,9 @@ class DualPlaneDevice : public RasterDevice24 {
   bool TagTransfer(const BltArguments& a);
 
   bool planeUniform_ = true;
-  RasterDevice24* colourDevice_ = nullptr;  // owned
-  TagDevice* tagDevice_ = nullptr;          // owned
-  uint8_t* tagBuffer_ = nullptr;            // the host's
+  RasterDevice24* colorDevice_ = nullptr;  // owned
+  TagDevice* tagDevice_ = nullptr;         // owned
+  uint8_t* tagBuffer_ = nullptr;           // the host's
 };
 
 }  // namespace qnv

@@ -7,6 +7,6 @@ bool DualPlaneDevice::MarkImage(const BltArguments& a) {
   return TagTransferOn(tagDevice_->PlaneWithoutOrigin(), QNV_TAG_IMAGE, a);
 }
 
-void DualPlaneDevice::PaintImageRow(const BltArguments& row) { colourDevice_->PaintImageRow(row); }
+void DualPlaneDevice::PaintImageRow(const BltArguments& row) { colorDevice_->PaintImageRow(row); }
 
 }  // namespace qnv

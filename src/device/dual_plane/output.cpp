@@ -44,7 +44,7 @@ Marking MakeMarkingBrush(const PhysicalBrush& brush, const DRAWMODE& drawMode, T
 }  // namespace
 
 int16_t DualPlaneDevice::Output(const OutputArguments& a) {
-  return TagOutput(a) ? colourDevice_->Output(a) : int16_t{0};
+  return TagOutput(a) ? colorDevice_->Output(a) : int16_t{0};
 }
 
 bool DualPlaneDevice::TagOutput(const OutputArguments& a) {

@@ -12,7 +12,7 @@ uint32_t DualPlaneDevice::Pixel(int32_t x, int32_t y, const PixelArguments& a) {
       FillTagRect(tagDevice_->Plane(), QNV_TAG_GRAPHICS, x, y, 1, 1, *a.clip);
     }
   }
-  return colourDevice_->Pixel(x, y, a);
+  return colorDevice_->Pixel(x, y, a);
 }
 
 // Tags left of or above 0 widen the clip, and an all-zero clip does not hold them: only the band limits.

@@ -4,7 +4,7 @@
 
 namespace qnv {
 
-int32_t DualPlaneDevice::ExtTextOut(const TextArguments& a) { return TagText(a) ? colourDevice_->ExtTextOut(a) : 0; }
+int32_t DualPlaneDevice::ExtTextOut(const TextArguments& a) { return TagText(a) ? colorDevice_->ExtTextOut(a) : 0; }
 
 bool DualPlaneDevice::TagText(const TextArguments& a) {
   if (planeUniform_ || a.count < 0) return true;
