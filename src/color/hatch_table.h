@@ -1,4 +1,5 @@
-// The six hatches: a row of eight pixels a byte, most significant bit leftmost, 0 = line, 1 = gap.
+// The bitmaps of the six hatches: eight rows of eight pixels, a byte for each row with the most significant bit
+// leftmost. A bit of 0 is a pixel of the line, a bit of 1 one of the gap.
 #pragma once
 
 #include <cstdint>

@@ -1,3 +1,5 @@
+// Realises pens and brushes: copies the fields of the logical record, converts the color, and draws the 64 cells of
+// hatches and patterns.
 #include "color/pens_and_brushes.h"
 
 #include "color/color_forms.h"
@@ -6,6 +8,7 @@
 namespace qnv {
 namespace {
 
+// Fills the 64 cells of a brush from the eight rows of a hatch bitmap.
 void HatchCells(const uint8_t (&rows)[8], uint32_t line, uint32_t gap, uint32_t* cells) {
   for (int row = 0; row < 8; ++row) {
     for (int column = 0; column < 8; ++column) {
@@ -15,7 +18,8 @@ void HatchCells(const uint8_t (&rows)[8], uint32_t line, uint32_t gap, uint32_t*
   }
 }
 
-// One cell from a bitmap row. Any depth but 24 and 8 is read as one bit: set is white background.
+// The cell of one pixel of a bitmap row. Every depth other than 24 and 8 is read as one bit a pixel: a set bit is a
+// white background cell, a clear bit a black foreground cell.
 uint32_t PatternCell(const uint8_t* row, int column, uint16_t depth) {
   switch (depth) {
     case 24: {
@@ -27,6 +31,7 @@ uint32_t PatternCell(const uint8_t* row, int column, uint16_t depth) {
   }
 }
 
+// Fills the cells and the depth of a brush from the top left 8 x 8 pixels of a bitmap. False without bitmap or bits.
 bool PatternCells(const SourceBitmap* bitmap, PhysicalBrush* brush) {
   if (bitmap == nullptr || bitmap->bmBits == nullptr) return false;
   const uint8_t bitsPixel = bitmap->bmBitsPixel;
@@ -62,6 +67,7 @@ uint32_t RealizeBrush(const LogicalBrush& logical, const BrushRules& rules, Phys
     case BS_HOLLOW: return kRealised;
     case BS_HATCHED:
       if (hatch >= 0 && hatch < kHatchCount) {
+        // Built here and copied: the record is packed, so nothing may point at its cells.
         uint32_t cells[64];
         HatchCells(kHatchRows[hatch], color, logical.background, cells);
         for (int i = 0; i < 64; ++i) brush->cells[i] = cells[i];

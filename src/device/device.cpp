@@ -1,3 +1,5 @@
+// The operations that are the same for every device class: realising objects, colors, escapes, rectangles of pixels,
+// unscaled images, and the opaque rectangle of text.
 #include "device/device.h"
 
 #include <algorithm>
@@ -39,6 +41,7 @@ uint32_t Device::RealizeObject(uint32_t kind, const void* input, void* output) {
 
 uint32_t Device::PolyPixel(int32_t x1, int32_t y1, int32_t x2, int32_t y2, const PixelArguments& a) {
   if (a.clip == nullptr || a.drawMode == nullptr) return 0;  // nothing is written
+  // The host's rectangle may have 2^64 pixels: only those that can change the band are visited.
   const PixelReach reach = Reach(*a.clip);
   const PixelAxis columns{reach.limits.left, reach.limits.right, reach.band.left, reach.band.right, reach.map};
   const PixelAxis rows{reach.limits.top, reach.limits.bottom, reach.band.top, reach.band.bottom, reach.map};
@@ -53,7 +56,8 @@ uint32_t Device::PolyPixel(int32_t x1, int32_t y1, int32_t x2, int32_t y2, const
 }
 
 void Device::RepeatPixel(int32_t x, int32_t y, uint64_t times, const PixelArguments& a) {
-  // Bit by bit an operation sets, clears, keeps or inverts: the third time does what the first did.
+  // For each bit a binary operation sets, clears, keeps or inverts it. Writing a pixel three times therefore gives the
+  // same bits as writing it once, four times the same as twice, and so on.
   for (uint64_t left = times > 2 ? 2 - times % 2 : times; left != 0; --left) Pixel(x, y, a);
 }
 
@@ -61,7 +65,7 @@ uint16_t Device::SetDIBitsToDevice(int32_t x, int32_t y, uint32_t startScan, uin
                                    const DRAWMODE* drawMode, const void* bits, const void* bitmapInfo,
                                    const void* conversionInfo) {
   if (bitmapInfo == nullptr) return 0;
-  int32_t width;
+  int32_t width;  // biWidth; the whole header is checked by StretchDIBits
   std::memcpy(&width, static_cast<const uint8_t*>(bitmapInfo) + 4, sizeof width);
   const int32_t rows = static_cast<int32_t>(numScans);
   return StretchDIBits(ImageArguments{0, x, y, width, rows, 0, static_cast<int32_t>(startScan), width, rows, bits,

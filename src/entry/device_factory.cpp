@@ -1,3 +1,4 @@
+// Chooses the device class for a description. A new class is one more case here.
 #include "entry/device_factory.h"
 
 #include "device/dual_plane/dual_plane_device.h"
@@ -7,6 +8,7 @@
 namespace qnv {
 namespace {
 
+// Null for an unknown combination of kind and depth, and without memory.
 Device* NewDevice(const DeviceDescription& description, const BandRect& bandRect, void* buffer, void* secondBuffer) {
   switch (description.kind) {
     case QNV_KIND_SCALED: return new ScaledRasterDevice(description, bandRect, buffer);
@@ -17,7 +19,7 @@ Device* NewDevice(const DeviceDescription& description, const BandRect& bandRect
       if (description.bitsPerPixel == 24) return new RasterDevice24(description, bandRect, buffer);
       if (description.bitsPerPixel == 8) return new RasterDevice8(description, bandRect, buffer);
       return nullptr;
-    default: return nullptr;  // Intended: kind 2 too, which is known to ReportDeviceInfo alone.
+    default: return nullptr;  // Intended: also kind 2, which only ReportDeviceInfo accepts.
   }
 }
 
@@ -26,7 +28,7 @@ Device* NewDevice(const DeviceDescription& description, const BandRect& bandRect
 Device* MakeDevice(const DeviceDescription& description, const BandRect& bandRect, void* buffer, void* secondBuffer) {
   Device* device = NewDevice(description, bandRect, buffer, secondBuffer);
   if (device == nullptr) return nullptr;
-  if (!device->IsReady()) {
+  if (!device->IsReady()) {  // no memory for its tables or buffers
     delete device;
     return nullptr;
   }

@@ -1,4 +1,5 @@
-// The thirteen exported functions: check the handle, pass the arguments on.
+// The thirteen exported functions. Each checks the handle, cuts arguments of 16 bits to their low half, and calls the
+// device.
 
 #include <cstdlib>
 
@@ -12,7 +13,7 @@
 #define QNV_VISIBLE __attribute__((visibility("default")))
 #endif
 
-// Hosts may call with a stack aligned to four bytes; the code behind uses aligned vectors.
+// 32-bit hosts may call with a stack aligned to four bytes only, but vector registers are saved at aligned addresses.
 #if defined(__i386__)
 #define QNV_ENTRY extern "C" QNV_VISIBLE __attribute__((force_align_arg_pointer))
 #else
@@ -23,11 +24,13 @@ using namespace qnv;
 
 namespace {
 
-// Intended: the calls with 16-bit results clear only the low half of the register that holds the handle.
+// What calls with a 16-bit result return for a bad handle. Intended: only the low half of the result is 0, the upper
+// half is that of the handle.
 uint32_t BadHandle16(const DeviceHandle* handle) {
   return static_cast<uint32_t>(reinterpret_cast<uintptr_t>(handle)) & 0xFFFF0000u;
 }
 
+// Arguments of 16 bits occupy a slot of 32, whose upper half may hold anything.
 uint16_t Low16(uint32_t slot) { return static_cast<uint16_t>(slot); }
 
 }  // namespace

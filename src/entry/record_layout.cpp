@@ -1,4 +1,5 @@
-// The layouts that hosts are compiled against, proven where pointers have their four bytes.
+// Proves at compile time that the records of the interface have the sizes and offsets that hosts are compiled against.
+// They are fixed for pointers of four bytes; builds with larger pointers prove nothing here.
 
 #include <cstddef>
 
@@ -8,6 +9,7 @@
 namespace qnv {
 namespace {
 
+// A template, so that the discarded part is not evaluated where pointers are larger.
 template <std::size_t kPointer>
 constexpr bool LayoutsHold() {
   if constexpr (kPointer != 4) return true;

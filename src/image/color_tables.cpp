@@ -1,3 +1,4 @@
+// Prepares color tables and masks from the header of a bitmap.
 #include "image/color_tables.h"
 
 #include <algorithm>
@@ -8,9 +9,10 @@
 namespace qnv {
 namespace {
 
-constexpr uint32_t kMaskOffset = 40;  // whatever biSize says
+// Offset of the three masks from the beginning of the header, in bytes; biSize does not matter.
+constexpr uint32_t kMaskOffset = 40;
 
-// entry: blue, green, red in memory.
+// One color in target form. entry: four bytes of the table, blue, green, red and one that is not used.
 uint32_t TableEntry(const uint8_t* entry, PixelTarget target) {
   const uint32_t blue = entry[0], green = entry[1], red = entry[2];
   switch (target) {
@@ -21,15 +23,17 @@ uint32_t TableEntry(const uint8_t* entry, PixelTarget target) {
   return WeightedGray(red, green, blue);
 }
 
+// How the bits under a mask become a byte: shifts for ComponentMask::Extract.
 ComponentMask MakeComponent(uint32_t mask) {
   uint32_t bits = 0;
   while (1u << bits < mask) ++bits;
   const uint32_t up = 16 - bits;
-  // What the shifted mask leaves open below 255 is filled from the component's own high bits.
+  // A component of fewer than eight bits leaves low bits of the byte open. They are filled with its own high bits, so
+  // that the largest component becomes 255.
   const uint32_t open = (255 - (mask << up >> 8)) & 0xFFFF;
   uint32_t openBits = 0;
   while (open != 0 && 1u << openBits <= open) ++openBits;
-  // A mask of a single bit would need a negative shift: it adds nothing.
+  // For a mask of one bit the shift would be negative; nothing is filled in then.
   constexpr uint32_t kAddsNothing = 31;
   return {mask, up, openBits <= 8 ? 8 - openBits : kAddsNothing};
 }

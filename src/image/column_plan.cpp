@@ -1,3 +1,5 @@
+// Plans the columns of an image: finds out how regular the step from source to destination columns is, and chooses the
+// fastest way that fits.
 #include "image/column_plan.h"
 
 #include <algorithm>
@@ -7,7 +9,8 @@
 namespace qnv {
 namespace {
 
-// Picks that stand together in a group, wherever it begins; 1 when only the pixel itself does.
+// The largest number of consecutive destination pixels whose source pixels always lie within one group of kGroupBytes;
+// 1 when not even two do.
 std::size_t PixelsPerGroup(const uint16_t* indices, std::size_t count, std::size_t bytesPerPixel) {
   std::size_t pixels = kGroupBytes / bytesPerPixel;
   for (std::size_t begin = 0; begin < count && pixels > 1;) {
@@ -20,16 +23,17 @@ std::size_t PixelsPerGroup(const uint16_t* indices, std::size_t count, std::size
   return pixels;
 }
 
-// What a walk over the columns shows of their order.
+// Collects, column by column, how source columns are distributed over destination columns.
 struct ColumnOrder {
-  int32_t firstWalked = -1, lastWalked = -1;  // source columns
-  int32_t reached = 0;
-  int32_t repetition = 0;   // destination columns of the first one
-  int32_t lastLength = 0;   // of the last one
-  bool consecutive = true;  // one for one
-  bool ascending = true;    // only wrapped numbers step back
-  bool repeated = true;     // each as often as the first, but the last
+  int32_t firstWalked = -1, lastWalked = -1;  // first and last source column that is shown
+  int32_t reached = 0;                        // destination columns so far
+  int32_t repetition = 0;                     // destination columns of the first source column
+  int32_t lastLength = 0;                     // destination columns of the last source column
+  bool consecutive = true;                    // each source column covers one destination column
+  bool ascending = true;                      // no step back; only wrapped numbers step back
+  bool repeated = true;                       // all but the last cover as many destination columns as the first
 
+  // Source column i covers the destination columns [begin, end).
   void Add(int32_t i, int32_t begin, int32_t end) {
     if (firstWalked < 0) {
       firstWalked = lastWalked = i;
@@ -44,19 +48,20 @@ struct ColumnOrder {
     reached = end;
   }
 
-  // 2, 4 or 8; 0 when columns are not repeated evenly.
+  // How often every column is repeated: 2, 4 or 8, the factors that have a row kernel; else 0.
   std::size_t Factor() const {
     const bool evenly = ascending && repeated && lastLength <= repetition;
     return evenly && (repetition == 2 || repetition == 4 || repetition == 8) ? static_cast<std::size_t>(repetition) : 0;
   }
 };
 
-// Formats whose whole rows are converted sooner than single pixels are picked out of bytes.
+// Whether, when an image is made smaller, it is faster to convert all source pixels and drop some than to convert only
+// those that are shown. True for some formats with several pixels in a byte.
 bool ConvertsBeforeDecimation(uint32_t bitCount, PixelTarget target) {
   return bitCount == 1 || (bitCount == 4 && target == PixelTarget::kGray8);
 }
 
-// Bytes converted for each destination pixel; beyond that picking is as fast.
+// ... as long as no more than this many bytes are converted for each destination pixel.
 constexpr std::size_t kMaxConverted = 6;
 
 }  // namespace
@@ -116,7 +121,8 @@ bool ColumnPlan::PlanIndices(const Stepping& stepping, int32_t first, int32_t ad
   return true;
 }
 
-// readable: bytes from the pixel low_ on. False when groups would hold single pixels, and without memory.
+// Translates indices_ into groups for ShuffleRow. readable: bytes that may be read from the pixel low_ on. False when a
+// group would hold a single pixel only, or without memory.
 bool ColumnPlan::PlanGroups(std::size_t bytesPerPixel, std::size_t readable, ImageBuffers& buffers) {
   const std::size_t count = static_cast<std::size_t>(count_);
   groupPixels_ = PixelsPerGroup(indices_, count, bytesPerPixel);
@@ -139,7 +145,7 @@ bool ColumnPlan::PlanGroups(std::size_t bytesPerPixel, std::size_t readable, Ima
   return true;
 }
 
-// A group reads a few bytes past the last pixel.
+// Takes the buffer for a row between two steps. A group may read a few bytes past the last pixel; those are cleared.
 bool ColumnPlan::TakeConverted(std::size_t bytes, ImageBuffers& buffers) {
   converted_ = buffers.converted.Take<uint8_t>(bytes + kGroupBytes);
   if (converted_ == nullptr) return false;

@@ -1,3 +1,4 @@
+// Checks the header of a device-independent bitmap. Everything here may have been written by somebody hostile.
 #include "image/dib.h"
 
 #include <cstring>
@@ -5,13 +6,15 @@
 namespace qnv {
 namespace {
 
-constexpr int32_t kMaxPixels = 32767;  // what 16-bit source rectangles can hold
+constexpr int32_t kMaxPixels = 32767;  // width and height, so that source rectangles fit 16 bits
 
-// Table positions that a header may name: behind every header that there is, within what a host can be asked to hold.
+// Limits for biSize, which says where the color table begins: not inside the header, and not farther from it than hosts
+// can be expected to hold memory for.
 constexpr uint32_t kMinTableOffset = 40;
 constexpr uint32_t kMaxTableOffset = 4096;
 
-// Neither pictures in a format of their own (4 and 5) nor what nobody has defined are rows of pixels.
+// Bitmaps whose data are rows of pixels or run lengths. 4 and 5 stand for embedded files in a format of their own,
+// values above 6 are not defined.
 constexpr uint32_t kMaxRowCompression = BI_BITFIELDS;
 constexpr uint32_t kAlphaBitfields = 6;  // read as plain rows
 

@@ -1,3 +1,4 @@
+// Brings converted image rows into the band by copying or merging.
 #include "image/image_rows.h"
 
 #include <cstring>
@@ -9,8 +10,8 @@ void CopyImage(ImageTransfer& transfer, const BandView& band, const RowKernels& 
   const std::size_t rowBytes = transfer.Columns() * band.bytesPerPixel;
   CoveredRows rows;
   while (transfer.NextRow(&rows)) {
-    // A row between destination rows lies where the next one is about to be written: only the last one, which
-    // none follows, is ever seen.
+    // A source row that covers no destination row is converted to the place of the next row, which overwrites it.
+    // Only the last one is not overwritten, so all others can be left out.
     if (rows.count == 0 && !transfer.IsLastRow()) continue;
     uint8_t* first = band.At(transfer.Clipped().left, transfer.Clipped().top + rows.first);
     transfer.ConvertRow(first);
@@ -26,7 +27,7 @@ void MergeRow(const ImageTransfer& transfer, const BandView& band, const RowKern
   uint8_t* dst = band.At(row.destX, row.destY);
   const std::size_t bytes = transfer.RowPixels() * band.bytesPerPixel;
   kernels.MinimumRow(dst, pixels, bytes);
-  // Behind the converted columns the row is clear, and the minimum with zero is zero.
+  // Columns beyond those that a converted row can hold count as 0, and the minimum with 0 is 0.
   std::memset(dst + bytes, 0, transfer.Columns() * band.bytesPerPixel - bytes);
 }
 

@@ -1,5 +1,5 @@
-// The row driver of image transfers: feeds converted rows to the band in the way that the raster code asks for.
-// A transfer over a band without memory runs and paints nothing.
+// The row loops of image transfers, shared by the device classes: converted rows are copied into the band, merged with
+// it, or handed on as sources of one-row transfers. On a band without memory they run and paint nothing.
 #pragma once
 
 #include <cstdint>
@@ -10,19 +10,19 @@
 
 namespace qnv {
 
-// The band with the row distance that the driver steps by. Intended: 16 bits of it.
+// The band as image rows address it. Intended: only the low 16 bits of the stride are used.
 inline BandView ImageBand(BandView band) {
   band.stride &= 0xFFFF;
   return band;
 }
 
-// What rows become for a band whose transfers take them in band order.
+// The form of converted rows for a band whose transfers take sources in band order.
 constexpr PixelTarget BandTarget(bool is24) { return is24 ? PixelTarget::kBand24 : PixelTarget::kGray8; }
 
 // SRCCOPY: each source row is converted into the first band row that it covers and copied to the others.
 void CopyImage(ImageTransfer& transfer, const BandView& band, const RowKernels& kernels);
 
-// A row buffer as the source of a one-row transfer. width: the source's width in pixels, kept to 16 bits.
+// A row buffer as the source of a one-row transfer. width: pixels, cut to 16 bits by the record.
 inline SourceBitmap RowBitmap(const uint8_t* buffer, uint32_t width, uint32_t bytesPerPixel) {
   return {0,     static_cast<int16_t>(static_cast<uint16_t>(width)),
           1,     static_cast<uint16_t>(width * bytesPerPixel),
@@ -30,18 +30,18 @@ inline SourceBitmap RowBitmap(const uint8_t* buffer, uint32_t width, uint32_t by
           buffer};
 }
 
-// Columns of the row buffer before the picture. A bitmap has at most INT16_MAX columns, so that a picture farther to
-// the right is not looked at; its rows are converted all the same.
+// Pixels of the row buffer left of the picture, so that column numbers in it are those of the band. A source bitmap has
+// at most INT16_MAX columns: a picture farther to the right is converted, but transfers do not reach it.
 inline int32_t ColumnsBefore(const ImageTransfer& transfer) {
   const int32_t left = transfer.LeftInBand();
   return left >= 0 && left < INT16_MAX ? left : INT16_MAX;
 }
 
-// The clip of the transfers below: an image is clipped before its rows are.
+// The clip of one-row transfers, which does not limit: the image is already clipped.
 inline constexpr Rect kNoClip{0, 0, 0, 0};
 
-// The one-row transfer of destination row `y`, caller's pixels with the origin added; the source column is the band's
-// own.
+// The transfer that paints destination row `y` (caller pixels, origin added). Its source column is the column of the
+// picture in the band.
 inline BltArguments RowTransfer(const ImageTransfer& transfer, const SourceBitmap& bitmap, int32_t y, uint32_t rop,
                                 const ImageArguments& a) {
   return {transfer.Clipped().left,
@@ -57,13 +57,13 @@ inline BltArguments RowTransfer(const ImageTransfer& transfer, const SourceBitma
           &kNoClip};
 }
 
-// Every code but SRCCOPY: hands each destination row that a source row covers to paintRow as a one-row transfer under
-// `rop`. afterConvert(pixels, count) may change a converted row before. paintRow(BltArguments, pixels) gets the
-// converted row too, and returns false to end the transfer, whose result is 0 then. 0 also without memory, else 1.
+// Every raster code but SRCCOPY: calls paintRow(BltArguments, pixels) for each destination row, with the one-row
+// transfer under `rop` that paints it and with the converted pixels. afterConvert(pixels, count) may change a converted
+// row before. paintRow returns false to end the image. Returns 1, or 0 when paintRow ended the image or without memory.
 template <class AfterConvert, class PaintRow>
 uint16_t FeedRows(ImageTransfer& transfer, uint32_t bitmapWidth, uint32_t bytesPerPixel, uint32_t rop,
                   const ImageArguments& a, AfterConvert afterConvert, PaintRow paintRow) {
-  // Cleared once: every row writes the same columns.
+  // Clearing the buffer once is enough, because every row writes the same columns.
   const int32_t before = ColumnsBefore(transfer);
   uint8_t* buffer = transfer.TakeRowBuffer(before);
   if (buffer == nullptr) return 0;
@@ -82,11 +82,10 @@ uint16_t FeedRows(ImageTransfer& transfer, uint32_t bitmapWidth, uint32_t bytesP
   return 1;
 }
 
-// Extended codes: each row is tagged as by SRCAND, and merged with the band by the smaller of two bytes for
-// ROP_MINIMUM. The other codes paint nothing.
+// Extended codes are tagged like SRCAND. Only ROP_MINIMUM paints: each byte becomes the smaller of band and image.
 inline constexpr uint32_t kMergeTags = SRCAND;
 
-// row, pixels: as FeedRows hands them over.
+// Merges one row. row, pixels: what FeedRows passes to paintRow.
 void MergeRow(const ImageTransfer& transfer, const BandView& band, const RowKernels& kernels, uint32_t rop,
               const BltArguments& row, const uint8_t* pixels);
 

@@ -1,3 +1,5 @@
+// Sets up an image transfer, in this order: check the arguments, clip the destination, map it to the source, prepare
+// colors, plan the columns.
 #include "image/image_transfer.h"
 
 #include <cstring>
@@ -41,7 +43,8 @@ bool ImageTransfer::Prepare(const PaintState& paint, const Rect& bandRect, Pixel
                                WrapSubtract(clipped_.bottom, clipped_.top)));
   const Stepping columns = MakeStepping(mapping.dstLeft, mapping.dstWidth, mapping.columns, leftInBand_, Width());
   if (!columns_.Make(columns, mapping, rowBits, target_, buffers_)) return false;
-  // Rows are walked from the top of the picture down: bottom-up storage backwards.
+  // Rows are painted from the top down. That runs backwards through rows stored bottom-up; a top-down bitmap counts as
+  // mirrored here.
   firstRow_ = mapping.mirrorY ? mapping.top : mapping.top + mapping.rows - 1;
   rowAdvance_ = mapping.mirrorY ? 1 : -1;
   return !dib_.IsRle() || rleRows_.Find(dib_, bits_, mapping, buffers_);
@@ -58,7 +61,7 @@ void ImageTransfer::ConvertRow(uint8_t* out) {
 }
 
 uint8_t* ImageTransfer::TakeRowBuffer(int32_t before) {
-  // Three bytes a pixel even for gray rows: a dual-plane device described with 8 bits reads them as color.
+  // Three bytes a pixel even for gray rows, because a dual-plane device described with 8 bits reads them as color.
   const std::size_t bytes = (static_cast<std::size_t>(before) + RowPixels() + 1) * 3;
   auto* buffer = buffers_.row.Take<uint8_t>(bytes);
   if (buffer != nullptr) std::memset(buffer, 0, bytes);

@@ -1,5 +1,5 @@
-// One image transfer: validation and set-up, then converted rows on demand. The device classes differ only in
-// what they do with the rows.
+// One image transfer: checks and prepares a call, then delivers converted rows from top to bottom. What happens to the
+// rows is up to the device classes.
 #pragma once
 
 #include <algorithm>
@@ -15,7 +15,7 @@
 
 namespace qnv {
 
-// How rows reach the band, decided by the raster code alone.
+// How rows reach the band. The raster code alone decides.
 enum class ImageMode : uint8_t {
   kCopy,    // SRCCOPY: rows are converted straight into the band
   kMerge,   // extended codes: rows are merged with the band
@@ -29,36 +29,40 @@ constexpr ImageMode ImageModeOf(uint32_t rop) {
 
 class ImageTransfer {
  public:
+  // buffers: work memory of the device.
   explicit ImageTransfer(ImageBuffers& buffers) : buffers_(buffers) {}
 
-  // bandRect: the band in the caller's pixels. target: what rows are converted into. False when the transfer is
-  // refused or wholly clipped away, or without memory; nothing has been painted then.
+  // Checks and prepares a call. bandRect: the band in caller pixels. target: the form of converted rows. False when the
+  // call is refused, when all of it is clipped away, and without memory; nothing has been painted then.
   bool Prepare(const PaintState& paint, const Rect& bandRect, PixelTarget target, const ImageArguments& a);
 
-  // The visible destination, caller's pixels with the origin added, and its place relative to the band.
+  // The visible destination in caller pixels, origin added, never empty.
   const Rect& Clipped() const { return clipped_; }
+  // Its left edge, counted from that of the band.
   int32_t LeftInBand() const { return leftInBand_; }
   int32_t Width() const { return WrapSubtract(clipped_.right, clipped_.left); }
-  // The same as a count: a band without memory may be wider than a signed number tells.
+  // The width as an unsigned number: a band without memory may have 2^31 columns and more.
   std::size_t Columns() const { return static_cast<uint32_t>(Width()); }
 
-  // Steps to the next source row; false at the end.
+  // Steps to the next source row and tells which destination rows it covers; false at the end.
   bool NextRow(CoveredRows* rows) { return walk_.Next(rows); }
   bool IsLastRow() const { return walk_.IsLast(); }
 
-  // Converts the current source row; out: place of the first visible pixel. Columns that no source pixel
-  // reaches are left as they are.
+  // Converts the current source row. out: place of the first visible pixel. Columns that no source column covers keep
+  // their bytes.
   void ConvertRow(uint8_t* out);
 
-  // Pixels that a converted row can hold; what lies behind them in a wider destination stays as it was cleared.
+  // The most pixels that a converted row holds. In a wider destination the columns beyond keep what the row buffer was
+  // cleared to.
   static constexpr int32_t kMaxRowPixels = UINT16_MAX;
   std::size_t RowPixels() const { return std::min<std::size_t>(Columns(), kMaxRowPixels); }
 
-  // A cleared row buffer: `before` columns, RowPixels() of the picture and a spare one that stays clear; null without
-  // memory. Its size never follows a coordinate. Requires: before <= INT16_MAX.
+  // A row buffer filled with 0: `before` pixels, RowPixels() pixels of the picture, and one more that stays 0. Null
+  // without memory. Its size is limited whatever the coordinates are. Requires: before <= INT16_MAX.
   uint8_t* TakeRowBuffer(int32_t before);
 
  private:
+  // A row of the bitmap by its place in the storage.
   const uint8_t* SourceRow(int32_t stored) const;
 
   ImageBuffers& buffers_;
@@ -68,13 +72,13 @@ class ImageTransfer {
   Rect clipped_{};
   int32_t leftInBand_ = 0;
   RowWalk walk_{Stepping{}};
-  int32_t firstRow_ = 0;    // stored row walked first
+  int32_t firstRow_ = 0;    // stored row that is painted first
   int32_t rowAdvance_ = 1;  // +1 or -1
   ColumnPlan columns_;
   RowConverter convert_{};
   PixelColors colors_;
   const RowKernels* rows_ = nullptr;
-  RleRows rleRows_;  // run-length sources
+  RleRows rleRows_;  // for run-length bitmaps
 };
 
 }  // namespace qnv

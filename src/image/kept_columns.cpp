@@ -1,3 +1,4 @@
+// Collects the runs of columns that a resolution-mapping band keeps into two lists.
 #include "image/kept_columns.h"
 
 #include <algorithm>
@@ -6,7 +7,8 @@ namespace qnv {
 
 bool KeptColumns::Make(const KeptMapping& mapping, int32_t left, int32_t width, int32_t bandColumns,
                        ImageBuffers& buffers) {
-  // A band column is kept from one column of the picture at most, and so are the runs.
+  // Every band column shows at most one column of the picture, so there are not more entries, nor runs, than either has
+  // columns.
   const std::size_t most =
       std::min<std::size_t>(static_cast<uint32_t>(width), static_cast<uint32_t>(MaxOf(bandColumns, 0)));
   auto* const columns = buffers.keptColumns.Take<int32_t>(most);

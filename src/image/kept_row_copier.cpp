@@ -1,3 +1,4 @@
+// Writes the kept columns of a converted row, once into the first band row and from there into the others.
 #include "image/kept_row_copier.h"
 
 #include <cstring>
@@ -14,7 +15,7 @@ void KeptRowCopier::Copy(const uint8_t* pixels, const CoveredRows& rows) const {
     const std::size_t count = static_cast<std::size_t>(run.count);
     StorePixels<3>(dst, count, [=](std::size_t i) {
       uint32_t packed;
-      // Columns beyond those that a row holds are clear, as the last one is.
+      // Columns beyond the most that a row holds are 0, like the pixel behind the last.
       const int32_t column = MinOf(run.columns[i], ImageTransfer::kMaxRowPixels);
       std::memcpy(&packed, pixels + std::ptrdiff_t{3} * column, 4);
       return packed;

@@ -1,5 +1,5 @@
-// SRCCOPY on the resolution-mapping device: of the rows and columns that a converted row covers, those that the band
-// keeps are written.
+// SRCCOPY of an image on the resolution-mapping device: writes a converted row to those of its rows and columns that
+// the band keeps.
 #pragma once
 
 #include <cstdint>
@@ -14,7 +14,8 @@ namespace qnv {
 
 class KeptRowCopier {
  public:
-  // top: of the visible picture, caller's pixels from the band's top.
+  // top: first visible row of the picture in caller pixels, counted from the top of the band. regray: pixels become
+  // gray levels.
   KeptRowCopier(const BandView& band, const KeptMapping& mapping, const KeptColumns& columns, int32_t top,
                 const RowKernels& kernels, bool regray)
       : band_(band),
@@ -25,18 +26,19 @@ class KeptRowCopier {
         top_(top),
         bandRows_(WrapSubtract(band.rect.bottom, band.rect.top)) {}
 
-  // Whether anything of a source row is seen. Intended: when the first row that it covers is not kept the others are
-  // not looked at.
+  // Whether a source row is painted at all. Intended: when the first destination row that it covers is not kept, the
+  // others are not painted either.
   bool Keeps(const CoveredRows& rows) const {
     return rows.count != 0 && !columns_.IsEmpty() && BandRow(rows.first) != nullptr;
   }
 
-  // pixels: the converted row, from the first visible column on; a byte behind the last pixel is read.
-  // Requires: Keeps(rows).
+  // Writes a source row. pixels: the converted row from the first visible column on; a byte behind its last pixel is
+  // read. Requires: Keeps(rows).
   void Copy(const uint8_t* pixels, const CoveredRows& rows) const;
 
  private:
-  // Band row of a destination row counted from the clip's top; null when it is stored nowhere.
+  // The memory of the band row that shows a destination row, which is counted from the first visible one; null when
+  // none does.
   uint8_t* BandRow(int32_t row) const {
     const int32_t bandRow = mapping_.BandRow(WrapAdd(top_, row));
     if (bandRow < 0 || bandRow >= bandRows_) return nullptr;

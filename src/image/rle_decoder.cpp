@@ -1,3 +1,5 @@
+// Decodes run-length data. Two functions interpret the codes: SkipRowsOf only finds where rows begin, DecodeRowOf also
+// writes pixels. Both handle common records in tight loops and everything else one record at a time.
 #include "image/rle_decoder.h"
 
 #include <algorithm>
@@ -6,14 +8,15 @@
 namespace qnv {
 namespace {
 
-// Bytes of a literal's pixels, an even number.
+// Bytes of the pixels of a literal; padded to an even number.
 template <bool kFourBit>
 constexpr int32_t LiteralBytes(int32_t pixels) {
   const int32_t bytes = kFourBit ? (pixels + 1) >> 1 : pixels;
   return bytes + (bytes & 1);
 }
 
-// The two bytes that begin a record. 0, 0 ends a row; 0, 1 the bitmap; 0, 2 is a delta; 0, n a literal.
+// The two bytes that begin a record. (n, value) is a run of n pixels, (0, 0) the end of a line, (0, 1) the end of the
+// bitmap, (0, 2) a delta, and (0, n) from 3 on a literal of n pixels.
 struct RleCode {
   uint8_t first, second;
 
@@ -23,26 +26,27 @@ struct RleCode {
   bool IsDelta() const { return first == 0 && second == 2; }
 };
 
+// A place inside a row.
 struct RlePlace {
-  const uint8_t* next;
-  int32_t column;
+  const uint8_t* next;  // the next record
+  int32_t column;       // where its pixels go
 
   RleCode Code() const { return {next[0], next[1]}; }
 };
 
-// Moves over a run or a literal and returns how many of its pixels stand in the row.
+// Moves past a run or a literal and returns how many of its pixels fit into the row.
 template <bool kFourBit>
 int32_t PassPixels(RlePlace* place, int32_t width) {
   const RleCode code = place->Code();
   const int32_t pixels = std::min<int32_t>(code.IsRun() ? code.first : code.second, width - place->column);
   place->next += 2;
-  // Intended: eight-bit literals that do not fit are not passed over but read as codes.
+  // Intended: the pixels of an eight-bit literal that do not fit are not skipped but read as codes.
   if (!code.IsRun()) place->next += LiteralBytes<kFourBit>(kFourBit ? code.second : pixels);
   place->column += pixels;
   return pixels;
 }
 
-// Moves over a delta. True when it leads to a later row, which *state then names.
+// Moves past a delta. True when it leads to a later row, which is then stored in *state.
 bool PassDelta(RlePlace* place, int32_t width, RleState* state) {
   const int32_t target = std::min(place->column + place->next[2], width);
   const uint8_t rows = place->next[3];
@@ -57,8 +61,8 @@ bool PassDelta(RlePlace* place, int32_t width, RleState* state) {
   return true;
 }
 
-// Runs and literals that fit into the row and ends of lines, until `rows` rows are passed or something else comes.
-// Which kind comes next is hard to foretell, so masks take the place of branches.
+// Moves past runs and literals that fit into the row, and past ends of lines, until `rows` rows have ended or another
+// record comes. *rows: rows left. The kind of the next record is unpredictable, so masks replace branches.
 template <bool kFourBit>
 void PassRecords(RlePlace* place, int32_t width, int32_t* rows) {
   const uint8_t* next = place->next;
@@ -66,9 +70,9 @@ void PassRecords(RlePlace* place, int32_t width, int32_t* rows) {
   int32_t left = *rows;
   while (left != 0) {
     const int32_t first = next[0], second = next[1];
-    const int32_t noRun = (first - 1) >> 31;
+    const int32_t noRun = (first - 1) >> 31;  // all ones when first is 0
     const int32_t pixels = first | (second & noRun);
-    const int32_t endOfLine = (pixels - 1) >> 31;
+    const int32_t endOfLine = (pixels - 1) >> 31;                            // all ones when both bytes are 0
     const bool isEscape = static_cast<uint32_t>((second | ~noRun) - 1) < 2;  // the end of the bitmap, or a delta
     if (isEscape || pixels > width - column) break;
     next += 2 + (LiteralBytes<kFourBit>(second) & noRun);
@@ -104,13 +108,15 @@ void WritePixels(uint8_t* out, const uint8_t* record, int32_t count) {
   }
 }
 
-// Blocks of constant size become vector moves; calls of the runtime cost more than most records have pixels.
+// memset and memcpy of a constant size compile to vector stores. Most records have few pixels, for which a call of the
+// runtime takes longer, so at least kMinBlocks blocks are written whatever the count.
 constexpr int32_t kBlock = 16;
 constexpr int32_t kMinBlocks = 3;
 static_assert(std::size_t{kMinBlocks} * kBlock <= RleDecoder::kOvershoot);
-// The most that a record takes when its literal is read in whole blocks.
+// The most bytes that are read for a record when its literal is read in whole blocks.
 constexpr std::ptrdiff_t kMaxRead = 2 + 256;
 
+// Write `count` bytes in blocks of kBlock, and up to kOvershoot bytes more.
 void FillBlocks(uint8_t* out, uint8_t value, int32_t count) {
   std::memset(out, value, kBlock);
   std::memset(out + kBlock, value, kBlock);
@@ -127,8 +133,8 @@ void CopyBlocks(uint8_t* out, const uint8_t* from, int32_t count) {
   }
 }
 
-// Eight-bit runs and literals that fit into the row, until `columns` columns are there, something else comes or a
-// literal is near `readable`.
+// Writes eight-bit runs and literals that fit into the row, until `columns` columns are written, another record comes,
+// or a literal lies so near to `readable` that whole blocks would be read beyond it.
 void WriteRecords(RlePlace* place, int32_t columns, int32_t width, const uint8_t* readable, uint8_t* row) {
   const uint8_t* next = place->next;
   int32_t column = place->column;

@@ -1,4 +1,4 @@
-// Run-length data, BI_RLE8 and BI_RLE4, row by row into one palette index a byte.
+// Decodes run-length data, BI_RLE8 and BI_RLE4, row by row into palette indices, one a byte.
 #pragma once
 
 #include <cstddef>
@@ -6,37 +6,39 @@
 
 namespace qnv {
 
-// Where decoding stands between two rows; a copy can be taken up again later.
+// The beginning of a row in the data. Decoding can start from a copy at any time.
 struct RleState {
   enum Phase : uint8_t { kCodes, kDelta, kEndOfBitmap };
 
-  const uint8_t* next;  // compressed data
+  const uint8_t* next;  // the next record
   Phase phase = kCodes;
-  uint8_t emptyRows = 0;     // kDelta: rows still to pass before the target row
-  int32_t targetColumn = 0;  // kDelta: where codes go on in the target row
+  uint8_t emptyRows = 0;     // kDelta: empty rows before the target row
+  int32_t targetColumn = 0;  // kDelta: the column of the target row where codes continue
 };
 
-// Only an end of line, an end of the bitmap or a delta to a later row ends a row: runs that pass its end are cut.
-// Pixels that no code names are 0. The data has no length: Requires an end-of-bitmap code that decoding reaches, or
-// zeros behind the data: the last record that begins in the data takes at most 256 bytes behind it (the bytes of a
-// literal of 255 pixels whose count was the last one; of a delta two, of a run one), and from there on every two zeros
-// are an end of line, of which no bitmap has more than rows. Copies in whole blocks keep to what is known to be data.
-// So 256 + 2 x rows bytes are never passed; hosts are told 260 + 2 x rows.
+// A row is ended only by an end of line, the end of the bitmap, or a delta to a later row; runs that pass the end of
+// the row are cut there. Pixels that no code names are 0.
+//
+// The data has no length. Requires: the codes end the bitmap, or enough zeros follow the data. The last record that
+// begins in the data takes at most 256 bytes behind it (a literal of 255 pixels of which only the count is in the data;
+// a delta takes two, a run one). From there on every two zeros are an end of line, and a bitmap has no more of them
+// than rows. So at most 256 + 2 x rows bytes behind the data are read; the interface asks hosts for 260 + 2 x rows.
+// Copies in whole blocks are only made where all of the block is known to be data.
 class RleDecoder {
  public:
-  // What DecodeRow may write past a row's end.
+  // Bytes that DecodeRow may write past the end of a row.
   static constexpr std::size_t kOvershoot = 48;
 
   // fourBit: BI_RLE4. width: pixels of a row.
   RleDecoder(bool fourBit, int32_t width) : fourBit_(fourBit), width_(width) {}
 
-  // Moves the state on by some rows.
+  // Moves the state to the beginning of a later row.
   void SkipRows(RleState* state, int32_t rows) const {
     fourBit_ ? SkipRowsOf<true>(state, rows) : SkipRowsOf<false>(state, rows);
   }
 
-  // Decodes the first `columns` indices of the row that begins at `begin`, columns <= width. row: width + kOvershoot
-  // bytes. readable: all data before it may be read, as it may be before the beginning of any later row.
+  // Decodes the first `columns` palette indices, columns <= width, of the row that begins at `begin`. row: width +
+  // kOvershoot bytes. readable: all data before it may be read; the beginning of any later row is such an address.
   void DecodeRow(const RleState& begin, int32_t columns, const uint8_t* readable, uint8_t* row) const {
     fourBit_ ? DecodeRowOf<true>(begin, columns, readable, row) : DecodeRowOf<false>(begin, columns, readable, row);
   }

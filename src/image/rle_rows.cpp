@@ -1,3 +1,4 @@
+// Finds the beginnings of run-length rows, and decodes single rows from there.
 #include "image/rle_rows.h"
 
 namespace qnv {

@@ -1,4 +1,4 @@
-// The host's floating-point settings, set aside for the few double operations of an image.
+// Runs the floating-point operations of an image with default settings, whatever the host has set.
 #pragma once
 
 #include <cfloat>
@@ -12,11 +12,11 @@
 
 namespace qnv {
 
-// The same bits on every build need operations that round to double each time.
+// Every operation must round to double for all builds to paint the same bits.
 static_assert(FLT_EVAL_METHOD == 0, "source mapping needs double arithmetic without excess precision (SSE2 on x86)");
 
-// For its scope: rounding to nearest, no operation traps, subnormal numbers count. Afterwards everything is as the host
-// had it, also the flags of exceptions.
+// For the lifetime of the object results are rounded to nearest, no operation traps, and subnormal numbers are not
+// replaced by zero. The destructor restores the settings of the host and its exception flags.
 class DefaultRounding {
  public:
 #if QNV_HAS_MXCSR

@@ -1,3 +1,4 @@
+// Converts rows for every pair of bitmap format and target form, by row kernels where the pixels are consecutive.
 #include "image/row_converters.h"
 
 #include <algorithm>
@@ -9,7 +10,7 @@
 namespace qnv {
 namespace {
 
-// Pixels of colors in a table.
+// Pixel x of a row with a color table.
 template <uint32_t kBits>
 uint32_t ReadPixel(const uint8_t* row, uint32_t x, const uint32_t* table) {
   if constexpr (kBits == 1) return table[row[x / 8] >> (7 - x % 8) & 1];
@@ -17,7 +18,7 @@ uint32_t ReadPixel(const uint8_t* row, uint32_t x, const uint32_t* table) {
   if constexpr (kBits == 8) return table[row[x]];
 }
 
-// 24 bits in target order, from pixels that lie byte-aligned.
+// Converts pixels of 16, 24 or 32 bits to three bytes in target order.
 template <PixelTarget kTarget, uint32_t kBits>
 void Convert24(uint8_t* out, const uint8_t* pixels, std::size_t count, const ConverterContext& context) {
   const PixelRows& image = *context.rows.image;
@@ -34,7 +35,7 @@ void Convert24(uint8_t* out, const uint8_t* pixels, std::size_t count, const Con
   }
 }
 
-// Gray by way of band pixels, a cached piece at a time.
+// Converts pixels of 16, 24 or 32 bits to gray levels, by way of three-byte pixels in pieces that stay in the cache.
 template <uint32_t kBits>
 void ConvertGray(uint8_t* out, const uint8_t* pixels, std::size_t count, const ConverterContext& context) {
   const PixelRows& image = *context.rows.image;
@@ -51,6 +52,7 @@ void ConvertGray(uint8_t* out, const uint8_t* pixels, std::size_t count, const C
   }
 }
 
+// See RowConverter::Consecutive.
 template <PixelTarget kTarget, uint32_t kBits>
 void Consecutive(uint8_t* out, const uint8_t* row, uint32_t first, std::size_t count, const ConverterContext& context) {
   constexpr bool kGray = kTarget == PixelTarget::kGray8;
@@ -70,8 +72,8 @@ void Consecutive(uint8_t* out, const uint8_t* row, uint32_t first, std::size_t c
   }
 }
 
-// Colors of a table are looked up one by one; other pixels are gathered, a cached piece at a time, and converted as
-// consecutive ones.
+// See RowConverter::Indexed. Pixels with a color table are looked up one by one. Other pixels are first collected, in
+// pieces that stay in the cache, and then converted like consecutive ones.
 template <PixelTarget kTarget, uint32_t kBits>
 void Indexed(uint8_t* out, const uint8_t* row, const uint16_t* indices, std::size_t count,
              const ConverterContext& context) {

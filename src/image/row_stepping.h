@@ -1,5 +1,6 @@
-// How source rows and columns step across the destination: forward mapping in 16.16 fixed point, rounded at
-// one half, nothing averaged. Values of documents may wrap; what is stored stays inside the destination.
+// Which destination rows and columns each source row and column of an image covers. Each source pixel advances a
+// position in the destination by a fixed step in 16.16 fixed point and covers the pixels up to the rounded position;
+// nothing is averaged. Numbers of hostile documents may wrap, but what is covered always lies inside the destination.
 #pragma once
 
 #include <cstdint>
@@ -9,21 +10,22 @@
 
 namespace qnv {
 
+// The absolute value; unsigned, so that it exists for -2^31.
 constexpr uint32_t Magnitude(int32_t v) { return v < 0 ? 0u - static_cast<uint32_t>(v) : static_cast<uint32_t>(v); }
 
-// Destination pixels reached by a position, rounded at one half and cut to 16 bits.
+// The integer part of a 16.16 position, cut to 16 bits. One half has been added to the position before, for rounding.
 constexpr uint16_t ReachedBy(int32_t position) { return static_cast<uint16_t>(position / 65536); }
 
-// The step of one direction and the position before the first source row or column.
+// The stepping of one direction, rows or columns.
 struct Stepping {
   uint32_t step;  // destination pixels per source pixel, 16.16
-  int32_t start;  // a little below 0 up to 0, rarely above
+  int32_t start;  // position before the first source pixel, 16.16, from the first visible destination pixel
   int32_t sourcePixels;
-  uint16_t dstPixels;
+  uint16_t dstPixels;  // visible destination pixels
 };
 
-// dst: destination of the source rectangle, 16.16, signed extent; clipStart: first visible pixel; both
-// relative to the band.
+// dst, dstExtent: destination of the source rectangle, 16.16; a negative extent is mirrored. clipStart: first visible
+// pixel. dst and clipStart count from the edge of the band.
 constexpr Stepping MakeStepping(int32_t dst, int32_t dstExtent, int32_t sourcePixels, int32_t clipStart,
                                 int32_t clipPixels) {
   const uint32_t extent = Magnitude(dstExtent);
@@ -32,18 +34,18 @@ constexpr Stepping MakeStepping(int32_t dst, int32_t dstExtent, int32_t sourcePi
   return {extent / static_cast<uint32_t>(sourcePixels), start, sourcePixels, static_cast<uint16_t>(clipPixels)};
 }
 
-// Destination rows of one source row, from the clip's top.
+// The destination rows that a source row covers, counted from the first visible one.
 struct CoveredRows {
   int32_t first;
-  int32_t count;  // 0: the source row falls between destination rows
+  int32_t count;  // 0: none
 };
 
-// Walks the source rows in painting order.
+// Steps through the source rows in the order in which they are painted.
 class RowWalk {
  public:
   explicit RowWalk(const Stepping& stepping) : stepping_(stepping), position_(stepping.start) {}
 
-  // False when the source or the destination is at its end.
+  // Steps to the next source row. False at the end of the source or of the destination.
   bool Next(CoveredRows* rows) {
     if (walked_ == stepping_.sourcePixels || done_ >= stepping_.dstPixels) return false;
     ++walked_;
@@ -55,25 +57,25 @@ class RowWalk {
     return true;
   }
 
-  // Of the row that Next gave last.
+  // The number of the current source row, and whether it is the last one.
   int32_t Index() const { return walked_ - 1; }
   bool IsLast() const { return walked_ == stepping_.sourcePixels; }
 
  private:
   Stepping stepping_;
-  int32_t position_;
-  int32_t walked_ = 0;
-  uint16_t done_ = 0;
+  int32_t position_;    // 16.16
+  int32_t walked_ = 0;  // source rows so far
+  uint16_t done_ = 0;   // destination rows covered so far
 };
 
-// True when every source pixel covers the destination pixel of its own number, as far as there is one.
+// True when source pixel i covers destination pixel i and no other, for all that there are.
 constexpr bool IsOneToOne(const Stepping& stepping) {
   const int64_t first = int64_t{stepping.start} + 32768;
   return stepping.step == 65536 && first >= 0 && first < 65536 && stepping.sourcePixels < INT16_MAX;
 }
 
-// Calls cover(sourcePixel, begin, end) for every source column that covers destination columns; returns how
-// many columns, counted from the first, are covered in all.
+// Calls cover(i, begin, end) for every source column i that covers destination columns, [begin, end). Returns the end
+// of the destination columns that are covered.
 template <class Cover>
 int32_t WalkColumns(const Stepping& stepping, Cover cover) {
   int32_t position = WrapAdd(stepping.start, 32768);

@@ -1,3 +1,5 @@
+// Computes the source rectangle of an image and its destination in 16.16, with the double arithmetic that the interface
+// prescribes: every operation in this order, rounded to double.
 #include "image/source_mapping.h"
 
 #include <bit>
@@ -7,12 +9,12 @@
 namespace qnv {
 namespace {
 
-// A double taken apart. The processor's own conversions to 64 bits, and floor and ceil of the runtime, go through the
-// x87 unit on 32-bit builds, whose state belongs to the host.
+// A double as sign, integer part and whether there is a fraction. Conversions to 64 bits, floor and ceil would use the
+// x87 unit on 32-bit builds, and the state of that unit belongs to the host.
 struct Parts {
-  uint64_t whole = 0;  // of the magnitude; 0 from 2^63 on
+  uint64_t whole = 0;  // integer part of the magnitude; 0 for magnitudes from 2^63 on
   bool negative = false;
-  bool fraction = false;  // there is something behind the point
+  bool fraction = false;  // the number is not an integer
 };
 
 Parts Decompose(double v) {
@@ -32,7 +34,7 @@ Parts Decompose(double v) {
   return parts;
 }
 
-// The low 32 bits: what lies beyond wraps, never is undefined.
+// The low 32 bits of a number with the sign of `parts`: larger numbers wrap.
 int32_t Signed(const Parts& parts, uint64_t magnitude) {
   return static_cast<int32_t>(static_cast<uint32_t>(parts.negative ? 0 - magnitude : magnitude));
 }
@@ -62,7 +64,7 @@ struct Edges {
   int32_t low, high;
 };
 
-// The source pixels from the one that holds `from` to the one that holds `to`, inside [0, size].
+// The source pixels that the range [from, to) touches, cut to [0, size).
 Edges CoveredPixels(double from, double to, int32_t size) {
   return {MaxOf(ToInt16(Floor(from)), 0), MinOf(ToInt16(Ceil(to)), size)};
 }
@@ -77,7 +79,7 @@ bool MapSource(const StretchRequest& request, const Rect& clipped, const Rect& b
     sy = WrapSubtract(sourceHeight, sy);
     sh = WrapSubtract(0, sh);
   }
-  // An extent of zero counts as the one pixel before the given edge.
+  // Intended: an extent of 0 counts as the one pixel before the given edge.
   if (sh == 0 && sy != 0) {
     sy = WrapSubtract(sy, 1);
     sh = 1;
@@ -86,6 +88,7 @@ bool MapSource(const StretchRequest& request, const Rect& clipped, const Rect& b
     sx = WrapSubtract(sx, 1);
     sw = 1;
   }
+  // Source pixels per destination pixel, and the source position of destination coordinate 0.
   const double ky = static_cast<double>(sh) / static_cast<double>(request.dstHeight);
   const double kx = static_cast<double>(sw) / static_cast<double>(request.dstWidth);
   const double yBase = (static_cast<double>(request.dstY) + request.dstHeight) * ky + sy;

@@ -1,4 +1,4 @@
-// A block of memory that a device keeps from call to call.
+// A block of memory that a device keeps from call to call, so that calls do not allocate each time.
 #pragma once
 
 #include <cstddef>
@@ -7,8 +7,7 @@
 
 namespace qnv {
 
-// Memory of the device that a call may use until it returns. It only grows, so that calls of one kind allocate
-// once.
+// A call may use the memory until it returns. The block grows when a call needs more and never shrinks.
 class WorkBuffer {
  public:
   WorkBuffer() = default;
@@ -16,7 +15,7 @@ class WorkBuffer {
   WorkBuffer(const WorkBuffer&) = delete;
   WorkBuffer& operator=(const WorkBuffer&) = delete;
 
-  // At least `count` values, uninitialised; null without memory.
+  // Room for at least `count` values, uninitialised; null without memory. What was taken before is lost.
   template <class T>
   T* Take(std::size_t count) {
     static_assert(alignof(T) <= alignof(std::max_align_t));

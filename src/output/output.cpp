@@ -1,3 +1,4 @@
+// Output: prepares the fill, cuts the clip to the band and hands the span list to its decoder.
 #include "output/output.h"
 
 #include "output/span_lists.h"
@@ -5,6 +6,7 @@
 namespace qnv {
 namespace {
 
+// Output on a band that a mapping leads to.
 template <class Mapping>
 int16_t PaintOutputOn(const PaintState& paint, const BandView& band, const Mapping& mapping, bool regray,
                       ScratchBuffer& scratch, const OutputArguments& a) {
@@ -18,6 +20,7 @@ int16_t PaintOutputOn(const PaintState& paint, const BandView& band, const Mappi
   // Edge deltas paint their first row whatever the count says.
   if (a.count == 0 && style != SpanStyle::kByteDeltas && style != SpanStyle::kNibbleDeltas) return 1;
   const Rect clip = Shifted(*a.clip, paint.origin.x, paint.origin.y);
+  // Clip and band together, in band pixels; may be empty or inverted.
   const Rect limits{MaxOf(band.rect.left, mapping.ToBand(clip.left)), MaxOf(band.rect.top, mapping.ToBand(clip.top)),
                     MinOf(band.rect.right, mapping.ToBand(clip.right)),
                     MinOf(band.rect.bottom, mapping.ToBand(clip.bottom))};

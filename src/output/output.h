@@ -1,9 +1,12 @@
-// Span output: decodes the host's span lists and paints them with the fill that pen, brush and draw mode come to.
+// Span output: decodes a span list of the host and paints its spans. Pen, brush and draw mode of the call determine the
+// fill pattern.
 //
-//   paint    the fill pattern is prepared from the call and stays in force afterwards
-//   scratch  work memory for the spans of a record
+//   paint    its fill pattern is prepared from the call and stays in force for later calls with a null draw mode
+//   band     the memory to paint; for a resolution-mapping band its rectangle is in band pixels
+//   scratch  work memory for the spans of one record
+//   a        the call, in caller coordinates
 //
-// Both return 1 for a style that is understood, -1 for an unknown one, 0 without a clip.
+// Both functions return 1 for a known style, -1 for an unknown one, and 0 for a null clip.
 #pragma once
 
 #include <cstdint>
@@ -16,9 +19,10 @@
 
 namespace qnv {
 
+// A plain band.
 int16_t PaintOutput(const PaintState& paint, const BandView& band, ScratchBuffer& scratch, const OutputArguments& a);
 
-// The resolution-mapping device. regray: pixels that are written become gray levels.
+// A band of the resolution-mapping device. regray: pixels become gray levels after they are written.
 int16_t PaintOutputKept(const PaintState& paint, const BandView& band, const KeptMapping& mapping, bool regray,
                         ScratchBuffer& scratch, const OutputArguments& a);
 

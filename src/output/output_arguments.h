@@ -1,4 +1,4 @@
-// The record of an output call's arguments.
+// The arguments of a call of QNVOutput as one record.
 #pragma once
 
 #include <cstdint>
@@ -7,11 +7,11 @@
 
 namespace qnv {
 
-// The arguments of Output, as the host passes them; style and count are already cut to 16 bits.
+// As the host passes them, except that style and count are cut to 16 bits.
 struct OutputArguments {
-  uint16_t style;
-  uint16_t count;
-  const int16_t* points;
+  uint16_t style;         // OS_...
+  uint16_t count;         // word pairs, records or rows, depending on the style
+  const int16_t* points;  // the list; need not be aligned
   const PhysicalPen* pen;
   const PhysicalBrush* brush;
   const DRAWMODE* drawMode;

@@ -1,3 +1,4 @@
+// The work area of span output: memory from the C heap that grows with the largest request.
 #include "output/scratch_buffer.h"
 
 #include <cstdlib>

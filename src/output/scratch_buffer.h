@@ -1,4 +1,4 @@
-// A work area that a device lends to its span output.
+// The work area that a device keeps for its span output, so that an ordinary call allocates nothing.
 #pragma once
 
 #include <cstddef>
@@ -6,23 +6,23 @@
 
 namespace qnv {
 
-// A work area of the device, lent to one operation at a time.
+// Lent to one operation at a time.
 class ScratchBuffer {
  public:
-  // bytes of 0 count as 1024.
+  // bytes: the first capacity; 0 means 1024.
   explicit ScratchBuffer(uint32_t bytes);
   ~ScratchBuffer();
   ScratchBuffer(const ScratchBuffer&) = delete;
   ScratchBuffer& operator=(const ScratchBuffer&) = delete;
 
-  // False when the first block could not be had.
+  // False when the constructor could not allocate.
   bool HasMemory() const { return data_ != nullptr; }
 
-  // `size` bytes until Release, uninitialised; null while lent out, or without memory. Intended: a request
-  // above the first capacity gets a block of its own each time.
+  // Lends `size` uninitialised bytes until Release; null while lent out, or without memory. Intended: the capacity
+  // stays what it was at first, so every request above it allocates anew.
   void* Acquire(uint32_t size);
 
-  // 1, or 0 when nothing was lent out.
+  // Ends the loan. 1, or 0 when nothing was lent out.
   int Release();
 
   uint32_t capacity() const { return capacity_; }
@@ -30,7 +30,7 @@ class ScratchBuffer {
  private:
   uint32_t capacity_;
   uint8_t* data_;
-  uint16_t busy_ = 0;
+  uint16_t busy_ = 0;  // 1 while lent out
 };
 
 }  // namespace qnv

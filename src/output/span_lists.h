@@ -1,5 +1,6 @@
-// The span encodings of Output, decoded and painted. What a list holds is in caller coordinates; a mapping
-// carries them into the band.
+// Decodes the span lists of Output, one function for each encoding, and paints the spans. Lists hold words of 16 bits
+// in caller coordinates; the origin is added and a mapping leads to band pixels. The layouts of the lists are described
+// at QNVOutput in qnvdrv10.h.
 #pragma once
 
 #include <algorithm>
@@ -15,7 +16,7 @@
 
 namespace qnv {
 
-// The words of a list. The host need not align it.
+// Reads the words of a list, which need not be aligned. Indices are relative to the current record.
 class SpanWords {
  public:
   explicit SpanWords(const int16_t* points) : bytes_(reinterpret_cast<const uint8_t*>(points)) {}
@@ -26,7 +27,7 @@ class SpanWords {
     return value;
   }
   const uint8_t* BytesFrom(std::ptrdiff_t word) const { return bytes_ + 2 * word; }
-  // False where a negative count of a record leads before the list.
+  // Moves on to the next record. False when a record with a negative count would lead to a place before the list.
   bool Advance(std::ptrdiff_t words) {
     if (bytes_ - begin_ < -2 * words) return false;
     bytes_ += 2 * words;
@@ -34,14 +35,16 @@ class SpanWords {
   }
 
  private:
-  const uint8_t* bytes_;
-  const uint8_t* begin_ = bytes_;
+  const uint8_t* bytes_;           // the current record
+  const uint8_t* begin_ = bytes_;  // the list
 };
 
+// The decoder of one call.
 template <class Mapping>
 class SpanLists {
  public:
-  // limits: band and clip together, device space; may be empty or turned inside out.
+  // limits: the intersection of band and clip in band pixels; may be empty or inverted. origin: added to every
+  // coordinate of the list. scratch: memory for the spans of a record.
   SpanLists(const Mapping& mapping, SpanPainter& painter, const Rect& limits, Origin origin, ScratchBuffer& scratch)
       : mapping_(mapping), painter_(painter), limits_(limits), origin_(origin), scratch_(scratch) {}
 
@@ -61,14 +64,15 @@ class SpanLists {
 
  private:
   struct Span {
-    int32_t left, right;  // clipped, device space; left >= right paints nothing
+    int32_t left, right;  // clipped, in band pixels; left >= right paints nothing
   };
 
+  // From caller coordinates to band pixels.
   int32_t MappedX(int32_t x) const { return mapping_.ToBand(WrapAdd(x, origin_.x)); }
   int32_t MappedY(int32_t y) const { return mapping_.ToBand(WrapAdd(y, origin_.y)); }
   bool RowInside(int32_t y) const { return limits_.top <= y && y < limits_.bottom; }
 
-  // left, right: caller coordinates without the origin.
+  // left, right: caller coordinates, the origin not yet added.
   Span Clipped(int32_t left, int32_t right) const {
     return {MaxOf(MappedX(left), limits_.left), MinOf(MappedX(right), limits_.right)};
   }
@@ -77,7 +81,7 @@ class SpanLists {
     if (span.left < span.right) painter_.Paint(y, span.left, span.right);
   }
 
-  // Word pair 0 is (unused, y); the others are the spans of that row.
+  // Styles 4 and 104. Word pair 0 is (unused, y), the others are the spans (left, right) of that row.
   void Scanlines(SpanWords words, uint16_t count) {
     const int32_t y = MappedY(words.At(1));
     if (!RowInside(y)) return;
@@ -85,8 +89,8 @@ class SpanLists {
       PaintSpan(y, Clipped(words.At(std::ptrdiff_t{2} * i), words.At(std::ptrdiff_t{2} * i + 1)));
   }
 
-  // Records of n, top, bottom, n words, n again. The spans of a record hold for all its rows, so they are
-  // clipped once.
+  // Styles 5 and 105. Each record is n, top, bottom, n words of spans, and n again. Its spans are the same for all rows
+  // from top to bottom, so they are mapped and clipped once.
   void BandedSpans(SpanWords words, uint16_t count) {
     for (int32_t record = 0; record < count; ++record) {
       const int32_t n = words.At(0);
@@ -100,7 +104,7 @@ class SpanLists {
         const int32_t pairs = (n + 1) / 2;
         auto* spans = static_cast<Span*>(scratch_.Acquire(static_cast<uint32_t>(pairs) * sizeof(Span)));
         if (spans != nullptr) {
-          // Only what is left of the spans is kept, so that empty ones cost nothing on every row.
+          // Only spans that paint are kept, so that empty ones cost no time on every row.
           int32_t kept = 0;
           for (int32_t i = 0; i < pairs; ++i) {
             spans[kept] = Clipped(words.At(3 + 2 * i), words.At(4 + 2 * i));
@@ -116,7 +120,7 @@ class SpanLists {
     }
   }
 
-  // The first row's y, then for each row n and n words.
+  // Style 205. The y of the first row, then for each row n and n words of spans.
   void RowRecords(SpanWords words, uint16_t count) {
     const int32_t yStart = words.At(0);
     words.Advance(1);
@@ -131,7 +135,7 @@ class SpanLists {
     }
   }
 
-  // The first row's y, then one word pair a row.
+  // Style 305. The y of the first row, then one word pair (left, right) for each row.
   void RowSpans(SpanWords words, uint16_t count) {
     const int32_t yStart = words.At(0);
     for (int32_t row = 0; row < count; ++row) {
@@ -141,13 +145,14 @@ class SpanLists {
     }
   }
 
+  // How far the two edges of a figure move from one row to the next.
   struct Deltas {
     int32_t left, right;
   };
 
-  // y, left and right of the first row; nextDeltas() gives the change to each further row. The count is
-  // looked at only after a row: 0 still paints one. Rows outside change the edges all the same.
-  // rowOf(y, &row): the band row of a caller row with the origin added, false when it is stored nowhere.
+  // Styles 405 and 505. y, left and right of the first row; nextDeltas() reads the change to each further row. The
+  // count is compared after a row is painted, so that a count of 0 paints one row. Deltas of clipped rows are added all
+  // the same. rowOf(y, &row): the band row of a caller row, origin added; false when the band does not store it.
   template <class NextDeltas, class RowOf>
   void Edges(const SpanWords& words, uint16_t count, NextDeltas nextDeltas, RowOf rowOf) {
     int32_t y = WrapAdd(words.At(0), origin_.y);
@@ -167,6 +172,7 @@ class SpanLists {
     }
   }
 
+  // A byte for each edge.
   void ByteDeltas(const SpanWords& words, uint16_t count) {
     const uint8_t* next = words.BytesFrom(3);
     const auto nextDeltas = [&next] {
@@ -180,7 +186,8 @@ class SpanLists {
     });
   }
 
-  // Intended: these thin rows out on a resolution-mapping device where byte deltas repeat them.
+  // Half a byte for each edge. Intended: on a resolution-mapping device these rows are decimated, each band row painted
+  // once, whereas with byte deltas several rows may be painted on one band row.
   void NibbleDeltas(const SpanWords& words, uint16_t count) {
     const uint8_t* next = words.BytesFrom(3);
     const auto nextDeltas = [&next] {

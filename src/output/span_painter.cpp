@@ -1,3 +1,4 @@
+// Paints spans: chooses the row kernel of the fill once, then calls it for each row of a span.
 #include "output/span_painter.h"
 
 #include <algorithm>
@@ -17,7 +18,7 @@ SpanPainter::SpanPainter(const BandView& band, const RowKernels& rows, const Fil
       regray_(regray) {
   const uint8_t index = IndexOfRop2(pattern.rop2);
   fills_ = !hatched_ && !RopUsesDestination(index);
-  // A pixel written with its own value still becomes gray.
+  // In gray mode even an operation that keeps the pixel has an effect: the pixel becomes gray.
   paints_ = !masks_.IsEmpty() && (index != kDestination || regray);
 }
 
@@ -26,6 +27,7 @@ void SpanPainter::Paint(int32_t y, int32_t left, int32_t right) {
 }
 
 void SpanPainter::PaintRows(int32_t top, int32_t bottom, int32_t left, int32_t right) {
+  // Rows of one color that follow each other without padding are painted as one long row.
   std::size_t pixels = static_cast<std::size_t>(right - left);
   std::size_t rows = static_cast<std::size_t>(bottom - top);
   if (masks_.IsOneCell() && band_.IsWholeRow(right - left)) {
@@ -52,7 +54,8 @@ void SpanPainter::PaintBlock(int32_t top, std::size_t rows, int32_t left, std::s
 
 void SpanPainter::Regray(uint8_t* dst, std::size_t pixels, int32_t y, int32_t left) {
   if (!hatched_) return rows_.image->RegrayRow24(dst, pixels);
-  // The gaps of a hatch are not written and keep their color.
+  // The gaps of a hatch are not painted and keep their color: gray levels are computed beside the band, and a transfer
+  // with the hatch as its mask brings in those of the painted pixels.
   static constexpr Tile kZeros{};
   constexpr std::size_t kMaxPixels = 256;
   uint8_t gray[kMaxPixels * 3];

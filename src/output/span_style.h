@@ -1,4 +1,4 @@
-// The span encodings of Output by their style word.
+// The span encodings of Output and the style words that select them.
 #pragma once
 
 #include <cstdint>
@@ -9,7 +9,7 @@ namespace qnv {
 
 enum class SpanStyle : uint8_t {
   kUnknown,
-  kBracket,       // 80, 81: nothing to paint
+  kBracket,       // 80, 81: begin and end of a group, nothing to paint
   kScanlines,     // 4, 104
   kBandedSpans,   // 5, 105
   kRowRecords,    // 205

@@ -1,3 +1,5 @@
+// The bit-block transfer, from the arguments of a call to rows: prepares the fill pattern, finds the area and opens the
+// source. Written once as a template over the pixel format of the band and the mapping to it.
 #include "raster/bit_blt.h"
 
 #include "color/color_forms.h"
@@ -8,13 +10,15 @@
 namespace qnv {
 namespace {
 
-// A source that is not one-bit: its form and the byte of its first pixel within a row.
+// How the pixels of a source of more than one bit are read, and where in a row the first one begins, in bytes.
 struct SourcePixels {
   SourceForm form;
   std::ptrdiff_t firstByte;
 };
 
-// The pixel formats: how a color reference is packed and how source pixels are read.
+// The pixel formats of bands. Pack: a color reference as a packed color of the band. Pixels: how to read the source
+// from pixel x of a row on.
+
 struct Format24 {
   static constexpr uint32_t kBytesPerPixel = 3;
   static constexpr SourceForm kOneBit = SourceForm::kOneBitTo24;
@@ -35,6 +39,7 @@ struct Format8 {
   }
 };
 
+// The band of the resolution-mapping device: 24 bits, but sources may have one byte a pixel.
 struct FormatKept {
   static constexpr uint32_t kBytesPerPixel = 3;
   static constexpr SourceForm kOneBit = SourceForm::kOneBitTo24;
@@ -46,8 +51,8 @@ struct FormatKept {
   }
 };
 
-// The source of a transfer whose first pixel is (x, y). False when it cannot be read: no bits, or a one-bit source
-// without the draw mode that colors it.
+// Prepares *source for reading from pixel (x, y) of the source bitmap on. False when it cannot be read: no bits, or a
+// one-bit source without the draw mode that gives it its colors.
 template <class Format>
 bool OpenSource(const Format& format, const BltArguments& a, int32_t x, int32_t y, SourceRows* source) {
   const SourceBitmap& bitmap = *a.source;
@@ -69,7 +74,8 @@ bool OpenSource(const Format& format, const BltArguments& a, int32_t x, int32_t 
   return true;
 }
 
-// Paints a transfer whose fill pattern is prepared.
+// Paints a transfer. A solid brush is used directly, because with a null draw mode the fill pattern is still that of an
+// earlier call.
 template <class Format, class Mapping>
 void Transfer(const PaintState& paint, const BandView& band, const Format& format, const Mapping& mapping, bool regray,
               const BltArguments& a) {
@@ -105,6 +111,8 @@ void Transfer(const PaintState& paint, const BandView& band, const Format& forma
   rows.Paint(band, mapping, callerBand, area);
 }
 
+// A whole call. The checks compare the upper half of the raster code, not only the index: a code with anything in bits
+// 24..31 counts as one that uses the pattern, and is never the operation that does nothing.
 template <class Format, class Mapping>
 uint16_t BitBltOn(const PaintState& paint, const BandView& band, const Format& format, const Mapping& mapping,
                   bool regray, const BltArguments& a) {

@@ -1,10 +1,10 @@
-// The bit-block transfer: combines a source bitmap and a fill pattern with a rectangle of the band under a ternary
-// raster operation. There is one function for each kind of band; all of them return 1, the result of every transfer.
+// The bit-block transfer: combines source bitmap, fill pattern and band over a rectangle by a ternary raster operation.
+// There is one function for each kind of band. All of them return 1, also when nothing was painted.
 //
-//   paint  the fill pattern is prepared from the call's brush and draw mode and stays in force afterwards
+//   paint  its fill pattern is prepared from brush and draw mode of the call and stays in force for later calls
 //   band   the memory to paint; for a resolution-mapping band its rectangle is in band pixels
-//   a      the call in caller coordinates. A null clip paints nothing and leaves the fill pattern alone; a clip that is
-//          all zeros once the origin is added does not limit.
+//   a      the call, in caller coordinates. With a null clip nothing is painted and the fill pattern stays as it is; a
+//          clip of four zeros after the origin is added does not limit.
 #pragma once
 
 #include <cstdint>

@@ -1,4 +1,4 @@
-// The record of a bit-block transfer's arguments.
+// The arguments of a bit-block transfer as one record, as the host passes them to QNVDevBitBlt.
 #pragma once
 
 #include <cstdint>
@@ -7,13 +7,12 @@
 
 namespace qnv {
 
-// The arguments of a bit-block transfer, as the host passes them.
 struct BltArguments {
-  int32_t destX, destY;
-  const SourceBitmap* source;
-  int32_t srcX, srcY;
+  int32_t destX, destY;        // top left of the destination, caller coordinates
+  const SourceBitmap* source;  // null when the operation reads none
+  int32_t srcX, srcY;          // the source pixel for (destX, destY)
   int32_t width, height;
-  uint32_t rop;
+  uint32_t rop;  // the index of the operation in bits 16..23
   const PhysicalBrush* brush;
   const DRAWMODE* drawMode;
   const BandRect* clip;

@@ -1,3 +1,4 @@
+// Builds the tables of the resolution mapping for one inch, and looks coordinates of any inch up in them.
 #include "raster/coordinate_map.h"
 
 #include <algorithm>
@@ -6,7 +7,7 @@
 namespace qnv {
 namespace {
 
-// An exact half rounds down.
+// n / d rounded to nearest; an exact half rounds down.
 uint32_t RoundDiv(uint32_t n, uint32_t d) { return n / d + (n % d > d / 2 ? 1 : 0); }
 
 }  // namespace
@@ -25,7 +26,8 @@ void CoordinateMap::SetResolutions(uint16_t a, uint16_t b) {
 }
 
 bool CoordinateMap::Build() {
-  // Where B is more than twice A the last band indices round to page index A, one past the inch.
+  // One entry more than an inch has page pixels: when B is more than twice A, the last band pixels of the inch round to
+  // page index A.
   columnMap_ = static_cast<int32_t*>(std::malloc((std::size_t{a_} + 1) * sizeof *columnMap_));
   bandIndex_ = static_cast<uint32_t*>(std::malloc(std::max<std::size_t>(b_, 1) * sizeof *bandIndex_));
   if (columnMap_ == nullptr || bandIndex_ == nullptr) return false;
@@ -35,6 +37,7 @@ bool CoordinateMap::Build() {
     columnMap_[i] = static_cast<int32_t>(j);
     bandIndex_[j] = i;
   }
+  // Page pixels without a band pixel take the band index before theirs, marked as dropped.
   uint32_t carried = 0;
   for (uint32_t i = 0; i < a_; ++i) {
     if (columnMap_[i] == -1) {
@@ -51,6 +54,7 @@ int32_t CoordinateMap::MapKept(int32_t v) const {
   return MapToBand(v);
 }
 
+// The division rounds towards zero; negative columns need the inch that begins left of them.
 CoordinateMap::TableColumns::TableColumns(const CoordinateMap& map, int32_t first) : map_(map) {
   int32_t inch = first / map.a_;
   index_ = first % map.a_;

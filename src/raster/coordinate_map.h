@@ -1,6 +1,7 @@
-// The resolution-mapping device's two ways from page coordinates (resolution A) to the band (resolution B):
-// rounded for single coordinates, and thinning for whole rows and columns, where tables say which page
-// pixels fall on a band pixel.
+// From page coordinates at resolution A to band coordinates at resolution B, for the resolution-mapping device. There
+// are two mappings. Single coordinates, such as the ends of spans, are multiplied by B / A and rounded. Whole rows and
+// columns of pictures are decimated: tables for one inch say which page pixel each band pixel shows; the other page
+// pixels are dropped.
 #pragma once
 
 #include <cstdint>
@@ -17,29 +18,30 @@ class CoordinateMap {
   CoordinateMap(const CoordinateMap&) = delete;
   CoordinateMap& operator=(const CoordinateMap&) = delete;
 
-  // Sets the resolutions alone; enough for MapToBand and MapToPage.
+  // Sets the resolutions, in dots per inch. Enough for MapToBand, MapToPage and FarthestMapped.
   void SetResolutions(uint16_t a, uint16_t b);
 
-  // Allocates and fills the tables. Requires: a is not 0. False without memory.
+  // Allocates and fills the tables that the other functions need. Requires: a is not 0. False without memory.
   bool Build();
 
+  // Rounded mapping; -1 on overflow.
   int32_t MapToBand(int32_t v) const { return toBand_.Of(v); }
   int32_t MapToPage(int32_t v) const { return toPage_.Of(v); }
 
-  // The largest magnitude whose MapToBand is no overflow.
+  // The largest magnitude that MapToBand maps without overflow.
   int64_t FarthestMapped() const {
     if (b_ == 0) return int64_t{INT32_MAX} + 1;
     return (((int64_t{INT32_MAX} + 1) * a_ - 1 - a_ / 2) / b_);
   }
 
-  // -1: the page row or column is not stored in the band.
+  // The band row or column that shows page row or column v; -1 when v is dropped or negative.
   int32_t MapKept(int32_t v) const;
 
-  // The band column of page column v: its inch, also one left of the page, and the table's entry within it.
-  // False for a dropped column. Text is placed by this.
+  // The band column of page column v, for the glyphs of text. Unlike MapKept it also maps columns left of the page.
+  // False for a dropped column.
   bool TableColumn(int32_t v, int32_t* column) const { return TableColumns(*this, v).Next(column); }
 
-  // The same for one column after another.
+  // TableColumn for consecutive columns from `first` on.
   class TableColumns {
    public:
     TableColumns(const CoordinateMap& map, int32_t first);
@@ -48,14 +50,15 @@ class CoordinateMap {
    private:
     const CoordinateMap& map_;
     int32_t inchColumn_;  // band column where the inch begins
-    int32_t index_;
+    int32_t index_;       // page column within the inch
   };
 
-  // True when every band pixel holds a page pixel of its own: MapKept of it is that band pixel.
+  // True when the band is not finer than the page, so that every band pixel shows a page pixel of its own. Then loops
+  // may run over band pixels and look up the page pixel of each.
   bool Decimates() const { return b_ != 0 && b_ <= a_; }
-  // The page pixel of a band pixel. Requires: Decimates(), band >= 0.
+  // The page pixel that a band pixel shows. Requires: Decimates(), band >= 0.
   int32_t PageOf(int32_t band) const;
-  // Calls take(page pixel) for the band pixels [band, end) until it returns false. Requires as PageOf.
+  // Calls take(page pixel) for each of the band pixels [band, end) until take returns false. Requires as PageOf.
   template <class Take>
   void ForEachPage(int32_t band, int32_t end, Take take) const {
     int32_t index = band % b_;
@@ -67,7 +70,7 @@ class CoordinateMap {
   }
   // The first band pixel whose page pixel is v or a later one. Requires: Decimates(), v >= 0.
   int32_t FirstBandFrom(int32_t v) const;
-  // The same behind every coordinate too: v may be 2^31.
+  // The same for the end of a range, which may be 2^31.
   int32_t EndBandOf(int64_t v) const {
     if (v <= INT32_MAX) return FirstBandFrom(static_cast<int32_t>(v));
     return WrapAdd(FirstBandFrom(INT32_MAX), MapKept(INT32_MAX) >= 0 ? 1 : 0);
@@ -79,9 +82,10 @@ class CoordinateMap {
   const uint32_t* bandIndex() const { return bandIndex_; }
 
  private:
-  // An entry of a page index on which no band index falls: the nearest one before.
+  // Marks the entry of a page index that no band index shows; the other bits are the nearest band index before it.
   static constexpr uint32_t kDropped = 0x80000000u;
 
+  // A page coordinate as inch and index within the inch.
   struct InchPlace {
     int32_t inch, index;
   };

@@ -1,3 +1,4 @@
+// Prepares the fill of a call from pen, brush and draw mode, and reads its rows as packed colors.
 #include "raster/fill_pattern.h"
 
 #include <algorithm>
@@ -8,9 +9,10 @@
 namespace qnv {
 namespace {
 
-// The record holds 16 cells a direction: a larger factor is cut to 2.
+// A pattern has at most 16 cells in each direction: larger factors count as 2.
 int Replication(uint8_t factor) { return std::min<int>(factor, 2); }
 
+// Stores the cells of a hatch or pattern brush and what is needed to color them.
 void SelectCells(FillPattern* pattern, const PhysicalBrush& brush, CellRule rule, const DRAWMODE& drawMode) {
   std::memcpy(pattern->brushCells, brush.cells, sizeof pattern->brushCells);
   pattern->rule = rule;
@@ -21,6 +23,7 @@ void SelectCells(FillPattern* pattern, const PhysicalBrush& brush, CellRule rule
   pattern->height = static_cast<uint8_t>(8 * Replication(brush.hatchScale[1]));
 }
 
+// A cell as it is painted; painted is false where the band stays as it is.
 struct Cell {
   uint32_t color;
   bool painted;
@@ -38,7 +41,7 @@ Cell ReadCell(const FillPattern& pattern, uint32_t cell) {
 
 }  // namespace
 
-// A pattern of one cell: nothing shows that it could be more.
+// A solid fill is a pattern of one cell.
 void SelectSolid(FillPattern* pattern, uint32_t packed) {
   pattern->style = kFillSolid;
   pattern->width = pattern->height = 1;
@@ -59,6 +62,7 @@ PatternRow ReadPatternRow(const FillPattern& pattern, uint32_t row) {
     result.painted[i] = cell.painted ? UINT32_MAX : 0;
   }
   if (pattern.width == 8) return result;
+  // Each cell twice, from the right, so that no cell is overwritten before it is read.
   for (std::size_t i = 16; i-- > 0;) {
     result.colors[i] = result.colors[i / 2];
     result.painted[i] = result.painted[i / 2];

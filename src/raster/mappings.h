@@ -1,5 +1,6 @@
-// From the coordinates of the caller to rows and columns of the band: the one thing in which a plain device
-// and a resolution-mapping one differ when they paint. Transfers, spans and text are written over a mapping.
+// Mappings from caller coordinates, page pixels with the origin added, to pixels of the band. Transfers, spans and text
+// are templates over a mapping: PlainMapping for bands at the resolution of the page, KeptMapping for those at another
+// one.
 #pragma once
 
 #include <cstdint>
@@ -9,41 +10,44 @@
 
 namespace qnv {
 
-// Neighbouring band pixels and the caller columns that they come from.
+// Consecutive band pixels of a row, and the caller columns whose pixels they show.
 struct ColumnRun {
-  int32_t bandColumn;       // of the first pixel, from the band's left edge
-  int32_t callerColumn;     // of the first pixel, from the start of the walk
+  int32_t bandColumn;       // of the first pixel, counted from the left edge of the band
+  int32_t callerColumn;     // of the first pixel, counted from the first column asked for
   int32_t count;            // pixels
-  const uint16_t* indices;  // caller column of each pixel, from the start of the walk; null: one after another
+  const uint16_t* indices;  // for each pixel its caller column, counted from callerColumn; null: 0, 1, 2 ...
 };
 
-// Plain devices: caller pixels are band pixels.
+// Plain and dual-plane devices: a caller pixel is a band pixel.
 struct PlainMapping {
   static constexpr bool kOneToOne = true;
 
+  // The rectangle of the band in caller pixels.
   Rect CallerRect(const Rect& band) const { return band; }
+  // A single coordinate in band pixels.
   int32_t ToBand(int32_t v) const { return v; }
 
-  // The band row of a caller row by the thinning rule; false when it is stored nowhere.
+  // The band row that shows a caller row; false when the row is dropped.
   bool KeptRow(int32_t y, int32_t* row) const {
     *row = y;
     return true;
   }
 
-  // Band row of a caller row, both from the band's top.
+  // The same with both rows counted from the top of the band; negative when the row is dropped.
   int32_t BandRow(int32_t row) const { return row; }
 
-  // Calls paint(ColumnRun) for caller columns [first, first + count), counted from the band's left edge.
+  // Calls paint(ColumnRun) for the band pixels of the caller columns [first, first + count), which are counted from the
+  // left edge of the band. bandColumns: width of the band in its own pixels.
   template <class Paint>
   void ForEachRun(int32_t first, int32_t count, int32_t /*bandColumns*/, Paint paint) const {
     paint(ColumnRun{first, 0, count, nullptr});
   }
 };
 
-// The resolution-mapping device: caller pixels are thinned or spread.
+// The resolution-mapping device: caller pixels are decimated on a coarser band, spread out on a finer one.
 struct KeptMapping {
   static constexpr bool kOneToOne = false;
-  // As many as one fetch of a source takes.
+  // Pixels of a run; not more than one fetch of a source delivers.
   static constexpr int32_t kMaxRunPixels = 2048;
 
   const CoordinateMap* map;
@@ -59,8 +63,9 @@ struct KeptMapping {
   }
   int32_t BandRow(int32_t row) const { return map->MapKept(row); }
 
-  // Calls visit(band row, caller row) for those of the caller rows [first, first + count), counted from the band's top,
-  // that the band holds. Work follows the band's rows where it is coarser than the page.
+  // Calls visit(band row, caller row) for those of the caller rows [first, first + count) that the band shows; both are
+  // counted from the top of the band. Where the band is coarser than the page the loop runs over its rows, which are
+  // fewer.
   template <class Visit>
   void ForEachKeptRow(int32_t first, int32_t count, int32_t bandRows, Visit visit) const {
     if (map->Decimates()) {
@@ -85,8 +90,8 @@ struct KeptMapping {
         count, bandColumns, [&](int32_t i) { return map->MapKept(WrapAdd(first, i)); }, paint);
   }
 
-  // Gathers the columns 0 .. count - 1 of a walk whose band column bandColumnOf(i) lies in [0, bandColumns)
-  // into runs of neighbours. Dropped columns have a negative band column.
+  // Calls paint(ColumnRun) for those of the columns 0 .. count - 1 whose band column, bandColumnOf(i), lies in
+  // [0, bandColumns), collected into runs of consecutive band columns. A dropped column has a negative band column.
   template <class BandColumnOf, class Paint>
   static void ForEachMappedRun(int32_t count, int32_t bandColumns, BandColumnOf bandColumnOf, Paint paint) {
     uint16_t indices[kMaxRunPixels];
@@ -108,13 +113,15 @@ struct KeptMapping {
   }
 
  private:
-  // Coordinates wrap behind 2^31 - 1, where none is kept. count: unsigned, a page may be wider than a signed one tells.
+  // The end of a range, at most 2^31: coordinates beyond would wrap to negative ones, which are never kept. count holds
+  // an unsigned number, because a page may have 2^31 columns and more.
   static int64_t EndOf(int32_t first, int32_t count) {
     const int64_t end = int64_t{first} + static_cast<uint32_t>(count);
     return end > INT32_MAX ? int64_t{INT32_MAX} + 1 : end;
   }
 
-  // Band columns side by side, each of which has a caller column: those are walked instead.
+  // For a band that is not finer than the page: its columns are consecutive and each has a caller column, so the loop
+  // runs over band columns.
   template <class Paint>
   void ForEachDecimatedRun(int32_t first, int32_t count, int32_t bandColumns, Paint paint) const {
     if (EndOf(first, count) <= 0) return;

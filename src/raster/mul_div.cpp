@@ -1,3 +1,4 @@
+// MulDiv of the system on Windows, our own elsewhere.
 #include "raster/mul_div.h"
 
 #if defined(_WIN32)

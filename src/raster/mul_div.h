@@ -1,14 +1,15 @@
+// Multiplication by a ratio with rounding, as the platform defines it.
 #pragma once
 
 #include <cstdint>
 
 namespace qnv {
 
-// value x numerator / denominator with a 64-bit product, rounded to nearest, exact halves away from zero; -1
-// for a zero denominator or a magnitude beyond 2^31 - 1. On Windows this is the kernel's own function.
+// value x numerator / denominator with a 64-bit product, rounded to nearest, exact halves away from zero. -1 for a
+// denominator of 0 and for a result beyond 2^31 - 1 in magnitude. On Windows this is the function of the system.
 int32_t MulDiv(int32_t value, int32_t numerator, int32_t denominator);
 
-// Ours, on every platform: the one that the kernel's is checked against.
+// The same in portable code. Used where the system has no such function; tests compare the two on Windows.
 constexpr int32_t PortableMulDiv(int32_t value, int32_t numerator, int32_t denominator) {
   if (denominator == 0) return -1;
   const int64_t product = int64_t{value} * numerator;

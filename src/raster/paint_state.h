@@ -1,4 +1,4 @@
-// What the painting code reads of a device, as plain values: the code below device/ knows no device.
+// The part of a device's state that painting needs, as plain values: code below device/ does not include devices.
 #pragma once
 
 #include "qnvdrv10.h"
@@ -7,13 +7,14 @@
 
 namespace qnv {
 
-// Added to the coordinates of a call before they are compared with the band.
+// Added to the coordinates of a call before they are compared with the band; page pixels.
 using Origin = DrawingOrigin;
 
 struct PaintState {
+  // The row kernels of the level that the device chose.
   const RowKernels& rows;
-  // The fill prepared by the last call that had a draw mode. It outlives the call: a call with a null draw mode paints
-  // with it.
+  // The fill prepared by the last call that had a draw mode. It belongs to the device, because a call with a null draw
+  // mode paints with the fill of the call before.
   FillPattern& fillPattern;
   Origin origin;
 };

@@ -1,8 +1,10 @@
+// Makes the mask tiles of a pattern row: the row as a tile, then each of the masks that the operation needs from it.
 #include "raster/pattern_masks.h"
 
 namespace qnv {
 namespace {
 
+// One mask of an operation over a pattern tile; `out` may be the pattern.
 void Complete(Tile* out, const Tile& pattern, OpenMask mask) {
   for (std::size_t i = 0; i < sizeof out->bytes; ++i) {
     out->bytes[i] = static_cast<uint8_t>((pattern.bytes[i] & mask.open) ^ mask.fixed);
@@ -15,7 +17,7 @@ void PatternMasks::MakeRow(uint32_t row) {
   madeRows_ |= 1u << row;
   RowTiles& tiles = rows_[row];
   const PatternRow cells = pattern_ != nullptr ? ReadPatternRow(*pattern_, row) : PatternRow{{0}, {UINT32_MAX}};
-  Tile& pattern = tiles.xor2;  // completed last, in place
+  Tile& pattern = tiles.xor2;  // the pattern itself first; replaced by its mask last
   MakeTile(&pattern, cells.colors, width_, bytesPerPixel_);
   if (needs_ != Needs::kOne) Complete(&tiles.and2, pattern, recipe_.and2);
   if (needs_ == Needs::kFour) {
@@ -26,6 +28,7 @@ void PatternMasks::MakeRow(uint32_t row) {
   if (useMask_) ApplyMask(&tiles, cells);
 }
 
+// Cells that are not painted get the masks that keep the band: and2 = 0xFF, xor2 = 0.
 void PatternMasks::ApplyMask(RowTiles* tiles, const PatternRow& cells) const {
   Tile painted;
   MakeTile(&painted, cells.painted, width_, bytesPerPixel_);

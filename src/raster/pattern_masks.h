@@ -1,5 +1,5 @@
-// A raster operation with its pattern folded in: four mask tiles for each pattern row, made when a row first
-// needs them.
+// A raster operation combined with a pattern: for each row of the pattern up to four mask tiles, which row kernels
+// apply to source and band. A row's tiles are made when the row is first needed.
 #pragma once
 
 #include <cstddef>
@@ -14,8 +14,8 @@ namespace qnv {
 
 class PatternMasks {
  public:
-  // index: the ternary operation. Without a pattern (null) P is 0. useMask: cells whose mask is 0 keep the
-  // destination. The pattern must outlive this object and not change.
+  // index: the ternary operation. pattern: null stands for a pattern of zeros; otherwise it must outlive this object
+  // and not change. useMask: cells of a hatch that are not painted leave the band alone.
   PatternMasks(uint8_t index, const FillPattern* pattern, bool useMask, uint32_t bytesPerPixel)
       : recipe_(kRopRecipes[index]),
         pattern_(pattern),
@@ -30,7 +30,7 @@ class PatternMasks {
   PatternMasks(const PatternMasks&) = delete;
   PatternMasks& operator=(const PatternMasks&) = delete;
 
-  // A pattern without a period paints nothing.
+  // Whether the pattern has no cells, so that nothing is painted.
   bool IsEmpty() const { return width_ == 0 || height_ == 0; }
 
   bool IsOneCell() const { return width_ == 1 && height_ == 1; }
@@ -40,12 +40,13 @@ class PatternMasks {
     return {recipe_.and1.fixed, recipe_.and2.fixed, recipe_.xor1.fixed, recipe_.xor2.fixed};
   }
 
-  // Both remainders are kept non-negative for coordinates left of or above the page.
+  // The pattern row of row y, and the byte offset of column x within a tile row. Both are remainders that are not
+  // negative for negative coordinates either.
   uint32_t RowOf(int32_t y) const { return Remainder(y, height_); }
   std::size_t PhaseOf(int32_t x) const { return std::size_t{Remainder(x, width_)} * bytesPerPixel_; }
 
-  // The masks of a pattern row (see RowOf) from a phase (see PhaseOf). An operation that reads neither source
-  // nor band has xor2 alone; and1 and xor1 are only there for those that read the source.
+  // The masks of a pattern row (see RowOf) from a phase (see PhaseOf) on. Only those that the operation needs are
+  // filled in: xor2 always, and2 when it reads source or band or has a mask, and1 and xor1 when it reads the source.
   TileMasks At(uint32_t row, std::size_t phase) {
     if ((madeRows_ >> row & 1) == 0) MakeRow(row);
     const RowTiles& tiles = rows_[row];
@@ -53,6 +54,7 @@ class PatternMasks {
   }
 
  private:
+  // How many of the masks in the order xor2, and2, and1, xor1 are made.
   enum class Needs : uint8_t { kOne, kTwo, kFour };
 
   struct RowTiles {
@@ -71,7 +73,7 @@ class PatternMasks {
   const Needs needs_;
   const uint32_t bytesPerPixel_;
   const uint32_t width_, height_;
-  uint32_t madeRows_ = 0;
+  uint32_t madeRows_ = 0;  // bit r: rows_[r] is filled in
   RowTiles rows_[kMaxPeriod];
 };
 

@@ -1,5 +1,5 @@
-// Which points of a rectangle a device can show: the rest need not be visited. Points that fall on one band pixel are
-// visited together, with their number.
+// Finds the points of a rectangle that can change the band, so that PolyPixel need not visit all of them: a rectangle
+// may have 2^64. Points that fall on the same band pixel are visited once, with their number.
 #pragma once
 
 #include <cstdint>
@@ -9,22 +9,22 @@
 
 namespace qnv {
 
-// What of a device's points can be seen.
+// Where points of a device can be seen.
 struct PixelReach {
-  Rect limits;               // points, origin added, that may pass clip and, without a map, the band
-  Rect band;                 // with a map: the band in its own pixels
+  Rect limits;               // points, origin added, inside the clip and, without a map, inside the band
+  Rect band;                 // the band in its own pixels; used with a map only
   const CoordinateMap* map;  // null: points are band pixels
 };
 
-// One direction of a PixelReach.
+// A PixelReach in one direction, horizontal or vertical.
 struct PixelAxis {
-  int32_t low, high;          // limits, half open
-  int32_t bandLow, bandHigh;  // with a map
+  int32_t low, high;          // of the limits, half-open
+  int32_t bandLow, bandHigh;  // of the band, half-open; used with a map only
   const CoordinateMap* map;
 };
 
-// Calls visit(point, count) for the points [first, last], origin added, that can be seen: `count` points from `point`
-// on fall on the same band pixel.
+// Calls visit(point, count) for the points from first to last, both included and origin added, that can be seen. The
+// `count` points from `point` on fall on the same band pixel.
 template <class Visit>
 void ForEachSeen(const PixelAxis& axis, int64_t first, int64_t last, Visit visit) {
   if (first < axis.low) first = axis.low;
@@ -34,7 +34,8 @@ void ForEachSeen(const PixelAxis& axis, int64_t first, int64_t last, Visit visit
     return;
   }
   const auto bandOf = [&](int64_t v) { return axis.map->MapToBand(static_cast<int32_t>(v)); };
-  // The first point from `from` on for which isPast holds; it stays so from there to `end`, which is behind the last.
+  // Binary search in [from, end) for the first point for which isPast is true, given that it is true for all points
+  // after that one; `end` when there is none.
   const auto firstPast = [](int64_t from, int64_t end, auto isPast) {
     while (from < end) {
       const int64_t middle = from + (end - from) / 2;
@@ -46,7 +47,8 @@ void ForEachSeen(const PixelAxis& axis, int64_t first, int64_t last, Visit visit
     }
     return from;
   };
-  // Between these the mapping rises; farther out every point is on band pixel -1, as the platform's product has it.
+  // Within this magnitude the mapping never falls from one point to the next. Beyond it the product overflows, and
+  // every point is mapped to band pixel -1.
   const int64_t farthest = axis.map->FarthestMapped();
   const auto visitOutside = [&](int64_t from, int64_t end) {
     if (from < end && axis.bandLow <= -1 && -1 < axis.bandHigh) visit(static_cast<int32_t>(from), end - from);
@@ -58,7 +60,7 @@ void ForEachSeen(const PixelAxis& axis, int64_t first, int64_t last, Visit visit
   while (v < end) {
     const int32_t pixel = bandOf(v);
     if (pixel >= axis.bandHigh) break;
-    // A pixel's points are close together: look ahead in growing steps.
+    // Find the end of the points on this band pixel with steps that double, then search within the last step.
     int64_t step = 1;
     while (v + step < end && bandOf(v + step) == pixel) step *= 2;
     const int64_t limit = v + step < end ? v + step : end;
@@ -70,7 +72,8 @@ void ForEachSeen(const PixelAxis& axis, int64_t first, int64_t last, Visit visit
   visitOutside(first > farthest + 1 ? first : farthest + 1, last + 1);
 }
 
-// The same for the caller's points [low, high]: added to the origin they wrap, and so may come in two pieces.
+// The same for points before the origin is added, from low to high, both included. The sums wrap at 32 bits, so the
+// points may fall into two ranges.
 template <class Visit>
 void ForEachSeenOfCaller(const PixelAxis& axis, int32_t low, int32_t high, int32_t origin, Visit visit) {
   constexpr int64_t kTurns[] = {-(int64_t{1} << 32), 0, int64_t{1} << 32};

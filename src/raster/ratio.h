@@ -1,4 +1,5 @@
-// Multiplication by a fixed ratio, as MulDiv does it, without a division a value.
+// Multiplication by a fixed ratio with the results of MulDiv, but without a division for each value: mapping a
+// coordinate is the innermost step of text and spans on the resolution-mapping device.
 #pragma once
 
 #include <cstdint>
@@ -7,8 +8,9 @@
 
 namespace qnv {
 
-// Division of numbers below 2^31 by a fixed one, exact: with l bits of the divisor d, ceil(2^(31 + l) / d) is too large
-// by less than d / 2^(31 + l), which no such number brings up to the next quotient.
+// Exact division of numbers below 2^31 by a fixed divisor d: multiplies by ceil(2^(31 + l) / d), where 2^l >= d, and
+// shifts right by 31 + l. Rounding the multiplier up makes the product too large by less than n / 2^(31 + l) <= 1 / d,
+// which is too little to reach the next quotient.
 class Divider {
  public:
   // divisor: not 0.
@@ -25,6 +27,7 @@ class Divider {
   uint32_t multiplier_ = 0;
 };
 
+// value x numerator / denominator, rounded as MulDiv rounds.
 class Ratio {
  public:
   constexpr Ratio(uint16_t numerator, uint16_t denominator)
@@ -36,7 +39,7 @@ class Ratio {
     if (denominator == 0) limit_ = 0;
   }
 
-  // MulDiv(value, numerator, denominator)
+  // Equal to MulDiv(value, numerator, denominator).
   int32_t Of(int32_t value) const {
     const uint32_t magnitude = value < 0 ? 0u - static_cast<uint32_t>(value) : static_cast<uint32_t>(value);
     if (magnitude >= limit_) return MulDiv(value, numerator_, denominator_);
@@ -46,8 +49,8 @@ class Ratio {
 
  private:
   uint16_t numerator_, denominator_;
-  uint32_t half_;
-  uint32_t limit_;  // magnitudes below it keep within the divider's numbers
+  uint32_t half_;   // added before dividing, to round
+  uint32_t limit_;  // for magnitudes below it the product stays below 2^31, which the divider needs
   Divider divider_;
 };
 

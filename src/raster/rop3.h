@@ -1,5 +1,6 @@
-// Ternary raster operations. Bit 4P + 2S + D of an operation's index is the result for one bit each of
-// pattern, source and destination; bits 16..23 of a raster code hold the index.
+// Ternary raster operations: boolean functions of pattern P, source S and destination D (the band). An operation is its
+// index, a truth table of eight bits: bit 4P + 2S + D is the result for one bit of each input. Bits 16..23 of the
+// raster codes that hosts pass hold the index.
 #pragma once
 
 #include <array>
@@ -9,11 +10,12 @@ namespace qnv {
 
 constexpr uint8_t RopIndex(uint32_t rop) { return static_cast<uint8_t>(rop >> 16); }
 
+// Whether the result depends on an input: whether the two halves of the truth table for it differ.
 constexpr bool RopUsesPattern(uint8_t index) { return (index >> 4) != (index & 0x0F); }
 constexpr bool RopUsesSource(uint8_t index) { return (index & 0x33) != (index >> 2 & 0x33); }
 constexpr bool RopUsesDestination(uint8_t index) { return (index & 0x55) != (index >> 1 & 0x55); }
 
-// The operation on every bit of a word at once.
+// Applies an operation to every bit of three words.
 template <class Word>
 constexpr Word EvaluateRop3(uint8_t index, Word pattern, Word source, Word destination) {
   Word result = 0;
@@ -27,32 +29,33 @@ constexpr Word EvaluateRop3(uint8_t index, Word pattern, Word source, Word desti
   return result;
 }
 
-// The index of an operation given as a formula: with these three bytes each of the eight input combinations
-// stands in one bit, in index order.
+// The index of an operation that is given as a formula. Bit i of the three bytes holds the inputs of bit i of an index,
+// so the result of the formula is the truth table.
 template <class Formula>
 constexpr uint8_t IndexOf(Formula formula) {
   return static_cast<uint8_t>(formula(0xAA, 0xCC, 0xF0));
 }
 
-// A binary raster operation (R2_..., of which only the low four bits of code - 1 decide) is a ternary one
-// that does not look at the source.
+// The ternary index of a binary raster operation (R2_...) between pattern and destination. Only the low four bits of
+// code - 1 are used.
 constexpr uint8_t IndexOfRop2(uint16_t code) {
   const uint32_t t = static_cast<uint32_t>(code) - 1;
   return static_cast<uint8_t>((t & 1) * 0x05 | (t >> 1 & 1) * 0x0A | (t >> 2 & 1) * 0x50 | (t >> 3 & 1) * 0xA0);
 }
 
-// A mask that the pattern completes: (P & open) ^ fixed.
+// A mask that depends on the pattern: (P & open) ^ fixed.
 struct OpenMask {
   uint8_t open;
   uint8_t fixed;
 };
 
-// Every operation is D' = (D & ((S & and1) ^ and2)) ^ ((S & xor1) ^ xor2), so row code is written once for
-// each shape of its inputs and an operation is four masks.
+// Every operation can be written D' = (D & ((S & and1) ^ and2)) ^ ((S & xor1) ^ xor2) with four masks that depend on
+// the pattern alone. Row kernels compute this formula, so that they know masks but no operations.
 struct RopRecipe {
   OpenMask and1, and2, xor1, xor2;
 };
 
+// Solves the formula for the masks, once for P = 0 and once for P = 1: f(s, d) is the result for S = s and D = d.
 constexpr RopRecipe MakeRecipe(uint8_t index) {
   uint8_t masks[2][4] = {};
   for (int p = 0; p < 2; ++p) {
@@ -74,7 +77,7 @@ inline constexpr std::array<RopRecipe, 256> kRopRecipes = [] {
   return recipes;
 }();
 
-// The same formula on the bytes of a packed pixel, for operations that do not look at the source.
+// The same formula for the bytes of one packed pixel. Requires: an operation that does not read the source.
 constexpr uint32_t CombineWithPattern(uint8_t index, uint32_t pattern, uint32_t destination) {
   constexpr uint32_t kEachByte = 0x01010101;
   const auto completed = [pattern](OpenMask mask) {

@@ -1,4 +1,4 @@
-// One band pixel, read or written under a binary raster operation.
+// Reads a band pixel, or combines it with a color by a binary raster operation.
 #pragma once
 
 #include <cstdint>
@@ -9,7 +9,7 @@
 
 namespace qnv {
 
-// The bytes of a band pixel as one number, the first byte in bits 0..7; a gray byte stands in all three.
+// The bytes of a band pixel as one number, the first byte in bits 0..7. A gray byte is repeated in all three.
 inline uint32_t ReadPixel(const uint8_t* pixel, uint32_t bytesPerPixel) {
   if (bytesPerPixel == 1) return Replicated(pixel[0]);
   return static_cast<uint32_t>(pixel[0] | pixel[1] << 8 | pixel[2] << 16);

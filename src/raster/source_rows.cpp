@@ -1,3 +1,4 @@
+// Reads rows of a source: by the row kernel for its form, or in place when its bytes are already in band order.
 #include "raster/source_rows.h"
 
 #include <cstring>
@@ -33,7 +34,8 @@ void SourceRows::FetchInto(const RowKernels& rows, int32_t row, int32_t column, 
   }
 }
 
-// All pixels between the first and the last one that are picked are converted, which is quicker than one by one.
+// Converts all pixels between the first and the last index and then takes those that are wanted: faster than converting
+// pixels one by one. Where the indices span more pixels than the buffer holds, their number is halved until they fit.
 void SourceRows::FetchIndexed(const RowKernels& rows, int32_t row, int32_t column, const uint16_t* indices,
                               std::size_t count, uint8_t* out) const {
   uint8_t converted[kMaxPixels * 3 + 1];
@@ -43,7 +45,7 @@ void SourceRows::FetchIndexed(const RowKernels& rows, int32_t row, int32_t colum
     while (indices[end - 1] - begin >= static_cast<int32_t>(kMaxPixels)) end = done + (end - done) / 2;
     const std::size_t between = indices[end - 1] - begin + std::size_t{1};
     FetchInto(rows, row, column + begin, nullptr, between, converted);
-    converted[3 * between] = 0;  // gathering reads a byte behind the last pixel
+    converted[3 * between] = 0;  // the loop below reads a byte behind the last pixel
     StorePixels<3>(out + 3 * done, end - done, [&](std::size_t i) {
       uint32_t packed;
       std::memcpy(&packed, converted + std::size_t{3} * static_cast<std::size_t>(indices[done + i] - begin), 4);

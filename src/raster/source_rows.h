@@ -1,4 +1,4 @@
-// The source of a transfer, row by row, in band byte order.
+// The source bitmap of a transfer as rows of pixels in the byte order of the band.
 #pragma once
 
 #include <cstddef>
@@ -8,7 +8,7 @@
 
 namespace qnv {
 
-// How the bytes of a source become band bytes.
+// The pixel format of a source, and of the band that it is converted for.
 enum class SourceForm : uint8_t {
   kOneBitTo24,  // set bits stand for the background color, clear ones for the text color
   kOneBitTo8,
@@ -18,9 +18,10 @@ enum class SourceForm : uint8_t {
   kGrayTo24,      // one byte a pixel, into all three band bytes
 };
 
+// A source, opened at the first pixel that a transfer reads.
 struct SourceRows {
-  // The longest run fetched into a chunk; it stays in the first-level cache.
-  // Long enough that what is stored has left the store buffer when it is read back.
+  // Pixels that are converted at a time. Few enough for the chunk to stay in the first-level cache, and so many that
+  // its stores have left the store buffer when the row kernel reads them back.
   static constexpr std::size_t kMaxPixels = 2048;
   using Chunk = uint8_t[kMaxPixels * 3];
 
@@ -30,26 +31,27 @@ struct SourceRows {
   std::ptrdiff_t stride;  // bytes from one row to the next
   uint32_t set, clear;    // packed colors, one-bit sources only
 
-  // Whether pixels are taken from the host's memory as they are.
+  // Whether source bytes are band bytes, so that they are read in the memory of the host.
   bool IsInBandOrder() const { return form == SourceForm::kGray || form == SourceForm::kBlueGreenRed; }
 
-  // Whether rows that become `bytes` band bytes each follow one another without a gap.
+  // Whether rows of `bytes` band bytes follow one another in the source without a gap, so that several can be read as
+  // one.
   bool RowsJoin(std::ptrdiff_t bytes) const {
     return (form == SourceForm::kRedGreenBlue || IsInBandOrder()) && stride == bytes;
   }
 
-  // Band bytes of `count` pixels of row `row` (0 = the row of the first source pixel) from pixel `column`
-  // (0 = the first) on: where they are, in the host's own memory or in `chunk`.
-  // indices: with them, the columns to take instead of consecutive ones, counted from `column`.
+  // Returns the address of the band bytes of `count` pixels, either in the memory of the host or converted into
+  // `chunk`. row, column: counted from the first pixel of the transfer. indices: null for consecutive pixels, else the
+  // column of each pixel, counted from `column`.
   const uint8_t* Fetch(const RowKernels& rows, int32_t row, int32_t column, const uint16_t* indices, std::size_t count,
                        uint8_t* chunk) const;
 
-  // Fetch into memory that the caller names, any count without indices.
+  // The same, always into memory of the caller. Without indices the count is not limited by the size of a chunk.
   void FetchInto(const RowKernels& rows, int32_t row, int32_t column, const uint16_t* indices, std::size_t count,
                  uint8_t* out) const;
 
  private:
-  // Requires: a form that becomes three bytes a pixel; ascending indices.
+  // FetchInto with indices. Requires: a form that becomes three bytes a pixel; ascending indices.
   void FetchIndexed(const RowKernels& rows, int32_t row, int32_t column, const uint16_t* indices, std::size_t count,
                     uint8_t* out) const;
 };

@@ -1,8 +1,10 @@
+// The rectangle that a bit-block transfer paints, and the source pixel where it begins.
 #include "raster/transfer_geometry.h"
 
 namespace qnv {
 namespace {
 
+// The destination with the origin added.
 Rect Destination(const BltArguments& a, Origin origin) {
   const int32_t x = WrapAdd(a.destX, origin.x);
   const int32_t y = WrapAdd(a.destY, origin.y);
@@ -23,6 +25,7 @@ bool CopyArea(const BltArguments& a, Origin origin, const Rect& clip, const Rect
   if (!IsAllZero(clip) && !RectIntersect(dest, dest, WidenedClip(clip, dest.left, dest.top))) return false;
   Rect source{a.srcX, a.srcY, WrapAdd(a.srcX, WrapSubtract(dest.right, dest.left)),
               WrapAdd(a.srcY, WrapSubtract(dest.bottom, dest.top))};
+  // The source rectangle is as large as what clip and destination leave, but begins where the caller said.
   if (!RectIntersect(source, source, Rect{0, 0, a.source->bmWidth, a.source->bmHeight})) return false;
   const int32_t toDestX = WrapSubtract(dest.left, a.srcX);
   const int32_t toDestY = WrapSubtract(dest.top, a.srcY);

@@ -1,5 +1,6 @@
-// Where a bit-block transfer paints and what it reads there. One rule for all transfer operations, in the
-// coordinates of the caller; the band's rectangle is given in the same units.
+// The rectangle that a bit-block transfer paints and the source pixels that belong to it: how destination, clip, source
+// and band limit each other, for all operations. Everything is in caller pixels with the origin added, the rectangle of
+// the band included.
 #pragma once
 
 #include <cstdint>
@@ -15,8 +16,8 @@ struct TransferArea {
   int32_t srcX, srcY;  // source pixel of (rect.left, rect.top); 0 when no source is read
 };
 
-// The clip that a destination with its top-left corner at (left, top), origin added, is cut by. Intended: a destination
-// that begins left of or above 0 moves that edge of the clip outwards by as much.
+// The clip for a destination whose top left corner, origin added, is (left, top). Intended: when the destination begins
+// left of or above 0, that edge of the clip moves outwards by as much.
 constexpr Rect WidenedClip(const Rect& clip, int32_t left, int32_t top) {
   Rect widened = clip;
   if (left < 0) widened.left = WrapAdd(widened.left, left);
@@ -24,12 +25,12 @@ constexpr Rect WidenedClip(const Rect& clip, int32_t left, int32_t top) {
   return widened;
 }
 
-// The area of an operation that reads no source. clip: with the origin added; all zeros = none. False when nothing is
-// to be painted.
+// The area of an operation that reads no source. clip: with the origin added; four zeros do not limit. False when
+// nothing is to be painted.
 bool FillArea(const BltArguments& a, Origin origin, const Rect& clip, const Rect& band, TransferArea* area);
 
-// The same for operations that read a source. Intended: what the clip cuts off on the left or top does not shift the
-// source, except for the part of a destination that lies left of or above 0.
+// The area of an operation that reads a source. Intended: where the clip cuts off the left or the top of the
+// destination, the source still begins at (srcX, srcY); but the band does cut the source along with the destination.
 bool CopyArea(const BltArguments& a, Origin origin, const Rect& clip, const Rect& band, TransferArea* area);
 
 }  // namespace qnv

@@ -20,16 +20,16 @@ inline constexpr uint8_t kDSPDxax = IndexOf([](int d, int s, int p) { return ((p
 static_assert(kDestination == 0xAA && kSrcCopy == 0xCC && kWhiteness == 0xFF && kPatInvert == 0x5A);
 static_assert(kPatCopy == 0xF0 && kMergeCopy == 0xC0 && kPatPaint == 0xFB && kDSPDxax == 0xE2);
 
-// Where an operation that reads a pattern takes it from. The difference shows when a null draw mode has kept the
+// Where an operation that reads a pattern takes it from. It makes a difference when a null draw mode has kept the
 // pattern of an earlier call.
 enum class PatternOrigin : uint8_t {
-  kPrepared,           // the prepared pattern, whatever the brush is
-  kBrush,              // a solid brush's own color, else the prepared pattern; nothing without a brush
-  kBrushUnlessHollow,  // the same, and nothing for a hollow brush
+  kPrepared,           // the prepared pattern, with any brush or none
+  kBrush,              // the color of a solid brush, else the prepared pattern; without a brush nothing is painted
+  kBrushUnlessHollow,  // the same, but nothing is painted with a hollow brush
 };
 
-// upperHalf: bits 16..31 of the raster code, all of which are compared: a code with anything in bits 24..31 is none of
-// the named ones.
+// upperHalf: bits 16..31 of the raster code. All of them are compared, so a code with anything in bits 24..31 is none
+// of the named operations.
 constexpr PatternOrigin PatternOriginOf(uint32_t upperHalf) {
   switch (upperHalf) {
     case kMergeCopy:

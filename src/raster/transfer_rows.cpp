@@ -1,3 +1,4 @@
+// The row loops of a transfer: one kernel call for each row and run of columns, in pieces where a source is converted.
 #include "raster/transfer_rows.h"
 
 #include <algorithm>
@@ -42,8 +43,9 @@ void TransferRows::PaintSourceRun(uint8_t* dst, int32_t bandRow, int32_t sourceR
   TileMasks tiles{};
   if (patterned) tiles = masks_.At(masks_.RowOf(bandRow), masks_.PhaseOf(run.bandColumn));
   SourceRows::Chunk chunk;
-  // A chunk is a whole number of pattern periods, so that every chunk begins at the same phase. What is not converted
-  // needs none, but for the several walks over a patterned row.
+  // Pieces are whole numbers of pattern periods, so that each begins at the same phase of the pattern. A source that is
+  // not converted could go through in one piece, but kernels pass several times over rows with a pattern, and a piece
+  // stays in the cache.
   static_assert(SourceRows::kMaxPixels % kMaxPeriod == 0);
   const bool whole = !patterned && source_->IsInBandOrder();
   const std::size_t most = whole ? pixels : SourceRows::kMaxPixels;

@@ -1,5 +1,5 @@
-// Paints a transfer once its geometry is known: chooses the row kernel for the operation's shape and walks
-// the band's rows and runs of columns.
+// Paints a transfer whose area is known: chooses the row kernel by the inputs of the operation and calls it for each
+// band row and run of columns.
 #pragma once
 
 #include <cstdint>
@@ -17,8 +17,8 @@ class TransferRows {
   static_assert(KeptMapping::kMaxRunPixels <= SourceRows::kMaxPixels, "a run is fetched into one chunk");
 
  public:
-  // pattern: null when the operation reads none. source: null when it reads none. regray: pixels become
-  // gray levels after they are written.
+  // index: the ternary operation. pattern, source: null when the operation reads none. regray: pixels become gray
+  // levels after they are written.
   TransferRows(const RowKernels& rows, uint8_t index, const FillPattern* pattern, const SourceRows* source,
                uint32_t bytesPerPixel, bool regray)
       : rows_(rows),
@@ -28,6 +28,7 @@ class TransferRows {
         bytesPerPixel_(bytesPerPixel),
         regray_(regray) {}
 
+  // Paints `area`, which is in caller pixels like callerBand, the rectangle of the band.
   template <class Mapping>
   void Paint(const BandView& band, const Mapping& mapping, const Rect& callerBand, const TransferArea& area) {
     if (masks_.IsEmpty()) return;
@@ -38,7 +39,7 @@ class TransferRows {
       const int32_t pixels = (relative.right - relative.left) * (relative.bottom - relative.top);
       return PaintRows(band, RowRange{relative.top, 1, 0}, ColumnRun{0, 0, pixels, nullptr});
     }
-    // Images paint row by row: of a row that the band does not keep no columns are worked out.
+    // Images are painted row by row: skip the work on columns for a row that the band does not keep.
     const int32_t pageRows = WrapSubtract(relative.bottom, relative.top);
     if (!Mapping::kOneToOne && pageRows == 1 && mapping.BandRow(relative.top) < 0) return;
     mapping.ForEachRun(relative.left, WrapSubtract(relative.right, relative.left), bandColumns,
@@ -54,25 +55,26 @@ class TransferRows {
   }
 
  private:
-  // What of destination (D), source (S) and pattern (P) a row loop has to combine.
+  // Which inputs a row loop has to combine: nothing but the pattern, the band, the source, or source and pattern.
   enum class Shape : uint8_t { kFill, kBandOnly, kSourceCopy, kSource, kSourcePattern };
 
   static Shape ShapeOf(uint8_t index);
 
-  // Whole rows under one color, of a source that has none between them either, are one long row.
+  // Whether the rows can be painted as one long row: they are whole band rows without padding, the pattern is one cell,
+  // and the source, if any, has no gaps between its rows.
   bool JoinsRows(const BandView& band, const Rect& relative) const {
     if (relative.left != 0 || !band.IsWholeRow(relative.right) || !masks_.IsOneCell()) return false;
-    // The pixels of a run are counted with 31 bits.
+    // A run counts its pixels with 31 bits.
     if (int64_t{relative.right} * WrapSubtract(relative.bottom, relative.top) > INT32_MAX) return false;
     return source_ == nullptr || source_->RowsJoin(static_cast<std::ptrdiff_t>(band.stride));
   }
 
   struct RowRange {
-    int32_t bandRow, count;
-    int32_t sourceRow;  // of the first one, counted from the row of the first source pixel
+    int32_t bandRow, count;  // band rows, counted from the top of the band
+    int32_t sourceRow;       // of the first one, counted from the row of the first source pixel
   };
 
-  // Requires: rows and columns of the band.
+  // Paints one run of columns in consecutive rows. Requires: rows and columns inside the band.
   void PaintRows(const BandView& band, const RowRange& range, const ColumnRun& run);
   void PaintSourceRun(uint8_t* dst, int32_t bandRow, int32_t sourceRow, const ColumnRun& run);
 

@@ -1,4 +1,5 @@
-// Coordinates come from hosts and documents: sums of them wrap at 32 bits instead of being undefined.
+// Arithmetic on coordinates. They come from documents and can be any number, so results wrap at 32 bits; the overflow
+// of a signed sum would be undefined.
 #pragma once
 
 #include <cstdint>

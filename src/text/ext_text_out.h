@@ -1,4 +1,5 @@
-// Text output: lays out the characters of a call, fills the opaque rectangle and paints the glyphs.
+// Text output: fills the opaque rectangle of a call, lays its characters out and paints their glyphs. Works in the
+// text's pixels, which are page pixels; a mapping leads to the band.
 #pragma once
 
 #include <cstddef>
@@ -16,7 +17,8 @@
 
 namespace qnv {
 
-// The characters of a call: one run, or with charWidths a run for each.
+// The characters of a call. Without charWidths they are one run; with charWidths each character is a run of its own,
+// placed by the widths.
 class TextRuns {
  public:
   TextRuns(Origin origin, const TextArguments& a)
@@ -26,13 +28,14 @@ class TextRuns {
         y_(WrapAdd(a.y, origin.y)),
         breakError_(a.drawMode->BreakErr) {}
 
-  // False when the rows of all glyphs lie outside.
+  // False when no row of any glyph lies inside `limits`.
   bool CanBeSeen(const Rect& limits) const {
     const GlyphSpan rows = VisibleSpan(y_, font_.Height(), limits.top, limits.bottom);
     return limits.left < limits.right && rows.first < rows.end;
   }
 
-  // The call's result; glyphs are painted, or the draw mode's break error brought up to date.
+  // Paints the glyphs, or, for a count of 0 and below, measures and updates BreakErr of the draw mode. Returns the
+  // result of the call.
   template <class PaintGlyph>
   int32_t Lay(PaintGlyph paint) {
     const auto* string = static_cast<const uint8_t*>(a_.string);
@@ -41,7 +44,7 @@ class TextRuns {
     if (count == 0) return 0;
     const int32_t step = count > 0 ? 1 : -1;
     const int32_t n = count * step;
-    // Of runs that neither paint nor measure only the last one is heard of.
+    // When nothing is painted, the result depends on the last character and the widths alone.
     const bool onlyLast = count > 0 && std::is_same_v<PaintGlyph, NoGlyphs>;
     const int32_t bytes = font_.IsTwoByte() ? 2 : 1;
     int32_t advance = 0;
@@ -53,7 +56,7 @@ class TextRuns {
   }
 
  private:
-  // The host need not align its widths.
+  // charWidths[i]; the array need not be aligned.
   int16_t WidthAt(int32_t i) const {
     int16_t width;
     std::memcpy(&width, static_cast<const uint8_t*>(static_cast<const void*>(a_.charWidths)) + std::ptrdiff_t{2} * i,
@@ -61,6 +64,7 @@ class TextRuns {
     return width;
   }
 
+  // One run from x on: its advance or, when measuring, its extent.
   template <class PaintGlyph>
   int32_t Run(const uint8_t* string, int32_t count, int32_t x, PaintGlyph& paint) {
     const Justification justification{a_.drawMode->TBreakExtra, a_.drawMode->BreakCount, a_.drawMode->CharacterExtra,
@@ -75,28 +79,29 @@ class TextRuns {
 
   const TextArguments& a_;
   const FontRecord font_;
-  const int32_t x_, y_;
-  int16_t breakError_;
+  const int32_t x_, y_;  // top left of the first character cell, origin added
+  int16_t breakError_;   // carried from run to run
 };
 
-// Where the text of a call goes.
+// The band that a call paints, and how the text's pixels relate to it.
 template <class Mapping>
 struct TextTarget {
   const BandView& band;
   const Mapping& mapping;  // from the text's pixels to the band
   Rect bandInText;         // the band's rectangle in the text's pixels
   Rect unclipped;          // what limits glyphs of a call without a clip, in the text's pixels
-  bool regray;             // the band holds gray levels of what is painted
+  bool regray;             // colors are painted as their gray levels
 };
 
-// Intended: without a clip the page's width limits the rows and its height the columns, both less one.
+// What limits the glyphs of a call without a clip. Intended: the width of the page limits the rows and its height the
+// columns, each less one.
 constexpr Rect UnclippedText(uint32_t pageWidth, uint32_t pageHeight) {
   return {0, 0, static_cast<int32_t>(pageHeight - 1), static_cast<int32_t>(pageWidth - 1)};
 }
 
-// fillRect(rect, drawMode) fills a rectangle of caller coordinates with the draw mode's background color; it is called
-// at most once, before any glyph is painted. Returns the advance of a drawn text, the extent of a measured one, and 0
-// for a call that lacks font, draw mode or string.
+// Text output on a band. fillRect(rect, drawMode) fills a rectangle, in caller coordinates, with the background color
+// of the draw mode; it is called at most once, before any glyph is painted. Returns the advance of a text that is
+// drawn, the extent of one that is measured, and 0 for a call without font, draw mode or string.
 template <class Mapping, class FillRect>
 int32_t ExtTextOutOn(const PaintState& paint, const TextTarget<Mapping>& target, const TextArguments& a,
                      FillRect fillRect) {

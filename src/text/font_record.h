@@ -1,4 +1,5 @@
-// Reads the host's raster-font record.
+// Reads a raster font of the host: the record, the character table behind it, and the places of the glyphs. All of it
+// is host memory without alignment; character codes of one-byte fonts are checked, those of two-byte fonts are not.
 #pragma once
 
 #include <cstddef>
@@ -11,6 +12,7 @@ namespace qnv {
 
 class FontRecord {
  public:
+  // fontBase: glyph offsets count from here. fontOffset: bytes from there to the record.
   FontRecord(const void* fontBase, uint16_t fontOffset)
       : base_(static_cast<const uint8_t*>(fontBase)), record_(base_ + fontOffset) {
     std::memcpy(&info_, record_, sizeof info_);
@@ -18,10 +20,11 @@ class FontRecord {
 
   bool IsTwoByte() const { return (info_.dfType & 0x20) != 0; }
   bool IsVariablePitch() const { return (info_.dfPitchAndFamily & 1) != 0; }
+  // Pixels.
   int32_t Height() const { return info_.dfPixHeight; }
   int32_t FixedWidth() const { return info_.dfPixWidth; }
 
-  // A one-byte code's entry in the character table: codes outside the table are shown as the default.
+  // The index of a one-byte code in the character table; a code outside the table gets that of the default character.
   uint16_t IndexOf(uint8_t code) const {
     const uint8_t mapped = code < info_.dfFirstChar || code > info_.dfLastChar
                                ? static_cast<uint8_t>(info_.dfDefaultChar + info_.dfFirstChar)
@@ -30,7 +33,9 @@ class FontRecord {
   }
   bool IsBreak(uint16_t index) const { return index == info_.dfBreakChar; }
 
+  // Pixels.
   uint16_t TableWidth(uint16_t index) const { return Read<uint16_t>(Entry(index)); }
+  // The bits of a glyph: columns of eight pixels, Height() bytes each, bit 0x80 leftmost.
   const uint8_t* Glyph(uint16_t index) const {
     const uint8_t* offset = Entry(index) + 2;
     return base_ + (HasShortTable() ? Read<uint16_t>(offset) : Read<uint32_t>(offset));
@@ -44,6 +49,7 @@ class FontRecord {
     return value;
   }
 
+  // Entries are a 16-bit width and an offset: of 16 bits in a short table, of 32 bits in the other.
   bool HasShortTable() const { return info_.dfType == 0x200; }
   const uint8_t* Entry(uint16_t index) const {
     return HasShortTable() ? record_ + 49 + std::size_t{4} * index : record_ + 82 + std::size_t{6} * index;

@@ -1,3 +1,5 @@
+// Paints glyphs. Their bits lie in columns of eight pixels, so the plain devices paint column by column straight from
+// the font. The resolution-mapping device first gathers the pixels it keeps into columns of the same form.
 #include "text/glyph_painter.h"
 
 #include <cstring>
@@ -5,10 +7,10 @@
 namespace qnv {
 namespace {
 
-// Rows of a glyph that are thinned at a time.
+// Rows of a glyph that are gathered at a time.
 constexpr int32_t kMaxRows = 64;
 
-// In each byte of a word, or'ed to out: the bit 0x80 >> from becomes 0x80 >> to.
+// In each byte of a word: when the bit 0x80 >> from is set in `bytes`, sets the bit 0x80 >> to in `out`.
 template <class Word>
 void MoveBit(uint8_t* out, const uint8_t* bytes, uint32_t from, uint32_t to) {
   constexpr Word kOnes = static_cast<Word>(0x01010101);
@@ -19,7 +21,8 @@ void MoveBit(uint8_t* out, const uint8_t* bytes, uint32_t from, uint32_t to) {
   std::memcpy(out, &moved, sizeof moved);
 }
 
-// Up to eight columns of a glyph, side by side in one byte a row. indices: counted from column `first`.
+// Gathers up to eight pixel columns of a glyph into one byte for each row. indices: the columns, counted from column
+// `first` of the glyph. top, rows: the rows of the glyph to gather.
 void GatherColumns(uint8_t* out, const PlacedGlyph& glyph, int32_t first, const uint16_t* indices, uint32_t pixels,
                    int32_t top, int32_t rows) {
   std::memset(out, 0, kMaxRows);
@@ -32,8 +35,8 @@ void GatherColumns(uint8_t* out, const PlacedGlyph& glyph, int32_t first, const 
   }
 }
 
-// Paints rows of gathered bits, several of which may fall on one row of the band.
-// bandRows: of each row, in order. The bytes are used up.
+// Paints gathered rows at column x of the band. bandRows: the band row of each, ascending; rows that share a band row
+// are merged into one first. `bytes` is overwritten.
 void PaintGathered(const BandView& band, const BitPainter& painter, int32_t x, std::size_t pixels, uint8_t* bytes,
                    const int32_t* bandRows, int32_t rows) {
   for (int32_t row = 0; row < rows;) {
@@ -80,6 +83,7 @@ void PaintGlyph(const BandView& band, const PlainMapping&, const BitPainter& pai
   GlyphColumn column;
   column.bytes = glyph.bits + std::ptrdiff_t{part.left / 8} * glyph.height + part.top;
   column.rows = static_cast<std::size_t>(part.bottom - part.top);
+  // Whole bytes of the font; the first and the last may be partly clipped.
   for (int32_t x = part.left; x < part.right; column.bytes += glyph.height) {
     column.offset = static_cast<std::size_t>(x % 8);
     column.pixels = std::min<std::size_t>(8 - column.offset, static_cast<std::size_t>(part.right - x));
@@ -95,6 +99,7 @@ void PaintGlyph(const BandView& band, const KeptMapping& mapping, const BitPaint
   if (!VisiblePart(glyph, limits, &part)) return;
   const int32_t bandColumns = WrapSubtract(band.rect.right, band.rect.left);
   for (int32_t row = part.top; row < part.bottom;) {
+    // The next rows of the glyph that lie in the band, `top` being the first of them.
     int32_t bandRows[kMaxRows];
     int32_t rows = 0;
     int32_t top = row;

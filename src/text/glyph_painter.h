@@ -1,4 +1,5 @@
-// Paints glyphs: bits, through the text color and, unless transparent, the background color.
+// Paints glyphs: set bits in the text color and, unless the background is transparent, clear bits in the background
+// color.
 #pragma once
 
 #include <algorithm>
@@ -20,7 +21,7 @@ class BitPainter {
   void PaintColumn(uint8_t* dst, std::size_t stride, const GlyphColumn& column) const {
     paintColumn_(dst, stride, column, colors_);
   }
-  // What two rows of bits, painted one over the other, come to.
+  // The row of bits that gives the same picture as painting `below` and then `above` over it.
   uint8_t Merge(uint8_t below, uint8_t above) const {
     return transparent_ ? static_cast<uint8_t>(below | above) : above;
   }
@@ -31,14 +32,16 @@ class BitPainter {
   void (*paintColumn_)(uint8_t* dst, std::size_t stride, const GlyphColumn& column, const BitColors& colors);
 };
 
+// A half-open range of rows or columns in the text's pixels.
 struct GlyphSpan {
   int32_t first, end;
 };
 
-// The pixels of a glyph's width or height that lie in [low, high). Ends beyond 32767 are cut there.
+// The part of [begin, begin + size), the columns or rows of a glyph, that lies in [low, high). Ends beyond 32767 are
+// cut there.
 constexpr GlyphSpan VisibleSpan(int32_t begin, int32_t size, int32_t low, int32_t high) {
   constexpr int32_t kFarthest = 32767;
-  if (size <= 0) return {low, low};  // a negative one could wrap to an end behind everything
+  if (size <= 0) return {low, low};  // the end of a negative size could wrap to a large number
   return {MaxOf(begin, low), std::min({WrapAdd(begin, size), kFarthest, high})};
 }
 
@@ -52,7 +55,8 @@ constexpr bool VisiblePart(const PlacedGlyph& glyph, const Rect& limits, Rect* p
   return true;
 }
 
-// What of the text's clip a glyph can reach on the band, in the text's pixels; may be empty.
+// The part of the clip in which glyphs are painted, in the text's pixels; may be empty. On a plain band it is cut to
+// the band here; on a resolution-mapping band pixels are compared with the band after they are mapped.
 inline Rect ReachedLimits(const BandView& band, const PlainMapping&, const Rect& limits) {
   Rect inside;
   RectIntersect(inside, limits, band.rect);
@@ -60,12 +64,12 @@ inline Rect ReachedLimits(const BandView& band, const PlainMapping&, const Rect&
 }
 inline Rect ReachedLimits(const BandView&, const KeptMapping&, const Rect& limits) { return limits; }
 
-// limits: reached ones. A glyph is painted column by column of its bytes.
+// Paints the part of a glyph that lies inside `limits`, which come from ReachedLimits.
 void PaintGlyph(const BandView& band, const PlainMapping& mapping, const BitPainter& painter, const Rect& limits,
                 const PlacedGlyph& glyph);
 
-// The resolution-mapping device: limits are in page pixels; rows are rounded onto the band, columns kept or
-// dropped by its table.
+// The same on the resolution-mapping device, with limits in page pixels. Rows are mapped by rounding, several to one
+// band row if need be; columns are kept or dropped by the table of the mapping.
 void PaintGlyph(const BandView& band, const KeptMapping& mapping, const BitPainter& painter, const Rect& limits,
                 const PlacedGlyph& glyph);
 

@@ -1,5 +1,6 @@
-// The layout of a run of characters: which glyph stands where, how far the run advances, and how the
-// justification pixels fall on its break characters. What paints a glyph is the caller's.
+// Lays out a run of characters: where each glyph stands, how far the run advances, and how the extra pixels of
+// justified text are distributed over its break characters. The caller passes the function that paints a glyph. Widths,
+// heights and advances are in the text's pixels.
 #pragma once
 
 #include <cstdint>
@@ -9,32 +10,33 @@
 
 namespace qnv {
 
-// Where a one-bit glyph goes, device coordinates.
+// A glyph and its place, origin added.
 struct PlacedGlyph {
   const uint8_t* bits;  // columns of 8 pixels, `height` bytes each
-  int32_t x, y;
+  int32_t x, y;         // top left
   int32_t width, height;
 };
 
-// What of a draw mode a run needs.
+// The fields of a draw mode that distribute extra pixels.
 struct Justification {
-  int16_t breakExtra;  // TBreakExtra
-  int16_t breakCount;
-  int16_t characterExtra;
-  int16_t* breakError;  // read, and written by a measuring run
+  int16_t breakExtra;      // TBreakExtra: pixels to distribute over the line
+  int16_t breakCount;      // break characters of the line
+  int16_t characterExtra;  // added after every character
+  int16_t* breakError;     // remainder from the run before; updated only by a measuring run
 };
 
-// Paints nothing: a run whose glyphs cannot be seen still advances.
+// For runs whose glyphs cannot be seen: they still advance.
 struct NoGlyphs {
   void operator()(const PlacedGlyph&) const {}
 };
 
-// Result of a measuring run.
+// The result of a measuring run: the height in the upper 16 bits, the low 16 bits of the advance in the lower.
 constexpr int32_t TextExtent(int32_t height, int32_t advance) {
   return static_cast<int32_t>(static_cast<uint32_t>(height) << 16 | (static_cast<uint32_t>(advance) & 0xFFFF));
 }
 
-// One-byte characters. count > 0 draws; 0 and below measure over |count|.
+// A run of one-byte characters at (x, y). count > 0 draws them and returns the advance cut to 16 bits; 0 and below
+// measure |count| characters and return the extent.
 template <class PaintGlyph>
 int32_t RunOneByte(const FontRecord& font, const uint8_t* string, int32_t count, int32_t x, int32_t y,
                    const Justification& justification, PaintGlyph paint) {
@@ -47,9 +49,10 @@ int32_t RunOneByte(const FontRecord& font, const uint8_t* string, int32_t count,
                                ? static_cast<int16_t>(justification.breakExtra / justification.breakCount)
                                : int16_t{0};
   const int16_t rest = static_cast<int16_t>(justification.breakExtra - justification.breakCount * quotient);
-  int16_t error = *justification.breakError;
+  int16_t error = *justification.breakError;  // when it falls below 1, a break gets one more pixel
   int32_t total = 0;
   int32_t walked = n;
+  // Where every step is the same and nothing is painted, the advance is a product.
   const bool equalSteps = !font.IsVariablePitch() && justification.breakExtra == 0;
   if (equalSteps && (!drawing || std::is_same_v<PaintGlyph, NoGlyphs>)) {
     walked = 0;
@@ -77,8 +80,9 @@ int32_t RunOneByte(const FontRecord& font, const uint8_t* string, int32_t count,
   return TextExtent(font.Height(), total);
 }
 
-// Two-byte characters: the code is the table index, widths are the table's, nothing is justified. Intended:
-// a glyph counts as left of the page by `firstCharWidth`, not by its own width.
+// A run of two-byte characters. The code is the index into the character table, widths are those of the table, and
+// nothing is justified. Intended: whether a glyph lies left of the page is decided by `firstCharWidth`, not by its own
+// width.
 template <class PaintGlyph>
 int32_t RunTwoByte(const FontRecord& font, const uint8_t* string, int32_t count, int32_t x, int32_t y,
                    int16_t firstCharWidth, int16_t* breakError, PaintGlyph paint) {

@@ -1,4 +1,5 @@
-// What the options of a text call make of its clip and its opaque rectangle, in caller coordinates.
+// The rectangles of a text call, in caller coordinates: what clips its glyphs and what is filled before them, as its
+// clip, opaque rectangle and options determine.
 #pragma once
 
 #include "raster/rect.h"
@@ -7,10 +8,10 @@
 namespace qnv {
 
 struct TextClip {
-  bool clips = false;
-  Rect clip{};  // of the glyphs
-  bool fills = false;
-  Rect opaque{};  // to be filled before the glyphs are painted; may be empty
+  bool clips = false;  // glyphs are limited to `clip`
+  Rect clip{};
+  bool fills = false;  // `opaque` is filled before the glyphs are painted
+  Rect opaque{};       // may be empty
 };
 
 // ETO_CLIPPED narrows the clip to the opaque rectangle, ETO_OPAQUE fills what the clip leaves of that rectangle.

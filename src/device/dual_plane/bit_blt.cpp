@@ -1,3 +1,4 @@
+// Bit-block transfers of the dual-plane device: the tags of the painted pixels, then the transfer itself.
 #include "device/dual_plane/dual_plane_device.h"
 
 namespace qnv {

@@ -1,3 +1,5 @@
+// The dual-plane device is a plain 24-bit device that owns two more: one paints its color band, the other its tag
+// plane. Both follow every escape that changes the origin or the place of the band.
 #include "device/dual_plane/dual_plane_device.h"
 
 namespace qnv {
@@ -35,10 +37,11 @@ uint16_t DualPlaneDevice::Control(uint16_t code, const void* data) {
 }
 
 void DualPlaneDevice::ClearBand() {
-  // Intended: three bytes a pixel whatever the described depth.
+  // Intended: three bytes a pixel even when another depth is described.
   const int32_t width = static_cast<int32_t>(state_.description.width);
   ClearWords(state_.buffer, WrapMultiply(WrapAdd(width, 1), 3) / 4, state_.description.height, 0xFF);
   ClearWords(tagBuffer_, WrapAdd(width, 3) / 4, state_.description.height, QNV_TAG_GRAPHICS);
+  // From here to the next image every tag is QNV_TAG_GRAPHICS, so that nothing has to be tagged.
   if (tagBuffer_ != nullptr) planeUniform_ = true;
 }
 

@@ -12,7 +12,7 @@ namespace qnv {
 
 class DualPlaneDevice : public RasterDevice24 {
  public:
-  // Without bands: knows its size and nothing else.
+  // Without bands: enough for GetDeviceInfo, not for drawing.
   explicit DualPlaneDevice(const DeviceDescription& description);
   DualPlaneDevice(const DeviceDescription& description, const BandRect& bandRect, void* buffer, void* secondBuffer);
   ~DualPlaneDevice() override;
@@ -28,20 +28,21 @@ class DualPlaneDevice : public RasterDevice24 {
  protected:
   void ClearBand() override;
   PixelReach Reach(const Rect& clip) const override;
-  // Images are marked with the image tag.
+  // Tags the destination of an image with QNV_TAG_IMAGE.
   bool MarkImage(const BltArguments& a) override;
 
  private:
-  // Each of these marks what a call paints; nothing is marked while the plane holds the graphics tag alone. False when
-  // it cannot be told what is painted: the call is to be refused then.
+  // Each of these tags the pixels that a call is about to paint. Nothing is done while no image has
+  // been painted since the last clear, because every tag is the graphics tag then.
+  // False when the pixels cannot be determined, as for an unknown brush style: the call is then refused.
   bool TagOutput(const OutputArguments& a);
   bool TagText(const TextArguments& a);
   bool TagTransfer(const BltArguments& a);
 
-  bool planeUniform_ = true;
-  RasterDevice24* colorDevice_ = nullptr;  // owned
-  TagDevice* tagDevice_ = nullptr;         // owned
-  uint8_t* tagBuffer_ = nullptr;           // the host's
+  bool planeUniform_ = true;               // no image since the last clear: every tag is QNV_TAG_GRAPHICS
+  RasterDevice24* colorDevice_ = nullptr;  // paints the color band; owned
+  TagDevice* tagDevice_ = nullptr;         // paints the tag plane; owned
+  uint8_t* tagBuffer_ = nullptr;           // memory of the tag plane, owned by the host
 };
 
 }  // namespace qnv

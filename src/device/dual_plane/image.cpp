@@ -1,3 +1,4 @@
+// Images of the dual-plane device: the plain device walks their rows and calls these to tag and to paint each one.
 #include "device/dual_plane/dual_plane_device.h"
 
 namespace qnv {

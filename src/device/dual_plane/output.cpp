@@ -1,3 +1,5 @@
+// Spans of the dual-plane device: the same list is painted into the tag plane with a brush that carries the graphics
+// tag where the figure puts ink, then into the color band.
 #include "device/dual_plane/dual_plane_device.h"
 #include "device/dual_plane/tag_brushes.h"
 #include "device/dual_plane/tag_rules.h"
@@ -6,8 +8,8 @@
 namespace qnv {
 namespace {
 
-// The cells of a hatch or pattern that put ink on the paper; the others must leave the tag plane alone, so
-// the brush is a hatch with gaps there.
+// A hatch whose lines are the cells of `brush` that put ink on the paper. The other cells are its gaps, which leave the
+// tag plane alone. paper: the color that the operation paints without effect.
 PhysicalBrush InkBrush(const PhysicalBrush& brush, const DRAWMODE& drawMode, uint32_t paper) {
   const bool backgroundInk = drawMode.bkColor != paper;
   const bool textInk = drawMode.TextColor != paper;
@@ -20,9 +22,10 @@ PhysicalBrush InkBrush(const PhysicalBrush& brush, const DRAWMODE& drawMode, uin
   });
 }
 
-// What a figure is marked with.
+// Whether a figure changes tags, and how.
 enum class Marking : uint8_t { kNothing, kBrush, kRefused };
 
+// The brush that tags a figure painted with `brush` under a rule; written to *result for Marking::kBrush only.
 Marking MakeMarkingBrush(const PhysicalBrush& brush, const DRAWMODE& drawMode, TagRule rule, PhysicalBrush* result) {
   if (rule != TagRule::kAlways) {
     const uint32_t paper = SkipColor(rule);
@@ -53,7 +56,7 @@ bool DualPlaneDevice::TagOutput(const OutputArguments& a) {
   if (style == SpanStyle::kBracket) return true;
   if (style == SpanStyle::kUnknown) return false;
   if (a.pen != nullptr && a.pen->style == PS_NULL) return true;
-  // Without a draw mode nothing tells how the figure is painted: it keeps the tags.
+  // Without a draw mode the operation is that of an earlier call, and the tags stay as they are.
   if (a.drawMode == nullptr) return true;
   const TagRule rule = TagRuleOfRop2(static_cast<uint8_t>(a.drawMode->Rop2 - 1));
   if (rule == TagRule::kNever) return true;
@@ -70,7 +73,7 @@ bool DualPlaneDevice::TagOutput(const OutputArguments& a) {
   DRAWMODE mode = *a.drawMode;
   mode.Rop2 = R2_COPYPEN;
   mode.bkColor = TagColor(QNV_TAG_GRAPHICS);
-  // Opaque hatches have been made solid where all of them marks: gaps that are left do not mark.
+  // A hatch whose gaps are tagged too has become a solid brush above. Gaps that are left must stay untouched.
   mode.bkMode = TRANSPARENT;
   return tagDevice_->Output(OutputArguments{a.style, a.count, a.points, nullptr, &marking, &mode, a.clip}) != 0;
 }

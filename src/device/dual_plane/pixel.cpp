@@ -1,3 +1,4 @@
+// Single pixels of the dual-plane device.
 #include "device/dual_plane/dual_plane_device.h"
 #include "device/dual_plane/tag_plane.h"
 #include "device/dual_plane/tag_rules.h"
@@ -15,7 +16,8 @@ uint32_t DualPlaneDevice::Pixel(int32_t x, int32_t y, const PixelArguments& a) {
   return colorDevice_->Pixel(x, y, a);
 }
 
-// Tags left of or above 0 widen the clip, and an all-zero clip does not hold them: only the band limits.
+// Tags may reach pixels outside the clip: coordinates left of or above 0 widen it, and a clip of four zeros does not
+// limit tags. So PolyPixel visits everything in the band.
 PixelReach DualPlaneDevice::Reach(const Rect&) const {
   const bool hasMemory = state_.buffer != nullptr || tagBuffer_ != nullptr;
   const Rect limits = hasMemory ? state_.bandRect : Rect{0, 0, 0, 0};

@@ -1,3 +1,4 @@
+// Makes brushes for the tag plane from the brushes of drawing calls.
 #include "device/dual_plane/tag_brushes.h"
 
 #include "color/color_forms.h"

@@ -1,4 +1,5 @@
-// Brushes for the tag plane, made from the brush of a call: they carry a tag instead of a color.
+// Brushes for the tag plane, made from the brush of a call. The tag stands where the color did, so that the code that
+// paints an 8-bit band also writes tags.
 #pragma once
 
 #include <cstdint>
@@ -8,14 +9,15 @@
 
 namespace qnv {
 
+// A tag as a color.
 constexpr uint32_t TagColor(uint8_t tag) { return tag * 0x010101u; }
 
-// A brush that paints the tag wherever `brush` paints at all (null: everywhere): hatches on a transparent
-// background keep their gaps. False for a style above 3.
+// Writes to *result a brush that paints the tag wherever `brush` paints anything; a null brush paints everywhere. The
+// gaps of a hatch on a transparent background stay gaps. False for a style above 3.
 bool MakeTagBrush(const PhysicalBrush* brush, const DRAWMODE& drawMode, uint8_t tag, PhysicalBrush* result);
 
-// A brush of style `style` with 64 cells chosen by paints(cell): `painting` where true, `other` elsewhere.
-// Hatch and scale are the brush's own, so that both tile alike.
+// A brush with the given style and depth whose cells are `painting` where paints(cell of `brush`) is true and `other`
+// elsewhere. Hatch number and scale are copied, so that both brushes have the same period.
 template <class Paints>
 PhysicalBrush MakeCellBrush(const PhysicalBrush& brush, uint16_t style, uint16_t depth, uint32_t painting,
                             uint32_t other, Paints paints) {

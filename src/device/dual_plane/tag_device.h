@@ -1,4 +1,4 @@
-// The 8-bit device that paints the tag plane with the ordinary code.
+// The tag plane as a device: an 8-bit band that the code of plain devices paints.
 #pragma once
 
 #include "device/dual_plane/tag_plane.h"
@@ -6,12 +6,13 @@
 
 namespace qnv {
 
+// Adds access to the plane for tags that no drawing call writes.
 class TagDevice : public RasterDevice8 {
  public:
   using RasterDevice8::RasterDevice8;
 
   TagPlane Plane() { return {state_.Paint(), Band()}; }
-  // For coordinates that hold the origin already.
+  // For calls whose coordinates have the origin added already.
   TagPlane PlaneWithoutOrigin() { return {state_.PaintWithoutOrigin(), Band()}; }
 };
 

@@ -1,3 +1,5 @@
+// Writes the tags of bit-block transfers. Which source pixels or brush cells count as painting is decided by a color
+// that does not, the skip color of the operation's rule.
 #include "device/dual_plane/tag_plane.h"
 
 #include <cstring>
@@ -12,19 +14,20 @@
 namespace qnv {
 namespace {
 
-constexpr uint32_t kReplaceMasked = 0x00E20746;  // where S is 1 the pattern, else the destination
+constexpr uint32_t kReplaceMasked = 0x00E20746;  // the pattern where the source is 1, else the destination
 constexpr uint32_t kAndPattern = 0x00A000C9;
 constexpr uint32_t kOrPattern = 0x00FA0089;
 
-// An edge of the clip that is 0 does not limit.
+// The clip with the origin added. Intended: an edge that the host passes as 0 does not limit.
 Rect OpenEdges(const Rect& clip, Origin origin) {
   const Rect shifted = Shifted(clip, origin.x, origin.y);
   return {clip.left != 0 ? shifted.left : INT32_MIN, clip.top != 0 ? shifted.top : INT32_MIN,
           clip.right != 0 ? shifted.right : INT32_MAX, clip.bottom != 0 ? shifted.bottom : INT32_MAX};
 }
 
+// Tags the pixels of a 24-bit source that are not of the skip color.
 void TagFromPixels(const TagPlane& plane, uint8_t tag, const BltArguments& a, uint32_t skip) {
-  // Turned inside out it could wrap to a rectangle that holds everything.
+  // With a negative size the rectangle below could wrap to one that contains everything.
   if (a.source->bmWidth <= 0 || a.source->bmHeight <= 0) return;
   const BandView& band = plane.band;
   const Origin origin = plane.paint.origin;
@@ -41,13 +44,14 @@ void TagFromPixels(const TagPlane& plane, uint8_t tag, const BltArguments& a, ui
   for (int32_t row = area.top; row < area.bottom; ++row) {
     const uint8_t* const pixel =
         bits + std::ptrdiff_t{row - source.top} * a.source->bmWidthBytes + std::ptrdiff_t{area.left - source.left} * 3;
-    // What does not paint is black or white: its three bytes are the same.
+    // The skip color is black or white, so one byte stands for all three.
     plane.paint.rows.image->MarkRow24(band.At(area.left, row), pixel, static_cast<std::size_t>(area.right - area.left),
                                       static_cast<uint8_t>(skip), tag);
   }
 }
 
-// A one-bit source paints where its color is not the skip color: a transfer of the tag through the source.
+// Tags the pixels of a one-bit source whose color is not the skip color: a transfer that writes the tag through the
+// source as a mask.
 void TagFromBits(const TagPlane& plane, uint8_t tag, const BltArguments& a, uint32_t skip) {
   DRAWMODE mode = *a.drawMode;
   mode.bkColor = a.drawMode->bkColor != skip ? kWhite : 0;
@@ -62,7 +66,8 @@ void TagFromBits(const TagPlane& plane, uint8_t tag, const BltArguments& a, uint
   BitBlt8(plane.paint, plane.band, tagging);
 }
 
-// Transfers read no mask: the first pass clears the painting cells, the second writes the tag into them.
+// Tags the pixels whose brush cell is not of the skip color. A transfer cannot leave single cells out, so it takes two:
+// the first clears the tags of the painting cells with AND, the second sets them with OR.
 void TagFromCells(const TagPlane& plane, uint8_t tag, const BltArguments& a, uint32_t skip) {
   const bool backgroundPaints = a.drawMode->bkColor != skip;
   const PhysicalBrush cells = MakeCellBrush(*a.brush, BS_PATTERN, 1, kWhite, 0, [=](uint32_t cell) {
@@ -104,9 +109,9 @@ void FillTagRect(const TagPlane& plane, uint8_t value, int32_t x, int32_t y, int
 
 namespace {
 
-// Tags the destination pixels of a transfer whose source pixel is not of the skip color. False for a source
-// that is neither one plane of 24 bits nor one of one bit. What cannot be read (a null source, a one-bit one
-// without draw mode) is not painted and not tagged.
+// Tags the destination pixels whose source pixel is not of the skip color. False for a source that has neither 24 bits
+// nor one bit in a single plane. A source that cannot be read (null, or one-bit without a draw mode) is not painted
+// either, so nothing is tagged.
 bool TagFromSource(const TagPlane& plane, uint8_t tag, const BltArguments& a, uint32_t skip) {
   if (a.source == nullptr) return true;
   const bool oneBit = a.source->bmBitsPixel == 1;
@@ -120,8 +125,8 @@ bool TagFromSource(const TagPlane& plane, uint8_t tag, const BltArguments& a, ui
   return true;
 }
 
-// Tags the destination pixels whose brush cell is not of the skip color. False for a style above 3. Nothing
-// is tagged without a brush, or for a hatch or pattern without the draw mode that colors it.
+// Tags the destination pixels whose brush cell is not of the skip color. False for a style above 3. Nothing is tagged
+// without a brush, or for a hatch or pattern without the draw mode that gives it its colors.
 bool TagFromBrush(const TagPlane& plane, uint8_t tag, const BltArguments& a, uint32_t skip) {
   if (a.brush == nullptr) return true;
   switch (a.brush->style) {

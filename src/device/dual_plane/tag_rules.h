@@ -1,5 +1,5 @@
-// When painting replaces what a pixel shows, so that its tag must change. Operations that keep, invert or
-// merely combine the old value leave the old tag; some do so only for one color.
+// Which raster operations change tags. A tag changes when painting replaces what a pixel shows. Operations that keep,
+// invert or only combine the old value leave the tag as it is; some of them do so for one color alone, white or black.
 #pragma once
 
 #include <cstdint>
@@ -8,6 +8,7 @@
 
 namespace qnv {
 
+// When an operation between a pen or brush color and the band changes the tag.
 enum class TagRule : uint8_t {
   kNever,
   kUnlessWhite,  // white keeps or inverts the old value
@@ -15,7 +16,7 @@ enum class TagRule : uint8_t {
   kAlways,
 };
 
-// truth: a binary raster operation's code - 1. An operation and its inverse are ruled alike.
+// The rule of a binary raster operation. truth: its code - 1. An operation and its inverse have the same rule.
 constexpr TagRule TagRuleOfRop2(uint32_t truth) {
   switch (truth < 8 ? 15 - truth : truth) {
     case 9:
@@ -28,10 +29,10 @@ constexpr TagRule TagRuleOfRop2(uint32_t truth) {
   }
 }
 
-// The color that does not paint. Requires: a rule with a color.
+// The color that leaves the tag alone. Requires: kUnlessWhite or kUnlessBlack.
 constexpr uint32_t SkipColor(TagRule rule) { return rule == TagRule::kUnlessWhite ? kWhite : 0; }
 
-// What decides the tags of a bit-block transfer.
+// Which pixels of its destination a bit-block transfer tags.
 enum class TagAction : uint8_t {
   kNothing,
   kFill,             // the whole destination
@@ -42,11 +43,12 @@ enum class TagAction : uint8_t {
 
 struct TransferTagRule {
   TagAction action;
-  bool takesTag;  // the caller's tag; else always the graphics tag
+  bool takesTag;  // writes the tag of the call; else always the graphics tag
   uint32_t skip;  // color of source pixels or brush cells that do not paint
 };
 
-// Intended: rows without takesTag write the graphics tag for images too.
+// The rule of a ternary raster operation. An operation and its inverse have the same rule. Intended: those without
+// takesTag write the graphics tag for images too.
 constexpr TransferTagRule TagRuleOfRop3(uint8_t index) {
   switch (index < 0x80 ? static_cast<uint8_t>(~index) : index) {
     case 0x88:                                                      // D and S

@@ -1,3 +1,4 @@
+// Text of the dual-plane device: the glyphs are painted into the tag plane too, with the graphics tag as their color.
 #include "device/dual_plane/dual_plane_device.h"
 #include "device/dual_plane/tag_brushes.h"
 #include "device/dual_plane/tag_plane.h"
@@ -15,7 +16,7 @@ bool DualPlaneDevice::TagText(const TextArguments& a) {
     FillTagRect(tagDevice_->Plane(), QNV_TAG_GRAPHICS, opaque.left, opaque.top, WrapSubtract(opaque.right, opaque.left),
                 WrapSubtract(opaque.bottom, opaque.top), Rect{0, 0, 0, 0});
   }
-  // Intended: the background of opaque cells is no ink; its tag becomes 0.
+  // Intended: the background of opaque character cells gets the tag 0.
   DRAWMODE mode = *a.drawMode;
   mode.bkColor = 0;
   mode.TextColor = TagColor(QNV_TAG_GRAPHICS);

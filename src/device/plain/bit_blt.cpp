@@ -1,3 +1,4 @@
+// Bit-block transfers of the plain devices.
 #include "raster/bit_blt.h"
 
 #include "device/plain/raster_device.h"

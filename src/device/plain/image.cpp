@@ -1,3 +1,5 @@
+// Images of the plain devices, and of the dual-plane device, which derives from them: SRCCOPY converts rows straight
+// into the band, ROP_MINIMUM merges them with it, and every other raster code transfers them row by row.
 #include "device/plain/raster_device.h"
 #include "image/image_rows.h"
 #include "raster/bit_blt.h"
@@ -11,6 +13,7 @@ uint16_t RasterDevice::StretchDIBits(const ImageArguments& a) {
   const ImageMode mode = ImageModeOf(a.rop);
   if (mode == ImageMode::kCopy) {
     const Rect& area = transfer.Clipped();
+    // The whole destination as one transfer, for its tags; its source is not read.
     const BltArguments whole{area.left, area.top, nullptr,    area.left, 0, transfer.Width(), area.bottom - area.top,
                              SRCCOPY,   a.brush,  a.drawMode, &kNoClip};
     if (!MarkImage(whole)) return 0;

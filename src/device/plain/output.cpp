@@ -1,3 +1,4 @@
+// Spans of the plain devices.
 #include "output/output.h"
 
 #include "device/plain/raster_device.h"

@@ -1,3 +1,4 @@
+// Single pixels of the plain devices: a band pixel is a page pixel.
 #include "device/plain/raster_device.h"
 #include "raster/single_pixel.h"
 

@@ -1,3 +1,4 @@
+// The plain devices: construction, clearing, and the view of their band.
 #include "device/plain/raster_device.h"
 
 #include "color/pens_and_brushes.h"
@@ -33,6 +34,7 @@ BandView RasterDevice::BandOf(uint32_t bytesPerPixel) const {
   if (state_.buffer == nullptr) {
     band.rect = Rect{0, 0, 0, 0};
   } else if (bytesPerPixel > DescribedBytes()) {
+    // The host allocated the band for fewer bytes a pixel: only what lies in that memory is painted.
     const Rect memory{band.rect.left, band.rect.top,
                       WrapAdd(band.rect.left, static_cast<int32_t>(state_.stride / bytesPerPixel)),
                       WrapAdd(band.rect.top, static_cast<int32_t>(state_.description.height))};

@@ -1,4 +1,5 @@
-// The plain devices: a 24-bit or an 8-bit band, painted pixel for pixel.
+// The plain devices: a band of 24 bits (blue, green, red) or 8 bits (gray) a pixel at the resolution of the page, so
+// that a page pixel is a band pixel.
 #pragma once
 
 #include <cstdint>
@@ -10,9 +11,9 @@ namespace qnv {
 
 class RasterDevice : public Device {
  public:
-  // Without a band: knows its size and nothing else.
+  // Without a band: enough for GetDeviceInfo, not for drawing.
   explicit RasterDevice(const DeviceDescription& description);
-  // buffer: the host's, may be null.
+  // buffer: memory of the band, owned by the host; null paints nothing.
   RasterDevice(const DeviceDescription& description, const BandRect& bandRect, void* buffer);
 
   void Enable(const BandRect& bandRect) override;
@@ -21,12 +22,13 @@ class RasterDevice : public Device {
   uint16_t StretchDIBits(const ImageArguments& a) override;
   uint32_t Pixel(int32_t x, int32_t y, const PixelArguments& a) override;
 
-  // Paints a row of an image as a transfer: coordinates with the origin added, source pixels in the band's order.
+  // Paints one row of an image by a transfer whose coordinates have the origin added and whose source pixels are in the
+  // band's byte order.
   virtual void PaintImageRow(const BltArguments& row) = 0;
 
-  // The band in pixels of the described depth ...
+  // The band, seen in pixels of the described depth.
   BandView Band() const { return BandOf(DescribedBytes()); }
-  // ... or of another: then only so much of it as the described memory holds.
+  // The band, seen in pixels of another depth; limited to what lies in memory of the described size.
   BandView BandOf(uint32_t bytesPerPixel) const;
 
  protected:
@@ -34,10 +36,11 @@ class RasterDevice : public Device {
   uint8_t HatchScale() const override;
   void ClearBand() override;
   PixelReach Reach(const Rect& clip) const override;
-  // Called before a part of an image is painted, with the transfer that stands for it: coordinates with the origin
-  // added. False refuses the image.
+  // Called before an image, or one row of it, is painted, with the transfer that does so; its coordinates have the
+  // origin added. The dual-plane device writes tags here. False ends the image, whose result is then 0.
   virtual bool MarkImage(const BltArguments& /*a*/) { return true; }
 
+  // Bytes a pixel.
   uint32_t DescribedBytes() const { return state_.Is24() ? 3 : 1; }
 };
 

@@ -1,4 +1,4 @@
-// The page size at another resolution.
+// The size of a page, in pixels, at another resolution, as the plain devices report it.
 #pragma once
 
 #include <cstdint>
@@ -7,7 +7,7 @@
 
 namespace qnv {
 
-// value x b / a, truncated, in 32-bit steps; 0 on overflow, and for a zero resolution a.
+// value x b / a, truncated. Computed with 32-bit numbers, whole units of a first; 0 on overflow or when a is 0.
 constexpr uint32_t ScaledSize(uint32_t value, uint16_t a, uint16_t b) {
   if (a == 0) return 0;
   const uint32_t quotient = value / a;
@@ -16,6 +16,7 @@ constexpr uint32_t ScaledSize(uint32_t value, uint16_t a, uint16_t b) {
   return product + value % a * b / a;
 }
 
+// The described size, scaled from resolution A to B.
 constexpr DeviceSize ScaledDeviceSize(const DeviceDescription& d) {
   return {ScaledSize(d.width, d.resolutionA, d.resolutionB), ScaledSize(d.height, d.resolutionA, d.resolutionB)};
 }

@@ -1,3 +1,4 @@
+// Text of the plain devices.
 #include "device/plain/raster_device.h"
 #include "text/ext_text_out.h"
 

@@ -1,3 +1,5 @@
+// Images of the resolution-mapping device: SRCCOPY writes the rows and columns that the band keeps, other raster codes
+// transfer each row in page coordinates.
 #include "device/scaled/scaled_raster_device.h"
 #include "image/image_rows.h"
 #include "image/kept_row_copier.h"
@@ -10,7 +12,7 @@ uint16_t ScaledRasterDevice::StretchDIBits(const ImageArguments& a) {
   const KeptMapping mapping = Mapping();
   const Rect bandInPage = mapping.CallerRect(state_.bandRect);
   ImageTransfer transfer(state_.imageBuffers);
-  // Transfers of this device take red, green and blue.
+  // Transfers on this device take their sources in the order red, green, blue.
   const PixelTarget target = ImageModeOf(a.rop) == ImageMode::kBitBlt ? PixelTarget::kSource24 : PixelTarget::kBand24;
   if (!transfer.Prepare(state_.Paint(), bandInPage, target, a)) return 0;
   const bool gray = IsGrayMode();
@@ -39,7 +41,7 @@ uint16_t ScaledRasterDevice::StretchDIBits(const ImageArguments& a) {
   const uint32_t bitmapWidth = static_cast<uint32_t>(map_.MapToPage(static_cast<int32_t>(state_.description.width)));
   return FeedRows(
       transfer, bitmapWidth, 3, a.rop, a,
-      // Rows are made gray here, not once more by every transfer.
+      // A row is made gray once here, so the transfers need not do it again for each destination row.
       [&](uint8_t* pixels, std::size_t count) {
         if (gray) state_.rows->image->RegrayRow24(pixels, count);
       },

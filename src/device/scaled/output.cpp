@@ -1,3 +1,4 @@
+// Spans of the resolution-mapping device.
 #include "output/output.h"
 
 #include "device/scaled/scaled_raster_device.h"

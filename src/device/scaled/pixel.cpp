@@ -1,3 +1,4 @@
+// Single pixels of the resolution-mapping device: the clip applies in page pixels, the band in band pixels.
 #include "device/scaled/scaled_raster_device.h"
 #include "raster/single_pixel.h"
 
@@ -25,8 +26,9 @@ PixelReach ScaledRasterDevice::Reach(const Rect& clip) const {
 
 void ScaledRasterDevice::RepeatPixel(int32_t x, int32_t y, uint64_t times, const PixelArguments& a) {
   if (!IsGrayMode()) return Device::RepeatPixel(x, y, times, a);
-  // A gray level depends on the one before it alone. When one comes back the levels between repeat.
-  uint16_t seenAt[256] = {};  // time after which a level stood there
+  // Each write turns the gray level of the pixel into another that depends on the old one only. As soon as a level has
+  // occurred before, the sequence repeats, and whole periods can be left out.
+  uint16_t seenAt[256] = {};  // the last write that resulted in a level, 0: none
   for (uint64_t time = 1; time <= times; ++time) {
     Pixel(x, y, a);
     uint16_t& seen = seenAt[Pixel(x, y, PixelArguments{0, nullptr, a.clip}) & 0xFF];

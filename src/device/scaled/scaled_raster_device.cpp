@@ -1,3 +1,4 @@
+// The resolution-mapping device: construction, clearing, and the view of its band.
 #include "device/scaled/scaled_raster_device.h"
 
 namespace qnv {

@@ -1,5 +1,5 @@
-// The resolution-mapping device: calls come in page pixels of resolution A, the band is kept at resolution B,
-// always three bytes a pixel. A described depth of 0 is its gray mode.
+// The resolution-mapping device: drawing calls use page pixels at resolution A, the band holds pixels at resolution B,
+// always three bytes each. A described depth of 0 selects gray mode, in which every painted pixel becomes gray.
 #pragma once
 
 #include <cstdint>
@@ -13,7 +13,7 @@ namespace qnv {
 
 class ScaledRasterDevice : public Device {
  public:
-  // Without a band and without mapping tables: knows its size and nothing else.
+  // Without a band and without mapping tables: enough for GetDeviceInfo, not for drawing.
   explicit ScaledRasterDevice(const DeviceDescription& description);
   ScaledRasterDevice(const DeviceDescription& description, const BandRect& bandRect, void* buffer);
 
@@ -33,14 +33,16 @@ class ScaledRasterDevice : public Device {
   void RepeatPixel(int32_t x, int32_t y, uint64_t times, const PixelArguments& a) override;
 
  private:
-  // What is written becomes gray in place afterwards.
+  // In gray mode pixels are painted in color first and then replaced by their gray level.
   bool IsGrayMode() const { return state_.description.bitsPerPixel == 0; }
 
+  // The band in its own pixels.
   BandView Band() const;
+  // From page pixels to band pixels.
   KeptMapping Mapping() const { return {&map_}; }
 
   CoordinateMap map_;
-  bool hasTables_ = false;
+  bool hasTables_ = false;  // map_ has been built
 };
 
 }  // namespace qnv

@@ -1,3 +1,4 @@
+// Text of the resolution-mapping device: laid out and clipped in page pixels.
 #include "device/scaled/scaled_raster_device.h"
 #include "raster/mul_div.h"
 #include "text/ext_text_out.h"
@@ -5,7 +6,7 @@
 namespace qnv {
 
 int32_t ScaledRasterDevice::ExtTextOut(const TextArguments& a) {
-  // Intended: the edges of the band count with 16 bits here.
+  // Intended: only the low 16 bits of the edges of the band are used here.
   const auto toPage = [this](int32_t v) { return MulDiv(static_cast<int16_t>(v), map_.a(), map_.b()); };
   const BandView band = Band();
   const KeptMapping mapping = Mapping();

@@ -1,5 +1,6 @@
-// What the eight bits of a byte select: for each value of the byte a mask of eight pixels, the most significant bit
-// leftmost. The tables are data that all instruction sets share.
+// Tables that turn eight bits into a mask of eight pixels: for each value of a byte, 0xFF in every byte of the pixels
+// whose bits are set, the most significant bit leftmost. They are data, so the levels of all instruction sets share
+// them.
 #pragma once
 
 #include <cstddef>
@@ -9,7 +10,7 @@ namespace qnv {
 
 template <std::size_t kBytesPerPixel>
 struct PixelMaskTable {
-  // One entry more than there are bytes: wide loads read past the last mask.
+  // One entry more than a byte has values, because vector loads read past the last mask.
   uint8_t mask[257][8 * kBytesPerPixel];
 };
 

@@ -14,8 +14,9 @@
 namespace qnv {
 namespace {
 
-// A rearrangement of a block: the source byte of each of its 96 destination bytes, counted from the block's first
-// source byte, kSourceBytes a pixel. A backward one reads the block's second half first.
+// Maps: for each of the 96 destination bytes of a block the source byte that goes there, counted from the first source
+// byte of the block. kSourceBytes: bytes of a source pixel. kBackward: the source of the row is read from its end, so
+// the second half of a block comes first.
 struct SwapMap {
   static constexpr bool kBackward = false;
   static constexpr std::ptrdiff_t kSourceBytes = 3;
@@ -42,9 +43,10 @@ struct Windows {
   std::ptrdiff_t low = 0, high = 0;
   alignas(32) uint8_t fromLow[32] = {};
   alignas(32) uint8_t fromHigh[32] = {};
-  bool complete = true;  // every byte is found
+  bool complete = true;  // the two loads contain every byte that is needed
 };
 
+// Computes the loads and shuffles of one of the three vectors of a block.
 template <class Map>
 constexpr Windows MakeWindows(std::ptrdiff_t vector) {
   constexpr uint8_t kNone = 0x80;
@@ -84,6 +86,7 @@ inline constexpr bool kStaysInside = [] {
   return true;
 }();
 
+// Stores one of the three vectors of a block.
 template <class Map, std::size_t kVector>
 void RearrangeVector(uint8_t* dst, const uint8_t* source) {
   constexpr const Windows& w = kWindows<Map>[kVector];
@@ -94,8 +97,8 @@ void RearrangeVector(uint8_t* dst, const uint8_t* source) {
   (Map::kBackward ? Vector32{_mm256_permute4x64_epi64(both.v, 0x4E)} : both).Store(dst + 32 * kVector);
 }
 
-// A row of at least kMinRearranged pixels. Where loads would read outside the block, the first and the last pixel are
-// left to edge(pixel of the destination).
+// Rearranges a row of at least kMinRearranged pixels. For maps whose loads reach outside a block, edge(i) is called to
+// store the first and the last pixel, so that no load leaves the source.
 template <class Map, class Edge>
 void RearrangeRow(uint8_t* dst, const uint8_t* source, std::size_t pixels, Edge edge) {
   constexpr std::size_t kEdge = kStaysInside<Map> ? 0 : 1;

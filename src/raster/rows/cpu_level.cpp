@@ -1,4 +1,5 @@
-// Asks the processor for the levels of the list, from the lowest up to the first that it does not have.
+// Detects the level: checks the list in levels.h from the lowest level on and stops at the first that the processor or
+// the operating system lacks.
 #include "raster/rows/cpu_level.h"
 
 #if defined(__x86_64__) || defined(__i386__)
@@ -14,14 +15,14 @@ struct CpuidRegisters {
   uint32_t a = 0, b = 0, c = 0, d = 0;
 };
 
-// All zero where the processor does not know the leaf.
+// The registers of a CPUID leaf; all zero when the processor does not have the leaf.
 CpuidRegisters Cpuid(uint32_t leaf) {
   CpuidRegisters r;
   if (__get_cpuid_count(leaf, 0, &r.a, &r.b, &r.c, &r.d) == 0) return {};
   return r;
 }
 
-// Whether the operating system saves these registers (bits of XCR0) when it switches threads.
+// Whether the operating system saves these registers when it switches threads. state: bits of XCR0.
 bool SystemSaves(uint32_t state) {
   if (state == 0) return true;
   constexpr uint32_t kNeeded = bit_OSXSAVE | bit_AVX;
@@ -31,7 +32,7 @@ bool SystemSaves(uint32_t state) {
   return (low & state) == state;
 }
 
-// What a level asks of the processor and the operating system.
+// What a level needs: bits of a CPUID register, and register sets that the operating system saves.
 struct LevelNeeds {
   CpuLevel level;
   uint32_t leaf;
@@ -67,7 +68,7 @@ CpuLevel ProcessorLevel() { return CpuLevel::kPlain; }
 CpuLevel DetectCpuLevel() {
   const CpuLevel level = ProcessorLevel();
 #if defined(QNV_HIGHEST_LEVEL)
-  // Builds for tests and comparisons stop at a level. What is delivered uses whatever the processor has.
+  // For tests and comparisons the library is also built with a highest level. The delivered library has no limit.
   return level < CpuLevel::QNV_HIGHEST_LEVEL ? level : CpuLevel::QNV_HIGHEST_LEVEL;
 #else
   return level;

@@ -1,4 +1,4 @@
-// Which level of row kernels the processor can run.
+// The levels of row kernels as an enumeration, and which of them this processor can run.
 #pragma once
 
 #include <cstddef>

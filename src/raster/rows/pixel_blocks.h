@@ -1,5 +1,5 @@
-// Rows in blocks of 32 pixels: three vectors of 24-bit pixels or one of 8-bit pixels. The last block of a row
-// overlaps the one before, so computing a pixel again must give the same bytes.
+// Loops over a row in blocks of 32 pixels: three 32-byte vectors of 24-bit pixels or one of 8-bit pixels. Blocks of a
+// row may overlap, so computing a pixel again must give the same bytes.
 #pragma once
 
 #include <cstddef>
@@ -12,16 +12,18 @@ namespace {
 
 inline constexpr std::size_t kBlockPixels = 32;
 
-// Pixels up to an aligned address, 1..32: the second block of a row begins there, so that the blocks after it do
-// not straddle cache lines.
+// The number of pixels from dst to an aligned address, 1..32. The second block of a row begins there, so that it and
+// the following ones do not straddle cache lines.
 template <std::size_t kBytesPerPixel>
 std::size_t PixelsToAlignment(const uint8_t* dst) {
   static_assert(kBytesPerPixel == 1 || kBytesPerPixel == 3);
-  constexpr std::size_t kInverse = kBytesPerPixel == 3 ? 11 : 1;  // 3 * 11 = 33
+  // Solves (dst + 3 * pixels) % 32 == 0 by the inverse of 3 modulo 32: 3 * 11 = 33.
+  constexpr std::size_t kInverse = kBytesPerPixel == 3 ? 11 : 1;
   return kBlockPixels - reinterpret_cast<uintptr_t>(dst) * kInverse % kBlockPixels;
 }
 
-// Calls block(first pixel) until [0, pixels) is covered. second: where the second block begins, 1..32.
+// Calls block(i) for the first pixel i of each block until all of [0, pixels) is covered. second: the pixel where the
+// second block begins, 1..32.
 // Requires: at least one block.
 template <class Block>
 void CoverWithBlocks(std::size_t pixels, std::size_t second, Block block) {
@@ -30,7 +32,7 @@ void CoverWithBlocks(std::size_t pixels, std::size_t second, Block block) {
   block(pixels - kBlockPixels);
 }
 
-// Four vectors of eight pixels, each pixel in the lower three bytes of four: 96 bytes.
+// Stores 32 pixels as 96 bytes. Each vector holds eight of them, a pixel in the lower three bytes of every four.
 inline void StoreBlock(uint8_t* dst, __m256i a, __m256i b, __m256i c, __m256i d) {
   const __m256i pack = _mm256_setr_epi8(0, 1, 2, 4, 5, 6, 8, 9, 10, 12, 13, 14, -1, -1, -1, -1,  //
                                         0, 1, 2, 4, 5, 6, 8, 9, 10, 12, 13, 14, -1, -1, -1, -1);

@@ -1,5 +1,6 @@
-// Row kernels of images: pixels of bitmap formats into band pixels, and stretching. The rules are those of
-// row_kernels.h; `pixels` counts pixels of the destination.
+// Row kernels of images: conversion of bitmap pixels to band pixels, gray levels, mirroring and stretching. The rules
+// of row_kernels.h apply; `pixels` counts pixels of the destination. "24" and "8" in a name are the bits of a
+// destination pixel, "16" and "32" those of a source pixel.
 #pragma once
 
 #include <cstddef>
@@ -19,14 +20,15 @@ struct ComponentMask {
   }
 };
 
-// In the order of the bytes that they become.
+// The masks of the components, in the order of the bytes of the converted pixel.
 struct PixelMasks {
   ComponentMask component[3];
 };
 
+// Bytes of a ShuffleGroup: one vector of a byte shuffle.
 inline constexpr std::size_t kGroupBytes = 16;
 
-// Destination bytes that lie close together in the source: byte i of the group is the source's byte from + bytes[i].
+// A group of destination bytes whose source bytes lie close together: byte i comes from source[from + bytes[i]].
 struct ShuffleGroup {
   uint8_t bytes[kGroupBytes];
   uint32_t from;
@@ -35,8 +37,8 @@ struct ShuffleGroup {
 // The type of each kernel, named like the kernel and its entry in the table.
 namespace kernel {
 
-// Palette indices of 8 and of 4 bits. table: packed colors (the low byte alone for 8-bit bands), 256 or 16 of them.
-// odd: the first pixel stands in the low half of *source.
+// Look palette indices of 8 or 4 bits up. table: 256 or 16 packed colors (for 8-bit bands the gray level in the low
+// byte). odd: the first pixel is the low half of *source.
 using ExpandBytesRow24 = void(uint8_t* dst, const uint8_t* source, std::size_t pixels, const uint32_t* table);
 using ExpandBytesRow8 = ExpandBytesRow24;
 using ExpandNibblesRow24 = void(uint8_t* dst, const uint8_t* source, bool odd, std::size_t pixels,
@@ -46,37 +48,39 @@ using ExpandNibblesRow8 = ExpandNibblesRow24;
 // 16-bit pixels into three bytes.
 using UnpackRow16 = void(uint8_t* dst, const uint8_t* source, std::size_t pixels, const PixelMasks& masks);
 
-// The first three bytes of every four, and the same in reverse order.
+// Keeps the first three bytes of every four; PackSwap also reverses their order.
 using PackRow32 = void(uint8_t* dst, const uint8_t* source, std::size_t pixels);
 using PackSwapRow32 = PackRow32;
 
-// Blue, green, red into gray: blue weighs 11.
+// Gray levels of blue, green, red pixels, weighted 11, 59, 30.
 using GrayRow24 = void(uint8_t* dst, const uint8_t* source, std::size_t pixels);
 
-// Replaces each pixel by its gray level; intended: the first byte, blue, weighs 30.
+// Replaces each pixel by a gray level in all three bytes. Intended: the first byte, blue, is weighted 30 and the last
+// 11.
 using RegrayRow24 = void(uint8_t* dst, std::size_t pixels);
-// A gray level into all three bytes.
+// Stores each source byte three times.
 using TripleRow24 = void(uint8_t* dst, const uint8_t* source, std::size_t pixels);
 
-// Writes `mark` for every pixel of three bytes that are not all `skip`.
+// For every source pixel whose three bytes are not all `skip`, sets its byte in `marks` to `mark`; the others stay.
 using MarkRow24 = void(uint8_t* marks, const uint8_t* source, std::size_t pixels, uint8_t skip, uint8_t mark);
 
-// Last pixel first.
+// The pixels in reverse order.
 using ReverseRow24 = void(uint8_t* dst, const uint8_t* source, std::size_t pixels);
 using ReverseRow8 = ReverseRow24;
 
-// Each source pixel `factor` times, 2, 4 or 8; the last source pixel may stand for fewer. kGroupBytes past the source
-// may be read.
+// Stores each source pixel `factor` times, which is 2, 4 or 8; the last one perhaps fewer times. Up to kGroupBytes past
+// the source may be read.
 using RepeatRow24 = void(uint8_t* dst, const uint8_t* source, std::size_t pixels, std::size_t factor);
 using RepeatRow8 = RepeatRow24;
 
-// Groups of destination bytes. stride: bytes that a group stands for, 1..kGroupBytes; the last group is cut where
-// `total` bytes end. kGroupBytes from each `from` on may be read.
+// Collects bytes group by group. stride: destination bytes of a group, 1..kGroupBytes. total: destination bytes of the
+// row; the last group may be cut there. kGroupBytes bytes from each `from` on may be read.
 using ShuffleRow = void(uint8_t* dst, const uint8_t* source, const ShuffleGroup* groups, std::size_t stride,
                         std::size_t total);
 
 }  // namespace kernel
 
+// All kernels of images by name. Declarations and tables are made from this list.
 #define QNV_PIXEL_ROWS(X) \
   X(ExpandBytesRow24)     \
   X(ExpandBytesRow8)      \
@@ -95,6 +99,7 @@ using ShuffleRow = void(uint8_t* dst, const uint8_t* source, const ShuffleGroup*
   X(RepeatRow8)           \
   X(ShuffleRow)
 
+// The table of a level.
 struct PixelRows {
 #define QNV_ENTRY(name) kernel::name* name;
   QNV_PIXEL_ROWS(QNV_ENTRY)

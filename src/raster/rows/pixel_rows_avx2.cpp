@@ -1,4 +1,4 @@
-// Level avx2: rows of images in blocks of 32 pixels. Rows shorter than a block are left to the levels below.
+// Level avx2: image kernels in blocks of 32 pixels. Rows shorter than a block are passed to the levels below.
 #include "raster/rows/byte_windows.h"
 #include "raster/rows/gray_weights.h"
 #include "raster/rows/pixel_blocks.h"
@@ -8,8 +8,8 @@
 namespace qnv::avx2 {
 namespace {
 
-// One component of sixteen pixels: shifted to the top of its 16 bits, then times 256 + (256 >> fill), of which the
-// upper half is v + (v >> fill).
+// Extracts one component of sixteen 16-bit pixels. The component is shifted to the upper byte v of its 16 bits and then
+// multiplied by 256 + (256 >> fill); the upper half of the product is v + (v >> fill).
 struct ComponentFactors {
   __m256i mask, shift, fill;
 
@@ -25,14 +25,15 @@ struct ComponentFactors {
   }
 };
 
-// Whether no pixel gives more than a byte: with the bits of a mask scattered the sum can be larger, and only its low
-// byte counts.
+// Whether v + (v >> fill) fits a byte for every pixel. With a mask whose bits are not contiguous it can be larger; then
+// only its low byte counts, which the multiplication above does not give.
 bool FitsByte(const ComponentMask& m) {
   const uint32_t largest = (m.mask << m.up >> 8) & 0xFF;
   return m.fill > 8 || largest + (largest >> m.fill) <= 255;
 }
 
-// Palette indices of 32 pixels from sixteen bytes that stand in both halves of `bytes`, each half in the order wanted.
+// The palette indices of 32 pixels. `bytes` holds their sixteen bytes in both halves, each half in the order in which
+// the caller wants them.
 __m256i Nibbles(Vector32 bytes) {
   const __m256i low = _mm256_set1_epi8(0x0F);
   return _mm256_unpacklo_epi8(_mm256_and_si256(_mm256_srli_epi16(bytes.v, 4), low), _mm256_and_si256(bytes.v, low));
@@ -45,10 +46,10 @@ Vector32 TablePlane(const uint32_t* table, int byte) {
   return Vector32::Twice(plane);
 }
 
-// Setting up the table costs as much as converting some dozens of pixels.
+// Shorter rows are converted faster without the planes of the table, which take as long to set up as dozens of pixels.
 constexpr std::size_t kMinNibbles = 96;
 
-// The colors of eight palette indices. Each pixel needs two loads, its index and its color; no instruction does better.
+// The colors of eight palette indices: two loads for each pixel, its index and its color.
 __m256i EightEntries(const uint8_t* source, const uint32_t* table) {
   const auto four = [table](const uint8_t* p) {
     __m128i v = _mm_cvtsi32_si128(static_cast<int>(table[p[0]]));
@@ -59,7 +60,8 @@ __m256i EightEntries(const uint8_t* source, const uint32_t* table) {
   return _mm256_inserti128_si256(_mm256_castsi128_si256(four(source)), four(source + 4), 1);
 }
 
-// The gray levels of 32 pixels. The last load reaches back, so that none leaves the block.
+// The gray levels of 32 pixels. Of each eight pixels the second load starts four bytes early, so that none leaves the
+// block.
 __m256i GrayBlock(const uint8_t* source, Vector32 weights) {
   const Vector32 spread{_mm256_setr_epi8(0, 1, 2, -1, 3, 4, 5, -1, 6, 7, 8, -1, 9, 10, 11, -1,  //
                                          4, 5, 6, -1, 7, 8, 9, -1, 10, 11, 12, -1, 13, 14, 15, -1)};
@@ -76,7 +78,7 @@ __m256i GrayBlock(const uint8_t* source, Vector32 weights) {
   return _mm256_permutevar8x32_epi32(grays, _mm256_setr_epi32(0, 4, 1, 5, 2, 6, 3, 7));
 }
 
-// Each of 32 bytes three times.
+// Stores each of 32 bytes three times.
 void StoreTriples(uint8_t* dst, __m256i grays) {
   const Vector32 first{_mm256_setr_epi8(0, 0, 0, 1, 1, 1, 2, 2, 2, 3, 3, 3, 4, 4, 4, 5,  //
                                         5, 5, 6, 6, 6, 7, 7, 7, 8, 8, 8, 9, 9, 9, 10, 10)};
@@ -202,7 +204,7 @@ void GrayRow24(uint8_t* dst, const uint8_t* source, std::size_t pixels) {
                   [=](std::size_t i) { Vector32{GrayBlock(source + 3 * i, weights)}.Store(dst + i); });
 }
 
-// A gray pixel stays as it is, so blocks may overlap.
+// The gray level of a gray pixel is the pixel itself, so blocks may overlap.
 void RegrayRow24(uint8_t* dst, std::size_t pixels) {
   if (pixels < kBlockPixels) return ssse3::RegrayRow24(dst, pixels);
   const Vector32 weights{_mm256_set1_epi32(static_cast<int>(kRegrayWeights))};

@@ -1,4 +1,5 @@
-// Level plain: rows of images, one pixel at a time. These are the definitions that the other levels are tested against.
+// Level plain: image kernels, one pixel at a time. They define the results that the kernels of all other levels must
+// have.
 #include <algorithm>
 #include <cstring>
 

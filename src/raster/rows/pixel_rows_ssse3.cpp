@@ -1,5 +1,5 @@
-// Level ssse3: rows of images by byte shuffles, sixteen pixels at a time; the pixels left over go through the plain
-// kernels.
+// Level ssse3: image kernels with byte shuffles, mostly sixteen pixels at a time. The rest of a row is passed to the
+// plain kernels.
 #include <tmmintrin.h>
 
 #include "raster/rows/gray_weights.h"
@@ -11,13 +11,13 @@ namespace {
 __m128i Load16(const uint8_t* p) { return _mm_loadu_si128(reinterpret_cast<const __m128i*>(p)); }
 void Store16(uint8_t* p, __m128i v) { _mm_storeu_si128(reinterpret_cast<__m128i*>(p), v); }
 
-// Four pixels of four bytes to twelve bytes; the upper four become 0.
+// Shuffles that pack four pixels of four bytes into twelve bytes; the upper four bytes become 0.
 struct PackShuffle {
   static __m128i InOrder() { return _mm_setr_epi8(0, 1, 2, 4, 5, 6, 8, 9, 10, 12, 13, 14, -1, -1, -1, -1); }
   static __m128i Swapped() { return _mm_setr_epi8(2, 1, 0, 6, 5, 4, 10, 9, 8, 14, 13, 12, -1, -1, -1, -1); }
 };
 
-// Sixteen pixels in four vectors of twelve used bytes each, into 48 bytes.
+// Stores sixteen pixels as 48 bytes. Each vector holds four of them in its lower twelve bytes; the others are 0.
 void Store48(uint8_t* dst, __m128i a, __m128i b, __m128i c, __m128i d) {
   Store16(dst, _mm_or_si128(a, _mm_slli_si128(b, 12)));
   Store16(dst + 16, _mm_or_si128(_mm_srli_si128(b, 4), _mm_slli_si128(c, 8)));
@@ -34,7 +34,7 @@ void PackRow(uint8_t* dst, const uint8_t* source, std::size_t pixels, __m128i sh
   Plain(dst, source, pixels - i);
 }
 
-// Three planes of sixteen bytes, interleaved into sixteen pixels.
+// Stores sixteen pixels from three vectors that hold their first, second and third bytes.
 void StorePlanes(uint8_t* dst, __m128i first, __m128i second, __m128i third) {
   const __m128i zero = _mm_setzero_si128();
   const __m128i lowPairs = _mm_unpacklo_epi8(first, second), highPairs = _mm_unpackhi_epi8(first, second);
@@ -60,11 +60,11 @@ __m128i SixteenNibbles(const uint8_t* source) {
   return _mm_unpacklo_epi8(_mm_and_si128(_mm_srli_epi16(bytes, 4), low), _mm_and_si128(bytes, low));
 }
 
-// Setting up the table costs as much as converting some dozens of pixels.
+// Shorter rows are converted faster without the planes of the table, which take as long to set up as dozens of pixels.
 constexpr std::size_t kMinNibbles = 64;
 
-// One component of eight 16-bit pixels. The left shift keeps to 16 bits because a mask shifted up ends at bit 15;
-// only a mask of one bit does not, and its component is 0 either way.
+// Extracts one component of eight 16-bit pixels. Lanes of 16 bits suffice for the left shift, because a mask shifted up
+// ends at bit 15. A mask of one bit does not, but its component is 0 in any case.
 struct VectorMask {
   __m128i mask, up, fill;
 
@@ -82,7 +82,7 @@ struct VectorMask {
 __m128i GrayWeights() { return _mm_set1_epi32(static_cast<int>(kBandWeights)); }
 __m128i RegrayWeights() { return _mm_set1_epi32(static_cast<int>(kRegrayWeights)); }
 
-// The gray levels of sixteen pixels; reads four bytes of the next two.
+// The gray levels of sixteen pixels. Reads four bytes of the two pixels behind them.
 __m128i SixteenGrays(const uint8_t* source, __m128i weights) {
   const __m128i spread = _mm_setr_epi8(0, 1, 2, -1, 3, 4, 5, -1, 6, 7, 8, -1, 9, 10, 11, -1);
   const auto sums = [=](const uint8_t* p) {  // of four pixels, in pairs of 16 bits
@@ -96,6 +96,7 @@ __m128i SixteenGrays(const uint8_t* source, __m128i weights) {
   return _mm_packus_epi16(hundredth(a), hundredth(b));
 }
 
+// Stores each of sixteen bytes three times.
 void StoreTriples(uint8_t* dst, __m128i sixteen) {
   Store16(dst, _mm_shuffle_epi8(sixteen, _mm_setr_epi8(0, 0, 0, 1, 1, 1, 2, 2, 2, 3, 3, 3, 4, 4, 4, 5)));
   Store16(dst + 16, _mm_shuffle_epi8(sixteen, _mm_setr_epi8(5, 5, 6, 6, 6, 7, 7, 7, 8, 8, 8, 9, 9, 9, 10, 10)));
@@ -103,7 +104,8 @@ void StoreTriples(uint8_t* dst, __m128i sixteen) {
           _mm_shuffle_epi8(sixteen, _mm_setr_epi8(10, 11, 11, 11, 12, 12, 12, 13, 13, 13, 14, 14, 14, 15, 15, 15)));
 }
 
-// A vector of sixteen pixels in which source pixels are repeated: where its load begins, and its shuffle.
+// One of the vectors that hold sixteen destination pixels in which source pixels are repeated: the offset of its load
+// in bytes, and its shuffle.
 struct RepeatVector {
   std::ptrdiff_t from = 0;
   alignas(16) uint8_t bytes[16] = {};
@@ -123,6 +125,7 @@ constexpr RepeatVector MakeRepeatVector(std::size_t factor, std::size_t vector) 
   return result;
 }
 
+// Blocks of sixteen destination pixels.
 template <std::size_t kBytesPerPixel, std::size_t kFactor>
 void Repeat(uint8_t* dst, const uint8_t* source, std::size_t blocks) {
   static constexpr RepeatVector kVectors[3] = {MakeRepeatVector<kBytesPerPixel>(kFactor, 0),
@@ -217,8 +220,8 @@ void TripleRow24(uint8_t* dst, const uint8_t* source, std::size_t pixels) {
   plain::TripleRow24(dst, source, pixels);
 }
 
-// Sixteen pixels at a time. `skipped` tells for every byte whether it and the two bytes after it are all `skip`; every
-// third byte begins a pixel, and the shuffles collect the answers for those. Reads two bytes of the next pixel.
+// Sixteen pixels at a time. skipped(p) compares at every byte whether it and the two bytes after it are all `skip`.
+// Only every third byte begins a pixel; the shuffles collect the results for those. Reads two bytes of the next pixel.
 void MarkRow24(uint8_t* marks, const uint8_t* source, std::size_t pixels, uint8_t skip, uint8_t mark) {
   const __m128i skips = _mm_set1_epi8(static_cast<char>(skip)), marked = _mm_set1_epi8(static_cast<char>(mark));
   const auto skipped = [=](const uint8_t* p) {
@@ -239,7 +242,7 @@ void MarkRow24(uint8_t* marks, const uint8_t* source, std::size_t pixels, uint8_
 
 void ReverseRow24(uint8_t* dst, const uint8_t* source, std::size_t pixels) {
   const __m128i reverse = _mm_setr_epi8(12, 13, 14, 9, 10, 11, 6, 7, 8, 3, 4, 5, 0, 1, 2, -1);
-  // Five pixels at a time; the sixteenth byte stored is overwritten by the next pixels.
+  // Five pixels at a time. A store writes sixteen bytes, and the next store overwrites the last of them.
   for (; pixels >= 6; pixels -= 5, dst += 15) {
     Store16(dst, _mm_shuffle_epi8(_mm_srli_si128(Load16(source + 3 * pixels - 16), 1), reverse));
   }
@@ -254,7 +257,7 @@ void ReverseRow8(uint8_t* dst, const uint8_t* source, std::size_t pixels) {
   plain::ReverseRow8(dst, source, pixels);
 }
 
-// A group is stored whole: what it writes past its stride is overwritten by the next one.
+// A group is stored with all sixteen bytes; the next group overwrites those beyond its stride.
 void ShuffleRow(uint8_t* dst, const uint8_t* source, const ShuffleGroup* groups, std::size_t stride,
                 std::size_t total) {
   std::size_t done = 0;

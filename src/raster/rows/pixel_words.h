@@ -1,4 +1,4 @@
-// A packed 24-bit pixel repeated: four pixels are three 32-bit words.
+// A 24-bit pixel repeated four times as three 32-bit words, from which longer runs of one color are made.
 #pragma once
 
 #include <cstdint>

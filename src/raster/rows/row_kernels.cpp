@@ -1,4 +1,4 @@
-// From a level to its table.
+// Finds the kernel table of a level.
 #include "raster/rows/row_kernels.h"
 
 #include "raster/rows/row_tables.h"

@@ -1,10 +1,11 @@
-// Row kernels: loops over one row of band bytes. They know pointers, counts and constants, no geometry, and most of
-// them no pixel depth either.
+// Row kernels: the loops that write band bytes, one row per call. They take pointers, counts and constants and know
+// nothing of coordinates, clips or records, and most of them do not depend on the pixel depth. In the formulas D is a
+// byte of the band, D' its new value, and S a byte of the source.
 //
-// Common to all: any alignment, any count including 0; exactly the named bytes are read and written; source and
-// destination do not overlap; nothing can fail. Counts are in bytes or in pixels, as the parameter's name says. A
-// `tile` points at the byte of a Tile (tile.h) where the row begins: kTilePeriod bytes from there are one period, and
-// kMaxAdvance more may be read.
+// Rules for all of them: any alignment and any count, including 0; exactly the named bytes are read and written; source
+// and destination do not overlap; nothing can fail. Counts are in bytes or in pixels, as the name of the parameter
+// says. A `tile` points to the byte of a Tile (tile.h) at which the row begins: kTilePeriod bytes from there are one
+// period, and kMaxAdvance more may be read.
 #pragma once
 
 #include <cstddef>
@@ -15,24 +16,25 @@
 
 namespace qnv {
 
-// D' = (D & ((S & and1) ^ and2)) ^ ((S & xor1) ^ xor2), each mask 0x00 or 0xFF for every byte of the row ...
+// The masks of a raster operation without a pattern: D' = (D & ((S & and1) ^ and2)) ^ ((S & xor1) ^ xor2), each mask
+// 0x00 or 0xFF for all bytes of the row.
 struct ByteMasks {
   uint8_t and1, and2, xor1, xor2;
 };
 
-// ... or a tile.
+// The masks of a raster operation with a pattern: the same formula, each mask a tile.
 struct TileMasks {
   const uint8_t *and1, *and2, *xor1, *xor2;
 };
 
-// Up to eight pixels of a glyph in all its rows: one byte a row, most significant bit leftmost.
+// A column of a glyph, up to eight pixels wide: one byte for each row, most significant bit leftmost.
 struct GlyphColumn {
   const uint8_t* bytes;
   std::size_t rows;
   std::size_t offset, pixels;  // the bits to paint; offset + pixels <= 8
 };
 
-// The two colors of text, prepared once per call: the bytes of eight pixels.
+// The two colors of text, prepared once per call as the bytes of eight pixels.
 struct BitColors {
   uint32_t set, clear;  // packed
   alignas(16) uint8_t setBytes[24];
@@ -58,14 +60,14 @@ using MinimumRow = void(uint8_t* dst, const uint8_t* source, std::size_t bytes);
 // Exchanges bytes 0 and 2 of each pixel: source 3 * pixels bytes red, green, blue.
 using SwapRow24 = void(uint8_t* dst, const uint8_t* source, std::size_t pixels);
 
-// One bit a pixel, most significant first, starting at bit `offset` (0..7) of *bits: set and clear bits become packed
-// colors (the low byte alone in 8-bit bands).
+// Source of one bit a pixel, most significant bit first, starting at bit `offset` (0..7, 0 the most significant) of
+// *bits. Set and clear bits become the packed colors `set` and `clear` (in 8-bit bands their low bytes).
 using ExpandBitsRow24 = void(uint8_t* dst, const uint8_t* bits, std::size_t offset, std::size_t pixels, uint32_t set,
                              uint32_t clear);
 using ExpandBitsRow8 = ExpandBitsRow24;
 
-// A column of a glyph into the rows of a band that lie `stride` bytes apart: Expand paints both colors, Paint only the
-// set bits.
+// A column of a glyph into the rows of a band, which are `stride` bytes apart. Expand paints both colors, Paint only
+// the set bits.
 using ExpandGlyph24 = void(uint8_t* dst, std::size_t stride, const GlyphColumn& column, const BitColors& colors);
 using ExpandGlyph8 = ExpandGlyph24;
 using PaintGlyph24 = ExpandGlyph24;
@@ -73,6 +75,7 @@ using PaintGlyph8 = ExpandGlyph24;
 
 }  // namespace kernel
 
+// All kernels of this header by name. Declarations and tables are made from this list.
 #define QNV_ROW_KERNELS(X) \
   X(FillTileRow)           \
   X(RopTileRow)            \
@@ -88,12 +91,13 @@ using PaintGlyph8 = ExpandGlyph24;
   X(PaintGlyph24)          \
   X(PaintGlyph8)
 
+// The table of a level.
 struct RowKernels {
 #define QNV_ENTRY(name) kernel::name* name;
   QNV_ROW_KERNELS(QNV_ENTRY)
 #undef QNV_ENTRY
 
-  // Rows of images at the same level.
+  // The kernels of images.
   const PixelRows* image;
 };
 

@@ -1,7 +1,7 @@
-// The levels as namespaces, all declared alike: two tables and a function for every entry. A level defines the
-// functions that it specialises, and its tables name for each entry the function to take, its own or one of a level
-// below. (A function that no level defined is found by the linker.) kPixelRows may be left out where RowKernels::image
-// points at the one of a level below.
+// Declares a namespace for each level, all alike: two tables and a function for every kernel. A level defines the
+// functions that it specialises; its tables name for each entry the function to call, its own or one of a level below.
+// A table that names a function its level does not define fails to link. A level without image kernels of its own does
+// not define kPixelRows; its RowKernels::image points to the table of a level below.
 #pragma once
 
 #include "raster/rows/row_kernels.h"

@@ -1,4 +1,4 @@
-// Level avx2: rows in vectors of 32 bytes, pixels in blocks of 32.
+// Level avx2: row kernels with vectors of 32 bytes, or blocks of 32 pixels.
 #include "raster/rows/byte_windows.h"
 #include "raster/rows/row_tables.h"
 #include "raster/rows/rows_bits.h"
@@ -10,7 +10,7 @@
 namespace qnv::avx2 {
 namespace {
 
-// Eight pixels of a glyph in one register.
+// Eight 24-bit pixels, 24 bytes, in one register.
 struct Eight24Wide {
   static constexpr std::size_t kBytesPerPixel = 3;
   __m256i v;
@@ -50,14 +50,15 @@ void MinimumRow(uint8_t* dst, const uint8_t* source, std::size_t bytes) {
   MinimumRowOf<Vector32, Vector16>(dst, source, bytes);
 }
 
-// Beyond a few pages the processor's own copy loop is the fastest: it need not read the lines that it overwrites.
+// For long rows the copy instruction of the processor is fastest, because it does not read the cache lines that it
+// overwrites.
 void CopyRow(uint8_t* dst, const uint8_t* source, std::size_t bytes) {
   constexpr std::size_t kLong = 16384;
   if (bytes < kLong) return CopyRowOf<Vector32, Vector16>(dst, source, bytes);
   __asm__ volatile("rep movsb" : "+D"(dst), "+S"(source), "+c"(bytes) : : "memory");
 }
 
-// Rows shorter than a block are left to the levels below.
+// In the kernels that follow rows shorter than a block are passed to the levels below.
 
 void SwapRow24(uint8_t* dst, const uint8_t* source, std::size_t pixels) {
   if (pixels < kMinRearranged) return ssse3::SwapRow24(dst, source, pixels);

@@ -1,4 +1,5 @@
-// One-bit rows into two colors, eight pixels at a time: the byte of eight bits selects a mask of whole pixels.
+// Kernels for one-bit sources, eight pixels at a time: eight bits select a mask of eight pixels (byte_masks.h), which
+// then selects between two colors, or between a color and the band.
 #pragma once
 
 #include <cstddef>
@@ -20,9 +21,11 @@ inline uint8_t EightBits(const uint8_t* bits, std::size_t offset) {
   return static_cast<uint8_t>(bits[0] << offset | bits[1] >> (8 - offset));
 }
 
+// Bit `at` of a row.
 inline bool OneBit(const uint8_t* bits, std::size_t at) { return (bits[at / 8] >> (7 - at % 8) & 1) != 0; }
 
-// Eight pixels of a band and their masks, in registers.
+// Eight pixels, or the mask of eight pixels, in registers: 24 bytes in one and a half vectors, or 8 bytes in half a
+// one.
 struct Eight24 {
   static constexpr std::size_t kBytes = 24;
   static constexpr std::size_t kBytesPerPixel = 3;
@@ -70,8 +73,9 @@ void ExpandBitsRowOf(uint8_t* dst, const uint8_t* bits, std::size_t offset, std:
   }
 }
 
-// The pixels of one glyph row, `mask` pointing into the mask of its byte: D' = D ^ ((D ^ set) & mask), or, where both
-// colors are painted, without reading D.
+// Operations for glyph rows of fewer than eight pixels (see rows_vector.h). `mask` points into the mask of the row's
+// byte, to the first pixel that is painted. Paint is D' = D ^ ((D ^ set) & mask); Expand paints both colors and does
+// not read D.
 
 struct PaintOperation {
   const uint8_t* mask;
@@ -94,7 +98,7 @@ struct ExpandOperation {
   }
 };
 
-// Fewer than eight pixels: 0..23 bytes.
+// Applies an operation to fewer than eight pixels, 0..23 bytes.
 template <class Operation>
 void PartialEight(uint8_t* dst, std::size_t bytes, const Operation& operation) {
   if (bytes < 16) return ShortRow(dst, bytes, operation);

@@ -1,4 +1,5 @@
-// One-bit rows into two colors, 32 pixels at a time: each destination byte tests its own bit of a 32-bit word.
+// Kernels for one-bit sources, 32 pixels at a time: a shuffle brings to each destination byte the source byte that
+// holds its bit, and a comparison turns the bit into a mask that selects between two colors.
 #pragma once
 
 #include <cstddef>
@@ -21,7 +22,7 @@ inline uint32_t ThirtyTwoBits(const uint8_t* bits, std::size_t offset) {
   return offset == 0 ? word : word << offset | static_cast<uint32_t>(bits[4] >> (8 - offset));
 }
 
-// For each byte of a block: the byte of the word that holds its bit, and the bit.
+// For each destination byte of a block: which byte of the 32-bit word holds its bit, and the bit within that byte.
 template <std::size_t kBytesPerPixel>
 struct BitPlaces {
   alignas(32) uint8_t byte[kBytesPerPixel * kBlockPixels] = {};
@@ -66,7 +67,7 @@ struct ColorBlock<3> {
   }
 };
 
-// Requires: at least one block of pixels.
+// Stores a row in blocks. Requires: at least one block of pixels.
 template <std::size_t kBytesPerPixel>
 void ExpandBlocks(uint8_t* dst, const uint8_t* bits, std::size_t offset, std::size_t pixels, uint32_t set,
                   uint32_t clear) {

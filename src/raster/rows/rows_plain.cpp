@@ -1,5 +1,5 @@
-// Level plain: rows of bytes, one byte or pixel at a time. These are the definitions that the other levels are tested
-// against.
+// Level plain: row kernels, one byte or pixel at a time. They define the results that the kernels of all other levels
+// must have.
 #include <algorithm>
 
 #include "raster/rows/row_tables.h"
@@ -9,16 +9,18 @@
 namespace qnv::plain {
 namespace {
 
-// Walks a row in pieces of at most one tile period.
+// Calls piece(offset, bytes) for consecutive parts of a row, each at most one tile period long.
 template <class Piece>
 void ForEachPeriod(std::size_t bytes, Piece piece) {
   for (std::size_t at = 0; at < bytes; at += kTilePeriod) piece(at, std::min(kTilePeriod, bytes - at));
 }
 
+// The raster operation on one byte.
 uint8_t Rop(uint8_t d, uint8_t s, uint8_t and1, uint8_t and2, uint8_t xor1, uint8_t xor2) {
   return static_cast<uint8_t>((d & ((s & and1) ^ and2)) ^ ((s & xor1) ^ xor2));
 }
 
+// Bit `at` of a row, the most significant bit of each byte first.
 bool Bit(const uint8_t* bits, std::size_t at) { return (bits[at / 8] >> (7 - at % 8) & 1) != 0; }
 
 template <std::size_t kBytes>

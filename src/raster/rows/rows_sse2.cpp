@@ -1,4 +1,4 @@
-// Level sse2: rows in vectors of 16 bytes. Rows of images are the plain ones: their bytes need shuffles.
+// Level sse2: row kernels with vectors of 16 bytes. Image kernels are the plain ones, because SSE2 has no byte shuffle.
 #include "raster/rows/row_tables.h"
 #include "raster/rows/rows_bits.h"
 #include "raster/rows/rows_swap.h"

@@ -1,11 +1,12 @@
-// Level ssse3: pixels are rearranged by byte shuffles; rows of bytes stay those of sse2.
+// Level ssse3: exchanges red and blue with byte shuffles. The other row kernels are those of sse2; image kernels are in
+// pixel_rows_ssse3.cpp.
 #include <tmmintrin.h>
 
 #include "raster/rows/row_tables.h"
 
 namespace qnv::ssse3 {
 
-// Five pixels at a time; the sixteenth byte stored is overwritten by the next pixels.
+// Five pixels at a time. A store writes sixteen bytes, and the next store overwrites the last of them.
 void SwapRow24(uint8_t* dst, const uint8_t* source, std::size_t pixels) {
   const __m128i swap = _mm_setr_epi8(2, 1, 0, 5, 4, 3, 8, 7, 6, 11, 10, 9, 14, 13, 12, -1);
   for (; pixels >= 6; pixels -= 5, source += 15, dst += 15) {

@@ -1,8 +1,8 @@
-// Red, green, blue into blue, green, red without byte shuffles, for levels that have none.
+// Exchanges red and blue of 24-bit pixels without byte shuffles, for levels that have none.
 //
-// Byte j of the swapped source is the source's byte j + 2, j or j - 2 as j is the first, second or third of its
-// pixel: three loads, each masked to its own bytes. The first and the last pixel of a row go through the plain
-// kernels, so that those loads stay inside the source.
+// Destination byte j is source byte j + 2, j or j - 2, depending on whether it is the first, second or third byte of
+// its pixel. So each vector is put together from three loads, each masked to its own bytes. The first pixels and the
+// last ones of a row are left to the plain kernel, so that those loads stay inside the source.
 #pragma once
 
 #include <cstddef>
@@ -14,6 +14,7 @@
 namespace qnv {
 namespace {
 
+// Every third byte is 0xFF: loaded at three offsets, these are the masks of the three places.
 inline constexpr struct PlaceBytes {
   uint8_t bytes[2 + 3 * 32] = {};
   constexpr PlaceBytes() {
@@ -21,7 +22,7 @@ inline constexpr struct PlaceBytes {
   }
 } kPlaceBytes;
 
-// The masks of a vector that starts at byte `offset` of a pixel row: one for each of the three places in a pixel.
+// The masks for a vector at byte `offset` of a row: one for each of the three places in a pixel.
 template <class Vector>
 struct Places {
   Vector first, second, third;
@@ -36,7 +37,7 @@ struct Places {
   }
 };
 
-// Shorter rows do not repay loading the constants; the plain kernel is as fast.
+// For shorter rows loading the masks takes longer than it saves.
 inline constexpr std::size_t kMinSwapped = 32;
 
 template <class Vector>

@@ -1,12 +1,12 @@
-// Row loops as templates over a vector type of any width; counts and offsets are in bytes. Each level that gains from
-// them instantiates them for its own vectors. Everything here has internal linkage: a copy compiled for one instruction
-// set is never shared with another.
+// Row kernels as templates over a vector type, which a level instantiates for its own vectors. Counts and offsets are
+// in bytes. Everything here has internal linkage, so that code compiled for one instruction set is never shared with
+// another.
 //
-// A Vector has kBytes, Load and Store at any alignment, Fill(byte), and the operators & and ^ and the function Min.
-// `Smaller` is the vector for rows that are shorter than one Vector.
+// A Vector type has kBytes, Load and Store at any alignment, Fill(byte), the operators & and ^, and the function Min.
+// `Smaller` is the vector type for rows that are shorter than one Vector.
 //
-// Remainders: the last vector of a row overlaps the one before. Where the band is read, that vector is computed from
-// the old bytes before anything is stored, so that no byte is combined twice.
+// The last vector of a row may overlap the one before. Where an operation reads the band, the last vector is computed
+// from the old bytes before anything is stored, so that no byte is combined twice.
 #pragma once
 
 #include <cstddef>
@@ -21,7 +21,7 @@
 namespace qnv {
 namespace {
 
-// Machine words as the smallest vectors.
+// Machine words with the interface of a vector, for the ends of rows.
 template <class Word>
 struct WordVector {
   static constexpr std::size_t kBytes = sizeof(Word);
@@ -45,10 +45,11 @@ struct WordVector {
   }
 };
 
-// What is computed at a byte offset of the row, from the band's vector there and the offset.
-// Operation: template <class Vector> Vector At(Vector band, std::size_t offset).
+// An Operation computes the new bytes of the band at an offset of the row:
+//   template <class Vector> Vector At(Vector band, std::size_t offset)
+// band: the old bytes there.
 
-// Rows shorter than a vector: two overlapping words, or single bytes.
+// Applies an operation to a row shorter than a vector, as two overlapping words or as single bytes.
 template <class Operation>
 void ShortRow(uint8_t* dst, std::size_t bytes, const Operation& operation) {
   const auto overlapping = [&](auto word) {
@@ -71,15 +72,15 @@ void ShortRow(uint8_t* dst, std::size_t bytes, const Operation& operation) {
   }
 }
 
-// The first multiple of a vector above `dst`, for rows so long that stores across cache lines would cost
-// more than computing one vector twice.
+// The distance from dst to the next aligned address, or 0 for rows so short that stores across cache lines cost less
+// than computing a vector twice.
 template <class Vector>
 std::size_t AlignedStart(const uint8_t* dst, std::size_t bytes) {
   constexpr std::size_t k = Vector::kBytes;
   return bytes < 8 * k ? 0 : k - (reinterpret_cast<uintptr_t>(dst) & (k - 1));
 }
 
-// Rows without a pattern: the operation is the same at every offset.
+// Applies an operation to a row. For operations without a pattern, which are the same at every offset.
 template <class Vector, class Smaller, class Operation>
 void WalkRow(uint8_t* dst, std::size_t bytes, const Operation& operation) {
   constexpr std::size_t k = Vector::kBytes;
@@ -100,11 +101,13 @@ void WalkRow(uint8_t* dst, std::size_t bytes, const Operation& operation) {
   lastResult.Store(dst + last);
 }
 
-// Rows with a pattern. Three vectors are a whole period for vectors of 16 and of 32 bytes. Offsets into the tile
-// are reduced to one period.
+// Operations with a pattern also have AtTile(band, offset, offset in the tile), and WalkVectors for the inner part of a
+// row.
+//
+// The bytes after which every pattern repeats; three vectors of 16 or 32 bytes are a multiple of them.
 inline constexpr std::size_t kShortPeriod = 48;
 
-// Requires: at least one vector.
+// Applies an operation with a pattern to a row of at least one vector.
 template <class Vector, class Operation>
 void WalkLongTiledRow(uint8_t* dst, std::size_t bytes, const Operation& operation) {
   constexpr std::size_t k = Vector::kBytes;
@@ -116,6 +119,7 @@ void WalkLongTiledRow(uint8_t* dst, std::size_t bytes, const Operation& operatio
   lastResult.Store(dst + last);
 }
 
+// Applies an operation with a pattern to a row of any length.
 template <class Vector, class Smaller, class Operation>
 void WalkTiledRow(uint8_t* dst, std::size_t bytes, const Operation& operation) {
   if (bytes >= Vector::kBytes) return WalkLongTiledRow<Vector>(dst, bytes, operation);
@@ -182,8 +186,8 @@ struct TileOperation {
   Vector AtTile(Vector band, std::size_t, std::size_t tileOffset) const {
     return With(band, Tiles<Vector>(tileOffset));
   }
-  // The vectors from offset i on that begin before `last`, three per iteration. One vector is stored before the next is
-  // loaded: then six tiles and what is computed fit the eight registers of 32-bit code.
+  // Applies the operation to the vectors from offset i on that begin before `last`, three per iteration. Each is stored
+  // before the next is loaded, so that six tiles and the current vector fit into the eight registers of 32-bit code.
   template <class Vector>
   void WalkVectors(uint8_t* dst, std::size_t i, std::size_t last) const {
     constexpr std::size_t k = Vector::kBytes;
@@ -221,7 +225,9 @@ struct FourMasks {
   }
 };
 
-// kAnds, kXors: whether the source takes part in the and mask and in the xor mask (and1, xor1 are then all ones).
+// A source and masks that are the same for all bytes. kAnds, kXors: whether and1 and xor1 are all ones, so that the
+// source takes part in the and mask and in the xor mask; otherwise they are 0. Wide: the vector type of `and2` and
+// `xor2`.
 template <class Wide, bool kAnds, bool kXors>
 struct SourceOperation {
   const uint8_t* source;
@@ -264,6 +270,7 @@ void RopSourceRowOf(uint8_t* dst, const uint8_t* source, std::size_t bytes, cons
   return m.xor1 != 0 ? walk(kNo, kYes) : walk(kNo, kNo);
 }
 
+// A source and masks that are tiles.
 struct SourceTileOperation {
   const uint8_t* source;
   TileMasks masks;
@@ -277,8 +284,8 @@ struct SourceTileOperation {
   Vector AtTile(Vector band, std::size_t offset, std::size_t tileOffset) const {
     return Tiles<Vector>(tileOffset).Apply(band, Vector::Load(source + offset));
   }
-  // Twelve vectors of masks would not fit the registers, four do: the row is walked three times, each time every third
-  // vector. The rows that the three walks share stay in the first-level cache.
+  // A period has twelve vectors of masks, but only four fit into the registers. So there are three passes over the row,
+  // each for every third vector. The row stays in the first-level cache between them.
   template <class Vector>
   void WalkVectors(uint8_t* dst, std::size_t i, std::size_t last) const {
     constexpr std::size_t k = Vector::kBytes;

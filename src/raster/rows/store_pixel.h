@@ -1,4 +1,4 @@
-// Stores packed pixels of one or three bytes, one after another.
+// Stores packed pixels of one or three bytes in memory.
 //
 // Always inlined: files of different instruction sets include this and must not share a copy of it.
 #pragma once
@@ -9,7 +9,7 @@
 
 namespace qnv {
 
-// Stores a packed pixel of 3 or 1 bytes.
+// Stores one pixel.
 template <std::size_t kBytes>
 [[gnu::always_inline]] inline void StorePixel(uint8_t* dst, uint32_t packed) {
   for (std::size_t i = 0; i < kBytes; ++i) dst[i] = static_cast<uint8_t>(packed >> 8 * i);

@@ -1,6 +1,6 @@
-// One row of a pattern laid out for row kernels: bytes in band order, repeated far enough that a kernel may start at
-// any cell and read a whole period from there. Sizes and offsets are in bytes, `width` is in cells (pixels of the
-// pattern).
+// Tiles: rows of a pattern laid out for row kernels. A tile holds the bytes of the row in band order, repeated so often
+// that a kernel can start at any cell and read a whole period from there. Sizes and offsets are in bytes; `width`
+// counts cells, the pixels of a pattern.
 #pragma once
 
 #include <cstddef>
@@ -11,9 +11,9 @@
 
 namespace qnv {
 
-// A multiple of every row length in bytes: 1, 8 or 16 cells of 1 or 3 bytes; three vectors of 32 bytes.
+// A multiple of the length of every pattern row (1, 8 or 16 cells of 1 or 3 bytes), and three vectors of 32 bytes.
 inline constexpr std::size_t kTilePeriod = 96;
-inline constexpr std::size_t kMaxPhase = 48;    // the longest row: 16 cells of 3 bytes
+inline constexpr std::size_t kMaxPhase = 48;    // offsets where a kernel starts are less than this: 16 cells of 3 bytes
 inline constexpr std::size_t kMaxAdvance = 32;  // bytes that a kernel may skip to reach an aligned address
 
 struct alignas(16) Tile {
@@ -21,6 +21,7 @@ struct alignas(16) Tile {
 };
 static_assert(sizeof(Tile) % 4 == 0);
 
+// Fills a tile with 8 or 16 cells: makes a row of 16 cells, four at a time as whole words, and repeats it.
 template <std::size_t kBytesPerPixel>
 void MakeTileOf(Tile* tile, const uint32_t* cells, std::size_t width) {
   constexpr std::size_t kRow = kMaxPhase / 3 * kBytesPerPixel;  // 16 cells
@@ -40,7 +41,7 @@ void MakeTileOf(Tile* tile, const uint32_t* cells, std::size_t width) {
   std::memcpy(tile->bytes + at, row, sizeof tile->bytes % kRow);
 }
 
-// The same packed color in every cell.
+// Fills a tile with one packed color.
 inline void MakeSolidTile(Tile* tile, uint32_t color, std::size_t bytesPerPixel) {
   if (bytesPerPixel == 1) {
     std::memset(tile->bytes, static_cast<uint8_t>(color), sizeof tile->bytes);
@@ -53,7 +54,7 @@ inline void MakeSolidTile(Tile* tile, uint32_t color, std::size_t bytesPerPixel)
   std::memcpy(tile->bytes + at, words, sizeof tile->bytes - at);
 }
 
-// cells: `width` packed colors, 1, 8 or 16 of them.
+// Fills a tile from `width` packed colors, 1, 8 or 16 of them.
 inline void MakeTile(Tile* tile, const uint32_t* cells, std::size_t width, std::size_t bytesPerPixel) {
   if (width == 1) return MakeSolidTile(tile, cells[0], bytesPerPixel);
   bytesPerPixel == 3 ? MakeTileOf<3>(tile, cells, width) : MakeTileOf<1>(tile, cells, width);

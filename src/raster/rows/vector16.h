@@ -21,7 +21,7 @@ struct Vector16 {
   friend Vector16 Min(Vector16 a, Vector16 b) { return {_mm_min_epu8(a.v, b.v)}; }
 };
 
-// Eight bytes in the lower half of a register: on 32-bit processors two words would take twice the registers.
+// Eight bytes in the lower half of a vector register; a 64-bit word would take two registers in 32-bit code.
 struct Vector8 {
   static constexpr std::size_t kBytes = 8;
   __m128i v;
