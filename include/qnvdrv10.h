@@ -13,8 +13,11 @@
  *   - Rectangles are half-open: a point is inside when left <= x < right and top <= y < bottom.
  *   - "16-bit result": only the low 16 bits carry the result. On a bad handle such a call returns the
  *     handle's own value with its low 16 bits cleared; the other calls return a whole 0.
- *   - A bad handle is a null pointer, or one whose first two bytes are not 0x4E51.
- *   - One thread at a time for each handle. Handles share nothing.
+ *   - A bad handle is a null pointer, or one whose first two bytes are not 0x4E51. Handles that were not made
+ *     by QNVEnable, or that QNVDisable has freed, must not be passed.
+ *   - A handle may be used by one thread at a time. Handles share nothing.
+ *   - Page pixels are the unit of the host's coordinates, band pixels those of the band's memory. On kind 0
+ *     page pixels have resolution A and band pixels resolution B. On the other kinds they are the same.
  *   - The platform's names (BITMAPINFOHEADER, R2_COPYPEN ...) are declared here only where the platform's
  *     own header has not done so: a host that needs both includes <windows.h> first.
  */
@@ -37,8 +40,8 @@ extern "C" {
 
 typedef struct DeviceHandle DeviceHandle; /* opaque; made by QNVEnable, ended by QNVDisable */
 
-#define QNV_KIND_SCALED 0u /* draws at resolutionA, keeps a 24-bit band at resolutionB */
-#define QNV_KIND_RASTER 1u /* plain band; dual-plane when QNVEnable gets a second buffer */
+#define QNV_KIND_SCALED 0u     /* draws at resolutionA, keeps a 24-bit band at resolutionB */
+#define QNV_KIND_RASTER 1u     /* plain band; dual-plane when QNVEnable gets a second buffer */
 #define QNV_KIND_DUAL_PLANE 2u /* accepted by QNVGetDeviceInfo only */
 
 #pragma pack(push, 1)
@@ -49,14 +52,14 @@ typedef struct DeviceDescription {
   uint16_t kind;         /*  0  QNV_KIND_... */
   uint16_t bitsPerPixel; /*  2  24 (blue, green, red bytes) or 8 (one gray byte); on kind 0 a value of 0
                                 selects gray mode over three bytes a pixel */
-  uint16_t resolutionA;  /*  4  dots per inch of the page: sizes are divided by it; must not be 0 */
-  uint32_t width;        /*  6  pixels of a band row, from which the bytes of a row follow */
-  uint32_t height;       /* 10  rows of the band buffer; the clear escape sets that many */
-  uint16_t resolutionB;  /* 14  dots per inch of the device: sizes are multiplied by it */
+  uint16_t resolutionA;  /*  4  dots per inch of the page; must not be 0 */
+  uint32_t width;        /*  6  pixels of a row of the band's memory, from which the bytes of a row follow */
+  uint32_t height;       /* 10  rows of the band's memory; the clear escape sets that many */
+  uint16_t resolutionB;  /* 14  dots per inch of the device */
 } DeviceDescription;
 
-/* A rectangle in pixels of the page: the place of the band, a clip, or the opaque rectangle of text. 16 bytes.
- * Byte 0 of the band's buffer is the pixel (left, top) of the band's rectangle. */
+/* A rectangle: a clip or the opaque rectangle of text, in page pixels, or the place of the band, in band pixels. 16
+ * bytes. The first byte of the band's memory belongs to the pixel (left, top) of the band's rectangle. */
 typedef struct BandRect {
   int32_t left;   /*  0 */
   int32_t top;    /*  4 */
@@ -66,19 +69,19 @@ typedef struct BandRect {
 
 /* The size of a device. 8 bytes, written by QNVGetDeviceInfo. */
 typedef struct DeviceSize {
-  uint32_t width;  /* 0  description width scaled from resolution A to B, pixels */
-  uint32_t height; /* 4 */
+  uint32_t width;  /* 0  pixels: the described width x B / A, rounded on kind 0, truncated on the others */
+  uint32_t height; /* 4  rows, likewise */
 } DeviceSize;
 
-/* Where the host's coordinates begin, in pixels of the page. 8 bytes, the data of escape QNV_SET_ORIGIN. */
+/* Where the host's coordinates begin, in page pixels. 8 bytes, the data of escape QNV_SET_ORIGIN. */
 typedef struct DrawingOrigin {
-  int32_t x; /* 0  added to every x a drawing call receives, clip rectangles included */
-  int32_t y; /* 4 */
+  int32_t x; /* 0  added to every x that a drawing call receives, in clip rectangles too */
+  int32_t y; /* 4  added to every y */
 } DrawingOrigin;
 
-/* Escapes of QNVControl, compared on the low 16 bits. */
+/* Escapes of QNVControl; only the low 16 bits of a code are compared. */
 #define QNV_SET_ORIGIN 0x2000u    /* data: DrawingOrigin */
-#define QNV_SET_BAND_RECT 0x2001u /* data: BandRect; moves the band on the page, its memory stays the same */
+#define QNV_SET_BAND_RECT 0x2001u /* data: BandRect; another place for the same memory */
 #define QNV_CLEAR_BAND 0x2002u    /* data unused; sets the whole buffer to white and the tag plane to 1 */
 
 /* Values of the tag plane of a dual-plane device. */
@@ -88,16 +91,15 @@ typedef struct DrawingOrigin {
 /* ---- Drawing records ------------------------------------------------------------------------------ */
 
 /* How a call combines what it paints with the band: 42 bytes, the platform's draw mode for drivers. Colors are
- * physical colors (see QNVColorInfo). The library writes a single field: a QNVDevExtTextOut that measures sets
- * BreakErr. */
+ * physical colors (see QNVColorInfo). The library writes a single field, BreakErr, when QNVDevExtTextOut measures. */
 typedef struct DRAWMODE {
-  int16_t Rop2;           /*  0  R2_... 1..16 */
-  int16_t bkMode;         /*  2  1 transparent, 2 opaque */
+  int16_t Rop2;           /*  0  R2_..., 1..16; only the low four bits of Rop2 - 1 are used */
+  int16_t bkMode;         /*  2  TRANSPARENT or OPAQUE */
   uint32_t bkColor;       /*  4  0x00BBGGRR */
   uint32_t TextColor;     /*  8  0x00BBGGRR */
-  int16_t TBreakExtra;    /* 12  pixels to spread over the break characters of a line */
+  int16_t TBreakExtra;    /* 12  pixels to distribute over the break characters of a line */
   int16_t BreakExtra;     /* 14  not read */
-  int16_t BreakErr;       /* 16  remainder of the spreading, carried from one call of a line to the next */
+  int16_t BreakErr;       /* 16  remainder of this distribution, carried from one call of a line to the next */
   int16_t BreakRem;       /* 18  not read */
   int16_t BreakCount;     /* 20  break characters in the line */
   int16_t CharacterExtra; /* 22  pixels added after every character */
@@ -108,27 +110,28 @@ typedef struct DRAWMODE {
 
 /* A source of QNVDevBitBlt, or the bitmap of a pattern brush: 14 bytes, the platform's BITMAP. The top row comes
  * first. With one plane of one bit a pixel, the most significant bit is the leftmost pixel, and 1 stands for
- * bkColor, 0 for TextColor. All other bitmaps hold 3 bytes a pixel (red, green, blue) for 24-bit bands and one
- * gray byte a pixel for 8-bit bands. */
+ * bkColor, 0 for TextColor. All other sources hold 3 bytes a pixel (red, green, blue) for 24-bit bands and one
+ * gray byte a pixel for 8-bit bands and for kind 0 with a described depth other than 24. A pattern brush takes the top
+ * left 8 x 8 pixels, whatever bmWidth and bmHeight say. */
 typedef struct SourceBitmap {
   int16_t bmType;        /*  0  not read */
-  int16_t bmWidth;       /*  2  pixels; nothing to the right of them is read */
-  int16_t bmHeight;      /*  4  rows; nothing below them is read */
+  int16_t bmWidth;       /*  2  pixels of a row; none to the right of them is read */
+  int16_t bmHeight;      /*  4  rows; none below them is read */
   uint16_t bmWidthBytes; /*  6  bytes from one row to the next */
   uint8_t bmPlanes;      /*  8 */
   uint8_t bmBitsPixel;   /*  9 */
   const void *bmBits;    /* 10  row 0 */
 } SourceBitmap;
 
-/* 10 bytes: a pen before it is realised. */
+/* A pen before it is realised. 10 bytes. */
 typedef struct LogicalPen {
   uint16_t style;  /* 0  PS_... */
-  int16_t widthX;  /* 2 */
+  int16_t widthX;  /* 2  not used for drawing */
   int16_t widthY;  /* 4 */
   uint32_t colour; /* 6  0x00BBGGRR */
 } LogicalPen;
 
-/* 10 bytes: a realised pen. */
+/* A realised pen. 10 bytes. */
 typedef struct PhysicalPen {
   uint16_t style;  /* 0  PS_SOLID or PS_NULL; every other style is realised as PS_SOLID */
   int16_t widthX;  /* 2  copied */
@@ -136,15 +139,15 @@ typedef struct PhysicalPen {
   uint32_t colour; /* 6  physical color */
 } PhysicalPen;
 
-/* 12 bytes where pointers have four: a brush before it is realised. */
+/* A brush before it is realised. 12 bytes where pointers have four. */
 typedef struct LogicalBrush {
   uint16_t style;      /* 0  BS_SOLID, BS_HOLLOW, BS_HATCHED, BS_PATTERN */
   uintptr_t colour;    /* 2  0x00BBGGRR; for BS_PATTERN the address of a SourceBitmap instead */
-  int16_t hatch;       /* +0 (6)  HS_... */
-  uint32_t background; /* +2 (8)  physical color of the gaps of a hatch, not converted */
+  int16_t hatch;       /* 6 where pointers have four: HS_... */
+  uint32_t background; /* 8 where pointers have four: physical color of the gaps of a hatch, not converted */
 } LogicalBrush;
 
-/* 268 bytes: a realised brush. A cell with top byte 0xFF is foreground, one with top byte 0 background. */
+/* A realised brush. 268 bytes. A cell holds a physical color; its top byte is 0xFF for foreground, 0 for background. */
 typedef struct PhysicalBrush {
   uint16_t style;        /*  0  as the logical brush */
   uint16_t hatch;        /*  2  as the logical brush */
@@ -154,10 +157,10 @@ typedef struct PhysicalBrush {
   uint32_t cells[64];    /* 12  8 rows of 8, top row first, leftmost first */
 } PhysicalBrush;
 
-/* What is read of a raster font: the first 33 bytes of the platform's font record. The character table follows at
- * byte 49 (entries of 4 bytes: u16 width, u16 offset) when dfType is exactly 0x200, else at byte 82 (entries of 6
- * bytes: u16 width, u32 offset). A glyph lies at fontBase + offset: columns of 8 pixels, dfPixHeight bytes each, top
- * row first, bit 0x80 leftmost. */
+/* A raster font: the first 33 bytes of the platform's font record, of which some fields are read. The character table
+ * follows at byte 49 (entries of 4 bytes: u16 width, u16 offset) when dfType is exactly 0x200, else at byte 82 (entries
+ * of 6 bytes: u16 width, u32 offset). A glyph lies at fontBase + offset: columns of 8 pixels, dfPixHeight bytes each,
+ * top row first, bit 0x80 leftmost. */
 typedef struct FONTINFO {
   uint16_t dfType;           /*  0  bit 0x20: two-byte characters; 0x200: short table */
   int16_t dfPoints;          /*  2  not read */
@@ -183,22 +186,24 @@ typedef struct FONTINFO {
 } FONTINFO;
 
 #ifndef _WINGDI_
-/* The description of a device-independent bitmap: 40 bytes. Followed at byte biSize by the color table (blue, green,
- * red, unused; 1, 4 and 8 bits), or at byte 40 by three masks (red, green, blue; 16 bits with BI_BITFIELDS).
+/* The description of a device-independent bitmap: 40 bytes. At 1, 4 and 8 bits the color table follows at byte
+ * biSize (four bytes a color: blue, green, red, unused); at 16 bits with BI_BITFIELDS three masks follow at byte 40
+ * (red, green, blue; four bytes each, the upper two not used).
  *
  * Run-length data (BI_RLE8, BI_RLE4) has no length here: the host puts 260 + 2 * |biHeight| zero bytes behind the bytes
- * of the document. Nothing farther is read, whatever the data holds; a last code of 0 1 alone is no such promise. */
+ * of the document. Nothing beyond them is read, whatever the data holds. An end code as the last two bytes is not
+ * enough, because hostile data may skip it. */
 typedef struct BITMAPINFOHEADER {
-  uint32_t biSize;  /* 40..4096 at 1, 4 and 8 bits, else refused; not read at the others */
-  int32_t biWidth;  /* 1..32767, else refused */
-  int32_t biHeight; /* -32767..32767 but 0; negative: top row stored first */
-  uint16_t biPlanes;
-  uint16_t biBitCount; /* 1, 4, 8, 16, 24, 32 */
-  uint32_t biCompression;  /* 4, 5 and values above 6 are refused; 6 is taken as plain rows */
+  uint32_t biSize;         /* 40..4096 at 1, 4 and 8 bits, other values are refused; not used at other depths */
+  int32_t biWidth;         /* pixels, 1..32767; other values are refused */
+  int32_t biHeight;        /* rows, 1..32767 or negative: top row stored first; other values are refused */
+  uint16_t biPlanes;       /* 1; other values are refused */
+  uint16_t biBitCount;     /* 1, 4, 8, 16, 24, 32; other values are refused */
+  uint32_t biCompression;  /* BI_...; 4, 5 and values above 6 are refused; 6 is read as uncompressed rows */
   uint32_t biSizeImage;    /* not read */
   int32_t biXPelsPerMeter; /* not read */
   int32_t biYPelsPerMeter; /* not read */
-  uint32_t biClrUsed;      /* 0: the full table; missing entries of a short table are white */
+  uint32_t biClrUsed;      /* colors of the table; 0: all that the depth allows; missing ones are white */
   uint32_t biClrImportant; /* not read */
 } BITMAPINFOHEADER;
 #endif
@@ -276,12 +281,12 @@ typedef struct BITMAPINFOHEADER {
 #define BI_BITFIELDS 3u
 #endif
 
-/* Extended raster code of QNVStretchDIBits: each byte becomes the smaller of band and image. */
+/* Extended raster code of QNVStretchDIBits: each byte of the band becomes the smaller of band and image. */
 #define ROP_MINIMUM 0x01000000u
 
 /* Span encodings of QNVOutput. */
-#define OS_SCANLINES 4u         /* 104 means the same */
-#define OS_BANDED_SPANS 5u      /* 105 means the same */
+#define OS_SCANLINES 4u    /* 104 means the same */
+#define OS_BANDED_SPANS 5u /* 105 means the same */
 #define OS_ROW_RECORDS 205u
 #define OS_ROW_SPANS 305u
 #define OS_BYTE_DELTAS 405u
@@ -291,59 +296,62 @@ typedef struct BITMAPINFOHEADER {
 
 /* ---- Functions -------------------------------------------------------------------------------------- */
 
-/* Makes a device that paints into one band and returns its handle. Returns null for an unknown kind or depth, a null
- * description or bandRect, a resolution A of 0 on kind 0, and when there is no memory.
- *   buffer        the band: rows of (width * bytes a pixel + 3) & ~3 bytes, top row first. It belongs to the host and
- *                 must live until QNVDisable. With a null buffer nothing is painted.
- *   secondBuffer  with kind 1, unless null, the tag plane of a dual-plane device: one byte a pixel, rows of
- *                 (width + 3) & ~3 bytes. bitsPerPixel does not matter for the choice of this device; its clear
- *                 escape writes three bytes a pixel into `buffer`, even when another depth is described. */
+/* Makes a device that paints into one band and returns its handle. Returns null for a null description or bandRect, an
+ * unknown kind, kind 1 with a depth other than 24 and 8, kind 0 with a resolution A of 0, and without memory.
+ *   buffer        memory of the band: rows of (width * bytes a pixel + 3) & ~3 bytes, top row first; 3 bytes a pixel on
+ *                 kind 0. It belongs to the host and must live until QNVDisable. With a null buffer nothing is painted.
+ *   secondBuffer  unless null, makes kind 1 a dual-plane device and is the memory of its tag plane: one byte a pixel,
+ *                 rows of (width + 3) & ~3 bytes. Such a device is made whatever bitsPerPixel says; its clear escape
+ *                 writes three bytes a pixel into `buffer` even when another depth is described. */
 DeviceHandle *QNV_CALL QNVEnable(const DeviceDescription *description, const BandRect *bandRect, void *buffer,
                                  void *secondBuffer);
 
-/* Destroys the device and frees the handle; the host's buffers are left alone. */
+/* Destroys the device and frees the handle. The buffers of the host are left alone, and so is a bad handle. */
 void QNV_CALL QNVDisable(DeviceHandle *handle);
 
-/* Tells the size of a device before it is made: writes the described size, scaled from resolution A to B, and returns
- * 8. Returns 0 for a null result, an unknown kind or depth. */
+/* Reports the size of a device before it is made: writes the described size, scaled from resolution A to B, and returns
+ * 8, the bytes written. Returns 0 and writes nothing for a null description or result, an unknown kind, kind 1 with a
+ * depth other than 24 and 8, and kind 0 with a resolution A of 0. */
 uint32_t QNV_CALL QNVGetDeviceInfo(const DeviceDescription *description, DeviceSize *result);
 
-/* Escapes: set the drawing origin, move the band, clear it. 16-bit result: 1 when done, 0 for an unknown code or null
- * data where data is needed. */
+/* Escapes: sets the drawing origin, moves the band, or clears it. `extra` is not read. 16-bit result: 1 when done, 0
+ * for an unknown code or null data where data is needed. */
 uint32_t QNV_CALL QNVControl(DeviceHandle *handle, uint32_t code, const void *data, void *extra);
 
-/* Logical color 0x00BBGGRR to physical color: itself on color devices, the gray level
- * (30 red + 59 green + 11 blue) / 100 in three bytes on gray ones. Also stored at `result` unless null. */
+/* Converts a logical color 0x00BBGGRR to a physical color: the same on color devices, the gray level
+ * (30 red + 59 green + 11 blue) / 100 in three bytes on gray ones. Returns it and stores it at `result` unless null. */
 uint32_t QNV_CALL QNVColorInfo(DeviceHandle *handle, uint32_t colour, uint32_t *result);
 
-/* Realises a pen (LogicalPen to PhysicalPen) or a brush (LogicalBrush to PhysicalBrush); `kind` counts on its
- * low 16 bits, `extra` is not read. Null `output`: the record's size, 10 or 268. Else 0x8002 for a solid
- * brush, 0x8000 for the others, 0 for an unknown kind, a brush style above 3, or null input. */
+/* Realises a pen (LogicalPen to PhysicalPen) or a brush (LogicalBrush to PhysicalBrush). Only the low 16 bits of `kind`
+ * are used; `extra` is not read. With a null `output` returns the size of the record, 10 or 268. Otherwise returns
+ * 0x8002 for a solid brush, 0x8000 for other objects, and 0 for an unknown kind, a null input, a brush style above 3,
+ * or a pattern without bitmap or bits. */
 uint32_t QNV_CALL QNVRealizeObject(DeviceHandle *handle, uint32_t kind, const void *input, void *output,
                                    const void *extra);
 
-/* One pixel at page coordinates. Null drawMode reads: the pixel with its first band byte in bits 0..7, 0 when
- * clipped away. Else writes `colour` (bits 16..23 into the first byte) under Rop2, the only field of the draw
- * mode that is read, and returns 0. `clip` is required. */
+/* Reads or writes one pixel at page coordinates. With a null drawMode reads it: returns the pixel with its first band
+ * byte in bits 0..7, or 0 when it is clipped away. Otherwise combines `colour` (bits 16..23 with the first byte) with
+ * the pixel by Rop2, the only field of the draw mode that is read, and returns 0. With a null `clip` nothing is read or
+ * written. */
 uint32_t QNV_CALL QNVPixel(DeviceHandle *handle, int32_t x, int32_t y, uint32_t colour, const DRAWMODE *drawMode,
                            const BandRect *clip);
 
-/* QNVPixel on every pixel of the rectangle that has these two corners; both corners belong to it. Returns 0. */
+/* Writes like QNVPixel every pixel of the rectangle with these two corners, both included. Returns 0. */
 uint32_t QNV_CALL QNVPolyPixel(DeviceHandle *handle, int32_t x1, int32_t y1, int32_t x2, int32_t y2, uint32_t colour,
                                const DRAWMODE *drawMode, const BandRect *clip);
 
-/* Ternary raster operation; bits 16..23 of `rop` are its index. `source` is read only when the index uses the
- * source, `brush` only when it uses the pattern; a null drawMode keeps the pattern of the call before. `clip`
- * is required; all four values 0 after the origin is added means no clip. 16-bit result, 1 on a plain
- * device whatever was painted; 0 when a dual-plane device cannot tag the transfer. */
+/* Combines source, pattern and band over a rectangle by a ternary raster operation, whose index is in bits 16..23 of
+ * `rop`. `source` is read only when the operation uses the source; `brush` and `drawMode` give the pattern, and a null
+ * drawMode keeps the pattern of the call before. A null `clip` paints nothing; a clip of four zeros after the origin is
+ * added does not limit. 16-bit result: 1 whatever was painted; 0 when a dual-plane device cannot tag the transfer. */
 uint32_t QNV_CALL QNVDevBitBlt(DeviceHandle *handle, int32_t destX, int32_t destY, const SourceBitmap *source,
                                int32_t srcX, int32_t srcY, int32_t width, int32_t height, uint32_t rop,
                                const PhysicalBrush *brush, const DRAWMODE *drawMode, const BandRect *clip);
 
-/* Paints a list of spans (OS_...) with the brush or, without one, the pen, under drawMode->Rop2; a null drawMode
- * keeps the pattern of the call before. `style` and `count` count on their low 16 bits. 16-bit result: 1
- * understood (even if all was clipped), 0xFFFF unknown style (0 on a dual-plane device whose tag plane holds
- * images), 0 for a null clip.
+/* Paints a list of spans (OS_...) with the brush or, without one, the pen, combined by drawMode->Rop2; a null drawMode
+ * keeps the pattern of the call before. Only the low 16 bits of `style` and `count` are used. `points` need not be
+ * aligned. 16-bit result: 1 for a known style, even when all was clipped; 0xFFFF for an unknown one (0 on a dual-plane
+ * device whose tag plane holds images); 0 for a null clip.
  *
  *   OS_SCANLINES      count word pairs: (unused, y), then (left, right) ...
  *   OS_BANDED_SPANS   count records: n, top, bottom, n words (left, right) ..., n again
@@ -352,35 +360,51 @@ uint32_t QNV_CALL QNVDevBitBlt(DeviceHandle *handle, int32_t destX, int32_t dest
  *   OS_BYTE_DELTAS    y, left, right, then a byte pair (dLeft, dRight) for each further row
  *   OS_NIBBLE_DELTAS  the same with one byte a row: low nibble dLeft, high nibble dRight, -8..7
  *
- * A negative n that leads before the list ends it.
+ * A record with a negative n paints nothing; when the next record would lie before the list, the list ends.
  */
 uint32_t QNV_CALL QNVOutput(DeviceHandle *handle, uint32_t style, uint32_t count, const int16_t *points,
                             const PhysicalPen *pen, const PhysicalBrush *brush, const DRAWMODE *drawMode,
                             const BandRect *clip);
 
-/* Raster-font text; (x, y) is the top left of the first cell. `count` is taken as signed 16 bits: negative
- * measures |count| characters and draws no glyph. `charWidths`, when given, places the characters; `clip`
- * and `opaqueRect` may be null. Codes of two-byte fonts index the character table unchecked: the host maps a
- * document's codes to entries that the table has, or gives all 65,536 (393,216 bytes from byte 82 on). Returns the advance, or (dfPixHeight << 16) | (advance & 0xFFFF) when
- * measuring, which also writes drawMode->BreakErr. */
-int32_t QNV_CALL QNVDevExtTextOut(DeviceHandle *handle, int32_t x, int32_t y, const BandRect *clip,
-                                  const void *string, int32_t count, const void *fontBase, uint32_t fontOffset,
-                                  DRAWMODE *drawMode, const void *textXForm, const int16_t *charWidths,
-                                  const BandRect *opaqueRect, uint32_t options);
+/* Draws or measures text in a raster font. (x, y) is the top left of the first character cell. Only the low 16 bits of
+ * `count`, `fontOffset` and `options` are used.
+ *
+ *   clip        may be null; then the described size limits the glyphs
+ *   string      one or two bytes a character, as the font says. Codes of two-byte fonts index the character
+ *               table without a check: the host maps the codes of documents to entries that the table has, or
+ *               provides all 65,536 entries (393,216 bytes from byte 82 on)
+ *   count       characters, signed; 0 and negative: measures |count| characters and draws nothing
+ *   fontBase    glyph offsets count from here; the FONTINFO is fontOffset bytes behind it
+ *   textXForm   not read
+ *   charWidths  the advance of each character, instead of its width in the font; may be null
+ *   opaqueRect  ETO_OPAQUE fills it with the background color, ETO_CLIPPED clips the glyphs to it; may be null
+ *
+ * Returns the advance cut to 16 bits. When measuring returns (dfPixHeight << 16) | (advance & 0xFFFF) and updates
+ * drawMode->BreakErr. */
+int32_t QNV_CALL QNVDevExtTextOut(DeviceHandle *handle, int32_t x, int32_t y, const BandRect *clip, const void *string,
+                                  int32_t count, const void *fontBase, uint32_t fontOffset, DRAWMODE *drawMode,
+                                  const void *textXForm, const int16_t *charWidths, const BandRect *opaqueRect,
+                                  uint32_t options);
 
-/* Paints a rectangle of a device-independent bitmap, stretched to the destination's size, and mirrored where the signs
- * of the extents differ.
- *   get         low 16 bits: 1 asks to read the band back, which is refused; any other value paints
- *   bitmapInfo  a BITMAPINFOHEADER followed by its table or masks
- *   rop         SRCCOPY, any ternary code, or ROP_MINIMUM
- * 16-bit result: 1 when painted, 0 when refused (get = 1, a null pointer, a bad header) or clipped away wholly. */
+/* Paints a rectangle of a device-independent bitmap, stretched to the size of the destination, and mirrored where the
+ * signs of the extents differ.
+ *
+ *   get              low 16 bits; 1 asks to read the band back, which is refused; all other values paint
+ *   srcY             counted from the bottom row of the picture
+ *   bitmapInfo       a BITMAPINFOHEADER followed by its color table or masks
+ *   conversionInfo   not read
+ *   rop              SRCCOPY, any other ternary code, or ROP_MINIMUM
+ *   brush, drawMode  as for QNVDevBitBlt, for codes that use a pattern
+ *
+ * 16-bit result: 1 when painted; 0 when refused (get = 1; null bits, bitmapInfo or clip; a bad header), when nothing is
+ * visible, when a dual-plane device cannot tag the image, and without memory. */
 uint32_t QNV_CALL QNVStretchDIBits(DeviceHandle *handle, uint32_t get, int32_t dstX, int32_t dstY, int32_t dstWidth,
-                                   int32_t dstHeight, int32_t srcX, int32_t srcY, int32_t srcWidth,
-                                   int32_t srcHeight, const void *bits, const void *bitmapInfo,
-                                   const void *conversionInfo, uint32_t rop, const PhysicalBrush *brush,
-                                   const DRAWMODE *drawMode, const BandRect *clip);
+                                   int32_t dstHeight, int32_t srcX, int32_t srcY, int32_t srcWidth, int32_t srcHeight,
+                                   const void *bits, const void *bitmapInfo, const void *conversionInfo, uint32_t rop,
+                                   const PhysicalBrush *brush, const DRAWMODE *drawMode, const BandRect *clip);
 
-/* QNVStretchDIBits, unscaled and with SRCCOPY, of numScans stored rows from row startScan on. */
+/* Paints numScans rows of a bitmap, from row startScan on, unscaled: QNVStretchDIBits with SRCCOPY, biWidth as both
+ * widths, startScan as srcY and numScans as both heights. Same result. */
 uint32_t QNV_CALL QNVDevSetDIBitsToDevice(DeviceHandle *handle, int32_t x, int32_t y, uint32_t startScan,
                                           uint32_t numScans, const BandRect *clip, const DRAWMODE *drawMode,
                                           const void *bits, const void *bitmapInfo, const void *conversionInfo);
