@@ -1,3 +1,4 @@
+// Makes the device, moves its band down the page, and passes the painted rows on.
 #include "band_printer.h"
 
 #include <fmt/core.h>
@@ -12,6 +13,7 @@ namespace {
 
 constexpr std::size_t kLargestStride = 65535;  // image transfers count a band row in 16 bits
 
+// The description of a device for a page or a band of this size, in pixels.
 DeviceDescription Describe(const DeviceChoice& device, int width, int height) {
   using Kind = DeviceChoice::Kind;
   DeviceDescription description{};
@@ -63,9 +65,9 @@ BandPrinter::BandPrinter(const Rasteriser& rasteriser, const DeviceChoice& devic
 
 BandPrinter::~BandPrinter() { rasteriser_.disable(handle_); }
 
-// On a scaled device text and pictures come out the same in every band only when the band's first row lies on a
-// page row exactly, and page rows next to a band's edge round into it from both sides. So the memory holds some
-// rows more above and below, and starts where page rows and band rows meet.
+// The rows that the memory holds for a band of `rows` rows from `top` on. On a scaled device text and pictures are
+// painted alike in every band only if the first row of the memory corresponds to a page row exactly; and page rows
+// beside the edge of a band may be rounded into it. So there the memory holds some more rows above and below.
 BandPrinter::Extent BandPrinter::ExtentOf(int top, int rows) const {
   if (guard_ == 0) return {top, top + rows};
   const int above = top == 0 ? 0 : (top - 1) / guard_ * guard_;
@@ -90,6 +92,7 @@ void BandPrinter::Print(const Page& page, const Sink& sink) {
     Control(QNV_CLEAR_BAND, nullptr);
     const auto onPage = [&](int value) { return ScaleRounded(value, device_.pageDpi, device_.bandDpi); };
     painter.Paint({0, onPage(extent.top), onPage(width_), onPage(extent.bottom)});
+    // Rows above the band proper.
     const std::size_t skipped = static_cast<std::size_t>(top - extent.top);
     sink({top, rows, band_.data() + skipped * stride_, stride_,
           tags_.empty() ? nullptr : tags_.data() + skipped * tagStride_, tagStride_});

@@ -1,4 +1,4 @@
-// Paints pages band by band, as a printer driver does.
+// Paints pages band by band, as a printer driver does: one device, whose band moves down the page.
 #pragma once
 
 #include <cstdint>
@@ -11,7 +11,7 @@
 
 namespace qnv::tool {
 
-// A finished band, in the pixels of the picture. Valid during the call that hands it over.
+// A finished band, in pixels of the picture. The memory is valid during the call of the sink only.
 struct BandView {
   int top = 0;
   int rows = 0;
@@ -37,17 +37,18 @@ class BandPrinter {
   int height() const { return height_; }
   int bands() const { return (height_ + bandRows_ - 1) / bandRows_; }
 
-  // Hands the bands to `sink` from the top of the page to its bottom.
+  // Paints a page and passes its bands to `sink`, from the top of the page to the bottom.
   void Print(const Page& page, const Sink& sink);
 
  private:
-  // Rows of the picture that a band's memory holds; the sink gets the ones in the middle.
+  // Rows of the picture that the memory holds for a band; the sink gets those in the middle.
   struct Extent {
     int top = 0;
     int bottom = 0;
   };
 
   Extent ExtentOf(int top, int rows) const;
+  // Calls QNVControl. Throws ToolError when the library refuses.
   void Control(uint32_t code, const void* data) const;
 
   const Rasteriser rasteriser_;
@@ -55,7 +56,7 @@ class BandPrinter {
   int width_ = 0;
   int height_ = 0;
   int bandRows_ = 0;
-  int guard_ = 0;  // rows of the picture after which page rows and band rows meet again; 0 where they are the same
+  int guard_ = 0;  // band rows after which a band row is a page row exactly again; 0 where all are
   std::size_t stride_ = 0;
   std::size_t tagStride_ = 0;
   std::vector<uint8_t> band_;

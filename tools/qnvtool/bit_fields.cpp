@@ -1,3 +1,4 @@
+// Converts pixels of 16 and 32 bits whose components the rasteriser cannot read at their places.
 #include "bit_fields.h"
 
 #include <bit>
@@ -7,6 +8,7 @@
 namespace qnv::tool {
 namespace {
 
+// One component, scaled to 0..255 and rounded.
 uint8_t Component(uint32_t pixel, uint32_t mask) {
   const int shift = std::countr_zero(mask);
   const uint64_t largest = mask >> shift;

@@ -1,3 +1,4 @@
+// Reads BMP files field by field, from the file header to the pixels, and builds the bitmap that the rasteriser takes.
 #include "bmp_reader.h"
 
 #include <fmt/core.h>
@@ -18,8 +19,8 @@ constexpr std::size_t kCoreHeader = 12;
 constexpr std::size_t kInfoHeader = 40;
 constexpr uint32_t kAlphaBitFields = 6;  // BI_BITFIELDS with a fourth mask, which nothing here needs
 
-// An absolute run has at most 255 bytes, so whatever code a stream breaks off in, decoding reaches an
-// end-of-bitmap code inside this padding.
+// End-of-bitmap codes behind the codes of the file, in bytes. A literal takes at most 256 bytes, so in whatever code a
+// truncated file ends, decoding continues at one of these codes.
 constexpr std::size_t kRlePadding = 512;
 
 // The fields of all header generations under the names of the 40-byte one.
@@ -40,6 +41,7 @@ struct Header {
   bool hasTable() const { return bitCount <= 8; }
 };
 
+// Reads one file. Every step checks that the fields it uses lie inside the file.
 class Reader {
  public:
   Reader(const Bytes& file, const std::string& name) : file_(file), name_(name) {}
@@ -73,6 +75,7 @@ class Reader {
     throw ToolError(ExitCode::kBadInput, name_ + ": " + fmt::format(format, std::forward<Args>(args)...));
   }
 
+  // Fails unless the file has at least `end` bytes; `field` is what would lie there.
   void Require(std::size_t end, const char* field) const {
     if (file_.size() < end) Fail("{}: the file ends at byte {}, {} are needed", field, file_.size(), end);
   }
@@ -162,8 +165,8 @@ class Reader {
     }
   }
 
-  // As many entries as the header promises and the room before the pixels holds. Tables of deeper pixels are
-  // hints for palette displays and are left out.
+  // Reads as many entries as the header says and the space before the pixels holds. Deeper pixels may have a table too,
+  // a hint for displays with a palette; it is not read.
   void FindTable() {
     if (!header_.hasTable()) return;
     const std::size_t entry = header_.isCore() ? 3 : 4;
@@ -193,6 +196,7 @@ class Reader {
     }
   }
 
+  // Copies the run-length codes and appends the padding.
   void TakeRleCodes() {
     std::size_t size = file_.size() - pixelOffset_;
     if (header_.sizeImage != 0) {
@@ -211,6 +215,7 @@ class Reader {
     }
   }
 
+  // Copies the rows, converted to 32 bits where the rasteriser cannot read their bit fields.
   void TakeRows() {
     const std::size_t stride = DibStride(dib_.width, dib_.bitCount);
     const std::size_t need = stride * static_cast<std::size_t>(dib_.height);
@@ -233,6 +238,7 @@ class Reader {
     dib_.compression = BI_RGB;
   }
 
+  // Writes the header, table and masks that the rasteriser gets.
   void WriteInfo() {
     Bytes& info = dib_.info;
     AppendU32(info, kInfoHeader);

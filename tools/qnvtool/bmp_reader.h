@@ -1,4 +1,4 @@
-// BMP files of every header generation, turned into the one form that the rasteriser takes.
+// Reads BMP files and converts them to the one form of bitmap that the rasteriser takes.
 #pragma once
 
 #include <string>

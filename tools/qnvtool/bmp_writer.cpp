@@ -1,3 +1,4 @@
+// Builds BMP files in memory.
 #include "bmp_writer.h"
 
 #include <algorithm>
@@ -13,6 +14,8 @@ namespace {
 
 constexpr uint32_t kHeaders = 14 + 40;
 
+// File header and bitmap header. colors: entries of the color table, which the caller appends. imageSize: bytes of the
+// pixels.
 Bytes Headers(int width, int height, int dpi, uint32_t bitCount, uint32_t compression, std::size_t colors,
               std::size_t imageSize) {
   const uint32_t offset = kHeaders + static_cast<uint32_t>(colors) * 4;
@@ -35,17 +38,18 @@ Bytes Headers(int width, int height, int dpi, uint32_t bitCount, uint32_t compre
   return file;
 }
 
-// Equal pixels from `at` on, at most 255.
+// The number of equal pixels from `at` on, at most 255.
 std::size_t RunLength(const uint8_t* row, std::size_t at, std::size_t width) {
   std::size_t end = at + 1;
   while (end < width && row[end] == row[at] && end - at < 255) ++end;
   return end - at;
 }
 
+// Encodes a row as runs of three or more equal pixels and literals of the others.
 void AppendEncodedRow(Bytes& codes, const uint8_t* row, std::size_t width) {
   for (std::size_t x = 0; x < width;) {
     const std::size_t run = RunLength(row, x, width);
-    std::size_t end = x;  // of a stretch without runs worth encoding
+    std::size_t end = x;  // end of a literal: where the next run of three begins
     while (end < width && end - x < 255 && RunLength(row, end, width) < 3) ++end;
     if (run >= 3 || end - x < 3) {  // absolute runs have three pixels or more
       codes.push_back(static_cast<uint8_t>(run));

@@ -1,4 +1,4 @@
-// BMP files for pictures that the tool makes itself.
+// Writes the pictures that the tool makes itself as BMP files.
 #pragma once
 
 #include <cstdint>
@@ -15,7 +15,7 @@ Bytes EncodeBmp24(int width, int height, int dpi, const std::vector<uint8_t>& pi
 Bytes EncodeBmpRle8(int width, int height, int dpi, const std::vector<uint8_t>& indices,
                     const std::vector<uint32_t>& palette);
 
-// A whole file, "-" being standard output. Throws ToolError (cannot write).
+// Writes a whole file; "-" is standard output. Throws ToolError (cannot write).
 void WriteFile(const std::string& path, const Bytes& bytes);
 
 }  // namespace qnv::tool

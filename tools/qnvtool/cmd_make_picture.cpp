@@ -1,3 +1,4 @@
+// The options of `qnvtool make-picture`.
 #include "cmd_make_picture.h"
 
 #include <memory>

@@ -5,6 +5,7 @@
 
 namespace qnv::tool {
 
+// Writes one of the sample pictures as a BMP file.
 Command MakePictureCommand();
 
 }  // namespace qnv::tool

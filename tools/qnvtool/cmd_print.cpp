@@ -1,3 +1,4 @@
+// The options of `qnvtool print`, and their translation into a print job.
 #include "cmd_print.h"
 
 #include <memory>
@@ -8,7 +9,7 @@
 namespace qnv::tool {
 namespace {
 
-// What the command line holds before it is made sense of.
+// The values of the command line, some of them still to be parsed.
 struct PrintArguments {
   PrintOptions options;
   std::string paper = "a4";
@@ -20,6 +21,7 @@ struct PrintArguments {
   bool noHeader = false;
 };
 
+// For the shell completion.
 constexpr const char* kFontNames = "serif sans monospace";
 constexpr const char* kFontFiles = "ttf|otf|ttc|pfb";
 

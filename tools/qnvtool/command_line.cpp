@@ -32,9 +32,10 @@ class HelpFormatter final : public CLI::Formatter {
   static constexpr std::size_t kDescriptionWidth = 80 - kDescriptionColumn;
 };
 
-// How messages call an option: its long name, which stands last.
+// The name of an option in messages: its long name, which is the last one.
 std::string NameOf(const Option& option) { return option.names.substr(option.names.rfind(',') + 1); }
 
+// Registers an option with the parser, according to the kind of its value.
 class Binder {
  public:
   Binder(CLI::App& app, const Option& option) : app_(app), option_(option) {}
@@ -83,6 +84,7 @@ void AddCommand(CLI::App& app, const Command& command) {
   added->callback(command.run);
 }
 
+// "--generate": writes the completion or the man page instead of running a command.
 int Generate(const Program& program, const std::vector<std::string>& words) {
   std::string text;
   if (words[2] == "completion") {

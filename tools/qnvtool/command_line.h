@@ -1,5 +1,5 @@
-// What a program understands on its command line: commands and their options, each described once. Parsing, --help,
-// the options part of the man page and the words of the shell completion all come from these descriptions.
+// The command line of a program: its commands and their options, each described once. Parsing, --help, the options part
+// of the man page and the shell completion are generated from these descriptions.
 #pragma once
 
 #include <functional>
@@ -9,14 +9,15 @@
 
 namespace qnv::tool {
 
-// Values that an option takes, and where the value given goes. A variable keeps its contents when the option is absent.
+// The kinds of values that an option takes, with the variable that receives the value. A variable keeps its contents
+// when the option is not given.
 struct Flag {
   bool* given;
 };
 struct Text {
   std::string* value;
 };
-struct Words {  // a positional argument that takes all that follow
+struct Words {  // all positional arguments
   std::vector<std::string>* values;
 };
 struct WholeNumber {
@@ -32,9 +33,10 @@ struct OneOf {
   std::vector<std::string> choices;
 };
 
+// An option or a positional argument of a command.
 struct Option {
   std::string names;        // "-o,--out"; without dashes: a positional argument
-  std::string placeholder;  // how help calls the value: "FILE"; empty for flags
+  std::string placeholder;  // the name of the value in help: "FILE"; empty for flags
   std::string help;         // plain text; "(default X)" included
   std::variant<Flag, Text, Words, WholeNumber, Decimal, OneOf> value;
   std::string group = {};  // heading in help; empty: the general ones
@@ -44,6 +46,7 @@ struct Option {
   std::string fileTypes = {};    // for Text: extensions of files that complete it, "png|ppm"; "*": any file
 };
 
+// A command, such as "print".
 struct Command {
   std::string name;
   std::string summary;
@@ -52,6 +55,7 @@ struct Command {
   std::function<void()> run;
 };
 
+// A program: what --help and --version show, and its commands.
 struct Program {
   std::string name;
   std::string summary;

@@ -1,3 +1,4 @@
+// Parses the value of --device.
 #include "device_choice.h"
 
 #include <fmt/core.h>

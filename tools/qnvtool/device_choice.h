@@ -1,4 +1,4 @@
-// The devices that a page can be painted on.
+// The devices that a page can be painted on, as the option --device names them.
 #pragma once
 
 #include <string>
@@ -27,8 +27,8 @@ struct DeviceChoice {
   int bandBytesPerPixel() const { return kind == Kind::kGray ? 1 : 3; }
 };
 
-// color, gray, dual, scaled:A/B, scaled-gray:A/B. `dpi` counts for the first three, 0 meaning 300; with the scaled
-// ones it must be 0 or A. Throws ToolError (usage).
+// Parses color, gray, dual, scaled:A/B or scaled-gray:A/B. dpi: resolution of the first three, 0 meaning 300; for the
+// scaled ones it must be 0 or A. Throws ToolError (usage).
 DeviceChoice ParseDevice(const std::string& text, int dpi);
 
 }  // namespace qnv::tool

@@ -13,7 +13,7 @@ namespace qnv::tool {
 inline constexpr int kLargestDibSide = 32767;
 
 struct Dib {
-  int width = 0;
+  int width = 0;         // pixels
   int height = 0;        // rows, always positive
   bool topDown = false;  // the first stored row is the top one
   int bitCount = 0;
@@ -26,7 +26,7 @@ struct Dib {
   Bytes info;  // BITMAPINFOHEADER, then the color table (4 bytes an entry) or three masks
   Bytes bits;  // pixel rows or RLE codes, safe to decode to the last row
 
-  std::vector<std::string> remarks;  // what was mended while reading; worth telling the user
+  std::vector<std::string> remarks;  // faults of the file that reading has repaired, for the user
 };
 
 // Bytes from one stored row to the next.

@@ -1,3 +1,4 @@
+// Splits a line of a figure file into words and parses values of all kinds.
 #include "figure_line.h"
 
 #include <fmt/core.h>
@@ -21,12 +22,13 @@ std::vector<std::string> SplitWords(const std::string& line) {
     if (quoted) ++at;
     const std::size_t end = std::min(line.find_first_of(quoted ? "\"" : " \t\r", at), line.size());
     words.push_back(line.substr(at, end - at));
-    if (quoted) words.back().insert(0, 1, '"');  // told apart from options by this mark
+    if (quoted) words.back().insert(0, 1, '"');  // marks it as text, so that it is never taken for an option
     at = std::min(end + 1, line.size());
   }
   return words;
 }
 
+// The parts of a value between colons.
 std::vector<std::string> SplitParts(const std::string& text) {
   std::vector<std::string> parts(1);
   for (const char c : text) {
@@ -39,6 +41,7 @@ std::vector<std::string> SplitParts(const std::string& text) {
   return parts;
 }
 
+// HS_... by name.
 int HatchKind(const std::string& name, const FigureLine& line) {
   constexpr std::array<const char*, 6> kNames{"horizontal", "vertical", "fdiagonal", "bdiagonal", "cross", "diagcross"};
   const auto found = std::find(kNames.begin(), kNames.end(), name);

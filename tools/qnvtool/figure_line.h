@@ -1,4 +1,4 @@
-// One instruction of a figure file, taken apart.
+// One instruction of a figure file as verb, words and options.
 #pragma once
 
 #include <map>
@@ -11,17 +11,18 @@ namespace qnv::tool {
 
 class FigureLine {
  public:
-  // `where` ("file:line") stands in front of messages. Throws ToolError (bad input) like all the others here.
+  // where: "file:line", put before messages. All functions throw ToolError (bad input) for values that do not fit.
   FigureLine(const std::string& line, std::string where);
 
   const std::string& verb() const { return verb_; }
-  std::size_t count() const { return words_.size(); }  // words after the verb, options left out
+  std::size_t count() const { return words_.size(); }  // words after the verb, without options
 
+  // Word i; `field` names it in messages.
   const std::string& Word(std::size_t i, const char* field) const;
   double Number(std::size_t i, const char* field) const;
   Point PointAt(std::size_t i) const;  // "X,Y"
 
-  // The value of name=value, or the default.
+  // The value of the option name=value, or `otherwise` when the line does not have it.
   std::string Option(const std::string& name, const std::string& otherwise) const;
   double NumberOption(const std::string& name, double otherwise) const;
 
@@ -40,7 +41,8 @@ class FigureLine {
   std::map<std::string, std::string> options_;
 };
 
-// "#rrggbb". The others fail through `line`.
+// Parse a color "#rrggbb", a fill, and a line style "#rrggbb:WIDTH" (see kFigureFormatHelp). Errors are reported
+// through `line`.
 Color ParseColor(const std::string& text, const FigureLine& line);
 Fill ParseFill(const std::string& text, const FigureLine& line);
 

@@ -1,3 +1,4 @@
+// Sets figure files: each instruction becomes an item of the current page.
 #include "figures.h"
 
 #include <fmt/core.h>
@@ -26,6 +27,7 @@ const std::map<std::string, uint32_t> kRop3Names{{"copy", SRCCOPY},   {"and", SR
                                                  {"xor", SRCINVERT},  {"notcopy", NOTSRCCOPY}, {"erase", SRCERASE},
                                                  {"min", ROP_MINIMUM}};
 
+// The operation that an option names.
 template <class Names>
 auto Named(const Names& names, const std::string& name, const char* option, const FigureLine& line) {
   const auto found = names.find(name);
@@ -33,6 +35,7 @@ auto Named(const Names& names, const std::string& name, const char* option, cons
   return found->second;
 }
 
+// Collects the pages of one file.
 class FigureSetter {
  public:
   FigureSetter(const PageSetup& setup, const std::string& path) : setup_(setup), path_(path) {
@@ -60,9 +63,11 @@ class FigureSetter {
   std::vector<Page> Take() { return std::move(pages_); }
 
  private:
+  // Millimetres to pixels of the page.
   double Px(double mm) const { return mm * setup_.sheet.dpi / 25.4; }
   int RoundPx(double mm) const { return static_cast<int>(std::lround(Px(mm))); }
 
+  // Adds a figure, cut to the page.
   void Add(const SpanRegion& region, const Fill& fill, const FigureLine& line) {
     Figure figure;
     figure.region = Clip(region, {0, 0, setup_.sheet.width, setup_.sheet.height});
@@ -86,6 +91,7 @@ class FigureSetter {
     return fill;
   }
 
+  // rect and ellipse: the outline is the difference of a larger and a smaller figure.
   void Box(const FigureLine& line) {
     line.Expect(4, {"fill", "line", "rop2"});
     const double x = Px(line.Number(0, "X"));
@@ -104,6 +110,7 @@ class FigureSetter {
         PenOf(pen), line);
   }
 
+  // polygon and path.
   void Points(const FigureLine& line) {
     const bool closed = line.verb() == "polygon";
     if (closed) {
@@ -188,7 +195,7 @@ class FigureSetter {
 }  // namespace
 
 std::vector<Page> LayOutFigures(const Bytes& file, const PageSetup& setup, const std::string& path) {
-  DecodeTextFile(file, path);  // a binary file is called one
+  DecodeTextFile(file, path);  // only for its check that this is text
   FigureSetter setter(setup, path);
   const std::string_view text(reinterpret_cast<const char*>(file.data()), file.size());
   int number = 0;

@@ -29,7 +29,8 @@ top left corner of the paper, '#' at the start of a line begins a comment.
   O  copy (default) and or xor notcopy erase min (min: not on scaled devices)
 )";
 
-// Throws ToolError (bad input) naming file, line and field. Images are looked for beside the figure file.
+// Sets the pages of a figure file. Paths of images are relative to the folder of `path`. Throws ToolError (bad input)
+// that names file, line and field.
 std::vector<Page> LayOutFigures(const Bytes& file, const PageSetup& setup, const std::string& path);
 
 }  // namespace qnv::tool

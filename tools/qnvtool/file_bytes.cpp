@@ -1,3 +1,4 @@
+// Reads whole files and little-endian numbers.
 #include "file_bytes.h"
 
 #include <fmt/core.h>

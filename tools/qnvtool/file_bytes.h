@@ -14,14 +14,15 @@ using Bytes = std::vector<uint8_t>;
 // read, is a folder, is empty, or has more than one gigabyte.
 Bytes ReadFile(const std::string& path);
 
-// How messages call the file.
+// The name of the file in messages.
 std::string DisplayName(const std::string& path);
 
-// Requires: offset + the field's size <= bytes.size().
+// Little-endian fields. Requires: offset + the size of the field <= bytes.size().
 uint16_t U16At(const Bytes& bytes, std::size_t offset);
 uint32_t U32At(const Bytes& bytes, std::size_t offset);
 inline int32_t I32At(const Bytes& bytes, std::size_t offset) { return static_cast<int32_t>(U32At(bytes, offset)); }
 
+// Append little-endian fields.
 void AppendU16(Bytes& bytes, uint32_t value);
 void AppendU32(Bytes& bytes, uint32_t value);
 

@@ -1,3 +1,4 @@
+// Builds the raster fonts of one outline font: Latin-1 at once, other characters as they are used.
 #include "font.h"
 
 #include <algorithm>

@@ -1,4 +1,4 @@
-// A font at one size, as the layout and the printer see it.
+// A font at one size: the layout asks it for advances, the printer for raster-font records.
 #pragma once
 
 #include <array>
@@ -10,18 +10,18 @@
 
 namespace qnv::tool {
 
-// Where glyphs come from.
+// The source of the glyphs, at one size.
 class GlyphSource {
  public:
   virtual ~GlyphSource() = default;
-  virtual int ascent() const = 0;   // pixels above the baseline, nominal
-  virtual int descent() const = 0;  // pixels below it, positive
-  virtual int lineHeight() const = 0;
+  virtual int ascent() const = 0;      // pixels above the baseline, nominal
+  virtual int descent() const = 0;     // pixels below it, positive
+  virtual int lineHeight() const = 0;  // pixels from baseline to baseline
   virtual Glyph Load(char32_t code) = 0;
 };
 
-// Keeps two raster fonts: a one-byte one with all of Latin-1, made at once, and a two-byte one that grows by the
-// other characters that are asked for, each under the next free code.
+// Keeps two raster fonts: a one-byte font with all of Latin-1, made at once, and a two-byte font to which every other
+// character is added when it is first used, with the next free code.
 class Font {
  public:
   explicit Font(std::unique_ptr<GlyphSource> source);
@@ -35,13 +35,13 @@ class Font {
   // Pixels from this character to the next.
   int Advance(char32_t code);
 
-  // Code of a character in the two-byte font. Requires: !IsLatin(code). At most 65536 characters; the ones after
-  // that share the last code.
+  // Code of a character in the two-byte font. Requires: !IsLatin(code). At most 65536 characters; further ones
+  // share the last code.
   uint16_t WideCode(char32_t code);
 
   const FontRecord& latin() const { return latin_; }
 
-  // The two-byte font with every character asked for so far; empty when there is none.
+  // The two-byte font with every character used so far; empty when there is none.
   const FontRecord& Wide();
 
  private:

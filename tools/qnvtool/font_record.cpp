@@ -1,3 +1,4 @@
+// Lays glyphs out as cells of a raster font: all of one height, ink moved inside the cell.
 #include "font_record.h"
 
 #include <algorithm>
@@ -13,6 +14,7 @@ constexpr uint16_t kOneByteType = 0x0300;  // any value but 0x200 has the long t
 constexpr uint16_t kTwoByteType = 0x0320;
 constexpr uint8_t kVariablePitch = 1;
 
+// Pixels that ink left of the pen position is moved to the right.
 int InkShift(const Glyph& glyph) { return std::max(0, -glyph.left); }
 
 void PutU16(Bytes& memory, std::size_t at, uint32_t value) {
@@ -46,6 +48,7 @@ void AppendCell(Bytes& memory, const Glyph& glyph, int ascent, int height) {
   }
 }
 
+// A record with its table and cells; the fields of one-byte fonts are left 0.
 FontRecord MakeRecord(const std::vector<Glyph>& glyphs, int ascent, int descent, uint16_t type) {
   FontRecord record;
   int below = descent;

@@ -9,7 +9,7 @@
 
 namespace qnv::tool {
 
-// A character's ink and advance in pixels, y upwards from the baseline.
+// The ink and the advance of a character in pixels; y counts upwards from the baseline.
 struct Glyph {
   int advance = 0;
   int left = 0;  // from the pen position to the first ink column
@@ -30,8 +30,8 @@ struct FontRecord {
 inline constexpr char32_t kFirstLatin = 32;
 inline constexpr char32_t kLastLatin = 255;
 
-// A raster cell shows ink only between the pen position and the end of the cell, so ink that hangs out on the left
-// is moved in and a cell is at least as wide as its ink. This is the advance of the cell that comes of it.
+// The width of the cell of a glyph, which is also its advance. A cell shows ink only between the pen position and its
+// end, so ink that extends to the left is moved in, and a cell is at least as wide as its ink.
 int CellWidth(const Glyph& glyph);
 
 // One-byte font for the codes kFirstLatin..kLastLatin; glyphs[i] belongs to code kFirstLatin + i. The space is the

@@ -10,10 +10,12 @@
 
 namespace qnv::tool {
 
+// What a font is used for.
 enum class FontRole { kBody, kHeading, kListing };
 
 class FontShelf {
  public:
+  // Opens the glyphs of a role at a size in points.
   using Opener = std::function<std::unique_ptr<GlyphSource>(FontRole role, double points)>;
 
   explicit FontShelf(Opener opener) : opener_(std::move(opener)) {}

@@ -1,3 +1,4 @@
+// Renders glyphs with FreeType, and finds font files with fontconfig.
 #include "freetype_font.h"
 
 #include <fmt/core.h>
@@ -32,7 +33,7 @@ FontFile FileOf(FcPattern* match) {
   return {reinterpret_cast<const char*>(path), index & 0xFFFF};
 }
 
-// Fontconfig starts with its first call; this ends it with the program.
+// Starts fontconfig at the first call and ends it with the program.
 void StartFontconfig() {
   struct Session {
     Session() { FcInit(); }
@@ -43,6 +44,7 @@ void StartFontconfig() {
   static const Session session;
 }
 
+// The installed font that fits the name best; an empty path when there is none.
 FontFile MatchName(const std::string& name) {
   StartFontconfig();
   const PatternPtr pattern(FcNameParse(reinterpret_cast<const FcChar8*>(name.c_str())), FcPatternDestroy);
@@ -69,6 +71,7 @@ FontFile MatchCharacter(char32_t code) {
   return FileOf(match.get());
 }
 
+// FreeType counts in 64ths of a pixel.
 int CeilPixels(FT_Pos value26Dot6) { return static_cast<int>((value26Dot6 + 63) >> 6); }
 
 class FreeTypeFont final : public GlyphSource {
@@ -99,7 +102,7 @@ class FreeTypeFont final : public GlyphSource {
   }
 
  private:
-  // Null for a file that cannot be used.
+  // The face of a file at the size of this font, opened once; null for a file that cannot be used.
   FT_Face Face(const FontFile& file) {
     if (file.path.empty()) return nullptr;
     const auto known = faces_.find(file);

@@ -1,4 +1,4 @@
-// Rectangles and the rounding that the tool shares with the devices it prints on.
+// Rectangles, and the rounding of coordinates that the resolution-mapping device uses.
 #pragma once
 
 #include <algorithm>
@@ -27,7 +27,7 @@ inline Rect Intersect(const Rect& a, const Rect& b) {
 }
 
 // value * numerator / denominator to the nearest integer, exact halves away from zero. The resolution-mapping
-// device places its coordinates with the same rounding.
+// device rounds in the same way.
 inline int ScaleRounded(int value, int numerator, int denominator) {
   const int64_t product = int64_t{value} * numerator;
   const int64_t half = denominator / 2;

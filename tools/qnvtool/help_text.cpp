@@ -1,4 +1,4 @@
-// Option values, and the man page and the shell completion made from the descriptions of the options.
+// Parses option values, and generates the man page and the shell completion from the descriptions of the options.
 #include "help_text.h"
 
 #include <fmt/core.h>
@@ -24,7 +24,8 @@ std::vector<std::string> Split(const std::string& text, char separator) {
 
 bool IsPositional(const Option& option) { return option.names[0] != '-'; }
 
-// troff takes '-' for a hyphen, a backslash for an escape, and a dot or a quote at the start of a line for a request.
+// Escapes text for troff, which treats '-' as a hyphen, a backslash as an escape, and a dot or a quote at the start of
+// a line as a request.
 std::string Troff(const std::string& text) {
   std::string result;
   for (const char c : text) {
@@ -36,6 +37,7 @@ std::string Troff(const std::string& text) {
   return result;
 }
 
+// The entry of an option in the man page.
 std::string ManEntry(const Option& option) {
   std::string names;
   for (const std::string& name : Split(option.names, ',')) {
@@ -64,11 +66,13 @@ std::string CompletionBranch(const std::string& pattern, const std::string& word
   return fmt::format("        {}){} ;;\n", pattern, actions);
 }
 
+// The words that complete the value of an option.
 std::string WordsOf(const Option& option) {
   const auto* const one = std::get_if<OneOf>(&option.value);
   return one == nullptr ? option.completions : Join(one->choices, " ");
 }
 
+// The completion of one command.
 std::string CompletionOf(const Command& command) {
   std::string branches;
   std::string names = "-h --help";

@@ -1,4 +1,4 @@
-// What the parser, the man page and the completion share: option values and wrapped text.
+// What parser, man page and shell completion share: values of options and wrapped text.
 #pragma once
 
 #include <string>

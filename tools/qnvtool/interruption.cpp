@@ -1,3 +1,4 @@
+// Notes signals for the program to look at; handlers do nothing else.
 #include "interruption.h"
 
 #include <csignal>
@@ -23,7 +24,7 @@ extern "C" void NoteSignal(int signal) {
 InterruptionGuard::InterruptionGuard() {
   noted = 0;
   for (const int signal : kSignals) {
-    // What the caller has switched off (nohup, background jobs of a shell) stays off.
+    // Signals that the caller ignores (nohup, background jobs of a shell) stay ignored.
     if (std::signal(signal, NoteSignal) == SIG_IGN) std::signal(signal, SIG_IGN);
   }
 }

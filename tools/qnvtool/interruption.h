@@ -1,14 +1,15 @@
-// Ends long work in good order when the user or the system asks for it.
+// Lets long work end cleanly, with unfinished files removed, when the user or the system interrupts it.
 #pragma once
 
 namespace qnv::tool {
 
-// Thrown by ThrowIfInterrupted. Not a ToolError: the program ends by the signal itself, once everything is put away.
+// Thrown by ThrowIfInterrupted. Not a ToolError: once everything is cleaned up, the program ends itself by the same
+// signal.
 struct Interrupted {
   int signal;
 };
 
-// While one lives, SIGINT, SIGTERM and SIGHUP are noted instead of ending the program. A second one ends it at once.
+// For its lifetime SIGINT, SIGTERM and SIGHUP are noted instead of ending the program. A second signal ends it at once.
 class InterruptionGuard {
  public:
   InterruptionGuard();
@@ -20,7 +21,7 @@ class InterruptionGuard {
 // Throws Interrupted when a signal was noted.
 void ThrowIfInterrupted();
 
-// Ends the program as the signal would have. Returns the exit code of shells for that where it has no effect.
+// Ends the program as the signal would have. If that has no effect, returns the exit code by which shells report it.
 int EndBySignal(int signal);
 
 }  // namespace qnv::tool

@@ -1,4 +1,4 @@
-// Which page rows a resolution-mapping device keeps when it paints pictures.
+// The page rows that a resolution-mapping device keeps when it paints pictures; it drops the others.
 #pragma once
 
 #include <cstddef>
@@ -8,7 +8,7 @@ namespace qnv::tool {
 
 class KeptRows {
  public:
-  // Band row j of an inch takes the page row nearest to j * pageDpi / bandDpi, halves downwards.
+  // Band row j of an inch shows the page row nearest to j * pageDpi / bandDpi; an exact half rounds down.
   KeptRows(int pageDpi, int bandDpi) : kept_(static_cast<std::size_t>(pageDpi)) {
     for (int j = 0; j < bandDpi; ++j) {
       const int position = j * pageDpi;

@@ -1,3 +1,4 @@
+// Opens libraries and finds their functions: LoadLibrary on Windows, dlopen elsewhere.
 #include "library_file.h"
 
 #include <fmt/core.h>
@@ -41,7 +42,7 @@ std::shared_ptr<void> OpenLibrary(const std::string& path) {
   if (opened != nullptr) return {opened, dlclose};
   const char* const text = dlerror();
   std::string message = text == nullptr ? "unknown reason" : text;
-  // The loader begins with the path that stands before it already.
+  // The message of the loader begins with the path, which CannotLoad puts there too.
   if (message.rfind(file + ": ", 0) == 0) message.erase(0, file.size() + 2);
   CannotLoad(path, message);
 }

@@ -6,11 +6,11 @@
 
 namespace qnv::tool {
 
-// Open as long as any copy is kept. Throws ToolError (library) with the system's reason. `path` means a file even
-// where it is a bare name, which the system would look for in folders of its own.
+// Opens a library, which stays open as long as a copy of the result exists. A path without folders is a file of the
+// current folder; the folders of the system are not searched. Throws ToolError (library) with the reason.
 std::shared_ptr<void> OpenLibrary(const std::string& path);
 
-// Null when the library does not export the name.
+// The address of an exported function; null when the library does not export the name.
 void* FindSymbol(void* library, const char* name);
 
 }  // namespace qnv::tool

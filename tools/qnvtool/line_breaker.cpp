@@ -1,3 +1,4 @@
+// Breaks lines greedily: a line takes as many characters as fit and then ends at the last place where it may.
 #include "line_breaker.h"
 
 namespace qnv::tool {
@@ -10,7 +11,7 @@ bool IsIdeograph(char32_t c) {
          (c >= 0xFF01 && c <= 0xFF60) || (c >= 0x20000 && c <= 0x3FFFF);
 }
 
-// Closing punctuation of ideographic text stays with what it closes.
+// Closing punctuation of ideographic text stays on the line of what it closes.
 bool MustFollow(char32_t c) {
   constexpr std::u32string_view kClosing = U"\u3001\u3002\uFF0C\uFF0E\uFF01\uFF1F\uFF09\u300D\u300F\u3011\u3009";
   return kClosing.find(c) != std::u32string_view::npos;
@@ -18,7 +19,7 @@ bool MustFollow(char32_t c) {
 
 bool IsDash(char32_t c) { return c == '-' || c == 0x2010 || c == 0x2013 || c == 0x2014; }
 
-// May a line end between text[at - 1] and text[at]? Spaces are handled by the caller.
+// Whether a line may end between text[at - 1] and text[at]. The caller handles spaces.
 bool BreakBefore(std::u32string_view text, std::size_t at) {
   const char32_t before = text[at - 1];
   const char32_t after = text[at];
@@ -70,7 +71,7 @@ class Breaker {
     return best.end;
   }
 
-  // `line` holds the characters before `at`; keeps it as the best so far when it may end there.
+  // line: the characters before `at`. Makes it the best line so far if it may end there.
   void NoteBreak(BrokenLine& best, const BrokenLine& line, std::size_t at, char32_t c) const {
     if (c != ' ' && !BreakBefore(text_, at)) return;
     BrokenLine candidate = line;
@@ -82,6 +83,7 @@ class Breaker {
     if (candidate.width <= maxWidth_ && candidate.end > candidate.begin) best = candidate;
   }
 
+  // Takes spaces off the end of the line.
   void TrimEnd(BrokenLine& line) const {
     while (line.end > line.begin && text_[line.end - 1] == ' ') {
       --line.end;

@@ -1,4 +1,4 @@
-// Cuts a paragraph into lines.
+// Breaks a paragraph into lines.
 #pragma once
 
 #include <functional>
@@ -22,12 +22,12 @@ struct BrokenLine {
   int spaces = 0;       // spaces that may be widened
 };
 
-// Fills each line with as much as fits into maxWidth pixels. Lines end at spaces, after hyphens and dashes, at soft
-// hyphens (U+00AD) and zero-width spaces, and around ideographs; no-break spaces hold. A word wider than the line
-// is cut between characters. Requires: advances >= 0. A paragraph without characters has no lines.
+// Breaks a paragraph so that each line takes as much as fits into maxWidth pixels. Lines end at spaces, after hyphens
+// and dashes, at soft hyphens (U+00AD) and zero-width spaces, and around ideographs, but not at no-break spaces. A word
+// wider than the line is cut between characters. Requires: advances >= 0. A paragraph without characters has no lines.
 std::vector<BrokenLine> BreakLines(std::u32string_view text, const AdvanceOf& advance, int maxWidth);
 
-// Characters that guide the breaking and never show, apart from the hyphen at the end of a line.
+// Characters that control breaking and are never shown, apart from the hyphen at the end of a line.
 bool IsBreakControl(char32_t c);
 
 }  // namespace qnv::tool

@@ -1,4 +1,4 @@
-// The table of the library that the program is linked with.
+// The functions of the library that the program is linked with.
 #include "rasteriser.h"
 
 namespace qnv::tool {

@@ -1,4 +1,4 @@
-// The program: its commands, and the parts that they work with.
+// qnvtool: its commands, with fonts, PNG files and the library that it is linked with.
 #include "cmd_make_picture.h"
 #include "cmd_print.h"
 #include "freetype_font.h"

@@ -1,3 +1,4 @@
+// Writes files under a temporary name, or none, and renames them when they are complete.
 #include "output_file.h"
 
 #include <fcntl.h>
@@ -34,7 +35,7 @@ fs::path FollowLinks(fs::path path) {
   return path;
 }
 
-// Pictures are not for terminals, which take some of their bytes for commands.
+// Standard output for binary data. Refuses a terminal, which would interpret some bytes as commands.
 std::FILE* StdoutForBinary() {
 #ifdef _WIN32
   const bool terminal = _isatty(_fileno(stdout)) != 0;
@@ -77,7 +78,7 @@ OutputFile::OutputFile(const std::string& path) : path_(path == "-" ? "standard 
   if (file_ == nullptr) Fail();
 }
 
-// Leaves file_ null and errno set when that is not possible.
+// Opens a file in the folder of the target. On failure file_ stays null and errno says why.
 void OutputFile::OpenBesideTarget() {
   const fs::path target = FollowLinks(path_);
   target_ = target.string();

@@ -9,11 +9,11 @@ namespace qnv::tool {
 // Throws ToolError (cannot write).
 [[noreturn]] void CannotWrite(const std::string& path, const std::string& why);
 
-// A file that takes its name only in Close(), when all of it is written. Until then a file that had the name before is
-// untouched, however the program ends. Where the system offers files without a name (Linux), nothing at all is left
-// behind; elsewhere a killed program leaves a file named ".NAME.PROCESS.part". A device, a pipe and the like is
-// written directly; of a symbolic link, the file that it leads to is replaced. The path "-" means standard output,
-// which must not be a terminal and stays open.
+// A file that gets its name in Close(), when all of it is written. Until then an older file of that name stays as it
+// is, however the program ends. On Linux the new file has no name before, so that nothing is left behind; elsewhere a
+// killed program leaves a file named ".NAME.PROCESS.part". Devices and pipes are written directly. Where the path is a
+// symbolic link, the file that it leads to is replaced. The path "-" means standard output, which must not be a
+// terminal and stays open.
 class OutputFile {
  public:
   // Throws ToolError: cannot write, or usage for a terminal.
@@ -28,13 +28,14 @@ class OutputFile {
   // Throws ToolError (cannot write) with the reason that errno gives.
   [[noreturn]] void Fail() const;
 
+  // Ends the file and gives it its name. Throws ToolError (cannot write).
   void Close();
 
  private:
   void OpenBesideTarget();
 
   const std::string path_;  // for messages: as the user wrote it, or "standard output"
-  std::string target_;      // what is replaced; empty: written directly
+  std::string target_;      // the file to replace; empty: written directly
   std::string unfinished_;  // name beside the target
   bool isNamed_ = false;    // unfinished_ exists
   std::FILE* file_ = nullptr;

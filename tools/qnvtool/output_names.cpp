@@ -1,3 +1,4 @@
+// Names the files of all pages and finds names that lead to the same file.
 #include "output_names.h"
 
 #include <fmt/core.h>
@@ -16,17 +17,18 @@ namespace {
 
 namespace fs = std::filesystem;
 
+// Whether the path is a device, a pipe or the like.
 bool IsSpecial(const std::string& path) {
   std::error_code error;
   const fs::file_status status = fs::status(path, error);
   return fs::exists(status) && !fs::is_regular_file(status) && !fs::is_directory(status);
 }
 
-// Files, as far as they can be told apart: by device and number of those that exist, which catches hard links, and by
-// the path without links and dots of all.
+// A set of files. Existing files are compared by device and number, which also finds hard links; all files by their
+// path with links and dots resolved.
 class FileSet {
  public:
-  // False when the file was there.
+  // False when the file was in the set already.
   bool Add(const std::string& path) {
     bool isNew = paths_.insert(Resolved(path)).second;
 #ifndef _WIN32
@@ -45,12 +47,13 @@ class FileSet {
   }
 
  private:
+  // The path in a form that is the same for all spellings of it.
   static std::string Resolved(const std::string& path) {
     std::error_code error;
     fs::path result = fs::weakly_canonical(fs::absolute(path, error), error);
     if (error) result = fs::path(path).lexically_normal();
 #ifdef _WIN32
-    std::string text = result.string();  // names there do not tell capitals from small letters
+    std::string text = result.string();  // names on Windows are not case-sensitive
     std::transform(text.begin(), text.end(), text.begin(),
                    [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
     return text;

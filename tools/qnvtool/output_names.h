@@ -1,4 +1,4 @@
-// The names of the files that a job writes, checked before anything is painted.
+// The names of the files that a job writes. They are checked before anything is painted.
 #pragma once
 
 #include <string>

@@ -1,4 +1,4 @@
-// A page as a list of things to paint, in page pixels. The printer walks the list once for every band.
+// A page as a list of items to paint, in page pixels. The printer goes through the list once for every band.
 #pragma once
 
 #include <array>
@@ -28,42 +28,46 @@ struct TextRun {
   std::vector<int16_t> widths;  // advance of each of them
 };
 
+// A line of text.
 struct TextLine {
   int left = 0;
   int baseline = 0;
   Color color = kBlack;
-  int breakExtra = 0;  // pixels to spread over the line's spaces
+  int breakExtra = 0;  // pixels to distribute over the spaces of the line
   int breakCount = 0;  // spaces in the line
   std::vector<TextRun> runs;
 };
 
+// How a figure is filled.
 struct Fill {
   enum class Kind {
     kPen,    // painted with a pen of the color
     kSolid,  // painted with a brush of the color
     kHatch,  // HS_ lines in the color
     kBits,   // an 8 x 8 pattern, clear bits in the color, set bits in the background
-    kWeave,  // an 8 x 8 pattern of blends of color and background
+    kWeave,  // an 8 x 8 pattern of mixtures of color and background
   };
   Kind kind = Kind::kSolid;
   Color color = kBlack;
   Color background = kWhite;
-  bool opaque = false;  // a hatch's gaps take the background
+  bool opaque = false;  // the gaps of a hatch are painted in the background color
   int hatch = 0;
   std::array<uint8_t, 8> bits{};
 };
 
+// A set of pixels to paint.
 struct Figure {
   SpanRegion region;
   Fill fill;
   int16_t rop2 = 13;  // R2_COPYPEN
 };
 
+// An image to paint.
 struct Picture {
   std::shared_ptr<const Dib> dib;
-  std::string name;  // for messages; in a figure file the path that the image was read from
-  Rect place;        // whole picture
-  Rect clip;
+  std::string name;           // for messages; in a figure file the path that the image was read from
+  Rect place;                 // where the whole picture lies
+  Rect clip;                  // the part that is shown
   uint32_t rop = 0x00CC0020;  // SRCCOPY
 };
 

@@ -1,3 +1,4 @@
+// Translates the items of a page into calls of the library: text, spans, and images cut into strips.
 #include "page_painter.h"
 
 #include <fmt/core.h>
@@ -24,9 +25,10 @@ DRAWMODE PlainMode() {
   return mode;
 }
 
-// On a scaled device rows next to the band may round into it.
+// Whether rows [top, bottom) may touch the band. On a scaled device rows beside the band may be rounded into it.
 bool MayTouch(int top, int bottom, const Rect& view) { return bottom > view.top - 2 && top < view.bottom + 2; }
 
+// Whether a 16-bit result reports success.
 bool Done(uint32_t result) { return (result & 0xFFFF) == 1; }
 
 // Eight steps from one color to another and back, running down the diagonal.
@@ -79,13 +81,13 @@ void PagePainter::Paint(const ReadyText& text, const Rect& view) const {
   mode.bkColor = Physical(kWhite);
   mode.TBreakExtra = static_cast<int16_t>(line.breakExtra);
   mode.BreakCount = static_cast<int16_t>(line.breakCount);
-  mode.BreakErr = 1;  // the first space gets the first odd pixel, and the line comes out exactly as wide as asked
+  mode.BreakErr = 1;  // with this start the line becomes exactly as wide as asked
   int x = line.left;
   for (const TextRun& run : line.runs) x += PaintRun(run, x, line.baseline, mode, &run == &line.runs.back());
 }
 
-// Returns the advance of the run. The running error of the justification goes on in `mode`: drawing leaves it alone,
-// so a run that another one follows is measured after it is drawn.
+// Paints a run and returns its advance. The remainder of the justification continues from run to run in `mode`. Drawing
+// does not update it, so a run that is followed by another is also measured.
 int PagePainter::PaintRun(const TextRun& run, int x, int baseline, DRAWMODE& mode, bool last) const {
   if (!run.codes.empty()) {
     const FontRecord& font = run.font->Wide();
@@ -107,6 +109,7 @@ int PagePainter::PaintRun(const TextRun& run, int x, int baseline, DRAWMODE& mod
   return last ? 0 : static_cast<int16_t>(call(-count) & 0xFFFF);
 }
 
+// Realises a fill as a solid, hatched or pattern brush.
 PhysicalBrush PagePainter::RealiseBrush(const Fill& fill) const {
   LogicalBrush logical{BS_SOLID, fill.color, 0, Physical(fill.background)};
   uint8_t bytes[8 * 8 * 3] = {};
@@ -119,7 +122,7 @@ PhysicalBrush PagePainter::RealiseBrush(const Fill& fill) const {
     bitmap.bmWidthBytes = 2;
     for (std::size_t row = 0; row < 8; ++row) bytes[row * 2] = fill.bits[row];
   } else if (fill.kind == Fill::Kind::kWeave) {
-    // A gray band takes the gray level of a pattern from its one byte a pixel.
+    // On gray devices the bitmap of a pattern has one byte a pixel, the gray level.
     const int step = device_.isGray() ? 1 : 3;
     bitmap.bmBitsPixel = static_cast<uint8_t>(step * 8);
     bitmap.bmWidthBytes = static_cast<uint16_t>(8 * step);
@@ -160,7 +163,7 @@ PagePainter::ReadyFigure PagePainter::Prepare(const Figure& figure) const {
   ready.mode.TextColor = Physical(fill.color);
   ready.mode.bkColor = Physical(fill.background);
   const SpanRegion region = Clip(figure.region, {0, 0, pageRect_.right, pageRect_.bottom});
-  // Where page rows and band rows differ, only banded spans paint every band row of a figure, and paint it once.
+  // Where page rows and band rows differ, only banded spans paint every band row of a figure exactly once.
   const uint16_t style = device_.isScaled() ? uint16_t{OS_BANDED_SPANS} : ShortestStyle(region);
   ready.lists = EncodeSpans(region, style);
   ready.top = region.top;
@@ -208,8 +211,7 @@ void PagePainter::Paint(const ReadyPicture& ready, const Rect& view) const {
   }
   for (const Strip& strip : ready.strips) {
     if (strip.top >= shown.bottom || strip.top + strip.rows <= shown.top) continue;
-    // Source rows count from the first stored row of a bottom-up picture; a top-down one is counted the same way
-    // from its last.
+    // Source rows count from the bottom of the picture, strips from its top.
     const int srcY = dib.height - strip.sourceTop - strip.sourceRows;
     const uint32_t result = rasteriser_.stretchDIBits(handle_, 0, picture.place.left, strip.top, picture.place.width(),
                                                       strip.rows, 0, srcY, dib.width, strip.sourceRows, dib.bits.data(),

@@ -1,4 +1,4 @@
-// Paints the items of a page through the rasteriser's calls.
+// Paints the items of a page by calls of the rasteriser.
 #pragma once
 
 #include <vector>
@@ -21,6 +21,8 @@ class PagePainter {
   void Paint(const Rect& view) const;
 
  private:
+  // Items with everything that is the same for all bands: realised objects, encoded spans, strips, physical colors.
+  // top, bottom: the page rows that an item may touch.
   struct ReadyFigure {
     PhysicalPen pen;
     PhysicalBrush brush;

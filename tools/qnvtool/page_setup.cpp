@@ -1,3 +1,4 @@
+// Sets the header of a page: name and number over a thin line.
 #include "page_setup.h"
 
 #include <fmt/core.h>
@@ -15,6 +16,7 @@ constexpr double kRuleMm = 0.25;
 constexpr double kGapMm = 1;    // between text and rule
 constexpr double kBelowMm = 5;  // between rule and body
 
+// The font of the header.
 std::shared_ptr<Font> HeaderFont(const PageSetup& setup) {
   return setup.fonts->Get(FontRole::kHeading, setup.points * kHeaderSize);
 }
@@ -25,7 +27,7 @@ int HeaderHeight(const PageSetup& setup) {
   return HeaderFont(setup)->lineHeight() + Pixels(setup, kGapMm) + Pixels(setup, kRuleMm) + Pixels(setup, kBelowMm);
 }
 
-// A file name is whatever bytes the system allows.
+// A file name as text. It may hold any bytes that the system allows, not only UTF-8.
 std::u32string NameText(const std::string& name) {
   try {
     return DecodeTextFile(Bytes(name.begin(), name.end()), name);
@@ -34,6 +36,7 @@ std::u32string NameText(const std::string& name) {
   }
 }
 
+// Shortens a text to a width in pixels, with an ellipsis at the end.
 std::u32string CutTo(std::u32string text, Font& font, int width) {
   if (TextWidth(text, font) <= width) return text;
   while (!text.empty() && TextWidth(text + U"\u2026", font) > width) text.pop_back();
@@ -51,7 +54,7 @@ Page EmptyPage(const PageSetup& setup) {
 
 Rect BodyOf(const PageSetup& setup) {
   Rect body = setup.sheet.content;
-  // On paper too small for both the header goes.
+  // On paper that is too small for both, there is no header.
   if (setup.header && HeaderHeight(setup) < body.height() / 2) body.top += HeaderHeight(setup);
   return body;
 }

@@ -16,6 +16,7 @@ struct PageSetup {
   bool header = true;
 };
 
+// A page of the size of the sheet, without items.
 Page EmptyPage(const PageSetup& setup);
 
 // The part of the sheet left to documents: inside the margins, below the header.

@@ -1,3 +1,4 @@
+// Parses paper sizes and computes the sheet in pixels.
 #include "paper.h"
 
 #include <fmt/core.h>

@@ -12,7 +12,7 @@ struct Paper {
   double heightMm = 297;
 };
 
-// "a4", "letter" (any case) or "WxHmm", for example "100x150mm". Throws ToolError (usage) for anything else and
+// Parses "a4", "letter" (any case) or "WxHmm", for example "100x150mm". Throws ToolError (usage) for anything else and
 // for sides outside 5..2000 mm.
 Paper ParsePaper(const std::string& text);
 
@@ -27,8 +27,8 @@ struct Sheet {
   Rect content;
 };
 
-// Throws ToolError (usage) when the margin leaves nothing or the sheet has more pixels a side than the
-// rasteriser's 16-bit span coordinates can name.
+// Computes the sheet. Throws ToolError (usage) when the margin leaves nothing, or when the sheet is larger than the
+// 16-bit coordinates of spans.
 Sheet MakeSheet(const Paper& paper, int dpi, double marginMm);
 
 }  // namespace qnv::tool

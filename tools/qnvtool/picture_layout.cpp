@@ -1,3 +1,4 @@
+// Computes size and place of an image on its page.
 #include "picture_layout.h"
 
 #include <fmt/core.h>
@@ -18,7 +19,7 @@ struct Size {
   double height = 0;
 };
 
-// Metres.
+// The size of the picture in metres, from its resolution.
 Size NaturalSize(const Dib& dib) {
   const bool x = dib.xPixelsPerMetre > 0;
   const bool y = dib.yPixelsPerMetre > 0;
@@ -26,6 +27,7 @@ Size NaturalSize(const Dib& dib) {
   return {dib.width / (x ? dib.xPixelsPerMetre : fallback), dib.height / (y ? dib.yPixelsPerMetre : fallback)};
 }
 
+// The size of the picture on the page, in pixels.
 Size PageSize(const Dib& dib, const PictureScale& scale, const Rect& body, int dpi) {
   if (scale.mode == PictureScale::Mode::kPixels)
     return {static_cast<double>(dib.width), static_cast<double>(dib.height)};

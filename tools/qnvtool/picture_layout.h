@@ -1,4 +1,4 @@
-// Images on pages.
+// Lays out an image file: one page with the image in its middle.
 #pragma once
 
 #include <memory>
@@ -8,6 +8,7 @@
 
 namespace qnv::tool {
 
+// How large an image becomes.
 struct PictureScale {
   enum class Mode {
     kFit,     // as large as the page allows

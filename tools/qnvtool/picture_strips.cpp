@@ -1,3 +1,4 @@
+// Cuts pictures so that the page does not depend on where its bands lie.
 #include "picture_strips.h"
 
 #include <algorithm>
@@ -7,9 +8,10 @@
 namespace qnv::tool {
 namespace {
 
-// With n source rows over r page rows, boundaries lie at multiples of r / n. Let m be n in lowest terms. Where m
-// divides 65536 every step is exact. Where m is odd a boundary stays at least 1 / (2 m) away from every middle of a
-// page row, and the steps err by less than (n + 2) / 65536 together.
+// Whether the rasteriser finds the same row boundaries from every start. With n source rows over r page rows the
+// boundaries lie at multiples of r / n; let m be n / gcd(n, r), the denominator of the reduced fraction. If m divides
+// 65536, every step is exact. If m is odd, every boundary is at least 1 / (2 m) away from the middle of a page row, and
+// the errors of all steps together are less than (n + 2) / 65536.
 bool IsStable(int sourceRows, int rows) {
   const int64_t n = std::max(sourceRows, 1);
   const int64_t m = n / std::gcd(n, int64_t{rows});
@@ -17,7 +19,7 @@ bool IsStable(int sourceRows, int rows) {
   return m % 2 == 1 && 2 * m * (n + 2) < 65536;
 }
 
-// Page row where source row `row` begins, halves downwards.
+// The page row where source row `row` begins, rounded.
 int Boundary(int row, int sourceRows, int top, int rows) {
   return top + static_cast<int>((int64_t{row} * rows * 2 + sourceRows) / (int64_t{sourceRows} * 2));
 }

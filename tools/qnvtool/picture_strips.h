@@ -1,4 +1,4 @@
-// How a picture is cut into image transfers.
+// Cuts a picture into strips, each painted by one image transfer.
 #pragma once
 
 #include <functional>
@@ -17,10 +17,10 @@ struct Strip {
 
 // Cuts sourceRows rows that are to cover the page rows top .. top + rows - 1 into strips for one transfer each.
 //
-// The rasteriser steps through a transfer in 16.16 fixed point with a truncated step, counted from the first row
-// that the band shows. In a tall transfer the error can move a row boundary across the middle of a page row, and
-// not in every band alike: the page would depend on where the bands lie. Strips are cut so low that no boundary
-// comes near enough to a middle. Strips that cover no page row are left out.
+// The rasteriser advances through a transfer in 16.16 fixed point, by a truncated step, from the first row that the
+// band shows. In a tall transfer the error can move a row boundary across the middle of a page row in some bands and
+// not in others, so that the page would depend on where the bands lie. The strips are so low that this cannot happen.
+// Strips that cover no page row are left out.
 std::vector<Strip> CutIntoStrips(int sourceRows, int top, int rows);
 
 // The same for a device that keeps only some page rows and paints an enlarged source row only when the first page

@@ -1,3 +1,4 @@
+// Writes PPM and PGM files, and chooses the format of a file.
 #include "picture_writer.h"
 
 #include <fmt/core.h>

@@ -8,6 +8,7 @@
 
 namespace qnv::tool {
 
+// The size of a picture and the form of its rows.
 struct PictureForm {
   enum class Pixels {
     kColor,    // 3 bytes a pixel: blue, green, red
@@ -33,17 +34,17 @@ class PictureWriter {
   // The next `rows` rows of the picture. Throws ToolError (cannot write).
   virtual void WriteRows(const uint8_t* first, std::size_t stride, int rows) = 0;
 
-  // Ends the file; without it nothing is left of it. Throws ToolError (cannot write).
+  // Ends the file. A file that is not finished is removed. Throws ToolError (cannot write).
   virtual void Finish() = 0;
 };
 
-// One row in the order of bytes that files have: red, green, blue; or a single byte.
+// Converts a row to the byte order of files: red, green, blue, or one byte a pixel.
 void ConvertRow(const PictureForm& form, const uint8_t* row, std::vector<uint8_t>& result);
 
 enum class PictureFormat { kPng, kPnm };
 
-// The format that `name` ("png", "ppm", "pgm", "pnm") stands for, or, when it is empty, the one that the extension of
-// `path` says; "-" is PNM then. Throws ToolError (usage) for an extension that stands for none.
+// The format of a file: that of `name` ("png", "ppm", "pgm", "pnm") or, when it is empty, that of the extension of
+// `path`, PNM for "-". Throws ToolError (usage) for an extension without a format.
 PictureFormat FormatOf(const std::string& path, const std::string& name);
 
 // A binary PPM (color) or PGM file (gray, tags). On standard output ("-") pictures may follow one another.

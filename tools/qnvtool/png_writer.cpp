@@ -1,7 +1,7 @@
-// Writes PNG files itself rather than through libpng, because nine tenths of the time of printing a page went into
-// compressing it on one core. The rows are cut into blocks that are compressed at the same time: each is a piece of one
-// deflate stream, begins with the end of the block before as its dictionary and ends on a byte. The file depends on
-// neither the number of cores nor the height of the bands.
+// Writes PNG files without libpng, which compresses on one core and so took nine tenths of the time of printing a page.
+// Here the rows are cut into blocks that are compressed at the same time on all cores. Each block is a part of one
+// deflate stream: its dictionary is the end of the block before, and it ends on a byte boundary. The file depends
+// neither on the number of cores nor on the height of the bands.
 #include "png_writer.h"
 
 #include <zlib.h>
@@ -50,7 +50,7 @@ struct Compressed {
   bool hasMemory = false;
 };
 
-// One block as a piece of a raw deflate stream.
+// Compresses one block as a part of a raw deflate stream.
 Compressed Compress(const Buffer& dictionary, const Buffer& block, bool last) {
   Compressed result;
   z_stream stream{};
@@ -159,6 +159,7 @@ class PngWriter final : public PictureWriter {
     WriteChunk("PLTE", palette);
   }
 
+  // Starts to compress the collected rows, on another thread where there are several cores.
   void StartBlock(bool last) {
     Buffer dictionary(block_.end() - static_cast<std::ptrdiff_t>(std::min(block_.size(), kDictionary)), block_.end());
     std::swap(dictionary, dictionary_);

@@ -8,7 +8,7 @@
 
 namespace qnv::tool {
 
-// The resolution is recorded; tags are shown through the colors of the legend.
+// Creates a PNG file that records the resolution; a tag plane is shown in the colors of the legend.
 std::unique_ptr<PictureWriter> CreatePngFile(const std::string& path, const PictureForm& form);
 
 }  // namespace qnv::tool

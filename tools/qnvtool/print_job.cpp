@@ -1,3 +1,4 @@
+// Prints a job: checks the options, lays out all files, then paints page after page.
 #include "print_job.h"
 
 #include <fmt/core.h>
@@ -22,6 +23,7 @@
 namespace qnv::tool {
 namespace {
 
+// The type of a file by its extension, or else by its first bytes.
 FileType TypeOf(const std::string& path, const Bytes& file) {
   std::string extension = std::filesystem::path(path).extension().string();
   for (char& c : extension) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
@@ -31,7 +33,7 @@ FileType TypeOf(const std::string& path, const Bytes& file) {
   return LooksLikeBmp(file) ? FileType::kBmp : FileType::kText;
 }
 
-// Adds to `inputs` what the file makes the job read.
+// Lays a file out. Adds the files that it refers to to `inputs`.
 std::vector<Page> LayOut(const std::string& argument, const PageSetup& setup, const PrintOptions& options,
                          std::vector<std::string>& inputs) {
   const Bytes file = ReadFile(argument);
@@ -57,13 +59,14 @@ std::vector<Page> LayOut(const std::string& argument, const PageSetup& setup, co
   return {LayOutPicture(std::move(dib), options.scale, setup, name)};
 }
 
-// Formats of the pictures, and whether the options fit together.
+// The formats of the pictures.
 struct Formats {
   PictureFormat picture = PictureFormat::kPng;
   PictureFormat tags = PictureFormat::kPng;
   PictureFormat overlay = PictureFormat::kPng;
 };
 
+// Whether a file is to be a PGM file, which is gray.
 bool NamesPgm(const std::string& path, const std::string& format) {
   if (!format.empty()) return format == "pgm";
   std::string extension = std::filesystem::path(path).extension().string();
@@ -71,6 +74,7 @@ bool NamesPgm(const std::string& path, const std::string& format) {
   return extension == ".pgm";
 }
 
+// Chooses the formats. Throws ToolError (usage) when options do not fit together.
 Formats CheckOutputs(const PrintOptions& options, const PrintParts& parts) {
   const auto check = [&](const std::string& path, bool gray) {
     const PictureFormat format = FormatOf(path, options.format);
@@ -96,7 +100,7 @@ Formats CheckOutputs(const PrintOptions& options, const PrintParts& parts) {
   return formats;
 }
 
-// Everything that the job reads, as far as a name tells.
+// The files that the job reads, as far as the options name them.
 std::vector<std::string> InputsOf(const PrintOptions& options) {
   std::vector<std::string> inputs = options.files;
   std::error_code error;
@@ -118,7 +122,7 @@ Rasteriser ChooseRasteriser(const std::string& library, const PrintParts& parts)
   return parts.linked();
 }
 
-// The pictures of one page: the page itself and what the tag plane gives.
+// The pictures of one page: the page itself, its tag plane, and the overlay of both.
 class PageFiles {
  public:
   PageFiles(const DeviceChoice& device, const PrintParts& parts, const Formats& formats, const PageNames& names,
@@ -148,7 +152,7 @@ class PageFiles {
   }
 
  private:
-  // Image areas take half of the color that the tag legend gives them.
+  // Mixes the pixels of images with the color that images have in the tag legend.
   void WriteOverlay(const BandView& band) {
     for (int i = 0; i < band.rows; ++i) {
       const uint8_t* const pixels = band.pixels + static_cast<std::size_t>(i) * band.stride;

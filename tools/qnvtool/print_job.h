@@ -1,4 +1,4 @@
-// From files to pictures: the work behind `qnvtool print`.
+// Prints files to pictures of pages: the work of `qnvtool print`.
 #pragma once
 
 #include <string>
@@ -38,7 +38,7 @@ struct PrintOptions {
   bool quiet = false;
 };
 
-// What takes libraries of the system, or this project's own, to build. A program brings what it has.
+// The parts that need libraries of the system, or this project's own. A program passes those that it is built with.
 struct PrintParts {
   FontShelf (*openFonts)(const PrintOptions& options) = nullptr;
   Rasteriser (*linked)() = nullptr;                                                               // may be absent

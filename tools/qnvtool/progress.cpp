@@ -1,3 +1,4 @@
+// Draws the progress bar with terminal control codes.
 #include "progress.h"
 
 #include <fmt/core.h>

@@ -14,8 +14,8 @@ class Progress {
   Progress(const Progress&) = delete;
   Progress& operator=(const Progress&) = delete;
 
-  // Part done, 0..1, and what is being done. The bar appears once the work has taken a second and is drawn at most
-  // ten times a second.
+  // Shows the part that is done, 0..1, and a label. The bar appears after one second and is drawn at most ten times a
+  // second.
   void Show(double done, const std::string& label);
 
  private:

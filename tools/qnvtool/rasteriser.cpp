@@ -1,3 +1,4 @@
+// Loads a rasteriser from a library file.
 #include "rasteriser.h"
 
 #include <fmt/core.h>
@@ -10,6 +11,7 @@
 namespace qnv::tool {
 namespace {
 
+// Finds an exported function. Throws ToolError when it is missing.
 template <class Function>
 void Resolve(Function& function, const std::string& path, void* library, const char* name) {
   void* const symbol = FindSymbol(library, name);

@@ -1,5 +1,5 @@
-// The thirteen functions of a band rasteriser, wherever they come from. Every picture the tool makes is painted
-// through this table and nothing else.
+// The thirteen functions of a band rasteriser, linked or loaded. Every picture that the tool makes is painted through
+// this table only.
 #pragma once
 
 #include <memory>
@@ -28,7 +28,7 @@ struct Rasteriser {
   std::shared_ptr<void> library;
 };
 
-// The library that the program is linked with. Programs that load whatever they paint with leave its source out.
+// The library that the program is linked with. Programs that only load libraries are built without this function.
 Rasteriser LinkedRasteriser();
 
 // A library file of the program's own architecture. Throws ToolError (library) when it cannot be loaded or lacks one

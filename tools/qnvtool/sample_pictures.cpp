@@ -1,3 +1,4 @@
+// Computes the sample pictures from noise.
 #include "sample_pictures.h"
 
 #include <algorithm>
@@ -10,7 +11,8 @@
 namespace qnv::tool {
 namespace {
 
-// Only additions, multiplications, divisions and square roots: their results are the same everywhere.
+// Only additions, multiplications, divisions and square roots are used, because their results are the same on every
+// machine.
 
 struct Rgb {
   double r = 0;
@@ -18,17 +20,19 @@ struct Rgb {
   double b = 0;
 };
 
+// From a (t = 0) to b (t = 1).
 Rgb Mix(const Rgb& a, const Rgb& b, double t) {
   const double u = std::clamp(t, 0.0, 1.0);
   return {a.r + (b.r - a.r) * u, a.g + (b.g - a.g) * u, a.b + (b.b - a.b) * u};
 }
 
+// From 0 at `low` to 1 at `high`, without corners.
 double Smooth(double low, double high, double value) {
   const double t = std::clamp((value - low) / (high - low), 0.0, 1.0);
   return t * t * (3 - 2 * t);
 }
 
-// A number from 0 to 1 for each point of a grid.
+// A random number from 0 to 1 for each point of a grid.
 double Lattice(int x, int y, uint32_t seed) {
   uint32_t h = static_cast<uint32_t>(x) * 0x9E3779B1u ^ static_cast<uint32_t>(y) * 0x85EBCA77u ^ seed * 0xC2B2AE3Du;
   h = (h ^ h >> 15) * 0x2C1B3C6Du;
@@ -36,6 +40,7 @@ double Lattice(int x, int y, uint32_t seed) {
   return (h ^ h >> 15) / 4294967296.0;
 }
 
+// Smooth noise: the numbers of the grid, interpolated.
 double Noise(double x, double y, uint32_t seed) {
   const double fx = std::floor(x);
   const double fy = std::floor(y);
@@ -63,6 +68,7 @@ double Clouds(double x, double y, uint32_t seed, int octaves) {
 
 constexpr double kShore = 0.62;  // height of the water line, as part of the picture
 
+// The sky with the sun and clouds.
 Rgb Sky(double x, double y) {
   const Rgb zenith{38, 66, 122};
   const Rgb middle{178, 128, 140};
@@ -78,7 +84,8 @@ Rgb Sky(double x, double y) {
   return Mix(sky, Mix({250, 214, 190}, {120, 96, 124}, y * 1.4), cloud * 0.75);
 }
 
-// The scene above the water; x runs from 0 to the picture's aspect ratio.
+// Sky and three ranges of mountains. y is 0 at the top of the picture and 1 at the bottom; x runs from 0 to the
+// picture's aspect ratio.
 Rgb Land(double x, double y) {
   Rgb color = Sky(x, y);
   struct Range {
@@ -104,6 +111,7 @@ Rgb Land(double x, double y) {
   return color;
 }
 
+// The whole picture: land, the lake that mirrors it, and the bank.
 Rgb Scene(double x, double y) {
   if (y < kShore) return Land(x, y);
   const double depth = (y - kShore) / (1 - kShore);

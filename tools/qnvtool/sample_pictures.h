@@ -1,4 +1,4 @@
-// Pictures made of nothing but arithmetic, the same on every machine: material for demonstrations and tests.
+// Pictures for demonstrations and tests, computed without input and the same on every machine.
 #pragma once
 
 #include "file_bytes.h"

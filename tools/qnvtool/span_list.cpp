@@ -1,3 +1,4 @@
+// Encodes span regions as the lists of QNVOutput. qnvdrv10.h describes the encodings.
 #include "span_list.h"
 
 #include <algorithm>
@@ -62,6 +63,7 @@ SpanList RowSpans(const SpanRegion& region) {
   return list;
 }
 
+// How far the edges of a region with one span on each row move from one row to the next.
 struct Step {
   int left = 0;
   int right = 0;
@@ -74,7 +76,7 @@ Step StepTo(const SpanRegion& region, std::size_t row) {
   return {after.left - before.left, after.right - before.right};
 }
 
-// The bytes follow the three words directly, two to a word, the first in the low half.
+// Byte or nibble deltas. Their bytes follow the first three words, two in a word, the first in the low half.
 SpanList Deltas(const SpanRegion& region, uint16_t style) {
   const Span& first = region.rows.front().front();
   SpanList list{
@@ -95,6 +97,7 @@ SpanList Deltas(const SpanRegion& region, uint16_t style) {
   return list;
 }
 
+// Whether all steps of a region fit the range of a delta.
 bool StepsWithin(const SpanRegion& region, int low, int high) {
   for (std::size_t row = 1; row < region.rows.size(); ++row) {
     if (!StepTo(region, row).Within(low, high)) return false;

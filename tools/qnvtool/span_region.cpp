@@ -1,3 +1,4 @@
+// Computes regions row by row from the pixel centres that lie inside, and combines regions.
 #include "span_region.h"
 
 #include <algorithm>
@@ -6,12 +7,13 @@
 namespace qnv::tool {
 namespace {
 
-// No page reaches so far; keeps conversions to int defined whatever the input.
+// Larger than any page. Coordinates are limited to it, so that their conversion to int is always defined.
 constexpr double kFar = 1e6;
 
 // First pixel whose centre is at or beyond `edge`.
 int FirstPixel(double edge) { return static_cast<int>(std::ceil(std::clamp(edge, -kFar, kFar) - 0.5)); }
 
+// Removes empty rows at the top and the bottom.
 void Trim(SpanRegion& region) {
   while (!region.rows.empty() && region.rows.back().empty()) region.rows.pop_back();
   std::size_t first = 0;
@@ -34,6 +36,7 @@ SpanRegion ByRows(double top, double bottom, SpansAt spansAt) {
   return region;
 }
 
+// Appends a span to a row and joins it with the last one where they touch. Requires: spans in ascending order.
 void AddSpan(SpanRow& row, double left, double right) {
   const Span span{FirstPixel(left), FirstPixel(right)};
   if (span.left >= span.right) return;
@@ -44,13 +47,14 @@ void AddSpan(SpanRow& row, double left, double right) {
   }
 }
 
+// Row y of a region; an empty row outside.
 const SpanRow& RowAt(const SpanRegion& region, int y) {
   static const SpanRow kNone;
   const int i = y - region.top;
   return i < 0 || i >= static_cast<int>(region.rows.size()) ? kNone : region.rows[static_cast<std::size_t>(i)];
 }
 
-// Pixels of a row for which keep(in a, in b) holds.
+// The pixels of a row for which keep(is in a, is in b) is true.
 template <class Keep>
 SpanRow Combine(const SpanRow& a, const SpanRow& b, Keep keep) {
   std::vector<int> edges;
@@ -122,7 +126,7 @@ SpanRegion PolygonRegion(const std::vector<Point>& points) {
 }
 
 SpanRegion StrokeRegion(const std::vector<Point>& points, double width, bool closed) {
-  const double half = std::max(width, 1.0) / 2;  // thinner lines would miss pixel centres
+  const double half = std::max(width, 1.0) / 2;  // narrower lines could pass between pixel centres
   SpanRegion result;
   for (std::size_t i = 0; i < points.size(); ++i) {
     const Point& a = points[i];

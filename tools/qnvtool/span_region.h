@@ -30,6 +30,7 @@ struct Point {
   double y = 0;
 };
 
+// A rectangle.
 SpanRegion RectRegion(double left, double top, double right, double bottom);
 
 // The ellipse inscribed in a rectangle.
@@ -41,6 +42,7 @@ SpanRegion PolygonRegion(const std::vector<Point>& points);
 // A line of the given width along the points, with round ends and joints; `closed` joins the last point to the first.
 SpanRegion StrokeRegion(const std::vector<Point>& points, double width, bool closed);
 
+// The pixels of either region, of a but not b, and of the region inside a rectangle.
 SpanRegion Unite(const SpanRegion& a, const SpanRegion& b);
 SpanRegion Subtract(const SpanRegion& a, const SpanRegion& b);
 SpanRegion Clip(const SpanRegion& region, const Rect& clip);

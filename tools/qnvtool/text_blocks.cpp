@@ -1,3 +1,4 @@
+// Parses a text file line by line; a line starts a block, continues the last one, or ends it.
 #include "text_blocks.h"
 
 #include <string_view>
@@ -8,6 +9,7 @@ namespace {
 constexpr std::size_t kTabColumns = 8;
 constexpr std::size_t kVerbatimIndent = 4;
 
+// Replaces tabs by spaces and removes spaces at the end.
 std::u32string ExpandTabs(std::u32string_view line) {
   std::u32string result;
   for (const char32_t c : line) {
@@ -26,6 +28,7 @@ std::size_t Indent(std::u32string_view line) {
   return first == std::u32string_view::npos ? line.size() : first;
 }
 
+// 1 to 3 for a heading, else 0.
 int HeadingLevel(std::u32string_view line) {
   const std::size_t marks = line.find_first_not_of(U'#');
   return marks >= 1 && marks <= 3 && line[marks] == ' ' ? static_cast<int>(marks) : 0;
@@ -87,7 +90,7 @@ class Parser {
   }
 
   const bool verbatim_;
-  bool open_ = false;  // the last block takes the next line too
+  bool open_ = false;  // the next line may continue the last block
   int emptyLines_ = 0;
   std::vector<TextBlock> blocks_;
 };
@@ -100,7 +103,7 @@ std::vector<TextBlock> ParseTextBlocks(const std::u32string& text, bool verbatim
   while (begin < text.size()) {
     const std::size_t end = std::min(text.find_first_of(U"\n\f", begin), text.size());
     const bool formFeed = end < text.size() && text[end] == '\f';
-    // A form feed alone on its line is no empty line before the next page.
+    // A form feed alone on its line does not count as an empty line too.
     if (!formFeed || end > begin) parser.Line(std::u32string_view(text).substr(begin, end - begin));
     if (formFeed) parser.PageBreak();
     begin = end + 1;

@@ -1,3 +1,4 @@
+// Sets text blocks on pages from top to bottom, and starts a new page where one is full.
 #include "text_layout.h"
 
 #include <algorithm>
@@ -11,6 +12,7 @@ constexpr double kHeadingSizes[] = {1.8, 1.4, 1.15};  // of the body's, by level
 constexpr double kListingSize = 0.9;
 constexpr std::u32string_view kBullet = U"\u2022";
 
+// The pages of one file; y_ is where the next line goes.
 class TextSetter {
  public:
   TextSetter(const PageSetup& setup, const std::string& name)
@@ -44,7 +46,7 @@ class TextSetter {
 
   int ParagraphGap() const { return bodyFont_->lineHeight() / 2; }
 
-  // White between blocks; none at the top of a page.
+  // Leaves space between blocks, but none at the top of a page.
   void Space(int pixels) {
     if (y_ > body_.top) y_ += pixels;
   }
@@ -54,7 +56,7 @@ class TextSetter {
     if (y_ + pixels > body_.bottom && y_ > body_.top) StartPage();
   }
 
-  // Takes the next line's room and returns its baseline.
+  // Reserves the next line and returns its baseline.
   int NextBaseline(Font& font) {
     const int height = std::max(font.lineHeight(), 1);
     Need(height);
@@ -80,7 +82,7 @@ class TextSetter {
     Paragraph(block.text, bodyFont_, indent, true);
   }
 
-  // A heading takes at least two lines of text with it.
+  // A heading is followed by at least two lines of text on its page.
   void Heading(const TextBlock& block) {
     const double size = kHeadingSizes[std::clamp(block.level, 1, 3) - 1];
     const std::shared_ptr<Font> font = setup_.fonts->Get(FontRole::kHeading, setup_.points * size);
@@ -104,7 +106,7 @@ class TextSetter {
     } while (!rest.empty());
   }
 
-  // Characters of a listing line that go on one line, at least one.
+  // The number of characters that fit into one line, at least one.
   std::size_t Fitting(std::u32string_view text, Font& font) const {
     int width = 0;
     std::size_t count = 0;

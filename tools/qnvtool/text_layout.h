@@ -1,4 +1,4 @@
-// Text files on pages.
+// Lays out text files.
 #pragma once
 
 #include <string>

@@ -1,3 +1,4 @@
+// Splits the characters of a line into runs of the one-byte and the two-byte font.
 #include "text_lines.h"
 
 #include <algorithm>
@@ -9,6 +10,7 @@ namespace {
 constexpr std::size_t kLongestRun = 30000;  // characters are counted in 16 bits
 constexpr int kWidestGap = 32767;
 
+// Appends a character to the last run, or to a new one where the font changes.
 void Append(std::vector<TextRun>& runs, char32_t c, const std::shared_ptr<Font>& font) {
   const bool latin = Font::IsLatin(c);
   const bool fits = !runs.empty() && runs.back().codes.empty() == latin &&

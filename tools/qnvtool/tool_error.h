@@ -1,4 +1,4 @@
-// How a command ends when it cannot go on: one line for the user and the exit code of the program.
+// The error that ends a command: one line for the user and the exit code of the program.
 #pragma once
 
 #include <stdexcept>
@@ -8,7 +8,7 @@ namespace qnv::tool {
 
 enum class ExitCode : int {
   kOk = 0,
-  kUsage = 1,        // the command line asks for something that does not exist or does not fit together
+  kUsage = 1,        // the command line names something that does not exist, or its options do not fit together
   kBadInput = 2,     // an input file cannot be read or is not what it says
   kCannotWrite = 3,  // a result file cannot be written
   kLibrary = 4,      // the rasteriser cannot be loaded, or refuses a call

@@ -1,3 +1,4 @@
+// Decodes UTF-8 strictly: no overlong forms, no surrogates.
 #include "utf8.h"
 
 #include <fmt/core.h>
@@ -12,6 +13,7 @@ struct Decoded {
   std::size_t length = 0;  // 0: not well-formed
 };
 
+// Decodes the character that begins at offset `at`.
 Decoded DecodeOne(const Bytes& file, std::size_t at) {
   const uint8_t lead = file[at];
   if (lead < 0x80) return {lead, 1};
@@ -28,6 +30,7 @@ Decoded DecodeOne(const Bytes& file, std::size_t at) {
   return {code, length};
 }
 
+// Whether a character is kept; other control characters are dropped.
 bool Printable(char32_t code) {
   if (code == '\n' || code == '\t' || code == '\f') return true;
   return code >= 0x20 && (code < 0x7F || code > 0x9F);

@@ -1,4 +1,4 @@
-// UTF-8 text to code points.
+// Decodes UTF-8 text files.
 #pragma once
 
 #include <string>
