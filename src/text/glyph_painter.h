@@ -40,9 +40,9 @@ struct GlyphSpan {
 // The part of [begin, begin + size), the columns or rows of a glyph, that lies in [low, high). Ends beyond 32767 are
 // cut there.
 constexpr GlyphSpan VisibleSpan(int32_t begin, int32_t size, int32_t low, int32_t high) {
-  constexpr int32_t kFarthest = 32767;
+  constexpr int32_t kMaxEnd = 32767;
   if (size <= 0) return {low, low};  // the end of a negative size could wrap to a large number
-  return {MaxOf(begin, low), std::min({WrapAdd(begin, size), kFarthest, high})};
+  return {MaxOf(begin, low), std::min({WrapAdd(begin, size), kMaxEnd, high})};
 }
 
 // The part of a glyph that lies inside `limits`, as rows and columns of the glyph itself.

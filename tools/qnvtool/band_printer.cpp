@@ -11,7 +11,7 @@
 namespace qnv::tool {
 namespace {
 
-constexpr std::size_t kLargestStride = 65535;  // image transfers count a band row in 16 bits
+constexpr std::size_t kMaxStride = 65535;  // image transfers count a band row in 16 bits
 
 // The description of a device for a page or a band of this size, in pixels.
 DeviceDescription Describe(const DeviceChoice& device, int width, int height) {
@@ -41,7 +41,7 @@ BandPrinter::BandPrinter(const Rasteriser& rasteriser, const DeviceChoice& devic
   if (device.isScaled()) guard_ = device.bandDpi / std::gcd(device.pageDpi, device.bandDpi);
   const auto tooLarge = [&](uint32_t side) { return side == 0 || side > uint32_t{kMaxSide} - 2 * uint32_t(guard_); };
   stride_ = (std::size_t{size.width} * static_cast<std::size_t>(device.bandBytesPerPixel()) + 3) & ~std::size_t{3};
-  if (tooLarge(size.width) || tooLarge(size.height) || stride_ > kLargestStride) {
+  if (tooLarge(size.width) || tooLarge(size.height) || stride_ > kMaxStride) {
     throw ToolError(ExitCode::kUsage, fmt::format("the page would have {} x {} pixels, which is too large for --device "
                                                   "{}",
                                                   size.width, size.height, device.name));

@@ -112,12 +112,12 @@ class Reader {
   }
 
   void CheckSize() const {
-    if (header_.width < 1 || header_.width > kLargestDibSide) {
-      Fail("biWidth: {} pixels; 1 to {} can be printed", header_.width, kLargestDibSide);
+    if (header_.width < 1 || header_.width > kMaxDibSide) {
+      Fail("biWidth: {} pixels; 1 to {} can be printed", header_.width, kMaxDibSide);
     }
     const int64_t rows = std::abs(int64_t{header_.height});
-    if (rows < 1 || rows > kLargestDibSide) {
-      Fail("biHeight: {} rows; 1 to {} can be printed", header_.height, kLargestDibSide);
+    if (rows < 1 || rows > kMaxDibSide) {
+      Fail("biHeight: {} rows; 1 to {} can be printed", header_.height, kMaxDibSide);
     }
     if (header_.planes != 1) Fail("biPlanes: is {}, must be 1", header_.planes);
   }

@@ -10,7 +10,7 @@
 namespace qnv::tool {
 
 // The largest width and height that the rasteriser accepts.
-inline constexpr int kLargestDibSide = 32767;
+inline constexpr int kMaxDibSide = 32767;
 
 struct Dib {
   int width = 0;         // pixels

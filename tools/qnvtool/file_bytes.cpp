@@ -18,7 +18,7 @@
 namespace qnv::tool {
 namespace {
 
-constexpr std::size_t kLargestFile = std::size_t{1} << 30;
+constexpr std::size_t kMaxFileBytes = std::size_t{1} << 30;
 
 [[noreturn]] void Fail(const std::string& path, const char* why) {
   throw ToolError(ExitCode::kBadInput, fmt::format("{}: {}", path, why));
@@ -50,7 +50,7 @@ Bytes ReadFile(const std::string& name) {
     bytes.resize(std::max<std::size_t>(bytes.size() * 2, 1 << 16));
     const std::size_t got = std::fread(bytes.data() + used, 1, bytes.size() - used, file.get());
     used += got;
-    if (used > kLargestFile) Fail(path, "is larger than one gigabyte");
+    if (used > kMaxFileBytes) Fail(path, "is larger than one gigabyte");
     if (got == 0) break;
   }
   if (std::ferror(file.get()) != 0) Fail(path, "cannot be read to its end");

@@ -15,7 +15,7 @@
 namespace qnv::tool {
 namespace {
 
-constexpr int kLargestGlyphHeight = 4096;
+constexpr int kMaxGlyphHeight = 4096;
 
 struct FontFile {
   std::string path;
@@ -150,9 +150,9 @@ class FreeTypeFont final : public GlyphSource {
 }  // namespace
 
 std::unique_ptr<GlyphSource> OpenFreeTypeFont(const std::string& fileOrName, double points, int dpi) {
-  if (points * dpi / 72 > kLargestGlyphHeight) {
-    throw ToolError(ExitCode::kUsage, fmt::format("text of {} points has more than {} pixels at {} dpi", points,
-                                                  kLargestGlyphHeight, dpi));
+  if (points * dpi / 72 > kMaxGlyphHeight) {
+    throw ToolError(ExitCode::kUsage,
+                    fmt::format("text of {} points has more than {} pixels at {} dpi", points, kMaxGlyphHeight, dpi));
   }
   std::error_code error;
   FontFile file{fileOrName, 0};

@@ -27,7 +27,7 @@ int Boundary(int row, int sourceRows, int top, int rows) {
 }  // namespace
 
 std::vector<Strip> CutIntoStrips(int sourceRows, int top, int rows) {
-  constexpr int kTallest = 127;
+  constexpr int kMaxRows = 127;
   std::vector<Strip> strips;
   int row = 0;
   while (row < sourceRows) {
@@ -35,7 +35,7 @@ std::vector<Strip> CutIntoStrips(int sourceRows, int top, int rows) {
     const auto rowsOf = [&](int count) { return Boundary(row + count, sourceRows, top, rows) - begin; };
     int count = sourceRows - row;
     if (!IsStable(count, rowsOf(count))) {
-      count = std::min(count, kTallest);
+      count = std::min(count, kMaxRows);
       while (!IsStable(count, rowsOf(count))) --count;  // a single row always is
     }
     if (rowsOf(count) > 0) strips.push_back({row, count, begin, rowsOf(count)});

@@ -7,14 +7,14 @@
 namespace qnv::tool {
 namespace {
 
-constexpr std::size_t kLongestRun = 30000;  // characters are counted in 16 bits
-constexpr int kWidestGap = 32767;
+constexpr std::size_t kMaxRun = 30000;  // characters are counted in 16 bits
+constexpr int kMaxGap = 32767;
 
 // Appends a character to the last run, or to a new one where the font changes.
 void Append(std::vector<TextRun>& runs, char32_t c, const std::shared_ptr<Font>& font) {
   const bool latin = Font::IsLatin(c);
   const bool fits = !runs.empty() && runs.back().codes.empty() == latin &&
-                    std::max(runs.back().latin.size(), runs.back().codes.size()) < kLongestRun;
+                    std::max(runs.back().latin.size(), runs.back().codes.size()) < kMaxRun;
   if (!fits) runs.push_back({font, {}, {}, {}});
   TextRun& run = runs.back();
   if (latin) {
@@ -53,7 +53,7 @@ TextLine MakeLine(std::u32string_view paragraph, const BrokenLine& broken, const
   if (broken.hyphen) text.push_back('-');
   TextLine line = MakeLine(text, font, left, baseline);
   if (width > broken.width && !broken.last && broken.spaces > 0) {
-    line.breakExtra = std::min(width - broken.width, kWidestGap);
+    line.breakExtra = std::min(width - broken.width, kMaxGap);
     line.breakCount = broken.spaces;
   }
   return line;

@@ -24,9 +24,9 @@ Decoded DecodeOne(const Bytes& file, std::size_t at) {
     if ((file[at + i] & 0xC0) != 0x80) return {};
     code = code << 6 | (file[at + i] & 0x3Fu);
   }
-  constexpr char32_t kSmallest[] = {0, 0, 0x80, 0x800, 0x10000};
+  constexpr char32_t kMinCode[] = {0, 0, 0x80, 0x800, 0x10000};
   const bool surrogate = code >= 0xD800 && code <= 0xDFFF;
-  if (code < kSmallest[length] || code > 0x10FFFF || surrogate) return {};
+  if (code < kMinCode[length] || code > 0x10FFFF || surrogate) return {};
   return {code, length};
 }
 
