@@ -1,4 +1,5 @@
-// qnvbench: how fast a built library is, and how much of what the memory allows.
+// qnvbench measures how fast a built library is, also in relation to the speed of the memory. This file chooses what a
+// run does: measure, compare, list, print tables.
 #include <cstdio>
 
 #include "options.h"
@@ -25,6 +26,7 @@ void PrintList(const RowFilter& filter) {
   }
 }
 
+// Null, after a message, when the library cannot be opened.
 std::unique_ptr<Library> OpenOrComplain(const std::string& path) {
   std::string error;
   std::unique_ptr<Library> library = Library::Open(path, error);
@@ -56,8 +58,9 @@ bool ReadReport(const std::string& path, Report& report, std::string& error) {
   return Json::Parse(text, json, error) && ReportFromJson(json, report, error);
 }
 
+// A run: measures the chosen rows, prints and writes the report. Returns the exit code.
 int Measure(const Options& options, const RowFilter& filter) {
-  // Read first: a wrong file should not be noticed only after a long run.
+  // Read the old report first, so that a wrong file is reported before the long run and not after it.
   Report before;
   std::string error;
   if (!options.compare.empty() && !ReadReport(options.compare, before, error)) {
@@ -87,6 +90,7 @@ int Measure(const Options& options, const RowFilter& filter) {
   return report.faults == 0 ? 0 : Fail(std::to_string(report.faults) + " faults, see above", 1);
 }
 
+// Prints earlier reports in Markdown.
 int PrintTables(const std::vector<std::string>& paths) {
   std::vector<Report> reports;
   for (const std::string& path : paths) {

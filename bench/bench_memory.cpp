@@ -1,3 +1,4 @@
+// The buffers of a run, in one block of memory.
 #include "bench_memory.h"
 
 #include <cstring>
@@ -33,8 +34,8 @@ uint64_t HashBytes(const uint8_t* bytes, std::size_t count) {
 
 Memory::Memory() : block_(new uint8_t[kBandSize + kTagSize + kSourceSize + 4 * kPage]), seed_(new uint8_t[kBandSize]) {
   const std::uintptr_t start = reinterpret_cast<std::uintptr_t>(block_.get());
-  // The source begins half a page further on: buffers with equal page offsets would make a load of the source wait
-  // for an unrelated store to the band.
+  // The source begins half a page further on: with equal offsets in their pages, loads of the source would wait for
+  // unrelated stores to the band.
   band_ = block_.get() + (kPage - start % kPage);
   tags_ = band_ + kBandSize;
   source_ = tags_ + kTagSize + kPage / 2;

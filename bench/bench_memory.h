@@ -1,5 +1,5 @@
-// The buffers of a process: band, tag plane, source rows. Allocated once, so that rows, levels and limits meet the
-// same physical memory; filled from a fixed seed.
+// The buffers of a run: band, tag plane, source rows. They are allocated once, so that all rows, levels and limits use
+// the same physical memory, and are filled from a fixed seed.
 #pragma once
 
 #include <cstddef>
@@ -15,6 +15,7 @@ class Memory {
   Memory(const Memory&) = delete;
   Memory& operator=(const Memory&) = delete;
 
+  // Bytes.
   static constexpr std::size_t kBandSize = 6u << 20;
   static constexpr std::size_t kTagSize = 2u << 20;
   static constexpr std::size_t kSourceSize = 32u << 20;
@@ -23,8 +24,8 @@ class Memory {
   uint8_t* tags() { return tags_; }
   uint8_t* source() { return source_; }
 
-  // Puts the seeded bytes back into the first `size` bytes of the band, or into a rival's; into the tag plane a
-  // mixture of 1 and 3, or nothing but 1.
+  // Restore the first content of the first `size` bytes: random bytes in the band or in the band of a rival; in the tag
+  // plane the tag 1 everywhere or, if `marked`, a mixture of the tags 1 and 3.
   void RewindBand(std::size_t size);
   void CopySeed(uint8_t* to, std::size_t size) const;
   void RewindTags(std::size_t size, bool marked);
@@ -40,7 +41,7 @@ class Memory {
   uint8_t* source_ = nullptr;
 };
 
-// Small and the same everywhere.
+// A small random number generator that gives the same numbers on every platform.
 class Random {
  public:
   explicit Random(uint64_t seed) : state_(seed * 0x9E3779B97F4A7C15u + 1) {}
@@ -56,6 +57,7 @@ class Random {
   uint64_t state_;
 };
 
+// A hash of the bytes, to compare pictures.
 uint64_t HashBytes(const uint8_t* bytes, std::size_t count);
 
 void FillRandom(uint8_t* bytes, std::size_t count, uint64_t seed);

@@ -1,3 +1,4 @@
+// The list of all rows, the shapes, and the names of rows.
 #include "bench_table.h"
 
 #include <algorithm>
@@ -31,7 +32,7 @@ bool FindBand(std::string_view word, Band& band) {
   return false;
 }
 
-// Takes the last word off; false when it is the only one.
+// Removes the last word of `text` and stores it in `word`; false when it is the only one.
 bool TakeLastWord(std::string_view& text, std::string_view& word) {
   const std::size_t separator = text.rfind('_');
   if (separator == std::string_view::npos || separator == 0 || separator + 1 == text.size()) return false;
@@ -101,7 +102,7 @@ bool ParseRowName(std::string_view name, RowName& parts) {
   if (name.empty() || name.front() == '_' || name.find("__") != std::string_view::npos) return false;
   if (!TakeLastWord(name, word) || !FindBand(word, parts.band)) return false;
   parts.source.clear();
-  // What is left of the operation must be something.
+  // Words that name sources belong to the source, but at least one word must remain for the operation.
   for (std::string_view rest = name; TakeLastWord(rest, word) && IsSourceName(word); name = rest) {
     parts.source = std::string(word) + (parts.source.empty() ? "" : "_") + parts.source;
   }

@@ -1,5 +1,5 @@
-// The rows of the benchmark as data. A row says what is painted into which band; the files rows_*.cpp list the rows
-// and turn one into a job for a library.
+// The rows of the benchmark as data. A row is one measurement: what is painted into which band. The files rows_*.cpp
+// list the rows and make jobs of them, which call a library.
 #pragma once
 
 #include <cstdint>
@@ -15,6 +15,7 @@ namespace qnv::bench {
 
 class Library;
 
+// The kinds of bands.
 enum class Band {
   kBgr24,
   kGray8,
@@ -31,6 +32,7 @@ bool IsGray(Band band);
 bool IsScaled(Band band);
 bool IsDual(Band band);
 
+// The sizes in which rows are measured.
 enum class Shape {
   kTile,      // 64 x 64 within a band
   kBand1200,  // 1200 x 128, in the second-level cache
@@ -57,6 +59,7 @@ enum class Brush { kNone, kSolid, kHatch, kHatchOpaque, kPattern8, kPattern16 };
 
 enum class Source { kNone, kRgb24, kGray8, kMono };
 
+// The bitmap of an image row.
 struct ImageSource {
   uint16_t bits = 0;
   bool rle = false;
@@ -65,7 +68,7 @@ struct ImageSource {
   int targetParts = 1;
 };
 
-// What a row names beyond its operation; each operation reads some of it.
+// Everything that describes a row. Each operation uses some of the fields.
 struct RowSpec {
   Operation operation = Operation::kBlt;
   Band band = Band::kBgr24;
@@ -86,7 +89,7 @@ struct Row {
   std::vector<Shape> shapes;
 };
 
-// What one run of a job amounts to.
+// How much one run of a job does.
 struct Amounts {
   double bytes = 0;        // written to the color plane
   double sourceBytes = 0;  // of the source rows that reach the band
@@ -99,11 +102,13 @@ struct RowJob {
   Amounts amounts;
 };
 
-// Buffers that every job and every limit of a process shares.
+// The buffers that all jobs and limits share.
 class Memory;
 
 const std::vector<Row>& AllRows();
+// The job that paints a row by a library.
 RowJob MakeJob(const Library& library, Memory& memory, const Row& row, Shape shape);
+// The bytes that a row paints, for the loops that measure its limit.
 LimitSurface SurfaceOf(Memory& memory, const Row& row, Shape shape);
 
 // The same work done by another library of this platform, in its own memory; null where it has no such operation.
@@ -113,7 +118,7 @@ struct Rival {
 };
 Rival MakeRival(Memory& memory, const Row& row, Shape shape);
 
-// operation_source_band taken apart. Operations and sources may themselves hold underscores; the band never does.
+// The parts of a row name operation_source_band. Operations and sources may contain underscores, bands do not.
 struct RowName {
   std::string operation;
   std::string source;  // empty when the operation names none

@@ -1,3 +1,4 @@
+// Makes devices, brushes and draw modes for the rows.
 #include "device_fixture.h"
 
 #include <cstdio>
@@ -57,7 +58,7 @@ void DeviceFixture::MoveBand(int top) const {
   library_.Control(handle_, QNV_SET_BAND_RECT, &rect, nullptr);
 }
 
-// One image pixel is enough to tell the device that its tag plane is no longer uniform.
+// Paints one pixel as an image, after which the device writes tags in every call.
 void DeviceFixture::MarkTags() const {
   BITMAPINFOHEADER header = {};
   header.biSize = sizeof header;

@@ -1,4 +1,4 @@
-// A device with its band in the shared memory, and the records that a host prepares once and passes to many calls.
+// A device whose band lies in the shared memory, with the records that a host prepares once and passes to many calls.
 #pragma once
 
 #include <memory>
@@ -27,6 +27,7 @@ class DeviceFixture {
   // Page coordinates for one pixel of the band: 2 on a scaled device, else 1.
   int pageScale() const { return IsScaled(band_) ? 2 : 1; }
 
+  // Restores the first content of the planes.
   void Rewind() const;
   uint64_t PictureHash() const;  // of both planes
   void MoveBand(int top) const;  // page coordinates of the band's resolution

@@ -1,3 +1,4 @@
+// Makes bitmaps of every depth in the shared source memory.
 #include "dib_source.h"
 
 #include <algorithm>
@@ -10,7 +11,7 @@
 namespace qnv::bench {
 namespace {
 
-// Rows of runs and literal stretches, as a drawing with some shading compresses.
+// Encodes random rows as a mixture of runs and literals, as a drawing with some shading is encoded.
 std::size_t EncodeRle8(uint8_t* out, int width, int height) {
   Random random(7);
   uint8_t* p = out;
@@ -60,7 +61,7 @@ DibSource MakeDib(Memory& memory, const ImageSource& image, int width, int heigh
   for (std::size_t i = 0; i < colors; ++i) dib.info[sizeof header + 4 * i + 3] = 0;
   const std::size_t stride = ((static_cast<std::size_t>(width) * image.bits + 7) / 8 + 3) & ~std::size_t{3};
   dib.size = stride * static_cast<std::size_t>(height);
-  // A literal stretch of three pixels takes six bytes, so this bounds the compressed form.
+  // A literal of three pixels takes six bytes, so codes are at most twice as large as pixels.
   if ((image.rle ? 2 * dib.size + 1024 : dib.size) > Memory::kSourceSize) {
     std::fprintf(stderr, "qnvbench: an image does not fit into the source memory\n");
     std::exit(1);

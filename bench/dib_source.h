@@ -1,4 +1,4 @@
-// Device-independent bitmaps of seeded content, for the library and for its rivals.
+// Device-independent bitmaps with random content of a fixed seed, for the library and for its rivals.
 #pragma once
 
 #include <cstdint>
@@ -17,10 +17,10 @@ struct DibSource {
   std::size_t size = 0;  // bytes of `bits`
 };
 
-// The pixels lie in the shared source memory. Bottom row first.
+// Makes a bitmap, bottom row first. Its pixels lie in the shared source memory.
 DibSource MakeDib(Memory& memory, const ImageSource& image, int width, int height);
 
-// Size of the source for a painted extent.
+// The width or height of the source for a painted width or height.
 int SourceExtent(const ImageSource& image, int painted);
 
 }  // namespace qnv::bench

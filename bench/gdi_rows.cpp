@@ -1,5 +1,5 @@
-// The rival on Windows: the platform's own graphics interface doing the same work on a bitmap of the same form, in
-// the same process.
+// The rival on Windows: the graphics interface of the platform does the same work, in the same process, on a bitmap of
+// the same size and depth.
 #if defined(_WIN32)
 
 #include <cstring>
@@ -23,6 +23,7 @@ struct GrayInfo {
   RGBQUAD colors[256];
 };
 
+// The header of a bitmap, top row first, with a gray ramp as its color table.
 GrayInfo MakeInfo(int width, int height, int bitsPerPixel) {
   GrayInfo info = {};
   info.header.biSize = sizeof info.header;
@@ -37,7 +38,7 @@ GrayInfo MakeInfo(int width, int height, int bitsPerPixel) {
   return info;
 }
 
-// A device context that draws into a bitmap of its own; everything selected into it goes with it.
+// A device context that draws into a bitmap of its own. It deletes the objects that are selected into it.
 class Canvas {
  public:
   Canvas(int width, int height, int bitsPerPixel) : context_(CreateCompatibleDC(nullptr)) {
@@ -48,7 +49,7 @@ class Canvas {
     size_ = static_cast<std::size_t>((width * bitsPerPixel + 31) / 32 * 4) * static_cast<std::size_t>(height);
   }
 
-  // A bitmap of one bit a pixel takes the colors of the context that it is copied to, as the library does.
+  // With one bit a pixel: when it is copied, it takes the colors of the target, as one-bit sources do in the library.
   Canvas(int width, int height, const uint8_t* oneBitRows) : context_(CreateCompatibleDC(nullptr)) {
     Keep(CreateBitmap(width, height, 1, 1, oneBitRows));
   }
@@ -77,6 +78,7 @@ class Canvas {
   std::size_t size_ = 0;
 };
 
+// Repeats a call on a canvas.
 template <class Call>
 class GdiJob final : public Job {
  public:
@@ -108,12 +110,12 @@ Rival MakeGdiRival(std::unique_ptr<Canvas> canvas, const Memory& memory, Call ca
   return rival;
 }
 
-// What the library takes as red, green, blue lies the other way round in this platform's bitmaps.
+// Exchanges red and blue: the library takes red, green, blue where bitmaps of the platform have blue, green, red.
 void ExchangeColors(uint8_t* bytes, std::size_t count) {
   for (std::size_t i = 0; i + 3 <= count; i += 3) std::swap(bytes[i], bytes[i + 2]);
 }
 
-// The cells that the library's brush has; for a period of 16 each of them doubled both ways.
+// A brush with the cells of the library's brush; for a period of 16 each cell covers two by two pixels.
 HBRUSH MakePatternBrush(int period, int bitsPerPixel) {
   const std::size_t bytes = static_cast<std::size_t>(bitsPerPixel / 8);
   uint8_t cells[8 * 8 * 3];
@@ -155,6 +157,7 @@ std::unique_ptr<Canvas> MakeSourceCanvas(Memory& memory, Source source, int widt
   return canvas;
 }
 
+// A place that moves through the band, so that no call uses the cache line of the call before.
 struct Place {
   int x, y;
 };
@@ -172,7 +175,7 @@ Rival MakeOutputRival(std::unique_ptr<Canvas> canvas, const Memory& memory, cons
     return MakeGdiRival(std::move(canvas), memory,
                         [region, owner, brush](HDC context, int) { FillRgn(context, region, brush); });
   }
-  // Regions are filled with a plain copy only; a rectangle without an outline takes the drawing mode.
+  // Regions can only be filled by copying; rectangles without an outline also use the drawing mode.
   SetROP2(canvas->context(), static_cast<int>(spec.code));
   SelectObject(canvas->context(), GetStockObject(NULL_PEN));
   return MakeGdiRival(std::move(canvas), memory, [in](HDC context, int) {
@@ -199,7 +202,7 @@ void SelectFont(Canvas& canvas, const RowSpec& spec) {
   SetBkMode(canvas.context(), spec.opaqueText ? OPAQUE : TRANSPARENT);
 }
 
-// As many characters at the same distance; their shapes are those of an installed font.
+// The same characters at the same distances, in an installed font.
 Rival MakeTextRival(std::unique_ptr<Canvas> canvas, const Memory& memory, const RowSpec& spec, const ShapeInfo& in) {
   SelectFont(*canvas, spec);
   std::vector<std::string> lines;

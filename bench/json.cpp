@@ -1,3 +1,4 @@
+// Reads and writes JSON. The reader refuses everything that is not well-formed.
 #include "json.h"
 
 #include <cmath>
@@ -40,6 +41,7 @@ void AppendUtf8(std::string& out, uint32_t code) {
 
 }  // namespace
 
+// A recursive reader; at_ is the place in the text.
 class JsonReader {
  public:
   explicit JsonReader(std::string_view text) : text_(text) {}
@@ -54,12 +56,13 @@ class JsonReader {
   }
 
  private:
-  static constexpr int kDeepest = 64;
+  static constexpr int kMaxDepth = 64;  // of nesting
 
   void SkipSpace() {
     while (at_ < text_.size() && std::string_view(" \t\r\n").find(text_[at_]) != std::string_view::npos) ++at_;
   }
 
+  // Moves past a token if it comes next.
   bool Take(std::string_view token) {
     if (text_.substr(at_, token.size()) != token) return false;
     at_ += token.size();
@@ -67,7 +70,7 @@ class JsonReader {
   }
 
   bool ReadValue(Json& value, int depth) {
-    if (depth > kDeepest) return false;
+    if (depth > kMaxDepth) return false;
     SkipSpace();
     if (at_ == text_.size()) return false;
     switch (text_[at_]) {
@@ -140,6 +143,7 @@ class JsonReader {
     return false;
   }
 
+  // The four digits of an escape.
   bool ReadCode(std::string& text) {
     uint32_t code = 0;
     for (int i = 0; i < 4; ++i, ++at_) {

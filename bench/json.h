@@ -1,4 +1,4 @@
-// As much JSON as the reports need: built, written, and read back for comparison.
+// The part of JSON that the reports need: values are built, written, and read back for comparison.
 #pragma once
 
 #include <string>
@@ -22,7 +22,8 @@ class Json {
 
   // False, with a sentence in `error`, for anything but one complete value.
   static bool Parse(std::string_view text, Json& value, std::string& error);
-  // Members and items one to a line down to `openLevels` levels, deeper ones on the line of their parent.
+  // The value as text. Members and items have lines of their own down to `openLevels` levels; deeper ones share the
+  // line of their parent.
   std::string Write(int openLevels) const;
 
   Type type() const { return type_; }

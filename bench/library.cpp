@@ -1,3 +1,4 @@
+// Opens libraries with the functions of the platform.
 #include "library.h"
 
 #include <cstring>
@@ -15,7 +16,7 @@ namespace {
 constexpr const char* kLibraryFile = "QNVDRV10.dll";
 
 void* OpenModule(const std::string& path, std::string& error) {
-  // An absolute path keeps two builds of the same file name apart.
+  // With an absolute path two builds with the same file name are two libraries.
   char full[MAX_PATH];
   const DWORD length = GetFullPathNameA(path.c_str(), MAX_PATH, full, nullptr);
   HMODULE module = length > 0 && length < MAX_PATH ? LoadLibraryA(full) : nullptr;
@@ -25,6 +26,7 @@ void* OpenModule(const std::string& path, std::string& error) {
 
 void CloseModule(void* module) { FreeLibrary(static_cast<HMODULE>(module)); }
 
+// Copies the address of an exported function, null when there is none, into a function pointer.
 void CopyAddress(void* module, const char* name, void* target, std::size_t size) {
   const FARPROC address = GetProcAddress(static_cast<HMODULE>(module), name);
   std::memcpy(target, &address, size);
@@ -48,6 +50,7 @@ void* OpenModule(const std::string& path, std::string& error) {
 
 void CloseModule(void* module) { dlclose(module); }
 
+// Copies the address of an exported function, null when there is none, into a function pointer.
 void CopyAddress(void* module, const char* name, void* target, std::size_t size) {
   void* const address = dlsym(module, name);
   std::memcpy(target, &address, size);

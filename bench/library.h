@@ -1,4 +1,4 @@
-// A built library, opened by path. Only what it exports is used.
+// A built library, opened by path. Only its exported functions are used.
 #pragma once
 
 #include <memory>

@@ -1,3 +1,5 @@
+// Loops that do nothing but store, copy or change bytes, in several variants of each kind: which one is fastest depends
+// on the processor and on where the bytes lie.
 #include "memory_limits.h"
 
 #include <immintrin.h>
@@ -22,8 +24,8 @@ void StoreRep(uint8_t* d, const uint8_t*, std::size_t n) {
   asm volatile("rep stosb" : "+D"(d), "+c"(n) : "a"(0x5A) : "memory");
 }
 
-// The last bytes of a row are done by one overlapping vector (stores, copies) or singly (changes in place). Rows
-// shorter than a vector do not occur here.
+// In these loops the last bytes of a row are written by one overlapping vector (stores, copies) or one by one (changes
+// in place). Rows are never shorter than a vector.
 void StoreSse2(uint8_t* d, const uint8_t*, std::size_t n) {
   const __m128i v = _mm_set1_epi8(0x5A);
   uint8_t* const end = d + n;
@@ -209,6 +211,7 @@ __attribute__((target("avx2"))) void CombineAvx2Pairs(uint8_t* d, const uint8_t*
   for (; i < n; ++i) d[i] = static_cast<uint8_t>(d[i] ^ s[i]);
 }
 
+// A loop over the rows of a surface as a job.
 class LimitJob final : public Job {
  public:
   LimitJob(const LimitLoop& loop, const LimitSurface& surface) : loop_(loop), surface_(surface) {}

@@ -1,5 +1,5 @@
-// What this machine's memory allows, measured on the buffers that the rows paint into: the fastest of several loops
-// that store, copy, or read and change bytes and do nothing else.
+// Measures the limits that the memory of this machine sets: the fastest of several loops that only store, copy, or read
+// and change bytes, run on the buffers that the rows paint into.
 #pragma once
 
 #include <cstddef>
@@ -21,6 +21,7 @@ enum class LimitKind {
 
 const char* LimitName(LimitKind kind);
 
+// One of the loops.
 struct LimitLoop {
   const char* name;
   LimitKind kind;
@@ -46,6 +47,7 @@ struct Limit {
   double gigabytesPerSecond = 0;
 };
 
+// Measures all loops of a kind and returns the fastest.
 Limit MeasureLimit(LimitKind kind, const LimitSurface& surface, const TimingPlan& plan);
 
 }  // namespace qnv::bench

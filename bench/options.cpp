@@ -1,3 +1,4 @@
+// Parses the command line, prints the help, and filters rows.
 #include "options.h"
 
 #include <algorithm>
@@ -36,6 +37,7 @@ bool TakeShapes(const std::string& value, Options& options, std::string& error) 
   return true;
 }
 
+// "NAME=PATH".
 bool TakeLevel(const std::string& value, Options& options, std::string& error) {
   const std::size_t equals = value.find('=');
   if (equals == std::string::npos || equals == 0 || equals + 1 == value.size()) {

@@ -1,3 +1,4 @@
+// The command line of qnvbench.
 #pragma once
 
 #include <regex>
@@ -28,7 +29,7 @@ struct Options {
   int samples = 0;  // 0: the plan's own
 };
 
-// False, with a sentence in `error`, for arguments that make no sense.
+// Parses the arguments. False, with a sentence in `error`, for unknown options and for values that do not fit.
 bool ParseOptions(int count, const char* const* arguments, Options& options, std::string& error);
 void PrintHelp();
 
@@ -37,6 +38,7 @@ class RowFilter {
  public:
   // False for a pattern that is no regular expression.
   bool Set(const Options& options, std::string& error);
+  // Whether the row, or the shape, is to be measured.
   bool Takes(const Row& row) const;
   bool Takes(Shape shape) const;
 

@@ -1,5 +1,5 @@
-// The rival on Linux: pixman, where it is installed and has the operation. It is opened at run time by its published
-// interface, so that nothing has to be there when this program is built.
+// The rival on Linux: pixman, where it is installed and has the operation. It is loaded at run time and called through
+// its published interface, so that it need not be there when this program is built.
 #if !defined(_WIN32)
 
 #include <dlfcn.h>
@@ -17,7 +17,7 @@ namespace {
 
 using Image = void;
 
-// 16.16, row by row.
+// An affine transform in 16.16, row by row.
 struct Transform {
   int32_t matrix[3][3];
 };
@@ -29,6 +29,7 @@ struct PixmanColor {
 enum : int { kSrc = 1, kDarken = 0x34 };
 enum : int { kRepeatNormal = 1 };
 
+// The code of a pixel format: bits a pixel, order of the components, bits of each.
 constexpr uint32_t Format(uint32_t bits, uint32_t type, uint32_t a, uint32_t r, uint32_t g, uint32_t b) {
   return bits << 24 | type << 16 | a << 12 | r << 8 | g << 4 | b;
 }
@@ -58,6 +59,7 @@ bool Find(void* module, const char* name, Function& function) {
   return address != nullptr;
 }
 
+// The functions of the library, loaded once; complete is false when any is missing.
 const Pixman& Open() {
   static const Pixman opened = [] {
     Pixman pixman;
@@ -82,7 +84,7 @@ ImageOwner Own(Image* image) {
 }
 
 ImageOwner MakeImage(uint32_t format, int width, int height, const void* bits, std::size_t stride) {
-  // Sources are read only; the interface does not say so.
+  // The interface takes a pointer that is not const, but sources are only read.
   void* const writable = const_cast<void*>(bits);
   return Own(Open().createBits(format, width, height, static_cast<uint32_t*>(writable), static_cast<int>(stride)));
 }
@@ -144,7 +146,7 @@ ImageOwner MakeBltSource(Memory& memory, Source source, const ShapeInfo& info) {
 
 ImageOwner MakeDibSource(Memory& memory, const RowSpec& spec, const ShapeInfo& info) {
   const ImageSource& image = spec.image;
-  if (image.bits < 16) return nullptr;  // palettes have no fast way there
+  if (image.bits < 16) return nullptr;  // pixman has no fast path for palettes
   const DibSource dib = MakeDib(memory, image, SourceExtent(image, info.width), SourceExtent(image, info.height));
   const uint32_t format = image.bits == 16 ? k555 : image.bits == 24 ? kBgrBytes : k888;
   const std::size_t stride = dib.size / static_cast<std::size_t>(dib.height);
@@ -159,7 +161,7 @@ ImageOwner MakeDibSource(Memory& memory, const RowSpec& spec, const ShapeInfo& i
   transform.matrix[0][2] = image.mirrored ? dib.width * 65536 : 0;
   transform.matrix[1][1] = static_cast<int32_t>(y * kOne);
   transform.matrix[2][2] = 65536;
-  Open().setTransform(source.get(), &transform);  // nearest pixel is the filter from the start
+  Open().setTransform(source.get(), &transform);  // the default filter takes the nearest pixel
   return source;
 }
 
@@ -171,7 +173,7 @@ Rival MakeRival(Memory& memory, const Row& row, Shape shape) {
   if (!Open().complete) return {};
   const ShapeInfo& info = Info(shape);
   if (info.width == 0 || shape == Shape::kPage) return {};
-  // What the source image reads must live as long as the job.
+  // Pixels of the source image, which must live as long as the job.
   const auto storage = std::make_shared<std::vector<uint32_t>>();
   int op = kSrc;
   ImageOwner source;

@@ -1,4 +1,5 @@
-// The interface of the library behind the platform's own header, where there is one: the two share names.
+// The interface of the library. On Windows the header of the platform is included before it, because both declare some
+// of the same names.
 #pragma once
 
 #if defined(_WIN32)

@@ -1,3 +1,4 @@
+// Draws a font of random strokes.
 #include "raster_font.h"
 
 #include <algorithm>
@@ -17,7 +18,7 @@ struct Glyph {
   uint8_t* bits;
   int width, height;
 
-  // Columns of eight pixels follow one another.
+  // Sets a pixel; glyphs are stored in columns of eight pixels.
   void Set(int x, int y) { bits[(x / 8) * height + y] |= static_cast<uint8_t>(0x80 >> (x % 8)); }
 
   void FillBox(int left, int top, int right, int bottom) {
@@ -27,7 +28,7 @@ struct Glyph {
   }
 };
 
-// Two stems and two bars somewhere in the cell's inner part.
+// Two vertical and two horizontal strokes at random places inside the cell.
 void DrawStrokes(Glyph glyph, Random& random) {
   const int pen = std::max(1, glyph.width / 8);
   const int top = glyph.height / 5;

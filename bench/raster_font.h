@@ -1,4 +1,4 @@
-// A raster font of strokes, as dense as letters are.
+// A raster font whose glyphs are strokes, about as dense as letters.
 #pragma once
 
 #include <cstdint>

@@ -1,4 +1,4 @@
-// What a run has found, and the forms in which it is told.
+// The results of a run, and the forms in which they are written: text, JSON, CSV, Markdown.
 #pragma once
 
 #include <cstdio>
@@ -10,6 +10,7 @@
 
 namespace qnv::bench {
 
+// The result of a row.
 struct RowResult {
   std::string name;
   std::string shape;
@@ -36,6 +37,7 @@ struct RowResult {
   double RivalRatio() const { return bestNs > 0 ? rivalNs / bestNs : 0; }  // above 1: the rival is slower
 };
 
+// The result of a limit.
 struct LimitResult {
   std::string shape;
   int bytesPerPixel = 0;
@@ -68,7 +70,7 @@ std::string CpuName();
 std::string CompilerName();
 std::string PlatformName();
 
-// Text is printed as the run goes on.
+// These print text while the run continues.
 void PrintHeading(const Report& report);
 void PrintLimits(const Report& report);
 void PrintRowHeading();
@@ -76,7 +78,7 @@ void PrintRow(const RowResult& row);
 void PrintDerived(const Report& report);
 
 Json ReportToJson(const Report& report);
-// Rows and derived figures; false when it is no report.
+// Reads limits, rows and derived figures; false when the value is no report.
 bool ReportFromJson(const Json& json, Report& report, std::string& error);
 bool WriteTextFile(const std::string& path, const std::string& text);
 bool ReadTextFile(const std::string& path, std::string& text);
@@ -86,10 +88,11 @@ std::string ReportToCsv(const Report& report);
 // The tables of the document, one group of columns for each report.
 std::string ReportsToMarkdown(const std::vector<Report>& reports);
 
-// Every row that both have, with the change of its best time.
+// Prints every row that both reports have, with the change of its best time.
 void PrintComparison(const Report& before, const Report& now);
 
 double GeometricMean(const std::vector<double>& values);
+// The figures that combine several rows.
 std::vector<DerivedResult> DeriveFigures(const std::vector<RowResult>& rows);
 
 }  // namespace qnv::bench

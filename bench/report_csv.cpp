@@ -1,3 +1,4 @@
+// A report as CSV: one line for each row.
 #include "report.h"
 
 namespace qnv::bench {
@@ -15,7 +16,7 @@ std::string ReportToCsv(const Report& report) {
   std::string out =
       "row,shape,best_ns,median_ns,calls,bytes,source_bytes,items,gb_per_s,source_gb_per_s,limit,limit_gb_per_s,share,"
       "combine_gb_per_s,plain_ns,gain,rival,rival_ns,rival_ratio";
-  // Every row has been measured with the same builds.
+  // All rows have been measured with the same builds.
   if (!report.rows.empty()) {
     for (const auto& level : report.rows.front().levels) out += "," + level.first + "_ns";
   }

@@ -1,4 +1,4 @@
-// Figures that several rows give together, and the facts about the machine.
+// Computes the figures that combine several rows, and finds the names of processor, compiler and platform.
 #include <cpuid.h>
 
 #include <algorithm>
@@ -19,6 +19,7 @@ double Find(const Times& times, const std::string& key) {
   return found == times.end() ? 0 : found->second;
 }
 
+// The name of the same row on another band.
 std::string WithBand(const std::string& name, Band band) {
   RowName parts;
   if (!ParseRowName(name, parts)) return {};
@@ -32,7 +33,7 @@ Band BandOf(const RowResult& row) {
   return parts.band;
 }
 
-// How much longer calls take on the device with tags, compared with the same call on the color band alone.
+// How much longer calls take on the dual-plane device than the same calls on a color band alone.
 void AddTagCosts(const std::vector<RowResult>& rows, const Times& times, std::vector<DerivedResult>& figures) {
   std::vector<double> uniform;
   for (const RowResult& row : rows) {
@@ -54,6 +55,7 @@ void AddTagCosts(const std::vector<RowResult>& rows, const Times& times, std::ve
   }
 }
 
+// Geometric means of shares, gains and ratios.
 void AddMeans(const std::vector<RowResult>& rows, std::vector<DerivedResult>& figures) {
   std::map<std::string, std::vector<double>> shares;
   std::vector<double> gains;

@@ -1,3 +1,4 @@
+// Reports as JSON, written and read back.
 #include "bench_table.h"
 #include "report.h"
 
@@ -5,7 +6,7 @@ namespace qnv::bench {
 namespace {
 
 constexpr const char* kProgram = "qnvbench";
-constexpr int kFormat = 1;
+constexpr int kFormat = 1;  // changes when old reports can no longer be read
 
 Json RowToJson(const RowResult& row) {
   Json json = Json::Object();

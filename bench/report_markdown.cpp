@@ -1,3 +1,4 @@
+// Reports as the tables of docs/benchmarks.md, several side by side.
 #include <algorithm>
 #include <regex>
 
@@ -6,7 +7,7 @@
 namespace qnv::bench {
 namespace {
 
-// A table of the document: which of a report's rows it shows, and in which form.
+// A table of the document: the rows that it shows, by shape and by a regular expression over their names.
 struct Section {
   const char* title;
   const char* shape;
@@ -39,6 +40,7 @@ std::string Number(double value, int decimals) {
 
 std::string Ratio(double value) { return value > 0 ? Number(value, value < 10 ? 1 : 0) + "x" : "-"; }
 
+// The cells of one report in the line of a row: rate or time, gain, and ratio to the rival.
 std::string Cells(const RowResult* row, bool calls) {
   if (row == nullptr) return " - | - | - |";
   std::string cells = " ";

@@ -1,3 +1,4 @@
+// Reports as text for a terminal.
 #include <algorithm>
 #include <cstring>
 

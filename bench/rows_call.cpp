@@ -1,4 +1,5 @@
-// Small calls, where the way to the pixels costs more than the pixels; and calls of which nothing reaches the band.
+// Rows of small calls, in which reaching the pixels takes longer than painting them, and of calls that paint nothing
+// because all is clipped away.
 #include <vector>
 
 #include "device_fixture.h"
@@ -8,6 +9,7 @@
 namespace qnv::bench {
 namespace {
 
+// Why nothing is painted.
 enum SkipKind : uint32_t {
   kClippedPixel,
   kEmptyClip,
@@ -22,7 +24,7 @@ void Add(std::vector<Row>& rows, const std::string& name, const RowSpec& spec) {
   rows.push_back({name + "_" + BandName(spec.band), spec, {Shape::kCall}});
 }
 
-// A place that moves through the band, so that no call meets the cache line of the call before.
+// A place that moves through the band, so that no call uses the cache line of the call before.
 struct Place {
   int x, y;
 };
@@ -94,6 +96,7 @@ std::unique_ptr<Job> MakeGlyphJob(std::unique_ptr<DeviceFixture> device, const R
                        });
 }
 
+// A list of 10000 spans, all above or all below the band.
 std::unique_ptr<Job> MakeLongSpanListJob(std::unique_ptr<DeviceFixture> device, bool above) {
   constexpr int kRows = 10000;
   std::vector<int16_t> points;
@@ -108,13 +111,13 @@ std::unique_ptr<Job> MakeLongSpanListJob(std::unique_ptr<DeviceFixture> device, 
   });
 }
 
-// An image of which the clip leaves a corner of the given size.
+// An image that the clip cuts to a corner of the given size.
 std::unique_ptr<Job> MakeClippedImageJob(std::unique_ptr<DeviceFixture> device, bool rle, int width, int height,
                                          int shownWidth, int shownHeight) {
   const ImageSource image = {8, rle, false, 1, 1};
   DibSource dib = MakeDib(device->memory(), image, width, height);
   device->clip = {0, 0, shownWidth, shownHeight};
-  // What is shown is the end of the stored rows, where a decoder comes last.
+  // The visible rows are stored last, so that a decoder has to pass all others.
   return MakeDeviceJob(std::move(device), [dib = std::move(dib)](DeviceFixture& d, int) {
     d.library().StretchDIBits(d.handle(), 0, 0, 0, dib.width, dib.height, 0, 0, dib.width, dib.height, dib.bits,
                               dib.info.data(), nullptr, SRCCOPY, nullptr, &d.mode, &d.clip);

@@ -1,4 +1,4 @@
-// Transfers: copies and the operations of two operands by name, and by number those of three.
+// Rows of transfers with a source: operations of two operands by name, those of three by number.
 #include <cstdio>
 
 #include "device_fixture.h"
@@ -13,7 +13,8 @@ struct SourceName {
 
 constexpr SourceName kSources[] = {{Source::kRgb24, "rgb24"}, {Source::kGray8, "gray8"}, {Source::kMono, "mono"}};
 
-// A band of bytes takes byte sources, a color band color sources; one-bit sources go with both.
+// Whether a source is measured on a band: byte sources on gray bands, color sources on color bands, one-bit ones on
+// both.
 bool Fits(Source source, Band band) {
   return source == Source::kMono || (source == Source::kGray8) == (band == Band::kGray8);
 }
@@ -67,7 +68,7 @@ void AddCopyRows(std::vector<Row>& rows) {
 }
 
 void AddRop3Rows(std::vector<Row>& rows) {
-  // Shown singly: the ternary codes that drawings really use, and two whose evaluation is long. The rest on request.
+  // Measured one by one: the ternary codes that drawings use, and two that are long to evaluate. The others on request.
   static constexpr uint8_t kShown[] = {0xB8, 0xE2, 0xCA, 0xC0, 0xFB, 0x6A, 0x96, 0x69};
   for (int b = 0; b < kBandCount; ++b) {
     const Band band = static_cast<Band>(b);

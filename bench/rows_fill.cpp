@@ -1,4 +1,4 @@
-// Rectangles filled and inverted: span lists (QNVOutput) and transfers without a source.
+// Rows of filled and inverted rectangles: span lists (QNVOutput) and transfers without a source.
 #include "device_fixture.h"
 
 namespace qnv::bench {
@@ -17,7 +17,7 @@ constexpr BrushName kBrushes[] = {
 constexpr Band kAllBands[] = {Band::kBgr24,      Band::kGray8, Band::kScaled,
                               Band::kScaledGray, Band::kDual,  Band::kDualMarked};
 
-// Scaled devices do not double the cells of a brush.
+// A period of 16 pixels does not exist on scaled devices, whose brushes have cells of one pixel.
 bool NeverMade(Brush brush, Band band) { return brush == Brush::kPattern16 && IsScaled(band); }
 
 }  // namespace

@@ -1,4 +1,4 @@
-// Stretched images of every depth, forward and mirrored, larger and smaller, under three kinds of raster code.
+// Rows of images: every depth, mirrored or not, several scales, under three kinds of raster code.
 #include <algorithm>
 
 #include "device_fixture.h"
@@ -30,12 +30,13 @@ struct Code {
   const char* name;
 };
 
-// An exclusive or keeps the band as varied as it was; other codes would soon have turned it to black or white.
+// An exclusive or keeps the content of the band random; other codes would soon turn it black or white.
 constexpr Code kCodes[] = {{SRCCOPY, LimitKind::kCopy, "copy"},
                            {SRCINVERT, LimitKind::kReadModifyWrite, "rop"},
                            {ROP_MINIMUM, LimitKind::kReadModifyWrite, "min"}};
 
-// The special devices share the converters: a few rows show what they add.
+// The rows that are measured on the special devices too. They share the converters with the plain ones, so a few
+// suffice.
 bool IsCore(const Depth& depth, const Scale& scale, bool mirrored) {
   const bool depthShown = depth.bits == 24 || (depth.bits == 8 && !depth.rle) || depth.bits == 1;
   const bool scaleShown = scale.sourceParts != 100 && scale.targetParts != 4 && scale.sourceParts != 33;
@@ -61,7 +62,7 @@ void AddImageRows(std::vector<Row>& rows) {
             spec.code = code.code;
             spec.limit = code.limit;
             spec.image = {depth.bits, depth.rle, mirrored, scale.sourceParts, scale.targetParts};
-            // One bit a pixel is next to nothing to read.
+            // Reading one bit a pixel takes hardly any time.
             if (depth.bits == 1 && code.limit == LimitKind::kCopy) spec.limit = LimitKind::kStore;
             rows.push_back({std::string("stretch_") + depth.name + (mirrored ? "_mirror_" : "_fwd_") + scale.name +
                                 "_" + code.name + "_" + BandName(band),
@@ -81,7 +82,7 @@ RowJob MakeImageJob(const Library& library, Memory& memory, const RowSpec& spec,
       MakeDib(memory, spec.image, SourceExtent(spec.image, rect.width), SourceExtent(spec.image, rect.height));
   RowJob job;
   job.amounts.bytes = 1.0 * info.width * info.height * device->bytesPerPixel();
-  // A source row that shares its band row with a later one need not be read.
+  // Of several source rows for one band row only the last need be read.
   const double rowBytes = static_cast<double>(dib.size) / dib.height;
   job.amounts.sourceBytes =
       spec.image.rle ? static_cast<double>(dib.size) : rowBytes * std::min(dib.height, info.height);

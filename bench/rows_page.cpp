@@ -1,4 +1,4 @@
-// A page of mixed calls, painted as one band and again as fifty. Every call goes to every band, as a host sends them.
+// Rows of a page of mixed calls, painted as one band or as fifty. Every call is made for every band, as hosts do.
 #include <algorithm>
 #include <functional>
 

@@ -1,4 +1,4 @@
-// Raster-font text: lines of glyphs that cover the rectangle.
+// Rows of text: lines of glyphs that cover the rectangle.
 #include <cstring>
 
 #include "device_fixture.h"
@@ -48,7 +48,7 @@ RowJob MakeTextJob(const Library& library, Memory& memory, const RowSpec& spec, 
   std::vector<TextLine> lines;
   Random random(6);
   RowJob job;
-  // On a scaled device the cells cover page pixels, of which the band keeps a part.
+  // On a scaled device cells are counted in page pixels, of which the band shows a part.
   for (int y = rect.y; y + spec.cellHeight <= rect.y + rect.height; y += spec.cellHeight) {
     TextLine line = {rect.x, y, {}};
     for (int i = 0; i < rect.width / spec.cellWidth; ++i) line.characters += RandomCharacter(random);

@@ -1,3 +1,4 @@
+// Measures limits and rows, and checks that all builds paint the same pictures.
 #include "runner.h"
 
 #include <algorithm>
@@ -23,6 +24,7 @@ struct MeasuredLimit {
   LimitSurface surface;
 };
 
+// The plan for --quick and --samples.
 TimingPlan PlanOf(const Options& options) {
   TimingPlan plan;
   if (options.quick) plan = {100e3, 5, 5e6};
@@ -54,7 +56,7 @@ class Runner {
     report_.rows.push_back(std::move(result));
   }
 
-  // The limits once more: a machine that has changed meanwhile shows it here.
+  // Measures the limits once more, which shows whether the speed of the machine has changed.
   void RepeatLimits() {
     for (std::size_t i = 0; i < order_.size(); ++i) {
       const MeasuredLimit& measured = limits_.at(order_[i]);
@@ -67,11 +69,13 @@ class Runner {
  private:
   static double BytesOf(const LimitSurface& surface) { return static_cast<double>(surface.rowBytes) * surface.rows; }
 
+  // Whether a row combines the band with a source byte by byte.
   static bool ReadsSourceInPlace(const RowSpec& spec) {
     const bool byteForByte = spec.source == Source::kRgb24 || spec.source == Source::kGray8;
     return byteForByte && spec.limit == LimitKind::kReadModifyWrite;
   }
 
+  // Measures a limit unless that has been done.
   void Need(const Row& row, Shape shape, LimitKind kind) {
     const LimitKey key = {shape, BytesPerPixel(row.spec.band), kind};
     if (limits_.count(key) != 0) return;
@@ -96,11 +100,12 @@ class Runner {
     }
   };
 
+  // Measures a row with all builds and the rival.
   RowResult MeasureOne(const Row& row, Shape shape, const TimingPlan& plan) {
     Jobs jobs;
     jobs.main = MakeJob(*libraries_.main, memory_, row, shape);
     jobs.all.push_back(jobs.main.job.get());
-    // Beside each row its limit is sampled again.
+    // The limit is measured again together with each row.
     const MeasuredLimit* const limit = Find(row, shape, row.spec.limit);
     jobs.Add(limit != nullptr ? MakeLimitJob(*limit->limit.loop, limit->surface) : nullptr);
     jobs.Add(libraries_.baseline != nullptr ? MakeJob(*libraries_.baseline, memory_, row, shape).job : nullptr);
@@ -119,7 +124,7 @@ class Runner {
     result.sourceBytes = amounts.sourceBytes;
     result.items = amounts.items;
     if (limit != nullptr) {
-      // The higher of the two, so that no share is flattered by a disturbed limit.
+      // The higher of the two, so that a disturbed limit does not make the share too large.
       result.limit = LimitName(row.spec.limit);
       result.limitRate = std::max(limit->limit.gigabytesPerSecond, BytesOf(limit->surface) / timings[1].bestNs);
     }
@@ -137,7 +142,7 @@ class Runner {
     return result;
   }
 
-  // A row that paints nothing is quick, and worth nothing.
+  // Compares the pictures of all builds. A row that paints nothing would be fast for the wrong reason.
   void CheckPictures(const Row& row, Jobs& jobs, RowResult& result) {
     if (row.spec.operation == Operation::kSkip || (row.spec.operation == Operation::kPixel && row.spec.code == 0))
       return;
@@ -152,7 +157,7 @@ class Runner {
     bool painted = false;
     const uint64_t picture = paint(*jobs.main.job, painted);
     if (!painted) Complain(row, "paints nothing", result);
-    // Behind the library and its limit come the other builds.
+    // The first two jobs are the library and its limit, the last one is the rival.
     for (std::size_t i = 2; i + 1 < jobs.all.size(); ++i) {
       if (jobs.all[i] != nullptr && paint(*jobs.all[i], painted) != picture) {
         Complain(row, "another build paints another picture", result);

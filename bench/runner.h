@@ -1,4 +1,4 @@
-// Measures the rows of a run: limits first, then row by row, all builds of the library and the rival in turn.
+// Measures the rows of a run: the limits first, then each row with all builds of the library and the rival in turn.
 #pragma once
 
 #include <memory>
@@ -18,7 +18,7 @@ struct Libraries {
   std::vector<std::pair<std::string, std::unique_ptr<Library>>> levels;
 };
 
-// Prints what it finds as it goes on.
+// Measures the rows that the filter takes, prints each result at once, and adds it to the report.
 void RunRows(const Options& options, const RowFilter& filter, const Libraries& libraries, Report& report);
 
 }  // namespace qnv::bench

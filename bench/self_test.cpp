@@ -1,3 +1,4 @@
+// The self-test of qnvbench: tables of names, options and files that are taken or refused.
 #include "self_test.h"
 
 #include <algorithm>
@@ -77,6 +78,7 @@ void TestTable() {
   }
 }
 
+// The number of rows that a filter takes; -1 when it is refused.
 int CountTaken(const Options& options) {
   RowFilter filter;
   std::string error;
@@ -221,7 +223,7 @@ void TestReport() {
   Expect(commas(csv.substr(0, lineEnd)) == commas(csv.substr(lineEnd)), "a CSV line has a value for every column");
 }
 
-// A limit that leaves bytes out would be too high, one that goes further would spoil its neighbours.
+// Every loop must write all of its bytes and no others: a loop that leaves bytes out would be too fast.
 void TestLimitLoops() {
   constexpr std::size_t kSize = 400;
   for (const LimitLoop& loop : LimitLoops()) {

@@ -1,5 +1,5 @@
-// Calibrated timing. Jobs that are to be compared are sampled in turn, so that a disturbance of the machine meets
-// all of them alike.
+// Timing of short jobs. Jobs that are compared are measured in turn, so that a disturbance of the machine affects all
+// of them alike.
 #pragma once
 
 #include <algorithm>
@@ -10,14 +10,14 @@
 
 namespace qnv::bench {
 
-// Something that can be repeated. What one run paints is described by the table's row.
+// Something that is measured by repeating it.
 class Job {
  public:
   virtual ~Job() = default;
   virtual void Run(int times) = 0;
-  // Puts the picture back that the first run is to meet; never timed.
+  // Restores the picture that the first run starts with. Not timed.
   virtual void Rewind() {}
-  // Of the picture as it is now; 0 for a job that has none. Shows that a job paints, and that two paint the same.
+  // A hash of the current picture, 0 for a job without one. Shows that a job paints, and that two paint the same.
   virtual uint64_t PictureHash() const { return 0; }
 };
 
@@ -32,6 +32,7 @@ struct Timing {
   double medianNs = 0;  // of one run
 };
 
+// The time of a batch in nanoseconds.
 inline double TimeBatch(Job& job, int times) {
   using Clock = std::chrono::steady_clock;
   const Clock::time_point start = Clock::now();
@@ -39,7 +40,7 @@ inline double TimeBatch(Job& job, int times) {
   return std::chrono::duration<double, std::nano>(Clock::now() - start).count();
 }
 
-// Runs for a batch of the planned length. Serves as warm-up too.
+// The number of runs for a batch of the planned length. Finding it also warms up caches and predictors.
 inline int CalibrateBatch(Job& job, const TimingPlan& plan) {
   constexpr int kMaxTimes = 1 << 24;
   int times = 1;
@@ -52,7 +53,7 @@ inline int CalibrateBatch(Job& job, const TimingPlan& plan) {
   }
 }
 
-// Null jobs are allowed and give a Timing of zeros.
+// Measures several jobs in turn. Null jobs are allowed and give a Timing of zeros.
 inline std::vector<Timing> MeasureInTurn(const std::vector<Job*>& jobs, const TimingPlan& plan) {
   struct State {
     int times = 0;
@@ -74,7 +75,7 @@ inline std::vector<Timing> MeasureInTurn(const std::vector<Job*>& jobs, const Ti
     for (std::size_t i = 0; i < jobs.size(); ++i) {
       if (round >= states[i].samples) continue;
       jobs[i]->Rewind();
-      if (states[i].times > 1) jobs[i]->Run(1);  // brings back the cache that rewinding disturbed
+      if (states[i].times > 1) jobs[i]->Run(1);  // fills the cache again, which rewinding has changed
       states[i].ns.push_back(TimeBatch(*jobs[i], states[i].times) / states[i].times);
     }
   }

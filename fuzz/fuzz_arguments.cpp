@@ -1,3 +1,4 @@
+// Makes the arguments of calls from the input: any numbers, but memory that is as large as a host must provide.
 #include "fuzz_input.h"
 
 namespace qnv::fuzz {
@@ -7,7 +8,7 @@ uint16_t WordAt(const std::vector<uint8_t>& list, std::size_t word) {
   return static_cast<uint16_t>(list[2 * word] | list[2 * word + 1] << 8);
 }
 
-// Makes the list long enough for the word and keeps it a small length.
+// Makes the list long enough to hold word `word`, a length, and limits the length to 0..1023.
 uint16_t KeepLength(std::vector<uint8_t>& list, std::size_t word) {
   if (list.size() < 2 * word + 2) list.resize(2 * word + 2);
   list[2 * word + 1] &= 3;
@@ -58,7 +59,7 @@ void CallOutput(Input& input, DeviceHandle* handle) {
 }
 
 void CallText(Input& input, DeviceHandle* handle) {
-  constexpr std::size_t kEntries = 512;  // every code, first character and default character together
+  constexpr std::size_t kEntries = 512;  // enough for every sum of code, first and default character
   const uint8_t choice = input.Byte();
   const bool twoByte = (choice & 1) != 0;
   const bool shortTable = !twoByte && (choice & 2) != 0;
@@ -107,14 +108,14 @@ void CallText(Input& input, DeviceHandle* handle) {
 }
 
 std::vector<uint8_t> TerminatedCodes(std::vector<uint8_t> codes, uint32_t rows) {
-  // A literal that starts on the last byte may still step over 256 bytes.
+  // A literal whose count is the last byte takes 256 bytes more.
   codes.resize(codes.size() + 260 + 2 * std::size_t{rows});
   return codes;
 }
 
 void CallImage(Input& input, DeviceHandle* handle) {
   const auto size = [&](uint8_t kind) -> int32_t {
-    // Sizes that a document may claim; those that are taken have all their rows behind them.
+    // Any size, as in documents. Sizes up to 64 are followed by all their rows; larger ones are refused by the library.
     if (kind == 0xFF) return static_cast<int32_t>(input.Long() | 0x8000);
     if (kind == 0xFE) return -(1 + input.Byte() % 64);
     return kind % 65;
@@ -131,7 +132,7 @@ void CallImage(Input& input, DeviceHandle* handle) {
   header.biCompression = format / 8 % 5;
   header.biClrUsed = input.Byte() == 0xFF ? input.Long() : 0;
   header.biSize = 40u + input.Byte();
-  // The table lies behind the header, full or as long as the header says.
+  // The color table follows the header, with as many entries as the header says.
   std::size_t infoBytes = 52;
   if (header.biBitCount <= 8) {
     const uint32_t full = 1u << header.biBitCount;
@@ -182,7 +183,7 @@ void CallTransfer(Input& input, DeviceHandle* handle) {
   source.bmPlanes = form == 0xFF ? 3 : 1;
   const uint8_t depths[] = {1, 24, 8};
   source.bmBitsPixel = depths[form % 3];
-  // Wide enough for whatever form the device takes it for.
+  // Wide enough for three bytes a pixel, as which some devices read every depth.
   source.bmWidthBytes = static_cast<uint16_t>(source.bmWidth * 3 + form % 5);
   const std::vector<uint8_t> pixels =
       input.Bytes(std::size_t{source.bmWidthBytes} * static_cast<uint16_t>(source.bmHeight));

@@ -1,4 +1,4 @@
-// Sequences of calls on one device: what one leaves behind must not hurt the next.
+// Fuzz target: sequences of calls on one device, whose state one call leaves to the next.
 #include "fuzz_input.h"
 
 namespace {
@@ -9,7 +9,7 @@ void CallControl(Input& input, DeviceHandle* handle) {
   const uint32_t code = 0x2000u + input.Byte() % 4;
   BandRect data = input.Rect();
   if (code == QNV_SET_BAND_RECT) {
-    // The band is moved, not made larger than its buffer: at most one row and column, anywhere.
+    // A band of one pixel anywhere: it must not become larger than its memory.
     data.left = static_cast<int16_t>(data.left);
     data.top = static_cast<int16_t>(data.top);
     data.right = data.left + 1;

@@ -1,3 +1,4 @@
+// Makes a device, a draw mode and a brush from the input.
 #include "fuzz_input.h"
 
 namespace qnv::fuzz {
@@ -8,14 +9,14 @@ FuzzDevice::FuzzDevice(Input& input) {
   description.kind = choice % 4 == 2 ? QNV_KIND_SCALED : QNV_KIND_RASTER;
   description.bitsPerPixel = choice % 4 == 1 ? 8 : 24;
   if (choice % 8 == 6) description.bitsPerPixel = 0;    // gray mode
-  if (choice % 16 == 15) description.bitsPerPixel = 8;  // two planes described with another depth
+  if (choice % 16 == 15) description.bitsPerPixel = 8;  // a dual-plane device described with 8 bits
   const uint16_t resolutions[] = {360, 720, 600, 1, 7, 1440};
   description.resolutionA = resolutions[input.Byte() % 6];
   description.resolutionB = resolutions[input.Byte() % 6];
   description.width = 1u + input.Byte() % 96;
   description.height = 1u + input.Byte() % 64;
   const bool dual = choice % 4 == 3;
-  // The clear escape of a dual-plane device takes three bytes a pixel, whatever the description says.
+  // A dual-plane device clears three bytes a pixel even if another depth is described.
   const bool color = dual || description.kind == QNV_KIND_SCALED || description.bitsPerPixel == 24;
   const uint32_t bytesPerPixel = color ? 3 : 1;
   band_ = std::make_unique<Block>(

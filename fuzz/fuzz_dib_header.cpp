@@ -1,4 +1,4 @@
-// Image headers, tables, masks and places, on every device class. A document may claim what it likes.
+// Fuzz target: image headers, color tables, masks and places, on every device class.
 #include "fuzz_input.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, std::size_t size) {

@@ -1,4 +1,4 @@
-// Font records, strings, widths and rectangles, on every device class.
+// Fuzz target: font records, strings, widths and rectangles, on every device class.
 #include "fuzz_input.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, std::size_t size) {

@@ -1,5 +1,5 @@
-// What every fuzz target starts from: numbers taken off the input, host memory of exact size, a device to paint on.
-// Memory comes from the heap block by block, so that the address sanitizer fences each of them.
+// What the fuzz targets share: numbers from the input, host memory of exact size, and a device to paint on. Every block
+// of memory is allocated by itself, so that the address sanitizer notices accesses behind it.
 #pragma once
 
 #include <cstddef>
@@ -12,12 +12,12 @@
 
 namespace qnv::fuzz {
 
+// Reads numbers from the input; zeros after its end.
 class Input {
  public:
   Input(const uint8_t* data, std::size_t size) : at_(data), left_(size) {}
 
   bool empty() const { return left_ == 0; }
-  // Zeros once the input is used up.
   uint8_t Byte() {
     if (left_ == 0) return 0;
     --left_;
@@ -28,7 +28,7 @@ class Input {
     const uint32_t low = Word();
     return low | static_cast<uint32_t>(Word()) << 16;
   }
-  // Mostly near the band, now and then anything.
+  // Usually near the band, sometimes any number.
   int32_t Coordinate() {
     const uint8_t kind = Byte();
     if (kind == 0xFF) return static_cast<int32_t>(Long());
@@ -55,7 +55,7 @@ class Input {
   std::size_t left_;
 };
 
-// Host memory of exactly these bytes; at least one, so that there is an address.
+// Host memory that holds exactly these bytes, at least one.
 class Block {
  public:
   explicit Block(const std::vector<uint8_t>& bytes)
@@ -83,19 +83,20 @@ class FuzzDevice {
   DeviceHandle* handle_ = nullptr;
 };
 
+// Records made from the input.
 DRAWMODE TakeDrawMode(Input& input);
 PhysicalBrush TakeBrush(Input& input);
 
-// One call each; the records and lists behind the arguments keep what the host has to keep.
+// Each makes one call with arguments from the input. Records and lists are as large as the host must provide them.
 void CallOutput(Input& input, DeviceHandle* handle);
 void CallText(Input& input, DeviceHandle* handle);
 void CallImage(Input& input, DeviceHandle* handle);
 void CallTransfer(Input& input, DeviceHandle* handle);
 
-// A list as long as style and count say: record lengths are small and never negative.
+// A span list as long as style and count say. Lengths of records are small and not negative.
 std::vector<uint8_t> TakeSpanList(Input& input, uint16_t style, uint16_t count);
 
-// Run-length codes, followed by as many ends of line as a decoder of `rows` rows can ask for.
+// Run-length codes, followed by as many zeros as the library may read for a bitmap of `rows` rows.
 std::vector<uint8_t> TerminatedCodes(std::vector<uint8_t> codes, uint32_t rows);
 
 }  // namespace qnv::fuzz

@@ -1,4 +1,5 @@
-// Run-length codes of both forms, scaled, mirrored and cut. The data end with ends of line, as the contract asks.
+// Fuzz target: run-length codes of both depths, scaled, mirrored and clipped. Zeros follow the codes, as the interface
+// asks.
 #include "fuzz_input.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, std::size_t size) {

@@ -1,4 +1,4 @@
-// Span lists of every encoding, on every device class.
+// Fuzz target: span lists of every encoding, on every device class.
 #include "fuzz_input.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, std::size_t size) {

@@ -1,4 +1,5 @@
-// Replays files through a fuzz target where no fuzzing engine drives it: each argument is a file or a folder.
+// Replays inputs through a fuzz target in builds without a fuzzing engine. Each argument is a file or a folder of
+// files.
 #include <cstdint>
 #include <cstdio>
 #include <filesystem>
