@@ -1,7 +1,7 @@
 # cmake -D FORMAT=elf|pe -D LIBRARY=FILE -D PUBLISHED=LIST -D NM=nm -D OBJDUMP=objdump -P check_exports.cmake
 #
-# Compares what a built library exports with the published list (lines of "ordinal name"). A Windows library must
-# also have the ordinals, import from the two system libraries only, be relocatable and carry the two hardening flags.
+# Compares the exports of a built library with the published list (lines of "ordinal name"). A Windows library must also
+# have these ordinals, import from two system libraries only, be relocatable, and have the two hardening flags.
 cmake_minimum_required(VERSION 3.24)
 
 set(problems)

@@ -1,9 +1,9 @@
 # cmake -D OBJECTS=FILE|FILE... -D LEVELS=name|name... -D NM=nm -P check_level_objects.cmake
 #
-# An object file of a level (*_NAME.cpp.o) is compiled for the level's instruction set. A function in it that other
-# files define as well, such as a template of a shared header, may be the copy that the linker takes for the whole
-# library, and a processor without those instructions then fails far away from the kernels. So every function with
-# external or weak linkage in these files must belong to the namespace qnv::NAME. Data may be shared.
+# Checks that no code compiled for the instruction set of a level is used outside that level. The object files of a
+# level (*_NAME.cpp.o) may define functions that other files define too, such as templates of shared headers. The linker
+# might take their copy for the whole library, which would then fail on a processor without these instructions. So every
+# function with external or weak linkage in these files must belong to the namespace qnv::NAME. Data may be shared.
 cmake_minimum_required(VERSION 3.24)
 
 string(REPLACE "|" ";" objects "${OBJECTS}")
@@ -26,7 +26,7 @@ foreach(level IN LISTS levels)
     # T and W: external and weak functions; i: functions chosen at load time.
     string(REGEX MATCHALL "[0-9a-f]+ [TWi] [^\n]+" symbols "${output}")
     foreach(symbol IN LISTS symbols)
-      # GCC's own helpers of position-independent x86 code: a move and a return, the same on every level.
+      # Helpers that GCC generates for position-independent x86 code: a move and a return, the same on every level.
       if(symbol MATCHES " T __x86\\.get_pc_thunk\\.[a-z]+$")
         continue()
       endif()

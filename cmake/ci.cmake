@@ -1,5 +1,5 @@
-# The line coverage, as a target. Formatting and lint need no build: scripts/format.sh and scripts/lint.sh.
-# Lines of the library that no test reached, by file. Build and run the tests of the preset "coverage" first.
+# The target ci_coverage: the share of lines of each library file that the tests reached. Build the preset "coverage"
+# and run its tests first.
 add_custom_target(ci_coverage
   COMMAND ${PROJECT_SOURCE_DIR}/scripts/coverage.sh ${PROJECT_BINARY_DIR}
   VERBATIM)

@@ -1,5 +1,5 @@
-# ccache is used where it is installed and no other launcher is asked for. It compares the inputs of precompiled headers
-# only with this sloppiness: it may then ignore macros that a precompiled header defined but a source never reads.
+# Uses ccache where it is installed and no other launcher is given. Precompiled headers are cached only with this
+# sloppiness, which ignores macros that a precompiled header defines and a source never reads.
 find_program(QNV_CCACHE ccache)
 mark_as_advanced(QNV_CCACHE)
 set(QNV_PRECOMPILED_OPTIONS)
@@ -12,7 +12,7 @@ if(QNV_CCACHE)
   endforeach()
 endif()
 
-# What targets with precompiled headers need to be cached at all; harmless without ccache.
+# ccache needs this option for targets with precompiled headers; without ccache it does no harm.
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
   set(QNV_PRECOMPILED_OPTIONS -fpch-preprocess)
 endif()

@@ -12,14 +12,15 @@ endfunction()
 # time that compiling takes.
 set(QNV_PROGRAM_OPTIONS $<$<CONFIG:RelWithDebInfo>:-g1>)
 
-# Options shared by every target of this project. Third-party sources do not get them.
+# Compiler options of every target of this project, but not of third-party sources.
 add_library(qnv_options INTERFACE)
 target_compile_options(qnv_options INTERFACE
   -Wall -Wextra -Wshadow -Wcast-align -Wconversion -Wsign-conversion
-  # The same bits on every build: a product and a sum are two roundings, whatever the processor offers.
+  # A product and a sum are rounded separately even where the processor has a combined instruction, so that all builds
+  # paint the same bits.
   -ffp-contract=off
   $<$<BOOL:${QNV_WERROR}>:-Werror>)
-# GCC's instrumentation hides initialisations from this warning; the other builds give it.
+# With GCC's instrumentation this warning does not see initialisations; the other builds still check it.
 if(QNV_SANITIZERS AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
   target_compile_options(qnv_options INTERFACE -Wno-maybe-uninitialized)
 endif()

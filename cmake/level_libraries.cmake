@@ -1,7 +1,7 @@
-# For each level of row kernels but the highest, the shared library as a processor of that level runs it: the same
-# objects, with a detection that stops at the level. Built for tests and comparisons, delivered nowhere. The file has
-# the name of the delivered one and lies in bin/levels/NAME, where qnv_level_test puts the programs that load it: a
-# program finds the library in its own folder and nowhere else.
+# For each level of row kernels but the highest, builds the shared library as a processor of that level runs it: from
+# the same objects, but with a detection that stops at the level. These libraries are for tests and comparisons and are
+# not delivered. Each has the name of the delivered library and is in bin/levels/NAME, where qnv_level_tests puts the
+# test programs: a program loads the library from its own folder only.
 set(QNV_CAPPED_LEVELS ${QNV_LEVELS})
 list(POP_BACK QNV_CAPPED_LEVELS)
 
@@ -31,8 +31,8 @@ foreach(level IN LISTS QNV_CAPPED_LEVELS)
   endif()
 endforeach()
 
-# qnv_level_tests(program [ARGUMENTS argument...]): the test program once more for each of those libraries, as the
-# tests PROGRAM_LEVEL.
+# qnv_level_tests(program [ARGUMENTS argument...]): adds a test PROGRAM_LEVEL for each of these libraries, which runs
+# the test program with it.
 function(qnv_level_tests program)
   cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "ARGUMENTS")
   if(NOT TARGET ${program})

@@ -1,5 +1,5 @@
-# The library: compiled once, delivered as a shared object that exports the published names and nothing else, and
-# as a static one for the tests of its parts.
+# The library. Its sources are compiled once and linked twice: as a shared library, which exports the published names
+# only, and as a static one, for test programs.
 file(GLOB_RECURSE qnv_sources CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/src/*.cpp)
 qnv_row_kernel_flags(qnv_sources)
 
@@ -12,7 +12,7 @@ target_include_directories(qnvdrv10_objects PRIVATE ${PROJECT_SOURCE_DIR}/includ
 target_link_libraries(qnvdrv10_objects PRIVATE qnv_options)
 target_compile_options(qnvdrv10_objects PRIVATE -fno-exceptions -fno-rtti)
 if(WIN32)
-  # No exception passes through the library, so the tables for it would only make the file larger.
+  # No exception passes through the library, so unwind tables would only make the file larger.
   target_compile_options(qnvdrv10_objects PRIVATE -fno-asynchronous-unwind-tables -fno-unwind-tables)
 endif()
 if(QNV_SANITIZERS)
@@ -32,14 +32,14 @@ if(WIN32)
   set_target_properties(qnvdrv10 PROPERTIES
     PREFIX "" OUTPUT_NAME QNVDRV10
     IMPORT_PREFIX lib IMPORT_SUFFIX .dll.a ARCHIVE_OUTPUT_NAME qnvdrv10)
-  # What is delivered carries no symbols; a debugger finds them in the file beside it.
+  # The delivered file has no symbols; a debugger finds them in the file beside it.
   add_custom_command(TARGET qnvdrv10 POST_BUILD
     COMMAND ${CMAKE_OBJCOPY} --only-keep-debug $<TARGET_FILE:qnvdrv10> $<TARGET_FILE:qnvdrv10>.debug
     COMMAND ${CMAKE_OBJCOPY} --preserve-dates --strip-all --add-gnu-debuglink=$<TARGET_FILE:qnvdrv10>.debug
       $<TARGET_FILE:qnvdrv10>
     VERBATIM)
 else()
-  # The module definition names the exports once for both worlds.
+  # The exports are listed once, in the module definition, also for builds that are not for Windows.
   file(STRINGS ${qnv_def_file} qnv_exports REGEX "^ +QNV[A-Za-z]+ +@")
   list(TRANSFORM qnv_exports REPLACE "^ +(QNV[A-Za-z]+) +@.*" "\\1")
   list(JOIN qnv_exports ";\n    " qnv_exports)

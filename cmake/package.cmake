@@ -13,12 +13,12 @@ if(WIN32)
     -fdebug-prefix-map=${PROJECT_SOURCE_DIR}=/qnvdrv10 -fdebug-prefix-map=${PROJECT_BINARY_DIR}=/qnvdrv10/build)
 endif()
 
-# An instrumented library serves nobody else.
+# Libraries with sanitizers or other instrumentation are not packaged.
 if(QNV_SANITIZERS OR QNV_FUZZ)
   return()
 endif()
 
-# cpack and --install take what there is: tests and other programs of the tree need not be built for them, only this.
+# cpack and --install build nothing. This target builds the files that they need, without tests and other programs.
 add_custom_target(package_files ALL DEPENDS qnvdrv10 qnvdrv10_static)
 set(CMAKE_SKIP_INSTALL_ALL_DEPENDENCY ON)
 
@@ -43,7 +43,7 @@ install(TARGETS qnvdrv10 EXPORT QNVDRV10SharedTargets
 install(TARGETS qnvdrv10_static EXPORT QNVDRV10StaticTargets
   ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development
   INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
-# A stripping installation, as cpack's is, leaves archives alone by itself.
+# Installations that strip files, like that of cpack, do not strip archives.
 install(CODE "
   if(CMAKE_INSTALL_DO_STRIP)
     execute_process(COMMAND \"${CMAKE_STRIP}\" --strip-debug --enable-deterministic-archives
@@ -68,7 +68,7 @@ if(WIN32)
   install(FILES $<TARGET_FILE:qnvdrv10>.debug DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT development)
   install(FILES ${qnv_def_file} DESTINATION ${CMAKE_INSTALL_LIBDIR} RENAME QNVDRV10.def COMPONENT development)
 
-  # For Microsoft's linker: short import records, as its own librarian makes them from the same file.
+  # For Microsoft's linker: short import records, as its own tools make them from the same file.
   find_program(QNV_DLLTOOL NAMES llvm-dlltool llvm-dlltool-19 llvm-dlltool-14)
   set(ms_import_library ${CMAKE_ARCHIVE_OUTPUT_DIRECTORY}/QNVDRV10.lib)
   if(QNV_DLLTOOL)
@@ -91,7 +91,7 @@ install(FILES ${PROJECT_SOURCE_DIR}/examples/host.c ${PROJECT_SOURCE_DIR}/exampl
 install(FILES ${PROJECT_SOURCE_DIR}/packaging/example.cmake
   DESTINATION ${qnv_install_docdir}/examples RENAME CMakeLists.txt COMPONENT development)
 
-# qnv_compressed(result source): the built file, compressed the same on every machine
+# qnv_compressed(result source): compresses a file, to the same bytes on every machine
 function(qnv_compressed result source)
   find_program(QNV_GZIP gzip REQUIRED)
   get_filename_component(name ${source} NAME)
@@ -116,7 +116,7 @@ endif()
 if(TARGET qnvtool)
   add_dependencies(package_files qnvtool)
   install(TARGETS qnvtool RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT tools)
-  # The program writes the options of its man page and its completion from the descriptions that --help shows.
+  # The program generates the options of its man page and its completion from the descriptions that --help shows.
   configure_file(${PROJECT_SOURCE_DIR}/packaging/qnvtool.1.in ${PROJECT_BINARY_DIR}/qnvtool.1.in @ONLY)
   add_custom_command(OUTPUT ${PROJECT_BINARY_DIR}/qnvtool.1
     COMMAND sh -c "\"$1\" --generate man \"$2\" >\"$3\"" sh

@@ -1,5 +1,6 @@
-# Row kernels are compiled for speed, and each instruction set has its own files, named by suffix. Nothing else
-# may use those instructions: the processor is asked for them only where a kernel table is chosen.
+# Compiler options of the row kernels. They are compiled for speed, and the files of each level, recognised by their
+# suffix, for its instruction set. No other file may use these instructions, because the processor is asked for them
+# only when a kernel table is chosen.
 
 # The levels of src/raster/rows/levels.h that the target processor has, lowest first:
 #   QNV_LEVELS           their names
@@ -39,7 +40,7 @@ function(qnv_row_kernel_flags variable)
   foreach(source IN LISTS ${variable})
     set(flags)
     if(source MATCHES "/src/raster/rows/")
-      # Short loops differ by a quarter with the place that the linker happens to give them.
+      # Aligned, because the speed of short loops varies by a quarter with their address.
       list(APPEND flags $<$<CONFIG:RelWithDebInfo>:-O3> $<$<CONFIG:RelWithDebInfo>:-falign-loops=64>)
     endif()
     if(source MATCHES "/src/raster/rows/.*_([a-z0-9]+)\\.cpp$" AND CMAKE_MATCH_1 IN_LIST QNV_ALL_LEVELS)

@@ -1,6 +1,6 @@
-# Programs beside the library: benchmark, fuzz targets, examples. Each folder is built as soon as it has sources.
+# The programs beside the library: benchmark, fuzz targets, examples. A folder without sources is skipped.
 
-# The benchmark opens the library it measures by path, so it links nothing of this project.
+# The benchmark opens the library by path, so it is linked with nothing of this project.
 file(GLOB bench_sources CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/bench/*.cpp)
 if(bench_sources AND NOT QNV_FUZZ)
   add_executable(qnvbench ${bench_sources})
@@ -25,7 +25,7 @@ foreach(source IN LISTS example_sources)
   target_link_libraries(example_${name} PRIVATE qnvdrv10)
 endforeach()
 
-# The C code of the guides is compiled as it stands there, linked with the library and run.
+# The C code of the guides is compiled, linked with the library and run.
 if(QNV_TESTS)
   set(guide_compiler "${CMAKE_C_COMPILER} ${CMAKE_C_FLAGS}")
   if(QNV_SANITIZERS)
@@ -51,8 +51,9 @@ if(QNV_TESTS)
   endforeach()
 endif()
 
-# A fuzz_NAME.cpp that defines the entry point is one target; what else lies there is shared by all. libFuzzer drives
-# a target in the fuzzing build; everywhere else a plain main replays the files of fuzz/corpus/NAME. Both are tests.
+# A fuzz_NAME.cpp that defines the entry point is a target; the other files of the folder are shared by all targets. In
+# the fuzzing build libFuzzer runs a target; in all others a main function replays the files of fuzz/corpus/NAME. Both
+# are tests.
 file(GLOB fuzz_shared CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/fuzz/*.cpp)
 set(fuzz_main ${PROJECT_SOURCE_DIR}/fuzz/standalone_main.cpp)
 list(REMOVE_ITEM fuzz_shared ${fuzz_main})
@@ -76,7 +77,7 @@ foreach(source IN LISTS fuzz_sources)
     list(APPEND fuzz_targets ${target})
     add_executable(${target} ${source} $<TARGET_OBJECTS:fuzz_support>)
     target_link_options(${target} PRIVATE -fsanitize=fuzzer)
-    # Zero runs: libFuzzer reads the corpus, runs each file once and invents nothing.
+    # With zero runs libFuzzer runs each file of the corpus once and makes no new inputs.
     add_test(NAME fuzz_corpus_${name} COMMAND ${target} -runs=0 ${PROJECT_SOURCE_DIR}/fuzz/corpus/${name})
     set_tests_properties(fuzz_corpus_${name} PROPERTIES ENVIRONMENT "${QNV_TEST_ENVIRONMENT}" TIMEOUT 300)
   else()

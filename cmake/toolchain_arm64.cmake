@@ -1,7 +1,6 @@
-# Linux on arm64: a processor for which only the plain row kernels exist. Tests run under qemu's user mode emulation.
-#
-# Clang with Debian's libraries and linker for that processor (libstdc++-12-dev-arm64-cross, libc6-dev-arm64-cross,
-# binutils-aarch64-linux-gnu): Debian's GCC for it cannot be installed beside g++-multilib, which linux-x86 needs.
+# Linux on arm64, a processor for which only the plain row kernels exist. Tests run under the user mode emulation of
+# QEMU. Compiled by Clang, with the libraries and the linker that come with Debian's cross compiler
+# (g++-aarch64-linux-gnu).
 set(CMAKE_SYSTEM_NAME Linux)
 set(CMAKE_SYSTEM_PROCESSOR aarch64)
 

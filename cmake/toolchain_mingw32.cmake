@@ -1,4 +1,4 @@
-# Windows, 32 bits, by MinGW-w64. The posix thread model is needed by std::thread and std::mutex in the tests.
+# Windows, 32 bits, with MinGW-w64. std::thread and std::mutex in the tests need the posix thread model.
 set(CMAKE_SYSTEM_NAME Windows)
 set(CMAKE_SYSTEM_PROCESSOR i686)
 
@@ -9,7 +9,7 @@ set(CMAKE_RC_COMPILER i686-w64-mingw32-windres)
 set(CMAKE_C_FLAGS_INIT "-msse2 -mfpmath=sse")
 set(CMAKE_CXX_FLAGS_INIT "-msse2 -mfpmath=sse")
 
-# Everything of the compiler's own runtime goes into the file: no runtime DLL has to be there.
+# The runtime of the compiler is linked statically, so that no DLL of it is needed.
 set(qnv_link_flags "-static -static-libgcc -static-libstdc++ -Wl,--dynamicbase -Wl,--nxcompat -Wl,--no-insert-timestamp")
 set(CMAKE_EXE_LINKER_FLAGS_INIT "${qnv_link_flags}")
 set(CMAKE_SHARED_LINKER_FLAGS_INIT "${qnv_link_flags}")

@@ -1,12 +1,12 @@
-/* A complete host in one file: paints a page band by band and writes it as a BMP.
+/* A complete host in one file: paints a page band by band and writes it as a BMP file.
  *
  *   host OUT.bmp
  *
  * Exit codes: 0 page written, 1 wrong arguments, 2 the file could not be written, 3 no memory, or a call that the
  * library refused.
  *
- * The page is never held whole. The host owns the memory of one band, paints everything into it, hands its rows on
- * (here to a file, in a driver to the printer), moves the band down the page and starts again.
+ * The host never has the whole page in memory. It owns the memory of one band, paints everything into it, passes its
+ * rows on (here to a file, in a driver to the printer), moves the band down the page and starts again.
  */
 #include <stdint.h>
 #include <stdio.h>
@@ -20,14 +20,14 @@ enum {
   kPageWidth = 600, /* pixels: about A4 at 72 dpi */
   kPageHeight = 840,
   kDpi = 72,
-  kBandRows = 96, /* a multiple of 16, the longest pattern: transfers count theirs from the band's top */
+  kBandRows = 96, /* a multiple of 16, the longest period of a pattern, which transfers count from the band's top */
   kBandCount = (kPageHeight + kBandRows - 1) / kBandRows,
   kStride = (kPageWidth * 3 + 3) & ~3 /* bytes of a band row: padded to 32 bits */
 };
 
 enum { kExitUsage = 1, kExitFile = 2, kExitLibrary = 3 };
 
-/* Colors are handed over with red in the low byte. */
+/* Colors are passed with red in the low byte. */
 #define RGB24(red, green, blue) ((uint32_t)(red) | (uint32_t)(green) << 8 | (uint32_t)(blue) << 16)
 
 #define INK RGB24(32, 36, 48)
@@ -54,7 +54,7 @@ static void *allocate(size_t bytes) {
 
 /* ---- The device --------------------------------------------------------------------------------------- */
 
-/* A band's place on the page. The last one is cut at the page's end. */
+/* The place of a band on the page. The last band ends with the page. */
 static BandRect band_rect(int index) {
   BandRect rect = {0, index * kBandRows, kPageWidth, (index + 1) * kBandRows};
   if (rect.bottom > kPageHeight) rect.bottom = kPageHeight;
@@ -80,12 +80,12 @@ static void close_host(Host *host) {
   free(host->band);
 }
 
-/* Of a 16-bit result only the low half counts. */
+/* Only the low half of a 16-bit result is used. */
 static void control(Host *host, uint32_t code, const void *data) {
   if ((QNVControl(host->device, code, data, NULL) & 0xFFFF) == 0) fail(kExitLibrary, "an escape was refused");
 }
 
-/* Moves the band and whitens its memory. */
+/* Moves the band and clears its memory to white. */
 static void begin_band(Host *host, int index) {
   const BandRect rect = band_rect(index);
   control(host, QNV_SET_BAND_RECT, &rect);
@@ -100,7 +100,7 @@ static void set_origin(Host *host, int32_t x, int32_t y) {
 
 /* ---- Brushes and figures ------------------------------------------------------------------------------ */
 
-/* A brush is used in its realised form, a record of the host's own that needs no release. */
+/* Drawing calls take realised brushes: records in memory of the host that need not be released. */
 static PhysicalBrush realise(Host *host, const LogicalBrush *logical) {
   PhysicalBrush brush;
   memset(&brush, 0, sizeof brush);
@@ -120,8 +120,8 @@ static PhysicalBrush hatch_brush(Host *host, int16_t hatch, uint32_t color) {
   return realise(host, &logical);
 }
 
-/* Figures are lists of spans [left, right). The whole figure is handed over for every band; the library paints the
- * part that lies in this one. */
+/* Figures are lists of spans [left, right). The whole figure is passed for every band; the library paints the part
+ * that lies in the current one. */
 static void paint_spans(Host *host, uint32_t style, uint32_t count, const int16_t *points, const PhysicalBrush *brush) {
   const uint32_t result = QNVOutput(host->device, style, count, points, NULL, brush, &host->mode, &page_rect);
   if ((result & 0xFFFF) != 1) fail(kExitLibrary, "a span list was refused");
@@ -142,7 +142,7 @@ static void fill_disc(Host *host, int centre_x, int centre_y, int radius, const 
   if (radius > kMaxRows / 2) radius = kMaxRows / 2;
   *point++ = (int16_t)(centre_y - radius);
   for (row = -radius; row < radius; ++row) {
-    /* Doubled, so that centres are whole numbers: the row's is 2 row + 1, the last pixel's is 2 half - 1. */
+    /* Coordinates are doubled, so that centres are integers: of the row 2 row + 1, of the last pixel 2 half - 1. */
     const int y = 2 * row + 1;
     int half = radius;
     while (half > 0 && (2 * half - 1) * (2 * half - 1) + y * y > 4 * radius * radius) --half;
@@ -248,7 +248,7 @@ static void draw_caption(Host *host, const Font *font, const BandRect *box, uint
 
 enum { kPictureWidth = 96, kPictureHeight = 64, kPictureColors = 14 };
 
-/* Everything is bytes or packed, so the color table follows the header without a gap. */
+/* All members are bytes or packed records, so the color table follows the header without a gap. */
 typedef struct Picture {
   BITMAPINFOHEADER header;
   uint8_t colors[kPictureColors][4];                          /* blue, green, red, unused */
@@ -282,7 +282,8 @@ static int run_length(int x, int y) {
   return length;
 }
 
-/* Rows are stored bottom row first. A row ends with 0 0, the data with 0 1: the library reads until it meets that. */
+/* Rows are stored bottom row first. A row ends with 0 0, the data with 0 1, where the library stops reading. (Data
+ * from a document is not that reliable: zeros must follow it, see BITMAPINFOHEADER.) */
 static size_t encode_picture(uint8_t *data) {
   uint8_t *next = data;
   int x, y;
@@ -314,7 +315,7 @@ static Picture *make_picture(void) {
   return picture;
 }
 
-/* Stretched onto the rectangle. The result is no verdict: it is also 0 when the image lies in another band. */
+/* Stretches the picture to a rectangle. The result is not checked: it is 0 also when the image lies in another band. */
 static void draw_picture(Host *host, const BandRect *to, const Picture *picture) {
   QNVStretchDIBits(host->device, 0, to->left, to->top, to->right - to->left, to->bottom - to->top, 0, 0, kPictureWidth,
                    kPictureHeight, picture->data, &picture->header, NULL, SRCCOPY, NULL, &host->mode, &page_rect);
@@ -350,7 +351,7 @@ static void draw_heading(Host *host, const Page *page) {
   draw_text(host, &page->large, 48, 142, INK, "painted while the band moves down the page.");
 }
 
-/* Drawn at (0, 0) and put in its place by the origin. */
+/* Drawn at (0, 0); the origin moves it to its place. */
 static void draw_colors(Host *host) {
   static const uint32_t colors[] = {RGB24(214, 48, 49),  RGB24(232, 126, 4), RGB24(246, 201, 14), RGB24(39, 154, 72),
                                     RGB24(24, 140, 170), RGB24(52, 84, 180), RGB24(128, 62, 152), RGB24(80, 80, 88)};
@@ -376,7 +377,7 @@ static void draw_hatches(Host *host, const Page *page) {
   }
 }
 
-/* Three inks that mix: R2_MASKPEN keeps of each pixel only what both have. */
+/* Three colors that mix like inks: R2_MASKPEN keeps the bits that both the band and the brush have. */
 static void draw_discs(Host *host) {
   const PhysicalBrush cyan = solid_brush(host, RGB24(0, 180, 255));
   const PhysicalBrush magenta = solid_brush(host, RGB24(255, 64, 190));
@@ -410,7 +411,7 @@ static void draw_footer(Host *host, const Page *page) {
   draw_text(host, &page->small, 48, 780, INK, text);
 }
 
-/* Bars that cross every band edge: a seam would show. Span patterns count from the page's corner, so there is none. */
+/* Bars that cross every band edge. Patterns of spans count from the corner of the page, so there is no seam. */
 static void draw_bars(Host *host) {
   const PhysicalBrush bar = hatch_brush(host, HS_BDIAGONAL, RGB24(214, 48, 49));
   const PhysicalBrush edge = solid_brush(host, RGB24(214, 48, 49));
@@ -432,7 +433,8 @@ static void draw_page(Host *host, const Page *page) {
 
 /* ---- The file ----------------------------------------------------------------------------------------- */
 
-/* A BMP of negative height is stored top row first, in the bytes of a 24-bit band: bands go out as they are. */
+/* A BMP file of negative height is stored top row first and has the bytes of a 24-bit band: bands are written as they
+ * are. */
 static int write_header(FILE *file) {
   enum { kHeaderBytes = 54, kPixelsPerMetre = 2835 };
   uint8_t header[kHeaderBytes] = {'B', 'M'};

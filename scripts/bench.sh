@@ -3,16 +3,17 @@
 #
 #   scripts/bench.sh                         all builds: linux-x64, linux-x86, win32 (under Wine)
 #   scripts/bench.sh linux-x86 win32         only the builds named
-#   scripts/bench.sh --quick [BUILD...]      a look: few short samples; prints the tables, the document stays
-#   scripts/bench.sh --compare [BUILD...]    against the run before; the document stays
+#   scripts/bench.sh --quick [BUILD...]      few short samples; prints the tables, leaves the document as it is
+#   scripts/bench.sh --compare [BUILD...]    compares with the run before, leaves the document as it is
 #
-# Beside each build the same library is measured once more for each lower level of row kernels. Everything lies in build/bench:
-# BUILD.json, BUILD.csv, BUILD.txt, and from the run before BUILD.old.json. Nothing else should run meanwhile.
+# Together with each build the same library is measured once more for each lower level of row kernels. The results are
+# in build/bench: BUILD.json, BUILD.csv, BUILD.txt, and BUILD.old.json of the run before. Nothing else should run
+# meanwhile.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
 all_presets=(linux-x64 linux-x86 win32)
-# The levels of row kernels, lowest first; the highest is what the full library takes.
+# The levels of row kernels, lowest first, without the highest, which the full library uses.
 mapfile -t levels < <(sed -n 's/^ *X(\([a-z0-9]*\), k.*/\1/p' src/raster/rows/levels.h)
 unset 'levels[-1]'
 document=docs/benchmarks.md
@@ -54,8 +55,8 @@ library_at() {
   esac
 }
 
-# build PRESET: the build that is measured, and the same library stopping at each lower level. A folder of its own, so
-# that nobody else's build is disturbed and no sanitizer or debug option slips in.
+# build PRESET: makes the build that is measured, and the same library stopping at each lower level. They have a build
+# folder of their own, so that options of other builds, such as sanitizers, have no effect.
 build() {
   local preset=$1 tree=build/bench/$1
   cmake --preset "$preset" -B "$tree" -DQNV_TESTS=OFF -DQNV_TOOLS=OFF >"$results/build.log" 2>&1 &&
@@ -72,7 +73,7 @@ run() {
   esac
 }
 
-# The tables go between the two marks; what stands around them is written by hand.
+# Replaces the text between the two marks by the tables; the text around them is written by hand.
 rewrite_document() {
   local tables=$1
   grep -q '^<!-- tables begin' "$document" && grep -q '^<!-- tables end' "$document" ||

@@ -1,16 +1,16 @@
 #!/bin/sh
-# Compiles the C code of a guide, and runs it where there is something to link it with.
+# Compiles the C code of a guide, and runs it when there is a library to link it with.
 #
 #   scripts/check_guide.sh [-o PROGRAM] [-e EMULATOR] GUIDE.md COMPILER INCLUDE_DIR [LINK_ARGUMENT...]
 #
 # All blocks of a guide make one program:
 #   ```c        declarations and functions; they go to file scope, in the guide's order
 #   ```c run    statements; each block becomes a function of its own, and main calls them in the guide's order
-# The blocks have <assert.h>, <stdint.h>, <stdio.h>, <stdlib.h>, <string.h> and qnvdrv10.h (on Windows <windows.h>
-# before it). Warnings are errors. Messages name the line of the guide. Fences of other languages are passed over.
+# The program includes <assert.h>, <stdint.h>, <stdio.h>, <stdlib.h>, <string.h> and qnvdrv10.h (on Windows <windows.h>
+# before it). Warnings are errors. Messages name the line of the guide. Blocks of other languages are skipped.
 #
 # COMPILER may hold options ("gcc -m32"). Without LINK_ARGUMENTs the program is only compiled. With them (the library,
-# an -rpath ...) it is linked and run: every block must come to its end and every assertion hold.
+# an -rpath ...) it is linked and run: every block must reach its end and every assertion must hold.
 #   -o PROGRAM   where the program is kept, for instance beside the DLL; otherwise a folder that is removed again
 #   -e EMULATOR  command that runs it
 set -eu

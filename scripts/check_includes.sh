@@ -7,8 +7,8 @@
 #
 # The graph is the block of ARCHITECTURE.md that is fenced as ```include-graph, one line for each folder:
 #   folder -> folder, folder
-# Folders are named below src/; "include" is the folder of the public header. An arrow with nothing behind it says that
-# the folder includes no other one.
+# Folders are named below src/; "include" is the folder of the public header. An arrow without folders behind it means
+# that the folder includes no other one.
 set -uo pipefail
 
 check_tree() { # SOURCE_TREE
@@ -53,7 +53,7 @@ check_tree() { # SOURCE_TREE
     done)
   } | awk '
     function fail(message) { print "check_includes: " message; failed = 1 }
-    # Depth first; a folder that is met again on its own path closes a cycle.
+    # Depth-first search; a folder that occurs again on its own path closes a cycle.
     function visit(folder, path,    edge, ends) {
       if (state[folder] == 2) return
       if (state[folder] == 1) { fail("cycle: " path " -> " folder); return }

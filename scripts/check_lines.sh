@@ -1,5 +1,5 @@
-# Sourced by the scripts that check something step by step: counts what passed and gives each check its line.
-# Sets work, a folder that is removed at the end.
+# Sourced by the scripts that check something step by step: prints a line for each check and counts those that passed.
+# Sets $work, a folder that is removed at the end.
 
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
@@ -8,7 +8,7 @@ export LC_ALL=C
 passed=0
 failed=0
 
-# check WHAT COMMAND...: one line; on failure what the command said
+# check WHAT COMMAND...: runs a command and prints one line; on failure also the output of the command
 check() {
   local what=$1
   shift
@@ -23,7 +23,7 @@ check() {
   fi
 }
 
-# finish: the last line, "N passed, N failed"
+# finish: prints the last line, "N passed, N failed"
 finish() {
   echo "$passed passed, $failed failed"
   [ "$failed" -eq 0 ]

@@ -1,10 +1,10 @@
 #!/usr/bin/env bash
-# Makes both packages, installs each into an empty folder, and uses them as their receivers would.
+# Makes both packages, installs each into an empty folder, and uses them as their users would.
 #
 #   scripts/check_packages.sh [LINUX_TREE [WIN32_TREE]]
 #
-# The build trees (default: build/linux-x64 and build/win32) must be configured; what packages hold is brought up to
-# date in them. One line for each check, "N passed, N failed" at the end.
+# The build trees (default: build/linux-x64 and build/win32) must be configured; the files of the
+# packages are rebuilt in them as necessary. One line for each check, "N passed, N failed" at the end.
 set -uo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 linux_tree=$(realpath "${1:-$root/build/linux-x64}") || exit 2
@@ -24,13 +24,13 @@ mingw_c=$mingw-gcc-posix
 umask 022
 version=$(sed -n 's/^CMAKE_PROJECT_VERSION:STATIC=//p' "$linux_tree/CMakeCache.txt")
 
-# needs FILE...: a check is worth nothing when the file it looks at is missing
+# needs FILE...: fails when a file is missing, in which case checks of its content would prove nothing
 needs() {
   local file
   for file; do [ -s "$file" ] || { echo "$file: missing or empty"; return 1; }; done
 }
 
-# same_lines: the two texts hold the same lines
+# same_lines: the two texts have the same lines
 same_lines() { diff -U 0 <(sort -u <<<"$1") <(sort -u <<<"$2"); }
 
 # ---- Making ---------------------------------------------------------------------------------------------------------
@@ -74,7 +74,7 @@ zip_files() {
 
 holds_exactly() { same_lines "$2" "$(cd "$1" && find . ! -type d -printf '%P\n')"; } # FOLDER FILES
 
-# Files can be read by everybody and written by root only; programs and libraries alone can be run.
+# All files can be read by everybody and written by root only; only programs and libraries are executable.
 deb_modes() {
   local odd
   odd=$(dpkg-deb -c "$deb" | grep -vE '^(drwxr-xr-x|-rw-r--r--) root/root |^-rwxr-xr-x root/root .*/usr/bin/' || true)
@@ -94,7 +94,7 @@ deb_control() {
     control_field Description 'Band rasteriser'
 }
 
-# Nothing says where it was built. Compressed files are looked into.
+# No file contains the name of the folder where it was built. Compressed files are unpacked for this.
 no_machine_paths() {
   local folder=$1 found
   find "$folder" -name '*.gz' -exec gzip -dkf {} + || return 1
@@ -192,7 +192,7 @@ import_symbols() { # LIBRARY: exactly the published functions, undecorated, each
     "$($mingw-nm "$library" 2>/dev/null | sed -n 's/^[0-9a-f]* [TI] \(_\(_imp__\)\{0,1\}QNV[A-Za-z]*\)$/\1/p')"
 }
 
-# The program asks for names the DLL has, with the ordinals they have (the hint): FEWEST of them at least.
+# The program imports names that the DLL exports, with matching ordinals (the hints), and at least FEWEST of them.
 binds_right() { # PROGRAM FEWEST
   local bound
   bound=$($mingw-objdump -p "$1" | tr -d '\r' | sed -n '/DLL Name: QNVDRV10.dll$/,/^$/p' |
@@ -213,7 +213,7 @@ configure_and_build() { # SOURCES BUILD PREFIX OPTION...
   cmake -G Ninja -S "$1" -B "$2" -D CMAKE_PREFIX_PATH="$3" "${@:4}" && cmake --build "$2"
 }
 
-# With the Windows compiler alone: nothing of this project's own way to build is there.
+# Compiled with the Windows compiler alone, without the build system of this project.
 windows=(-D CMAKE_SYSTEM_NAME=Windows -D "CMAKE_C_COMPILER=$mingw_c" -D "CMAKE_CXX_COMPILER=$mingw-g++-posix")
 microsoft=(
   -D CMAKE_SYSTEM_NAME=Windows -D CMAKE_C_COMPILER=clang -D CMAKE_C_COMPILER_TARGET=i686-pc-windows-msvc

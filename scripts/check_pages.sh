@@ -5,7 +5,7 @@
 #   scripts/check_pages.sh [LINUX_TREE WIN32_TREE [OTHER_TREE...]]
 #
 # The build trees (default: build/linux-x64 build/win32) must be configured; the printing host and the library are
-# brought up to date in them. The first tree also holds qnvtool. One line for each check, "N passed, N failed" at the
+# rebuilt in them as necessary. The first tree also holds qnvtool. One line for each check, "N passed, N failed" at the
 # end.
 set -uo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
@@ -40,14 +40,14 @@ print() {
   host "$tree" print "${documents[@]}" -o "$folder/page.ppm" "${options[@]}"
 }
 
-# Every document begins a page; no page is nearly white.
+# Every document has its pages, and no page is nearly white.
 is_printed() { # FOLDER
   local pages=("$1"/page*.ppm) page
   [ ${#pages[@]} -ge ${#documents[@]} ] || { ls -l "$1"; return 1; }
   for page in "${pages[@]}"; do
     [ "$(tr -d '\377' <"$page" | wc -c)" -ge 20000 ] || { echo "${page##*/} is nearly white"; return 1; }
   done
-  # The last document is full of images: tag 3.
+  # The last document has many images, so tag 3 must occur.
   [ ! -e "$1/tags-01.pgm" ] || [ "$(tr -dc '\003' <"$1/tags-$(printf %02d ${#pages[@]}).pgm" | wc -c)" -ge 100000 ] || {
     echo "no images in the tags"
     return 1
@@ -62,7 +62,7 @@ prints_same() { # REFERENCE TREE FOLDER DEVICE ROWS
   print "$@" && diff -rq "$reference" "$2"
 }
 
-# Pictures without a line of text: the same from the tool and its linked library, and from a host that loads one.
+# Documents without text: the tool with its linked library and a host that loads the library print the same pages.
 as_qnvtool_prints() { # TREE
   local options=(photo.bmp map.bmp rle4.bmp --no-header --dpi 127 -q)
   rm -rf by-tool by-host && mkdir by-tool by-host &&

@@ -13,7 +13,7 @@ work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 cd "$work"
 find "$objects" -name '*.gcda' -print0 | xargs -0 gcov --relative-only --source-prefix "$root" >summary.txt 2>/dev/null
-# One source file is compiled once, a header is reported with every file that includes it: the best figure counts.
+# A source file is compiled once, but a header is reported with every file that includes it: its best figure is used.
 awk -v prefix="src/" '
   /^File / { file = $2; gsub(/\x27/, "", file) }
   /^Lines executed:/ && index(file, prefix) == 1 {

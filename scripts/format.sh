@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Formats all C++ sources with clang-format, or only says which are not formatted.
-#   scripts/format.sh            mends them
+# Formats all C++ sources with clang-format, or reports which are not formatted.
+#   scripts/format.sh            formats them
 #   scripts/format.sh --check    changes nothing, fails on a difference; "N passed, N failed" at the end
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
@@ -13,7 +13,7 @@ case "$*" in
     ;;
 esac
 
-# Versions format differently: the one of Debian 12 decides.
+# Versions of clang-format differ: the one of Debian 12 is the reference.
 program=$(command -v clang-format-14 || command -v clang-format) || {
   echo "format: clang-format is not installed: run scripts/setup.sh check" >&2
   exit 1
@@ -30,7 +30,7 @@ failed=0
 if [ -n "$bad" ]; then
   sed 's/^/  FAILED  not formatted: /' <<<"$bad"
   failed=$(wc -l <<<"$bad")
-  echo "scripts/format.sh mends them"
+  echo "scripts/format.sh formats them"
 fi
 echo "$((${#files[@]} - failed)) passed, $failed failed"
 [ "$failed" -eq 0 ]

@@ -1,11 +1,11 @@
 #!/usr/bin/env bash
-# Runs clang-tidy with the checks of .clang-tidy; a finding is a failure. What has not changed since it passed is not
-# looked at again.
+# Runs clang-tidy with the checks of .clang-tidy; a finding is a failure. Files that have not changed since they passed
+# are not checked again.
 #   scripts/lint.sh           the library and the printing tool
 #   scripts/lint.sh --all     also tests, benchmark, fuzz targets
 #   scripts/lint.sh FILE...   these files
-# One line for each file with findings, "N passed, N failed" at the end. What passed is remembered in
-# build/tidy/passed, by a hash of the file, every header of this project that it reads, its compiler flags and the checks.
+# Prints the findings of each file, and "N passed, N failed" at the end. build/tidy/passed holds a hash for each file
+# that passed: of the file, of every header of this project that it reads, of its compiler flags and of the checks.
 set -uo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.." || exit 1
 export root=$PWD tree=$PWD/build/tidy
@@ -37,7 +37,8 @@ cmake --preset tidy >"$tree/configure.log" 2>&1 || {
   exit 1
 }
 
-# "FILE FLAGS" of each source, once: a source that several targets compile is looked at with the flags of the first.
+# Prints "FILE FLAGS" once for each source. A source that several targets compile is checked with the flags of the
+# first.
 commands() {
   sed -n 's/^ *"command": "\(.*\)",\{0,1\}$/C \1/p; s/^ *"file": "\(.*\)",\{0,1\}$/F \1/p' "$tree/compile_commands.json" |
     sed 's/\\"/"/g; s/\\\\/\\/g' |
@@ -49,7 +50,7 @@ commands() {
       }' | sort
 }
 
-# lint_one "FILE FLAGS": silent when the file has passed
+# lint_one "FILE FLAGS": checks a file; prints nothing when it passes
 lint_one() {
   local file=${1%% *} flags=() key=${1%% *} headers name
   eval "flags=(${1#* })"

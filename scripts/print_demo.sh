@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # Prints the sample document on every device that the library has.
 #   scripts/print_demo.sh QNVTOOL OUTDIR
-# Leaves in OUTDIR for each device DEVICE the pages DEVICE-01.png, DEVICE-02.png ..., for the dual device also its tag
-# plane and the pages with their image areas tinted, and the sample's images as BMP files.
+# Writes to OUTDIR the pages of each device, DEVICE-01.png, DEVICE-02.png ..., for the dual device also its tag plane
+# and the pages with their image areas tinted, and the images of the sample as BMP files.
 set -euo pipefail
 
 if [ $# -ne 2 ]; then
@@ -16,7 +16,7 @@ demo=$(dirname "$(dirname "$(realpath "$0")")")/examples/demo
 
 "$tool" make-picture photo "$out/photo.bmp" --width 900 --height 600
 "$tool" make-picture map "$out/map.bmp" --width 650 --height 440
-cp "$demo/figures.fig" "$out/figures.fig"  # figure files name images that lie beside them
+cp "$demo/figures.fig" "$out/figures.fig"  # figure files refer to images in their own folder
 
 # print_on DEVICE NAME [OPTION...]
 print_on() {

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Installs the Debian packages that are missing, and says which. Quick and silent about the rest when none is.
+# Installs the Debian packages that are missing, and says which. Prints nothing when none is missing.
 #
 #   scripts/setup.sh demo      what ./demo needs
 #   scripts/setup.sh check     also what ./check needs: 32-bit, Windows and ARM compilers, test framework, package tools,
@@ -13,8 +13,8 @@ demo_packages=(
   libpng-dev libfreetype-dev libfontconfig-dev libcli11-dev libfmt-dev
   fontconfig fonts-dejavu-core fonts-liberation2
 )
-# The multilib package of a version, because the one without conflicts with every cross compiler. What it lacks is the
-# link to the kernel's headers; the preset linux-x86 names their folder.
+# g++-12-multilib instead of g++-multilib, because the latter conflicts with every cross compiler. It lacks the link to
+# the headers of the kernel, whose folder is therefore given in the preset linux-x86.
 check_packages=(
   binutils googletest g++-12-multilib g++-mingw-w64-i686-posix
   dpkg-dev unzip clang llvm lld
@@ -37,7 +37,7 @@ if ! command -v dpkg-query >/dev/null || ! command -v apt-get >/dev/null; then
   exit 1
 fi
 
-# One query for all; a package that was never installed is only missing from the answer.
+# One query for all packages; a package that was never installed is missing from its output.
 installed=$(dpkg-query -W -f='${db:Status-Abbrev} ${Package}\n' "${wanted[@]}" 2>/dev/null | sed -n 's/^.i  *//p' || true)
 missing=()
 for package in "${wanted[@]}"; do

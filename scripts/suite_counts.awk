@@ -1,7 +1,7 @@
 # Reads the log that ctest keeps (Testing/Temporary/LastTest.log) and prints for each of its tests
 #   name passed failed seconds
-# A program that counts its own tests is believed: GoogleTest's closing lines, or a line "N passed, N failed". Any
-# other one is a single test. A program that ended badly without counting a failure counts as one.
+# For a program that counts its own tests these numbers are used: the last lines of GoogleTest, or a line "N passed, N
+# failed". Any other program is one test. A program that failed without counting a failure counts as one failure.
 { sub(/\r$/, "") }
 /^[0-9]+\/[0-9]+ Test: / {
   name = $3

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Runs a 32-bit Windows program under a Wine of this project's own. Nothing is installed: the packages are fetched
-# once into .cache/wine and unpacked there, with a prefix of their own beside them. No display is needed.
+# Runs a 32-bit Windows program under Wine. Wine is not installed on the machine: its packages are fetched once into
+# .cache/wine and unpacked there, and its prefix is there too. No display is needed.
 #
 #   scripts/wine.sh PROGRAM.exe [ARGUMENT...]   run it (fetches Wine first where that has not been done)
 #   scripts/wine.sh --setup                     fetch and make the prefix, run nothing
@@ -14,7 +14,7 @@ cache=$root/.cache/wine
 tree=$cache/root
 ready=$cache/ready-1 # the number changes when the way of unpacking does
 
-# Wine itself, and what its text output opens at run time (with FreeType but without fontconfig it crashes at the
+# Wine itself, and the libraries that its text output loads (with FreeType but without fontconfig it crashes at the
 # start). The C library for 32 bits comes with g++-12-multilib.
 packages=(
   libwine wine32 libz-mingw-w64 fonts-wine
@@ -36,7 +36,8 @@ fail() {
   exit 125
 }
 
-# The i386 packages are looked up with lists of our own, so that the machine's set of architectures stays as it is.
+# Package lists of this project alone are used to find the i386 packages, so that the architectures of the machine stay
+# as they are.
 fetch() {
   local apt=$cache/apt
   mkdir -p "$apt/state/lists/partial" "$apt/cache/archives/partial" "$apt/debs"
@@ -47,7 +48,7 @@ fetch() {
   if [ "$(id -u)" -eq 0 ]; then
     options+=(-o APT::Sandbox::User=root)
   fi
-  # A source without i386 packages, or one that is just being refreshed, is no reason to stop.
+  # Continue when a source has no i386 packages or is just being updated.
   apt-get "${options[@]}" update || echo "wine.sh: some package lists could not be fetched, going on without them"
   (cd "$apt/debs" && apt-get "${options[@]}" download "${packages[@]}")
   rm -rf "$tree"
@@ -67,7 +68,7 @@ make_prefix() {
   }
   rm -rf "$WINEPREFIX"
   mkdir -p "$HOME"
-  # The library is needed before the first start has finished, so it cannot wait for that start to make the folder.
+  # The first start of Wine needs this library before it has made the folder, so the folder is made here.
   mkdir -p "$WINEPREFIX/drive_c/windows/system32"
   cp "$tree/usr/i686-w64-mingw32/lib/zlib1.dll" "$WINEPREFIX/drive_c/windows/system32/"
   wine timeout -k 10 120 "$tree/usr/lib/wine/wine" wineboot.exe --init &&
@@ -79,7 +80,7 @@ stop_server() {
   wine timeout -k 5 30 "$tree/usr/lib/wine/wineserver" -k 2>/dev/null || true # fails when no server runs
 }
 
-# Tests start side by side: one of them prepares, the others wait for it.
+# Tests may start at the same time: one of them sets Wine up, the others wait for it.
 setup() {
   [ -e "$ready" ] && return 0
   mkdir -p "$cache"
@@ -87,7 +88,7 @@ setup() {
   flock 9
   if [ ! -e "$ready" ]; then
     echo "wine.sh: fetching Wine into .cache/wine (100 MB, once)" >&2
-    # The server outlives the call that starts it and must not keep the lock.
+    # The server keeps running after the call that starts it and must not hold the lock.
     if ! "${BASH_SOURCE[0]}" --prepare >"$cache/setup.log" 2>&1 9>&- </dev/null; then
       stop_server
       tail -n 40 "$cache/setup.log" >&2
@@ -106,7 +107,7 @@ case ${1-} in
     make_prefix
     ;;
   --stop)
-    # A server ends by itself soon after its last program; another one may still be in use.
+    # A server ends by itself soon after its last program. Wait for that first, because programs may still be running.
     if [ -e "$ready" ] && ! wine timeout 15 "$tree/usr/lib/wine/wineserver" -w; then
       stop_server
     fi
