@@ -25,6 +25,7 @@ uint32_t Device::ColorInfo(uint32_t color, uint32_t* result) const {
 uint32_t Device::RealizeObject(uint32_t kind, const void* input, void* output) {
   switch (kind & 0xFFFF) {
     case OBJ_PEN: {
+      // Without output the call asks for the size of the record.
       if (output == nullptr) return sizeof(PhysicalPen);
       if (input == nullptr) return 0;
       const auto& pen = *static_cast<const LogicalPen*>(input);
@@ -67,6 +68,7 @@ uint16_t Device::SetDIBitsToDevice(int32_t x, int32_t y, uint32_t startScan, uin
   if (bitmapInfo == nullptr) return 0;
   int32_t width;  // biWidth; the whole header is checked by StretchDIBits
   std::memcpy(&width, static_cast<const uint8_t*>(bitmapInfo) + 4, sizeof width);
+  // The same extents for source and destination: unscaled.
   const int32_t rows = static_cast<int32_t>(numScans);
   return StretchDIBits(ImageArguments{0, x, y, width, rows, 0, static_cast<int32_t>(startScan), width, rows, bits,
                                       bitmapInfo, conversionInfo, SRCCOPY, nullptr, drawMode, clip});
@@ -89,6 +91,7 @@ uint16_t Device::Control(uint16_t code, const void* data) {
 
 void Device::FillOpaqueRect(const Rect& rect, const DRAWMODE& drawMode) {
   const Rect visible{MaxOf(rect.left, 0), MaxOf(rect.top, 0), rect.right, rect.bottom};
+  // Clips that leave nothing of the rectangle end here.
   if (visible.left >= visible.right || visible.top >= visible.bottom) return;
   const LogicalBrush logical{BS_SOLID, drawMode.bkColor, 0, 0};
   PhysicalBrush brush;

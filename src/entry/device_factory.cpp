@@ -36,6 +36,7 @@ Device* MakeDevice(const DeviceDescription& description, const BandRect& bandRec
   return device;
 }
 
+// The devices made here have no band; they only compute their size.
 bool ReportDeviceInfo(const DeviceDescription& description, DeviceSize* result, uint32_t* written) {
   switch (description.kind) {
     case QNV_KIND_SCALED:

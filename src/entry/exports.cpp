@@ -35,9 +35,12 @@ uint16_t Low16(uint32_t slot) { return static_cast<uint16_t>(slot); }
 
 }  // namespace
 
+// ---- Devices
+
 QNV_ENTRY DeviceHandle* QNVEnable(const DeviceDescription* description, const BandRect* bandRect, void* buffer,
                                   void* secondBuffer) {
   if (description == nullptr || bandRect == nullptr) return nullptr;
+  // The handle first: without memory for it no device has to be taken down again.
   auto* const handle = static_cast<DeviceHandle*>(std::malloc(sizeof(DeviceHandle)));
   if (handle == nullptr) return nullptr;
   Device* device = MakeDevice(*description, *bandRect, buffer, secondBuffer);
@@ -67,6 +70,8 @@ QNV_ENTRY uint32_t QNVControl(DeviceHandle* handle, uint32_t code, const void* d
   return handle->device->Control(Low16(code), data);
 }
 
+// ---- Colors, pens and brushes
+
 QNV_ENTRY uint32_t QNVColorInfo(DeviceHandle* handle, uint32_t color, uint32_t* result) {
   if (!IsValid(handle)) return 0;
   return handle->device->ColorInfo(color, result);
@@ -77,6 +82,8 @@ QNV_ENTRY uint32_t QNVRealizeObject(DeviceHandle* handle, uint32_t kind, const v
   if (!IsValid(handle)) return 0;
   return handle->device->RealizeObject(kind, input, output);
 }
+
+// ---- Drawing
 
 QNV_ENTRY uint32_t QNVPixel(DeviceHandle* handle, int32_t x, int32_t y, uint32_t color, const DRAWMODE* drawMode,
                             const BandRect* clip) {

@@ -16,6 +16,7 @@ constexpr bool LayoutsHold() {
   bool holds = true;
   const auto expect = [&holds](std::size_t actual, std::size_t published) { holds = holds && actual == published; };
 
+  // Devices.
   expect(sizeof(DeviceHandle), 6);
   expect(offsetof(DeviceHandle, device), 2);
 
@@ -33,6 +34,7 @@ constexpr bool LayoutsHold() {
   expect(sizeof(DeviceSize), 8);
   expect(sizeof(DrawingOrigin), 8);
 
+  // Drawing calls.
   expect(sizeof(DRAWMODE), 42);
   expect(offsetof(DRAWMODE, bkMode), 2);
   expect(offsetof(DRAWMODE, bkColor), 4);
@@ -54,6 +56,7 @@ constexpr bool LayoutsHold() {
   expect(offsetof(SourceBitmap, bmBitsPixel), 9);
   expect(offsetof(SourceBitmap, bmBits), 10);
 
+  // Pens and brushes.
   expect(sizeof(LogicalPen), 10);
   expect(offsetof(LogicalPen, colour), 6);
   expect(sizeof(PhysicalPen), 10);
@@ -70,6 +73,7 @@ constexpr bool LayoutsHold() {
   expect(offsetof(PhysicalBrush, colour), 8);
   expect(offsetof(PhysicalBrush, cells), 12);
 
+  // Fonts and images.
   expect(sizeof(FONTINFO), 33);
   expect(offsetof(FONTINFO, dfPixWidth), 20);
   expect(offsetof(FONTINFO, dfPixHeight), 22);

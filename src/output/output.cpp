@@ -10,6 +10,7 @@ namespace {
 template <class Mapping>
 int16_t PaintOutputOn(const PaintState& paint, const BandView& band, const Mapping& mapping, bool regray,
                       ScratchBuffer& scratch, const OutputArguments& a) {
+  // The order of these checks decides the result: with a hollow brush even an unknown style returns 1.
   SelectFillPattern(&paint.fillPattern, a.pen, a.brush, a.drawMode);
   if (paint.fillPattern.style == kFillNothing) return 1;
   const SpanStyle style = SpanStyleOf(a.style);

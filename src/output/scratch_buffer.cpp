@@ -6,6 +6,7 @@
 namespace qnv {
 namespace {
 
+// Bytes.
 constexpr uint32_t kDefaultCapacity = 1024;
 
 }  // namespace

@@ -37,6 +37,7 @@ void SpanPainter::PaintRows(int32_t top, int32_t bottom, int32_t left, int32_t r
   PaintBlock(top, rows, left, pixels);
 }
 
+// Rows of pixels from (left, top) on, one below the other.
 void SpanPainter::PaintBlock(int32_t top, std::size_t rows, int32_t left, std::size_t pixels) {
   uint8_t* dst = band_.At(left, top);
   const std::size_t bytes = pixels * band_.bytesPerPixel;

@@ -100,6 +100,7 @@ void Transfer(const PaintState& paint, const BandView& band, const Format& forma
   TransferArea area;
   SourceRows source;
   const bool usesSource = RopUsesSource(index);
+  // Only operations that read a source are limited by it, and only their clip is widened.
   if (usesSource) {
     if (a.source == nullptr) return;
     if (!CopyArea(a, paint.origin, clip, callerBand, &area)) return;

@@ -33,6 +33,7 @@ bool CoordinateMap::Build() {
   if (columnMap_ == nullptr || bandIndex_ == nullptr) return false;
   std::fill_n(columnMap_, std::size_t{a_} + 1, -1);
   for (uint32_t j = 0; j < b_; ++j) {
+    // Where several band pixels show the same page pixel, the page pixel is mapped to the last of them.
     const uint32_t i = RoundDiv(j * a_, b_);
     columnMap_[i] = static_cast<int32_t>(j);
     bandIndex_[j] = i;
@@ -49,6 +50,7 @@ bool CoordinateMap::Build() {
   return true;
 }
 
+// The table says whether the page pixel is kept; the band pixel itself comes from the rounded mapping.
 int32_t CoordinateMap::MapKept(int32_t v) const {
   if (v < 0 || columnMap_[PlaceOf(v).index] < 0) return -1;
   return MapToBand(v);
@@ -70,6 +72,7 @@ int32_t CoordinateMap::PageOf(int32_t band) const {
   return WrapAdd(inch * a_, static_cast<int32_t>(bandIndex_[band - inch * b_]));
 }
 
+// For a dropped page pixel it is the band pixel after the nearest one before.
 int32_t CoordinateMap::FirstBandFrom(int32_t v) const {
   const InchPlace place = PlaceOf(v);
   const int32_t entry = columnMap_[place.index];

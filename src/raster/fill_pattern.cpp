@@ -29,6 +29,7 @@ struct Cell {
   bool painted;
 };
 
+// The color of a cell of the brush under the rule of the pattern.
 Cell ReadCell(const FillPattern& pattern, uint32_t cell) {
   const bool marked = cell >> 24 != 0;
   switch (pattern.rule) {
@@ -73,6 +74,7 @@ PatternRow ReadPatternRow(const FillPattern& pattern, uint32_t row) {
 void SelectFillPattern(FillPattern* pattern, const PhysicalPen* pen, const PhysicalBrush* brush,
                        const DRAWMODE* drawMode) {
   if (drawMode == nullptr) return;
+  // From here on the call decides, and also later calls with a null draw mode.
   pattern->rop2 = static_cast<uint16_t>(drawMode->Rop2);
   if (brush == nullptr) {
     SelectSolid(pattern, pen != nullptr ? ExchangeRedBlue(pen->colour) : 0);

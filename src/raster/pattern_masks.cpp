@@ -16,6 +16,7 @@ void Complete(Tile* out, const Tile& pattern, OpenMask mask) {
 void PatternMasks::MakeRow(uint32_t row) {
   madeRows_ |= 1u << row;
   RowTiles& tiles = rows_[row];
+  // Without a pattern one cell of zeros.
   const PatternRow cells = pattern_ != nullptr ? ReadPatternRow(*pattern_, row) : PatternRow{{0}, {UINT32_MAX}};
   Tile& pattern = tiles.xor2;  // the pattern itself first; replaced by its mask last
   MakeTile(&pattern, cells.colors, width_, bytesPerPixel_);

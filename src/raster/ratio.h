@@ -9,7 +9,7 @@
 namespace qnv {
 
 // Exact division of numbers below 2^31 by a fixed divisor d: multiplies by ceil(2^(31 + l) / d), where 2^l >= d, and
-// shifts right by 31 + l. Rounding the multiplier up makes the product too large by less than n / 2^(31 + l) <= 1 / d,
+// shifts right by 31 + l. Rounding the multiplier up makes the product too large by less than n / 2^(31 + l) < 1 / d,
 // which is too little to reach the next quotient.
 class Divider {
  public:

@@ -42,6 +42,7 @@ void SourceRows::FetchIndexed(const RowKernels& rows, int32_t row, int32_t colum
   for (std::size_t done = 0; done < count;) {
     const uint16_t begin = indices[done];
     std::size_t end = count;
+    // As many indices as span no more pixels than the buffer holds.
     while (indices[end - 1] - begin >= static_cast<int32_t>(kMaxPixels)) end = done + (end - done) / 2;
     const std::size_t between = indices[end - 1] - begin + std::size_t{1};
     FetchInto(rows, row, column + begin, nullptr, between, converted);

@@ -7,6 +7,7 @@
 
 namespace qnv {
 
+// SRCCOPY alone has a shape of its own: its pixels can be converted straight into the band.
 TransferRows::Shape TransferRows::ShapeOf(uint8_t index) {
   if (index == kSrcCopy) return Shape::kSourceCopy;
   if (RopUsesSource(index)) return RopUsesPattern(index) ? Shape::kSourcePattern : Shape::kSource;

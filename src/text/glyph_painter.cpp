@@ -45,6 +45,7 @@ void PaintGathered(const BandView& band, const BitPainter& painter, int32_t x, s
     bytes[0] = bytes[row++];
     for (; row < rows; ++row) {
       const int32_t next = first + static_cast<int32_t>(count);
+      // A row of its own, one more on the same band row, or the beginning of another block.
       if (bandRows[row] == next) {
         bytes[count++] = bytes[row];
       } else if (bandRows[row] == next - 1) {
@@ -70,6 +71,7 @@ BitPainter::BitPainter(const RowKernels& rows, uint32_t text, uint32_t backgroun
     colors_.clearBytes[i] = static_cast<uint8_t>(background >> shift);
     colors_.changeBytes[i] = static_cast<uint8_t>(colors_.setBytes[i] ^ colors_.clearBytes[i]);
   }
+  // The kernel is chosen once per call, not once per glyph.
   const bool is24 = bytesPerPixel == 3;
   paintColumn_ =
       transparent ? (is24 ? rows.PaintGlyph24 : rows.PaintGlyph8) : (is24 ? rows.ExpandGlyph24 : rows.ExpandGlyph8);
@@ -113,6 +115,7 @@ void PaintGlyph(const BandView& band, const KeptMapping& mapping, const BitPaint
         top = row + 1;
       }
     }
+    // The columns of the glyph that the band keeps, in runs; each run is gathered and painted eight columns at a time.
     CoordinateMap::TableColumns columns(*mapping.map, WrapAdd(glyph.x, part.left));
     const auto bandColumnOf = [&](int32_t) {
       int32_t column;

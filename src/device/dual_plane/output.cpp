@@ -55,6 +55,7 @@ bool DualPlaneDevice::TagOutput(const OutputArguments& a) {
   const SpanStyle style = SpanStyleOf(a.style);
   if (style == SpanStyle::kBracket) return true;
   if (style == SpanStyle::kUnknown) return false;
+  // Intended: only the tags follow the null pen; the band is painted with its color.
   if (a.pen != nullptr && a.pen->style == PS_NULL) return true;
   // Without a draw mode the operation is that of an earlier call, and the tags stay as they are.
   if (a.drawMode == nullptr) return true;

@@ -99,6 +99,7 @@ void FillTagRect(const TagPlane& plane, uint8_t value, int32_t x, int32_t y, int
   Rect area{left, top, WrapAdd(left, width), WrapAdd(top, height)};
   if (!IsAllZero(clip) && !RectIntersect(area, area, WidenedClip(Shifted(clip, origin.x, origin.y), left, top))) return;
   if (!RectIntersect(area, area, band.rect)) return;
+  // Rows that follow each other without padding are filled as one.
   std::size_t pixels = static_cast<std::size_t>(area.right - area.left);
   if (band.IsWholeRow(area.right - area.left)) {
     pixels *= static_cast<std::size_t>(area.bottom - area.top);

@@ -12,6 +12,7 @@ bool DualPlaneDevice::TagText(const TextArguments& a) {
   if (a.drawMode == nullptr || a.fontBase == nullptr || (a.string == nullptr && a.count != 0)) return false;
   if ((a.options & ETO_OPAQUE) != 0 && a.opaqueRect != nullptr) {
     Rect opaque = *a.opaqueRect;
+    // Already cut to the clip, so the tags themselves are not clipped again.
     if (a.clip != nullptr) RectIntersect(opaque, opaque, *a.clip);
     FillTagRect(tagDevice_->Plane(), QNV_TAG_GRAPHICS, opaque.left, opaque.top, WrapSubtract(opaque.right, opaque.left),
                 WrapSubtract(opaque.bottom, opaque.top), Rect{0, 0, 0, 0});

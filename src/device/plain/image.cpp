@@ -20,6 +20,7 @@ uint16_t RasterDevice::StretchDIBits(const ImageArguments& a) {
     CopyImage(transfer, band, *state_.rows);
     return 1;
   }
+  // The other codes paint row by row, and each row is marked before it is painted.
   const bool merges = mode == ImageMode::kMerge;
   const auto keepPixels = [](uint8_t*, std::size_t) {};
   const auto paintRow = [&](const BltArguments& row, const uint8_t* pixels) {

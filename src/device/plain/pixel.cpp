@@ -17,6 +17,7 @@ uint32_t RasterDevice::Pixel(int32_t x, int32_t y, const PixelArguments& a) {
   return 0;
 }
 
+// Points are band pixels, so clip and band limit them together.
 PixelReach RasterDevice::Reach(const Rect& clip) const {
   Rect limits;
   RectIntersect(limits, Shifted(clip, state_.origin.x, state_.origin.y), Band().rect);

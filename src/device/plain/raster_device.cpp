@@ -24,11 +24,13 @@ void RasterDevice::Enable(const BandRect& bandRect) {
 uint8_t RasterDevice::HatchScale() const { return HatchScaleAt(state_.description.resolutionA); }
 
 void RasterDevice::ClearBand() {
+  // Sums wrap; the row is cleared in whole 32-bit words, its padding included.
   const int32_t rowBytes =
       WrapMultiply(static_cast<int32_t>(state_.description.width), static_cast<int32_t>(DescribedBytes()));
   ClearWords(state_.buffer, WrapAdd(rowBytes, 3) / 4, state_.description.height, 0xFF);
 }
 
+// A null buffer is an empty band, so that every call runs through and paints nothing.
 BandView RasterDevice::BandOf(uint32_t bytesPerPixel) const {
   BandView band{state_.buffer, state_.stride, state_.bandRect, bytesPerPixel};
   if (state_.buffer == nullptr) {

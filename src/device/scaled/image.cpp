@@ -25,6 +25,7 @@ uint16_t ScaledRasterDevice::StretchDIBits(const ImageArguments& a) {
           !columns.Make(mapping, transfer.LeftInBand(), transfer.Width(), bandColumns, state_.imageBuffers)) {
         return 0;
       }
+      // Rows and columns are counted from the corner of the band, in page pixels.
       const int32_t top = WrapSubtract(transfer.Clipped().top, bandInPage.top);
       const KeptRowCopier copier(band, mapping, columns, top, *state_.rows, gray);
       CoveredRows rows;

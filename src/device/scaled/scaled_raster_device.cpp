@@ -14,6 +14,7 @@ ScaledRasterDevice::ScaledRasterDevice(const DeviceDescription& description, con
     : ScaledRasterDevice(description) {
   state_.bandRect = bandRect;
   state_.buffer = static_cast<uint8_t*>(buffer);
+  // A resolution of 0 cannot be mapped; the factory then refuses the device.
   hasTables_ = description.resolutionA != 0 && map_.Build();
 }
 

@@ -52,6 +52,8 @@ constexpr Windows MakeWindows(std::ptrdiff_t vector) {
   constexpr uint8_t kNone = 0x80;
   Windows windows;
   const auto from = [=](std::ptrdiff_t i) { return Map::From(32 * vector + (Map::kBackward ? i ^ 16 : i)); };
+  // The lowest and the highest load that any byte needs. A byte shuffle works within each half, so half i / 16 of a
+  // load supplies half i / 16 of the vector.
   windows.low = from(0);
   windows.high = from(0) - 15;
   for (std::ptrdiff_t i = 0; i < 32; ++i) {

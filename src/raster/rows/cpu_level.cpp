@@ -50,6 +50,7 @@ constexpr LevelNeeds kNeeds[] = {
 CpuLevel ProcessorLevel() {
   CpuLevel highest = CpuLevel::kPlain;
   for (const LevelNeeds& needs : kNeeds) {
+    // Leaf 0: a level that every processor has.
     const bool has = needs.leaf == 0 || (Cpuid(needs.leaf).*needs.where & needs.bits) == needs.bits;
     if (!has || !SystemSaves(needs.state)) break;
     highest = needs.level;

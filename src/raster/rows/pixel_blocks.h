@@ -10,6 +10,7 @@
 namespace qnv {
 namespace {
 
+// 32 pixels of three bytes are three vectors of 32 bytes.
 inline constexpr std::size_t kBlockPixels = 32;
 
 // The number of pixels from dst to an aligned address, 1..32. The second block of a row begins there, so that it and

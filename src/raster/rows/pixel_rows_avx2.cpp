@@ -141,6 +141,8 @@ void UnpackRow16(uint8_t* dst, const uint8_t* source, std::size_t pixels, const 
   });
 }
 
+// 32 pixels at a time: each of the three planes of the table is a shuffle that looks up 32 indices at once. A first
+// pixel in the low half of a byte and a last one in the high half are converted by themselves.
 void ExpandNibblesRow24(uint8_t* dst, const uint8_t* source, bool odd, std::size_t pixels, const uint32_t* table) {
   if (pixels < kMinNibbles) return ssse3::ExpandNibblesRow24(dst, source, odd, pixels, table);
   if (odd) {
@@ -218,6 +220,7 @@ void TripleRow24(uint8_t* dst, const uint8_t* source, std::size_t pixels) {
                   [=](std::size_t i) { StoreTriples(dst + 3 * i, Vector32::Load(source + i).v); });
 }
 
+// Marks, repetitions and shuffles are those of ssse3.
 constinit const PixelRows kPixelRows = {
     .ExpandBytesRow24 = avx2::ExpandBytesRow24,
     .ExpandBytesRow8 = plain::ExpandBytesRow8,

@@ -10,6 +10,7 @@
 namespace qnv::plain {
 namespace {
 
+// The remainder of the division is dropped.
 uint8_t GrayOf(uint32_t red, uint32_t green, uint32_t blue) {
   return static_cast<uint8_t>((red * kRedWeight + green * kGreenWeight + blue * kBlueWeight) / kGrayDivisor);
 }
@@ -19,6 +20,7 @@ void ExpandBytes(uint8_t* dst, const uint8_t* source, std::size_t pixels, const 
   StorePixels<kBytes>(dst, pixels, [=](std::size_t i) { return table[source[i]]; });
 }
 
+// The high half of a byte is the left one of its two pixels.
 template <std::size_t kBytes>
 void ExpandNibbles(uint8_t* dst, const uint8_t* source, bool odd, std::size_t pixels, const uint32_t* table) {
   StorePixels<kBytes>(dst, pixels, [=](std::size_t i) {
@@ -115,6 +117,7 @@ void ShuffleRow(uint8_t* dst, const uint8_t* source, const ShuffleGroup* groups,
   }
 }
 
+// Every entry has a plain kernel.
 constinit const PixelRows kPixelRows = {
     .ExpandBytesRow24 = plain::ExpandBytesRow24,
     .ExpandBytesRow8 = plain::ExpandBytesRow8,

@@ -191,6 +191,7 @@ void ExpandNibblesRow8(uint8_t* dst, const uint8_t* source, bool odd, std::size_
   plain::ExpandNibblesRow8(dst, source, false, pixels, table);
 }
 
+// Sixteen pixels at a time, component by component.
 void UnpackRow16(uint8_t* dst, const uint8_t* source, std::size_t pixels, const PixelMasks& masks) {
   const VectorMask component[3] = {VectorMask(masks.component[0]), VectorMask(masks.component[1]),
                                    VectorMask(masks.component[2])};
@@ -205,6 +206,7 @@ void UnpackRow16(uint8_t* dst, const uint8_t* source, std::size_t pixels, const 
   plain::UnpackRow16(dst, source, pixels, masks);
 }
 
+// Eighteen pixels must be left, because the loads reach two pixels beyond the sixteen.
 void GrayRow24(uint8_t* dst, const uint8_t* source, std::size_t pixels) {
   for (; pixels >= 18; pixels -= 16, source += 48, dst += 16) Store16(dst, SixteenGrays(source, GrayWeights()));
   plain::GrayRow24(dst, source, pixels);
@@ -275,6 +277,7 @@ void RepeatRow8(uint8_t* dst, const uint8_t* source, std::size_t pixels, std::si
   RepeatRow<1, plain::RepeatRow8>(dst, source, pixels, factor);
 }
 
+// Tables of 256 colors are looked up by the plain kernels.
 constinit const PixelRows kPixelRows = {
     .ExpandBytesRow24 = plain::ExpandBytesRow24,
     .ExpandBytesRow8 = plain::ExpandBytesRow8,

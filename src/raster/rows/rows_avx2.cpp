@@ -81,6 +81,7 @@ void PaintGlyph24(uint8_t* dst, std::size_t stride, const GlyphColumn& column, c
   PaintGlyphOf<Eight24Wide>(dst, stride, column, colors);
 }
 
+// The glyph kernels that this level does not specialise are those of sse2.
 constinit const RowKernels kRowKernels = {
     .FillTileRow = avx2::FillTileRow,
     .RopTileRow = avx2::RopTileRow,

@@ -51,6 +51,7 @@ struct Eight24 {
   friend Eight24 operator^(Eight24 a, Eight24 b) { return {a.head ^ b.head, a.tail ^ b.tail}; }
 };
 
+// Eight 8-bit pixels.
 struct Eight8 : Vector8 {
   static constexpr std::size_t kBytesPerPixel = 1;
   static Eight8 Load(const uint8_t* p) { return {Vector8::Load(p)}; }
@@ -60,6 +61,7 @@ struct Eight8 : Vector8 {
   friend Eight8 operator^(Eight8 a, Eight8 b) { return {{_mm_xor_si128(a.v, b.v)}}; }
 };
 
+// Eight pixels at a time as clear ^ (mask & (set ^ clear)), the rest one by one.
 template <class Eight>
 void ExpandBitsRowOf(uint8_t* dst, const uint8_t* bits, std::size_t offset, std::size_t pixels, uint32_t set,
                      uint32_t clear) {
@@ -119,6 +121,7 @@ const uint8_t* MaskBytes(uint8_t bits) {
   }
 }
 
+// A column of a glyph, set bits only. Whole columns of eight pixels take a shorter loop than clipped ones.
 template <class Eight>
 void PaintGlyphOf(uint8_t* dst, std::size_t stride, const GlyphColumn& column, const BitColors& colors) {
   const uint8_t* const end = column.bytes + column.rows;
@@ -137,6 +140,7 @@ void PaintGlyphOf(uint8_t* dst, std::size_t stride, const GlyphColumn& column, c
   }
 }
 
+// A column of a glyph in both colors.
 template <class Eight>
 void ExpandGlyphOf(uint8_t* dst, std::size_t stride, const GlyphColumn& column, const BitColors& colors) {
   const uint8_t* const end = column.bytes + column.rows;

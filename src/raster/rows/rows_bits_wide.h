@@ -51,6 +51,7 @@ struct ColorBlock<1> {
   explicit ColorBlock(uint32_t packed) : vector{Vector32::Fill(static_cast<uint8_t>(packed))} {}
 };
 
+// Three vectors, which begin at different bytes of a pixel.
 template <>
 struct ColorBlock<3> {
   Vector32 vector[3];

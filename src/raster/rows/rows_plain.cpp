@@ -119,6 +119,7 @@ void PaintGlyph8(uint8_t* dst, std::size_t stride, const GlyphColumn& column, co
   PaintGlyph<1>(dst, stride, column, colors);
 }
 
+// Every entry has a plain kernel.
 constinit const RowKernels kRowKernels = {
     .FillTileRow = plain::FillTileRow,
     .RopTileRow = plain::RopTileRow,

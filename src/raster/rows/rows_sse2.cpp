@@ -59,6 +59,7 @@ void PaintGlyph8(uint8_t* dst, std::size_t stride, const GlyphColumn& column, co
   PaintGlyphOf<Eight8>(dst, stride, column, colors);
 }
 
+// Every kernel of rows is specialised, none of images.
 constinit const RowKernels kRowKernels = {
     .FillTileRow = sse2::FillTileRow,
     .RopTileRow = sse2::RopTileRow,

@@ -16,6 +16,7 @@ void SwapRow24(uint8_t* dst, const uint8_t* source, std::size_t pixels) {
   plain::SwapRow24(dst, source, pixels);
 }
 
+// All but the exchange of red and blue are those of sse2.
 constinit const RowKernels kRowKernels = {
     .FillTileRow = sse2::FillTileRow,
     .RopTileRow = sse2::RopTileRow,

@@ -40,6 +40,7 @@ struct Places {
 // For shorter rows loading the masks takes longer than it saves.
 inline constexpr std::size_t kMinSwapped = 32;
 
+// Three vectors are a whole number of pixels, so the masks of the three repeat.
 template <class Vector>
 void SwapRow24Of(uint8_t* dst, const uint8_t* source, std::size_t pixels) {
   if (pixels < kMinSwapped) return plain::SwapRow24(dst, source, pixels);

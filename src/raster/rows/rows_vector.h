@@ -129,6 +129,7 @@ void WalkTiledRow(uint8_t* dst, std::size_t bytes, const Operation& operation) {
 
 // ---- D' = tile: the band is not read.
 
+// Three vectors of the tile are a whole period, so they are loaded once and stored in turn.
 template <class Vector, class Smaller>
 void FillTileRowOf(uint8_t* dst, std::size_t bytes, const uint8_t* tile) {
   constexpr std::size_t k = Vector::kBytes;
@@ -165,6 +166,7 @@ void FillTileRowOf(uint8_t* dst, std::size_t bytes, const uint8_t* tile) {
 
 // ---- D' = (D & andTile) ^ xorTile
 
+// An and mask and an xor mask, both tiles.
 struct TileOperation {
   const uint8_t* andTile;
   const uint8_t* xorTile;
@@ -261,6 +263,7 @@ struct SourceOperation {
 template <class Vector, class Smaller>
 void RopSourceRowOf(uint8_t* dst, const uint8_t* source, std::size_t bytes, const ByteMasks& m) {
   const Vector and2 = Vector::Fill(m.and2), xor2 = Vector::Fill(m.xor2);
+  // One of four loops, by the masks that the operation really has.
   const auto walk = [=](auto ands, auto xors) {
     WalkRow<Vector, Smaller>(dst, bytes, SourceOperation<Vector, ands, xors>{source, m, and2, xor2});
   };
@@ -325,6 +328,7 @@ void MinimumRowOf(uint8_t* dst, const uint8_t* source, std::size_t bytes) {
 
 // ---- D' = S
 
+// Four vectors are loaded before the first is stored.
 template <class Vector, class Smaller>
 void CopyRowOf(uint8_t* dst, const uint8_t* source, std::size_t bytes) {
   constexpr std::size_t k = Vector::kBytes;

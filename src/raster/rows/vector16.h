@@ -9,6 +9,7 @@
 namespace qnv {
 namespace {
 
+// The interface that rows_vector.h asks of a vector.
 struct Vector16 {
   static constexpr std::size_t kBytes = 16;
   __m128i v;
