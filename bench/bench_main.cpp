@@ -10,11 +10,13 @@
 namespace qnv::bench {
 namespace {
 
+// Prints a message and returns the exit code.
 int Fail(const std::string& message, int code) {
   std::fprintf(stderr, "qnvbench: %s\n", message.c_str());
   return code;
 }
 
+// Prints the names of the rows that the filter takes, with their shapes.
 void PrintList(const RowFilter& filter) {
   for (const Row& row : AllRows()) {
     if (!filter.Takes(row)) continue;
@@ -34,6 +36,7 @@ std::unique_ptr<Library> OpenOrComplain(const std::string& path) {
   return library;
 }
 
+// Opens the library, the baseline and the levels.
 bool OpenLibraries(const Options& options, Libraries& libraries) {
   libraries.main = OpenOrComplain(options.library.empty() ? Library::DefaultPath() : options.library);
   if (libraries.main == nullptr) return false;

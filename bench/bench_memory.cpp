@@ -6,6 +6,7 @@
 namespace qnv::bench {
 namespace {
 
+// Bytes of a page of memory.
 constexpr std::size_t kPage = 4096;
 
 }  // namespace

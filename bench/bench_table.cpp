@@ -10,12 +10,14 @@ namespace {
 
 constexpr const char* kBandNames[kBandCount] = {"bgr24", "gray8", "scaled", "scaledgray", "dual", "dualmarked"};
 
+// Name, size, size of the band, place in the band. "call" and "page" have no rectangle.
 constexpr ShapeInfo kShapes[kShapeCount] = {
     {"tile", 64, 64, 1200, 128, 3, 5},        {"band1200", 1200, 128, 1200, 128, 0, 0},
     {"band4960", 4960, 128, 4960, 128, 0, 0}, {"call", 0, 0, 1200, 128, 0, 0},
     {"page", 1200, 1600, 1200, 1600, 0, 0},
 };
 
+// Words of a row name that belong to the source.
 constexpr const char* kSourceNames[] = {"solid", "hatch", "hatchopaque", "p8",     "p16",
                                         "rgb24", "gray8", "mono",        "pattern"};
 

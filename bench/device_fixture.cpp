@@ -8,6 +8,7 @@
 namespace qnv::bench {
 namespace {
 
+// Logical colors of text and background.
 constexpr uint32_t kInk = 0x00A03C14;
 constexpr uint32_t kPaper = 0x00DCE6F0;
 
@@ -86,6 +87,7 @@ uint64_t DeviceFixture::PictureHash() const {
   return IsDual(band_) ? colors * 3 + HashBytes(memory_.tags(), TagSize()) : colors;
 }
 
+// Realises the brush of a row and sets the background mode that goes with it.
 void DeviceFixture::MakeBrush(Brush kind) {
   if (kind == Brush::kNone) return;
   LogicalBrush logical = {};

@@ -62,6 +62,7 @@ PageRect RectOnPage(const DeviceFixture& device, Shape shape);
 template <class Call>
 class DeviceJob final : public Job {
  public:
+  // Takes over the device.
   DeviceJob(std::unique_ptr<DeviceFixture> device, Call call) : device_(std::move(device)), call_(std::move(call)) {}
   void Run(int times) override {
     for (int i = 0; i < times; ++i) call_(*device_, i);

@@ -44,6 +44,7 @@ int SourceExtent(const ImageSource& image, int painted) {
   return std::max(1, (painted * image.sourceParts + image.targetParts / 2) / image.targetParts);
 }
 
+// Colors of the table are random; rows are random bytes, or random runs and literals.
 DibSource MakeDib(Memory& memory, const ImageSource& image, int width, int height) {
   DibSource dib;
   dib.width = width;

@@ -14,6 +14,7 @@
 namespace qnv::bench {
 namespace {
 
+// The colors of device_fixture.cpp.
 constexpr COLORREF kInk = 0x00A03C14;
 constexpr COLORREF kPaper = 0x00DCE6F0;
 constexpr COLORREF kBrush = 0x00285AC8;
@@ -146,6 +147,7 @@ void SelectBrush(Canvas& canvas, Brush kind, int bitsPerPixel) {
   }
 }
 
+// A bitmap with the pixels of the library's source.
 std::unique_ptr<Canvas> MakeSourceCanvas(Memory& memory, Source source, int width, int height) {
   if (source == Source::kMono) {
     memory.FillSource(static_cast<std::size_t>((width + 15) / 16 * 2 * height));
@@ -167,6 +169,7 @@ Place PlaceOf(int run) {
   return {static_cast<int>(n * 37 % 1024), static_cast<int>(n * 7 % 112)};
 }
 
+// FillRgn or Rectangle for what the library paints by QNVOutput.
 Rival MakeOutputRival(std::unique_ptr<Canvas> canvas, const Memory& memory, const RowSpec& spec, const ShapeInfo& in) {
   if (spec.code == R2_COPYPEN) {
     const HRGN region = CreateRectRgn(in.x, in.y, in.x + in.width, in.y + in.height);
@@ -183,6 +186,7 @@ Rival MakeOutputRival(std::unique_ptr<Canvas> canvas, const Memory& memory, cons
   });
 }
 
+// PatBlt or BitBlt.
 Rival MakeBltRival(std::unique_ptr<Canvas> canvas, Memory& memory, const RowSpec& spec, const ShapeInfo& in) {
   if (spec.source == Source::kNone) {
     return MakeGdiRival(std::move(canvas), memory, [in, code = spec.code](HDC context, int) {
@@ -223,6 +227,7 @@ Rival MakeTextRival(std::unique_ptr<Canvas> canvas, const Memory& memory, const 
       });
 }
 
+// StretchDIBits; extended codes have no counterpart.
 Rival MakeImageRival(std::unique_ptr<Canvas> canvas, Memory& memory, const RowSpec& spec, const ShapeInfo& in) {
   if (spec.code > 0x00FFFFFF) return {};
   DibSource dib = MakeDib(memory, spec.image, SourceExtent(spec.image, in.width), SourceExtent(spec.image, in.height));
@@ -235,6 +240,7 @@ Rival MakeImageRival(std::unique_ptr<Canvas> canvas, Memory& memory, const RowSp
   });
 }
 
+// GetPixel or SetPixelV; pixels under other operations have no counterpart.
 Rival MakePixelRival(std::unique_ptr<Canvas> canvas, const Memory& memory, const RowSpec& spec) {
   if (spec.code == 0) {
     return MakeGdiRival(std::move(canvas), memory, [](HDC context, int run) {
@@ -249,6 +255,7 @@ Rival MakePixelRival(std::unique_ptr<Canvas> canvas, const Memory& memory, const
   });
 }
 
+// Small rectangles and single spans.
 Rival MakeSmallBltRival(std::unique_ptr<Canvas> canvas, Memory& memory, const RowSpec& spec) {
   const int width = spec.cellWidth;
   const int height = spec.operation == Operation::kSpan ? 1 : spec.cellHeight;
@@ -267,6 +274,7 @@ Rival MakeSmallBltRival(std::unique_ptr<Canvas> canvas, Memory& memory, const Ro
   });
 }
 
+// Single characters.
 Rival MakeGlyphRival(std::unique_ptr<Canvas> canvas, const Memory& memory, const RowSpec& spec) {
   SelectFont(*canvas, spec);
   return MakeGdiRival(std::move(canvas), memory, [](HDC context, int run) {

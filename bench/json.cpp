@@ -9,6 +9,7 @@
 namespace qnv::bench {
 namespace {
 
+// A string with quotes, backslashes and control characters escaped.
 void WriteString(std::string& out, const std::string& text) {
   out += '"';
   for (const char c : text) {
@@ -26,6 +27,7 @@ void WriteString(std::string& out, const std::string& text) {
   out += '"';
 }
 
+// Appends a code point below 0x10000.
 void AppendUtf8(std::string& out, uint32_t code) {
   if (code < 0x80) {
     out += static_cast<char>(code);

@@ -71,6 +71,7 @@ std::string FileNameOf(const std::string& path) {
   return separator == std::string::npos ? path : path.substr(separator + 1);
 }
 
+// The folder of this program with the name of the library file.
 std::string Library::DefaultPath() {
   const std::string program = ProgramPath();
   return program.substr(0, program.size() - FileNameOf(program).size()) + kLibraryFile;

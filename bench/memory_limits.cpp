@@ -15,6 +15,7 @@ bool HasAvx2() { return __builtin_cpu_supports("avx2") != 0; }
 __m128i* Vector(uint8_t* bytes) { return reinterpret_cast<__m128i*>(bytes); }
 const __m128i* Vector(const uint8_t* bytes) { return reinterpret_cast<const __m128i*>(bytes); }
 
+// The empty assembler statements keep the compiler from removing the calls.
 void StoreLibc(uint8_t* d, const uint8_t*, std::size_t n) {
   std::memset(d, 0x5A, n);
   asm volatile("" : : "r"(d) : "memory");
@@ -247,6 +248,7 @@ const char* LimitName(LimitKind kind) {
   return "none";
 }
 
+// Which of the loops is fastest differs between processors, and between caches and memory.
 const std::vector<LimitLoop>& LimitLoops() {
   static const std::vector<LimitLoop> loops = {
       {"memset", LimitKind::kStore, Always, StoreLibc},

@@ -19,6 +19,7 @@ std::vector<std::string> SplitAtCommas(const std::string& list) {
   return parts;
 }
 
+// Whether a shape has this name.
 bool IsShapeName(const std::string& name) {
   for (int i = 0; i < kShapeCount; ++i) {
     if (name == Info(static_cast<Shape>(i)).name) return true;
@@ -26,6 +27,7 @@ bool IsShapeName(const std::string& name) {
   return false;
 }
 
+// Names of shapes, separated by commas.
 bool TakeShapes(const std::string& value, Options& options, std::string& error) {
   for (std::string& name : SplitAtCommas(value)) {
     if (!IsShapeName(name)) {

@@ -22,6 +22,7 @@ struct Transform {
   int32_t matrix[3][3];
 };
 
+// Components of 16 bits.
 struct PixmanColor {
   uint16_t red, green, blue, alpha;
 };
@@ -41,6 +42,7 @@ constexpr uint32_t kByte = Format(8, kTypeAlpha, 8, 0, 0, 0);
 constexpr uint32_t k555 = Format(16, kTypeArgb, 0, 5, 5, 5);
 constexpr uint32_t k888 = Format(32, kTypeArgb, 0, 8, 8, 8);
 
+// The functions that are used.
 struct Pixman {
   Image* (*createBits)(uint32_t format, int width, int height, uint32_t* bits, int stride) = nullptr;
   Image* (*createSolid)(const PixmanColor* color) = nullptr;
@@ -125,6 +127,7 @@ ImageOwner MakeSolid() {
   return Own(Open().createSolid(&color));
 }
 
+// A repeating image with the cells of a pattern brush. storage: its pixels.
 ImageOwner MakeTile(const RowSpec& spec, std::vector<uint32_t>& storage) {
   const int period = spec.brush == Brush::kPattern16 ? 16 : 8;
   const int bytes = BytesPerPixel(spec.band);
@@ -136,6 +139,7 @@ ImageOwner MakeTile(const RowSpec& spec, std::vector<uint32_t>& storage) {
   return image;
 }
 
+// The source of a transfer, in the format that the library reads.
 ImageOwner MakeBltSource(Memory& memory, Source source, const ShapeInfo& info) {
   const int bits = source == Source::kRgb24 ? 24 : 8;
   const std::size_t stride = static_cast<std::size_t>((info.width * bits + 31) / 32 * 4);
@@ -144,6 +148,7 @@ ImageOwner MakeBltSource(Memory& memory, Source source, const ShapeInfo& info) {
   return MakeImage(format, info.width, info.height, memory.source(), stride);
 }
 
+// The bitmap of an image row, stretched and mirrored by a transform. Null for formats without a fast path.
 ImageOwner MakeDibSource(Memory& memory, const RowSpec& spec, const ShapeInfo& info) {
   const ImageSource& image = spec.image;
   if (image.bits < 16) return nullptr;  // pixman has no fast path for palettes

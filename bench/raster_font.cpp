@@ -9,6 +9,7 @@
 namespace qnv::bench {
 namespace {
 
+// Printable ASCII. The character table begins at byte kTable and has entries of kEntry bytes.
 constexpr int kFirst = 0x20;
 constexpr int kLast = 0x7E;
 constexpr std::size_t kTable = 82;

@@ -14,6 +14,7 @@ namespace {
 
 using Times = std::map<std::string, double>;  // "name shape" to best nanoseconds
 
+// The time of a row, 0 when it was not measured.
 double Find(const Times& times, const std::string& key) {
   const auto found = times.find(key);
   return found == times.end() ? 0 : found->second;
@@ -27,6 +28,7 @@ std::string WithBand(const std::string& name, Band band) {
   return ComposeRowName(parts);
 }
 
+// The band that a row name names.
 Band BandOf(const RowResult& row) {
   RowName parts;
   ParseRowName(row.name, parts);

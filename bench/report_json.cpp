@@ -8,6 +8,7 @@ namespace {
 constexpr const char* kProgram = "qnvbench";
 constexpr int kFormat = 1;  // changes when old reports can no longer be read
 
+// Fields without a value are left out.
 Json RowToJson(const RowResult& row) {
   Json json = Json::Object();
   json.Set("name", row.name);
@@ -45,6 +46,7 @@ Json RowToJson(const RowResult& row) {
   return json;
 }
 
+// False when the name is no row name or the time is missing.
 bool RowFromJson(const Json& json, RowResult& row) {
   row.name = json["name"].text();
   row.shape = json["shape"].text();

@@ -15,6 +15,7 @@ struct Section {
   bool calls;  // nanoseconds of a call instead of a rate
 };
 
+// The tables in the order of the document.
 constexpr Section kSections[] = {
     {"Fills and raster operations of the pen, 1200 x 128", "band1200",
      "^(fill|patcopy|patinvert|invert|blackness|whiteness|rop2_(xor|mask|merge|not|notcopy))_.*(bgr24|gray8)$", false},
@@ -60,6 +61,7 @@ const RowResult* Find(const Report& report, const std::string& name, const std::
   return found == report.rows.end() ? nullptr : &*found;
 }
 
+// A table with the rows that the first report has; other reports may lack some of them.
 void AddSection(const Section& section, const std::vector<Report>& reports, std::string& out) {
   const std::regex pattern(section.pattern, std::regex::extended);
   std::string lines;

@@ -41,6 +41,7 @@ void PrintRowHeading() {
   std::fflush(stdout);
 }
 
+// One line: time, median, rate, share of the limit, gain, ratio to the rival, and levels.
 void PrintRow(const RowResult& row) {
   std::printf("%-42s %-9s", row.name.c_str(), row.shape.c_str());
   PrintCell(row.calls > 0 ? row.bestNs / row.calls : row.bestNs, 11, 1);

@@ -20,6 +20,7 @@ enum SkipKind : uint32_t {
   kRleRowsAbove,
 };
 
+// Adds a row of small calls; the name of the band is appended.
 void Add(std::vector<Row>& rows, const std::string& name, const RowSpec& spec) {
   rows.push_back({name + "_" + BandName(spec.band), spec, {Shape::kCall}});
 }
@@ -34,6 +35,7 @@ Place PlaceOf(int run) {
   return {static_cast<int>(n * 37 % 1024), static_cast<int>(n * 7 % 112)};
 }
 
+// code: R2_..., or 0 to read pixels.
 std::unique_ptr<Job> MakePixelJob(std::unique_ptr<DeviceFixture> device, uint32_t code) {
   const int scale = device->pageScale();
   if (code == 0) {
@@ -49,6 +51,7 @@ std::unique_ptr<Job> MakePixelJob(std::unique_ptr<DeviceFixture> device, uint32_
   });
 }
 
+// One span per call.
 std::unique_ptr<Job> MakeSpanJob(std::unique_ptr<DeviceFixture> device, const RowSpec& spec) {
   device->MakeBrush(spec.brush);
   device->mode.Rop2 = static_cast<int16_t>(spec.code);
@@ -84,6 +87,7 @@ std::unique_ptr<Job> MakeSmallBltJob(std::unique_ptr<DeviceFixture> device, cons
   });
 }
 
+// One character per call.
 std::unique_ptr<Job> MakeGlyphJob(std::unique_ptr<DeviceFixture> device, const RowSpec& spec) {
   device->mode.bkMode = spec.opaqueText ? OPAQUE : TRANSPARENT;
   const int scale = device->pageScale();

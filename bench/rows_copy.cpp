@@ -29,11 +29,13 @@ constexpr CodeName kTwoOperandCodes[] = {
     {SRCERASE, "srcerase"}, {NOTSRCCOPY, "notsrccopy"}, {NOTSRCERASE, "notsrcerase"}, {MERGEPAINT, "mergepaint"},
 };
 
+// Copies of one-bit sources store much more than they read, so stores limit them.
 LimitKind LimitOf(uint32_t code, Source source) {
   if (code != SRCCOPY && code != NOTSRCCOPY) return LimitKind::kReadModifyWrite;
   return source == Source::kMono ? LimitKind::kStore : LimitKind::kCopy;
 }
 
+// A source in the shared source memory, with rows padded to 16 bits.
 SourceBitmap MakeSource(Memory& memory, Source source, int width, int height) {
   SourceBitmap bitmap = {};
   bitmap.bmWidth = static_cast<int16_t>(width);

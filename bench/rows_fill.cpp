@@ -9,6 +9,7 @@ struct BrushName {
   const char* name;
 };
 
+// The brushes and their words in row names.
 constexpr BrushName kBrushes[] = {
     {Brush::kSolid, "solid"}, {Brush::kHatch, "hatch"},   {Brush::kHatchOpaque, "hatchopaque"},
     {Brush::kPattern8, "p8"}, {Brush::kPattern16, "p16"},

@@ -21,6 +21,7 @@ struct Scale {
   const char* name;
 };
 
+// The sizes of source and destination are in these proportions.
 constexpr Scale kScales[] = {{1, 1, "1to1"},      {1, 2, "x2"},   {1, 4, "x4"},
                              {100, 137, "x1.37"}, {2, 1, "half"}, {33, 10, "third"}};
 

@@ -20,6 +20,7 @@ struct Page {
   DibSource photograph;  // 24 bits in the front part of the source memory
 };
 
+// Text over the whole page, an image, figures and boxes at random places.
 Page MakePage(Memory& memory) {
   Page page;
   Random random(9);
@@ -51,6 +52,7 @@ Page MakePage(Memory& memory) {
   return page;
 }
 
+// Makes all calls of the page; the library clips them to the current band.
 void Paint(DeviceFixture& d, const Page& page, const PhysicalBrush& hatch) {
   const Library& library = d.library();
   for (const BandRect& box : page.boxes) {

@@ -12,6 +12,7 @@
 namespace qnv::bench {
 namespace {
 
+// A limit is measured once for each shape, depth and kind.
 struct LimitKey {
   Shape shape;
   int bytesPerPixel;
@@ -35,6 +36,7 @@ TimingPlan PlanOf(const Options& options) {
   return plan;
 }
 
+// One run of the benchmark.
 class Runner {
  public:
   Runner(const Options& options, const Libraries& libraries, Report& report)
@@ -47,6 +49,7 @@ class Runner {
     }
   }
 
+  // Measures a row, prints the result and adds it to the report.
   void MeasureRow(const Row& row, Shape shape) {
     RowResult result =
         row.spec.operation == Operation::kBltAllCodes ? MeasureAllCodes(row, shape) : MeasureOne(row, shape, plan_);

@@ -19,6 +19,7 @@ namespace {
 int checks = 0;
 int failures = 0;
 
+// Counts a check and prints `what` when it fails.
 void Expect(bool good, const std::string& what) {
   ++checks;
   if (good) return;
@@ -61,6 +62,7 @@ void TestRowNames() {
   }
 }
 
+// Names are unique and say what the rows paint, and the rows that the document shows exist.
 void TestTable() {
   std::set<std::string> names;
   for (const Row& row : AllRows()) {
@@ -138,6 +140,7 @@ void TestOptions() {
   }
 }
 
+// What is accepted stays the same when it is written and read again; everything else is refused.
 void TestJson() {
   const char* const kGood[] = {
       "null",

@@ -4,6 +4,7 @@
 namespace qnv::fuzz {
 namespace {
 
+// Word `word` of a list, little-endian.
 uint16_t WordAt(const std::vector<uint8_t>& list, std::size_t word) {
   return static_cast<uint16_t>(list[2 * word] | list[2 * word + 1] << 8);
 }
@@ -58,6 +59,7 @@ void CallOutput(Input& input, DeviceHandle* handle) {
             given & 16 ? nullptr : &clip);
 }
 
+// The font has random numbers in its record, but a table with an entry for every code and glyphs that lie in its block.
 void CallText(Input& input, DeviceHandle* handle) {
   constexpr std::size_t kEntries = 512;  // enough for every sum of code, first and default character
   const uint8_t choice = input.Byte();
@@ -113,6 +115,7 @@ std::vector<uint8_t> TerminatedCodes(std::vector<uint8_t> codes, uint32_t rows) 
   return codes;
 }
 
+// The header is random. The color table and, for sizes that the library accepts, the rows are complete.
 void CallImage(Input& input, DeviceHandle* handle) {
   const auto size = [&](uint8_t kind) -> int32_t {
     // Any size, as in documents. Sizes up to 64 are followed by all their rows; larger ones are refused by the library.
@@ -174,6 +177,7 @@ void CallImage(Input& input, DeviceHandle* handle) {
   }
 }
 
+// The source is complete for its size; the places are random.
 void CallTransfer(Input& input, DeviceHandle* handle) {
   const uint8_t form = input.Byte();
   SourceBitmap source;

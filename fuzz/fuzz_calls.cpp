@@ -5,6 +5,7 @@ namespace {
 
 using qnv::fuzz::Input;
 
+// An escape, or an unknown code.
 void CallControl(Input& input, DeviceHandle* handle) {
   const uint32_t code = 0x2000u + input.Byte() % 4;
   BandRect data = input.Rect();
@@ -18,6 +19,7 @@ void CallControl(Input& input, DeviceHandle* handle) {
   QNVControl(handle, code, input.Byte() == 0 ? nullptr : &data, nullptr);
 }
 
+// A pixel anywhere, and a rectangle of few pixels near the band.
 void CallPixels(Input& input, DeviceHandle* handle) {
   const DRAWMODE mode = qnv::fuzz::TakeDrawMode(input);
   const BandRect clip = input.Rect();
@@ -30,6 +32,7 @@ void CallPixels(Input& input, DeviceHandle* handle) {
   QNVPolyPixel(handle, x, y, corner[0], corner[1], color, &mode, &clip);
 }
 
+// A brush or pen from random fields, and a color.
 void CallObjects(Input& input, DeviceHandle* handle) {
   const qnv::fuzz::Block pixels(input.Bytes(8 * 24));
   const SourceBitmap bitmap{0, 8, 8, 24, 1, input.Byte(), pixels.data()};

@@ -34,6 +34,7 @@ FuzzDevice::FuzzDevice(Input& input) {
 
 FuzzDevice::~FuzzDevice() { QNVDisable(handle_); }
 
+// Also operations and background modes that do not exist.
 DRAWMODE TakeDrawMode(Input& input) {
   DRAWMODE mode;
   std::memset(&mode, 0, sizeof mode);
@@ -48,6 +49,7 @@ DRAWMODE TakeDrawMode(Input& input) {
   return mode;
 }
 
+// Also styles and scales that do not exist.
 PhysicalBrush TakeBrush(Input& input) {
   PhysicalBrush brush;
   std::memset(&brush, 0, sizeof brush);

@@ -80,6 +80,7 @@ void BandPrinter::Control(uint32_t code, const void* data) const {
   }
 }
 
+// Every item of the page is painted into every band that it touches.
 void BandPrinter::Print(const Page& page, const Sink& sink) {
   const PagePainter painter(rasteriser_, handle_, device_, page);
   const DrawingOrigin origin{0, 0};

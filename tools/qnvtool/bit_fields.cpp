@@ -16,6 +16,7 @@ uint8_t Component(uint32_t pixel, uint32_t mask) {
   return static_cast<uint8_t>((value * 255 + largest / 2) / largest);
 }
 
+// Whether a mask has 2 to 8 bits.
 bool Within2To8Bits(uint32_t mask) { return std::popcount(mask) >= 2 && std::popcount(mask) <= 8; }
 
 }  // namespace

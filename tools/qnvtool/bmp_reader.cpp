@@ -80,6 +80,7 @@ class Reader {
     if (file_.size() < end) Fail("{}: the file ends at byte {}, {} are needed", field, file_.size(), end);
   }
 
+  // The fields of the file header and of the bitmap header, which has two forms.
   void ReadHeaders() {
     Require(2, "bfType");
     if (!LooksLikeBmp(file_)) Fail("bfType: is no BMP file (it does not begin with \"BM\")");
@@ -122,6 +123,7 @@ class Reader {
     if (header_.planes != 1) Fail("biPlanes: is {}, must be 1", header_.planes);
   }
 
+  // Depth and compression, and whether they fit together.
   void CheckPixelForm() {
     const uint32_t bits = header_.bitCount;
     constexpr std::array<uint32_t, 6> kDepths{1, 4, 8, 16, 24, 32};
@@ -187,6 +189,7 @@ class Reader {
     }
   }
 
+  // The pixels lie behind the headers and inside the file.
   void CheckPixelOffset() const {
     if (pixelOffset_ < tableOffset_) {
       Fail("bfOffBits: {} lies inside the headers, which end at byte {}", pixelOffset_, tableOffset_);

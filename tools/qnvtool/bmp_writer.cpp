@@ -81,6 +81,7 @@ Bytes EncodeBmp24(int width, int height, int dpi, const std::vector<uint8_t>& pi
   return file;
 }
 
+// Rows are encoded bottom row first, as run-length bitmaps require.
 Bytes EncodeBmpRle8(int width, int height, int dpi, const std::vector<uint8_t>& indices,
                     const std::vector<uint32_t>& palette) {
   const auto row = static_cast<std::size_t>(width);

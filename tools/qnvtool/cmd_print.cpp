@@ -32,6 +32,7 @@ const std::string kFooter = std::string(
                                 "letters or run from right to left come out letter by letter.\n\n") +
                             kFigureFormatHelp + "\n" + kExitCodesHelp;
 
+// Parses the remaining values and prints.
 void Run(PrintArguments& arguments, const PrintParts& parts) {
   PrintOptions& options = arguments.options;
   options.paper = ParsePaper(arguments.paper);

@@ -69,6 +69,7 @@ class Binder {
   const Option& option_;
 };
 
+// Registers an option with its placeholder, group and rules.
 void AddOption(CLI::App& app, const Option& option) {
   CLI::Option* const added = std::visit(Binder(app, option), option.value);
   if (!option.placeholder.empty()) added->type_name(option.placeholder);

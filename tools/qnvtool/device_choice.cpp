@@ -12,6 +12,7 @@ namespace {
 
 constexpr int kDefaultDpi = 300;
 
+// Throws ToolError when a resolution cannot be used.
 void CheckDpi(const std::string& option, int dpi) {
   if (dpi >= kMinDpi && dpi <= kMaxDpi) return;
   throw ToolError(ExitCode::kUsage,

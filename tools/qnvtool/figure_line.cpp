@@ -49,6 +49,7 @@ int HatchKind(const std::string& name, const FigureLine& line) {
   return static_cast<int>(found - kNames.begin());
 }
 
+// A hexadecimal number; `field` names it in messages.
 uint32_t ParseHex(const std::string& digits, const char* field, const FigureLine& line) {
   if (digits.empty() || digits.find_first_not_of("0123456789abcdefABCDEF") != std::string::npos) {
     line.Fail(fmt::format("{}: \"{}\" is no hexadecimal number", field, digits));
@@ -83,6 +84,7 @@ const std::string& FigureLine::Word(std::size_t i, const char* field) const {
   return words_[i];
 }
 
+// Also refuses infinity and values that are not numbers.
 double FigureLine::ToNumber(const std::string& text, const char* field) const {
   char* end = nullptr;
   const double value = std::strtod(text.c_str(), &end);

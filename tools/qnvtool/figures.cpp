@@ -134,6 +134,7 @@ class FigureSetter {
     Add(StrokeRegion(points, Px(pen.widthMm), closed), PenOf(pen), line);
   }
 
+  // image: a file is read once, however often it is shown.
   void Image(const FigureLine& line) {
     line.Expect(5, {"rop"});
     const std::string file = (std::filesystem::path(path_).parent_path() / line.Word(0, "FILE")).string();
@@ -160,6 +161,7 @@ class FigureSetter {
     pages_.back().items.emplace_back(std::move(picture));
   }
 
+  // text: one line, or a justified paragraph when a width is given.
   void Text(const FigureLine& line) {
     line.Expect(4, {"font", "color", "width"});
     const double points = line.Number(2, "POINTS");

@@ -24,6 +24,7 @@ constexpr std::size_t kMaxFileBytes = std::size_t{1} << 30;
   throw ToolError(ExitCode::kBadInput, fmt::format("{}: {}", path, why));
 }
 
+// Standard input without the translation of line ends that Windows makes.
 std::FILE* OpenStdin() {
 #ifdef _WIN32
   _setmode(_fileno(stdin), _O_BINARY);

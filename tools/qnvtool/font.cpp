@@ -29,6 +29,7 @@ int Font::Advance(char32_t code) {
   return CellWidth(wideGlyphs_[WideCode(code)]);
 }
 
+// A new character is rendered and gets the next code; the record is built again when it is next used.
 uint16_t Font::WideCode(char32_t code) {
   const auto known = wideCodes_.find(code);
   if (known != wideCodes_.end()) return known->second;

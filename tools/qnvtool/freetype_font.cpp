@@ -17,6 +17,7 @@ namespace {
 
 constexpr int kMaxGlyphHeight = 4096;
 
+// A font in a file; files may hold several.
 struct FontFile {
   std::string path;
   int index = 0;
@@ -74,6 +75,7 @@ FontFile MatchCharacter(char32_t code) {
 // FreeType counts in 64ths of a pixel.
 int CeilPixels(FT_Pos value26Dot6) { return static_cast<int>((value26Dot6 + 63) >> 6); }
 
+// The glyphs of one font at one size, with other fonts for characters that it lacks.
 class FreeTypeFont final : public GlyphSource {
  public:
   FreeTypeFont(const FontFile& file, double points, int dpi) : points_(points), dpi_(dpi) {

@@ -92,6 +92,7 @@ std::string CompletionOf(const Command& command) {
   return fmt::format("    {})\n      case $previous in\n{}      esac\n      ;;\n", command.name, branches);
 }
 
+// The end of the completion script, the same for every program.
 constexpr const char* kCompletionEnd = R"(  esac
 
   # A word is offered to those who begin one; options only once their dash is there, where files may stand as well.

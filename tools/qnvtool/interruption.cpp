@@ -14,6 +14,7 @@ constexpr int kSignals[] = {SIGINT, SIGTERM};
 constexpr int kSignals[] = {SIGINT, SIGTERM, SIGHUP};
 #endif
 
+// The default action is restored, so that a second signal ends the program.
 extern "C" void NoteSignal(int signal) {
   noted = signal;
   std::signal(signal, SIG_DFL);

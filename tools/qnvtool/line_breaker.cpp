@@ -6,6 +6,7 @@ namespace {
 
 constexpr char32_t kZeroWidthSpace = 0x200B;
 
+// Characters beside which lines may end without a space.
 bool IsIdeograph(char32_t c) {
   return (c >= 0x2E80 && c <= 0x9FFF) || (c >= 0xAC00 && c <= 0xD7A3) || (c >= 0xF900 && c <= 0xFAFF) ||
          (c >= 0xFF01 && c <= 0xFF60) || (c >= 0x20000 && c <= 0x3FFFF);
@@ -28,6 +29,7 @@ bool BreakBefore(std::u32string_view text, std::size_t at) {
   return (IsIdeograph(before) || IsIdeograph(after)) && !MustFollow(after);
 }
 
+// Breaks one paragraph.
 class Breaker {
  public:
   Breaker(std::u32string_view text, const AdvanceOf& advance, int maxWidth)

@@ -7,6 +7,7 @@
 namespace qnv::tool {
 namespace {
 
+// Fonts from font files or from the installed fonts.
 FontShelf OpenFonts(const PrintOptions& options) {
   return FontShelf([&options](FontRole role, double points) {
     const std::string& name = role == FontRole::kBody      ? options.bodyFont

@@ -47,6 +47,7 @@ std::FILE* StdoutForBinary() {
   throw ToolError(ExitCode::kUsage, "-: standard output is a terminal; redirect it or name a file");
 }
 
+// Makes the temporary names of two programs different.
 int ProcessId() {
 #ifdef _WIN32
   return _getpid();

@@ -70,6 +70,7 @@ class FileSet {
 
 }  // namespace
 
+// Inserts the number of the page before the extension.
 std::string PathOfPage(const std::string& path, int page, int pages) {
   if (pages == 1 || path.empty() || path == "-" || IsSpecial(path)) return path;
   const auto digits = std::max<std::size_t>(2, fmt::format("{}", pages).size());

@@ -17,6 +17,7 @@ namespace {
   throw ToolError(ExitCode::kLibrary, fmt::format("the library refuses {} for {}", function, what));
 }
 
+// A draw mode that copies, with a transparent background.
 DRAWMODE PlainMode() {
   DRAWMODE mode;
   std::memset(&mode, 0, sizeof mode);

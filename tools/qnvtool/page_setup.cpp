@@ -11,6 +11,7 @@
 namespace qnv::tool {
 namespace {
 
+// Size of the header, thickness of the line below it, and the space around that line.
 constexpr double kHeaderSize = 0.8;  // of the body's
 constexpr double kRuleMm = 0.25;
 constexpr double kGapMm = 1;    // between text and rule

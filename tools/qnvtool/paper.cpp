@@ -12,6 +12,7 @@
 namespace qnv::tool {
 namespace {
 
+// ASCII letters in lower case.
 std::string Lower(std::string text) {
   for (char& c : text) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
   return text;

@@ -26,6 +26,7 @@ int Boundary(int row, int sourceRows, int top, int rows) {
 
 }  // namespace
 
+// Takes as many rows as are stable at once; a single row always is.
 std::vector<Strip> CutIntoStrips(int sourceRows, int top, int rows) {
   constexpr int kMaxRows = 127;
   std::vector<Strip> strips;

@@ -13,6 +13,7 @@
 namespace qnv::tool {
 namespace {
 
+// A binary PNM file: a header in text, then the rows.
 class PnmWriter final : public PictureWriter {
  public:
   PnmWriter(const std::string& path, const PictureForm& form) : file_(path), form_(form) {

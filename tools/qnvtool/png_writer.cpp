@@ -43,6 +43,7 @@ void AppendBig32(Buffer& buffer, uint32_t value) {
   for (int shift = 24; shift >= 0; shift -= 8) buffer.push_back(static_cast<uint8_t>(value >> shift));
 }
 
+// A compressed block.
 struct Compressed {
   Buffer bytes;
   uLong adler = 0;  // of the uncompressed bytes
@@ -111,6 +112,7 @@ class PngWriter final : public PictureWriter {
     if (std::fwrite(bytes.data(), 1, bytes.size(), file_.get()) != bytes.size()) file_.Fail();
   }
 
+  // A chunk: length, type, data, checksum.
   void WriteChunk(const char (&type)[5], const Buffer& data) {
     Buffer chunk;
     chunk.reserve(data.size() + 12);
@@ -177,6 +179,7 @@ class PngWriter final : public PictureWriter {
     }
   }
 
+  // Waits for the oldest block and writes it, so that blocks are written in order.
   void WriteOldestBlock() {
     const Compressed block = running_.front().get();
     running_.pop_front();

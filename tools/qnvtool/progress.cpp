@@ -21,6 +21,7 @@ Progress::~Progress() {
   if (shown_) std::fputs(kEraseLine, stderr);
 }
 
+// The line is erased and written again.
 void Progress::Show(double done, const std::string& label) {
   using namespace std::chrono_literals;
   const Clock::time_point now = Clock::now();

@@ -125,6 +125,7 @@ Rgb Scene(double x, double y) {
   return Mix({20, 26, 14}, {126, 118, 48}, grass * grass * 1.8);
 }
 
+// Rounded and limited to a byte.
 uint8_t Byte(double value) { return static_cast<uint8_t>(std::clamp(std::floor(value + 0.5), 0.0, 255.0)); }
 
 }  // namespace
@@ -141,6 +142,7 @@ Bytes MakeSamplePhoto(int width, int height) {
   return EncodeBmp24(width, height, 150, pixels);
 }
 
+// Heights from noise, in 30 colors, with contour lines and a grid in two more.
 Bytes MakeSampleMap(int width, int height) {
   constexpr int kLevels = 30;
   constexpr uint8_t kContour = 30;

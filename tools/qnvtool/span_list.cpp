@@ -17,6 +17,7 @@ void AppendSpans(std::vector<int16_t>& words, const SpanRow& row) {
   }
 }
 
+// One list for each row.
 std::vector<SpanList> Scanlines(const SpanRegion& region) {
   std::vector<SpanList> lists;
   for (std::size_t i = 0; i < region.rows.size(); ++i) {
@@ -48,6 +49,7 @@ SpanList BandedSpans(const SpanRegion& region) {
   return list;
 }
 
+// Any number of spans on each row.
 SpanList RowRecords(const SpanRegion& region) {
   SpanList list{OS_ROW_RECORDS, static_cast<uint16_t>(region.rows.size()), {Word(region.top)}};
   for (const SpanRow& row : region.rows) {
@@ -57,6 +59,7 @@ SpanList RowRecords(const SpanRegion& region) {
   return list;
 }
 
+// One span on each row.
 SpanList RowSpans(const SpanRegion& region) {
   SpanList list{OS_ROW_SPANS, static_cast<uint16_t>(region.rows.size()), {Word(region.top)}};
   for (const SpanRow& row : region.rows) AppendSpans(list.words, row);
@@ -127,6 +130,7 @@ std::vector<SpanList> EncodeSpans(const SpanRegion& region, uint16_t style) {
   }
 }
 
+// Encodes the region in every style that can hold it and compares the lengths.
 uint16_t ShortestStyle(const SpanRegion& region) {
   uint16_t best = OS_SCANLINES;
   std::size_t size = region.rows.size() > 1 ? SIZE_MAX : 0;  // a single row needs no other style

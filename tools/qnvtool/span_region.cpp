@@ -107,6 +107,7 @@ SpanRegion EllipseRegion(double left, double top, double right, double bottom) {
   });
 }
 
+// The edges that cross a row, sorted, are alternately left and right ends of spans.
 SpanRegion PolygonRegion(const std::vector<Point>& points) {
   if (points.size() < 3) return {};
   const auto [low, high] =
@@ -125,6 +126,7 @@ SpanRegion PolygonRegion(const std::vector<Point>& points) {
   });
 }
 
+// Each part of the line is a rectangle between two discs.
 SpanRegion StrokeRegion(const std::vector<Point>& points, double width, bool closed) {
   const double half = std::max(width, 1.0) / 2;  // narrower lines could pass between pixel centres
   SpanRegion result;

@@ -34,10 +34,12 @@ int HeadingLevel(std::u32string_view line) {
   return marks >= 1 && marks <= 3 && line[marks] == ' ' ? static_cast<int>(marks) : 0;
 }
 
+// A hyphen, an asterisk or a bullet, then a space.
 bool IsListItem(std::u32string_view line) {
   return line.size() > 2 && (line[0] == '-' || line[0] == '*' || line[0] == U'\u2022') && line[1] == ' ';
 }
 
+// Takes the file line by line; each line is looked at once.
 class Parser {
  public:
   explicit Parser(bool verbatim) : verbatim_(verbatim) {}

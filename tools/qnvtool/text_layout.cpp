@@ -73,6 +73,7 @@ class TextSetter {
     }
   }
 
+  // A bullet in the margin of the indented text.
   void ListItem(const TextBlock& block) {
     Space(lastKind_ == TextBlock::Kind::kListItem ? ParagraphGap() / 3 : ParagraphGap());
     Need(bodyFont_->lineHeight());
@@ -91,6 +92,7 @@ class TextSetter {
     Paragraph(block.text, font, 0, false);
   }
 
+  // A listing line; one that is too long continues on the next line.
   void Verbatim(const TextBlock& block) {
     const std::shared_ptr<Font> font = setup_.fonts->Get(FontRole::kListing, setup_.points * kListingSize);
     const bool goesOn = lastKind_ == TextBlock::Kind::kVerbatim;

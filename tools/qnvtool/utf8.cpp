@@ -8,6 +8,7 @@
 namespace qnv::tool {
 namespace {
 
+// A character and the bytes that it takes.
 struct Decoded {
   char32_t code = 0;
   std::size_t length = 0;  // 0: not well-formed
