@@ -32,7 +32,7 @@ class RleDecoder {
   // fourBit: BI_RLE4. width: pixels of a row.
   RleDecoder(bool fourBit, int32_t width) : fourBit_(fourBit), width_(width) {}
 
-  // Moves the state to the beginning of a later row.
+  // Moves the state forward by `rows` rows.
   void SkipRows(RleState* state, int32_t rows) const {
     fourBit_ ? SkipRowsOf<true>(state, rows) : SkipRowsOf<false>(state, rows);
   }

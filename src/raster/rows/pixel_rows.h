@@ -37,7 +37,7 @@ struct ShuffleGroup {
 // The type of each kernel, named like the kernel and its entry in the table.
 namespace kernel {
 
-// Look palette indices of 8 or 4 bits up. table: 256 or 16 packed colors (for 8-bit bands the gray level in the low
+// Look up palette indices of 8 or 4 bits. table: 256 or 16 packed colors (for 8-bit bands the gray level in the low
 // byte). odd: the first pixel is the low half of *source.
 using ExpandBytesRow24 = void(uint8_t* dst, const uint8_t* source, std::size_t pixels, const uint32_t* table);
 using ExpandBytesRow8 = ExpandBytesRow24;

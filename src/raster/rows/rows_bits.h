@@ -24,8 +24,7 @@ inline uint8_t EightBits(const uint8_t* bits, std::size_t offset) {
 // Bit `at` of a row.
 inline bool OneBit(const uint8_t* bits, std::size_t at) { return (bits[at / 8] >> (7 - at % 8) & 1) != 0; }
 
-// Eight pixels, or the mask of eight pixels, in registers: 24 bytes in one and a half vectors, or 8 bytes in half a
-// one.
+// Eight 24-bit pixels, or the mask of eight pixels, in registers: 24 bytes in a vector and a half.
 struct Eight24 {
   static constexpr std::size_t kBytes = 24;
   static constexpr std::size_t kBytesPerPixel = 3;
