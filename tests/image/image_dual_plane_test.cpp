@@ -8,52 +8,43 @@
 namespace qnv::test {
 namespace {
 
-// White, black, color and nearly white pixels; painted at column 1 of a 6 x 2 band, each row twice.
-constexpr const char* kImage = "deab";
+constexpr DeviceOptions kDualOptions{.width = 7, .height = 2, .tagPlane = true, .fill = 0xFF};
 
-DeviceOptions DualOptions() { return {.width = 6, .height = 2, .tagPlane = true}; }
-DeviceOptions PlainOptions() { return {.width = 6, .height = 2}; }
+// Colors, white and black, from column 1 on, the row twice.
+constexpr ImagePlace kPlace{1, 0, 5, 2, 0, 0, 5, 1};
+Dib FiveColors() { return LetterDib({5, 1}, {}); }
 
-constexpr ImagePlace kPlace{1, 0, 4, 2, 0, 0, 4, 1};
+const PictureInks kImageTag = {{'3', Gray(QNV_TAG_IMAGE)}};
 
-PlaneImage FilledTags(const TestDevice& device, uint32_t tag) {
-  PlaneImage tags = UntouchedTags(device);
-  tags.FillBytes(static_cast<uint8_t>(tag));
-  return tags;
+// The tag plane is all graphics, as a clear leaves it, but for the picture's '3'.
+testing::AssertionResult ImageTagsAre(const TestDevice& device, std::string_view picture) {
+  PlaneImage tags = TagImage(device);
+  tags.FillBytes(QNV_TAG_GRAPHICS);
+  return TagsShow(device, Drawn(tags, kImageTag, picture));
 }
 
 // All 256 indices from a plane of graphics and from a plane of image tags, with three brushes.
 TEST(ImageDualPlane, EveryIndex) {
-  const std::string image = kImage;
-  const Dib dib = PictureDib(4, kImage, {});
+  const Dib dib = FiveColors();
   for (uint32_t brushColor : {0xFFFFFFu, 0x000000u, 0x3050A0u}) {
-    for (bool startWithImage : {false, true}) {
+    for (bool mixed : {false, true}) {
       for (uint32_t index = 0; index < 256; ++index) {
-        TestDevice device(DualOptions());
-        TestDevice plain(PlainOptions());
+        SCOPED_TRACE(testing::Message() << "index " << std::hex << index << ", brush " << brushColor
+                                        << (mixed ? ", from mixed tags" : ", from a cleared plane"));
+        TestDevice device(kDualOptions);
+        TestDevice plain({.width = 7, .height = 2, .fill = 0xFF});
         device.Clear();
-        plain.Clear();
-        if (startWithImage) {
-          MixTags(&device);
-          device.band().Fill(0xFF);
-        }
+        if (mixed) MixTags(&device);
         const PhysicalBrush brush = SolidBrush(device.handle(), brushColor);
         const ImageSetup setup{.rop = index << 16, .brush = &brush};
-        PlaneImage expected = TagImage(device);
-        for (uint32_t row = 0; row < 2; ++row) {
-          for (uint32_t x = 0; x < 4; ++x) {
-            const uint32_t source = ImageColors()[static_cast<std::size_t>(image[x] - 'a')];
-            const uint32_t before = expected.Color(x + 1, row) & 0xFF;
-            expected.SetColor(x + 1, row, Gray(ImageTagAfter(TagRuleOf(index), source, brushColor, before)));
-          }
-        }
-        EXPECT_EQ(1u, Stretch(device, dib, kPlace, setup)) << std::hex << index;
-        EXPECT_EQ(1u, Stretch(plain, dib, kPlace, setup)) << std::hex << index;
-        EXPECT_TRUE(SameImage(expected, TagImage(device)))
-            << "tags, index " << std::hex << index << ", brush " << brushColor
-            << (startWithImage ? ", from image tags" : ", from a cleared plane");
-        EXPECT_TRUE(SameImage(BandImage(plain), BandImage(device))) << "color, index " << std::hex << index;
-        EXPECT_TRUE(device.FencesIntact());
+        const PlaneImage expected = Changed(
+            device, TagImage(device), ".abcde", "00", [&](uint32_t source, uint32_t before, uint32_t, uint32_t) {
+              return Gray(ImageTagAfter(TagRuleOf(index), source, brushColor, before & 0xFF));
+            });
+        EXPECT_EQ(1u, Stretch(device, dib, kPlace, setup));
+        EXPECT_EQ(1u, Stretch(plain, dib, kPlace, setup));
+        EXPECT_TRUE(TagsShow(device, expected));
+        EXPECT_TRUE(BandShows(device, BandImage(plain)));
       }
     }
   }
@@ -64,64 +55,39 @@ TEST(ImageDualPlane, CopyTagsTheClippedRectangle) {
   DualPlaneDevice device({.width = 9, .height = 4, .left = 10, .top = 20});
   device.Clear();
   device.SetOrigin(10, 19);
-  const Dib dib = PictureDib(4, kFourByThree, {.bitCount = 8});
+  const Dib dib = PictureDib(4, "abcdefghijkl", {.bitCount = 8});
   EXPECT_EQ(1u, Stretch(device, dib, {1, 0, 7, 3, 1, 0, 7, 3}, {.clip = {-5, 1, 6, 9}}));
-  PlaneImage tags = FilledTags(device, QNV_TAG_GRAPHICS);
-  for (uint32_t row = 0; row < 2; ++row) {
-    for (uint32_t column = 1; column < 6; ++column) tags.SetColor(column, row, Gray(QNV_TAG_IMAGE));
-  }
-  EXPECT_TRUE(SameImage(tags, TagImage(device)));
+  EXPECT_TRUE(ImageTagsAre(device, ".33333... .33333..."));
   PlaneImage colors = UntouchedBand(device);
   colors.FillBytes(0xFF);
-  EXPECT_TRUE(PlaneIs(BandImage(device), colors, ImageInks(device),
-                      ".fgh....."
-                      ".jkl....."));
-  EXPECT_TRUE(device.FencesIntact());
+  EXPECT_TRUE(PlaneIs(BandImage(device), colors, ImageInks(device), ".fgh..... .jkl....."));
 }
 
 TEST(ImageDualPlane, RepeatedRowsAndDepths) {
   for (uint16_t depth : {uint16_t{4}, uint16_t{8}, uint16_t{16}, uint16_t{24}, uint16_t{32}}) {
-    for (uint32_t rop : {SRCCOPY, 0x00CC0000u, NOTSRCCOPY}) {
+    for (uint32_t rop : {SRCCOPY, kCopyByTransfer, NOTSRCCOPY}) {
       DualPlaneDevice device({.width = 9, .height = 5});
       TestDevice plain({.width = 9, .height = 5});
       device.Clear();
       plain.Clear();
-      const Dib dib = PictureDib(4, kFourByThree, {.bitCount = depth});
+      const Dib dib = LetterDib({4, 3}, {.bitCount = depth});
       EXPECT_EQ(1u, Stretch(device, dib, {-1, 1, 8, 9, 0, 0, 4, 3}, {.rop = rop}));
       EXPECT_EQ(1u, Stretch(plain, dib, {-1, 1, 8, 9, 0, 0, 4, 3}, {.rop = rop}));
-      PlaneImage tags = FilledTags(device, QNV_TAG_GRAPHICS);
-      for (uint32_t row = 1; row < 5; ++row) {
-        for (uint32_t column = 0; column < 7; ++column) tags.SetColor(column, row, Gray(QNV_TAG_IMAGE));
-      }
-      EXPECT_TRUE(SameImage(tags, TagImage(device))) << depth << " bits, rop " << std::hex << rop;
-      EXPECT_TRUE(SameImage(BandImage(plain), BandImage(device))) << depth << " bits, rop " << std::hex << rop;
+      EXPECT_TRUE(ImageTagsAre(device, "......... 3333333.. 3333333.. 3333333.. 3333333.."))
+          << depth << " bits, rop " << std::hex << rop;
+      EXPECT_TRUE(BandShows(device, BandImage(plain))) << depth << " bits, rop " << std::hex << rop;
     }
   }
 }
 
 // The minimum tags what is not white; other extended codes tag the same and paint nothing.
 TEST(ImageDualPlane, ExtendedCodes) {
-  struct Case {
-    const char* name;
-    uint32_t rop;
-    const char* colors;  // 6 x 2
-  };
-  const Case cases[] = {
-      {"minimum", ROP_MINIMUM,
-       "..eab."
-       "..eab."},
-      {"unknown", 0x02000000, "......"},
-  };
-  for (const Case& c : cases) {
-    DualPlaneDevice device({.width = 6, .height = 2, .fill = 0xFF});
+  for (uint32_t rop : {ROP_MINIMUM, 0x02000000u}) {
+    TestDevice device(kDualOptions);
     device.Clear();
-    const Dib dib = PictureDib(4, kImage, {});
-    EXPECT_EQ(1u, Stretch(device, dib, kPlace, {.rop = c.rop})) << c.name;
-    EXPECT_TRUE(BandIs(device, ImageInks(device), c.colors)) << c.name;
-    EXPECT_TRUE(PlaneIs(TagImage(device), FilledTags(device, QNV_TAG_GRAPHICS), {{'3', Gray(QNV_TAG_IMAGE)}},
-                        "..333."
-                        "..333."))
-        << c.name;
+    EXPECT_EQ(1u, Stretch(device, FiveColors(), kPlace, {.rop = rop}));
+    EXPECT_TRUE(BandIs(device, ImageInks(device), rop == ROP_MINIMUM ? ".abcde. .abcde." : "......."));
+    EXPECT_TRUE(ImageTagsAre(device, ".333.3. .333.3."));
   }
 }
 
@@ -130,24 +96,22 @@ TEST(ImageDualPlane, RefusedTransfers) {
   PhysicalBrush brush{};
   brush.style = 4;
   for (uint32_t rop : {PATPAINT, 0x00A00000u, 0x00FA0000u, 0x000A0000u}) {
-    DualPlaneDevice device({.width = 6, .height = 2});
+    SCOPED_TRACE(rop);
+    TestDevice device(kDualOptions);
     device.Clear();
-    const PlaneImage colors = BandImage(device);
-    const Dib dib = PictureDib(4, kImage, {});
     device.SetOrigin(1, 0);
-    EXPECT_EQ(0u, Stretch(device, dib, {0, 0, 4, 2, 0, 0, 4, 1}, {.rop = rop, .brush = &brush})) << std::hex << rop;
-    EXPECT_TRUE(SameImage(FilledTags(device, QNV_TAG_GRAPHICS), TagImage(device))) << std::hex << rop;
-    EXPECT_TRUE(SameImage(colors, BandImage(device))) << std::hex << rop;
+    EXPECT_EQ(0u, Stretch(device, FiveColors(), {0, 0, 5, 2, 0, 0, 5, 1}, {.rop = rop, .brush = &brush}));
+    EXPECT_TRUE(ImageTagsAre(device, "......."));
+    EXPECT_TRUE(BandUntouched(device));
     // The origin is back: the next image lies where it says.
-    EXPECT_EQ(1u, Stretch(device, dib, {0, 0, 4, 1, 0, 0, 4, 1}));
-    EXPECT_TRUE(
-        PlaneIs(TagImage(device), FilledTags(device, QNV_TAG_GRAPHICS), {{'3', Gray(QNV_TAG_IMAGE)}}, ".3333."));
+    EXPECT_EQ(1u, Stretch(device, FiveColors(), {0, 0, 4, 1, 0, 0, 4, 1}));
+    EXPECT_TRUE(ImageTagsAre(device, ".3333.."));
   }
 }
 
 // A device described with one byte a pixel has a color plane of that size, and nothing goes past it.
 TEST(ImageDualPlane, DescribedWithAnotherDepth) {
-  const Dib dib = PictureDib(4, kFourByThree, {});
+  const Dib dib = LetterDib({4, 3}, {});
   for (uint16_t depth : {uint16_t{8}, uint16_t{16}}) {
     for (uint32_t rop : {SRCCOPY, SRCPAINT, NOTSRCCOPY, ROP_MINIMUM}) {
       // By source, only 24-bit rows can be tagged: such transfers are refused here.
@@ -163,19 +127,16 @@ TEST(ImageDualPlane, DescribedWithAnotherDepth) {
 
 // From the first image on graphics are tagged again, until the next clear.
 TEST(ImageDualPlane, GraphicsAfterAnImage) {
-  TestDevice device(DualOptions());
+  TestDevice device(kDualOptions);
   device.Clear();
-  const Dib dib = PictureDib(4, kImage, {});
   const PhysicalPen pen{PS_SOLID, 1, 1, 0x0000FF};
   const DRAWMODE mode = MakeDrawMode();
   const int16_t line[4] = {0, 0, 2, 4};
-  EXPECT_EQ(1u, Stretch(device, dib, kPlace));
+  EXPECT_EQ(1u, Stretch(device, FiveColors(), kPlace));
   EXPECT_EQ(1u, QNVOutput(device.handle(), OS_SCANLINES, 2, line, &pen, nullptr, &mode, &kEverywhere) & 0xFFFF);
-  EXPECT_TRUE(PlaneIs(TagImage(device), FilledTags(device, QNV_TAG_GRAPHICS), {{'3', Gray(QNV_TAG_IMAGE)}},
-                      ".3..3."
-                      ".3333."));
+  EXPECT_TRUE(ImageTagsAre(device, ".3..33. .33333."));
   device.Clear();
-  EXPECT_TRUE(SameImage(FilledTags(device, QNV_TAG_GRAPHICS), TagImage(device)));
+  EXPECT_TRUE(ImageTagsAre(device, "......."));
 }
 
 }  // namespace

@@ -77,35 +77,37 @@ TEST(Palette, NoTableAboveEightBits) {
 
 // ---- 16 and 32 bits a pixel: masks, shifts and how a component fills its byte.
 
+enum class Masks { kGiven, kNone };
+
 struct PixelCase {
   const char* name;
-  uint32_t masks[3];  // red, green, blue; all 0: no masks, the default layout
+  uint32_t masks[3];  // red, green, blue
   uint32_t pixel;
   uint32_t red, green, blue;
 };
 
-Dib OnePixel(uint16_t bitCount, bool withMasks, const uint32_t (&masks)[3], uint32_t pixel, uint32_t headerSize) {
+Dib OnePixel(uint16_t bitCount, Masks given, const PixelCase& c, uint32_t headerSize) {
+  const uint32_t compression = given == Masks::kGiven ? BI_BITFIELDS : BI_RGB;
   std::vector<uint8_t> info =
-      DibInfo(1, 1, {.bitCount = bitCount, .compression = withMasks ? BI_BITFIELDS : BI_RGB, .headerSize = headerSize});
-  if (withMasks) {
+      DibInfo(1, 1, {.bitCount = bitCount, .compression = compression, .headerSize = headerSize});
+  if (given == Masks::kGiven) {
     // The masks lie at byte 40, however long the header says it is.
+    std::vector<uint8_t> masks;
+    for (uint32_t mask : c.masks) Append32(masks, mask);
     info.resize(std::max<std::size_t>(info.size(), 52));
-    std::vector<uint8_t> bytes;
-    for (uint32_t mask : masks) Append32(bytes, mask);
-    std::copy(bytes.begin(), bytes.end(), info.begin() + 40);
+    std::copy(masks.begin(), masks.end(), info.begin() + 40);
   }
   std::vector<uint8_t> bits;
-  AppendDibRow(bits, {pixel}, bitCount);
+  AppendDibRow(bits, {c.pixel}, bitCount);
   return Dib(info, bits);
 }
 
-void RunPixelCases(uint16_t bitCount, bool withMasks, const std::vector<PixelCase>& cases) {
+void RunPixelCases(uint16_t bitCount, Masks given, const std::vector<PixelCase>& cases) {
   for (const PixelCase& c : cases) {
     for (uint32_t headerSize : {40u, 108u, 124u, 12u}) {
       for (uint16_t bandDepth : {uint16_t{24}, uint16_t{8}}) {
         TestDevice device({.bitsPerPixel = bandDepth, .width = 1, .height = 1});
-        const Dib dib = OnePixel(bitCount, withMasks, c.masks, c.pixel, headerSize);
-        EXPECT_EQ(1u, Stretch(device, dib, {0, 0, 1, 1, 0, 0, 1, 1})) << c.name;
+        EXPECT_EQ(1u, Stretch(device, OnePixel(bitCount, given, c, headerSize), {0, 0, 1, 1, 0, 0, 1, 1})) << c.name;
         const uint32_t color = c.blue << 16 | c.green << 8 | c.red;
         EXPECT_TRUE(BandIs(device, {{'x', Physical(device, color)}}, "x"))
             << c.name << ", header of " << headerSize << ", " << bandDepth << "-bit band";
@@ -115,7 +117,7 @@ void RunPixelCases(uint16_t bitCount, bool withMasks, const std::vector<PixelCas
 }
 
 TEST(BitFields, DefaultSixteenBits) {
-  RunPixelCases(16, false,
+  RunPixelCases(16, Masks::kNone,
                 {
                     {"white", {}, 0x7FFF, 255, 255, 255},
                     {"the top bit is not read", {}, 0x8000, 0, 0, 0},
@@ -128,23 +130,18 @@ TEST(BitFields, DefaultSixteenBits) {
                 });
 }
 
-// A 5-bit x becomes 8 x + x / 4.
-TEST(BitFields, EveryFiveBitLevel) {
-  for (uint32_t x = 0; x < 32; ++x) {
-    RunPixelCases(16, false, {{"gray ramp", {}, x << 10 | x << 5 | x, 8 * x + x / 4, 8 * x + x / 4, 8 * x + x / 4}});
-  }
-}
-
-// A 6-bit x becomes 4 x + x / 16.
-TEST(BitFields, EverySixBitLevel) {
+// A 5-bit x becomes 8 x + x / 4, a 6-bit x becomes 4 x + x / 16.
+TEST(BitFields, EveryLevel) {
   for (uint32_t x = 0; x < 64; ++x) {
-    RunPixelCases(16, true, {{"5-6-5", {0xF800, 0x07E0, 0x001F}, x << 5, 0, 4 * x + x / 16, 0}});
+    const uint32_t level = 8 * (x % 32) + x % 32 / 4;
+    RunPixelCases(16, Masks::kNone, {{"5-5-5", {}, x % 32 << 10 | x % 32 << 5 | x % 32, level, level, level}});
+    RunPixelCases(16, Masks::kGiven, {{"5-6-5", {0xF800, 0x07E0, 0x001F}, x << 5, 0, 4 * x + x / 16, 0}});
   }
 }
 
 TEST(BitFields, SixteenBitMasks) {
   RunPixelCases(
-      16, true,
+      16, Masks::kGiven,
       {
           {"5-6-5 white", {0xF800, 0x07E0, 0x001F}, 0xFFFF, 255, 255, 255},
           {"5-6-5 red", {0xF800, 0x07E0, 0x001F}, 0xF800, 255, 0, 0},
@@ -167,67 +164,44 @@ TEST(BitFields, SixteenBitMasks) {
 // 32-bit pixels have one layout; masks are not looked at, and the top byte never.
 TEST(BitFields, ThirtyTwoBits) {
   const std::vector<PixelCase> cases = {
-      {"components", {0, 0, 0}, 0x80102030, 0x10, 0x20, 0x30},
-      {"white", {0, 0, 0}, 0x00FFFFFF, 255, 255, 255},
-      {"top byte alone", {0, 0, 0}, 0xFF000000, 0, 0, 0},
+      {"components", {}, 0x80102030, 0x10, 0x20, 0x30},
+      {"white", {}, 0x00FFFFFF, 255, 255, 255},
+      {"top byte alone", {}, 0xFF000000, 0, 0, 0},
       {"with the usual masks", {0xFF0000, 0xFF00, 0xFF}, 0x80102030, 0x10, 0x20, 0x30},
       {"with masks that say otherwise", {0xFF, 0xFF00, 0xFF0000}, 0x80102030, 0x10, 0x20, 0x30},
   };
-  RunPixelCases(32, false, {cases.begin(), cases.begin() + 3});
-  RunPixelCases(32, true, cases);
+  RunPixelCases(32, Masks::kNone, cases);
+  RunPixelCases(32, Masks::kGiven, cases);
 }
 
 // ---- Images on a gray band: weights 30, 59 and 11 of red, green and blue, truncated.
 
-struct GrayCase {
-  const char* name;
-  uint32_t red, green, blue;
-  uint32_t gray;
-};
-
-const GrayCase kGrayCases[] = {
-    {"blue", 0, 0, 255, 28},       {"green", 0, 255, 0, 150},    {"red", 255, 0, 0, 76},
-    {"white", 255, 255, 255, 255}, {"black", 0, 0, 0, 0},        {"truncated, not rounded", 0, 1, 3, 0},
-    {"just below", 3, 0, 0, 0},    {"just reached", 2, 0, 4, 1}, {"yellow", 255, 255, 0, 226},
-    {"magenta", 255, 0, 255, 104}, {"cyan", 0, 255, 255, 178},   {"gray stays", 137, 137, 137, 137},
-};
-
-Dib OnePixel(uint16_t bitCount, const GrayCase& c) {
-  const uint32_t color = c.blue << 16 | c.green << 8 | c.red;
-  const uint32_t pixel = bitCount > 8 ? c.red << 16 | c.green << 8 | c.blue : 1;
-  std::vector<uint32_t> table;
-  if (bitCount <= 8) table = {0x5A5A5A, color};
-  std::vector<uint8_t> bits;
-  AppendDibRow(bits, {pixel}, bitCount);
-  return Dib(DibInfo(1, 1, {.bitCount = bitCount, .colorsUsed = bitCount <= 8 ? 2u : 0u}, table), bits);
-}
-
 TEST(GrayImages, EveryDepth) {
-  for (const GrayCase& c : kGrayCases) {
+  struct Case {
+    const char* name;
+    uint32_t red, green, blue;
+    uint32_t gray;
+  };
+  const Case cases[] = {
+      {"blue", 0, 0, 255, 28},       {"green", 0, 255, 0, 150},    {"red", 255, 0, 0, 76},
+      {"white", 255, 255, 255, 255}, {"black", 0, 0, 0, 0},        {"truncated, not rounded", 0, 1, 3, 0},
+      {"just below", 3, 0, 0, 0},    {"just reached", 2, 0, 4, 1}, {"yellow", 255, 255, 0, 226},
+      {"magenta", 255, 0, 255, 104}, {"cyan", 0, 255, 255, 178},   {"gray stays", 137, 137, 137, 137},
+  };
+  for (const Case& c : cases) {
     for (uint16_t depth : {uint16_t{1}, uint16_t{4}, uint16_t{8}, uint16_t{24}, uint16_t{32}}) {
       for (uint32_t rop : {SRCCOPY, 0x00CC0021u}) {
+        const bool indexed = depth <= 8;
+        std::vector<uint8_t> bits;
+        AppendDibRow(bits, {indexed ? 1 : c.red << 16 | c.green << 8 | c.blue}, depth);
+        std::vector<uint32_t> table;
+        if (indexed) table = {0x5A5A5A, c.blue << 16 | c.green << 8 | c.red};
+        const Dib dib(DibInfo(1, 1, {.bitCount = depth, .colorsUsed = indexed ? 2u : 0u}, table), bits);
         TestDevice device({.bitsPerPixel = 8, .width = 5, .height = 1});
-        EXPECT_EQ(1u, Stretch(device, OnePixel(depth, c), {1, 0, 3, 1, 0, 0, 1, 1}, {.rop = rop})) << c.name;
+        EXPECT_EQ(1u, Stretch(device, dib, {1, 0, 3, 1, 0, 0, 1, 1}, {.rop = rop})) << c.name;
         EXPECT_TRUE(BandIs(device, {{'g', Gray(c.gray)}}, ".ggg.")) << c.name << ", " << depth << " bits";
       }
     }
-  }
-}
-
-// 16 bits: the filled-up components are weighed.
-TEST(GrayImages, SixteenBits) {
-  struct Case {
-    uint32_t pixel;
-    uint32_t gray;
-  };
-  const Case cases[] = {{0x7FFF, 255}, {0x001F, 28}, {0x03E0, 150}, {0x7C00, 76}, {0x4210, 132}, {0x0421, 8}};
-  for (const Case& c : cases) {
-    TestDevice device({.bitsPerPixel = 8, .width = 3, .height = 1});
-    std::vector<uint8_t> bits;
-    AppendDibRow(bits, {c.pixel}, 16);
-    const Dib dib(DibInfo(1, 1, {.bitCount = 16}), bits);
-    EXPECT_EQ(1u, Stretch(device, dib, {0, 0, 2, 1, 0, 0, 1, 1}));
-    EXPECT_TRUE(BandIs(device, {{'g', Gray(c.gray)}}, "gg.")) << std::hex << c.pixel;
   }
 }
 
@@ -248,35 +222,41 @@ const Target kTargets[] = {
 };
 
 constexpr uint16_t kDepths[] = {1, 4, 8, 16, 24, 32};
-const std::string kImage = "abcdefghijklmnopponmlkjihgfedcbaf";  // 33 pixels
 
-enum class Direction { kForward, kMirrored };
+// 33 pixels, irregular also where only the lowest bit of an index counts.
+const std::string kImage = "abbcdheggfkmjlpnnoipdcahbbekgmijl";
+
+struct Part {
+  int32_t from;
+  int32_t count;
+  int32_t scale;
+  bool mirrored;
+};
 
 // Part of the image, each pixel `scale` wide, from column 2 on.
-void RunPart(const Target& target, uint16_t depth, Direction direction, int32_t from, int32_t count, int32_t scale) {
-  const int32_t span = count * scale;
+void RunPart(const Target& target, uint16_t depth, const Part& part) {
+  const int32_t span = part.count * part.scale;
   TestDevice device({.bitsPerPixel = target.bandDepth, .width = static_cast<uint32_t>(span + 5), .height = 1});
   const Dib dib = PictureDib(33, kImage, {.bitCount = depth});
-  const bool mirrored = direction == Direction::kMirrored;
-  EXPECT_EQ(1u, Stretch(device, dib, {mirrored ? 2 + span : 2, 0, mirrored ? -span : span, 1, from, 0, count, 1},
-                        {.rop = target.rop}));
+  const ImagePlace place = {
+      part.mirrored ? 2 + span : 2, 0, part.mirrored ? -span : span, 1, part.from, 0, part.count, 1};
+  EXPECT_EQ(1u, Stretch(device, dib, place, {.rop = target.rop}));
+  std::string pixels = kImage.substr(static_cast<std::size_t>(part.from), static_cast<std::size_t>(part.count));
+  if (part.mirrored) std::reverse(pixels.begin(), pixels.end());
   std::string line = "..";
-  for (int32_t i = 0; i < count; ++i) {
-    const int32_t x = mirrored ? from + count - 1 - i : from + i;
-    line += std::string(static_cast<std::size_t>(scale), kImage[static_cast<std::size_t>(x)]);
-  }
+  for (char pixel : pixels) line.append(static_cast<std::size_t>(part.scale), pixel);
   EXPECT_TRUE(BandIs(device, ImageInks(device, depth), line + "..."))
-      << target.name << ", " << depth << " bits, " << (mirrored ? "mirrored" : "forward") << ", " << count
-      << " pixels from " << from << ", scale " << scale;
+      << target.name << ", " << depth << " bits, " << part.count << " pixels from " << part.from << ", scale "
+      << part.scale << (part.mirrored ? ", mirrored" : "");
 }
 
 TEST(RowConverters, EveryDepthDirectionAndTarget) {
   for (const Target& target : kTargets) {
     for (uint16_t depth : kDepths) {
-      for (Direction direction : {Direction::kForward, Direction::kMirrored}) {
+      for (bool mirrored : {false, true}) {
         for (int32_t from : {0, 1, 2, 3, 5, 7, 8, 9, 15, 16}) {
           for (int32_t count : {1, 2, 7, 8, 9, 16, 17}) {
-            for (int32_t scale : {1, 2, 5}) RunPart(target, depth, direction, from, count, scale);
+            for (int32_t scale : {1, 2, 5}) RunPart(target, depth, {from, count, scale, mirrored});
           }
         }
       }
@@ -284,11 +264,20 @@ TEST(RowConverters, EveryDepthDirectionAndTarget) {
   }
 }
 
+// A row of pixels smaller than a byte starts and ends anywhere in its bytes.
+TEST(RowConverters, PartsOfPackedRows) {
+  for (uint16_t depth : {uint16_t{1}, uint16_t{4}}) {
+    for (int32_t from = 0; from < 24; ++from) {
+      for (int32_t count = 1; from + count <= 24; ++count) RunPart(kTargets[0], depth, {from, count, 1, true});
+    }
+  }
+}
+
 // Gray runs of every length and phase end where they should.
 TEST(RowConverters, RunLengths) {
   for (const Target& target : kTargets) {
-    for (Direction direction : {Direction::kForward, Direction::kMirrored}) {
-      for (int32_t scale = 1; scale <= 19; ++scale) RunPart(target, 8, direction, 4, 3, scale);
+    for (bool mirrored : {false, true}) {
+      for (int32_t scale = 1; scale <= 19; ++scale) RunPart(target, 8, {4, 3, scale, mirrored});
     }
   }
 }
@@ -297,13 +286,12 @@ TEST(RowConverters, RunLengths) {
 TEST(RowConverters, Shrinking) {
   for (const Target& target : kTargets) {
     for (uint16_t depth : kDepths) {
-      const Dib dib = PictureDib(33, kImage, {.bitCount = depth});
-      TestDevice forward({.bitsPerPixel = target.bandDepth, .width = 9, .height = 1});
-      EXPECT_EQ(1u, Stretch(forward, dib, {0, 0, 8, 1, 0, 0, 16, 1}, {.rop = target.rop}));
-      EXPECT_TRUE(BandIs(forward, ImageInks(forward, depth), "acegikmo.")) << target.name << ", " << depth << " bits";
-      TestDevice mirrored({.bitsPerPixel = target.bandDepth, .width = 9, .height = 1});
-      EXPECT_EQ(1u, Stretch(mirrored, dib, {8, 0, -8, 1, 0, 0, 16, 1}, {.rop = target.rop}));
-      EXPECT_TRUE(BandIs(mirrored, ImageInks(mirrored, depth), "pnljhfdb.")) << target.name << ", " << depth << " bits";
+      SCOPED_TRACE(std::string(target.name) + ", " + std::to_string(depth) + " bits");
+      const Dib dib = PictureDib(16, "abbcdheggfkmjlpn", {.bitCount = depth});
+      TestDevice device({.bitsPerPixel = target.bandDepth, .width = 9, .height = 2});
+      EXPECT_EQ(1u, Stretch(device, dib, {0, 0, 8, 1, 0, 0, 16, 1}, {.rop = target.rop}));
+      EXPECT_EQ(1u, Stretch(device, dib, {8, 1, -8, 1, 0, 0, 16, 1}, {.rop = target.rop}));
+      EXPECT_TRUE(BandIs(device, ImageInks(device, depth), "abdegkjp. nlmfghcb."));
     }
   }
 }
