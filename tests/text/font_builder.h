@@ -106,43 +106,66 @@ class FontBuilder {
 };
 
 // The alphabet of most tests: a box, a bar, a slash wider than one glyph column, and a space that breaks lines.
-//   'a' 3 x 4 box   'b' 1 x 4 bar   'c' 10 x 4   'd' 2 x 4 space, the break character
+struct SmallGlyph {
+  char code;
+  int width;
+  std::string_view picture;  // four rows
+};
+
+inline constexpr SmallGlyph kSmallGlyphs[] = {
+    {'a', 3,
+     "###"
+     "#.#"
+     "#.#"
+     "###"},
+    {'b', 1,
+     "#"
+     "#"
+     "."
+     "#"},
+    {'c', 10,
+     "#........#"
+     ".##....##."
+     "...####..."
+     "........##"},
+    {'d', 2,
+     ".."
+     ".."
+     ".."
+     ".."},
+};
+
 inline FontBuilder SmallFont(FontShape shape = {}) {
   shape.height = 4;
   shape.firstChar = 'a';
   shape.lastChar = 'd';
   shape.breakChar = 'd' - 'a';
-  return FontBuilder(shape)
-      .Glyph('a', 3,
-             "###"
-             "#.#"
-             "#.#"
-             "###")
-      .Glyph('b', 1,
-             "#"
-             "#"
-             "."
-             "#")
-      .Glyph('c', 10,
-             "#........#"
-             ".##....##."
-             "...####..."
-             "........##")
-      .Glyph('d', 2,
-             ".."
-             ".."
-             ".."
-             "..");
+  FontBuilder builder(shape);
+  for (const SmallGlyph& glyph : kSmallGlyphs)
+    builder.Glyph(static_cast<uint8_t>(glyph.code), glyph.width, glyph.picture);
+  return builder;
 }
 
 inline constexpr uint32_t kTextColor = 0x00102030;
 inline constexpr uint32_t kBackColor = 0x00A0B0C0;
 
-inline DRAWMODE TextMode(int16_t bkMode = TRANSPARENT) {
+// What a draw mode adds to the advances of a text.
+struct Spacing {
+  int16_t breakExtra = 0;
+  int16_t breakCount = 0;
+  int16_t breakError = 0;
+  int16_t characterExtra = 0;
+};
+
+inline DRAWMODE TextMode(int16_t bkMode = TRANSPARENT, const Spacing& spacing = {}) {
   DRAWMODE mode = MakeDrawMode();
   mode.bkMode = bkMode;
   mode.TextColor = kTextColor;
   mode.bkColor = kBackColor;
+  mode.TBreakExtra = spacing.breakExtra;
+  mode.BreakCount = spacing.breakCount;
+  mode.BreakErr = spacing.breakError;
+  mode.CharacterExtra = spacing.characterExtra;
   return mode;
 }
 
@@ -156,26 +179,26 @@ struct TextSetup {
   uint32_t options = 0;
 };
 
-// One-byte text; the string lies fenced. The count is the string's length unless given.
-inline int32_t DrawTextAt(const TestDevice& device, int32_t x, int32_t y, std::string_view text, const Font& font,
-                          DRAWMODE& mode, const TextSetup& setup = {}) {
-  const FencedInput string(std::vector<uint8_t>(text.begin(), text.end()));
+// The call. The string lies fenced.
+inline int32_t ShowText(const TestDevice& device, int32_t x, int32_t y, const std::vector<uint8_t>& bytes,
+                        int32_t count, const Font& font, DRAWMODE& mode, const TextSetup& setup) {
+  const FencedInput string(bytes);
   const int32_t result =
-      QNVDevExtTextOut(device.handle(), x, y, setup.clip, string.data(), static_cast<int32_t>(text.size()), font.base(),
-                       font.offset(), &mode, nullptr, setup.charWidths, setup.opaqueRect, setup.options);
+      QNVDevExtTextOut(device.handle(), x, y, setup.clip, string.data(), count, font.base(), font.offset(), &mode,
+                       nullptr, setup.charWidths, setup.opaqueRect, setup.options);
   EXPECT_TRUE(string.Unchanged() && font.Unchanged()) << "input was written";
   return result;
 }
 
-// The same, measuring.
+// One-byte text, and the same measured.
+inline int32_t DrawTextAt(const TestDevice& device, int32_t x, int32_t y, std::string_view text, const Font& font,
+                          DRAWMODE& mode, const TextSetup& setup = {}) {
+  return ShowText(device, x, y, {text.begin(), text.end()}, static_cast<int32_t>(text.size()), font, mode, setup);
+}
+
 inline int32_t MeasureText(const TestDevice& device, std::string_view text, const Font& font, DRAWMODE& mode,
                            const TextSetup& setup = {}) {
-  const FencedInput string(std::vector<uint8_t>(text.begin(), text.end()));
-  const int32_t result =
-      QNVDevExtTextOut(device.handle(), 0, 0, setup.clip, string.data(), -static_cast<int32_t>(text.size()),
-                       font.base(), font.offset(), &mode, nullptr, setup.charWidths, setup.opaqueRect, setup.options);
-  EXPECT_TRUE(string.Unchanged() && font.Unchanged()) << "input was written";
-  return result;
+  return ShowText(device, 0, 0, {text.begin(), text.end()}, -static_cast<int32_t>(text.size()), font, mode, setup);
 }
 
 // Two-byte text; `count` may be negative to measure.
@@ -186,12 +209,7 @@ inline int32_t TwoByteText(const TestDevice& device, int32_t x, int32_t y, const
     bytes.push_back(static_cast<uint8_t>(code));
     bytes.push_back(static_cast<uint8_t>(code >> 8));
   }
-  const FencedInput string(bytes);
-  const int32_t result =
-      QNVDevExtTextOut(device.handle(), x, y, setup.clip, string.data(), count, font.base(), font.offset(), &mode,
-                       nullptr, setup.charWidths, setup.opaqueRect, setup.options);
-  EXPECT_TRUE(string.Unchanged() && font.Unchanged()) << "input was written";
-  return result;
+  return ShowText(device, x, y, bytes, count, font, mode, setup);
 }
 
 // The value of a measuring call.

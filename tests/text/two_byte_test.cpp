@@ -1,10 +1,14 @@
 // Two-byte fonts: the code is the table index, widths come from the table, nothing is spread.
 #include <gtest/gtest.h>
 
-#include "text/font_builder.h"
+#include "text/text_cells.h"
 
 namespace qnv::test {
 namespace {
+
+constexpr const char* kGlyph300 =
+    "#.......#"
+    ".#######.";
 
 // Indices 0, 5 and 300; the record's first and last character must not matter.
 FontBuilder WideFont(FontShape shape = {}) {
@@ -20,9 +24,7 @@ FontBuilder WideFont(FontShape shape = {}) {
       .Glyph(5, 3,
              "#.#"
              ".#.")
-      .Glyph(300, 9,
-             "#.......#"
-             ".#######.");
+      .Glyph(300, 9, kGlyph300);
 }
 
 TEST(TwoByteText, CodesAreIndices) {
@@ -48,16 +50,14 @@ TEST(TwoByteText, CodesAreIndices) {
   }
 }
 
-// Neither justification nor CharacterExtra has a part.
+// Neither justification nor CharacterExtra has a part. Text that cannot be seen gives the same results.
 TEST(TwoByteText, NothingIsSpread) {
   const Font font = WideFont().Build();
   TestDevice device({.width = 16, .height = 2});
-  DRAWMODE mode = TextMode();
-  mode.CharacterExtra = 7;
-  mode.TBreakExtra = 9;
-  mode.BreakCount = 1;
-  mode.BreakErr = 1;
+  DRAWMODE mode = TextMode(TRANSPARENT, {9, 1, 1, 7});
   const DRAWMODE before = mode;
+  EXPECT_EQ(7, TwoByteText(device, 0, 2, {5, 5, 0}, 3, font, mode));
+  EXPECT_TRUE(BandUntouched(device));
   EXPECT_EQ(7, TwoByteText(device, 0, 0, {5, 5, 0}, 3, font, mode));
   EXPECT_TRUE(BandIs(device, TextInks(),
                      "T.TT.TT........."
@@ -68,11 +68,7 @@ TEST(TwoByteText, NothingIsSpread) {
 TEST(TwoByteText, MeasuringClearsTheError) {
   const Font font = WideFont().Build();
   TestDevice device({.width = 16, .height = 2});
-  DRAWMODE mode = TextMode(OPAQUE);
-  mode.CharacterExtra = 7;
-  mode.TBreakExtra = 9;
-  mode.BreakCount = 1;
-  mode.BreakErr = 55;
+  DRAWMODE mode = TextMode(OPAQUE, {9, 1, 55, 7});
   DRAWMODE expected = mode;
   expected.BreakErr = 0;
   EXPECT_EQ(Extent(2, 13), TwoByteText(device, 0, 0, {5, 300, 0}, -3, font, mode));
@@ -83,42 +79,26 @@ TEST(TwoByteText, MeasuringClearsTheError) {
   EXPECT_TRUE(BandUntouched(device));
 }
 
-struct LeftCase {
-  const char* name;
-  int32_t x;
-  std::vector<uint16_t> codes;
-  std::vector<int16_t> widths;  // empty: none given
-  const char* picture;          // 20 x 2, the band's first column is -12
-};
-
 // The leftward test looks at the first of the given widths, and at 0 when there are none, not at the glyph's own.
 TEST(TwoByteText, LeftwardTest) {
-  const LeftCase cases[] = {
-      {"without widths: column -1 is left", -1, {5}, {}, "...................."},
-      {"without widths: column 0 is not",
-       0,
-       {5},
-       {},
-       "............T.T....."
-       ".............T......"},
-      {"a large first width paints far left",
-       -10,
-       {5},
-       {10},
-       "..T.T..............."
-       "...T................"},
-      {"one less does not", -10, {5}, {9}, "...................."},
-      {"the first width serves every character", -9, {5, 5}, {4, 30}, "...................."},
-      {"a small first width drops what the glyph still shows", -1, {300}, {0}, "...................."},
-      {"the first width large, the others small",
-       -9,
-       {5, 5, 5},
-       {9, 0, 0},
-       "...T.T......T.T....."
-       "....T........T......"},
+  struct Case {
+    const char* name;
+    int32_t x;
+    std::vector<uint16_t> codes;
+    std::vector<int16_t> widths;  // empty: none given
+    const char* picture;          // 20 x 2, the band's first column is -12
+  };
+  const Case cases[] = {
+      {"without widths: column -1 is left", -1, {5}, {}, ""},
+      {"without widths: column 0 is not", 0, {5}, {}, "............T.T..... .............T......"},
+      {"a large first width paints far left", -10, {5}, {10}, "..T.T............... ...T................"},
+      {"one less does not", -10, {5}, {9}, ""},
+      {"the first width serves every character", -9, {5, 5}, {4, 30}, ""},
+      {"a small first width drops what the glyph still shows", -1, {300}, {0}, ""},
+      {"a large first width and small ones", -9, {5, 5, 5}, {9, 0, 0}, "...T.T......T.T..... ....T........T......"},
   };
   const Font font = WideFont().Build();
-  for (const LeftCase& c : cases) {
+  for (const Case& c : cases) {
     TestDevice device({.width = 20, .height = 2, .left = -12});
     DRAWMODE mode = TextMode();
     TwoByteText(device, c.x, 0, c.codes, static_cast<int32_t>(c.codes.size()), font, mode,
@@ -133,6 +113,7 @@ TEST(TwoByteText, WithWidths) {
   TestDevice device({.width = 16, .height = 2});
   DRAWMODE mode = TextMode();
   const int16_t widths[3] = {4, 10, 99};
+  EXPECT_EQ(1 + 4 + 10, TwoByteText(device, 1, 2, {5, 300, 0}, 3, font, mode, {.charWidths = widths})) << "unseen";
   EXPECT_EQ(1 + 4 + 10, TwoByteText(device, 1, 0, {5, 300, 0}, 3, font, mode, {.charWidths = widths}));
   EXPECT_TRUE(BandIs(device, TextInks(),
                      ".T.T.T.......T.T"
@@ -142,19 +123,14 @@ TEST(TwoByteText, WithWidths) {
 
 TEST(TwoByteText, CutAtEveryColumn) {
   const Font font = WideFont().Build();
-  const char* const rows[2] = {"#.......#", ".#######."};
   for (int left = 0; left <= 9; ++left) {
     TestDevice device({.bitsPerPixel = 8, .width = 9, .height = 2});
     DRAWMODE mode = TextMode(OPAQUE);
     const BandRect clip{left, 0, 9, 2};
-    PlaneImage expected = UntouchedBand(device);
-    for (uint32_t row = 0; row < 2; ++row) {
-      for (uint32_t column = static_cast<uint32_t>(left); column < 9; ++column) {
-        expected.SetColor(column, row, rows[row][column] == '#' ? kTextColor : kBackColor);
-      }
-    }
     TwoByteText(device, 0, 0, {300}, 1, font, mode, {.clip = &clip});
-    EXPECT_TRUE(SameImage(expected, BandImage(device))) << left;
+    PlaneImage expected = UntouchedBand(device);
+    PutCell(&expected, kGlyph300, 9, 0, 0, clip);
+    EXPECT_TRUE(BandShows(device, expected)) << left;
   }
 }
 
