@@ -3,6 +3,7 @@
 // row the image's row, '0' the top one. '.' is a column or row that stays untouched, and so is what is left out.
 #pragma once
 
+#include <algorithm>
 #include <string>
 #include <string_view>
 #include <vector>

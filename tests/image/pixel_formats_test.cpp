@@ -296,6 +296,25 @@ TEST(RowConverters, Shrinking) {
   }
 }
 
+// Rows are converted in pieces; a long one has several, one to one as well as shrunk and mirrored.
+TEST(RowConverters, LongRows) {
+  std::string image;
+  while (image.size() < 600) image += kImage;
+  image.resize(600);
+  std::string everySecondBackwards(601, '.');
+  for (std::size_t i = 0; i < 300; ++i) everySecondBackwards[i] = image[599 - 2 * i];
+  for (const Target& target : kTargets) {
+    for (uint16_t depth : kDepths) {
+      SCOPED_TRACE(std::string(target.name) + ", " + std::to_string(depth) + " bits");
+      const Dib dib = PictureDib(600, image, {.bitCount = depth});
+      TestDevice device({.bitsPerPixel = target.bandDepth, .width = 601, .height = 2});
+      EXPECT_EQ(1u, Stretch(device, dib, {0, 0, 600, 1, 0, 0, 600, 1}, {.rop = target.rop}));
+      EXPECT_EQ(1u, Stretch(device, dib, {300, 1, -300, 1, 0, 0, 600, 1}, {.rop = target.rop}));
+      EXPECT_TRUE(BandIs(device, ImageInks(device, depth), image + "." + everySecondBackwards));
+    }
+  }
+}
+
 // The bytes themselves: a pixel stored as blue 1, green 2, red 3 is 1, 2, 3 in the band, straight or through a
 // transfer.
 TEST(RowConverters, ByteOrder) {

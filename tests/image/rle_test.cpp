@@ -103,6 +103,7 @@ TEST(Rle, CodesOfBoth) {
             {"an empty delta", "2b +0,0 3c !", "aaaaa aaaaa bbccc"},
             {"a run stops at the row's end", "255b / 5c !", "aaaaa ccccc bbbbb"},
             {"a full row does not end by itself", "5b 5c 5d / 5e !", "aaaaa eeeee bbbbb"},
+            {"nothing is read behind the last pixel", "5b / 5c / 5d", "ddddd ccccc bbbbb"},
             {"a delta ends a full row", "5b +0,1 / 5d !", "ddddd aaaaa bbbbb"},
         });
   }
