@@ -296,21 +296,25 @@ TEST(RowConverters, Shrinking) {
   }
 }
 
-// Rows are converted in pieces; a long one has several, one to one as well as shrunk and mirrored.
+// Rows are converted in pieces; a long one has several: as it is, and thinned to pixels near each other and far apart.
 TEST(RowConverters, LongRows) {
   std::string image;
-  while (image.size() < 600) image += kImage;
-  image.resize(600);
-  std::string everySecondBackwards(601, '.');
-  for (std::size_t i = 0; i < 300; ++i) everySecondBackwards[i] = image[599 - 2 * i];
+  while (image.size() < 2700) image += kImage;
+  image.resize(2700);
+  std::string everySecondBackwards, everyNinth;
+  for (std::size_t i = 0; i < 300; ++i) {
+    everySecondBackwards += image[599 - 2 * i];
+    everyNinth += image[9 * i + 4];
+  }
   for (const Target& target : kTargets) {
     for (uint16_t depth : kDepths) {
       SCOPED_TRACE(std::string(target.name) + ", " + std::to_string(depth) + " bits");
-      const Dib dib = PictureDib(600, image, {.bitCount = depth});
-      TestDevice device({.bitsPerPixel = target.bandDepth, .width = 601, .height = 2});
-      EXPECT_EQ(1u, Stretch(device, dib, {0, 0, 600, 1, 0, 0, 600, 1}, {.rop = target.rop}));
+      const Dib dib = PictureDib(2700, image, {.bitCount = depth});
+      TestDevice device({.bitsPerPixel = target.bandDepth, .width = 300, .height = 3});
+      EXPECT_EQ(1u, Stretch(device, dib, {0, 0, 300, 1, 0, 0, 300, 1}, {.rop = target.rop}));
       EXPECT_EQ(1u, Stretch(device, dib, {300, 1, -300, 1, 0, 0, 600, 1}, {.rop = target.rop}));
-      EXPECT_TRUE(BandIs(device, ImageInks(device, depth), image + "." + everySecondBackwards));
+      EXPECT_EQ(1u, Stretch(device, dib, {0, 2, 300, 1, 0, 0, 2700, 1}, {.rop = target.rop}));
+      EXPECT_TRUE(BandIs(device, ImageInks(device, depth), image.substr(0, 300) + everySecondBackwards + everyNinth));
     }
   }
 }

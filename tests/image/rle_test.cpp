@@ -117,6 +117,10 @@ TEST(Rle, CodesOfBytes) {
                   {"an overlong literal, even part", "3b (cdaafe) !", "aaaaa eeeee bbbcd"},
                   {"an overlong literal, odd part: to the next even byte", "4b (cjaadf) !", "aaaaa fffaa bbbbc"},
                   {"a literal in a full row is all codes", "5b (aacg) !", "aaaaa ggaaa bbbbb"},
+                  {"an overlong literal behind a delta, in a row that is stepped over",
+                   "1b +3,1 (cdaafe) !",
+                   "eeeee",
+                   {0, 0, 5, 1, 0, 2, 5, 1}},
               });
 }
 

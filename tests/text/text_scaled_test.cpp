@@ -42,7 +42,9 @@ const ScaledCase kScaledCases[] = {
     {"clip outside the mapped band", 720, 360, 'c', 0, 0, "", "", {26, 0, 100, 100}},
     {"the clip is met with the mapped band", 720, 360, 'c', 20, 0, "..........024", "023"},
     {"origin in caller pixels", 720, 360, 'a', 1, 1, "..02", ".023", kEverywhere, {0, 0}, {3, 1}},
-    {"band further down the page", 720, 360, 'a', 20, 40, "..02", "23", kEverywhere, {8, 21}},
+    {"band further down the page", 720, 360, 'c', 20, 40, "..02468", "23", kEverywhere, {8, 21}},
+    // The band's top, row 4, is row 2 of the page; that row lands above it.
+    {"three fifths, a row just above the band", 300, 500, 'c', -2, 0, "2.3.45.6.78.9", ".3", kEverywhere, {0, 4}},
     {"left of the page is passed over", 720, 360, 'a', -4, 0, "", "", kEverywhere, {-6, 0}},
 };
 
