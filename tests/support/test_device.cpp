@@ -46,13 +46,22 @@ void TestDevice::Clear() { QNVControl(handle_, QNV_CLEAR_BAND, nullptr, nullptr)
 
 bool TestDevice::FencesIntact() const { return band_->FencesIntact() && (!tags_ || tags_->FencesIntact()); }
 
-DRAWMODE MakeDrawMode() {
+DRAWMODE MakeDrawMode(const DrawModeOptions& options) {
   DRAWMODE mode;
   std::memset(&mode, 0, sizeof mode);
-  mode.Rop2 = R2_COPYPEN;
-  mode.bkMode = OPAQUE;
-  mode.bkColor = 0x00FFFFFF;
+  mode.Rop2 = static_cast<int16_t>(options.rop2);
+  mode.bkMode = static_cast<int16_t>(options.bkMode);
+  mode.bkColor = options.background;
+  mode.TextColor = options.text;
   return mode;
+}
+
+PhysicalBrush BrushRecord(int style, uint32_t color, int scale) {
+  PhysicalBrush brush{};
+  brush.style = static_cast<uint16_t>(style);
+  brush.hatchScale[0] = brush.hatchScale[1] = static_cast<uint8_t>(scale);
+  brush.colour = color;
+  return brush;
 }
 
 namespace {

@@ -69,8 +69,17 @@ struct DualPlaneDevice : TestDevice {
   explicit DualPlaneDevice(DeviceOptions options) : TestDevice((options.tagPlane = true, options)) {}
 };
 
-// A draw mode with black text on white, copy pen, opaque background; the tests change what they need.
-DRAWMODE MakeDrawMode();
+// Black text on white, copy pen, opaque background; the tests change what they need.
+struct DrawModeOptions {
+  int rop2 = R2_COPYPEN;
+  int bkMode = OPAQUE;
+  uint32_t background = 0x00FFFFFF;
+  uint32_t text = 0;
+};
+DRAWMODE MakeDrawMode(const DrawModeOptions& options = {});
+
+// A brush record that no device has realised: any style, any color with its top byte, cells of 0.
+PhysicalBrush BrushRecord(int style, uint32_t color = 0, int scale = 1);
 
 PhysicalBrush SolidBrush(DeviceHandle* handle, uint32_t color);
 PhysicalBrush HatchBrush(DeviceHandle* handle, int16_t hatch, uint32_t color, uint32_t background = 0);

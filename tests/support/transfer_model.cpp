@@ -6,6 +6,13 @@
 namespace qnv::test {
 namespace {
 
+// Cells are repeated at most twice each way, then the 8 x 8 of them begin again.
+uint32_t CellAt(const PhysicalBrush& brush, int32_t column, int32_t row) {
+  const int32_t fx = std::min<int32_t>(brush.hatchScale[0], 2);
+  const int32_t fy = std::min<int32_t>(brush.hatchScale[1], 2);
+  return brush.cells[row / fy % 8 * 8 + column / fx % 8];
+}
+
 // The three operations that take even a solid color from the prepared pattern.
 bool TakesSolidFromPattern(uint32_t rop) {
   const uint32_t upper = rop >> 16;
@@ -57,12 +64,30 @@ PixelBytes BandBytesOf(uint32_t color) {
 uint32_t PatternColor(const PhysicalBrush* brush, const DRAWMODE& drawMode, int32_t column, int32_t row) {
   if (brush == nullptr) return 0;
   if (brush->style == BS_SOLID) return brush->colour;
-  const int32_t fx = std::min<int32_t>(brush->hatchScale[0], 2);
-  const int32_t fy = std::min<int32_t>(brush->hatchScale[1], 2);
-  const uint32_t cell = brush->cells[row / fy % 8 * 8 + column / fx % 8];
+  const uint32_t cell = CellAt(*brush, column, row);
   if (brush->style == BS_HATCHED) return drawMode.bkMode == OPAQUE && cell < 0x1000000 ? drawMode.bkColor : cell;
   if (brush->patternDepth != 1) return cell;
   return (cell & 0xFFFFFF) == 0xFFFFFF ? drawMode.bkColor : drawMode.TextColor;
+}
+
+std::optional<uint32_t> FillColor(const PhysicalBrush& brush, const DRAWMODE& drawMode, int32_t column, int32_t row) {
+  if (brush.style == BS_HATCHED && drawMode.bkMode != OPAQUE && CellAt(brush, column, row) < 0x1000000) return {};
+  return PatternColor(&brush, drawMode, column, row);
+}
+
+void FillExpected(PlaneImage* expected, const BandRect& area, const PhysicalBrush& brush, const DRAWMODE& drawMode,
+                  int32_t phaseX, int32_t phaseY) {
+  for (int32_t row = area.top; row < area.bottom; ++row) {
+    for (int32_t column = area.left; column < area.right; ++column) {
+      const std::optional<uint32_t> color = FillColor(brush, drawMode, column + phaseX, row + phaseY);
+      if (!color) continue;
+      const PixelBytes pen = BandBytesOf(*color);
+      uint8_t* pixel = expected->At(column, row);
+      for (std::size_t i = 0; i < static_cast<std::size_t>(expected->bytesPerPixel()); ++i) {
+        pixel[i] = Rop3Byte(IndexOfRop2(drawMode.Rop2), 0, pen[i], pixel[i]);
+      }
+    }
+  }
 }
 
 void PaintExpected(PlaneImage* expected, const BandRect& area, int32_t srcX, int32_t srcY,

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 
 #include "support/plane_image.h"
 #include "support/source_image.h"
@@ -12,6 +13,9 @@ namespace qnv::test {
 // Bit 4p + 2s + d of the index, for each of the eight bits.
 uint8_t Rop3Byte(uint8_t index, uint8_t pattern, uint8_t source, uint8_t dest);
 
+// The index of a binary operation, whose pen is the ternary operation's source. Codes beyond the sixteen wrap.
+constexpr uint8_t IndexOfRop2(int code) { return static_cast<uint8_t>(((code - 1) & 15) * 0x11); }
+
 bool IndexUsesPattern(uint8_t index);
 bool IndexUsesSource(uint8_t index);
 
@@ -20,6 +24,14 @@ PixelBytes BandBytesOf(uint32_t color);
 
 // The color of the prepared pattern at a cell, red in the low byte. Null brush: black.
 uint32_t PatternColor(const PhysicalBrush* brush, const DRAWMODE& drawMode, int32_t column, int32_t row);
+
+// The same of a figure's fill: none where a hatch that is not opaque has a gap.
+std::optional<uint32_t> FillColor(const PhysicalBrush& brush, const DRAWMODE& drawMode, int32_t column, int32_t row);
+
+// Fills `area` (columns and rows of the plane) of `expected` as spans do: by the mode's binary operation, and without
+// the cells that paint nothing. Cell (phaseX, phaseY) of the pattern belongs to the plane's first pixel.
+void FillExpected(PlaneImage* expected, const BandRect& area, const PhysicalBrush& brush, const DRAWMODE& drawMode,
+                  int32_t phaseX = 0, int32_t phaseY = 0);
 
 struct TransferInputs {
   uint32_t rop = 0;
