@@ -1,10 +1,11 @@
-// Span lists as a host lays them out, and the call that paints them.
+// Span lists as a host lays them out, the call that paints them, and what they have to leave.
 #pragma once
 
 #include <cstdint>
 #include <string>
 #include <vector>
 
+#include "support/device_classes.h"
 #include "support/plane_image.h"
 
 namespace qnv::test {
@@ -49,48 +50,52 @@ inline uint32_t PaintRectangle(const TestDevice& device, int16_t left, int16_t t
   return CallOutput(device, OS_BANDED_SPANS, 1, SpanListBytes({2, top, bottom, left, right, 2}), setup);
 }
 
-struct BandPlace {
-  int32_t left = 0;
-  int32_t top = 0;
-  int32_t originX = 0;
-  int32_t originY = 0;
-};
+inline constexpr uint32_t kPenColor = 0x00204080;
 
-// One list and the picture it leaves on a band of kSpanColumns x kSpanRows; '#' is the pen.
+// The same with a pen of kPenColor that copies.
+inline uint32_t PaintList(const TestDevice& device, uint32_t style, uint32_t count, const std::vector<int16_t>& words,
+                          const std::vector<int>& deltas = {}, const BandRect& clip = kEverywhere) {
+  const PhysicalPen pen = SolidPen(device.handle(), kPenColor);
+  const DRAWMODE mode = MakeDrawMode();
+  return CallOutput(device, style, count, SpanListBytes(words, deltas), {.pen = &pen, .drawMode = &mode, .clip = clip});
+}
+
+// Nothing but these rectangles of columns and rows has the pen's color.
+inline testing::AssertionResult PenPainted(const TestDevice& device, const std::vector<BandRect>& painted) {
+  PlaneImage expected = UntouchedBand(device);
+  for (const BandRect& rect : painted) {
+    for (int32_t row = rect.top; row < rect.bottom; ++row) {
+      for (int32_t column = rect.left; column < rect.right; ++column) {
+        expected.SetColor(column, row, Physical(device, kPenColor));
+      }
+    }
+  }
+  return BandShows(device, expected);
+}
+
+// 13 columns leave padding behind the rows of both depths.
+inline constexpr DeviceOptions kSpanBand{.width = 13, .height = 6};
+
+// One list and what it paints on kSpanBand.
 struct SpanCase {
   const char* name = "";
   uint32_t count = 0;
   std::vector<int16_t> words{};
-  std::vector<int> deltas{};
-  const char* picture = "";
+  std::vector<BandRect> painted{};  // columns and rows
   BandRect clip = kEverywhere;
   BandPlace place{};
+  std::vector<int> deltas{};
 };
-
-// 13 columns leave padding behind the rows of both depths.
-inline constexpr uint32_t kSpanColumns = 13;
-inline constexpr uint32_t kSpanRows = 6;
-inline constexpr const char* kEmptySpanPicture = ".............";
-
-inline constexpr uint32_t kPenColor = 0x00204080;
 
 // Every case under every style given, on both depths.
 inline void RunSpanCases(const std::vector<uint32_t>& styles, const std::vector<SpanCase>& cases) {
-  for (uint16_t depth : {uint16_t{24}, uint16_t{8}}) {
+  for (uint16_t depth : kBandDepths) {
     for (uint32_t style : styles) {
       for (const SpanCase& c : cases) {
         SCOPED_TRACE(std::string(c.name) + ", style " + std::to_string(style) + ", " + std::to_string(depth) + " bits");
-        TestDevice device({.bitsPerPixel = depth,
-                           .width = kSpanColumns,
-                           .height = kSpanRows,
-                           .left = c.place.left,
-                           .top = c.place.top});
-        device.SetOrigin(c.place.originX, c.place.originY);
-        const PhysicalPen pen = SolidPen(device.handle(), kPenColor);
-        const DRAWMODE mode = MakeDrawMode();
-        const OutputSetup setup{.pen = &pen, .drawMode = &mode, .clip = c.clip};
-        EXPECT_EQ(1u, CallOutput(device, style, c.count, SpanListBytes(c.words, c.deltas), setup));
-        EXPECT_TRUE(BandIs(device, {{'#', Physical(device, kPenColor)}}, c.picture));
+        PlacedDevice device(WithDepth(kSpanBand, QNV_KIND_RASTER, depth), c.place);
+        EXPECT_EQ(1u, PaintList(device, style, c.count, c.words, c.deltas, c.clip));
+        EXPECT_TRUE(PenPainted(device, c.painted));
       }
     }
   }

@@ -1,47 +1,48 @@
 // How pen, brush and draw mode become the pattern that transfers and spans paint with. Colors show through pattern
-// copies, the cells that paint nothing through spans: only those honour them.
+// copies, the cells that paint nothing through spans: only those honor them.
 #include <gtest/gtest.h>
 
-#include <array>
-#include <string>
-
-#include "support/plane_image.h"
+#include "output/output_call.h"
 #include "support/random_bytes.h"
-#include "support/transfer_call.h"
-#include "support/transfer_model.h"
+#include "support/transfer_check.h"
 
 namespace qnv::test {
 namespace {
 
-constexpr int32_t kSize = 35;  // more than two periods of 16 cells
+constexpr int32_t kPatternSize = 35;  // more than two periods of 16 cells
+constexpr BandRect kWholePattern{0, 0, kPatternSize, kPatternSize};
+constexpr DeviceOptions kPatternBand{.width = kPatternSize, .height = kPatternSize};
 
-PhysicalBrush CraftedBrush(uint16_t style, uint16_t depth, uint8_t fx, uint8_t fy) {
-  RandomBytes random(style * 7u + depth);
-  PhysicalBrush brush{};
-  brush.style = style;
+PhysicalBrush CraftedBrush(int style, uint16_t depth, uint8_t fx, uint8_t fy) {
+  RandomBytes random(static_cast<uint64_t>(style) * 7u + depth);
+  PhysicalBrush brush = BrushRecord(style, 0x00204060);
   brush.patternDepth = depth;
   brush.hatchScale[0] = fx;
   brush.hatchScale[1] = fy;
-  brush.colour = 0x00204060;
   for (uint32_t& cell : brush.cells) {
     cell = (random.Next() & 0xFFFFFF) | (random.Below(3) == 0 ? 0u : 0xFF000000u);
   }
   return brush;
 }
 
-void PaintPattern(const TestDevice& device, const PhysicalBrush* brush, const DRAWMODE* mode) {
-  EXPECT_EQ(1u, Transfer(device.handle(), {.at = {device.options().left, device.options().top},
-                                           .size = {kSize, kSize},
-                                           .rop = PATCOPY,
-                                           .brush = brush,
-                                           .drawMode = mode}));
+// PATCOPY over the whole band.
+TransferCall PatternCopy(const TestDevice& device, const PhysicalBrush& brush, const DRAWMODE& mode) {
+  return {.at = {device.options().left, device.options().top},
+          .size = {kPatternSize, kPatternSize},
+          .rop = PATCOPY,
+          .brush = &brush,
+          .drawMode = &mode};
 }
 
-// All rows of the band by spans; gives the 16-bit result.
-uint32_t PaintSpans(const TestDevice& device, const PhysicalPen* pen, const PhysicalBrush* brush,
-                    const DRAWMODE* mode) {
-  const int16_t points[] = {2, 0, kSize, 0, kSize, 2};
-  return QNVOutput(device.handle(), OS_BANDED_SPANS, 1, points, pen, brush, mode, &kEverywhere) & 0xFFFF;
+// The whole band by spans.
+testing::AssertionResult SpansPaint(const TestDevice& device, const OutputSetup& setup, const PlaneImage& expected) {
+  const int16_t left = static_cast<int16_t>(device.options().left);
+  const int16_t top = static_cast<int16_t>(device.options().top);
+  const int16_t right = static_cast<int16_t>(left + kPatternSize);
+  const int16_t bottom = static_cast<int16_t>(top + kPatternSize);
+  const uint32_t result = PaintRectangle(device, left, top, right, bottom, setup);
+  if (result != 1) return testing::AssertionFailure() << "result " << result;
+  return BandShows(device, expected);
 }
 
 struct ScaleCase {
@@ -52,9 +53,9 @@ struct ScaleCase {
 TEST(FillPattern, CellsAreReplicated) {
   struct Style {
     const char* name;
-    uint16_t style;
+    int style;
     uint16_t depth;
-    int16_t bkMode;
+    int bkMode;
   };
   constexpr Style kStyles[] = {
       {"hatched, opaque", BS_HATCHED, 0, OPAQUE},     {"hatched, transparent", BS_HATCHED, 0, TRANSPARENT},
@@ -62,26 +63,19 @@ TEST(FillPattern, CellsAreReplicated) {
       {"pattern of one bit", BS_PATTERN, 1, OPAQUE},
   };
   // Above 2 there is no room in the pattern: such factors count as 2.
-  constexpr ScaleCase kScales[] = {{1, 1}, {2, 2}, {2, 1}, {1, 2}, {3, 3}, {92, 1}, {255, 255}};
-  for (uint16_t bits : {uint16_t{24}, uint16_t{8}}) {
+  constexpr ScaleCase kScales[] = {{1, 1}, {2, 2}, {2, 1}, {1, 2}, {3, 3}, {7, 200}, {92, 1}, {255, 255}};
+  for (uint16_t bits : kBandDepths) {
     for (const Style& s : kStyles) {
       for (const ScaleCase& scale : kScales) {
         SCOPED_TRACE(std::string(s.name) + ", " + std::to_string(scale.fx) + " x " + std::to_string(scale.fy) + ", " +
                      std::to_string(bits) + " bits");
-        TestDevice device({.bitsPerPixel = bits, .width = kSize, .height = kSize});
+        TestDevice device(WithDepth(kPatternBand, QNV_KIND_RASTER, bits));
         const PhysicalBrush brush = CraftedBrush(s.style, s.depth, scale.fx, scale.fy);
-        DRAWMODE mode = MakeDrawMode();
-        mode.bkMode = s.bkMode;
-        mode.bkColor = 0x00FEDCBA;
-        mode.TextColor = 0x00123456;
-        PlaneImage expected = BandImage(device);
-        PaintPattern(device, &brush, &mode);
-        for (int32_t row = 0; row < kSize; ++row) {
-          for (int32_t column = 0; column < kSize; ++column) {
-            expected.Set(column, row, BandBytesOf(PatternColor(&brush, mode, column, row)));
-          }
-        }
-        EXPECT_TRUE(BandShows(device, expected));
+        const DRAWMODE mode = MakeDrawMode({.bkMode = s.bkMode, .background = 0x00FEDCBA, .text = 0x00123456});
+        PlaneImage filled = BandImage(device);
+        FillExpected(&filled, kWholePattern, brush, mode);
+        EXPECT_TRUE(SpansPaint(device, {.brush = &brush, .drawMode = &mode}, filled)) << "spans";
+        EXPECT_TRUE(TransferPaints(device, PatternCopy(device, brush, mode), nullptr, kWholePattern)) << "transfer";
       }
     }
   }
@@ -89,58 +83,37 @@ TEST(FillPattern, CellsAreReplicated) {
 
 // A period of 0 has no cell to paint with.
 TEST(FillPattern, FactorOfZeroPaintsNothing) {
-  for (uint16_t style : {uint16_t{BS_HATCHED}, uint16_t{BS_PATTERN}}) {
+  for (int style : {BS_HATCHED, BS_PATTERN}) {
     for (const ScaleCase& scale : {ScaleCase{0, 1}, ScaleCase{1, 0}, ScaleCase{0, 0}, ScaleCase{0, 2}}) {
-      for (uint16_t bits : {uint16_t{24}, uint16_t{8}}) {
+      for (uint16_t bits : kBandDepths) {
         SCOPED_TRACE(std::to_string(style) + ": " + std::to_string(scale.fx) + " x " + std::to_string(scale.fy));
-        TestDevice device({.bitsPerPixel = bits, .width = kSize, .height = kSize});
+        TestDevice device(WithDepth(kPatternBand, QNV_KIND_RASTER, bits));
         const PhysicalBrush brush = CraftedBrush(style, 24, scale.fx, scale.fy);
         const DRAWMODE mode = MakeDrawMode();
-        const SourceImage source(bits == 24 ? kColorSource : kGraySource, kSize, kSize, 3);
-        const PlaneImage before = BandImage(device);
+        const SourceImage source(bits == 24 ? kColorSource : kGraySource, kPatternSize, kPatternSize, 3);
+        TransferCall call = PatternCopy(device, brush, mode);
+        call.source = source.record();
         for (uint32_t rop : {PATCOPY, PATINVERT, MERGECOPY, PATPAINT, 0x00E20746u, 0x00B8074Au, 0x000F0001u}) {
-          EXPECT_EQ(
-              1u,
-              Transfer(
-                  device.handle(),
-                  {.source = source.record(), .size = {kSize, kSize}, .rop = rop, .brush = &brush, .drawMode = &mode}));
-          EXPECT_TRUE(BandShows(device, before)) << rop;
+          call.rop = rop;
+          EXPECT_TRUE(TransferPaintsNothing(device, call)) << rop;
         }
-        EXPECT_EQ(1u, PaintSpans(device, nullptr, &brush, &mode));
-        EXPECT_TRUE(BandShows(device, before));
+        EXPECT_TRUE(SpansPaint(device, {.brush = &brush, .drawMode = &mode}, UntouchedBand(device)));
       }
     }
   }
 }
 
-// A solid brush needs no scale at all.
-TEST(FillPattern, SolidBrushIgnoresItsScale) {
-  TestDevice device({.width = kSize, .height = kSize});
-  PhysicalBrush brush = CraftedBrush(BS_SOLID, 0, 0, 0);
-  brush.colour = 0x00010203;
-  const DRAWMODE mode = MakeDrawMode();
-  PlaneImage expected = BandImage(device);
-  PaintPattern(device, &brush, &mode);
-  expected.Fill({0, 0, kSize, kSize}, {1, 2, 3});
-  EXPECT_TRUE(BandShows(device, expected));
-  device.band().Fill(0);
-  EXPECT_EQ(1u, PaintSpans(device, nullptr, &brush, &mode));
-  for (int32_t column : {0, 17, kSize - 1}) {
-    EXPECT_EQ(0x01, device.Pixel(static_cast<uint32_t>(column), kSize - 1)[0]);
-  }
-}
-
 struct CellCase {
   const char* name;
-  uint16_t style;
+  int style;
   uint16_t depth;
-  int16_t bkMode;
+  int bkMode;
   uint32_t cell;
   bool painted;         // by a span; a transfer paints every cell
   PixelBytes expected;  // of a 24-bit band
 };
 
-// bkColor 0x00A0B0C0, TextColor 0x00102030.
+// bkColor 0x00A0B0C0, TextColor 0x00102030. Of a one-bit pattern exactly 0xFFFFFF is background.
 constexpr CellCase kCells[] = {
     {"hatch line", BS_HATCHED, 0, OPAQUE, 0xFF010203, true, {1, 2, 3}},
     {"hatch line, transparent", BS_HATCHED, 0, TRANSPARENT, 0xFF010203, true, {1, 2, 3}},
@@ -158,6 +131,7 @@ constexpr CellCase kCells[] = {
     {"one bit, white", BS_PATTERN, 1, OPAQUE, 0x00FFFFFF, true, {0xA0, 0xB0, 0xC0}},
     {"one bit, white, transparent", BS_PATTERN, 1, TRANSPARENT, 0x00FFFFFF, true, {0xA0, 0xB0, 0xC0}},
     {"one bit, white with a mark", BS_PATTERN, 1, OPAQUE, 0xFFFFFFFF, true, {0xA0, 0xB0, 0xC0}},
+    {"one bit, white with another top byte", BS_PATTERN, 1, OPAQUE, 0x12FFFFFF, true, {0xA0, 0xB0, 0xC0}},
     {"one bit, nearly white", BS_PATTERN, 1, OPAQUE, 0x00FFFFFE, true, {0x10, 0x20, 0x30}},
     {"one bit, black", BS_PATTERN, 1, OPAQUE, 0xFF000000, true, {0x10, 0x20, 0x30}},
     {"a depth of one means nothing to a hatch", BS_HATCHED, 1, OPAQUE, 0xFFFFFFFF, true, {0xFF, 0xFF, 0xFF}},
@@ -167,121 +141,213 @@ constexpr CellCase kCells[] = {
 TEST(FillPattern, ColorAndMaskOfACell) {
   for (const CellCase& c : kCells) {
     SCOPED_TRACE(c.name);
-    TestDevice device({.width = 8, .height = 8});
+    TestDevice device(kPatternBand);
     PhysicalBrush brush = CraftedBrush(c.style, c.depth, 1, 1);
     for (uint32_t& cell : brush.cells) cell = c.cell;
-    DRAWMODE mode = MakeDrawMode();
-    mode.bkMode = c.bkMode;
-    mode.bkColor = 0x00A0B0C0;
-    mode.TextColor = 0x00102030;
+    const DRAWMODE mode = MakeDrawMode({.bkMode = c.bkMode, .background = 0x00A0B0C0, .text = 0x00102030});
     const PlaneImage before = BandImage(device);
     PlaneImage filled = before;
-    filled.Fill({0, 0, 8, 8}, c.expected);
-    PaintPattern(device, &brush, &mode);
+    filled.Fill(kWholePattern, c.expected);
+    EXPECT_EQ(1u, Transfer(device.handle(), PatternCopy(device, brush, mode)));
     EXPECT_TRUE(BandShows(device, filled)) << "transfer";
     LoadBand(&device, before);
-    EXPECT_EQ(1u, PaintSpans(device, nullptr, &brush, &mode));
-    EXPECT_TRUE(BandShows(device, c.painted ? filled : before)) << "spans";
+    EXPECT_TRUE(SpansPaint(device, {.brush = &brush, .drawMode = &mode}, c.painted ? filled : before)) << "spans";
   }
 }
 
-struct PenCase {
-  const char* name;
-  bool pen;
-  bool brush;
-  PixelBytes expected;
-};
-
-// A brush comes first; the pen is what is left without one, and black without either.
-constexpr PenCase kPens[] = {
-    {"neither", false, false, {0, 0, 0}},
-    {"pen", true, false, {0x10, 0x20, 0x30}},
-    {"brush", false, true, {0x40, 0x50, 0x60}},
-    {"both", true, true, {0x40, 0x50, 0x60}},
-};
-
-TEST(FillPattern, PenOrBrush) {
-  for (uint16_t penStyle : {uint16_t{PS_SOLID}, uint16_t{PS_NULL}, uint16_t{9}}) {
-    for (const PenCase& c : kPens) {
-      SCOPED_TRACE(std::string(c.name) + ", pen style " + std::to_string(penStyle));
-      TestDevice device({.width = kSize, .height = kSize});
-      PlaneImage expected = BandImage(device);
-      const PhysicalPen pen{penStyle, 1, 1, 0x00102030};
-      const PhysicalBrush brush = SolidBrush(device.handle(), 0x00405060);
-      const DRAWMODE mode = MakeDrawMode();
-      EXPECT_EQ(1u, PaintSpans(device, c.pen ? &pen : nullptr, c.brush ? &brush : nullptr, &mode));
-      expected.Fill({0, 0, kSize, kSize}, c.expected);
-      EXPECT_TRUE(BandShows(device, expected));
+// A brush comes first; the pen is what is left without one, and black without either. Only the pen's color is read,
+// and of a solid brush neither scale nor cells.
+TEST(FillPattern, PenBrushOrNeither) {
+  struct Case {
+    const char* name;
+    bool pen;
+    int brushStyle;  // -1: no brush
+    bool painted;
+    uint32_t color;
+  };
+  constexpr Case kCases[] = {
+      {"neither", false, -1, true, 0},
+      {"pen", true, -1, true, 0x102030},
+      {"brush", false, BS_SOLID, true, 0x204060},
+      {"both", true, BS_SOLID, true, 0x204060},
+      {"hollow brush", false, BS_HOLLOW, false, 0},
+      {"hollow brush beside a pen", true, BS_HOLLOW, false, 0},
+      {"unknown brush", false, 4, false, 0},
+      {"unknown brush beside a pen", true, 4, false, 0},
+      {"unknown brush, a high byte alone", true, 0x0100, false, 0},
+      {"unknown brush, all ones", true, 0xFFFF, false, 0},
+  };
+  for (uint16_t bits : kBandDepths) {
+    for (uint16_t penStyle : {uint16_t{PS_SOLID}, uint16_t{PS_NULL}, uint16_t{9}}) {
+      for (const Case& c : kCases) {
+        SCOPED_TRACE(std::string(c.name) + ", pen style " + std::to_string(penStyle));
+        TestDevice device(WithDepth(kPatternBand, QNV_KIND_RASTER, bits));
+        const PhysicalPen pen{penStyle, 0, 0, 0x00102030};
+        const PhysicalBrush brush = CraftedBrush(c.brushStyle, 24, c.painted ? 0 : 1, c.painted ? 0 : 1);
+        const DRAWMODE mode = MakeDrawMode();
+        PlaneImage expected = BandImage(device);
+        if (c.painted) expected.Fill(kWholePattern, BandBytesOf(c.color));
+        const OutputSetup setup{
+            .pen = c.pen ? &pen : nullptr, .brush = c.brushStyle < 0 ? nullptr : &brush, .drawMode = &mode};
+        EXPECT_TRUE(SpansPaint(device, setup, expected));
+        if (!c.painted) {
+          EXPECT_TRUE(TransferPaintsNothing(device, PatternCopy(device, brush, mode)));
+        }
+      }
     }
   }
 }
 
 // Transfers have no pen: without a brush the three operations that never look at it paint with black.
 TEST(FillPattern, NoBrushIsBlackForPreparedPatterns) {
-  for (uint16_t bits : {uint16_t{24}, uint16_t{8}}) {
+  for (uint16_t bits : kBandDepths) {
     for (uint32_t rop : {MERGECOPY, PATPAINT, 0x00E20746u}) {
       SCOPED_TRACE(std::to_string(rop) + ", " + std::to_string(bits) + " bits");
-      TestDevice device({.bitsPerPixel = bits, .width = kSize, .height = 3});
+      TestDevice device(WithDepth(kPatternBand, QNV_KIND_RASTER, bits));
       FillWithNoise(&device.band(), 4);
-      const SourceImage source(bits == 24 ? kColorSource : kGraySource, kSize, 3, 5);
+      const SourceImage source(bits == 24 ? kColorSource : kGraySource, kPatternSize, kPatternSize, 5);
       const DRAWMODE mode = MakeDrawMode();
-      PlaneImage expected = BandImage(device);
-      EXPECT_EQ(1u, Transfer(device.handle(),
-                             {.source = source.record(), .size = {kSize, 3}, .rop = rop, .drawMode = &mode}));
-      PaintExpected(&expected, {0, 0, kSize, 3}, 0, 0, {rop, &source, nullptr, &mode});
-      EXPECT_TRUE(BandShows(device, expected));
+      EXPECT_TRUE(TransferPaints(device, {.size = {kPatternSize, kPatternSize}, .rop = rop, .drawMode = &mode}, &source,
+                                 kWholePattern));
     }
   }
 }
 
-TEST(FillPattern, HollowAndUnknownBrushesPaintNothing) {
-  for (uint16_t style : {uint16_t{1}, uint16_t{4}, uint16_t{0x0100}, uint16_t{0xFFFF}}) {
-    SCOPED_TRACE(style);
-    TestDevice device({.width = kSize, .height = kSize});
-    const PhysicalBrush brush = CraftedBrush(style, 24, 1, 1);
-    const DRAWMODE mode = MakeDrawMode();
-    const PlaneImage before = BandImage(device);
-    PaintPattern(device, &brush, &mode);
-    EXPECT_EQ(1u, PaintSpans(device, nullptr, &brush, &mode));
-    EXPECT_TRUE(BandShows(device, before));
-  }
-}
-
-// Transfers count cells from the band's first pixel, spans by position on the page, below zero too.
+// Transfers count cells from the band's first pixel; spans count from page coordinate 0 wherever band and origin lie,
+// also to the left of it.
 TEST(FillPattern, Alignment) {
   struct Case {
     const char* name;
     int32_t left;
     int32_t top;
-    int32_t phaseX;  // of the band's first pixel, for spans
+    int32_t phaseX;  // of the band's first pixel, for spans with single and with doubled cells
     int32_t phaseY;
   };
   constexpr Case kCases[] = {
-      {"at zero", 0, 0, 0, 0},       {"at a period", 8, 16, 0, 0},     {"inside a period", 3, 13, 3, 5},
-      {"below zero", -3, -13, 5, 3}, {"one below zero", -1, -1, 7, 7}, {"a period below zero", -8, -16, 0, 0},
+      {"at zero", 0, 0, 0, 0},
+      {"at a period", 16, 32, 0, 0},
+      {"inside a period", 3, 13, 3, 13},
+      {"below zero", -3, -13, 13, 3},
+      {"far off", 100, 43, 4, 11},
+      {"one below zero", -1, -1, 15, 15},
+      {"a period below zero", -16, -32, 0, 0},
   };
   for (const Case& c : kCases) {
-    SCOPED_TRACE(c.name);
-    TestDevice device({.width = kSize, .height = kSize, .left = c.left, .top = c.top});
-    const PhysicalBrush brush = CraftedBrush(BS_PATTERN, 24, 1, 1);
-    const DRAWMODE mode = MakeDrawMode();
-    const auto filled = [&](int32_t phaseX, int32_t phaseY) {
-      PlaneImage expected = BandImage(device);
-      for (int32_t row = 0; row < kSize; ++row) {
-        for (int32_t column = 0; column < kSize; ++column) {
-          expected.Set(column, row, BandBytesOf(PatternColor(&brush, mode, column + phaseX, row + phaseY)));
-        }
+    for (uint8_t factor : {uint8_t{1}, uint8_t{2}}) {
+      for (int style : {BS_PATTERN, BS_HATCHED}) {
+        SCOPED_TRACE(std::string(c.name) + ", factor " + std::to_string(factor) + ", style " + std::to_string(style));
+        TestDevice device({.width = kPatternSize, .height = kPatternSize, .left = c.left, .top = c.top});
+        const PhysicalBrush brush = CraftedBrush(style, 24, factor, factor);
+        const DRAWMODE mode = MakeDrawMode({.bkMode = TRANSPARENT});
+        PlaneImage filled = BandImage(device);
+        FillExpected(&filled, kWholePattern, brush, mode, c.phaseX, c.phaseY);
+        EXPECT_TRUE(SpansPaint(device, {.brush = &brush, .drawMode = &mode}, filled)) << "spans";
+        device.SetOrigin(3, -6);
+        EXPECT_EQ(1u, PaintRectangle(device, -1000, -1000, 1000, 1000, {.brush = &brush, .drawMode = &mode}));
+        EXPECT_TRUE(BandShows(device, filled)) << "spans with an origin";
+        device.SetOrigin(0, 0);
+        EXPECT_TRUE(TransferPaints(device, PatternCopy(device, brush, mode), nullptr, kWholePattern)) << "transfer";
       }
-      return expected;
-    };
-    PaintPattern(device, &brush, &mode);
-    EXPECT_TRUE(BandShows(device, filled(0, 0))) << "transfer";
-    const int16_t left = static_cast<int16_t>(c.left);
-    const int16_t top = static_cast<int16_t>(c.top);
-    const int16_t points[] = {2, top, static_cast<int16_t>(top + kSize), left, static_cast<int16_t>(left + kSize), 2};
-    EXPECT_EQ(1u,
-              QNVOutput(device.handle(), OS_BANDED_SPANS, 1, points, nullptr, &brush, &mode, &kEverywhere) & 0xFFFF);
-    EXPECT_TRUE(BandShows(device, filled(c.phaseX, c.phaseY))) << "spans";
+    }
+  }
+}
+
+// From the logical brush to the band, on the page's first pixels. The cross of diagonals has one pixel in its last row.
+TEST(FillPattern, HatchesByHand) {
+  struct Case {
+    const char* name;
+    uint16_t kind;
+    uint16_t resolution;
+    const char* picture;  // 18 x 9
+  };
+  constexpr const char* kSingle =
+      "#.....#.#.....#.#."
+      ".#...#...#...#...#"
+      "..#.#.....#.#....."
+      "...#.......#......"
+      "..#.#.....#.#....."
+      ".#...#...#...#...#"
+      "#.....#.#.....#.#."
+      ".......#.......#.."
+      "#.....#.#.....#.#.";
+  constexpr const char* kDoubled =
+      "##..........##..##"
+      "##..........##..##"
+      "..##......##......"
+      "..##......##......"
+      "....##..##........"
+      "....##..##........"
+      "......##.........."
+      "......##.........."
+      "....##..##........";
+  constexpr Case kCases[] = {
+      {"360 dots", QNV_KIND_RASTER, 360, kSingle},
+      {"719 dots", QNV_KIND_RASTER, 719, kSingle},
+      {"720 dots", QNV_KIND_RASTER, 720, kDoubled},
+      {"5760 dots: 9 counts as 2", QNV_KIND_RASTER, 5760, kDoubled},
+      {"scaled devices never double", QNV_KIND_SCALED, 720, kSingle},
+  };
+  for (const Case& c : kCases) {
+    for (int bkMode : {TRANSPARENT, OPAQUE}) {
+      SCOPED_TRACE(std::string(c.name) + ", mode " + std::to_string(bkMode));
+      TestDevice device({.kind = c.kind,
+                         .width = 18,
+                         .height = 9,
+                         .resolutionA = c.resolution,
+                         .resolutionB = c.resolution,
+                         .fill = static_cast<uint8_t>(bkMode == OPAQUE ? 0xCC : 0x77)});
+      const PhysicalBrush brush = HatchBrush(device.handle(), HS_DIAGCROSS, 0x0000FF, 0x123456);
+      const DRAWMODE mode = MakeDrawMode({.bkMode = bkMode, .background = 0x00777777});
+      EXPECT_EQ(1u, PaintRectangle(device, 0, 0, 18, 9, {.brush = &brush, .drawMode = &mode}));
+      PlaneImage gaps = UntouchedBand(device);
+      gaps.Fill({0, 0, 18, 9}, {0x77, 0x77, 0x77});
+      EXPECT_TRUE(PlaneIs(BandImage(device), gaps, {{'#', 0x0000FF}}, c.picture));
+    }
+  }
+}
+
+// From the bitmap to the band. A cell takes its three bytes lowest first, so byte 0 lands last in the band.
+TEST(FillPattern, BitmapsByHand) {
+  struct Case {
+    const char* name;
+    uint8_t bitsPixel;
+    uint16_t widthBytes;
+    std::vector<uint8_t> rows[2];
+    PictureInks inks;
+    const char* picture;  // 10 x 2
+  };
+  const PictureInks oneBitInks = {{'t', 0x0A0B0C}, {'b', 0x0D0E0F}};
+  const Case cases[] = {
+      {"24 bits",
+       24,
+       26,
+       {{1, 2, 3, 4, 5, 6}, {7, 8, 9}},
+       {{'a', 0x030201}, {'b', 0x060504}, {'c', 0x090807}, {'k', 0}},
+       "abkkkkkkab ckkkkkkkck"},
+      {"8 bits",
+       8,
+       8,
+       {{10, 20, 30}, {40}},
+       {{'a', Gray(10)}, {'b', Gray(20)}, {'c', Gray(30)}, {'d', Gray(40)}, {'k', 0}},
+       "abckkkkkab dkkkkkkkdk"},
+      {"1 bit: set takes the background", 1, 2, {{0xA1}, {0x7F}}, oneBitInks, "btbttttbbt tbbbbbbbtb"},
+      {"4 bits are read as one", 4, 4, {{0xA1}, {0x7F}}, oneBitInks, "btbttttbbt tbbbbbbbtb"},
+  };
+  for (const Case& c : cases) {
+    for (uint16_t depth : kBandDepths) {
+      for (int bkMode : {TRANSPARENT, OPAQUE}) {
+        SCOPED_TRACE(std::string(c.name) + ", " + std::to_string(depth) + " bits, mode " + std::to_string(bkMode));
+        TestDevice device({.bitsPerPixel = depth, .width = 10, .height = 2});
+        std::vector<uint8_t> bytes(8u * c.widthBytes, 0);
+        std::copy(c.rows[0].begin(), c.rows[0].end(), bytes.begin());
+        std::copy(c.rows[1].begin(), c.rows[1].end(), bytes.begin() + c.widthBytes);
+        const SourceBitmap bitmap{0, 8, 8, c.widthBytes, 1, c.bitsPixel, bytes.data()};
+        const PhysicalBrush brush = PatternBrush(device.handle(), bitmap);
+        const DRAWMODE mode = MakeDrawMode({.bkMode = bkMode, .background = 0x0D0E0F, .text = 0x0A0B0C});
+        EXPECT_EQ(1u, PaintRectangle(device, 0, 0, 10, 2, {.brush = &brush, .drawMode = &mode}));
+        EXPECT_TRUE(BandIs(device, c.inks, c.picture));
+      }
+    }
   }
 }
 
