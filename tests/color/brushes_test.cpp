@@ -7,30 +7,14 @@
 #include <string>
 #include <vector>
 
-#include "support/fenced_buffer.h"
+#include "support/device_classes.h"
+#include "support/plane_image.h"
 #include "support/random_bytes.h"
-#include "support/test_device.h"
 
 namespace qnv::test {
 namespace {
 
 constexpr uint8_t kStale = 0xEE;
-
-struct DeviceCase {
-  const char* name;
-  DeviceOptions options;
-  bool gray;
-};
-
-const DeviceCase kDevices[] = {
-    {"plain 24 bits", {.bitsPerPixel = 24}, false},
-    {"plain 8 bits", {.bitsPerPixel = 8}, true},
-    {"scaled", {.kind = QNV_KIND_SCALED, .bitsPerPixel = 24}, false},
-    {"scaled, 8 bits", {.kind = QNV_KIND_SCALED, .bitsPerPixel = 8}, false},
-    {"scaled gray mode", {.kind = QNV_KIND_SCALED, .bitsPerPixel = 0}, true},
-    {"dual-plane", {.bitsPerPixel = 24, .tagPlane = true}, false},
-    {"dual-plane, 8 bits", {.bitsPerPixel = 8, .tagPlane = true}, true},
-};
 
 // Realises into a record that is filled with kStale and ends where its memory ends.
 struct Realised {
@@ -78,14 +62,14 @@ TEST(Brushes, StylesAndResults) {
       {"solid", BS_SOLID, 0x8002}, {"hollow", BS_HOLLOW, 0x8000}, {"4", 4, 0}, {"5", 5, 0},
       {"0x0100", 0x0100, 0},       {"0xFFFF", 0xFFFF, 0},
   };
-  for (const DeviceCase& d : kDevices) {
-    const TestDevice device(d.options);
+  for (const DeviceOptions& options : AllDescriptions()) {
+    const TestDevice device(options);
     for (const Case& c : kStyles) {
-      SCOPED_TRACE(std::string(d.name) + ", style " + c.name);
+      SCOPED_TRACE(Describe(options) + ", style " + c.name);
       const Realised realised = Realise(device, {c.style, 0x000000FF, -2, 0x00ABCDEF});
       EXPECT_EQ(c.result, realised.result);
       // Even of an unknown style the twelve bytes of the header are there.
-      ExpectHeader(realised.brush, c.style, 0xFFFE, 0, d.gray ? 0x004C4C4C : 0x000000FF);
+      ExpectHeader(realised.brush, c.style, 0xFFFE, 0, IsGrayDevice(device) ? 0x004C4C4C : 0x000000FF);
       EXPECT_EQ(1, realised.brush.hatchScale[0]);
       EXPECT_EQ(1, realised.brush.hatchScale[1]);
       ExpectCells(realised.brush, StaleCells());
@@ -118,15 +102,15 @@ constexpr HatchCase kHatches[] = {
 };
 
 TEST(Brushes, HatchCells) {
-  for (const DeviceCase& d : kDevices) {
-    const TestDevice device(d.options);
+  for (const DeviceOptions& options : AllDescriptions()) {
+    const TestDevice device(options);
     for (const HatchCase& h : kHatches) {
-      SCOPED_TRACE(std::string(d.name) + ", " + h.name);
+      SCOPED_TRACE(Describe(options) + ", " + h.name);
       // The gaps' color is taken as it is, top byte and all, on gray devices too.
       const uint32_t gap = 0x12AB34CD;
       const Realised realised = Realise(device, {BS_HATCHED, 0x000000FF, h.hatch, gap});
       EXPECT_EQ(0x8000u, realised.result);
-      const uint32_t color = d.gray ? 0x004C4C4Cu : 0x000000FFu;
+      const uint32_t color = IsGrayDevice(device) ? 0x004C4C4Cu : 0x000000FFu;
       ExpectHeader(realised.brush, BS_HATCHED, static_cast<uint16_t>(h.hatch), 0, color);
       std::array<uint32_t, 64> expected;
       for (std::size_t i = 0; i < 64; ++i) {
@@ -155,14 +139,14 @@ TEST(Brushes, HatchScaleFollowsTheResolution) {
   };
   constexpr Case kScales[] = {{0, 1},    {1, 1},    {360, 1},  {719, 1},  {720, 2},   {721, 2},
                               {1439, 2}, {1440, 3}, {2159, 3}, {2160, 4}, {65535, 92}};
-  for (const DeviceCase& d : kDevices) {
+  for (const DeviceOptions& options : AllDescriptions()) {
     for (const Case& c : kScales) {
-      SCOPED_TRACE(std::string(d.name) + ", resolution " + std::to_string(c.resolutionA));
-      const bool scaled = d.options.kind == QNV_KIND_SCALED;
+      SCOPED_TRACE(Describe(options) + ", resolution " + std::to_string(c.resolutionA));
+      const bool scaled = options.kind == QNV_KIND_SCALED;
       if (scaled && c.resolutionA == 0) continue;  // no such device
-      DeviceOptions options = d.options;
-      options.resolutionA = c.resolutionA;
-      const TestDevice device(options);
+      DeviceOptions resolved = options;
+      resolved.resolutionA = c.resolutionA;
+      const TestDevice device(resolved);
       const PhysicalBrush brush = Realise(device, {BS_HATCHED, 0, HS_CROSS, 0}).brush;
       EXPECT_EQ(scaled ? 1 : c.scale, brush.hatchScale[0]);
       EXPECT_EQ(scaled ? 1 : c.scale, brush.hatchScale[1]);
@@ -192,66 +176,45 @@ uint32_t ColorOfAddress(const TestDevice& device, const PatternBitmap& bitmap) {
   return QNVColorInfo(device.handle(), static_cast<uint32_t>(reinterpret_cast<uintptr_t>(&bitmap.record)), nullptr);
 }
 
-TEST(Brushes, ColorPatternCells) {
-  for (const DeviceCase& d : kDevices) {
-    for (uint16_t widthBytes : {uint16_t{24}, uint16_t{96}, uint16_t{25}, uint16_t{40000}}) {
-      SCOPED_TRACE(std::string(d.name) + ", rows " + std::to_string(widthBytes) + " bytes apart");
-      const TestDevice device(d.options);
-      const PatternBitmap bitmap(24, widthBytes, widthBytes);
+// Every depth but 24 and 8 is read as one bit, and its address is no color: a set bit is a white background cell.
+TEST(Brushes, PatternCells) {
+  struct Case {
+    uint8_t bits;
+    uint16_t widthBytes;
+    uint8_t planes;
+  };
+  constexpr Case kCases[] = {{24, 24, 1},   {24, 96, 1}, {24, 25, 1}, {24, 40000, 1}, {8, 8, 1},  {8, 32, 1},
+                             {8, 65535, 1}, {1, 4, 1},   {4, 4, 1},   {16, 4, 1},     {32, 4, 1}, {0, 4, 1},
+                             {1, 4, 3},     {4, 4, 3},   {16, 4, 3},  {32, 4, 3},     {0, 4, 3}};
+  for (const DeviceOptions& options : AllDescriptions()) {
+    for (const Case& c : kCases) {
+      SCOPED_TRACE(Describe(options) + ", " + std::to_string(c.bits) + "-bit rows " + std::to_string(c.widthBytes) +
+                   " bytes apart, planes " + std::to_string(c.planes));
+      const TestDevice device(options);
+      const PatternBitmap bitmap(c.bits, c.widthBytes, c.widthBytes + c.bits, c.planes);
       const Realised realised = Realise(device, bitmap.Logical());
+      const bool oneBit = c.bits != 24 && c.bits != 8;
       EXPECT_EQ(0x8000u, realised.result);
-      ExpectHeader(realised.brush, BS_PATTERN, 3, 24, ColorOfAddress(device, bitmap));
+      ExpectHeader(realised.brush, BS_PATTERN, 3, oneBit ? 1 : c.bits, oneBit ? 0 : ColorOfAddress(device, bitmap));
       std::array<uint32_t, 64> expected;
       for (std::size_t i = 0; i < 64; ++i) {
-        const uint8_t* p = bitmap.Row(i / 8) + i % 8 * 3;
-        expected[i] = 0xFF000000u | static_cast<uint32_t>(p[2]) << 16 | static_cast<uint32_t>(p[1]) << 8 | p[0];
+        const uint8_t* row = bitmap.Row(i / 8);
+        const std::size_t x = i % 8;
+        const uint32_t color = c.bits == 24
+                                   ? uint32_t{row[3 * x + 2]} << 16 | uint32_t{row[3 * x + 1]} << 8 | row[3 * x]
+                                   : row[oneBit ? 0 : x] * 0x010101u;
+        const bool set = (row[0] >> (7 - x) & 1) != 0;
+        expected[i] = !oneBit ? 0xFF000000u | color : set ? 0x00FFFFFFu : 0xFF000000u;
       }
       ExpectCells(realised.brush, expected);
-    }
-  }
-}
-
-TEST(Brushes, GrayPatternCells) {
-  for (const DeviceCase& d : kDevices) {
-    for (uint16_t widthBytes : {uint16_t{8}, uint16_t{32}, uint16_t{65535}}) {
-      SCOPED_TRACE(std::string(d.name) + ", rows " + std::to_string(widthBytes) + " bytes apart");
-      const TestDevice device(d.options);
-      const PatternBitmap bitmap(8, widthBytes, widthBytes);
-      const Realised realised = Realise(device, bitmap.Logical());
-      EXPECT_EQ(0x8000u, realised.result);
-      ExpectHeader(realised.brush, BS_PATTERN, 3, 8, ColorOfAddress(device, bitmap));
-      std::array<uint32_t, 64> expected;
-      for (std::size_t i = 0; i < 64; ++i) expected[i] = 0xFF000000u | bitmap.Row(i / 8)[i % 8] * 0x010101u;
-      ExpectCells(realised.brush, expected);
-    }
-  }
-}
-
-// Every depth but 24 and 8 is read as one bit: a set bit is a white background cell.
-TEST(Brushes, OneBitPatternCells) {
-  for (const DeviceCase& d : kDevices) {
-    for (uint8_t bits : {uint8_t{1}, uint8_t{4}, uint8_t{16}, uint8_t{32}, uint8_t{0}}) {
-      for (uint8_t planes : {uint8_t{1}, uint8_t{3}}) {
-        SCOPED_TRACE(std::string(d.name) + ", " + std::to_string(bits) + " bits");
-        const TestDevice device(d.options);
-        const PatternBitmap bitmap(bits, 4, bits + 77u, planes);
-        const Realised realised = Realise(device, bitmap.Logical());
-        EXPECT_EQ(0x8000u, realised.result);
-        ExpectHeader(realised.brush, BS_PATTERN, 3, 1, 0);
-        std::array<uint32_t, 64> expected;
-        for (std::size_t i = 0; i < 64; ++i) {
-          expected[i] = (bitmap.Row(i / 8)[0] >> (7 - i % 8) & 1) != 0 ? 0x00FFFFFFu : 0xFF000000u;
-        }
-        ExpectCells(realised.brush, expected);
-      }
     }
   }
 }
 
 TEST(Brushes, RecordSizeWhenThereIsNoOutput) {
-  for (const DeviceCase& d : kDevices) {
-    SCOPED_TRACE(d.name);
-    const TestDevice device(d.options);
+  for (const DeviceOptions& options : AllDescriptions()) {
+    SCOPED_TRACE(Describe(options));
+    const TestDevice device(options);
     const LogicalBrush logical{BS_SOLID, 0, 0, 0};
     EXPECT_EQ(268u, QNVRealizeObject(device.handle(), OBJ_BRUSH, &logical, nullptr, nullptr));
     EXPECT_EQ(268u, QNVRealizeObject(device.handle(), OBJ_BRUSH, nullptr, nullptr, nullptr));
@@ -267,9 +230,9 @@ TEST(Brushes, KindCountsOnItsLowHalf) {
 }
 
 TEST(Brushes, NullInputAndNullBitmapAreRefused) {
-  for (const DeviceCase& d : kDevices) {
-    SCOPED_TRACE(d.name);
-    const TestDevice device(d.options);
+  for (const DeviceOptions& options : AllDescriptions()) {
+    SCOPED_TRACE(Describe(options));
+    const TestDevice device(options);
     PhysicalBrush brush;
     std::memset(&brush, kStale, sizeof brush);
     const PhysicalBrush before = brush;
