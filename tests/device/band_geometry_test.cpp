@@ -4,10 +4,10 @@
 #include <climits>
 #include <string>
 
+#include "support/device_classes.h"
 #include "support/host_handle.h"
 #include "support/plane_image.h"
 #include "support/random_bytes.h"
-#include "support/test_device.h"
 #include "support/transfer_call.h"
 
 namespace qnv::test {
@@ -53,7 +53,7 @@ TEST(BandGeometry, Stride) {
 
 // Every width up to 70: white over the whole band reaches every pixel and no byte of padding.
 TEST(BandGeometry, WholeBandAtEveryWidth) {
-  for (uint16_t bits : {uint16_t{24}, uint16_t{8}}) {
+  for (uint16_t bits : kBandDepths) {
     for (uint32_t width = 1; width <= 70; ++width) {
       SCOPED_TRACE(std::to_string(bits) + " bits, width " + std::to_string(width));
       TestDevice device({.bitsPerPixel = bits, .width = width, .height = 3, .left = -5, .top = 9});
@@ -69,40 +69,24 @@ TEST(BandGeometry, WholeBandAtEveryWidth) {
 }
 
 TEST(BandGeometry, EdgesOfABandAnywhereOnThePage) {
-  struct Case {
-    const char* name;
-    int32_t left;
-    int32_t top;
-    int32_t originX;
-    int32_t originY;
-  };
-  constexpr Case kCases[] = {
-      {"at the page's corner", 0, 0, 0, 0}, {"further down", 0, 96, 0, 0},
-      {"inside the page", 31, 77, 0, 0},    {"left of and above the page", -17, -9, 0, 0},
-      {"with an origin", 0, 0, 12, 34},     {"with a negative origin", 31, 77, -40, -80},
-      {"far out", 1000000, 2000000, 0, 0},  {"across zero", -3, -2, 1, 1},
-  };
-  for (uint16_t bits : {uint16_t{24}, uint16_t{8}}) {
-    for (const Case& c : kCases) {
-      SCOPED_TRACE(std::string(c.name) + ", " + std::to_string(bits) + " bits");
-      TestDevice device({.bitsPerPixel = bits, .width = 7, .height = 4, .left = c.left, .top = c.top});
-      device.SetOrigin(c.originX, c.originY);
+  constexpr BandPlace kPlaces[] = {{0, 0, 0, 0},   {0, 96, 0, 0},      {31, 77, 0, 0},           {-17, -9, 0, 0},
+                                   {0, 0, 12, 34}, {31, 77, -40, -80}, {1000000, 2000000, 0, 0}, {-3, -2, 1, 1}};
+  for (uint16_t bits : kBandDepths) {
+    for (const BandPlace& place : kPlaces) {
+      SCOPED_TRACE("band at " + std::to_string(place.left) + ", " + std::to_string(place.top) + ", origin " +
+                   std::to_string(place.originX) + ", " + std::to_string(place.originY));
+      PlacedDevice device({.bitsPerPixel = bits, .width = 7, .height = 4}, place);
       PlaneImage expected = BandImage(device);
       const DRAWMODE mode = MakeDrawMode();
       const BandRect clip{INT_MIN / 2, INT_MIN / 2, INT_MAX / 2, INT_MAX / 2};
-      const int32_t x = c.left - c.originX;
-      const int32_t y = c.top - c.originY;
-      const auto put = [&](int32_t column, int32_t row, uint32_t color) {
-        EXPECT_EQ(0u, QNVPixel(device.handle(), x + column, y + row, color, &mode, &clip));
-      };
-      put(0, 0, 0x010101);
-      put(6, 3, 0x020202);
-      put(-1, 0, 0x999999);
-      put(0, -1, 0x999999);
-      put(7, 3, 0x999999);
-      put(6, 4, 0x999999);
-      expected.Set(0, 0, {1, 1, 1});
-      expected.Set(6, 3, {2, 2, 2});
+      // Around the band, and its first and last pixel.
+      for (const auto& [column, row] : {std::pair{-1, 0}, {0, -1}, {7, 3}, {6, 4}, {0, 0}, {6, 3}}) {
+        const uint8_t value = static_cast<uint8_t>(column + 1);
+        EXPECT_EQ(0u, QNVPixel(device.handle(), place.left - place.originX + column, place.top - place.originY + row,
+                               Gray(value), &mode, &clip));
+        const bool inside = column >= 0 && column < 7 && row >= 0 && row < 4;
+        if (inside) expected.Set(column, row, {value, value, value});
+      }
       EXPECT_TRUE(BandShows(device, expected));
     }
   }
@@ -111,22 +95,15 @@ TEST(BandGeometry, EdgesOfABandAnywhereOnThePage) {
 // Coordinates at the ends of their range: whatever they wrap to, the band's memory is all that can be written.
 TEST(BandGeometry, ExtremeCoordinatesStayInsideTheBand) {
   constexpr int32_t kExtremes[] = {INT_MIN, INT_MIN + 1, INT_MIN / 2, -1, 0, 1, INT_MAX / 2, INT_MAX - 1, INT_MAX};
-  struct Device {
-    const char* name;
-    DeviceOptions options;
-  };
-  const Device kDevices[] = {
-      {"24 bits", {.width = 7, .height = 3}},
-      {"8 bits", {.bitsPerPixel = 8, .width = 7, .height = 3}},
-      {"scaled", {.kind = QNV_KIND_SCALED, .width = 7, .height = 3, .resolutionA = 600, .resolutionB = 400}},
-      {"scaled up", {.kind = QNV_KIND_SCALED, .width = 7, .height = 3, .resolutionA = 300, .resolutionB = 400}},
-      {"dual-plane", {.width = 7, .height = 3, .tagPlane = true}},
-  };
+  std::vector<DeviceOptions> classes = DeviceClasses({.width = 7, .height = 3});
+  for (uint16_t a : {uint16_t{600}, uint16_t{300}}) {
+    classes.push_back({.kind = QNV_KIND_SCALED, .width = 7, .height = 3, .resolutionA = a, .resolutionB = 400});
+  }
   const uint8_t pixels[16] = {};
   const SourceBitmap source{0, 2, 2, 8, 1, 24, pixels};
-  for (const Device& d : kDevices) {
-    SCOPED_TRACE(d.name);
-    TestDevice device(d.options);
+  for (const DeviceOptions& options : classes) {
+    SCOPED_TRACE(Describe(options));
+    TestDevice device(options);
     const DRAWMODE mode = MakeDrawMode();
     const PhysicalBrush brush = SolidBrush(device.handle(), 0);
     for (int32_t origin : kExtremes) {
@@ -137,17 +114,13 @@ TEST(BandGeometry, ExtremeCoordinatesStayInsideTheBand) {
           for (const BandRect* c : {&clip, &kEverywhere}) {
             QNVPixel(device.handle(), a, b, 0, &mode, c);
             QNVPixel(device.handle(), a, b, 0, nullptr, c);
-            EXPECT_EQ(
-                1u, Transfer(
-                        device.handle(),
-                        {.at = {a, b}, .size = {b, a}, .rop = PATCOPY, .brush = &brush, .drawMode = &mode, .clip = c}));
-            EXPECT_EQ(1u, Transfer(device.handle(), {.at = {a, a},
-                                                     .source = &source,
-                                                     .from = {b, origin},
-                                                     .size = {b, b},
-                                                     .rop = SRCCOPY,
-                                                     .drawMode = &mode,
-                                                     .clip = c}));
+            TransferCall call{.at = {a, b}, .size = {b, a}, .rop = PATCOPY, .brush = &brush, .drawMode = &mode};
+            call.clip = c;
+            EXPECT_EQ(1u, Transfer(device.handle(), call));
+            call = {.at = {a, a}, .source = &source, .from = {b, origin}, .size = {b, b}, .rop = SRCCOPY};
+            call.drawMode = &mode;
+            call.clip = c;
+            EXPECT_EQ(1u, Transfer(device.handle(), call));
           }
         }
       }

@@ -1,38 +1,24 @@
 // The escapes of QNVControl on every device class: origin, band rectangle, clear.
 #include <gtest/gtest.h>
 
-#include <cstring>
 #include <string>
-#include <vector>
 
+#include "support/device_classes.h"
 #include "support/host_handle.h"
 #include "support/plane_image.h"
-#include "support/random_bytes.h"
-#include "support/tag_plane.h"
-#include "support/test_device.h"
 
 namespace qnv::test {
 namespace {
 
-struct DeviceClass {
-  const char* name;
-  uint16_t kind;
-  uint16_t bitsPerPixel;
-  bool tagPlane;
-};
-
-constexpr DeviceClass kClasses[] = {
-    {"plain 24 bits", QNV_KIND_RASTER, 24, false}, {"plain 8 bits", QNV_KIND_RASTER, 8, false},
-    {"scaled", QNV_KIND_SCALED, 24, false},        {"scaled gray mode", QNV_KIND_SCALED, 0, false},
-    {"dual-plane", QNV_KIND_RASTER, 24, true},
-};
-
-DeviceOptions OptionsOf(const DeviceClass& c) {
-  return {.kind = c.kind, .bitsPerPixel = c.bitsPerPixel, .width = 9, .height = 5, .tagPlane = c.tagPlane};
-}
+constexpr DeviceOptions kControlBand{.width = 9, .height = 5};
 
 uint32_t Escape(const TestDevice& device, uint32_t code, const void* data) {
   return QNVControl(device.handle(), code, data, nullptr) & 0xFFFF;
+}
+
+void PutPixel(const TestDevice& device, int32_t x, int32_t y, uint8_t value) {
+  const DRAWMODE mode = MakeDrawMode();
+  QNVPixel(device.handle(), x, y, Gray(value), &mode, &kEverywhere);
 }
 
 TEST(Control, ResultsOfEveryCode) {
@@ -57,94 +43,59 @@ TEST(Control, ResultsOfEveryCode) {
       {"all bits", 0xFFFFFFFF, 0},
   };
   const BandRect data{0, 0, 9, 5};  // also a fine origin
-  for (const DeviceClass& c : kClasses) {
+  for (const DeviceOptions& options : DeviceClasses(kControlBand)) {
     for (const Case& k : kCodes) {
-      SCOPED_TRACE(std::string(c.name) + ", " + k.name);
-      TestDevice device(OptionsOf(c));
-      const PlaneImage before = BandImage(device);
+      SCOPED_TRACE(std::string(k.name) + ", " + Describe(options));
+      TestDevice device(options);
       EXPECT_EQ(k.result, Escape(device, k.code, &data));
       if (k.code << 16 != QNV_CLEAR_BAND << 16) {
-        EXPECT_TRUE(BandShows(device, before));
+        EXPECT_TRUE(BandUntouched(device));
       }
     }
   }
 }
 
-TEST(Control, UnknownCodesChangeNothing) {
-  for (const DeviceClass& c : kClasses) {
-    SCOPED_TRACE(c.name);
-    TestDevice device(OptionsOf(c));
-    const BandRect data{3, 2, 12, 7};
-    for (uint32_t code : {0x1FFFu, 0x2003u, 0u, 0x2100u}) EXPECT_EQ(0u, Escape(device, code, &data));
+// An origin replaces the one before it. What is refused, for its code or for null data, leaves origin and band alone.
+TEST(Control, OriginIsTheOneThatWasAcceptedLast) {
+  for (const DeviceOptions& options : DeviceClasses(kControlBand)) {
+    SCOPED_TRACE(Describe(options));
+    TestDevice device(options);
     PlaneImage expected = BandImage(device);
-    const DRAWMODE mode = MakeDrawMode();
-    QNVPixel(device.handle(), 1, 1, 0x040404, &mode, &kEverywhere);
-    expected.Set(1, 1, {4, 4, 4});
-    EXPECT_TRUE(BandShows(device, expected));
-  }
-}
-
-TEST(Control, NullDataIsRefusedAndChangesNothing) {
-  for (const DeviceClass& c : kClasses) {
-    SCOPED_TRACE(c.name);
-    TestDevice device(OptionsOf(c));
-    device.SetOrigin(2, 1);
-    EXPECT_EQ(0u, Escape(device, QNV_SET_ORIGIN, nullptr));
-    EXPECT_EQ(0u, Escape(device, QNV_SET_BAND_RECT, nullptr));
-    PlaneImage expected = BandImage(device);
-    const DRAWMODE mode = MakeDrawMode();
-    QNVPixel(device.handle(), 1, 1, 0x040404, &mode, &kEverywhere);
-    expected.Set(3, 2, {4, 4, 4});
-    EXPECT_TRUE(BandShows(device, expected));
-  }
-}
-
-TEST(Control, OriginIsReplacedNotAdded) {
-  for (const DeviceClass& c : kClasses) {
-    SCOPED_TRACE(c.name);
-    TestDevice device(OptionsOf(c));
+    const auto refuse = [&] {
+      const BandRect data{3, 2, 12, 7};
+      for (uint32_t code : {0x1FFFu, 0x2003u, 0u, 0x2100u}) EXPECT_EQ(0u, Escape(device, code, &data));
+      EXPECT_EQ(0u, Escape(device, QNV_SET_ORIGIN, nullptr));
+      EXPECT_EQ(0u, Escape(device, QNV_SET_BAND_RECT, nullptr));
+    };
+    const auto put = [&](int32_t x, int32_t y, uint8_t value, int32_t column, int32_t row) {
+      PutPixel(device, x, y, value);
+      expected.Set(column, row, {value, value, value});
+      EXPECT_TRUE(BandShows(device, expected));
+    };
+    refuse();
+    put(1, 1, 3, 1, 1);
     device.SetOrigin(5, 4);
     device.SetOrigin(2, 1);
-    PlaneImage expected = BandImage(device);
-    const DRAWMODE mode = MakeDrawMode();
-    QNVPixel(device.handle(), 1, 1, 0x040404, &mode, &kEverywhere);
-    expected.Set(3, 2, {4, 4, 4});
+    refuse();
+    put(1, 1, 4, 3, 2);
     device.SetOrigin(-3, -2);
-    QNVPixel(device.handle(), 4, 2, 0x070707, &mode, &kEverywhere);
-    expected.Set(1, 0, {7, 7, 7});
-    EXPECT_TRUE(BandShows(device, expected));
+    put(4, 2, 7, 1, 0);
   }
 }
 
 TEST(Control, BandRectMovesTheBandAndKeepsTheOrigin) {
-  for (const DeviceClass& c : kClasses) {
-    SCOPED_TRACE(c.name);
-    TestDevice device(OptionsOf(c));
+  for (const DeviceOptions& options : DeviceClasses(kControlBand)) {
+    SCOPED_TRACE(Describe(options));
+    TestDevice device(options);
     device.SetOrigin(1, 2);
     device.MoveBand(100, 50);
     PlaneImage expected = BandImage(device);
-    const DRAWMODE mode = MakeDrawMode();
-    QNVPixel(device.handle(), 100, 50, 0x040404, &mode, &kEverywhere);
+    PutPixel(device, 100, 50, 4);
     expected.Set(1, 2, {4, 4, 4});
-    QNVPixel(device.handle(), 1, 1, 0x070707, &mode, &kEverywhere);  // where the band was
+    PutPixel(device, 1, 1, 7);  // where the band was
     device.MoveBand(-4, -3);
-    QNVPixel(device.handle(), -5, -5, 0x050505, &mode, &kEverywhere);
+    PutPixel(device, -5, -5, 5);
     expected.Set(0, 0, {5, 5, 5});
-    EXPECT_TRUE(BandShows(device, expected));
-  }
-}
-
-// A band may be narrower and lower than its buffer: rows still lie a whole stride apart.
-TEST(Control, BandRectMayBeSmallerThanTheBuffer) {
-  for (const DeviceClass& c : kClasses) {
-    SCOPED_TRACE(c.name);
-    TestDevice device(OptionsOf(c));
-    const BandRect small{20, 30, 24, 33};
-    EXPECT_EQ(1u, Escape(device, QNV_SET_BAND_RECT, &small));
-    PlaneImage expected = BandImage(device);
-    DRAWMODE mode = MakeDrawMode();
-    QNVPolyPixel(device.handle(), 10, 25, 40, 45, 0x040404, &mode, &kEverywhere);
-    expected.Fill({0, 0, 4, 3}, {4, 4, 4});
     EXPECT_TRUE(BandShows(device, expected));
   }
 }

@@ -46,64 +46,73 @@ void DrawTransfer(const TestDevice& device, int32_t x, int32_t y) {
 constexpr DrawingCase kDrawings[] = {
     {"Pixel", DrawPixel}, {"PolyPixel", DrawPolyPixel}, {"Output", DrawSpan}, {"DevBitBlt", DrawTransfer}};
 
+// What every call here has to leave in both planes.
+struct Planes {
+  explicit Planes(const TestDevice& device) : band(BandImage(device)), tags(TagImage(device)) {}
+  void Draws(int32_t column, int32_t row, const PixelBytes& color = {1, 2, 3}) { band.Set(column, row, color); }
+  void Tags(int32_t column, int32_t row, uint8_t tag = QNV_TAG_GRAPHICS) { tags.Set(column, row, {tag}); }
+  testing::AssertionResult AreIn(const TestDevice& device) const {
+    const testing::AssertionResult shown = BandShows(device, band);
+    return shown ? TagsShow(device, tags) : shown;
+  }
+
+  PlaneImage band;
+  PlaneImage tags;
+};
+
+// What a uniform plane really holds is not looked at: it is uniform when it is made and after every clear.
 TEST(DualPlane, UniformPlaneIsNeverWritten) {
-  for (bool cleared : {false, true}) {
+  for (const char* state : {"just made", "after a clear", "mixed, then cleared"}) {
     for (const DrawingCase& c : kDrawings) {
-      SCOPED_TRACE(std::string(c.name) + (cleared ? ", after a clear" : ", just made"));
+      SCOPED_TRACE(std::string(c.name) + ", " + state);
       TestDevice device(kDual);
-      if (cleared) device.Clear();
-      device.tags()->Fill(kOldTag);  // what a uniform plane really holds is not looked at
-      PlaneImage band = BandImage(device);
-      const PlaneImage tags = TagImage(device);
+      if (*state == 'm') MakeTagsMixed(&device, 2);
+      if (*state != 'j') device.Clear();
+      device.tags()->Fill(kOldTag);
+      Planes expected(device);
       c.draw(device, 3, 2);
-      band.Set(3, 2, {1, 2, 3});
-      EXPECT_TRUE(BandShows(device, band));
-      EXPECT_TRUE(TagsShow(device, tags));
+      expected.Draws(3, 2);
+      EXPECT_TRUE(expected.AreIn(device));
     }
   }
 }
 
+// Once an image has been painted every drawing tags; both planes move together.
 TEST(DualPlane, AfterAnImageEveryDrawingTags) {
   for (const DrawingCase& c : kDrawings) {
     SCOPED_TRACE(c.name);
     TestDevice device(kDual);
     MakeTagsMixed(&device, 1);
-    PlaneImage band = BandImage(device);
-    PlaneImage tags = TagImage(device);
+    Planes expected(device);
     c.draw(device, 8, 4);
-    band.Set(8, 4, {1, 2, 3});
-    tags.Set(8, 4, {1, 0, 0});
-    EXPECT_TRUE(BandShows(device, band));
-    EXPECT_TRUE(TagsShow(device, tags));
+    expected.Draws(8, 4);
+    expected.Tags(8, 4);
+    device.MoveBand(100, 50);
+    device.SetOrigin(90, 40);
+    c.draw(device, 12, 13);  // (102, 53) on the page
+    expected.Draws(2, 3);
+    expected.Tags(2, 3);
+    c.draw(device, 9, 10);   // left of the band
+    c.draw(device, 10, 9);   // above it
+    c.draw(device, 19, 10);  // right of it
+    c.draw(device, 10, 15);  // below it
+    EXPECT_TRUE(expected.AreIn(device));
   }
 }
 
 TEST(DualPlane, ImagesTagWithThree) {
   TestDevice device(kDual);
   device.Clear();
-  PlaneImage band = BandImage(device);
-  PlaneImage tags = TagImage(device);
+  Planes expected(device);
   EXPECT_EQ(1u, PaintOnePixelImage(device.handle(), 4, 1));
-  band.Set(4, 1, {0x10, 0x20, 0x30});
-  tags.Set(4, 1, {3, 0, 0});
-  EXPECT_TRUE(BandShows(device, band));
-  EXPECT_TRUE(TagsShow(device, tags));
+  expected.Draws(4, 1, {0x10, 0x20, 0x30});
+  expected.Tags(4, 1, QNV_TAG_IMAGE);
+  EXPECT_TRUE(expected.AreIn(device));
   // Overpainted by graphics it is no image any more.
   DrawPixel(device, 4, 1);
-  band.Set(4, 1, {1, 2, 3});
-  tags.Set(4, 1, {1, 0, 0});
-  EXPECT_TRUE(BandShows(device, band));
-  EXPECT_TRUE(TagsShow(device, tags));
-}
-
-TEST(DualPlane, ClearMakesThePlaneUniformAgain) {
-  TestDevice device(kDual);
-  MakeTagsMixed(&device, 2);
-  device.Clear();
-  device.tags()->Fill(kOldTag);
-  const PlaneImage tags = TagImage(device);
-  for (const DrawingCase& c : kDrawings) c.draw(device, 3, 2);
-  EXPECT_TRUE(TagsShow(device, tags));
+  expected.Draws(4, 1);
+  expected.Tags(4, 1);
+  EXPECT_TRUE(expected.AreIn(device));
 }
 
 // An image that is clipped away whole paints nothing and leaves the plane as uniform as it was.
@@ -112,30 +121,10 @@ TEST(DualPlane, ClippedImageLeavesThePlaneUniform) {
   device.Clear();
   EXPECT_EQ(0u, PaintOnePixelImage(device.handle(), 9, 5));
   device.tags()->Fill(kOldTag);
-  const PlaneImage tags = TagImage(device);
+  Planes expected(device);
   DrawPixel(device, 3, 2);
-  EXPECT_TRUE(TagsShow(device, tags));
-}
-
-TEST(DualPlane, BothPlanesMoveTogether) {
-  for (const DrawingCase& c : kDrawings) {
-    SCOPED_TRACE(c.name);
-    TestDevice device(kDual);
-    MakeTagsMixed(&device, 3);
-    device.MoveBand(100, 50);
-    device.SetOrigin(90, 40);
-    PlaneImage band = BandImage(device);
-    PlaneImage tags = TagImage(device);
-    c.draw(device, 12, 13);  // (102, 53) on the page
-    band.Set(2, 3, {1, 2, 3});
-    tags.Set(2, 3, {1, 0, 0});
-    c.draw(device, 9, 10);   // left of the band
-    c.draw(device, 10, 9);   // above it
-    c.draw(device, 19, 10);  // right of it
-    c.draw(device, 10, 15);  // below it
-    EXPECT_TRUE(BandShows(device, band));
-    EXPECT_TRUE(TagsShow(device, tags));
-  }
+  expected.Draws(3, 2);
+  EXPECT_TRUE(expected.AreIn(device));
 }
 
 // A description of another depth still makes a dual-plane device. Whatever its rows then mean, they lie inside

@@ -1,6 +1,7 @@
 // The resolution-mapping device: where a page coordinate lands, and which page rows and columns have a place at all.
 #include <gtest/gtest.h>
 
+#include <array>
 #include <string>
 #include <vector>
 
@@ -17,83 +18,52 @@ struct Resolutions {
   uint16_t b;
 };
 
-std::string Describe(const Resolutions& r) { return std::to_string(r.a) + " to " + std::to_string(r.b); }
+std::string NameOf(const Resolutions& r) { return std::to_string(r.a) + " to " + std::to_string(r.b); }
 
 struct RoundedCase {
   Resolutions resolutions;
-  int32_t page;
-  int32_t band;
+  std::vector<std::array<int32_t, 2>> pageToBand;
 };
 
-constexpr RoundedCase kRounded[] = {
-    {{360, 360}, 0, 0},
-    {{360, 360}, 17, 17},
-    {{360, 360}, -9, -9},
-    // Two to one: the exact half goes away from zero.
-    {{720, 360}, 0, 0},
-    {{720, 360}, 1, 1},
-    {{720, 360}, 2, 1},
-    {{720, 360}, 3, 2},
-    {{720, 360}, 18, 9},
-    {{720, 360}, 19, 10},
-    {{720, 360}, 20, 10},
-    {{720, 360}, 21, 11},
-    {{720, 360}, -1, -1},
-    {{720, 360}, -2, -1},
-    {{720, 360}, -3, -2},
-    {{720, 360}, -4, -2},
-    {{2, 1}, 19, 10},
-    {{2, 1}, -1, -1},
-    // Three to two.
-    {{600, 400}, 1, 1},
-    {{600, 400}, 2, 1},
-    {{600, 400}, 3, 2},
-    {{600, 400}, 4, 3},
-    {{600, 400}, 5, 3},
-    {{600, 400}, -1, -1},
-    {{600, 400}, -2, -1},
-    {{600, 400}, -4, -3},
-    {{7, 5}, 1, 1},
-    {{7, 5}, 2, 1},
-    {{7, 5}, 5, 4},
-    {{7, 5}, 6, 4},
-    // Upwards.
-    {{360, 720}, 10, 20},
-    {{360, 720}, -3, -6},
-    {{360, 1440}, 5, 20},
-    {{400, 600}, 1, 2},
-    {{400, 600}, 3, 5},
-    {{400, 600}, -1, -2},
-    {{400, 600}, -3, -5},
+// An exact half goes away from zero.
+const RoundedCase kRounded[] = {
+    {{360, 360}, {{0, 0}, {17, 17}, {-9, -9}}},
+    {{720, 360}, {{0, 0}, {1, 1}, {2, 1}, {3, 2}, {18, 9}, {19, 10}, {20, 10}, {21, 11}}},
+    {{720, 360}, {{-1, -1}, {-2, -1}, {-3, -2}, {-4, -2}}},
+    {{2, 1}, {{19, 10}, {-1, -1}}},
+    {{600, 400}, {{1, 1}, {2, 1}, {3, 2}, {4, 3}, {5, 3}, {-1, -1}, {-2, -1}, {-4, -3}}},
+    {{7, 5}, {{1, 1}, {2, 1}, {5, 4}, {6, 4}}},
+    {{360, 720}, {{10, 20}, {-3, -6}}},
+    {{360, 1440}, {{5, 20}}},
+    {{400, 600}, {{1, 2}, {3, 5}, {-1, -2}, {-3, -5}}},
     // The ends of the 16-bit resolutions.
-    {{65535, 1}, 32767, 0},
-    {{65535, 1}, 32768, 1},
-    {{65535, 65535}, 21, 21},
-    {{1, 20}, 1, 20},
-    {{1, 20}, -1, -20},
+    {{65535, 1}, {{32767, 0}, {32768, 1}}},
+    {{65535, 65535}, {{21, 21}}},
+    {{1, 20}, {{1, 20}, {-1, -20}}},
 };
 
 TEST(ScaledCoordinates, PixelsAreRoundedToTheNearest) {
   const DRAWMODE mode = MakeDrawMode();
   for (const RoundedCase& c : kRounded) {
-    SCOPED_TRACE(Describe(c.resolutions) + ", page " + std::to_string(c.page));
-    ScaledDevice device({.width = 45,
-                         .height = 45,
-                         .resolutionA = c.resolutions.a,
-                         .resolutionB = c.resolutions.b,
-                         .left = -22,
-                         .top = -22});
-    PlaneImage expected = BandImage(device);
-    QNVPixel(device.handle(), c.page, c.page, 0x010203, &mode, &kEverywhere);
-    expected.Set(c.band + 22, c.band + 22, {1, 2, 3});
-    EXPECT_TRUE(BandShows(device, expected));
+    for (const auto& [page, band] : c.pageToBand) {
+      SCOPED_TRACE(NameOf(c.resolutions) + ", page " + std::to_string(page));
+      ScaledDevice device({.width = 45,
+                           .height = 45,
+                           .resolutionA = c.resolutions.a,
+                           .resolutionB = c.resolutions.b,
+                           .left = -22,
+                           .top = -22});
+      PlaneImage expected = BandImage(device);
+      QNVPixel(device.handle(), page, page, 0x010203, &mode, &kEverywhere);
+      expected.Set(band + 22, band + 22, {1, 2, 3});
+      EXPECT_TRUE(BandShows(device, expected));
+    }
   }
 }
 
 // Rows and columns are rounded on their own, after the origin has been added at page resolution.
 TEST(ScaledCoordinates, OriginIsAddedBeforeRounding) {
-  TestDevice device(
-      {.kind = QNV_KIND_SCALED, .width = 20, .height = 20, .resolutionA = 720, .resolutionB = 360, .fill = 0});
+  ScaledDevice device({.width = 20, .height = 20, .resolutionA = 720});
   const DRAWMODE mode = MakeDrawMode();
   device.SetOrigin(1, 2);
   PlaneImage expected = BandImage(device);
@@ -109,31 +79,28 @@ struct KeptCase {
   std::vector<int32_t> band;  // of page 0, 1, 2 ...; -1 where the page row or column has no place
 };
 
-const std::vector<KeptCase>& KeptCases() {
-  static const std::vector<KeptCase> cases = {
-      {{360, 360}, {0, 1, 2, 3, 4, 5, 6, 7}},
-      {{720, 360}, {0, -1, 1, -1, 2, -1, 3, -1, 4, -1}},
-      {{2, 1}, {0, -1, 1, -1, 2, -1, 3, -1}},
-      {{3, 1}, {0, -1, -1, 1, -1, -1, 2, -1, -1, 3}},
-      {{600, 400}, {0, 1, -1, 2, 3, -1, 4, 5, -1, 6}},
-      {{3, 2}, {0, 1, -1, 2, 3, -1, 4, 5, -1, 6}},
-      {{7, 5}, {0, 1, -1, 2, 3, -1, 4, 5, 6, -1, 7, 8, -1, 9}},
-      {{360, 720}, {0, 2, 4, 6, 8}},
-      {{360, 1440}, {0, 4, 8, 12}},
-      {{400, 600}, {0, 2, 3, 5, 6, 8, 9}},
-      {{1, 3}, {0, 3, 6, 9}},
-      {{1, 1}, {0, 1, 2, 3, 4}},
-  };
-  return cases;
-}
+const KeptCase kKept[] = {
+    {{360, 360}, {0, 1, 2, 3, 4, 5, 6, 7}},
+    {{720, 360}, {0, -1, 1, -1, 2, -1, 3, -1, 4, -1}},
+    {{2, 1}, {0, -1, 1, -1, 2, -1, 3, -1}},
+    {{3, 1}, {0, -1, -1, 1, -1, -1, 2, -1, -1, 3}},
+    {{600, 400}, {0, 1, -1, 2, 3, -1, 4, 5, -1, 6}},
+    {{3, 2}, {0, 1, -1, 2, 3, -1, 4, 5, -1, 6}},
+    {{7, 5}, {0, 1, -1, 2, 3, -1, 4, 5, 6, -1, 7, 8, -1, 9}},
+    {{360, 720}, {0, 2, 4, 6, 8}},
+    {{360, 1440}, {0, 4, 8, 12}},
+    {{400, 600}, {0, 2, 3, 5, 6, 8, 9}},
+    {{1, 3}, {0, 3, 6, 9}},
+    {{1, 1}, {0, 1, 2, 3, 4}},
+};
 
 // A transfer of one page pixel paints one band pixel or none.
 TEST(ScaledCoordinates, TransfersKeepOrDropWholeRowsAndColumns) {
-  for (const KeptCase& c : KeptCases()) {
+  for (const KeptCase& c : kKept) {
     const int32_t count = static_cast<int32_t>(c.band.size());
     for (int32_t y = 0; y < count; ++y) {
       for (int32_t x = 0; x < count; ++x) {
-        SCOPED_TRACE(Describe(c.resolutions) + ", page (" + std::to_string(x) + ", " + std::to_string(y) + ")");
+        SCOPED_TRACE(NameOf(c.resolutions) + ", page (" + std::to_string(x) + ", " + std::to_string(y) + ")");
         ScaledDevice device(
             {.width = 16, .height = 16, .resolutionA = c.resolutions.a, .resolutionB = c.resolutions.b});
         PlaneImage expected = BandImage(device);
@@ -167,7 +134,7 @@ TEST(ScaledCoordinates, WholeRowsOverSeveralPeriods) {
                                     {89, 97},   {360, 1440}, {1440, 360}, {100, 99}, {99, 100}, {3, 2}};
   for (const Resolutions& r : kPairs) {
     for (uint32_t width : {1u, 2u, 5u, 34u, 301u}) {
-      SCOPED_TRACE(Describe(r) + ", width " + std::to_string(width));
+      SCOPED_TRACE(NameOf(r) + ", width " + std::to_string(width));
       ScaledDevice device({.width = width, .height = 1, .resolutionA = r.a, .resolutionB = r.b});
       FillWithNoise(&device.band(), width);
       PlaneImage expected = BandImage(device);
@@ -185,24 +152,21 @@ TEST(ScaledCoordinates, WholeRowsOverSeveralPeriods) {
   }
 }
 
-// Eight page columns and rows belong to a band of five at 600 to 400; the last kept one would round to a sixth.
+// Eight page columns and rows belong to a band of five at 600 to 400; the last kept one would round to a sixth. It is
+// dropped, also where the band is smaller than its buffer, which goes on there.
 TEST(ScaledCoordinates, NothingLandsOnePastTheBand) {
-  ScaledDevice device({.width = 5, .height = 5, .resolutionA = 600, .resolutionB = 400});
-  PlaneImage expected = BandImage(device);
-  expected.Fill({0, 0, 5, 5}, {0, 0, 0});
-  EXPECT_EQ(1u, Transfer(device.handle(), {.size = {8, 8}, .rop = BLACKNESS}));
-  EXPECT_TRUE(BandShows(device, expected));
-}
-
-// The rounding has a place for the pixel past the band that is given, but the buffer goes on there: it is dropped.
-TEST(ScaledCoordinates, NothingLandsOnePastASmallerBandRect) {
-  ScaledDevice device({.width = 12, .height = 12, .resolutionA = 600, .resolutionB = 400});
-  const BandRect small{0, 0, 5, 5};
-  QNVControl(device.handle(), QNV_SET_BAND_RECT, &small, nullptr);
-  PlaneImage expected = BandImage(device);
-  expected.Fill({0, 0, 5, 5}, {0, 0, 0});
-  EXPECT_EQ(1u, Transfer(device.handle(), {.size = {100, 100}, .rop = BLACKNESS}));
-  EXPECT_TRUE(BandShows(device, expected));
+  for (uint32_t buffer : {5u, 12u}) {
+    for (int32_t extent : {8, 100}) {
+      SCOPED_TRACE("buffer " + std::to_string(buffer) + ", extent " + std::to_string(extent));
+      ScaledDevice device({.width = buffer, .height = buffer, .resolutionA = 600, .resolutionB = 400});
+      const BandRect band{0, 0, 5, 5};
+      QNVControl(device.handle(), QNV_SET_BAND_RECT, &band, nullptr);
+      PlaneImage expected = BandImage(device);
+      expected.Fill(band, {0, 0, 0});
+      EXPECT_EQ(1u, Transfer(device.handle(), {.size = {extent, extent}, .rop = BLACKNESS}));
+      EXPECT_TRUE(BandShows(device, expected));
+    }
+  }
 }
 
 }  // namespace
