@@ -9,143 +9,97 @@
 #include "support/random_bytes.h"
 #include "support/tag_plane.h"
 #include "support/tag_rules.h"
-#include "support/transfer_call.h"
-#include "support/transfer_model.h"
+#include "support/transfer_check.h"
 
 namespace qnv::test {
 namespace {
 
-constexpr uint32_t kWhite = 0x00FFFFFF;
-constexpr uint32_t kBlack = 0;
-constexpr uint32_t kRed = 0x000000FF;
-constexpr uint32_t kDPa = 0x00A000C9;      // destination and pattern
-constexpr uint32_t kDPo = 0x00FA0089;      // destination or pattern
-constexpr uint32_t kPSDPxax = 0x00B8074A;  // where the source is 1 the destination, elsewhere the pattern
-constexpr uint32_t kDSPDxax = 0x00E20746;  // where the source is 1 the pattern, elsewhere the destination
+constexpr uint32_t kWhitePaper = 0x00FFFFFF;
+constexpr uint32_t kBlackPaper = 0;
+constexpr uint32_t kRedInk = 0x000000FF;
+constexpr uint32_t kAndPattern = 0x00A000C9;  // destination and pattern
+constexpr uint32_t kOrPattern = 0x00FA0089;   // destination or pattern
 
-DRAWMODE Mode() {
-  DRAWMODE mode = MakeDrawMode();
-  mode.TextColor = 0x00C3A50F;
-  mode.bkColor = 0x005A3CF0;
-  return mode;
-}
+DRAWMODE TwoColors() { return MakeDrawMode({.background = 0x005A3CF0, .text = 0x00C3A50F}); }
 
-PhysicalBrush Solid(uint32_t color) {
-  PhysicalBrush brush{};
-  brush.hatchScale[0] = brush.hatchScale[1] = 1;
-  brush.colour = color;
-  return brush;
-}
-
-// One row of pixels: the paper colors, their nearest neighbours, and one that is neither.
-constexpr std::array<uint32_t, 7> kSourceColors = {kWhite,     kBlack,     0x00FFFFFE, 0x007FFFFF,
-                                                   0x00000001, 0x00800000, 0x00402010};
-
-void StoreColors(SourceImage* source) {
-  for (std::size_t i = 0; i < kSourceColors.size(); ++i) {
-    uint8_t* pixel = source->Row(0) + 3 * i;
-    pixel[0] = static_cast<uint8_t>(kSourceColors[i]);
-    pixel[1] = static_cast<uint8_t>(kSourceColors[i] >> 8);
-    pixel[2] = static_cast<uint8_t>(kSourceColors[i] >> 16);
+// Paints `area` in color and marks those of its pixels for which `marks(column, row)` is true.
+template <class Marks>
+void ExpectTransfer(const TestDevice& device, const TransferCall& call, const SourceImage* source, const BandRect& area,
+                    TransferPoint first, const Marks& marks) {
+  PlaneImage tags = TagImage(device);
+  for (int32_t row = area.top; row < area.bottom; ++row) {
+    for (int32_t column = area.left; column < area.right; ++column) {
+      if (marks(column, row)) tags.Set(column, row, {QNV_TAG_GRAPHICS});
+    }
   }
-  source->Seal();
+  EXPECT_TRUE(TransferPaints(device, call, source, area, first));
+  ASSERT_TRUE(TagsShow(device, tags));
 }
+
+// One row of pixels: the paper colors, their nearest neighbors, and one that is neither.
+constexpr std::array<uint32_t, 7> kSourceColors = {kWhitePaper, kBlackPaper, 0x00FFFFFE, 0x007FFFFF,
+                                                   0x00000001,  0x00800000,  0x00402010};
 
 TEST(BitBltDualPlane, EveryIndexWithAColorSourceAndASolidBrush) {
-  const int32_t width = static_cast<int32_t>(kSourceColors.size());
-  SourceImage source(kColorSource, width, 1, 1);
-  StoreColors(&source);
-  for (uint32_t brushColor : {kWhite, kBlack, kRed, 0x00FFFFFEu, 0x01FFFFFFu, 0x01000000u}) {
-    const PhysicalBrush brush = Solid(brushColor);
+  constexpr int32_t kWidth = kSourceColors.size();
+  SourceImage source(kColorSource, kWidth, 1, 1);
+  for (std::size_t i = 0; i < kSourceColors.size(); ++i) {
+    const PixelBytes bytes = BandBytesOf(kSourceColors[i]);  // a source holds them the other way round
+    std::copy(bytes.rbegin(), bytes.rend(), source.Row(0) + 3 * i);
+  }
+  source.Seal();
+  const DRAWMODE mode = TwoColors();
+  for (uint32_t brushColor : {kWhitePaper, kBlackPaper, kRedInk, 0x00FFFFFEu, 0x01FFFFFFu, 0x01000000u}) {
+    const PhysicalBrush brush = BrushRecord(BS_SOLID, brushColor);
     for (uint32_t index = 0; index < 256; ++index) {
       SCOPED_TRACE("index " + std::to_string(index) + ", brush " + std::to_string(brushColor));
       DualPlaneDevice device({.width = 13, .height = 3});
       MakeTagsMixed(&device, index);
-      const DRAWMODE mode = Mode();
-      PlaneImage band = BandImage(device);
-      PlaneImage tags = TagImage(device);
-      EXPECT_EQ(1u, Transfer(device.handle(), {.at = {4, 1},
-                                               .source = source.record(),
-                                               .size = {width, 1},
-                                               .rop = index << 16,
-                                               .brush = &brush,
-                                               .drawMode = &mode}));
-      PaintExpected(&band, {4, 1, 4 + width, 2}, 0, 0, {index << 16, &source, &brush, &mode});
-      for (int32_t x = 0; x < width; ++x) {
-        if (TransferMarks(index, kSourceColors[static_cast<std::size_t>(x)], brushColor)) {
-          tags.Set(4 + x, 1, {1, 0, 0});
-        }
-      }
-      EXPECT_TRUE(BandShows(device, band));
-      ASSERT_TRUE(TagsShow(device, tags));
+      const TransferCall call{
+          .at = {4, 1}, .size = {kWidth, 1}, .rop = index << 16, .brush = &brush, .drawMode = &mode};
+      ExpectTransfer(device, call, &source, {4, 1, 4 + kWidth, 2}, {}, [&](int32_t column, int32_t) {
+        return TransferMarks(index, kSourceColors[static_cast<std::size_t>(column - 4)], brushColor);
+      });
+      if (HasFatalFailure()) return;
     }
   }
-  EXPECT_TRUE(source.Unchanged());
 }
 
 // The class is that of bits 16..23 alone.
 TEST(BitBltDualPlane, UpperByteOfTheCodeDoesNotCount) {
   DualPlaneDevice device({.width = 8, .height = 1});
-  MakeTagsMixed(&device, 2);
-  const DRAWMODE mode = Mode();
-  const PhysicalBrush brush = Solid(kRed);
-  const PlaneImage tags = TagImage(device);
+  MixTags(&device);
+  const DRAWMODE mode = TwoColors();
+  const PhysicalBrush brush = BrushRecord(BS_SOLID, kRedInk);
   EXPECT_EQ(1u, Transfer(device.handle(), {.size = {8, 1}, .rop = 0x01550009, .brush = &brush, .drawMode = &mode}));
-  EXPECT_TRUE(TagsShow(device, tags));
+  EXPECT_TRUE(TagsMarked(device, ""));
 }
 
-// A one-bit source paints where the color that its bit stands for is not the paper's.
+// A one-bit source paints where the color that its bit stands for is not the paper's. Colors are compared whole: a top
+// byte makes another color of it.
 TEST(BitBltDualPlane, EveryIndexWithAOneBitSource) {
-  struct Colors {
-    const char* name;
-    uint32_t background;
-    uint32_t text;
-  };
-  constexpr Colors kColors[] = {
-      {"black on white", kWhite, kBlack},
-      {"white on black", kBlack, kWhite},
-      {"white on white", kWhite, kWhite},
-      {"black on black", kBlack, kBlack},
-      {"red on white", kWhite, kRed},
-      {"white on red", kRed, kWhite},
-      {"red on black", kBlack, kRed},
-      {"black on red", kRed, kBlack},
-      {"two colors", kRed, 0x00123456},
-      // Compared whole: a top byte makes another color of it.
-      {"top bytes", 0x01FFFFFF, 0x02000000},
-  };
+  constexpr uint32_t kColors[][2] = {{kWhitePaper, kBlackPaper}, {kBlackPaper, kWhitePaper}, {kWhitePaper, kWhitePaper},
+                                     {kBlackPaper, kBlackPaper}, {kWhitePaper, kRedInk},     {kRedInk, kWhitePaper},
+                                     {kBlackPaper, kRedInk},     {kRedInk, kBlackPaper},     {kRedInk, 0x00123456},
+                                     {0x01FFFFFF, 0x02000000}};
   constexpr int32_t kWidth = 21;
-  for (const Colors& c : kColors) {
+  const PhysicalBrush brush = BrushRecord(BS_SOLID, kRedInk);
+  for (const auto& [background, text] : kColors) {
     for (uint32_t index = 0; index < 256; ++index) {
-      SCOPED_TRACE(std::string(c.name) + ", index " + std::to_string(index));
+      SCOPED_TRACE("text " + std::to_string(text) + " on " + std::to_string(background) + ", index " +
+                   std::to_string(index));
       DualPlaneDevice device({.width = 26, .height = 4});
       MakeTagsMixed(&device, index);
       const SourceImage source(kOneBitSource, 30, 3, index);
-      const PhysicalBrush brush = Solid(kRed);
-      DRAWMODE mode = MakeDrawMode();
-      mode.bkColor = c.background;
-      mode.TextColor = c.text;
-      PlaneImage band = BandImage(device);
-      PlaneImage tags = TagImage(device);
-      EXPECT_EQ(1u, Transfer(device.handle(), {.at = {3, 1},
-                                               .source = source.record(),
-                                               .from = {5, 1},
-                                               .size = {kWidth, 2},
-                                               .rop = index << 16,
-                                               .brush = &brush,
-                                               .drawMode = &mode}));
-      PaintExpected(&band, {3, 1, 3 + kWidth, 3}, 5, 1, {index << 16, &source, &brush, &mode});
-      for (int32_t row = 1; row < 3; ++row) {
-        for (int32_t x = 0; x < kWidth; ++x) {
-          const uint32_t color = source.Bit(5 + x, row) ? c.background : c.text;
-          if (TransferMarks(index, color, kRed)) tags.Set(3 + x, row, {1, 0, 0});
-        }
-      }
-      EXPECT_TRUE(BandShows(device, band));
-      ASSERT_TRUE(TagsShow(device, tags));
-      EXPECT_TRUE(source.Unchanged());
-      EXPECT_EQ(c.background, uint32_t{mode.bkColor}) << "the draw mode was written";
-      EXPECT_EQ(c.text, uint32_t{mode.TextColor}) << "the draw mode was written";
+      const DRAWMODE mode = MakeDrawMode({.background = background, .text = text});
+      const DRAWMODE before = mode;
+      const TransferCall call{
+          .at = {3, 1}, .from = {5, 1}, .size = {kWidth, 2}, .rop = index << 16, .brush = &brush, .drawMode = &mode};
+      ExpectTransfer(device, call, &source, {3, 1, 3 + kWidth, 3}, {5, 1}, [&](int32_t column, int32_t row) {
+        return TransferMarks(index, source.Bit(5 + column - 3, row) ? mode.bkColor : mode.TextColor, kRedInk);
+      });
+      EXPECT_EQ(0, std::memcmp(&before, &mode, sizeof mode)) << "the draw mode was written";
+      if (HasFatalFailure()) return;
     }
   }
 }
@@ -165,75 +119,60 @@ struct BrushCase {
 };
 
 constexpr BrushCase kBrushes[] = {
-    {"red hatch on white", BS_HATCHED, 0, OPAQUE, kWhite, kRed, true, false, true, true},
-    {"red hatch on black", BS_HATCHED, 0, OPAQUE, kBlack, kRed, true, true, true, false},
-    {"red hatch on blue", BS_HATCHED, 0, OPAQUE, 0x00FF0000, kRed, true, true, true, true},
+    {"red hatch on white", BS_HATCHED, 0, OPAQUE, kWhitePaper, kRedInk, true, false, true, true},
+    {"red hatch on black", BS_HATCHED, 0, OPAQUE, kBlackPaper, kRedInk, true, true, true, false},
+    {"red hatch on blue", BS_HATCHED, 0, OPAQUE, 0x00FF0000, kRedInk, true, true, true, true},
     // What the gaps of a transparent hatch show is settled by the background color all the same.
-    {"red hatch on blue, transparent", BS_HATCHED, 0, TRANSPARENT, 0x00FF0000, kRed, true, true, true, true},
-    {"red hatch on white, transparent", BS_HATCHED, 0, TRANSPARENT, kWhite, kRed, true, false, true, true},
-    {"white hatch on white", BS_HATCHED, 0, OPAQUE, kWhite, kWhite, false, false, true, true},
-    {"white hatch on red", BS_HATCHED, 0, OPAQUE, kRed, kWhite, false, true, true, true},
-    {"black hatch on black", BS_HATCHED, 0, OPAQUE, kBlack, kBlack, true, true, false, false},
-    {"black hatch on white", BS_HATCHED, 0, OPAQUE, kWhite, kBlack, true, false, false, true},
-    {"white hatch on black, transparent", BS_HATCHED, 0, TRANSPARENT, kBlack, kWhite, false, true, true, false},
+    {"red hatch on blue, transparent", BS_HATCHED, 0, TRANSPARENT, 0x00FF0000, kRedInk, true, true, true, true},
+    {"red hatch on white, transparent", BS_HATCHED, 0, TRANSPARENT, kWhitePaper, kRedInk, true, false, true, true},
+    {"white hatch on white", BS_HATCHED, 0, OPAQUE, kWhitePaper, kWhitePaper, false, false, true, true},
+    {"white hatch on red", BS_HATCHED, 0, OPAQUE, kRedInk, kWhitePaper, false, true, true, true},
+    {"black hatch on black", BS_HATCHED, 0, OPAQUE, kBlackPaper, kBlackPaper, true, true, false, false},
+    {"black hatch on white", BS_HATCHED, 0, OPAQUE, kWhitePaper, kBlackPaper, true, false, false, true},
+    {"white hatch on black, transparent", BS_HATCHED, 0, TRANSPARENT, kBlackPaper, kWhitePaper, false, true, true,
+     false},
     // The background is compared whole, a cell by its color alone.
-    {"background with a top byte", BS_HATCHED, 0, OPAQUE, 0x01FFFFFF, kRed, true, true, true, true},
+    {"background with a top byte", BS_HATCHED, 0, OPAQUE, 0x01FFFFFF, kRedInk, true, true, true, true},
     // A pattern paints all of its cells. Of a one-bit pattern the marked ones count as black, whatever the text
     // color, the others as the background color.
-    {"one-bit pattern on white", BS_PATTERN, 1, OPAQUE, kWhite, kBlack, true, false, false, true},
-    {"one-bit pattern on black", BS_PATTERN, 1, OPAQUE, kBlack, kBlack, true, true, false, false},
-    {"one-bit pattern on red", BS_PATTERN, 1, TRANSPARENT, kRed, kBlack, true, true, false, true},
+    {"one-bit pattern on white", BS_PATTERN, 1, OPAQUE, kWhitePaper, kBlackPaper, true, false, false, true},
+    {"one-bit pattern on black", BS_PATTERN, 1, OPAQUE, kBlackPaper, kBlackPaper, true, true, false, false},
+    {"one-bit pattern on red", BS_PATTERN, 1, TRANSPARENT, kRedInk, kBlackPaper, true, true, false, true},
 };
 
 PhysicalBrush BrushOf(const BrushCase& c, uint8_t fx, uint8_t fy) {
-  PhysicalBrush brush{};
-  brush.style = c.style;
+  PhysicalBrush brush = BrushRecord(c.style, c.depth == 1 ? 0 : c.foreground);
   brush.patternDepth = c.depth;
   brush.hatchScale[0] = fx;
   brush.hatchScale[1] = fy;
-  brush.colour = c.depth == 1 ? 0 : c.foreground;
   RandomBytes random(c.style + 3u);
-  const uint32_t gap = c.depth == 1 ? kWhite : 0x00778899u;
+  const uint32_t gap = c.depth == 1 ? kWhitePaper : 0x00778899u;
   for (uint32_t& cell : brush.cells) cell = random.Below(2) == 0 ? gap : c.foreground | 0xFF000000u;
   return brush;
 }
 
 TEST(BitBltDualPlane, HatchedAndOneBitPatternBrushes) {
-  struct Scale {
-    uint8_t fx;
-    uint8_t fy;
-  };
+  constexpr uint8_t kScales[][2] = {{1, 1}, {2, 2}, {2, 1}, {3, 1}};
   for (const BrushCase& c : kBrushes) {
     for (uint32_t index : {0xA0u, 0x5Fu, 0xAFu, 0x50u, 0xF5u, 0x0Au, 0xFAu, 0x05u}) {
-      for (const Scale& scale : {Scale{1, 1}, Scale{2, 2}, Scale{2, 1}, Scale{3, 1}}) {
-        SCOPED_TRACE(std::string(c.name) + ", index " + std::to_string(index) + ", scale " + std::to_string(scale.fx) +
-                     " x " + std::to_string(scale.fy));
+      for (const auto& [fx, fy] : kScales) {
+        SCOPED_TRACE(std::string(c.name) + ", index " + std::to_string(index) + ", scale " + std::to_string(fx) +
+                     " x " + std::to_string(fy));
         // A moved band: cells are counted from its corner on both planes.
         DualPlaneDevice device({.width = 37, .height = 19, .left = 5, .top = 3});
         MakeTagsMixed(&device, index);
-        const PhysicalBrush brush = BrushOf(c, scale.fx, scale.fy);
-        DRAWMODE mode = MakeDrawMode();
-        mode.bkMode = c.bkMode;
-        mode.bkColor = c.background;
-        mode.TextColor = 0x00123456;
-        PlaneImage band = BandImage(device);
-        PlaneImage tags = TagImage(device);
-        EXPECT_EQ(1u,
-                  Transfer(device.handle(),
-                           {.at = {7, 4}, .size = {100, 15}, .rop = index << 16, .brush = &brush, .drawMode = &mode}));
-        PaintExpected(&band, {2, 1, 37, 16}, 0, 0, {index << 16, nullptr, &brush, &mode});
+        const PhysicalBrush brush = BrushOf(c, fx, fy);
+        const int32_t cellWidth = std::min<int32_t>(fx, 2);
+        const int32_t cellHeight = fy;
+        const DRAWMODE mode = MakeDrawMode({.bkMode = c.bkMode, .background = c.background, .text = 0x00123456});
         const bool skipsWhite = TagRuleOf(index) == TagRule::kBrushUnlessWhite;
-        const int32_t fx = scale.fx > 2 ? 2 : scale.fx;
-        for (int32_t row = 1; row < 16; ++row) {
-          for (int32_t column = 2; column < 37; ++column) {
-            const bool marked = brush.cells[row / scale.fy % 8 * 8 + column / fx % 8] >= 0x1000000;
-            const bool paints = skipsWhite ? (marked ? c.markedPaintsOnWhite : c.gapPaintsOnWhite)
-                                           : (marked ? c.markedPaintsOnBlack : c.gapPaintsOnBlack);
-            if (paints) tags.Set(column, row, {1, 0, 0});
-          }
-        }
-        EXPECT_TRUE(BandShows(device, band));
-        ASSERT_TRUE(TagsShow(device, tags));
+        const TransferCall call{
+            .at = {7, 4}, .size = {100, 15}, .rop = index << 16, .brush = &brush, .drawMode = &mode};
+        ExpectTransfer(device, call, nullptr, {2, 1, 37, 16}, {}, [&](int32_t column, int32_t row) {
+          const bool marked = brush.cells[row / cellHeight % 8 * 8 + column / cellWidth % 8] >= 0x1000000;
+          return skipsWhite ? (marked ? c.markedPaintsOnWhite : c.gapPaintsOnWhite)
+                            : (marked ? c.markedPaintsOnBlack : c.gapPaintsOnBlack);
+        });
       }
     }
   }
@@ -241,7 +180,7 @@ TEST(BitBltDualPlane, HatchedAndOneBitPatternBrushes) {
 
 TEST(BitBltDualPlane, ColorPatternBrushesGoByTheirCells) {
   for (uint8_t depth : {uint8_t{24}, uint8_t{8}}) {
-    for (uint32_t rop : {kDPa, kDPo}) {
+    for (uint32_t rop : {kAndPattern, kOrPattern}) {
       SCOPED_TRACE(std::to_string(depth) + " bits, code " + std::to_string(rop));
       DualPlaneDevice device({.width = 20, .height = 11});
       const SourceImage bitmap(depth == 24 ? kColorSource : kGraySource, 8, 8, 17);
@@ -249,47 +188,29 @@ TEST(BitBltDualPlane, ColorPatternBrushesGoByTheirCells) {
       brush.cells[3] = 0xFFFFFFFF;
       brush.cells[12] = 0xFF000000;
       MakeTagsMixed(&device, depth);
-      DRAWMODE mode = Mode();
-      mode.bkMode = TRANSPARENT;
-      mode.bkColor = rop == kDPa ? kWhite : kBlack;
-      PlaneImage band = BandImage(device);
-      PlaneImage tags = TagImage(device);
-      EXPECT_EQ(1u, Transfer(device.handle(), {.size = {20, 11}, .rop = rop, .brush = &brush, .drawMode = &mode}));
-      PaintExpected(&band, {0, 0, 20, 11}, 0, 0, {rop, nullptr, &brush, &mode});
-      const uint32_t paper = rop == kDPa ? kWhite : kBlack;
-      for (int32_t row = 0; row < 11; ++row) {
-        for (int32_t column = 0; column < 20; ++column) {
-          const uint32_t color = brush.cells[row % 8 * 8 + column % 8] & 0xFFFFFF;
-          if (color != paper) tags.Set(column, row, {1, 0, 0});
-        }
-      }
-      EXPECT_TRUE(BandShows(device, band));
-      EXPECT_TRUE(TagsShow(device, tags));
+      const uint32_t paper = rop == kAndPattern ? kWhitePaper : kBlackPaper;
+      const DRAWMODE mode = MakeDrawMode({.bkMode = TRANSPARENT, .background = paper});
+      const TransferCall call{.size = {20, 11}, .rop = rop, .brush = &brush, .drawMode = &mode};
+      ExpectTransfer(device, call, nullptr, {0, 0, 20, 11}, {}, [&](int32_t column, int32_t row) {
+        return (PatternColor(&brush, mode, column, row) & 0xFFFFFF) != paper;
+      });
     }
   }
 }
 
+// The classes that go by the brush find nothing that paints in a hollow one; the others do not look at it.
 TEST(BitBltDualPlane, HollowBrushes) {
-  struct Case {
-    const char* name;
-    uint32_t rop;
-    bool tagged;
-  };
-  // The classes that go by the brush find nothing that paints; the others do not look at it.
-  for (const Case& c : {Case{"destination and pattern", kDPa, false}, Case{"destination or pattern", kDPo, false},
-                        Case{"PATCOPY", PATCOPY, true}, Case{"BLACKNESS", BLACKNESS, true}}) {
-    SCOPED_TRACE(c.name);
-    DualPlaneDevice device({.width = 9, .height = 3});
-    MakeTagsMixed(&device, 3);
-    PhysicalBrush hollow{};
-    hollow.style = BS_HOLLOW;
-    const DRAWMODE mode = Mode();
-    PlaneImage band = BandImage(device);
-    PlaneImage tags = TagImage(device);
-    EXPECT_EQ(1u, Transfer(device.handle(), {.size = {9, 3}, .rop = c.rop, .brush = &hollow, .drawMode = &mode}));
-    if (c.rop == BLACKNESS) band.Fill({0, 0, 9, 3}, {0, 0, 0});
-    if (c.tagged) tags.Fill({0, 0, 9, 3}, {1, 0, 0});
-    EXPECT_TRUE(BandShows(device, band));
+  constexpr BandRect kBand{0, 0, 9, 3};
+  for (uint32_t rop : {kAndPattern, kOrPattern, PATCOPY, BLACKNESS}) {
+    SCOPED_TRACE(rop);
+    DualPlaneDevice device({.width = kBand.right, .height = kBand.bottom});
+    MixTags(&device);
+    const PhysicalBrush hollow = BrushRecord(BS_HOLLOW);
+    const DRAWMODE mode = TwoColors();
+    PlaneImage tags = MixedTags(device);
+    if (rop == PATCOPY || rop == BLACKNESS) tags.Fill(kBand, {QNV_TAG_GRAPHICS});
+    const TransferCall call{.size = {kBand.right, kBand.bottom}, .rop = rop, .brush = &hollow, .drawMode = &mode};
+    EXPECT_TRUE(TransferPaints(device, call, nullptr, rop == BLACKNESS ? kBand : BandRect{0, 0, 0, 0}));
     EXPECT_TRUE(TagsShow(device, tags));
   }
 }
@@ -311,13 +232,13 @@ constexpr RefusalCase kRefusals[] = {
     {"SRCAND from one bit in three planes", SRCAND, 3, 1, BS_SOLID, true},
     {"SRCPAINT from 8 bits", SRCPAINT, 1, 8, BS_SOLID, true},
     {"MERGEPAINT from 8 bits", MERGEPAINT, 1, 8, BS_SOLID, true},
-    {"source picks the pattern, 8 bits", kDSPDxax, 1, 8, BS_SOLID, true},
-    {"source picks the destination, 8 bits", kPSDPxax, 1, 8, BS_SOLID, true},
+    {"source picks the pattern, 8 bits", 0x00E20746, 1, 8, BS_SOLID, true},
+    {"source picks the destination, 8 bits", 0x00B8074A, 1, 8, BS_SOLID, true},
     {"SRCCOPY from 8 bits needs no test", SRCCOPY, 1, 8, BS_SOLID, false},
     {"SRCINVERT from 8 bits tags nothing", SRCINVERT, 1, 8, BS_SOLID, false},
     {"MERGECOPY from 8 bits", MERGECOPY, 1, 8, BS_SOLID, false},
-    {"unknown brush", kDPa, 1, 24, 4, true},
-    {"unknown brush, other class", kDPo, 1, 24, 0xFFFF, true},
+    {"unknown brush", kAndPattern, 1, 24, 4, true},
+    {"unknown brush, other class", kOrPattern, 1, 24, 0xFFFF, true},
     {"PATPAINT with an unknown brush", PATPAINT, 1, 24, 4, true},
     {"PATCOPY does not look at its brush", PATCOPY, 1, 24, 4, false},
 };
@@ -327,14 +248,10 @@ TEST(BitBltDualPlane, RefusedTagsRefuseTheTransfer) {
     for (bool uniform : {false, true}) {
       SCOPED_TRACE(std::string(c.name) + (uniform ? ", uniform plane" : ""));
       DualPlaneDevice device({.width = 9, .height = 3});
-      if (uniform) {
-        device.tags()->Fill(kOldTag);
-      } else {
-        MakeTagsMixed(&device, 4);
-      }
-      PhysicalBrush brush = Solid(kRed);
-      brush.style = c.brushStyle;
-      const DRAWMODE mode = Mode();
+      if (!uniform) MakeTagsMixed(&device, 4);
+      device.tags()->Fill(kOldTag);
+      const PhysicalBrush brush = BrushRecord(c.brushStyle, kRedInk);
+      const DRAWMODE mode = TwoColors();
       const SourceImage source({"", c.planes, c.bitsPixel, 4}, 9, 3, 5);
       PlaneImage band = BandImage(device);
       PlaneImage tags = TagImage(device);
@@ -358,8 +275,8 @@ TEST(BitBltDualPlane, RefusedTagsRefuseTheTransfer) {
 TEST(BitBltDualPlane, PatPaintTagsByBrushBeforeItsSourceIsRefused) {
   DualPlaneDevice device({.width = 9, .height = 3});
   MakeTagsMixed(&device, 6);
-  const PhysicalBrush brush = Solid(kRed);
-  const DRAWMODE mode = Mode();
+  const PhysicalBrush brush = BrushRecord(BS_SOLID, kRedInk);
+  const DRAWMODE mode = TwoColors();
   const SourceImage source({"", 1, 8, 3}, 9, 3, 5);
   const PlaneImage band = BandImage(device);
   PlaneImage tags = TagImage(device);

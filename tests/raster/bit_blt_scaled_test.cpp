@@ -8,9 +8,9 @@
 #include <string>
 #include <vector>
 
+#include "support/device_classes.h"
 #include "support/random_bytes.h"
-#include "support/transfer_call.h"
-#include "support/transfer_model.h"
+#include "support/transfer_check.h"
 
 namespace qnv::test {
 namespace {
@@ -22,7 +22,7 @@ struct Resolutions {
 
 constexpr Resolutions kPairs[] = {{360, 360}, {720, 360}, {600, 400}, {7, 5}, {3, 1}, {360, 720}, {5, 7}, {2, 9}};
 
-std::string Name(const Resolutions& r) { return std::to_string(r.a) + " to " + std::to_string(r.b); }
+std::string NameOf(const Resolutions& r) { return std::to_string(r.a) + " to " + std::to_string(r.b); }
 
 // The band coordinate of a page coordinate, both counted from the band's corner; none where the page has one too many.
 class Mapping {
@@ -96,57 +96,67 @@ DeviceOptions OptionsOf(const Resolutions& r, uint16_t bitsPerPixel, uint32_t wi
           .resolutionB = r.b};
 }
 
-DRAWMODE Mode() {
-  DRAWMODE mode = MakeDrawMode();
-  mode.TextColor = 0x00C3A50F;
-  mode.bkColor = 0x005A3CF0;
-  return mode;
-}
+DRAWMODE ScaledMode() { return MakeDrawMode({.background = 0x005A3CF0, .text = 0x00C3A50F}); }
 
 // The source form that has the device's own step.
 const SourceForm& OwnForm(uint16_t bitsPerPixel) { return bitsPerPixel == 24 ? kColorSource : kGraySource; }
 
-// Ten by ten page pixels at twice the band's resolution: every other row and column has a place.
-TEST(BitBltScaled, HalvesACopy) {
-  for (int32_t at : {0, 1}) {
-    SCOPED_TRACE(at);
-    TestDevice device(OptionsOf({720, 360}, 24, 8, 8));
-    const SourceImage source(kColorSource, 10, 10, 1);
-    const DRAWMODE mode = Mode();
+// The call's result is 1, and the band shows the model's picture of `page`.
+testing::AssertionResult PaintsScaled(const TestDevice& device, TransferCall call, const SourceImage* source,
+                                      const BandRect& page, TransferPoint first) {
+  const DeviceOptions& options = device.options();
+  if (source != nullptr) call.source = source->record();
+  PlaneImage expected = BandImage(device);
+  PaintScaled(&expected, Mapping({options.resolutionA, options.resolutionB}), options.bitsPerPixel, page, first.x,
+              first.y, {call.rop, source, call.brush, call.drawMode});
+  const uint32_t result = Transfer(device.handle(), call);
+  if (result != 1) return testing::AssertionFailure() << "result " << result;
+  if (source != nullptr && !source->Unchanged()) return testing::AssertionFailure() << "the source was written";
+  return BandShows(device, expected);
+}
+
+// By hand: the source pixel that each band pixel gets, in both directions. Two to one keeps every other one, from page
+// 0 the even ones, from page 1 the odd ones one band pixel further on.
+TEST(BitBltScaled, CopiesByHand) {
+  struct Case {
+    Resolutions resolutions;
+    int32_t at;
+    int32_t extent;
+    int32_t firstColumn;
+    std::vector<int32_t> sourceOfColumn;
+  };
+  const Case cases[] = {
+      {{720, 360}, 0, 10, 0, {0, 2, 4, 6, 8}},
+      {{720, 360}, 1, 10, 1, {1, 3, 5, 7, 9}},
+      {{600, 400}, 0, 12, 0, {0, 1, 3, 4, 6, 7, 9, 10}},
+  };
+  const SourceImage source(kColorSource, 12, 12, 1);
+  const DRAWMODE mode = ScaledMode();
+  for (const Case& c : cases) {
+    SCOPED_TRACE(NameOf(c.resolutions) + " at " + std::to_string(c.at));
+    TestDevice device(OptionsOf(c.resolutions, 24, 9, 9));
     PlaneImage expected = BandImage(device);
-    EXPECT_EQ(
-        1u, Transfer(device.handle(),
-                     {.at = {at, at}, .source = source.record(), .size = {10, 10}, .rop = SRCCOPY, .drawMode = &mode}));
-    for (int32_t row = 0; row < 5; ++row) {
-      for (int32_t column = 0; column < 5; ++column) {
-        // From page 0 the even source pixels come through, from page 1 the odd ones, one band pixel further on.
-        const uint8_t* p = source.Row(2 * row + at) + 3 * (2 * column + at);
-        expected.Set(column + at, row + at, {p[2], p[1], p[0]});
+    EXPECT_EQ(1u, Transfer(device.handle(), {.at = {c.at, c.at},
+                                             .source = source.record(),
+                                             .size = {c.extent, c.extent},
+                                             .rop = SRCCOPY,
+                                             .drawMode = &mode}));
+    const int32_t count = static_cast<int32_t>(c.sourceOfColumn.size());
+    for (int32_t row = 0; row < count; ++row) {
+      for (int32_t column = 0; column < count; ++column) {
+        const uint8_t* p = source.Row(c.sourceOfColumn[static_cast<std::size_t>(row)]) +
+                           3 * c.sourceOfColumn[static_cast<std::size_t>(column)];
+        expected.Set(c.firstColumn + column, c.firstColumn + row, {p[2], p[1], p[0]});
       }
     }
     EXPECT_TRUE(BandShows(device, expected));
   }
 }
 
-TEST(BitBltScaled, ThreeToTwo) {
-  TestDevice device(OptionsOf({600, 400}, 24, 8, 1));
-  const SourceImage source(kColorSource, 12, 1, 2);
-  const DRAWMODE mode = Mode();
-  PlaneImage expected = BandImage(device);
-  EXPECT_EQ(1u,
-            Transfer(device.handle(), {.source = source.record(), .size = {12, 1}, .rop = SRCCOPY, .drawMode = &mode}));
-  constexpr int32_t kSourceOfColumn[] = {0, 1, 3, 4, 6, 7, 9, 10};
-  for (int32_t column = 0; column < 8; ++column) {
-    const uint8_t* p = source.Row(0) + 3 * kSourceOfColumn[column];
-    expected.Set(column, 0, {p[2], p[1], p[0]});
-  }
-  EXPECT_TRUE(BandShows(device, expected));
-}
-
 // Upwards nothing is stretched: the pixels lie apart, and what is between them stays.
 TEST(BitBltScaled, OneToTwoLeavesGaps) {
   TestDevice device(OptionsOf({360, 720}, 24, 8, 4));
-  const DRAWMODE mode = Mode();
+  const DRAWMODE mode = ScaledMode();
   PlaneImage expected = BandImage(device);
   EXPECT_EQ(1u, Transfer(device.handle(), {.size = {4, 2}, .rop = BLACKNESS, .drawMode = &mode}));
   for (int32_t row : {0, 2}) {
@@ -158,10 +168,9 @@ TEST(BitBltScaled, OneToTwoLeavesGaps) {
 // Every index, source form and kind of brush, in color, in gray mode and at a depth that is neither.
 TEST(BitBltScaled, EveryIndex) {
   for (const Resolutions& r : {Resolutions{600, 400}, Resolutions{360, 360}}) {
-    const Mapping mapping(r);
     for (uint16_t bits : {uint16_t{24}, uint16_t{0}, uint16_t{8}}) {
       TestDevice device(OptionsOf(r, bits, 19, 11));
-      const DRAWMODE mode = Mode();
+      const DRAWMODE mode = ScaledMode();
       const SourceImage bitmap(kColorSource, 8, 8, 3);
       const PhysicalBrush brushes[] = {SolidBrush(device.handle(), 0x00804C1F),
                                        HatchBrush(device.handle(), HS_DIAGCROSS, 0x00336699),
@@ -170,23 +179,15 @@ TEST(BitBltScaled, EveryIndex) {
         const SourceImage source(form, 30, 20, 4, 1);
         for (const PhysicalBrush& brush : brushes) {
           for (uint32_t index = 0; index < 256; ++index) {
-            SCOPED_TRACE(Name(r) + ", " + std::to_string(bits) + " bits, " + form.name + ", brush style " +
+            SCOPED_TRACE(NameOf(r) + ", " + std::to_string(bits) + " bits, " + form.name + ", brush style " +
                          std::to_string(brush.style) + ", index " + std::to_string(index));
             FillWithNoise(&device.band(), index);
-            PlaneImage expected = BandImage(device);
-            const TransferInputs inputs{index << 16, &source, &brush, &mode};
-            EXPECT_EQ(1u, Transfer(device.handle(), {.at = {2, 1},
-                                                     .source = source.record(),
-                                                     .from = {3, 2},
-                                                     .size = {15, 9},
-                                                     .rop = inputs.rop,
-                                                     .brush = &brush,
-                                                     .drawMode = &mode}));
-            if (index != 0xAA) PaintScaled(&expected, mapping, bits, {2, 1, 17, 10}, 3, 2, inputs);
-            ASSERT_TRUE(BandShows(device, expected));
+            const TransferCall call{
+                .at = {2, 1}, .from = {3, 2}, .size = {15, 9}, .rop = index << 16, .brush = &brush, .drawMode = &mode};
+            const BandRect page = index == 0xAA ? BandRect{0, 0, 0, 0} : BandRect{2, 1, 17, 10};
+            ASSERT_TRUE(PaintsScaled(device, call, &source, page, {3, 2}));
           }
         }
-        EXPECT_TRUE(source.Unchanged());
       }
     }
   }
@@ -197,27 +198,20 @@ TEST(BitBltScaled, EveryResolutionAndPhase) {
     const Mapping mapping(r);
     for (uint32_t width : {1u, 7u, 22u}) {
       TestDevice device(OptionsOf(r, 24, width, 6));
-      const DRAWMODE mode = Mode();
+      const DRAWMODE mode = ScaledMode();
       const PhysicalBrush brush = HatchBrush(device.handle(), HS_FDIAGONAL, 0x00336699);
       const int32_t pageRight = mapping.PageEdge(static_cast<int32_t>(width));
       const int32_t pageBottom = mapping.PageEdge(6);
       const SourceImage source(kColorSource, 90, 40, 5);
       for (uint32_t rop : {SRCCOPY, SRCINVERT, PATINVERT, PATPAINT, WHITENESS}) {
         for (int32_t x = 0; x < 9; ++x) {
-          SCOPED_TRACE(Name(r) + ", width " + std::to_string(width) + ", code " + std::to_string(rop) + ", at " +
+          SCOPED_TRACE(NameOf(r) + ", width " + std::to_string(width) + ", code " + std::to_string(rop) + ", at " +
                        std::to_string(x));
           FillWithNoise(&device.band(), static_cast<uint64_t>(x));
-          PlaneImage expected = BandImage(device);
-          EXPECT_EQ(1u, Transfer(device.handle(), {.at = {x, x / 2},
-                                                   .source = source.record(),
-                                                   .from = {x, 1},
-                                                   .size = {80, 38},
-                                                   .rop = rop,
-                                                   .brush = &brush,
-                                                   .drawMode = &mode}));
+          const TransferCall call{
+              .at = {x, x / 2}, .from = {x, 1}, .size = {80, 38}, .rop = rop, .brush = &brush, .drawMode = &mode};
           const BandRect page{x, x / 2, std::min(x + 80, pageRight), std::min(x / 2 + 38, pageBottom)};
-          PaintScaled(&expected, mapping, 24, page, x, 1, {rop, &source, &brush, &mode});
-          ASSERT_TRUE(BandShows(device, expected));
+          ASSERT_TRUE(PaintsScaled(device, call, &source, page, {x, 1}));
         }
       }
     }
@@ -227,87 +221,70 @@ TEST(BitBltScaled, EveryResolutionAndPhase) {
 struct PlaceCase {
   const char* name;
   Resolutions resolutions;
-  int32_t bandLeft;
-  int32_t bandTop;
-  int32_t originX;
-  int32_t originY;
-  int32_t destX;
-  int32_t destY;
-  int32_t srcX;
-  int32_t srcY;
+  BandPlace place;
+  TransferPoint at;
+  TransferPoint from;
   BandRect clip;
   // Expected: page pixels counted from the band's corner (in page pixels), and the source pixel of the first.
   BandRect page;
-  int32_t firstX;
-  int32_t firstY;
+  TransferPoint first;
 };
 
-constexpr BandRect kPage{0, 0, 1000, 1000};
-constexpr BandRect kNoClip{0, 0, 0, 0};
+constexpr BandRect kPageClip{0, 0, 1000, 1000};
+constexpr BandRect kZeroClip{0, 0, 0, 0};
+constexpr Resolutions kTwoToOne{720, 360};
+constexpr Resolutions kThreeToTwo{600, 400};
+constexpr Resolutions kOneToTwo{360, 720};
 
 // The transfer is 12 x 6 page pixels of a source of 30 x 16, the band 10 x 5 band pixels.
 constexpr PlaceCase kPlaces[] = {
     // Two to one: the band is 20 x 10 page pixels.
-    {"at zero", {720, 360}, 0, 0, 0, 0, 3, 2, 1, 1, kPage, {3, 2, 15, 8}, 1, 1},
-    {"right and below", {720, 360}, 0, 0, 0, 0, 13, 7, 1, 1, kPage, {13, 7, 20, 10}, 1, 1},
-    {"clip cuts in page pixels", {720, 360}, 0, 0, 0, 0, 3, 2, 1, 1, {6, 3, 11, 7}, {6, 3, 11, 7}, 1, 1},
-    {"left of and above zero", {720, 360}, 0, 0, 0, 0, -5, -3, 2, 4, kPage, {0, 0, 7, 3}, 7, 7},
-    {"no clip", {720, 360}, 0, 0, 0, 0, 3, 2, 1, 1, kNoClip, {3, 2, 15, 8}, 1, 1},
-    {"zeros with an origin are a clip", {720, 360}, 0, 0, 4, 4, 3, 2, 1, 1, kNoClip, {0, 0, 0, 0}, 0, 0},
-    {"source bitmap cuts", {720, 360}, 0, 0, 0, 0, 3, 2, -2, 12, kPage, {5, 2, 15, 6}, 0, 12},
-    {"band further down", {720, 360}, 50, 25, 0, 0, 97, 48, 0, 0, kPage, {0, 0, 9, 4}, 3, 2},
-    {"band further down, origin", {720, 360}, 50, 25, 90, 40, 11, 13, 0, 0, {0, 0, 20, 16}, {1, 3, 10, 6}, 0, 0},
+    {"at zero", kTwoToOne, {}, {3, 2}, {1, 1}, kPageClip, {3, 2, 15, 8}, {1, 1}},
+    {"right and below", kTwoToOne, {}, {13, 7}, {1, 1}, kPageClip, {13, 7, 20, 10}, {1, 1}},
+    {"clip cuts in page pixels", kTwoToOne, {}, {3, 2}, {1, 1}, {6, 3, 11, 7}, {6, 3, 11, 7}, {1, 1}},
+    {"left of and above zero", kTwoToOne, {}, {-5, -3}, {2, 4}, kPageClip, {0, 0, 7, 3}, {7, 7}},
+    {"no clip", kTwoToOne, {}, {3, 2}, {1, 1}, kZeroClip, {3, 2, 15, 8}, {1, 1}},
+    {"zeros with an origin are a clip", kTwoToOne, {0, 0, 4, 4}, {3, 2}, {1, 1}, kZeroClip, {0, 0, 0, 0}, {0, 0}},
+    {"source bitmap cuts", kTwoToOne, {}, {3, 2}, {-2, 12}, kPageClip, {5, 2, 15, 6}, {0, 12}},
+    {"band further down", kTwoToOne, {50, 25}, {97, 48}, {0, 0}, kPageClip, {0, 0, 9, 4}, {3, 2}},
+    {"band further down, origin", kTwoToOne, {50, 25, 90, 40}, {11, 13}, {0, 0}, {0, 0, 20, 16}, {1, 3, 10, 6}, {0, 0}},
     {"band left of and above zero",
-     {720, 360},
-     -4,
-     -3,
-     0,
-     0,
-     -6,
-     -4,
-     0,
-     0,
+     kTwoToOne,
+     {-4, -3},
+     {-6, -4},
+     {0, 0},
      {-100, -100, 100, 100},
      {2, 2, 14, 8},
-     0,
-     0},
+     {0, 0}},
     // Three to two, a band that begins between two page pixels: 5 x 3/2 is 7.5 and counts as 8, 25 x 3/2 as 38.
-    {"band at a half", {600, 400}, 5, 25, 0, 0, 10, 40, 2, 2, kPage, {2, 2, 14, 7}, 2, 2},
-    {"band at a half, cut", {600, 400}, 5, 25, 0, 0, 3, 36, 2, 2, kPage, {0, 0, 7, 4}, 7, 4},
-    {"band at a half, far side", {600, 400}, 5, 25, 0, 0, 18, 41, 2, 2, kPage, {10, 3, 15, 7}, 2, 2},
+    {"band at a half", kThreeToTwo, {5, 25}, {10, 40}, {2, 2}, kPageClip, {2, 2, 14, 7}, {2, 2}},
+    {"band at a half, cut", kThreeToTwo, {5, 25}, {3, 36}, {2, 2}, kPageClip, {0, 0, 7, 4}, {7, 4}},
+    {"band at a half, far side", kThreeToTwo, {5, 25}, {18, 41}, {2, 2}, kPageClip, {10, 3, 15, 7}, {2, 2}},
     // One to two: the band is 5 page pixels wide and 3 (of 2.5) high.
-    {"upwards", {360, 720}, 0, 0, 0, 0, 1, 1, 2, 2, kPage, {1, 1, 5, 3}, 2, 2},
-    {"upwards, left of zero", {360, 720}, 0, 0, 0, 0, -3, -2, 2, 2, kPage, {0, 0, 5, 3}, 5, 4},
+    {"upwards", kOneToTwo, {}, {1, 1}, {2, 2}, kPageClip, {1, 1, 5, 3}, {2, 2}},
+    {"upwards, left of zero", kOneToTwo, {}, {-3, -2}, {2, 2}, kPageClip, {0, 0, 5, 3}, {5, 4}},
 };
 
 TEST(BitBltScaled, ClippedAndAlignedInPagePixels) {
+  const DRAWMODE mode = ScaledMode();
   for (const PlaceCase& c : kPlaces) {
     for (uint16_t bits : {uint16_t{24}, uint16_t{0}}) {
       for (uint32_t rop : {SRCCOPY, SRCINVERT, PATPAINT, 0x00960169u, 0x01CC0020u}) {
         for (const SourceForm& form : {OwnForm(bits), kOneBitSource}) {
-          SCOPED_TRACE(std::string(c.name) + ", " + Name(c.resolutions) + ", " + std::to_string(bits) + " bits, code " +
-                       std::to_string(rop) + ", " + form.name);
-          DeviceOptions options = OptionsOf(c.resolutions, bits, 10, 5);
-          options.left = c.bandLeft;
-          options.top = c.bandTop;
-          TestDevice device(options);
-          device.SetOrigin(c.originX, c.originY);
+          SCOPED_TRACE(std::string(c.name) + ", " + NameOf(c.resolutions) + ", " + std::to_string(bits) +
+                       " bits, code " + std::to_string(rop) + ", " + form.name);
+          PlacedDevice device(OptionsOf(c.resolutions, bits, 10, 5), c.place);
           FillWithNoise(&device.band(), 6);
           const SourceImage source(form, 30, 16, 7);
-          const DRAWMODE mode = Mode();
           const PhysicalBrush brush = HatchBrush(device.handle(), HS_BDIAGONAL, 0x00336699);
-          PlaneImage expected = BandImage(device);
-          EXPECT_EQ(1u, Transfer(device.handle(), {.at = {c.destX, c.destY},
-                                                   .source = source.record(),
-                                                   .from = {c.srcX, c.srcY},
-                                                   .size = {12, 6},
-                                                   .rop = rop,
-                                                   .brush = &brush,
-                                                   .drawMode = &mode,
-                                                   .clip = &c.clip}));
-          PaintScaled(&expected, Mapping(c.resolutions), bits, c.page, c.firstX, c.firstY,
-                      {rop, &source, &brush, &mode});
-          EXPECT_TRUE(BandShows(device, expected));
+          const TransferCall call{.at = c.at,
+                                  .from = c.from,
+                                  .size = {12, 6},
+                                  .rop = rop,
+                                  .brush = &brush,
+                                  .drawMode = &mode,
+                                  .clip = &c.clip};
+          EXPECT_TRUE(PaintsScaled(device, call, &source, c.page, c.first));
         }
       }
     }
@@ -328,26 +305,19 @@ TEST(BitBltScaled, WideRows) {
     const int32_t pageRight = mapping.PageEdge(static_cast<int32_t>(c.width));
     for (uint16_t bits : {uint16_t{24}, uint16_t{0}}) {
       TestDevice device(OptionsOf(c.resolutions, bits, c.width, 1));
-      const DRAWMODE mode = Mode();
+      const DRAWMODE mode = ScaledMode();
       const PhysicalBrush brush = HatchBrush(device.handle(), HS_FDIAGONAL, 0x00336699);
       for (const SourceForm& form : {OwnForm(bits), kOneBitSource}) {
         const SourceImage source(form, 32767, 1, 12);
         for (uint32_t rop : {SRCCOPY, SRCINVERT, PATINVERT, PATPAINT, BLACKNESS}) {
-          SCOPED_TRACE(Name(c.resolutions) + ", width " + std::to_string(c.width) + ", " + std::to_string(bits) +
+          SCOPED_TRACE(NameOf(c.resolutions) + ", width " + std::to_string(c.width) + ", " + std::to_string(bits) +
                        " bits, " + form.name + ", code " + std::to_string(rop));
           FillWithNoise(&device.band(), rop);
-          PlaneImage expected = BandImage(device);
-          EXPECT_EQ(1u, Transfer(device.handle(), {.source = source.record(),
-                                                   .from = {3, 0},
-                                                   .size = {1000000, 1},
-                                                   .rop = rop,
-                                                   .brush = &brush,
-                                                   .drawMode = &mode,
-                                                   .clip = &kClip}));
+          const TransferCall call{
+              .from = {3, 0}, .size = {1000000, 1}, .rop = rop, .brush = &brush, .drawMode = &mode, .clip = &kClip};
           const bool usesSource = IndexUsesSource(static_cast<uint8_t>(rop >> 16));
           const BandRect page{0, 0, usesSource ? std::min(pageRight, 32767 - 3) : pageRight, 1};
-          PaintScaled(&expected, mapping, bits, page, 3, 0, {rop, &source, &brush, &mode});
-          EXPECT_TRUE(BandShows(device, expected));
+          EXPECT_TRUE(PaintsScaled(device, call, &source, page, {3, 0}));
         }
       }
     }
@@ -356,18 +326,14 @@ TEST(BitBltScaled, WideRows) {
 
 // The pattern's cells are band pixels, whatever page pixel fills them.
 TEST(BitBltScaled, PatternCountsBandPixels) {
-  TestDevice device(OptionsOf({720, 360}, 24, 20, 20));
-  const DRAWMODE mode = Mode();
+  TestDevice device(OptionsOf(kTwoToOne, 24, 20, 20));
+  const DRAWMODE mode = ScaledMode();
   const SourceImage bitmap(kColorSource, 8, 8, 8);
   const PhysicalBrush brush = PatternBrush(device.handle(), *bitmap.record());
   PlaneImage expected = BandImage(device);
+  FillExpected(&expected, {1, 1, 20, 20}, brush, mode);
   EXPECT_EQ(1u, Transfer(device.handle(),
                          {.at = {1, 1}, .size = {100, 100}, .rop = PATCOPY, .brush = &brush, .drawMode = &mode}));
-  for (int32_t row = 1; row < 20; ++row) {
-    for (int32_t column = 1; column < 20; ++column) {
-      expected.Set(column, row, BandBytesOf(brush.cells[row % 8 * 8 + column % 8]));
-    }
-  }
   EXPECT_TRUE(BandShows(device, expected));
 }
 
@@ -379,7 +345,7 @@ TEST(BitBltScaled, GraySourceFillsThreeBytes) {
     TestDevice device(OptionsOf({360, 360}, bits, 4, 1));
     const uint8_t pixels[4] = {0x40, 0x00, 0xFF, 0x81};
     const SourceBitmap source{0, 4, 1, 4, 1, 8, pixels};
-    const DRAWMODE mode = Mode();
+    const DRAWMODE mode = ScaledMode();
     PlaneImage expected = BandImage(device);
     EXPECT_EQ(1u, Transfer(device.handle(), {.source = &source, .size = {4, 1}, .rop = SRCCOPY, .drawMode = &mode}));
     for (int32_t column = 0; column < 4; ++column) {
@@ -408,19 +374,11 @@ TEST(BitBltScaled, SourceDepthAndStep) {
   for (const Case& c : kCases) {
     for (int32_t srcX : {0, 1, 5, 8}) {
       SCOPED_TRACE(std::string(c.name) + ", from " + std::to_string(srcX));
-      const Resolutions r{600, 400};
-      TestDevice device(OptionsOf(r, c.bitsPerPixel, 12, 4));
+      TestDevice device(OptionsOf(kThreeToTwo, c.bitsPerPixel, 12, 4));
       const SourceImage source(c.form, 20, 5, 9);
-      const DRAWMODE mode = Mode();
-      PlaneImage expected = BandImage(device);
-      EXPECT_EQ(1u, Transfer(device.handle(), {.at = {1, 0},
-                                               .source = source.record(),
-                                               .from = {srcX, 0},
-                                               .size = {11, 5},
-                                               .rop = SRCCOPY,
-                                               .drawMode = &mode}));
-      PaintScaled(&expected, Mapping(r), c.bitsPerPixel, {1, 0, 12, 5}, srcX, 0, {SRCCOPY, &source, nullptr, &mode});
-      EXPECT_TRUE(BandShows(device, expected));
+      const DRAWMODE mode = ScaledMode();
+      const TransferCall call{.at = {1, 0}, .from = {srcX, 0}, .size = {11, 5}, .rop = SRCCOPY, .drawMode = &mode};
+      EXPECT_TRUE(PaintsScaled(device, call, &source, {1, 0, 12, 5}, {srcX, 0}));
     }
   }
 }
@@ -431,7 +389,7 @@ TEST(BitBltScaled, GrayModeGraysWhatItWrites) {
   PlaneImage band = BandImage(device);
   for (int32_t column = 0; column < 4; ++column) band.Set(column, 0, {0x10, 0x20, 0x30});
   LoadBand(&device, band);
-  const DRAWMODE mode = Mode();
+  const DRAWMODE mode = ScaledMode();
   // Inverted (EF, DF, CF), then (239 x 30 + 223 x 59 + 207 x 11) / 100.
   EXPECT_EQ(1u, Transfer(device.handle(), {.at = {2, 0}, .size = {3, 1}, .rop = DSTINVERT, .drawMode = &mode}));
   PlaneImage expected = band;
@@ -445,12 +403,11 @@ TEST(BitBltScaled, GrayModeGraysWhatItWrites) {
 
 TEST(BitBltScaled, RefusedArgumentsPaintNothing) {
   TestDevice device(OptionsOf({600, 400}, 24, 10, 5));
-  const DRAWMODE mode = Mode();
+  const DRAWMODE mode = ScaledMode();
   const SourceImage source(kColorSource, 12, 6, 10);
   const SourceImage oneBit(kOneBitSource, 12, 6, 11);
   const PhysicalBrush solid = SolidBrush(device.handle(), 0x00112233);
-  PhysicalBrush hollow{};
-  hollow.style = BS_HOLLOW;
+  const PhysicalBrush hollow = BrushRecord(BS_HOLLOW);
   struct Case {
     const char* name;
     uint32_t rop;
@@ -470,16 +427,16 @@ TEST(BitBltScaled, RefusedArgumentsPaintNothing) {
       {"hollow brush, upper byte", 0x01000042, nullptr, &hollow, &mode, true},
       {"destination", 0x00AA0029, source.record(), &solid, &mode, true},
   };
-  const PlaneImage before = BandImage(device);
   for (const Case& c : kCases) {
     SCOPED_TRACE(c.name);
-    EXPECT_EQ(1u, Transfer(device.handle(), {.source = c.source,
-                                             .size = {12, 6},
-                                             .rop = c.rop,
-                                             .brush = c.brush,
-                                             .drawMode = c.mode,
-                                             .clip = c.clip ? &kEverywhere : nullptr}));
-    EXPECT_TRUE(BandShows(device, before));
+    const TransferCall call{.source = c.source,
+                            .size = {12, 6},
+                            .rop = c.rop,
+                            .brush = c.brush,
+                            .drawMode = c.mode,
+                            .clip = c.clip ? &kEverywhere : nullptr};
+    EXPECT_EQ(1u, Transfer(device.handle(), call));
+    EXPECT_TRUE(BandUntouched(device));
   }
 }
 

@@ -2,183 +2,144 @@
 // paint. What an operation takes from the brush itself is the new brush's all the same.
 #include <gtest/gtest.h>
 
-#include <string>
-
-#include "support/plane_image.h"
+#include "output/output_call.h"
 #include "support/random_bytes.h"
-#include "support/transfer_call.h"
-#include "support/transfer_model.h"
+#include "support/transfer_check.h"
 
 namespace qnv::test {
 namespace {
 
-constexpr uint32_t kDSPDxax = 0x00E20746;
-constexpr uint32_t kPn = 0x000F0001;
-constexpr int32_t kSize = 19;
+constexpr uint32_t kSourcePicksPattern = 0x00E20746;
+constexpr uint32_t kNotPattern = 0x000F0001;
+constexpr int32_t kSide = 19;
+constexpr TransferSize kAll{kSide, kSide};
+constexpr BandRect kWhole{0, 0, kSide, kSide};
+constexpr uint32_t kPatternCodes[] = {PATCOPY, PATINVERT, MERGECOPY, PATPAINT, kSourcePicksPattern, kNotPattern};
 
-struct Brushes {
-  PhysicalBrush hatched;
-  PhysicalBrush pattern;
-  PhysicalBrush solid;
-  PhysicalBrush hollow;
+class KeptPattern : public testing::TestWithParam<uint16_t> {
+ protected:
+  // Paints over the whole band; whatever it paints, the pattern is prepared.
+  void Prepare(const PhysicalBrush& brush, const DRAWMODE& mode = MakeDrawMode()) {
+    EXPECT_EQ(1u, Transfer(device_.handle(), {.size = kAll, .rop = PATCOPY, .brush = &brush, .drawMode = &mode}));
+  }
+
+  // A call without a draw mode that paints with `painting`; null for nothing.
+  testing::AssertionResult Paints(uint32_t rop, const PhysicalBrush* brush, const PhysicalBrush* painting) {
+    const DRAWMODE mode = MakeDrawMode();
+    PlaneImage expected = BandImage(device_);
+    if (painting != nullptr) PaintExpected(&expected, kWhole, 0, 0, {rop, &source_, painting, &mode});
+    const TransferCall call{.source = source_.record(), .size = kAll, .rop = rop, .brush = brush};
+    const uint32_t result = Transfer(device_.handle(), call);
+    return result == 1 ? BandShows(device_, expected) : testing::AssertionFailure() << "result " << result;
+  }
+
+  TestDevice device_{{.bitsPerPixel = GetParam(), .width = kSide, .height = kSide}};
+  const SourceImage source_{GetParam() == 24 ? kColorSource : kGraySource, kSide, kSide, 22};
+  const SourceImage bitmap_{kColorSource, 8, 8, 21};
+  const PhysicalBrush hatched_ = HatchBrush(device_.handle(), HS_DIAGCROSS, 0x00112233, 0x00445566);
+  const PhysicalBrush pattern_ = PatternBrush(device_.handle(), *bitmap_.record());
+  const PhysicalBrush solid_ = SolidBrush(device_.handle(), 0x00778899);
+  const PhysicalBrush hollow_ = BrushRecord(BS_HOLLOW);
 };
 
-Brushes Make(DeviceHandle* handle) {
-  const SourceImage bitmap(kColorSource, 8, 8, 21);
-  Brushes brushes{HatchBrush(handle, HS_DIAGCROSS, 0x00112233, 0x00445566), PatternBrush(handle, *bitmap.record()),
-                  SolidBrush(handle, 0x00778899), PhysicalBrush{}};
-  brushes.hollow.style = BS_HOLLOW;
-  return brushes;
-}
+INSTANTIATE_TEST_SUITE_P(Depths, KeptPattern, testing::ValuesIn(kBandDepths));
 
-// Paints over the whole band; whatever it paints, the pattern is prepared.
-void Prepare(const TestDevice& device, const PhysicalBrush* brush, const DRAWMODE& mode) {
-  EXPECT_EQ(1u, Transfer(device.handle(), {.size = {kSize, kSize}, .rop = PATCOPY, .brush = brush, .drawMode = &mode}));
-}
-
-struct Case {
-  const char* name;
-  uint32_t rop;
-  const PhysicalBrush Brushes::*brush;  // of the call without a draw mode; null for no brush
-  bool solidColor;                      // paints the brush's own color instead of the older pattern
-  bool painted;
-};
-
-const Case kCases[] = {
-    {"PATCOPY, hatched brush: the older pattern", PATCOPY, &Brushes::hatched, false, true},
-    {"PATCOPY, hollow brush: the older pattern", PATCOPY, &Brushes::hollow, false, true},
-    {"PATCOPY, solid brush: its own color", PATCOPY, &Brushes::solid, true, true},
-    {"PATINVERT, hatched brush", PATINVERT, &Brushes::hatched, false, true},
-    {"PATINVERT, hollow brush", PATINVERT, &Brushes::hollow, false, true},
-    {"PATINVERT, solid brush", PATINVERT, &Brushes::solid, true, true},
-    {"general, hatched brush", kPn, &Brushes::hatched, false, true},
-    {"general, hollow brush: nothing", kPn, &Brushes::hollow, false, false},
-    {"general, solid brush", kPn, &Brushes::solid, true, true},
-    {"MERGECOPY, hatched brush", MERGECOPY, &Brushes::hatched, false, true},
-    {"MERGECOPY, solid brush: still the older pattern", MERGECOPY, &Brushes::solid, false, true},
-    {"MERGECOPY, hollow brush", MERGECOPY, &Brushes::hollow, false, true},
-    {"MERGECOPY, no brush", MERGECOPY, nullptr, false, true},
-    {"PATPAINT, solid brush", PATPAINT, &Brushes::solid, false, true},
-    {"PATPAINT, no brush", PATPAINT, nullptr, false, true},
-    {"DSPDxax, solid brush", kDSPDxax, &Brushes::solid, false, true},
-    {"DSPDxax, no brush", kDSPDxax, nullptr, false, true},
-    {"PATCOPY, no brush: nothing", PATCOPY, nullptr, false, false},
-    {"PATINVERT, no brush: nothing", PATINVERT, nullptr, false, false},
-    {"general, no brush: nothing", kPn, nullptr, false, false},
-};
-
-TEST(NullDrawMode, TransfersKeepTheOlderPattern) {
-  for (uint16_t bits : {uint16_t{24}, uint16_t{8}}) {
-    for (const Case& c : kCases) {
-      SCOPED_TRACE(std::string(c.name) + ", " + std::to_string(bits) + " bits");
-      TestDevice device({.bitsPerPixel = bits, .width = kSize, .height = kSize});
-      const Brushes brushes = Make(device.handle());
-      const SourceImage source(bits == 24 ? kColorSource : kGraySource, kSize, kSize, 22);
-      const DRAWMODE mode = MakeDrawMode();
-      Prepare(device, &brushes.pattern, mode);
-      FillWithNoise(&device.band(), 23);
-      PlaneImage expected = BandImage(device);
-      const PhysicalBrush* brush = c.brush == nullptr ? nullptr : &(brushes.*c.brush);
-      EXPECT_EQ(1u, Transfer(device.handle(),
-                             {.source = source.record(), .size = {kSize, kSize}, .rop = c.rop, .brush = brush}));
-      if (c.painted) {
-        const PhysicalBrush& painting = c.solidColor ? brushes.solid : brushes.pattern;
-        PaintExpected(&expected, {0, 0, kSize, kSize}, 0, 0, {c.rop, &source, &painting, &mode});
-      }
-      EXPECT_TRUE(BandShows(device, expected));
-    }
+TEST_P(KeptPattern, TransfersKeepTheOlderPattern) {
+  struct Case {
+    const char* name;
+    uint32_t rop;
+    const PhysicalBrush* brush;  // of the call without a draw mode
+    const PhysicalBrush* painting;
+  };
+  const Case cases[] = {
+      {"PATCOPY, hatched brush", PATCOPY, &hatched_, &pattern_},
+      {"PATCOPY, hollow brush", PATCOPY, &hollow_, &pattern_},
+      {"PATCOPY, solid brush: its own color", PATCOPY, &solid_, &solid_},
+      {"PATINVERT, hatched brush", PATINVERT, &hatched_, &pattern_},
+      {"PATINVERT, hollow brush", PATINVERT, &hollow_, &pattern_},
+      {"PATINVERT, solid brush", PATINVERT, &solid_, &solid_},
+      {"general, hatched brush", kNotPattern, &hatched_, &pattern_},
+      {"general, hollow brush: nothing", kNotPattern, &hollow_, nullptr},
+      {"general, solid brush", kNotPattern, &solid_, &solid_},
+      {"MERGECOPY, hatched brush", MERGECOPY, &hatched_, &pattern_},
+      {"MERGECOPY, solid brush: still the older pattern", MERGECOPY, &solid_, &pattern_},
+      {"MERGECOPY, hollow brush", MERGECOPY, &hollow_, &pattern_},
+      {"MERGECOPY, no brush", MERGECOPY, nullptr, &pattern_},
+      {"PATPAINT, solid brush", PATPAINT, &solid_, &pattern_},
+      {"PATPAINT, no brush", PATPAINT, nullptr, &pattern_},
+      {"source picks the pattern, solid brush", kSourcePicksPattern, &solid_, &pattern_},
+      {"source picks the pattern, no brush", kSourcePicksPattern, nullptr, &pattern_},
+      {"PATCOPY, no brush: nothing", PATCOPY, nullptr, nullptr},
+      {"PATINVERT, no brush: nothing", PATINVERT, nullptr, nullptr},
+      {"general, no brush: nothing", kNotPattern, nullptr, nullptr},
+  };
+  Prepare(pattern_);
+  for (const Case& c : cases) {
+    FillWithNoise(&device_.band(), 23);
+    EXPECT_TRUE(Paints(c.rop, c.brush, c.painting)) << c.name;
   }
 }
 
-// Having nothing to paint is kept as well, even against a solid brush.
-TEST(NullDrawMode, NothingToPaintIsKept) {
-  for (uint32_t rop : {PATCOPY, PATINVERT, MERGECOPY, PATPAINT, kDSPDxax, kPn}) {
-    SCOPED_TRACE(rop);
-    TestDevice device({.width = kSize, .height = kSize});
-    const Brushes brushes = Make(device.handle());
-    const SourceImage source(kColorSource, kSize, kSize, 24);
-    Prepare(device, &brushes.hollow, MakeDrawMode());
-    const PlaneImage before = BandImage(device);
-    for (const PhysicalBrush* brush : {&brushes.solid, &brushes.hatched, &brushes.pattern}) {
-      EXPECT_EQ(1u, Transfer(device.handle(),
-                             {.source = source.record(), .size = {kSize, kSize}, .rop = rop, .brush = brush}));
-    }
-    EXPECT_TRUE(BandShows(device, before));
-    // An operation without a pattern does not care.
-    EXPECT_EQ(1u, Transfer(device.handle(), {.size = {kSize, kSize}, .rop = BLACKNESS}));
-    PlaneImage expected = before;
-    expected.Fill({0, 0, kSize, kSize}, {0, 0, 0});
-    EXPECT_TRUE(BandShows(device, expected));
+// Having nothing to paint is kept as well, even against a solid brush. An operation without a pattern does not care.
+TEST_P(KeptPattern, NothingToPaintIsKept) {
+  Prepare(hollow_);
+  for (uint32_t rop : kPatternCodes) {
+    for (const PhysicalBrush* brush : {&solid_, &hatched_, &pattern_}) EXPECT_TRUE(Paints(rop, brush, nullptr)) << rop;
   }
+  EXPECT_TRUE(Paints(BLACKNESS, &solid_, &solid_));
 }
 
 // A device that has never seen a draw mode has a pattern of no cells; only a solid brush's own color can paint.
-TEST(NullDrawMode, FirstCallHasNoPattern) {
-  for (uint16_t bits : {uint16_t{24}, uint16_t{8}}) {
-    for (uint32_t rop : {PATCOPY, PATINVERT, MERGECOPY, PATPAINT, kDSPDxax, kPn}) {
-      SCOPED_TRACE(std::to_string(rop) + ", " + std::to_string(bits) + " bits");
-      TestDevice device({.bitsPerPixel = bits, .width = kSize, .height = kSize});
-      const Brushes brushes = Make(device.handle());
-      const SourceImage source(bits == 24 ? kColorSource : kGraySource, kSize, kSize, 25);
-      PlaneImage expected = BandImage(device);
-      for (const PhysicalBrush* brush : {&brushes.hatched, &brushes.pattern}) {
-        EXPECT_EQ(1u, Transfer(device.handle(),
-                               {.source = source.record(), .size = {kSize, kSize}, .rop = rop, .brush = brush}));
-        EXPECT_TRUE(BandShows(device, expected));
-      }
-      EXPECT_EQ(1u, Transfer(device.handle(),
-                             {.source = source.record(), .size = {kSize, kSize}, .rop = rop, .brush = &brushes.solid}));
-      if (rop == PATCOPY || rop == PATINVERT || rop == kPn) {
-        PaintExpected(&expected, {0, 0, kSize, kSize}, 0, 0, {rop, &source, &brushes.solid, nullptr});
-      }
-      EXPECT_TRUE(BandShows(device, expected));
-    }
+TEST_P(KeptPattern, FirstCallHasNoPattern) {
+  for (uint32_t rop : kPatternCodes) {
+    for (const PhysicalBrush* brush : {&hatched_, &pattern_}) EXPECT_TRUE(Paints(rop, brush, nullptr)) << rop;
+    const bool ownColor = rop == PATCOPY || rop == PATINVERT || rop == kNotPattern;
+    EXPECT_TRUE(Paints(rop, &solid_, ownColor ? &solid_ : nullptr)) << rop;
   }
 }
 
 // A hollow brush leaves the cells of the pattern before it; a later call may make them visible only with a new one.
-TEST(NullDrawMode, HollowBrushReplacesTheStyleAlone) {
-  TestDevice device({.width = kSize, .height = kSize});
-  const Brushes brushes = Make(device.handle());
-  const DRAWMODE mode = MakeDrawMode();
-  Prepare(device, &brushes.pattern, mode);
-  Prepare(device, &brushes.hollow, mode);
-  const PlaneImage before = BandImage(device);
-  EXPECT_EQ(1u, Transfer(device.handle(), {.size = {kSize, kSize}, .rop = PATCOPY, .brush = &brushes.pattern}));
-  EXPECT_TRUE(BandShows(device, before));
-  Prepare(device, &brushes.solid, mode);
-  PlaneImage expected = before;
-  expected.Fill({0, 0, kSize, kSize}, {0x77, 0x88, 0x99});
-  EXPECT_TRUE(BandShows(device, expected));
+TEST_P(KeptPattern, HollowBrushReplacesTheStyleAlone) {
+  Prepare(pattern_);
+  Prepare(hollow_);
+  EXPECT_TRUE(Paints(PATCOPY, &pattern_, nullptr));
+  Prepare(solid_);
+  EXPECT_TRUE(Paints(MERGECOPY, &pattern_, &solid_));
 }
 
 // Transfers and spans share one pattern, and the binary operation goes with it.
 TEST(NullDrawMode, SpansKeepPatternAndOperation) {
-  TestDevice device({.width = kSize, .height = kSize});
-  const Brushes brushes = Make(device.handle());
-  DRAWMODE mode = MakeDrawMode();
-  mode.Rop2 = R2_XORPEN;
-  Prepare(device, &brushes.solid, mode);
-  device.band().Fill(0x0F);
-  PlaneImage expected = BandImage(device);
-  const int16_t points[] = {0, 3, 2, 9};
-  EXPECT_EQ(1u, QNVOutput(device.handle(), OS_SCANLINES, 2, points, nullptr, nullptr, nullptr, &kEverywhere) & 0xFFFF);
-  expected.Fill({2, 3, 9, 4}, {0x77 ^ 0x0F, 0x88 ^ 0x0F, 0x99 ^ 0x0F});
-  EXPECT_TRUE(BandShows(device, expected));
+  TestDevice device({.width = 8, .height = 1});
+  const PhysicalPen red{PS_SOLID, 1, 1, 0x0000FF};
+  const PhysicalPen green{PS_SOLID, 1, 1, 0x00FF00};
+  const PhysicalBrush blue = BrushRecord(BS_SOLID, 0xFF0000);
+  const PhysicalBrush hollow = BrushRecord(BS_HOLLOW);
+  const DRAWMODE copy = MakeDrawMode();
+  const DRAWMODE invert = MakeDrawMode({.rop2 = R2_NOT});
+  EXPECT_EQ(1u, PaintRow(device, 0, 1, 0, {.pen = &red})) << "nothing prepared yet";
+  EXPECT_TRUE(BandUntouched(device));
+  PaintRow(device, 1, 2, 0, {.pen = &red, .drawMode = &copy});
+  PaintRow(device, 2, 3, 0, {.pen = &green});
+  EXPECT_TRUE(BandIs(device, {{'r', 0x0000FF}}, ".rr.....")) << "color kept";
+  PaintRow(device, 3, 4, 0, {.brush = &hollow, .drawMode = &copy});
+  EXPECT_EQ(1u, PaintRow(device, 4, 5, 0, {.pen = &green})) << "a hollow fill is kept too";
+  EXPECT_TRUE(BandIs(device, {{'r', 0x0000FF}}, ".rr....."));
+  EXPECT_EQ(1u, Transfer(device.handle(), {.size = {1, 1}, .rop = PATCOPY, .brush = &blue, .drawMode = &invert}));
+  PaintRow(device, 0, 2, 0, {.pen = &green});
+  PaintRow(device, 6, 7, 0, {.pen = &red});
+  EXPECT_TRUE(BandIs(device, {{'r', 0x0000FF}, {'i', 0x333333}, {'y', 0x00FFFF}, {'c', 0xFFFF00}}, "ycr...i."))
+      << "the operation of a transfer's draw mode is kept as well";
 }
 
 // And the other way round: what spans have prepared, a pattern copy without a draw mode paints.
 TEST(NullDrawMode, TransfersPaintWhatSpansPrepared) {
-  TestDevice device({.width = kSize, .height = kSize});
-  const Brushes brushes = Make(device.handle());
+  TestDevice device({.width = 5, .height = 1});
+  const PhysicalPen pen{PS_SOLID, 1, 1, 0x00010203};
+  const PhysicalBrush hatched = HatchBrush(device.handle(), HS_CROSS, 0x00112233);
   const DRAWMODE mode = MakeDrawMode();
-  const PhysicalPen pen = SolidPen(device.handle(), 0x00010203);
-  const int16_t points[] = {0, 0, 0, 1};
-  EXPECT_EQ(1u, QNVOutput(device.handle(), OS_SCANLINES, 2, points, &pen, nullptr, &mode, &kEverywhere) & 0xFFFF);
-  EXPECT_EQ(1u, Transfer(device.handle(), {.size = {kSize, kSize}, .rop = PATCOPY, .brush = &brushes.hatched}));
-  PlaneImage expected = BandImage(device);
-  expected.Fill({0, 0, kSize, kSize}, {1, 2, 3});
-  EXPECT_TRUE(BandShows(device, expected));
+  EXPECT_EQ(1u, PaintRow(device, 0, 1, 0, {.pen = &pen, .drawMode = &mode}));
+  EXPECT_EQ(1u, Transfer(device.handle(), {.size = {5, 1}, .rop = PATCOPY, .brush = &hatched}));
+  EXPECT_TRUE(BandIs(device, {{'p', 0x00010203}}, "ppppp"));
 }
 
 }  // namespace

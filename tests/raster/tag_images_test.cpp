@@ -4,68 +4,60 @@
 #include <array>
 #include <string>
 
-#include "support/plane_image.h"
-#include "support/random_bytes.h"
 #include "support/tag_plane.h"
-#include "support/test_device.h"
 
 namespace qnv::test {
 namespace {
 
-constexpr uint32_t kWhite = 0x00FFFFFF;
-constexpr uint32_t kBlack = 0;
-constexpr uint32_t kRed = 0x000000FF;
-constexpr uint8_t kOld = kOldTag;
-
-struct Case {
+struct TagImageCase {
   const char* name;
   uint32_t rop;
   uint32_t brush;
   std::array<uint8_t, 4> tags;  // of a white, a black, a red and a gray pixel
 };
 
-constexpr Case kCases[] = {
-    {"SRCCOPY", SRCCOPY, kRed, {3, 3, 3, 3}},
-    {"SRCCOPY's index in another code", 0x00CC0000, kRed, {3, 3, 3, 3}},
-    {"NOTSRCCOPY", NOTSRCCOPY, kRed, {3, 3, 3, 3}},
-    {"BLACKNESS", BLACKNESS, kRed, {3, 3, 3, 3}},
-    {"WHITENESS", WHITENESS, kRed, {3, 3, 3, 3}},
-    {"MERGECOPY", MERGECOPY, kRed, {3, 3, 3, 3}},
-    {"all three, exclusive-or", 0x00960169, kRed, {3, 3, 3, 3}},
-    {"SRCAND", SRCAND, kRed, {kOld, 3, 3, 3}},
-    {"inverse of SRCAND", 0x007700E6, kRed, {kOld, 3, 3, 3}},
-    {"MERGEPAINT", MERGEPAINT, kRed, {kOld, 3, 3, 3}},
-    {"SRCERASE", SRCERASE, kRed, {kOld, 3, 3, 3}},
-    {"SRCPAINT", SRCPAINT, kRed, {3, kOld, 3, 3}},
-    {"NOTSRCERASE", NOTSRCERASE, kRed, {3, kOld, 3, 3}},
-    {"source or not destination", 0x00DD0228, kRed, {3, kOld, 3, 3}},
-    {"its inverse", 0x00220326, kRed, {3, kOld, 3, 3}},
-    {"SRCINVERT", SRCINVERT, kRed, {kOld, kOld, kOld, kOld}},
-    {"its inverse", 0x00990066, kRed, {kOld, kOld, kOld, kOld}},
-    {"PATINVERT", PATINVERT, kRed, {kOld, kOld, kOld, kOld}},
-    {"DSTINVERT", DSTINVERT, kRed, {kOld, kOld, kOld, kOld}},
-    {"destination", 0x00AA0029, kRed, {kOld, kOld, kOld, kOld}},
-    {"PATCOPY", PATCOPY, kRed, {1, 1, 1, 1}},
-    {"not pattern", 0x000F0001, kBlack, {1, 1, 1, 1}},
-    {"destination and pattern", 0x00A000C9, kRed, {1, 1, 1, 1}},
-    {"destination and pattern, white", 0x00A000C9, kWhite, {kOld, kOld, kOld, kOld}},
-    {"destination or not pattern", 0x00AF0229, kRed, {1, 1, 1, 1}},
-    {"destination or not pattern, white", 0x00AF0229, kWhite, {kOld, kOld, kOld, kOld}},
-    {"destination or pattern", 0x00FA0089, kRed, {1, 1, 1, 1}},
-    {"destination or pattern, black", 0x00FA0089, kBlack, {kOld, kOld, kOld, kOld}},
-    {"pattern or not destination", 0x00F50225, kWhite, {1, 1, 1, 1}},
-    {"pattern or not destination, black", 0x00F50225, kBlack, {kOld, kOld, kOld, kOld}},
-    {"source picks the destination", 0x00B8074A, kRed, {kOld, 1, 1, 1}},
-    {"its inverse", 0x004703AA, kRed, {kOld, 1, 1, 1}},
-    {"source picks the pattern", 0x00E20746, kRed, {1, kOld, 1, 1}},
-    {"its inverse", 0x001D0000, kRed, {1, kOld, 1, 1}},
-    {"destination or both", 0x00EA02E9, kRed, {1, kOld, 1, 1}},
-    {"PATPAINT", PATPAINT, kRed, {1, 3, 3, 3}},
-    {"PATPAINT, black brush", PATPAINT, kBlack, {kOld, 3, 3, 3}},
-    {"inverse of PATPAINT", 0x00040000, kRed, {1, 3, 3, 3}},
+constexpr TagImageCase kTagImageCases[] = {
+    {"SRCCOPY", SRCCOPY, 0xFF, {3, 3, 3, 3}},
+    {"SRCCOPY's index in another code", 0x00CC0000, 0xFF, {3, 3, 3, 3}},
+    {"NOTSRCCOPY", NOTSRCCOPY, 0xFF, {3, 3, 3, 3}},
+    {"BLACKNESS", BLACKNESS, 0xFF, {3, 3, 3, 3}},
+    {"WHITENESS", WHITENESS, 0xFF, {3, 3, 3, 3}},
+    {"MERGECOPY", MERGECOPY, 0xFF, {3, 3, 3, 3}},
+    {"all three, exclusive-or", 0x00960169, 0xFF, {3, 3, 3, 3}},
+    {"SRCAND", SRCAND, 0xFF, {kOldTag, 3, 3, 3}},
+    {"inverse of SRCAND", 0x007700E6, 0xFF, {kOldTag, 3, 3, 3}},
+    {"MERGEPAINT", MERGEPAINT, 0xFF, {kOldTag, 3, 3, 3}},
+    {"SRCERASE", SRCERASE, 0xFF, {kOldTag, 3, 3, 3}},
+    {"SRCPAINT", SRCPAINT, 0xFF, {3, kOldTag, 3, 3}},
+    {"NOTSRCERASE", NOTSRCERASE, 0xFF, {3, kOldTag, 3, 3}},
+    {"source or not destination", 0x00DD0228, 0xFF, {3, kOldTag, 3, 3}},
+    {"its inverse", 0x00220326, 0xFF, {3, kOldTag, 3, 3}},
+    {"SRCINVERT", SRCINVERT, 0xFF, {kOldTag, kOldTag, kOldTag, kOldTag}},
+    {"its inverse", 0x00990066, 0xFF, {kOldTag, kOldTag, kOldTag, kOldTag}},
+    {"PATINVERT", PATINVERT, 0xFF, {kOldTag, kOldTag, kOldTag, kOldTag}},
+    {"DSTINVERT", DSTINVERT, 0xFF, {kOldTag, kOldTag, kOldTag, kOldTag}},
+    {"destination", 0x00AA0029, 0xFF, {kOldTag, kOldTag, kOldTag, kOldTag}},
+    {"PATCOPY", PATCOPY, 0xFF, {1, 1, 1, 1}},
+    {"not pattern", 0x000F0001, 0, {1, 1, 1, 1}},
+    {"destination and pattern", 0x00A000C9, 0xFF, {1, 1, 1, 1}},
+    {"destination and pattern, white", 0x00A000C9, 0xFFFFFF, {kOldTag, kOldTag, kOldTag, kOldTag}},
+    {"destination or not pattern", 0x00AF0229, 0xFF, {1, 1, 1, 1}},
+    {"destination or not pattern, white", 0x00AF0229, 0xFFFFFF, {kOldTag, kOldTag, kOldTag, kOldTag}},
+    {"destination or pattern", 0x00FA0089, 0xFF, {1, 1, 1, 1}},
+    {"destination or pattern, black", 0x00FA0089, 0, {kOldTag, kOldTag, kOldTag, kOldTag}},
+    {"pattern or not destination", 0x00F50225, 0xFFFFFF, {1, 1, 1, 1}},
+    {"pattern or not destination, black", 0x00F50225, 0, {kOldTag, kOldTag, kOldTag, kOldTag}},
+    {"source picks the destination", 0x00B8074A, 0xFF, {kOldTag, 1, 1, 1}},
+    {"its inverse", 0x004703AA, 0xFF, {kOldTag, 1, 1, 1}},
+    {"source picks the pattern", 0x00E20746, 0xFF, {1, kOldTag, 1, 1}},
+    {"its inverse", 0x001D0000, 0xFF, {1, kOldTag, 1, 1}},
+    {"destination or both", 0x00EA02E9, 0xFF, {1, kOldTag, 1, 1}},
+    {"PATPAINT", PATPAINT, 0xFF, {1, 3, 3, 3}},
+    {"PATPAINT, black brush", PATPAINT, 0, {kOldTag, 3, 3, 3}},
+    {"inverse of PATPAINT", 0x00040000, 0xFF, {1, 3, 3, 3}},
     // Extended codes are tagged as SRCAND, whatever they paint.
-    {"minimum", ROP_MINIMUM, kRed, {kOld, 3, 3, 3}},
-    {"an extended code that paints nothing", 0x02000000, kRed, {kOld, 3, 3, 3}},
+    {"minimum", ROP_MINIMUM, 0xFF, {kOldTag, 3, 3, 3}},
+    {"an extended code that paints nothing", 0x02000000, 0xFF, {kOldTag, 3, 3, 3}},
 };
 
 // Two equal rows of four pixels: white, black, red, gray; blue, green and red in memory.
@@ -86,39 +78,27 @@ uint32_t PaintImage(const TestDevice& device, int32_t x, int32_t y, uint32_t rop
          0xFFFF;
 }
 
-PhysicalBrush Solid(uint32_t color) {
-  PhysicalBrush brush{};
-  brush.hatchScale[0] = brush.hatchScale[1] = 1;
-  brush.colour = color;
-  return brush;
-}
-
 TEST(TagImages, EveryClass) {
   for (bool uniform : {false, true}) {
-    for (const Case& c : kCases) {
+    for (const TagImageCase& c : kTagImageCases) {
       SCOPED_TRACE(std::string(c.name) + (uniform ? ", uniform plane" : ""));
       DualPlaneDevice device({.width = 9, .height = 5, .left = 20, .top = 10});
       TestDevice plain({.width = 9, .height = 5, .left = 20, .top = 10});
-      if (uniform) {
-        device.tags()->Fill(kOldTag);
-      } else {
-        MakeTagsMixed(&device, 1);
-      }
+      if (!uniform) MakeTagsMixed(&device, 1);
+      device.tags()->Fill(kOldTag);
       LoadBand(&plain, BandImage(device));
-      const PhysicalBrush brush = Solid(c.brush);
+      const PhysicalBrush brush = BrushRecord(BS_SOLID, c.brush);
       PlaneImage tags = TagImage(device);
       // An image ends the uniform state before any tag is decided on, so both starts give the same tags.
       EXPECT_EQ(1u, PaintImage(device, 23, 11, c.rop, brush, kEverywhere));
       EXPECT_EQ(1u, PaintImage(plain, 23, 11, c.rop, brush, kEverywhere));
-      for (int32_t row = 1; row < 3; ++row) {
-        for (int32_t i = 0; i < 4; ++i) tags.Set(3 + i, row, {c.tags[static_cast<std::size_t>(i)], 0, 0});
-      }
+      for (int32_t i = 0; i < 4; ++i) tags.Fill({3 + i, 1, 4 + i, 3}, {c.tags[static_cast<std::size_t>(i)]});
       EXPECT_TRUE(TagsShow(device, tags));
       EXPECT_TRUE(BandShows(device, BandImage(plain))) << "against a plain device";
       // The plane counts as mixed now, even where the class marked nothing.
       const DRAWMODE mode = MakeDrawMode();
       QNVPixel(device.handle(), 20, 10, 0x00123456, &mode, &kEverywhere);
-      tags.Set(0, 0, {1, 0, 0});
+      tags.Set(0, 0, {QNV_TAG_GRAPHICS});
       EXPECT_TRUE(TagsShow(device, tags));
     }
   }
@@ -131,12 +111,11 @@ TEST(TagImages, ClippedWithTheImage) {
     DualPlaneDevice device({.width = 9, .height = 5, .left = 20, .top = 10});
     MakeTagsMixed(&device, 2);
     device.SetOrigin(2, 1);
-    const PhysicalBrush brush = Solid(kRed);
     PlaneImage tags = TagImage(device);
-    const BandRect clip{21, 8, 24, 12};                          // (23, 9) .. (26, 13) on the page
-    EXPECT_EQ(1u, PaintImage(device, 20, 8, rop, brush, clip));  // at (22, 9)
+    const BandRect clip{21, 8, 24, 12};  // (23, 9) .. (26, 13) on the page; the image is at (22, 9)
+    EXPECT_EQ(1u, PaintImage(device, 20, 8, rop, BrushRecord(BS_SOLID, 0xFF), clip));
     // Left: page columns 23, 24 and 25 hold the image's black, red and gray; page row 10 is the band's first.
-    tags.Fill({3, 0, 6, 1}, {3, 0, 0});
+    tags.Fill({3, 0, 6, 1}, {QNV_TAG_IMAGE});
     EXPECT_TRUE(TagsShow(device, tags));
   }
 }
