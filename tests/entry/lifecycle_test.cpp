@@ -6,26 +6,22 @@
 #include <memory>
 #include <vector>
 
+#include "support/device_classes.h"
 #include "support/plane_image.h"
 #include "support/random_bytes.h"
-#include "support/test_device.h"
 
 namespace qnv::test {
 namespace {
 
-DeviceOptions OptionsOf(uint32_t n) {
-  switch (n % 4) {
-    case 0: return {.bitsPerPixel = 24, .width = 9, .height = 4};
-    case 1: return {.bitsPerPixel = 8, .width = 9, .height = 4};
-    case 2: return {.kind = QNV_KIND_SCALED, .bitsPerPixel = 24, .width = 9, .height = 4};
-    default: return {.bitsPerPixel = 24, .width = 9, .height = 4, .tagPlane = true};
-  }
-}
+constexpr DeviceOptions kLifecycleBand{.width = 9, .height = 4};
 
 TEST(Lifecycle, ManyDevicesAreIndependent) {
   constexpr uint32_t kDevices = 24;
   std::vector<std::unique_ptr<TestDevice>> devices;
-  for (uint32_t n = 0; n < kDevices; ++n) devices.push_back(std::make_unique<TestDevice>(OptionsOf(n)));
+  const std::vector<DeviceOptions> classes = DeviceClasses(kLifecycleBand);
+  for (uint32_t n = 0; n < kDevices; ++n) {
+    devices.push_back(std::make_unique<TestDevice>(classes[n % classes.size()]));
+  }
   const DRAWMODE mode = MakeDrawMode();
   // Each has its own origin, so a shared state would put a pixel into another's place.
   for (uint32_t n = 0; n < kDevices; ++n) devices[n]->SetOrigin(static_cast<int32_t>(n % 9), 2);
@@ -34,8 +30,7 @@ TEST(Lifecycle, ManyDevicesAreIndependent) {
   }
   for (uint32_t n = 0; n < kDevices; ++n) {
     SCOPED_TRACE(n);
-    PlaneImage expected = BandImage(*devices[n]);
-    expected.Fill({0, 0, 9, 4}, {0xCC, 0xCC, 0xCC});
+    PlaneImage expected = UntouchedBand(*devices[n]);
     const uint8_t value = static_cast<uint8_t>(n + 1);
     expected.Set(static_cast<int32_t>(n % 9), 2, {value, value, value});
     EXPECT_TRUE(BandShows(*devices[n], expected));
@@ -62,30 +57,25 @@ TEST(Lifecycle, PatternsAreNotShared) {
   // Without a draw mode each paints with what it was given last.
   QNVOutput(first.handle(), OS_SCANLINES, 2, row, nullptr, nullptr, nullptr, &kEverywhere);
   QNVOutput(second.handle(), OS_SCANLINES, 2, row, nullptr, nullptr, nullptr, &kEverywhere);
-  EXPECT_EQ((PixelBytes{0x00, 0x00, 0xFF}),
-            (PixelBytes{first.Pixel(3, 0)[0], first.Pixel(3, 0)[1], first.Pixel(3, 0)[2]}));
-  EXPECT_EQ((PixelBytes{0xFF, 0x00, 0x00}),
-            (PixelBytes{second.Pixel(3, 0)[0], second.Pixel(3, 0)[1], second.Pixel(3, 0)[2]}));
+  EXPECT_TRUE(BandIs(first, {{'r', 0x0000FF}}, "rrrrrrrr"));
+  EXPECT_TRUE(BandIs(second, {{'b', 0xFF0000}}, "bbbbbbbb"));
 }
 
 TEST(Lifecycle, DisableLeavesTheBuffersAlone) {
-  for (uint32_t n = 0; n < 4; ++n) {
-    SCOPED_TRACE(n);
-    const DeviceOptions options = OptionsOf(n);
-    const uint32_t stride = ((options.bitsPerPixel == 24 ? 3u : 1u) * options.width + 3) & ~3u;
-    FencedBuffer band(stride * options.height, 0);
-    FencedBuffer tags(12 * options.height, 0);
-    FillWithNoise(&band, n);
-    FillWithNoise(&tags, n + 100);
+  for (const DeviceOptions& options : DeviceClasses(kLifecycleBand)) {
+    SCOPED_TRACE(Describe(options));
+    FencedBuffer band(28 * 4, 0);
+    FencedBuffer tags(12 * 4, 0);
+    FillWithNoise(&band, 1);
+    FillWithNoise(&tags, 2);
     const std::vector<uint8_t> bandBefore(band.data(), band.data() + band.size());
     const std::vector<uint8_t> tagsBefore(tags.data(), tags.data() + tags.size());
     const DeviceDescription description{options.kind, options.bitsPerPixel, 360, options.width, options.height, 360};
     const BandRect rect{0, 0, 9, 4};
     QNVDisable(QNVEnable(&description, &rect, band.data(), options.tagPlane ? tags.data() : nullptr));
-    EXPECT_EQ(bandBefore, std::vector<uint8_t>(band.data(), band.data() + band.size()));
-    EXPECT_EQ(tagsBefore, std::vector<uint8_t>(tags.data(), tags.data() + tags.size()));
-    EXPECT_TRUE(band.FencesIntact());
-    EXPECT_TRUE(tags.FencesIntact());
+    EXPECT_EQ(0, std::memcmp(bandBefore.data(), band.data(), band.size()));
+    EXPECT_EQ(0, std::memcmp(tagsBefore.data(), tags.data(), tags.size()));
+    EXPECT_TRUE(band.FencesIntact() && tags.FencesIntact());
   }
 }
 

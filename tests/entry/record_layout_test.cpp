@@ -14,85 +14,44 @@ namespace {
 
 constexpr bool kFourBytePointers = sizeof(void*) == 4;
 
-static_assert(sizeof(DeviceDescription) == 16);
-static_assert(offsetof(DeviceDescription, kind) == 0);
-static_assert(offsetof(DeviceDescription, bitsPerPixel) == 2);
-static_assert(offsetof(DeviceDescription, resolutionA) == 4);
-static_assert(offsetof(DeviceDescription, width) == 6);
-static_assert(offsetof(DeviceDescription, height) == 10);
-static_assert(offsetof(DeviceDescription, resolutionB) == 14);
-
-static_assert(sizeof(BandRect) == 16);
-static_assert(offsetof(BandRect, left) == 0);
-static_assert(offsetof(BandRect, top) == 4);
-static_assert(offsetof(BandRect, right) == 8);
-static_assert(offsetof(BandRect, bottom) == 12);
-
-static_assert(sizeof(DeviceSize) == 8);
-static_assert(offsetof(DeviceSize, height) == 4);
-static_assert(sizeof(DrawingOrigin) == 8);
-static_assert(offsetof(DrawingOrigin, y) == 4);
-
-static_assert(sizeof(DRAWMODE) == 42);
-static_assert(offsetof(DRAWMODE, Rop2) == 0);
-static_assert(offsetof(DRAWMODE, bkMode) == 2);
-static_assert(offsetof(DRAWMODE, bkColor) == 4);
-static_assert(offsetof(DRAWMODE, TextColor) == 8);
-static_assert(offsetof(DRAWMODE, TBreakExtra) == 12);
-static_assert(offsetof(DRAWMODE, BreakExtra) == 14);
-static_assert(offsetof(DRAWMODE, BreakErr) == 16);
-static_assert(offsetof(DRAWMODE, BreakRem) == 18);
-static_assert(offsetof(DRAWMODE, BreakCount) == 20);
-static_assert(offsetof(DRAWMODE, CharacterExtra) == 22);
-static_assert(offsetof(DRAWMODE, LbkColor) == 24);
-static_assert(offsetof(DRAWMODE, LTextColor) == 28);
-
-static_assert(!kFourBytePointers || sizeof(SourceBitmap) == 14);
-static_assert(offsetof(SourceBitmap, bmType) == 0);
-static_assert(offsetof(SourceBitmap, bmWidth) == 2);
-static_assert(offsetof(SourceBitmap, bmHeight) == 4);
-static_assert(offsetof(SourceBitmap, bmWidthBytes) == 6);
-static_assert(offsetof(SourceBitmap, bmPlanes) == 8);
-static_assert(offsetof(SourceBitmap, bmBitsPixel) == 9);
-static_assert(offsetof(SourceBitmap, bmBits) == 10);
-
-static_assert(sizeof(LogicalPen) == 10 && sizeof(PhysicalPen) == 10);
-static_assert(offsetof(LogicalPen, style) == 0 && offsetof(PhysicalPen, style) == 0);
-static_assert(offsetof(LogicalPen, widthX) == 2 && offsetof(PhysicalPen, widthX) == 2);
-static_assert(offsetof(LogicalPen, widthY) == 4 && offsetof(PhysicalPen, widthY) == 4);
-static_assert(offsetof(LogicalPen, colour) == 6 && offsetof(PhysicalPen, colour) == 6);
-
-static_assert(offsetof(LogicalBrush, style) == 0);
-static_assert(offsetof(LogicalBrush, colour) == 2);
-static_assert(!kFourBytePointers || sizeof(LogicalBrush) == 12);
-static_assert(!kFourBytePointers || offsetof(LogicalBrush, hatch) == 6);
-static_assert(!kFourBytePointers || offsetof(LogicalBrush, background) == 8);
-
-static_assert(sizeof(PhysicalBrush) == 268);
-static_assert(offsetof(PhysicalBrush, style) == 0);
-static_assert(offsetof(PhysicalBrush, hatch) == 2);
-static_assert(offsetof(PhysicalBrush, patternDepth) == 4);
-static_assert(offsetof(PhysicalBrush, hatchScale) == 6);
-static_assert(offsetof(PhysicalBrush, colour) == 8);
-static_assert(offsetof(PhysicalBrush, cells) == 12);
-
-static_assert(sizeof(FONTINFO) == 33);
-static_assert(offsetof(FONTINFO, dfType) == 0);
-static_assert(offsetof(FONTINFO, dfPixWidth) == 20);
-static_assert(offsetof(FONTINFO, dfPixHeight) == 22);
-static_assert(offsetof(FONTINFO, dfPitchAndFamily) == 24);
-static_assert(offsetof(FONTINFO, dfFirstChar) == 29);
-static_assert(offsetof(FONTINFO, dfLastChar) == 30);
-static_assert(offsetof(FONTINFO, dfDefaultChar) == 31);
-static_assert(offsetof(FONTINFO, dfBreakChar) == 32);
-
-static_assert(sizeof(BITMAPINFOHEADER) == 40);
-static_assert(offsetof(BITMAPINFOHEADER, biWidth) == 4);
-static_assert(offsetof(BITMAPINFOHEADER, biHeight) == 8);
-static_assert(offsetof(BITMAPINFOHEADER, biPlanes) == 12);
-static_assert(offsetof(BITMAPINFOHEADER, biBitCount) == 14);
-static_assert(offsetof(BITMAPINFOHEADER, biCompression) == 16);
-static_assert(offsetof(BITMAPINFOHEADER, biClrUsed) == 32);
+static_assert(sizeof(DeviceDescription) == 16 && offsetof(DeviceDescription, kind) == 0 &&
+              offsetof(DeviceDescription, bitsPerPixel) == 2 && offsetof(DeviceDescription, resolutionA) == 4 &&
+              offsetof(DeviceDescription, width) == 6 && offsetof(DeviceDescription, height) == 10 &&
+              offsetof(DeviceDescription, resolutionB) == 14);
+static_assert(sizeof(BandRect) == 16 && offsetof(BandRect, left) == 0 && offsetof(BandRect, top) == 4 &&
+              offsetof(BandRect, right) == 8 && offsetof(BandRect, bottom) == 12);
+static_assert(sizeof(DeviceSize) == 8 && offsetof(DeviceSize, height) == 4);
+static_assert(sizeof(DrawingOrigin) == 8 && offsetof(DrawingOrigin, y) == 4);
+static_assert(sizeof(DRAWMODE) == 42 && offsetof(DRAWMODE, Rop2) == 0 && offsetof(DRAWMODE, bkMode) == 2 &&
+              offsetof(DRAWMODE, bkColor) == 4 && offsetof(DRAWMODE, TextColor) == 8 &&
+              offsetof(DRAWMODE, TBreakExtra) == 12 && offsetof(DRAWMODE, BreakExtra) == 14 &&
+              offsetof(DRAWMODE, BreakErr) == 16 && offsetof(DRAWMODE, BreakRem) == 18 &&
+              offsetof(DRAWMODE, BreakCount) == 20 && offsetof(DRAWMODE, CharacterExtra) == 22 &&
+              offsetof(DRAWMODE, LbkColor) == 24 && offsetof(DRAWMODE, LTextColor) == 28);
+static_assert(offsetof(SourceBitmap, bmType) == 0 && offsetof(SourceBitmap, bmWidth) == 2 &&
+              offsetof(SourceBitmap, bmHeight) == 4 && offsetof(SourceBitmap, bmWidthBytes) == 6 &&
+              offsetof(SourceBitmap, bmPlanes) == 8 && offsetof(SourceBitmap, bmBitsPixel) == 9 &&
+              offsetof(SourceBitmap, bmBits) == 10);
+static_assert(!kFourBytePointers || (sizeof(SourceBitmap) == 14));
+static_assert(sizeof(LogicalPen) == 10 && offsetof(LogicalPen, style) == 0 && offsetof(LogicalPen, widthX) == 2 &&
+              offsetof(LogicalPen, widthY) == 4 && offsetof(LogicalPen, colour) == 6);
+static_assert(sizeof(PhysicalPen) == 10 && offsetof(PhysicalPen, style) == 0 && offsetof(PhysicalPen, widthX) == 2 &&
+              offsetof(PhysicalPen, widthY) == 4 && offsetof(PhysicalPen, colour) == 6);
+static_assert(offsetof(LogicalBrush, style) == 0 && offsetof(LogicalBrush, colour) == 2);
+static_assert(!kFourBytePointers || (sizeof(LogicalBrush) == 12 && offsetof(LogicalBrush, hatch) == 6 &&
+                                     offsetof(LogicalBrush, background) == 8));
+static_assert(sizeof(PhysicalBrush) == 268 && offsetof(PhysicalBrush, style) == 0 &&
+              offsetof(PhysicalBrush, hatch) == 2 && offsetof(PhysicalBrush, patternDepth) == 4 &&
+              offsetof(PhysicalBrush, hatchScale) == 6 && offsetof(PhysicalBrush, colour) == 8 &&
+              offsetof(PhysicalBrush, cells) == 12);
+static_assert(sizeof(FONTINFO) == 33 && offsetof(FONTINFO, dfType) == 0 && offsetof(FONTINFO, dfPixWidth) == 20 &&
+              offsetof(FONTINFO, dfPixHeight) == 22 && offsetof(FONTINFO, dfPitchAndFamily) == 24 &&
+              offsetof(FONTINFO, dfFirstChar) == 29 && offsetof(FONTINFO, dfLastChar) == 30 &&
+              offsetof(FONTINFO, dfDefaultChar) == 31 && offsetof(FONTINFO, dfBreakChar) == 32);
+static_assert(sizeof(BITMAPINFOHEADER) == 40 && offsetof(BITMAPINFOHEADER, biWidth) == 4 &&
+              offsetof(BITMAPINFOHEADER, biHeight) == 8 && offsetof(BITMAPINFOHEADER, biPlanes) == 12 &&
+              offsetof(BITMAPINFOHEADER, biBitCount) == 14 && offsetof(BITMAPINFOHEADER, biCompression) == 16 &&
+              offsetof(BITMAPINFOHEADER, biClrUsed) == 32);
 
 TEST(RecordLayout, HandleBeginsWithTheMagicWord) {
   const TestDevice device({});

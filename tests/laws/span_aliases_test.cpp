@@ -4,26 +4,10 @@
 #include <string>
 #include <vector>
 
-#include "support/plane_image.h"
-#include "support/random_bytes.h"
-#include "support/tag_plane.h"
-#include "support/test_device.h"
+#include "laws/twin_devices.h"
 
 namespace qnv::test {
 namespace {
-
-struct DeviceCase {
-  const char* name;
-  DeviceOptions options;
-};
-
-const DeviceCase kDevices[] = {
-    {"24 bits", {.width = 45, .height = 21, .left = 3, .top = 5}},
-    {"8 bits", {.bitsPerPixel = 8, .width = 45, .height = 21, .left = 3, .top = 5}},
-    {"scaled", {.kind = QNV_KIND_SCALED, .width = 45, .height = 21, .resolutionA = 600, .resolutionB = 400}},
-    {"gray mode", {.kind = QNV_KIND_SCALED, .bitsPerPixel = 0, .width = 45, .height = 21, .resolutionA = 300}},
-    {"dual-plane", {.width = 45, .height = 21, .left = 3, .top = 5, .tagPlane = true}},
-};
 
 int16_t Coordinate(RandomBytes* random) { return static_cast<int16_t>(static_cast<int>(random->Below(70)) - 12); }
 
@@ -57,36 +41,30 @@ SpanList BandedSpans(RandomBytes* random) {
 }
 
 void CheckAlias(uint32_t style, uint32_t alias, SpanList (*make)(RandomBytes*)) {
-  for (const DeviceCase& d : kDevices) {
-    TestDevice first(d.options);
-    TestDevice second(d.options);
-    if (d.options.tagPlane) {
-      MakeTagsMixed(&first, 1);
-      MakeTagsMixed(&second, 1);
-    }
+  for (const DeviceOptions& options : LawDevices()) {
+    TwinDevices twins(options);
+    twins.FillWith(1);
     RandomBytes random(style);
     for (uint32_t n = 0; n < 600; ++n) {
-      SCOPED_TRACE(std::string(d.name) + ", case " + std::to_string(n));
+      SCOPED_TRACE(Describe(options) + ", case " + std::to_string(n));
       const SpanList list = make(&random);
-      const PhysicalBrush brush =
-          n % 3 == 0 ? SolidBrush(first.handle(), random.Next() & 0xFFFFFF)
-                     : HatchBrush(first.handle(), static_cast<int16_t>(n % 6), random.Next() & 0xFFFFFF);
-      const PhysicalPen pen = SolidPen(first.handle(), random.Next() & 0xFFFFFF);
-      DRAWMODE mode = MakeDrawMode();
-      mode.Rop2 = static_cast<int16_t>(1 + random.Below(16));
-      mode.bkMode = static_cast<int16_t>(1 + random.Below(2));
+      DeviceHandle* handle = twins.first.handle();
+      const PhysicalBrush brush = n % 3 == 0
+                                      ? SolidBrush(handle, random.Next() & 0xFFFFFF)
+                                      : HatchBrush(handle, static_cast<int16_t>(n % 6), random.Next() & 0xFFFFFF);
+      const PhysicalPen pen = SolidPen(handle, random.Next() & 0xFFFFFF);
+      const int rop2 = static_cast<int>(1 + random.Below(16));
+      const DRAWMODE mode = MakeDrawMode({.rop2 = rop2, .bkMode = static_cast<int>(1 + random.Below(2))});
       const BandRect clip{Coordinate(&random), Coordinate(&random), 30, 18};
-      const PhysicalPen* usedPen = n % 4 == 0 ? &pen : nullptr;
+      const auto paint = [&](const TestDevice& device, uint32_t code) {
+        return QNVOutput(device.handle(), code, list.count, list.points.data(), n % 4 == 0 ? &pen : nullptr, &brush,
+                         &mode, &clip) &
+               0xFFFF;
+      };
       const uint32_t upper = n % 2 == 0 ? 0u : 0x00050000u;  // no part of a style
-      EXPECT_EQ(
-          1u, QNVOutput(first.handle(), style, list.count, list.points.data(), usedPen, &brush, &mode, &clip) & 0xFFFF);
-      EXPECT_EQ(
-          1u, QNVOutput(second.handle(), alias | upper, list.count, list.points.data(), usedPen, &brush, &mode, &clip) &
-                  0xFFFF);
-      ASSERT_TRUE(SameImage(BandImage(first), BandImage(second)));
-      if (d.options.tagPlane) {
-        ASSERT_TRUE(SameImage(TagImage(first), TagImage(second)));
-      }
+      EXPECT_EQ(1u, paint(twins.first, style));
+      EXPECT_EQ(1u, paint(twins.second, alias | upper));
+      ASSERT_TRUE(twins.AreEqual());
     }
   }
 }
