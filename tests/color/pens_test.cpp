@@ -1,4 +1,4 @@
-// Realising pens: the same on every device class but for the color.
+// Realising pens, and what holds for pens and brushes alike.
 #include <gtest/gtest.h>
 
 #include <cstring>
@@ -32,39 +32,38 @@ TEST(Pens, StylesWidthsAndColor) {
   }
 }
 
-TEST(Pens, RecordSizeWhenThereIsNoOutput) {
-  for (const DeviceOptions& options : AllDescriptions()) {
-    SCOPED_TRACE(Describe(options));
-    const TestDevice device(options);
-    const LogicalPen logical{PS_DASH, 1, 1, 0};
-    EXPECT_EQ(10u, QNVRealizeObject(device.handle(), OBJ_PEN, &logical, nullptr, nullptr));
-    EXPECT_EQ(10u, QNVRealizeObject(device.handle(), OBJ_PEN, nullptr, nullptr, nullptr));
-    EXPECT_EQ(10u, QNVRealizeObject(device.handle(), 0x70001, &logical, nullptr, nullptr));
-  }
-}
+struct ObjectKind {
+  const char* name;
+  uint32_t kind;
+  uint32_t size;
+  uint32_t result;
+};
 
-TEST(Pens, KindCountsOnItsLowHalf) {
-  const TestDevice device({});
-  const LogicalPen logical{PS_SOLID, 1, 2, 0x00112233};
-  PhysicalPen pen{};
-  EXPECT_EQ(0x8000u, QNVRealizeObject(device.handle(), 0xFFFF0001, &logical, &pen, nullptr));
-  EXPECT_EQ(0x00112233u, uint32_t{pen.colour});
-}
+constexpr ObjectKind kObjectKinds[] = {{"pen", OBJ_PEN, 10, 0x8000}, {"brush", OBJ_BRUSH, 268, 0x8002}};
 
-TEST(Pens, NullInputIsRefused) {
+// The record's size when there is no output, nothing when there is no input; the kind counts on its low half.
+TEST(Objects, SizesAndNullArguments) {
   for (const DeviceOptions& options : AllDescriptions()) {
-    SCOPED_TRACE(Describe(options));
-    const TestDevice device(options);
-    PhysicalPen pen;
-    std::memset(&pen, 0xEE, sizeof pen);
-    const PhysicalPen before = pen;
-    EXPECT_EQ(0u, QNVRealizeObject(device.handle(), OBJ_PEN, nullptr, &pen, nullptr));
-    EXPECT_EQ(0, std::memcmp(&before, &pen, sizeof pen));
+    for (const ObjectKind& k : kObjectKinds) {
+      for (uint32_t upper : {0u, 0x50000u, 0xFFFF0000u}) {
+        SCOPED_TRACE(std::string(k.name) + ", " + Describe(options));
+        const TestDevice device(options);
+        const uint8_t logical[sizeof(LogicalBrush)] = {};  // of a solid black brush or pen
+        std::vector<uint8_t> output(k.size, 0xEE);
+        const std::vector<uint8_t> before = output;
+        EXPECT_EQ(k.size, QNVRealizeObject(device.handle(), upper | k.kind, logical, nullptr, nullptr));
+        EXPECT_EQ(k.size, QNVRealizeObject(device.handle(), upper | k.kind, nullptr, nullptr, nullptr));
+        EXPECT_EQ(0u, QNVRealizeObject(device.handle(), upper | k.kind, nullptr, output.data(), nullptr));
+        EXPECT_EQ(before, output);
+        EXPECT_EQ(k.result, QNVRealizeObject(device.handle(), upper | k.kind, logical, output.data(), nullptr));
+        EXPECT_NE(before, output);
+      }
+    }
   }
 }
 
 // Fonts, bitmaps and whatever else a host may ask for.
-TEST(Pens, OtherKindsAreUnknown) {
+TEST(Objects, OtherKindsAreUnknown) {
   for (const DeviceOptions& options : AllDescriptions()) {
     const TestDevice device(options);
     for (uint32_t kind : {0u, 3u, 4u, 5u, 6u, 0xFFu, 0x0100u, 0x0201u, 0x10000u, 0x20003u, 0xFFFFFFFFu}) {

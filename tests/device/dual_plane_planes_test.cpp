@@ -143,6 +143,9 @@ TEST(DualPlane, OtherDepthsStayInsideTheirPlanes) {
       }
       const DRAWMODE mode = MakeDrawMode();
       const PhysicalBrush brush = HatchBrush(device.handle(), HS_CROSS, 0x123456);
+      const int16_t record[] = {2, -50, 50, -50, 50, 2};
+      QNVOutput(device.handle(), OS_BANDED_SPANS, 1, record, nullptr, &brush, &mode, &kEverywhere);
+      EXPECT_TRUE(device.FencesIntact()) << "spans";
       const uint8_t pixels[12 * 3 * 8] = {};
       const SourceBitmap source{0, 12, 8, 36, 1, 24, pixels};
       const uint8_t bitRows[2 * 8] = {0x5A, 0xA5, 0xFF, 0x00};

@@ -6,7 +6,6 @@
 #include <vector>
 
 #include "support/plane_image.h"
-#include "support/random_bytes.h"
 #include "support/test_device.h"
 #include "support/transfer_call.h"
 
@@ -110,44 +109,6 @@ TEST(ScaledCoordinates, TransfersKeepOrDropWholeRowsAndColumns) {
         EXPECT_EQ(1u, Transfer(device.handle(), {.at = {x, y}, .size = {1, 1}, .rop = BLACKNESS}));
         EXPECT_TRUE(BandShows(device, expected));
       }
-    }
-  }
-}
-
-// The kept page indices of one period, from their definition: the nearest one for each band index, a half going down.
-std::vector<bool> KeptOfPeriod(const Resolutions& r) {
-  std::vector<bool> kept(r.a + 1u, false);
-  for (uint32_t j = 0; j < r.b; ++j) {
-    const uint32_t product = j * r.a;
-    kept[product / r.b + (product % r.b > r.b / 2u ? 1 : 0)] = true;
-  }
-  return kept;
-}
-
-int64_t Rounded(int64_t value, int64_t multiplier, int64_t divisor) {
-  return (value * multiplier + divisor / 2) / divisor;  // of values that are not negative
-}
-
-// Several periods in one row: which band columns are reached, and that nothing lands past the last one.
-TEST(ScaledCoordinates, WholeRowsOverSeveralPeriods) {
-  constexpr Resolutions kPairs[] = {{720, 360}, {600, 400},  {360, 720},  {7, 5},    {5, 7},    {97, 89},
-                                    {89, 97},   {360, 1440}, {1440, 360}, {100, 99}, {99, 100}, {3, 2}};
-  for (const Resolutions& r : kPairs) {
-    for (uint32_t width : {1u, 2u, 5u, 34u, 301u}) {
-      SCOPED_TRACE(NameOf(r) + ", width " + std::to_string(width));
-      ScaledDevice device({.width = width, .height = 1, .resolutionA = r.a, .resolutionB = r.b});
-      FillWithNoise(&device.band(), width);
-      PlaneImage expected = BandImage(device);
-      const std::vector<bool> kept = KeptOfPeriod(r);
-      const int64_t pageColumns = Rounded(width, r.a, r.b);
-      for (int64_t page = 0; page < pageColumns && Rounded(1, r.a, r.b) > 0; ++page) {
-        const int64_t column = Rounded(page, r.b, r.a);
-        if (kept[static_cast<std::size_t>(page) % r.a] && column < width) {
-          expected.Set(static_cast<int32_t>(column), 0, {0, 0, 0});
-        }
-      }
-      EXPECT_EQ(1u, Transfer(device.handle(), {.size = {10000, 1}, .rop = BLACKNESS}));
-      EXPECT_TRUE(BandShows(device, expected));
     }
   }
 }

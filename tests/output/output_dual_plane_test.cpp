@@ -213,18 +213,5 @@ TEST(OutputDualPlane, MarksFollowTheFigure) {
   }
 }
 
-// A device described with another depth has a color plane of that size, and nothing goes past it.
-TEST(OutputDualPlane, DescribedWithAnotherDepth) {
-  for (uint16_t depth : {uint16_t{8}, uint16_t{16}, uint16_t{0}}) {
-    DualPlaneDevice device({.bitsPerPixel = depth, .width = 19, .height = 5});
-    for (bool mixed : {false, true}) {
-      if (mixed) MixTags(&device);
-      for (int16_t row = -1; row < 6; ++row) PaintList(device, OS_SCANLINES, 2, {0, row, -50, 50});
-      EXPECT_EQ(1u, PaintList(device, OS_BANDED_SPANS, 1, {2, -50, 50, -50, 50, 2}));
-      EXPECT_TRUE(device.FencesIntact()) << depth << " bits";
-    }
-  }
-}
-
 }  // namespace
 }  // namespace qnv::test

@@ -104,77 +104,75 @@ TEST(BitBltDualPlane, EveryIndexWithAOneBitSource) {
   }
 }
 
-struct BrushCase {
-  const char* name;
-  uint16_t style;
-  uint16_t depth;
-  int16_t bkMode;
-  uint32_t background;
-  uint32_t foreground;  // color of the marked cells
-  // Whether marked and unmarked cells paint where white, where black is skipped.
-  bool markedPaintsOnWhite;
-  bool gapPaintsOnWhite;
-  bool markedPaintsOnBlack;
-  bool gapPaintsOnBlack;
-};
-
-constexpr BrushCase kBrushes[] = {
-    {"red hatch on white", BS_HATCHED, 0, OPAQUE, kWhitePaper, kRedInk, true, false, true, true},
-    {"red hatch on black", BS_HATCHED, 0, OPAQUE, kBlackPaper, kRedInk, true, true, true, false},
-    {"red hatch on blue", BS_HATCHED, 0, OPAQUE, 0x00FF0000, kRedInk, true, true, true, true},
-    // What the gaps of a transparent hatch show is settled by the background color all the same.
-    {"red hatch on blue, transparent", BS_HATCHED, 0, TRANSPARENT, 0x00FF0000, kRedInk, true, true, true, true},
-    {"red hatch on white, transparent", BS_HATCHED, 0, TRANSPARENT, kWhitePaper, kRedInk, true, false, true, true},
-    {"white hatch on white", BS_HATCHED, 0, OPAQUE, kWhitePaper, kWhitePaper, false, false, true, true},
-    {"white hatch on red", BS_HATCHED, 0, OPAQUE, kRedInk, kWhitePaper, false, true, true, true},
-    {"black hatch on black", BS_HATCHED, 0, OPAQUE, kBlackPaper, kBlackPaper, true, true, false, false},
-    {"black hatch on white", BS_HATCHED, 0, OPAQUE, kWhitePaper, kBlackPaper, true, false, false, true},
-    {"white hatch on black, transparent", BS_HATCHED, 0, TRANSPARENT, kBlackPaper, kWhitePaper, false, true, true,
-     false},
-    // The background is compared whole, a cell by its color alone.
-    {"background with a top byte", BS_HATCHED, 0, OPAQUE, 0x01FFFFFF, kRedInk, true, true, true, true},
-    // A pattern paints all of its cells. Of a one-bit pattern the marked ones count as black, whatever the text
-    // color, the others as the background color.
-    {"one-bit pattern on white", BS_PATTERN, 1, OPAQUE, kWhitePaper, kBlackPaper, true, false, false, true},
-    {"one-bit pattern on black", BS_PATTERN, 1, OPAQUE, kBlackPaper, kBlackPaper, true, true, false, false},
-    {"one-bit pattern on red", BS_PATTERN, 1, TRANSPARENT, kRedInk, kBlackPaper, true, true, false, true},
-};
-
-PhysicalBrush BrushOf(const BrushCase& c, uint8_t fx, uint8_t fy) {
-  PhysicalBrush brush = BrushRecord(c.style, c.depth == 1 ? 0 : c.foreground);
-  brush.patternDepth = c.depth;
-  brush.hatchScale[0] = fx;
-  brush.hatchScale[1] = fy;
-  RandomBytes random(c.style + 3u);
-  const uint32_t gap = c.depth == 1 ? kWhitePaper : 0x00778899u;
-  for (uint32_t& cell : brush.cells) cell = random.Below(2) == 0 ? gap : c.foreground | 0xFF000000u;
-  return brush;
-}
-
+// A hatch's lines paint by their color, its gaps by the background color, which is compared whole and settles them in
+// transparent mode too. Of a one-bit pattern the marked cells count as black, whatever the text color, the others as
+// the background color.
 TEST(BitBltDualPlane, HatchedAndOneBitPatternBrushes) {
+  struct Colors {
+    uint32_t background;
+    uint32_t foreground;  // color of the marked cells
+  };
+  constexpr Colors kColors[] = {{kWhitePaper, kRedInk},     {kBlackPaper, kRedInk},     {0x00FF0000, kRedInk},
+                                {kWhitePaper, kWhitePaper}, {kRedInk, kWhitePaper},     {kBlackPaper, kBlackPaper},
+                                {kWhitePaper, kBlackPaper}, {kBlackPaper, kWhitePaper}, {0x01FFFFFF, kRedInk}};
   constexpr uint8_t kScales[][2] = {{1, 1}, {2, 2}, {2, 1}, {3, 1}};
-  for (const BrushCase& c : kBrushes) {
-    for (uint32_t index : {0xA0u, 0x5Fu, 0xAFu, 0x50u, 0xF5u, 0x0Au, 0xFAu, 0x05u}) {
-      for (const auto& [fx, fy] : kScales) {
-        SCOPED_TRACE(std::string(c.name) + ", index " + std::to_string(index) + ", scale " + std::to_string(fx) +
-                     " x " + std::to_string(fy));
-        // A moved band: cells are counted from its corner on both planes.
-        DualPlaneDevice device({.width = 37, .height = 19, .left = 5, .top = 3});
-        MakeTagsMixed(&device, index);
-        const PhysicalBrush brush = BrushOf(c, fx, fy);
-        const int32_t cellWidth = std::min<int32_t>(fx, 2);
-        const int32_t cellHeight = fy;
-        const DRAWMODE mode = MakeDrawMode({.bkMode = c.bkMode, .background = c.background, .text = 0x00123456});
-        const bool skipsWhite = TagRuleOf(index) == TagRule::kBrushUnlessWhite;
-        const TransferCall call{
-            .at = {7, 4}, .size = {100, 15}, .rop = index << 16, .brush = &brush, .drawMode = &mode};
-        ExpectTransfer(device, call, nullptr, {2, 1, 37, 16}, {}, [&](int32_t column, int32_t row) {
-          const bool marked = brush.cells[row / cellHeight % 8 * 8 + column / cellWidth % 8] >= 0x1000000;
-          return skipsWhite ? (marked ? c.markedPaintsOnWhite : c.gapPaintsOnWhite)
-                            : (marked ? c.markedPaintsOnBlack : c.gapPaintsOnBlack);
-        });
+  for (const Colors& colors : kColors) {
+    for (bool oneBit : {false, true}) {
+      for (uint32_t index : {0xA0u, 0x5Fu, 0xAFu, 0x50u, 0xF5u, 0x0Au, 0xFAu, 0x05u}) {
+        for (const auto& scale : kScales) {
+          for (int bkMode : {OPAQUE, TRANSPARENT}) {
+            SCOPED_TRACE(std::string(oneBit ? "one bit" : "hatch") + ", colors " + std::to_string(colors.foreground) +
+                         " on " + std::to_string(colors.background) + ", index " + std::to_string(index) + ", scale " +
+                         std::to_string(scale[0]) + " x " + std::to_string(scale[1]));
+            // A moved band: cells are counted from its corner on both planes.
+            DualPlaneDevice device({.width = 37, .height = 19, .left = 5, .top = 3});
+            MakeTagsMixed(&device, index);
+            PhysicalBrush brush = BrushRecord(oneBit ? BS_PATTERN : BS_HATCHED, oneBit ? 0 : colors.foreground);
+            brush.patternDepth = oneBit ? 1 : 0;
+            brush.hatchScale[0] = scale[0];
+            brush.hatchScale[1] = scale[1];
+            RandomBytes random(7);
+            for (uint32_t& cell : brush.cells) {
+              const bool gap = random.Below(2) == 0;
+              cell = !gap ? 0xFF000000u | (oneBit ? 0 : colors.foreground) : oneBit ? kWhitePaper : 0x00778899u;
+            }
+            const DRAWMODE mode = MakeDrawMode({.bkMode = bkMode, .background = colors.background, .text = 0x00123456});
+            const uint32_t paper = TagRuleOf(index) == TagRule::kBrushUnlessWhite ? kWhitePaper : kBlackPaper;
+            const TransferCall call{
+                .at = {7, 4}, .size = {100, 15}, .rop = index << 16, .brush = &brush, .drawMode = &mode};
+            ExpectTransfer(device, call, nullptr, {2, 1, 37, 16}, {}, [&](int32_t column, int32_t row) {
+              const uint32_t cell = brush.cells[row / scale[1] % 8 * 8 + column / std::min<int>(scale[0], 2) % 8];
+              return (cell >= 0x1000000 ? cell & 0xFFFFFF : colors.background) != paper;
+            });
+          }
+        }
       }
     }
+  }
+}
+
+// Some of these, by hand: the tags of eight cells, two lines and six gaps.
+TEST(BitBltDualPlane, HatchesByHand) {
+  struct Case {
+    const char* name;
+    uint32_t rop;
+    uint32_t background;
+    uint32_t foreground;
+    const char* marks;
+  };
+  for (const Case& c : {Case{"red on white where white is skipped", kAndPattern, kWhitePaper, kRedInk, "11......"},
+                        Case{"red on white where black is skipped", kOrPattern, kWhitePaper, kRedInk, "11111111"},
+                        Case{"white on red where white is skipped", kAndPattern, kRedInk, kWhitePaper, "..111111"},
+                        Case{"white on white", kAndPattern, kWhitePaper, kWhitePaper, "........"},
+                        Case{"black on black", kOrPattern, kBlackPaper, kBlackPaper, "........"}}) {
+    SCOPED_TRACE(c.name);
+    DualPlaneDevice device({.width = 8, .height = 1});
+    MixTags(&device);
+    PhysicalBrush brush = BrushRecord(BS_HATCHED, c.foreground);
+    brush.cells[0] = brush.cells[1] = 0xFF000000u | c.foreground;
+    const DRAWMODE mode = MakeDrawMode({.bkMode = TRANSPARENT, .background = c.background});
+    EXPECT_EQ(1u, Transfer(device.handle(), {.size = {8, 1}, .rop = c.rop, .brush = &brush, .drawMode = &mode}));
+    EXPECT_TRUE(TagsMarked(device, c.marks));
   }
 }
 

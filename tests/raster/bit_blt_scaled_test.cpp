@@ -153,18 +153,6 @@ TEST(BitBltScaled, CopiesByHand) {
   }
 }
 
-// Upwards nothing is stretched: the pixels lie apart, and what is between them stays.
-TEST(BitBltScaled, OneToTwoLeavesGaps) {
-  TestDevice device(OptionsOf({360, 720}, 24, 8, 4));
-  const DRAWMODE mode = ScaledMode();
-  PlaneImage expected = BandImage(device);
-  EXPECT_EQ(1u, Transfer(device.handle(), {.size = {4, 2}, .rop = BLACKNESS, .drawMode = &mode}));
-  for (int32_t row : {0, 2}) {
-    for (int32_t column : {0, 2, 4, 6}) expected.Set(column, row, {0, 0, 0});
-  }
-  EXPECT_TRUE(BandShows(device, expected));
-}
-
 // Every index, source form and kind of brush, in color, in gray mode and at a depth that is neither.
 TEST(BitBltScaled, EveryIndex) {
   for (const Resolutions& r : {Resolutions{600, 400}, Resolutions{360, 360}}) {
@@ -291,50 +279,58 @@ TEST(BitBltScaled, ClippedAndAlignedInPagePixels) {
   }
 }
 
-// Rows of many pixels, and of pixels that lie very far apart on the page.
-TEST(BitBltScaled, WideRows) {
+// One row of several periods, of many pixels, and of pixels that lie very far apart on the page: which band columns are
+// reached, and that nothing lands past the last one.
+TEST(BitBltScaled, WholeRows) {
   struct Case {
     Resolutions resolutions;
-    uint32_t width;
+    std::vector<uint32_t> widths;
   };
-  constexpr Case kCases[] = {{{360, 360}, 1500}, {{600, 400}, 1500}, {{720, 360}, 1500}, {{97, 89}, 1500},
-                             {{400, 600}, 1500}, {{700, 2}, 90},     {{700, 2}, 260},    {{65535, 1}, 3}};
+  const std::vector<uint32_t> few = {1, 2, 5, 34, 301};
+  const Case cases[] = {{{360, 360}, {1500}},
+                        {{720, 360}, {1, 2, 5, 34, 301, 1500}},
+                        {{600, 400}, {1, 2, 5, 34, 301, 1500}},
+                        {{97, 89}, {1, 2, 5, 34, 301, 1500}},
+                        {{400, 600}, {1500}},
+                        {{700, 2}, {90, 260}},
+                        {{65535, 1}, {3}},
+                        {{360, 720}, few},
+                        {{7, 5}, few},
+                        {{5, 7}, few},
+                        {{89, 97}, few},
+                        {{360, 1440}, few},
+                        {{1440, 360}, few},
+                        {{100, 99}, few},
+                        {{99, 100}, few},
+                        {{3, 2}, few}};
   constexpr BandRect kClip{0, 0, 10000000, 1};  // farther than any page of these
-  for (const Case& c : kCases) {
+  const DRAWMODE mode = ScaledMode();
+  const SourceImage sources[] = {
+      {kColorSource, 21000, 1, 12}, {kGraySource, 32767, 1, 12}, {kOneBitSource, 32767, 1, 12}};
+  for (const Case& c : cases) {
     const Mapping mapping(c.resolutions);
-    const int32_t pageRight = mapping.PageEdge(static_cast<int32_t>(c.width));
-    for (uint16_t bits : {uint16_t{24}, uint16_t{0}}) {
-      TestDevice device(OptionsOf(c.resolutions, bits, c.width, 1));
-      const DRAWMODE mode = ScaledMode();
-      const PhysicalBrush brush = HatchBrush(device.handle(), HS_FDIAGONAL, 0x00336699);
-      for (const SourceForm& form : {OwnForm(bits), kOneBitSource}) {
-        const SourceImage source(form, 32767, 1, 12);
-        for (uint32_t rop : {SRCCOPY, SRCINVERT, PATINVERT, PATPAINT, BLACKNESS}) {
-          SCOPED_TRACE(NameOf(c.resolutions) + ", width " + std::to_string(c.width) + ", " + std::to_string(bits) +
-                       " bits, " + form.name + ", code " + std::to_string(rop));
-          FillWithNoise(&device.band(), rop);
-          const TransferCall call{
-              .from = {3, 0}, .size = {1000000, 1}, .rop = rop, .brush = &brush, .drawMode = &mode, .clip = &kClip};
-          const bool usesSource = IndexUsesSource(static_cast<uint8_t>(rop >> 16));
-          const BandRect page{0, 0, usesSource ? std::min(pageRight, 32767 - 3) : pageRight, 1};
-          EXPECT_TRUE(PaintsScaled(device, call, &source, page, {3, 0}));
+    for (uint32_t width : c.widths) {
+      for (uint16_t bits : {uint16_t{24}, uint16_t{0}}) {
+        TestDevice device(OptionsOf(c.resolutions, bits, width, 1));
+        const PhysicalBrush brush = HatchBrush(device.handle(), HS_FDIAGONAL, 0x00336699);
+        for (const SourceImage* source : {&sources[bits == 24 ? 0 : 1], &sources[2]}) {
+          for (uint32_t rop : {SRCCOPY, SRCINVERT, PATINVERT, PATPAINT, BLACKNESS}) {
+            SCOPED_TRACE(NameOf(c.resolutions) + ", width " + std::to_string(width) + ", " + std::to_string(bits) +
+                         " bits, code " + std::to_string(rop) + (source->oneBit() ? ", one-bit source" : ""));
+            FillWithNoise(&device.band(), rop);
+            const TransferCall call{
+                .from = {3, 0}, .size = {1000000, 1}, .rop = rop, .brush = &brush, .drawMode = &mode, .clip = &kClip};
+            const int32_t pageRight = mapping.PageEdge(static_cast<int32_t>(width));
+            const int32_t sourceRight = source->record()->bmWidth - 3;
+            const bool usesSource = IndexUsesSource(static_cast<uint8_t>(rop >> 16));
+            const BandRect page{0, 0, usesSource ? std::min(pageRight, sourceRight) : pageRight,
+                                std::min(1, mapping.PageEdge(1))};
+            EXPECT_TRUE(PaintsScaled(device, call, source, page, {3, 0}));
+          }
         }
       }
     }
   }
-}
-
-// The pattern's cells are band pixels, whatever page pixel fills them.
-TEST(BitBltScaled, PatternCountsBandPixels) {
-  TestDevice device(OptionsOf(kTwoToOne, 24, 20, 20));
-  const DRAWMODE mode = ScaledMode();
-  const SourceImage bitmap(kColorSource, 8, 8, 8);
-  const PhysicalBrush brush = PatternBrush(device.handle(), *bitmap.record());
-  PlaneImage expected = BandImage(device);
-  FillExpected(&expected, {1, 1, 20, 20}, brush, mode);
-  EXPECT_EQ(1u, Transfer(device.handle(),
-                         {.at = {1, 1}, .size = {100, 100}, .rop = PATCOPY, .brush = &brush, .drawMode = &mode}));
-  EXPECT_TRUE(BandShows(device, expected));
 }
 
 // A byte of a gray source fills all three bytes of a pixel; a byte of a color source read on a device of neither
