@@ -65,7 +65,7 @@ TEST(Brushes, StylesAndResults) {
   for (const DeviceOptions& options : AllDescriptions()) {
     const TestDevice device(options);
     for (const Case& c : kStyles) {
-      SCOPED_TRACE(Describe(options) + ", style " + c.name);
+      SCOPED_TRACE(Text(Describe(options), ", style ", c.name));
       const Realised realised = Realise(device, {c.style, 0x000000FF, -2, 0x00ABCDEF});
       EXPECT_EQ(c.result, realised.result);
       // Even of an unknown style the twelve bytes of the header are there.
@@ -105,7 +105,7 @@ TEST(Brushes, HatchCells) {
   for (const DeviceOptions& options : AllDescriptions()) {
     const TestDevice device(options);
     for (const HatchCase& h : kHatches) {
-      SCOPED_TRACE(Describe(options) + ", " + h.name);
+      SCOPED_TRACE(Text(Describe(options), ", ", h.name));
       // The gaps' color is taken as it is, top byte and all, on gray devices too.
       const uint32_t gap = 0x12AB34CD;
       const Realised realised = Realise(device, {BS_HATCHED, 0x000000FF, h.hatch, gap});
@@ -141,7 +141,7 @@ TEST(Brushes, HatchScaleFollowsTheResolution) {
                               {1439, 2}, {1440, 3}, {2159, 3}, {2160, 4}, {65535, 92}};
   for (const DeviceOptions& options : AllDescriptions()) {
     for (const Case& c : kScales) {
-      SCOPED_TRACE(Describe(options) + ", resolution " + std::to_string(c.resolutionA));
+      SCOPED_TRACE(Text(Describe(options), ", resolution ", c.resolutionA));
       const bool scaled = options.kind == QNV_KIND_SCALED;
       if (scaled && c.resolutionA == 0) continue;  // no such device
       DeviceOptions resolved = options;
@@ -188,8 +188,8 @@ TEST(Brushes, PatternCells) {
                              {1, 4, 3},     {4, 4, 3},   {16, 4, 3},  {32, 4, 3},     {0, 4, 3}};
   for (const DeviceOptions& options : AllDescriptions()) {
     for (const Case& c : kCases) {
-      SCOPED_TRACE(Describe(options) + ", " + std::to_string(c.bits) + "-bit rows " + std::to_string(c.widthBytes) +
-                   " bytes apart, planes " + std::to_string(c.planes));
+      SCOPED_TRACE(
+          Text(Describe(options), ", ", c.bits, "-bit rows ", c.widthBytes, " bytes apart, planes ", c.planes));
       const TestDevice device(options);
       const PatternBitmap bitmap(c.bits, c.widthBytes, c.widthBytes + c.bits, c.planes);
       const Realised realised = Realise(device, bitmap.Logical());

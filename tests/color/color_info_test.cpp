@@ -38,7 +38,7 @@ TEST(ColorInfo, EveryDeviceClass) {
   for (const DeviceOptions& options : AllDescriptions()) {
     const TestDevice device(options);
     for (const ColorCase& c : kColors) {
-      SCOPED_TRACE(Describe(options) + ", " + c.name);
+      SCOPED_TRACE(Text(Describe(options), ", ", c.name));
       const uint32_t expected = IsGrayDevice(device) ? c.gray : c.logical;
       uint32_t stored = 0xDEADBEEF;
       EXPECT_EQ(expected, QNVColorInfo(device.handle(), c.logical, &stored));

@@ -15,7 +15,7 @@ TEST(Pens, StylesWidthsAndColor) {
     const TestDevice device(options);
     for (int style :
          {PS_SOLID, PS_DASH, PS_DOT, PS_DASHDOT, PS_DASHDOTDOT, PS_NULL, PS_INSIDEFRAME, 7, 0x0105, 0xFFFF}) {
-      SCOPED_TRACE(Describe(options) + ", style " + std::to_string(style));
+      SCOPED_TRACE(Text(Describe(options), ", style ", style));
       const LogicalPen logical{static_cast<uint16_t>(style), 7, -9, 0x000000FF};
       const LogicalPen before = logical;
       FencedBuffer memory(sizeof(PhysicalPen), 0xEE);
@@ -46,7 +46,7 @@ TEST(Objects, SizesAndNullArguments) {
   for (const DeviceOptions& options : AllDescriptions()) {
     for (const ObjectKind& k : kObjectKinds) {
       for (uint32_t upper : {0u, 0x50000u, 0xFFFF0000u}) {
-        SCOPED_TRACE(std::string(k.name) + ", " + Describe(options));
+        SCOPED_TRACE(Text(k.name, ", ", Describe(options)));
         const TestDevice device(options);
         const uint8_t logical[sizeof(LogicalBrush)] = {};  // of a solid black brush or pen
         std::vector<uint8_t> output(k.size, 0xEE);
@@ -67,7 +67,7 @@ TEST(Objects, OtherKindsAreUnknown) {
   for (const DeviceOptions& options : AllDescriptions()) {
     const TestDevice device(options);
     for (uint32_t kind : {0u, 3u, 4u, 5u, 6u, 0xFFu, 0x0100u, 0x0201u, 0x10000u, 0x20003u, 0xFFFFFFFFu}) {
-      SCOPED_TRACE(Describe(options) + ", kind " + std::to_string(kind));
+      SCOPED_TRACE(Text(Describe(options), ", kind ", kind));
       const LogicalBrush logical{BS_SOLID, 0, 0, 0};
       PhysicalBrush output;
       std::memset(&output, 0xEE, sizeof output);

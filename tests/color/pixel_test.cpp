@@ -44,7 +44,7 @@ TEST(Pixel, ReadsAndWritesInOppositeOrders) {
 TEST(Pixel, ReadingIsClippedAsWritingIs) {
   for (const DeviceOptions& options : DeviceClasses(kClipBand)) {
     for (const ClipCase& c : kClipCases) {
-      SCOPED_TRACE(std::string(c.name) + ", " + Describe(options));
+      SCOPED_TRACE(Text(c.name, ", ", Describe(options)));
       PlacedDevice device(options, c.place);
       device.band().Fill(0x5A);
       const int32_t columnOfZero = c.place.originX - c.place.left;
@@ -64,44 +64,43 @@ TEST(Pixel, ReadingIsClippedAsWritingIs) {
 }
 
 // With d = 1010 and s = 1100 a code's result is the code less one, bit by bit; here in both halves of the byte.
-struct Rop2Case {
-  const char* name;
+struct Rop2Result {
   int code;
   uint8_t result;  // of d = 0xAA, s = 0xCC
 };
 
-constexpr Rop2Case kRop2[] = {
-    {"R2_BLACK", 1, 0x00},
-    {"R2_NOTMERGEPEN", 2, 0x11},
-    {"R2_MASKNOTPEN", 3, 0x22},
-    {"R2_NOTCOPYPEN", 4, 0x33},
-    {"R2_MASKPENNOT", 5, 0x44},
-    {"R2_NOT", 6, 0x55},
-    {"R2_XORPEN", 7, 0x66},
-    {"R2_NOTMASKPEN", 8, 0x77},
-    {"R2_MASKPEN", 9, 0x88},
-    {"R2_NOTXORPEN", 10, 0x99},
-    {"R2_NOP", 11, 0xAA},
-    {"R2_MERGENOTPEN", 12, 0xBB},
-    {"R2_COPYPEN", 13, 0xCC},
-    {"R2_MERGEPENNOT", 14, 0xDD},
-    {"R2_MERGEPEN", 15, 0xEE},
-    {"R2_WHITE", 16, 0xFF},
+constexpr Rop2Result kRop2[] = {
+    {R2_BLACK, 0x00},
+    {R2_NOTMERGEPEN, 0x11},
+    {R2_MASKNOTPEN, 0x22},
+    {R2_NOTCOPYPEN, 0x33},
+    {R2_MASKPENNOT, 0x44},
+    {R2_NOT, 0x55},
+    {R2_XORPEN, 0x66},
+    {R2_NOTMASKPEN, 0x77},
+    {R2_MASKPEN, 0x88},
+    {R2_NOTXORPEN, 0x99},
+    {R2_NOP, 0xAA},
+    {R2_MERGENOTPEN, 0xBB},
+    {R2_COPYPEN, 0xCC},
+    {R2_MERGEPENNOT, 0xDD},
+    {R2_MERGEPEN, 0xEE},
+    {R2_WHITE, 0xFF},
     // Codes outside the numbering count with the low four bits of the code less one.
-    {"0", 0, 0xFF},
-    {"17", 17, 0x00},
-    {"29", 29, 0xCC},
-    {"0x010D", 0x010D, 0xCC},
-    {"0xFFFF", 0xFFFF, 0xEE},
-    {"0x8000", 0x8000, 0xFF},
+    {0, 0xFF},
+    {17, 0x00},
+    {29, 0xCC},
+    {0x010D, 0xCC},
+    {0xFFFF, 0xEE},
+    {0x8000, 0xFF},
 };
 
 TEST(Pixel, EveryBinaryOperation) {
   std::vector<DeviceOptions> classes = DeviceClasses({.width = 5, .height = 3});
   classes.push_back({.kind = QNV_KIND_SCALED, .bitsPerPixel = 8, .width = 5, .height = 3});
   for (const DeviceOptions& options : classes) {
-    for (const Rop2Case& c : kRop2) {
-      SCOPED_TRACE(std::string(c.name) + ", " + Describe(options));
+    for (const Rop2Result& c : kRop2) {
+      SCOPED_TRACE(Text("code ", c.code, ", ", Describe(options)));
       TestDevice device(options);
       PlaneImage expected = BandImage(device);
       expected.Set(4, 2, {0xAA, 0xAA, 0xAA});
@@ -117,8 +116,8 @@ TEST(Pixel, EveryBinaryOperation) {
 TEST(Pixel, OperationsActByteByByte) {
   for (const DeviceOptions& options : DeviceClasses({.width = 4, .height = 2})) {
     if (options.bitsPerPixel == 8) continue;
-    for (const Rop2Case& c : kRop2) {
-      SCOPED_TRACE(std::string(c.name) + ", " + Describe(options));
+    for (const Rop2Result& c : kRop2) {
+      SCOPED_TRACE(Text("code ", c.code, ", ", Describe(options)));
       TestDevice device(options);
       PlaneImage expected = BandImage(device);
       expected.Set(3, 1, {0xAA, 0x0A, 0xA0});
@@ -217,7 +216,7 @@ TEST(Pixel, TagRuleOfEveryOperation) {
   codes.push_back({"17", 17, Marking::kAlways});
   for (const Rop2Marking& r : codes) {
     for (uint32_t color : {0x00FFFFFFu, 0u, 0x00FFFFFEu, 0x00000001u, 0x01FFFFFFu, 0x01000000u}) {
-      SCOPED_TRACE(std::string(r.name) + ", color " + std::to_string(color));
+      SCOPED_TRACE(Text(r.name, ", color ", color));
       DualPlaneDevice device({.width = 5, .height = 3});
       MakeTagsMixed(&device, static_cast<uint64_t>(r.code));
       PlaneImage band = BandImage(device);

@@ -33,7 +33,7 @@ TEST(PolyPixel, VisitsEachPixelOfTheRectangleOnce) {
   };
   for (const DeviceOptions& options : DeviceClasses(kPolyBand)) {
     for (const Case& c : kCases) {
-      SCOPED_TRACE(std::string(c.name) + ", " + Describe(options));
+      SCOPED_TRACE(Text(c.name, ", ", Describe(options)));
       TestDevice device(options);
       FillWithNoise(&device.band(), 3);
       PlaneImage expected = BandImage(device);

@@ -55,7 +55,7 @@ TEST(BandGeometry, Stride) {
 TEST(BandGeometry, WholeBandAtEveryWidth) {
   for (uint16_t bits : kBandDepths) {
     for (uint32_t width = 1; width <= 70; ++width) {
-      SCOPED_TRACE(std::to_string(bits) + " bits, width " + std::to_string(width));
+      SCOPED_TRACE(Text(bits, " bits, width ", width));
       TestDevice device({.bitsPerPixel = bits, .width = width, .height = 3, .left = -5, .top = 9});
       FillWithNoise(&device.band(), width);
       PlaneImage expected = BandImage(device);
@@ -73,8 +73,7 @@ TEST(BandGeometry, EdgesOfABandAnywhereOnThePage) {
                                    {0, 0, 12, 34}, {31, 77, -40, -80}, {1000000, 2000000, 0, 0}, {-3, -2, 1, 1}};
   for (uint16_t bits : kBandDepths) {
     for (const BandPlace& place : kPlaces) {
-      SCOPED_TRACE("band at " + std::to_string(place.left) + ", " + std::to_string(place.top) + ", origin " +
-                   std::to_string(place.originX) + ", " + std::to_string(place.originY));
+      SCOPED_TRACE(Text("band at ", place.left, ", ", place.top, ", origin ", place.originX, ", ", place.originY));
       PlacedDevice device({.bitsPerPixel = bits, .width = 7, .height = 4}, place);
       PlaneImage expected = BandImage(device);
       const DRAWMODE mode = MakeDrawMode();

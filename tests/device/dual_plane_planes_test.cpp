@@ -6,6 +6,7 @@
 #include "support/plane_image.h"
 #include "support/tag_plane.h"
 #include "support/test_device.h"
+#include "support/text.h"
 #include "support/transfer_call.h"
 
 namespace qnv::test {
@@ -64,7 +65,7 @@ struct Planes {
 TEST(DualPlane, UniformPlaneIsNeverWritten) {
   for (const char* state : {"just made", "after a clear", "mixed, then cleared"}) {
     for (const DrawingCase& c : kDrawings) {
-      SCOPED_TRACE(std::string(c.name) + ", " + state);
+      SCOPED_TRACE(Text(c.name, ", ", state));
       TestDevice device(kDual);
       if (*state == 'm') MakeTagsMixed(&device, 2);
       if (*state != 'j') device.Clear();
@@ -132,7 +133,7 @@ TEST(DualPlane, ClippedImageLeavesThePlaneUniform) {
 TEST(DualPlane, OtherDepthsStayInsideTheirPlanes) {
   for (uint16_t bits : {uint16_t{8}, uint16_t{16}, uint16_t{32}, uint16_t{0}}) {
     for (bool mixed : {false, true}) {
-      SCOPED_TRACE(std::to_string(bits) + " bits" + (mixed ? ", tags mixed" : ""));
+      SCOPED_TRACE(Text(bits, " bits", mixed ? ", tags mixed" : ""));
       DualPlaneDevice device({.bitsPerPixel = bits, .width = 9, .height = 5});
       if (mixed) PaintOnePixelImage(device.handle(), 0, 0);
       for (const DrawingCase& c : kDrawings) {

@@ -7,6 +7,7 @@
 
 #include "support/plane_image.h"
 #include "support/test_device.h"
+#include "support/text.h"
 #include "support/transfer_call.h"
 
 namespace qnv::test {
@@ -45,7 +46,7 @@ TEST(ScaledCoordinates, PixelsAreRoundedToTheNearest) {
   const DRAWMODE mode = MakeDrawMode();
   for (const RoundedCase& c : kRounded) {
     for (const auto& [page, band] : c.pageToBand) {
-      SCOPED_TRACE(NameOf(c.resolutions) + ", page " + std::to_string(page));
+      SCOPED_TRACE(Text(NameOf(c.resolutions), ", page ", page));
       ScaledDevice device({.width = 45,
                            .height = 45,
                            .resolutionA = c.resolutions.a,
@@ -99,7 +100,7 @@ TEST(ScaledCoordinates, TransfersKeepOrDropWholeRowsAndColumns) {
     const int32_t count = static_cast<int32_t>(c.band.size());
     for (int32_t y = 0; y < count; ++y) {
       for (int32_t x = 0; x < count; ++x) {
-        SCOPED_TRACE(NameOf(c.resolutions) + ", page (" + std::to_string(x) + ", " + std::to_string(y) + ")");
+        SCOPED_TRACE(Text(NameOf(c.resolutions), ", page (", x, ", ", y, ")"));
         ScaledDevice device(
             {.width = 16, .height = 16, .resolutionA = c.resolutions.a, .resolutionB = c.resolutions.b});
         PlaneImage expected = BandImage(device);
@@ -118,7 +119,7 @@ TEST(ScaledCoordinates, TransfersKeepOrDropWholeRowsAndColumns) {
 TEST(ScaledCoordinates, NothingLandsOnePastTheBand) {
   for (uint32_t buffer : {5u, 12u}) {
     for (int32_t extent : {8, 100}) {
-      SCOPED_TRACE("buffer " + std::to_string(buffer) + ", extent " + std::to_string(extent));
+      SCOPED_TRACE(Text("buffer ", buffer, ", extent ", extent));
       ScaledDevice device({.width = buffer, .height = buffer, .resolutionA = 600, .resolutionB = 400});
       const BandRect band{0, 0, 5, 5};
       QNVControl(device.handle(), QNV_SET_BAND_RECT, &band, nullptr);

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "support/test_device.h"
+#include "support/text.h"
 
 namespace qnv::test {
 namespace {
@@ -112,7 +113,7 @@ TEST(BadHandle, WrongMagicGivesTheFunctionsOwnForm) {
     for (const BadHandle& bad : kBadHandles) {
       // An odd address as well: a handle that is none need not be aligned.
       for (std::size_t shift : {std::size_t{0}, std::size_t{1}}) {
-        SCOPED_TRACE(std::string(c.name) + ", " + bad.name);
+        SCOPED_TRACE(Text(c.name, ", ", bad.name));
         alignas(16) std::array<uint8_t, 32> memory;
         memory.fill(0x77);
         std::memcpy(memory.data() + shift, bad.word.data(), bad.word.size());

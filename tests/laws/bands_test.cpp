@@ -9,6 +9,7 @@
 #include "support/plane_image.h"
 #include "support/scene.h"
 #include "support/test_device.h"
+#include "support/text.h"
 
 namespace qnv::test {
 namespace {
@@ -48,7 +49,7 @@ std::vector<uint8_t> PaintPage(const Scene& scene, uint16_t bitsPerPixel, uint32
 TEST(Bands, PageInBandsEqualsPageAtOnce) {
   for (const PageCase& c : kPages) {
     for (uint64_t seed = 300; seed < 340; ++seed) {
-      SCOPED_TRACE(std::string(c.name) + ", seed " + std::to_string(seed));
+      SCOPED_TRACE(Text(c.name, ", seed ", seed));
       const Scene scene(seed, {.width = kColumns,
                                .height = kRows,
                                .gray = c.bitsPerPixel == 8,

@@ -38,7 +38,7 @@ TEST(GeneralOperation, EqualsTheOperationOfItsIndex) {
       const uint8_t index = kIndices[n % kIndices.size()];
       // In gray mode doing nothing and writing everything back, grayed, are not the same.
       if (index == 0xAA && options.kind == QNV_KIND_SCALED && gray) continue;
-      SCOPED_TRACE(Describe(options) + ", index " + std::to_string(index) + ", case " + std::to_string(n));
+      SCOPED_TRACE(Text(Describe(options), ", index ", index, ", case ", n));
       twins.FillWith(n);
       const int32_t originX = between(-4, 9);
       twins.SetOrigin(originX, between(-4, 9));

@@ -9,6 +9,7 @@
 #include "support/scene.h"
 #include "support/tag_plane.h"
 #include "support/test_device.h"
+#include "support/text.h"
 
 namespace qnv::test {
 namespace {
@@ -16,7 +17,7 @@ namespace {
 // Results and bands are equal after every call.
 void ExpectSameScene(const Scene& scene, const TestDevice& expected, const TestDevice& got) {
   for (std::size_t step = 0; step < scene.size(); ++step) {
-    SCOPED_TRACE("call " + std::to_string(step) + ": " + scene.Name(step));
+    SCOPED_TRACE(Text("call ", step, ": ", scene.Name(step)));
     ASSERT_EQ(scene.Play(step, expected.handle()), scene.Play(step, got.handle()));
     ASSERT_TRUE(SameImage(BandImage(expected), BandImage(got)));
   }
@@ -29,7 +30,7 @@ void ExpectSameScene(const Scene& scene, const TestDevice& expected, const TestD
 TEST(DualPlaneColor, EqualsAPlainDevice) {
   for (bool mixed : {false, true}) {
     for (uint64_t seed = 100; seed < 200; ++seed) {
-      SCOPED_TRACE("seed " + std::to_string(seed) + (mixed ? ", mixed tags" : ""));
+      SCOPED_TRACE(Text("seed ", seed, mixed ? ", mixed tags" : ""));
       DeviceOptions options{.width = 41 + static_cast<uint32_t>(seed % 4),
                             .height = 23,
                             .resolutionA = static_cast<uint16_t>(seed % 2 == 0 ? 360 : 720),
@@ -74,7 +75,7 @@ TEST(DualPlaneColor, TagsHoldKnownValues) {
 TEST(OneToOneResolution, PaintsWhatAPlainDevicePaints) {
   for (uint16_t resolution : {uint16_t{360}, uint16_t{1}, uint16_t{7}, uint16_t{719}}) {
     for (uint64_t seed = 0; seed < 40; ++seed) {
-      SCOPED_TRACE("resolution " + std::to_string(resolution) + ", seed " + std::to_string(seed));
+      SCOPED_TRACE(Text("resolution ", resolution, ", seed ", seed));
       DeviceOptions options{.width = 41 + static_cast<uint32_t>(seed % 4),
                             .height = 23,
                             .resolutionA = resolution,

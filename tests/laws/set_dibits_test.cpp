@@ -26,7 +26,7 @@ TEST(SetDIBits, EqualsItsStretchDIBits) {
   for (const DeviceOptions& options : LawDevices()) {
     TwinDevices twins(options);
     for (uint32_t n = 0; n < 700; ++n) {
-      SCOPED_TRACE(Describe(options) + ", case " + std::to_string(n));
+      SCOPED_TRACE(Text(Describe(options), ", case ", n));
       if (options.tagPlane) twins.FillWith(n);
       BITMAPINFOHEADER header{};
       header.biSize = sizeof header;

@@ -46,7 +46,7 @@ void CheckAlias(uint32_t style, uint32_t alias, SpanList (*make)(RandomBytes*)) 
     twins.FillWith(1);
     RandomBytes random(style);
     for (uint32_t n = 0; n < 600; ++n) {
-      SCOPED_TRACE(Describe(options) + ", case " + std::to_string(n));
+      SCOPED_TRACE(Text(Describe(options), ", case ", n));
       const SpanList list = make(&random);
       DeviceHandle* handle = twins.first.handle();
       const PhysicalBrush brush = n % 3 == 0

@@ -49,7 +49,7 @@ TEST(OutputDispatch, CallsThatPaintNothing) {
   for (const DeviceOptions& options : PlainAndScaled()) {
     for (const Case& c : cases) {
       for (uint32_t style : c.styles) {
-        SCOPED_TRACE(std::string(c.name) + " " + std::to_string(style) + ", " + Describe(options));
+        SCOPED_TRACE(Text(c.name, " ", style, ", ", Describe(options)));
         TestDevice device(options);
         const auto* points = c.points ? static_cast<const int16_t*>(list.data()) : nullptr;
         EXPECT_EQ(c.result, QNVOutput(device.handle(), style, 2, points, c.hollow ? nullptr : &pen,
@@ -79,7 +79,7 @@ TEST(OutputDispatch, EveryCallPreparesTheFill) {
   const DRAWMODE mode = MakeDrawMode({.rop2 = R2_NOTCOPYPEN});
   for (const DeviceOptions& options : PlainAndScaled()) {
     for (uint32_t style : {6u, 80u, 81u}) {
-      SCOPED_TRACE("style " + std::to_string(style) + ", " + Describe(options));
+      SCOPED_TRACE(Text("style ", style, ", ", Describe(options)));
       TestDevice device(options);
       CallOutput(device, style, 2, kSmallList, {.pen = &pen, .drawMode = &mode});
       EXPECT_EQ(1u, PaintRow(device, 1, 3, 1, {}));

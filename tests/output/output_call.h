@@ -92,7 +92,7 @@ inline void RunSpanCases(const std::vector<uint32_t>& styles, const std::vector<
   for (uint16_t depth : kBandDepths) {
     for (uint32_t style : styles) {
       for (const SpanCase& c : cases) {
-        SCOPED_TRACE(std::string(c.name) + ", style " + std::to_string(style) + ", " + std::to_string(depth) + " bits");
+        SCOPED_TRACE(Text(c.name, ", style ", style, ", ", depth, " bits"));
         PlacedDevice device(WithDepth(kSpanBand, QNV_KIND_RASTER, depth), c.place);
         EXPECT_EQ(1u, PaintList(device, style, c.count, c.words, c.deltas, c.clip));
         EXPECT_TRUE(PenPainted(device, c.painted));

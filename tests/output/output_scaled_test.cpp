@@ -94,7 +94,7 @@ void RunScaledCases(uint16_t resolutionA, uint16_t resolutionB, const std::vecto
     DeviceOptions options = WithDepth(kSpanBand, QNV_KIND_SCALED, 24);
     options.resolutionA = resolutionA;
     options.resolutionB = resolutionB;
-    SCOPED_TRACE(Describe(options) + ": " + c.name);
+    SCOPED_TRACE(Text(Describe(options), ": ", c.name));
     PlacedDevice device(options, c.place);
     const PhysicalPen pen = SolidPen(device.handle(), kPenColor ^ Gray(options.fill));
     const DRAWMODE mode = MakeDrawMode({.rop2 = R2_XORPEN});
@@ -144,7 +144,7 @@ TEST(OutputScaled, GrayModeGraysWhatItWrites) {
   for (uint32_t i = 0; i < 64; ++i) hatch.cells[i] = i % 2 == 0 ? 0xFF0180FF : 0;  // even columns
   for (const Case& c : cases) {
     for (bool solid : {true, false}) {
-      SCOPED_TRACE(std::to_string(c.rop2) + (solid ? ", solid" : ", hatched"));
+      SCOPED_TRACE(Text(c.rop2, solid ? ", solid" : ", hatched"));
       ScaledDevice device({.bitsPerPixel = 0, .width = 9, .height = 2});
       PlaneImage expected = BandImage(device);
       for (int32_t row = 0; row < 2; ++row) {

@@ -49,7 +49,7 @@ TEST(Rop2, EveryCodeFillAndDevice) {
                              Fill{"transparent hatch", &hatch, TRANSPARENT}, Fill{"opaque hatch", &hatch, OPAQUE},
                              Fill{"pattern", &pattern, TRANSPARENT}}) {
       for (int code : kCodes) {
-        SCOPED_TRACE("code " + std::to_string(code) + ", " + fill.name + ", " + Describe(options));
+        SCOPED_TRACE(Text("code ", code, ", ", fill.name, ", ", Describe(options)));
         FillWithNoise(&device.band(), static_cast<uint64_t>(code));
         const DRAWMODE mode =
             MakeDrawMode({.rop2 = code, .bkMode = fill.bkMode, .background = Physical(device, 0x00123456)});

@@ -123,7 +123,7 @@ TEST(BandedSpans, LongRecords) {
   // n of each record: exactly 1024 bytes, the first odd n above 255, long and longer, longer first
   for (const std::vector<int16_t>& sizes :
        std::vector<std::vector<int16_t>>{{256}, {257}, {600, 900, 2}, {1201, 601, 257}}) {
-    SCOPED_TRACE("first record of " + std::to_string(sizes[0]));
+    SCOPED_TRACE(Text("first record of ", sizes[0]));
     TestDevice device({.bitsPerPixel = 8, .width = 1300, .height = static_cast<uint32_t>(2 * sizes.size())});
     std::vector<int16_t> words;
     std::vector<BandRect> painted;

@@ -9,6 +9,7 @@
 #include "support/random_bytes.h"
 #include "support/tag_plane.h"
 #include "support/tag_rules.h"
+#include "support/text.h"
 #include "support/transfer_check.h"
 
 namespace qnv::test {
@@ -52,7 +53,7 @@ TEST(BitBltDualPlane, EveryIndexWithAColorSourceAndASolidBrush) {
   for (uint32_t brushColor : {kWhitePaper, kBlackPaper, kRedInk, 0x00FFFFFEu, 0x01FFFFFFu, 0x01000000u}) {
     const PhysicalBrush brush = BrushRecord(BS_SOLID, brushColor);
     for (uint32_t index = 0; index < 256; ++index) {
-      SCOPED_TRACE("index " + std::to_string(index) + ", brush " + std::to_string(brushColor));
+      SCOPED_TRACE(Text("index ", index, ", brush ", brushColor));
       DualPlaneDevice device({.width = 13, .height = 3});
       MakeTagsMixed(&device, index);
       const TransferCall call{
@@ -86,8 +87,7 @@ TEST(BitBltDualPlane, EveryIndexWithAOneBitSource) {
   const PhysicalBrush brush = BrushRecord(BS_SOLID, kRedInk);
   for (const auto& [background, text] : kColors) {
     for (uint32_t index = 0; index < 256; ++index) {
-      SCOPED_TRACE("text " + std::to_string(text) + " on " + std::to_string(background) + ", index " +
-                   std::to_string(index));
+      SCOPED_TRACE(Text("text ", text, " on ", background, ", index ", index));
       DualPlaneDevice device({.width = 26, .height = 4});
       MakeTagsMixed(&device, index);
       const SourceImage source(kOneBitSource, 30, 3, index);
@@ -121,9 +121,8 @@ TEST(BitBltDualPlane, HatchedAndOneBitPatternBrushes) {
       for (uint32_t index : {0xA0u, 0x5Fu, 0xAFu, 0x50u, 0xF5u, 0x0Au, 0xFAu, 0x05u}) {
         for (const auto& scale : kScales) {
           for (int bkMode : {OPAQUE, TRANSPARENT}) {
-            SCOPED_TRACE(std::string(oneBit ? "one bit" : "hatch") + ", colors " + std::to_string(colors.foreground) +
-                         " on " + std::to_string(colors.background) + ", index " + std::to_string(index) + ", scale " +
-                         std::to_string(scale[0]) + " x " + std::to_string(scale[1]));
+            SCOPED_TRACE(Text(oneBit ? "one bit" : "hatch", ", colors ", colors.foreground, " on ", colors.background,
+                              ", index ", index, ", scale ", scale[0], " x ", scale[1]));
             // A moved band: cells are counted from its corner on both planes.
             DualPlaneDevice device({.width = 37, .height = 19, .left = 5, .top = 3});
             MakeTagsMixed(&device, index);
@@ -179,7 +178,7 @@ TEST(BitBltDualPlane, HatchesByHand) {
 TEST(BitBltDualPlane, ColorPatternBrushesGoByTheirCells) {
   for (uint8_t depth : {uint8_t{24}, uint8_t{8}}) {
     for (uint32_t rop : {kAndPattern, kOrPattern}) {
-      SCOPED_TRACE(std::to_string(depth) + " bits, code " + std::to_string(rop));
+      SCOPED_TRACE(Text(depth, " bits, code ", rop));
       DualPlaneDevice device({.width = 20, .height = 11});
       const SourceImage bitmap(depth == 24 ? kColorSource : kGraySource, 8, 8, 17);
       PhysicalBrush brush = PatternBrush(device.handle(), *bitmap.record());
@@ -244,7 +243,7 @@ constexpr RefusalCase kRefusals[] = {
 TEST(BitBltDualPlane, RefusedTagsRefuseTheTransfer) {
   for (const RefusalCase& c : kRefusals) {
     for (bool uniform : {false, true}) {
-      SCOPED_TRACE(std::string(c.name) + (uniform ? ", uniform plane" : ""));
+      SCOPED_TRACE(Text(c.name, uniform ? ", uniform plane" : ""));
       DualPlaneDevice device({.width = 9, .height = 3});
       if (!uniform) MakeTagsMixed(&device, 4);
       device.tags()->Fill(kOldTag);
@@ -292,7 +291,7 @@ TEST(BitBltDualPlane, FillsEveryWidth) {
   MakeTagsMixed(&device, 7);
   for (int32_t width = 0; width <= 70; ++width) {
     for (int32_t left = 0; left < 5; ++left) {
-      SCOPED_TRACE(std::to_string(width) + " at " + std::to_string(left));
+      SCOPED_TRACE(Text(width, " at ", left));
       device.tags()->Fill(kOldTag);
       PlaneImage tags = TagImage(device);
       EXPECT_EQ(1u, Transfer(device.handle(), {.at = {left, 1}, .size = {width, 2}, .rop = BLACKNESS}));

@@ -133,7 +133,7 @@ TEST(BitBltScaled, CopiesByHand) {
   const SourceImage source(kColorSource, 12, 12, 1);
   const DRAWMODE mode = ScaledMode();
   for (const Case& c : cases) {
-    SCOPED_TRACE(NameOf(c.resolutions) + " at " + std::to_string(c.at));
+    SCOPED_TRACE(Text(NameOf(c.resolutions), " at ", c.at));
     TestDevice device(OptionsOf(c.resolutions, 24, 9, 9));
     PlaneImage expected = BandImage(device);
     EXPECT_EQ(1u, Transfer(device.handle(), {.at = {c.at, c.at},
@@ -167,8 +167,8 @@ TEST(BitBltScaled, EveryIndex) {
         const SourceImage source(form, 30, 20, 4, 1);
         for (const PhysicalBrush& brush : brushes) {
           for (uint32_t index = 0; index < 256; ++index) {
-            SCOPED_TRACE(NameOf(r) + ", " + std::to_string(bits) + " bits, " + form.name + ", brush style " +
-                         std::to_string(brush.style) + ", index " + std::to_string(index));
+            SCOPED_TRACE(
+                Text(NameOf(r), ", ", bits, " bits, ", form.name, ", brush style ", brush.style, ", index ", index));
             FillWithNoise(&device.band(), index);
             const TransferCall call{
                 .at = {2, 1}, .from = {3, 2}, .size = {15, 9}, .rop = index << 16, .brush = &brush, .drawMode = &mode};
@@ -193,8 +193,7 @@ TEST(BitBltScaled, EveryResolutionAndPhase) {
       const SourceImage source(kColorSource, 90, 40, 5);
       for (uint32_t rop : {SRCCOPY, SRCINVERT, PATINVERT, PATPAINT, WHITENESS}) {
         for (int32_t x = 0; x < 9; ++x) {
-          SCOPED_TRACE(NameOf(r) + ", width " + std::to_string(width) + ", code " + std::to_string(rop) + ", at " +
-                       std::to_string(x));
+          SCOPED_TRACE(Text(NameOf(r), ", width ", width, ", code ", rop, ", at ", x));
           FillWithNoise(&device.band(), static_cast<uint64_t>(x));
           const TransferCall call{
               .at = {x, x / 2}, .from = {x, 1}, .size = {80, 38}, .rop = rop, .brush = &brush, .drawMode = &mode};
@@ -259,8 +258,7 @@ TEST(BitBltScaled, ClippedAndAlignedInPagePixels) {
     for (uint16_t bits : {uint16_t{24}, uint16_t{0}}) {
       for (uint32_t rop : {SRCCOPY, SRCINVERT, PATPAINT, 0x00960169u, 0x01CC0020u}) {
         for (const SourceForm& form : {OwnForm(bits), kOneBitSource}) {
-          SCOPED_TRACE(std::string(c.name) + ", " + NameOf(c.resolutions) + ", " + std::to_string(bits) +
-                       " bits, code " + std::to_string(rop) + ", " + form.name);
+          SCOPED_TRACE(Text(c.name, ", ", NameOf(c.resolutions), ", ", bits, " bits, code ", rop, ", ", form.name));
           PlacedDevice device(OptionsOf(c.resolutions, bits, 10, 5), c.place);
           FillWithNoise(&device.band(), 6);
           const SourceImage source(form, 30, 16, 7);
@@ -315,8 +313,8 @@ TEST(BitBltScaled, WholeRows) {
         const PhysicalBrush brush = HatchBrush(device.handle(), HS_FDIAGONAL, 0x00336699);
         for (const SourceImage* source : {&sources[bits == 24 ? 0 : 1], &sources[2]}) {
           for (uint32_t rop : {SRCCOPY, SRCINVERT, PATINVERT, PATPAINT, BLACKNESS}) {
-            SCOPED_TRACE(NameOf(c.resolutions) + ", width " + std::to_string(width) + ", " + std::to_string(bits) +
-                         " bits, code " + std::to_string(rop) + (source->oneBit() ? ", one-bit source" : ""));
+            SCOPED_TRACE(Text(NameOf(c.resolutions), ", width ", width, ", ", bits, " bits, code ", rop,
+                              source->oneBit() ? ", one-bit source" : ""));
             FillWithNoise(&device.band(), rop);
             const TransferCall call{
                 .from = {3, 0}, .size = {1000000, 1}, .rop = rop, .brush = &brush, .drawMode = &mode, .clip = &kClip};
@@ -369,7 +367,7 @@ TEST(BitBltScaled, SourceDepthAndStep) {
   };
   for (const Case& c : kCases) {
     for (int32_t srcX : {0, 1, 5, 8}) {
-      SCOPED_TRACE(std::string(c.name) + ", from " + std::to_string(srcX));
+      SCOPED_TRACE(Text(c.name, ", from ", srcX));
       TestDevice device(OptionsOf(kThreeToTwo, c.bitsPerPixel, 12, 4));
       const SourceImage source(c.form, 20, 5, 9);
       const DRAWMODE mode = ScaledMode();

@@ -116,8 +116,8 @@ TEST(TransferClipping, TransfersWithASource) {
       const PhysicalBrush brush = HatchBrush(device.handle(), HS_DIAGCROSS, 0x00334455);
       for (uint32_t rop : kCodes) {
         for (const SourceImage& source : sources) {
-          SCOPED_TRACE(std::string(c.name) + ", " + Describe(options) + ", code " + std::to_string(rop) +
-                       (source.oneBit() ? ", one-bit source" : ""));
+          SCOPED_TRACE(
+              Text(c.name, ", ", Describe(options), ", code ", rop, source.oneBit() ? ", one-bit source" : ""));
           FillWithNoise(&device.band(), 41);
           const TransferCall call{.at = c.at,
                                   .from = c.from,
@@ -188,7 +188,7 @@ TEST(TransferClipping, TransfersWithoutASource) {
       PlacedDevice device(options, c.place);
       const PhysicalBrush brush = HatchBrush(device.handle(), HS_DIAGCROSS, 0x00334455);
       for (uint32_t rop : kCodes) {
-        SCOPED_TRACE(std::string(c.name) + ", " + Describe(options) + ", code " + std::to_string(rop));
+        SCOPED_TRACE(Text(c.name, ", ", Describe(options), ", code ", rop));
         FillWithNoise(&device.band(), 43);
         const TransferCall call{
             .at = c.at, .size = c.size, .rop = rop, .brush = &brush, .drawMode = &mode, .clip = &c.clip};

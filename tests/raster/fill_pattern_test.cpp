@@ -67,8 +67,7 @@ TEST(FillPattern, CellsAreReplicated) {
   for (uint16_t bits : kBandDepths) {
     for (const Style& s : kStyles) {
       for (const ScaleCase& scale : kScales) {
-        SCOPED_TRACE(std::string(s.name) + ", " + std::to_string(scale.fx) + " x " + std::to_string(scale.fy) + ", " +
-                     std::to_string(bits) + " bits");
+        SCOPED_TRACE(Text(s.name, ", ", scale.fx, " x ", scale.fy, ", ", bits, " bits"));
         TestDevice device(WithDepth(kPatternBand, QNV_KIND_RASTER, bits));
         const PhysicalBrush brush = CraftedBrush(s.style, s.depth, scale.fx, scale.fy);
         const DRAWMODE mode = MakeDrawMode({.bkMode = s.bkMode, .background = 0x00FEDCBA, .text = 0x00123456});
@@ -86,7 +85,7 @@ TEST(FillPattern, FactorOfZeroPaintsNothing) {
   for (int style : {BS_HATCHED, BS_PATTERN}) {
     for (const ScaleCase& scale : {ScaleCase{0, 1}, ScaleCase{1, 0}, ScaleCase{0, 0}, ScaleCase{0, 2}}) {
       for (uint16_t bits : kBandDepths) {
-        SCOPED_TRACE(std::to_string(style) + ": " + std::to_string(scale.fx) + " x " + std::to_string(scale.fy));
+        SCOPED_TRACE(Text(style, ": ", scale.fx, " x ", scale.fy));
         TestDevice device(WithDepth(kPatternBand, QNV_KIND_RASTER, bits));
         const PhysicalBrush brush = CraftedBrush(style, 24, scale.fx, scale.fy);
         const DRAWMODE mode = MakeDrawMode();
@@ -180,7 +179,7 @@ TEST(FillPattern, PenBrushOrNeither) {
   for (uint16_t bits : kBandDepths) {
     for (uint16_t penStyle : {uint16_t{PS_SOLID}, uint16_t{PS_NULL}, uint16_t{9}}) {
       for (const Case& c : kCases) {
-        SCOPED_TRACE(std::string(c.name) + ", pen style " + std::to_string(penStyle));
+        SCOPED_TRACE(Text(c.name, ", pen style ", penStyle));
         TestDevice device(WithDepth(kPatternBand, QNV_KIND_RASTER, bits));
         const PhysicalPen pen{penStyle, 0, 0, 0x00102030};
         const PhysicalBrush brush = CraftedBrush(c.brushStyle, 24, c.painted ? 0 : 1, c.painted ? 0 : 1);
@@ -202,7 +201,7 @@ TEST(FillPattern, PenBrushOrNeither) {
 TEST(FillPattern, NoBrushIsBlackForPreparedPatterns) {
   for (uint16_t bits : kBandDepths) {
     for (uint32_t rop : {MERGECOPY, PATPAINT, 0x00E20746u}) {
-      SCOPED_TRACE(std::to_string(rop) + ", " + std::to_string(bits) + " bits");
+      SCOPED_TRACE(Text(rop, ", ", bits, " bits"));
       TestDevice device(WithDepth(kPatternBand, QNV_KIND_RASTER, bits));
       FillWithNoise(&device.band(), 4);
       const SourceImage source(bits == 24 ? kColorSource : kGraySource, kPatternSize, kPatternSize, 5);
@@ -235,7 +234,7 @@ TEST(FillPattern, Alignment) {
   for (const Case& c : kCases) {
     for (uint8_t factor : {uint8_t{1}, uint8_t{2}}) {
       for (int style : {BS_PATTERN, BS_HATCHED}) {
-        SCOPED_TRACE(std::string(c.name) + ", factor " + std::to_string(factor) + ", style " + std::to_string(style));
+        SCOPED_TRACE(Text(c.name, ", factor ", factor, ", style ", style));
         TestDevice device({.width = kPatternSize, .height = kPatternSize, .left = c.left, .top = c.top});
         const PhysicalBrush brush = CraftedBrush(style, 24, factor, factor);
         const DRAWMODE mode = MakeDrawMode({.bkMode = TRANSPARENT});
@@ -289,7 +288,7 @@ TEST(FillPattern, HatchesByHand) {
   };
   for (const Case& c : kCases) {
     for (int bkMode : {TRANSPARENT, OPAQUE}) {
-      SCOPED_TRACE(std::string(c.name) + ", mode " + std::to_string(bkMode));
+      SCOPED_TRACE(Text(c.name, ", mode ", bkMode));
       TestDevice device({.kind = c.kind,
                          .width = 18,
                          .height = 9,
@@ -336,7 +335,7 @@ TEST(FillPattern, BitmapsByHand) {
   for (const Case& c : cases) {
     for (uint16_t depth : kBandDepths) {
       for (int bkMode : {TRANSPARENT, OPAQUE}) {
-        SCOPED_TRACE(std::string(c.name) + ", " + std::to_string(depth) + " bits, mode " + std::to_string(bkMode));
+        SCOPED_TRACE(Text(c.name, ", ", depth, " bits, mode ", bkMode));
         TestDevice device({.bitsPerPixel = depth, .width = 10, .height = 2});
         std::vector<uint8_t> bytes(8u * c.widthBytes, 0);
         std::copy(c.rows[0].begin(), c.rows[0].end(), bytes.begin());

@@ -69,8 +69,7 @@ TEST(BltGeneral, UpperByteOfTheCode) {
     const SourceImage source(depth == 24 ? kColorSource : kGraySource, 20, 3, 5);
     for (uint32_t upper : {0x01000000u, 0x80000000u, 0xFF000000u}) {
       for (uint32_t index = 0; index < 256; ++index) {
-        SCOPED_TRACE(std::to_string(depth) + " bits, code " + std::to_string(upper) + " + index " +
-                     std::to_string(index));
+        SCOPED_TRACE(Text(depth, " bits, code ", upper, " + index ", index));
         FillWithNoise(&device.band(), index);
         const TransferCall call{
             .at = {1, 0}, .size = {18, 3}, .rop = upper | index << 16, .brush = &brush, .drawMode = &mode};

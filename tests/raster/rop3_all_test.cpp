@@ -36,8 +36,7 @@ void CheckAll(uint16_t depth, uint16_t resolution, const SourceForm& form) {
   for (const NamedBrush& b : brushes) {
     const DRAWMODE mode = MakeDrawMode({.bkMode = b.bkMode, .background = 0x005A3CF0, .text = 0x00C3A50F});
     for (uint32_t index = 0; index < 256; ++index) {
-      SCOPED_TRACE(std::string(form.name) + ", " + b.name + ", index " + std::to_string(index) + ", " +
-                   std::to_string(depth) + " bits");
+      SCOPED_TRACE(Text(form.name, ", ", b.name, ", index ", index, ", ", depth, " bits"));
       FillWithNoise(&device.band(), index);
       const TransferCall call{.at = {3, 1},
                               .from = {5, 0},

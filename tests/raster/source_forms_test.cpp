@@ -42,8 +42,7 @@ TEST(SourceForms, EveryDepthAndPhase) {
     TestDevice device({.bitsPerPixel = c.depth, .width = 40, .height = 3});
     const SourceImage source(c.form, 45, 4, c.form.bitsPixel);
     for (int32_t srcX = 0; srcX <= 17; ++srcX) {
-      SCOPED_TRACE(std::string(c.form.name) + ", " + std::to_string(c.depth) + "-bit band, from " +
-                   std::to_string(srcX));
+      SCOPED_TRACE(Text(c.form.name, ", ", c.depth, "-bit band, from ", srcX));
       const TransferCall call{.at = {2, 0}, .from = {srcX, 1}, .size = {23, 3}, .rop = SRCCOPY, .drawMode = &mode};
       ASSERT_TRUE(TransferPaints(device, call, &source, {2, 0, 25, 3}, {srcX, 1}));
     }
@@ -82,7 +81,7 @@ TEST(SourceForms, EmptySources) {
   const DRAWMODE mode = MakeDrawMode();
   for (const auto& [width, height] : kSizes) {
     for (uint16_t depth : kBandDepths) {
-      SCOPED_TRACE(std::to_string(width) + " x " + std::to_string(height) + ", " + std::to_string(depth) + " bits");
+      SCOPED_TRACE(Text(width, " x ", height, ", ", depth, " bits"));
       TestDevice device({.bitsPerPixel = depth, .width = 8, .height = 8});
       const SourceBitmap source{0, width, height, 8, 1, 1, nullptr};
       for (int32_t at : {-4, 0, 4}) {

@@ -61,7 +61,7 @@ constexpr FillCase kFills[] = {
 TEST(TagGeometry, WholeRectanglesAndBrushes) {
   for (const FillCase& c : kFills) {
     for (uint32_t rop : {BLACKNESS, 0x00A000C9u}) {
-      SCOPED_TRACE(std::string(c.name) + ", code " + std::to_string(rop));
+      SCOPED_TRACE(Text(c.name, ", code ", rop));
       MixedDevice device(c.place);
       const PhysicalBrush brush = HatchBrush(device.handle(), HS_CROSS, 0x00123456);
       const DRAWMODE mode = MakeDrawMode({.background = 0x00ABCDEF});
@@ -164,7 +164,7 @@ TEST(TagGeometry, Sources) {
   const DRAWMODE mode = MakeDrawMode();
   for (const TagSourceCase& c : kTagSources) {
     for (const SourceImage* source : {static_cast<const SourceImage*>(&color), &oneBit}) {
-      SCOPED_TRACE(std::string(c.name) + (source->oneBit() ? ", one bit" : ", color"));
+      SCOPED_TRACE(Text(c.name, source->oneBit() ? ", one bit" : ", color"));
       MixedDevice device(c.place);
       PlaneImage tags = TagImage(device);
       const auto& [area, first] = source->oneBit() ? c.painted : c.tagged;

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "support/tag_plane.h"
+#include "support/text.h"
 
 namespace qnv::test {
 namespace {
@@ -81,7 +82,7 @@ uint32_t PaintImage(const TestDevice& device, int32_t x, int32_t y, uint32_t rop
 TEST(TagImages, EveryClass) {
   for (bool uniform : {false, true}) {
     for (const TagImageCase& c : kTagImageCases) {
-      SCOPED_TRACE(std::string(c.name) + (uniform ? ", uniform plane" : ""));
+      SCOPED_TRACE(Text(c.name, uniform ? ", uniform plane" : ""));
       DualPlaneDevice device({.width = 9, .height = 5, .left = 20, .top = 10});
       TestDevice plain({.width = 9, .height = 5, .left = 20, .top = 10});
       if (!uniform) MakeTagsMixed(&device, 1);

@@ -76,7 +76,7 @@ struct ClippedOperation {
 inline void CheckClipping(const ClippedOperation& operation) {
   for (const DeviceOptions& options : DeviceClasses(kClipBand)) {
     for (const ClipCase& c : kClipCases) {
-      SCOPED_TRACE(std::string(c.name) + ", " + operation.name + ", " + Describe(options));
+      SCOPED_TRACE(Text(c.name, ", ", operation.name, ", ", Describe(options)));
       PlacedDevice device(options, c.place);
       if (operation.hasOwnRule(device, c)) continue;
       if (options.tagPlane) MixTags(&device);
@@ -96,7 +96,7 @@ inline void CheckClipping(const ClippedOperation& operation) {
 // A band rectangle smaller than the buffer bounds the figure: rows still lie a whole stride apart.
 inline void CheckSmallerBand(const ClippedOperation& operation) {
   for (const DeviceOptions& options : DeviceClasses(kClipBand)) {
-    SCOPED_TRACE(std::string(operation.name) + ", " + Describe(options));
+    SCOPED_TRACE(Text(operation.name, ", ", Describe(options)));
     TestDevice device(options);
     const BandRect band{100, 50, 104, 53};
     EXPECT_EQ(1u, QNVControl(device.handle(), QNV_SET_BAND_RECT, &band, nullptr) & 0xFFFF);
@@ -110,7 +110,7 @@ inline void CheckSmallerBand(const ClippedOperation& operation) {
 // Without a clip rectangle nothing is painted.
 inline void CheckNullClip(const ClippedOperation& operation) {
   for (const DeviceOptions& options : DeviceClasses(kClipBand)) {
-    SCOPED_TRACE(std::string(operation.name) + ", " + Describe(options));
+    SCOPED_TRACE(Text(operation.name, ", ", Describe(options)));
     TestDevice device(options);
     if (options.tagPlane) MixTags(&device);
     operation.paint(device, {2, 1, 5, 3}, nullptr, operation.resultWithoutClip);

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "support/test_device.h"
+#include "support/text.h"
 
 namespace qnv::test {
 
