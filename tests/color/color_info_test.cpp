@@ -1,8 +1,6 @@
 // Logical to physical color on every device class.
 #include <gtest/gtest.h>
 
-#include <string>
-
 #include "support/device_classes.h"
 #include "support/plane_image.h"
 #include "support/random_bytes.h"

@@ -2,7 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
-#include <string>
+#include <vector>
 
 #include "support/device_classes.h"
 #include "support/plane_image.h"

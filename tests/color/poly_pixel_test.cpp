@@ -7,7 +7,6 @@
 #include "support/device_classes.h"
 #include "support/plane_image.h"
 #include "support/random_bytes.h"
-#include "support/tag_plane.h"
 
 namespace qnv::test {
 namespace {

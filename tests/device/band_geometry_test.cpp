@@ -2,7 +2,6 @@
 #include <gtest/gtest.h>
 
 #include <climits>
-#include <string>
 
 #include "support/device_classes.h"
 #include "support/host_handle.h"

@@ -1,8 +1,6 @@
 // The two planes of a dual-plane device: when tags are written at all, and that both planes share band and origin.
 #include <gtest/gtest.h>
 
-#include <string>
-
 #include "support/plane_image.h"
 #include "support/tag_plane.h"
 #include "support/test_device.h"

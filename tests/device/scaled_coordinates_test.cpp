@@ -61,19 +61,6 @@ TEST(ScaledCoordinates, PixelsAreRoundedToTheNearest) {
   }
 }
 
-// Rows and columns are rounded on their own, after the origin has been added at page resolution.
-TEST(ScaledCoordinates, OriginIsAddedBeforeRounding) {
-  ScaledDevice device({.width = 20, .height = 20, .resolutionA = 720});
-  const DRAWMODE mode = MakeDrawMode();
-  device.SetOrigin(1, 2);
-  PlaneImage expected = BandImage(device);
-  QNVPixel(device.handle(), 4, 4, 0x010203, &mode, &kEverywhere);  // 5 / 2 and 6 / 2
-  expected.Set(3, 3, {1, 2, 3});
-  QNVPixel(device.handle(), 9, 9, 0x040506, &mode, &kEverywhere);  // 10 / 2 and 11 / 2
-  expected.Set(5, 6, {4, 5, 6});
-  EXPECT_TRUE(BandShows(device, expected));
-}
-
 struct KeptCase {
   Resolutions resolutions;
   std::vector<int32_t> band;  // of page 0, 1, 2 ...; -1 where the page row or column has no place

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <vector>
 
 #include "support/device_classes.h"
 #include "support/host_handle.h"
@@ -11,43 +12,25 @@
 namespace qnv::test {
 namespace {
 
-struct Case {
-  const char* name;
+struct EnableCase {
   uint16_t kind;
   uint16_t bitsPerPixel;
   uint16_t resolutionA;
   bool secondBuffer;
-  bool made;
 };
 
-constexpr Case kCases[] = {
-    {"plain 24 bits", 1, 24, 360, false, true},
-    {"plain 8 bits", 1, 8, 360, false, true},
-    {"plain 0 bits", 1, 0, 360, false, false},
-    {"plain 1 bit", 1, 1, 360, false, false},
-    {"plain 4 bits", 1, 4, 360, false, false},
-    {"plain 16 bits", 1, 16, 360, false, false},
-    {"plain 32 bits", 1, 32, 360, false, false},
-    {"plain 24 bits in the low byte only", 1, 0x0118, 360, false, false},
-    {"plain without a resolution", 1, 24, 0, false, true},
-    {"dual-plane 24 bits", 1, 24, 360, true, true},
-    {"dual-plane 8 bits", 1, 8, 360, true, true},
-    {"dual-plane 16 bits", 1, 16, 360, true, true},
-    {"dual-plane 0 bits", 1, 0, 360, true, true},
-    {"dual-plane without a resolution", 1, 24, 0, true, true},
-    {"scaled 24 bits", 0, 24, 360, false, true},
-    {"scaled gray mode", 0, 0, 360, false, true},
-    {"scaled 8 bits", 0, 8, 360, false, true},
-    {"scaled 16 bits", 0, 16, 360, false, true},
-    {"scaled with a second buffer", 0, 24, 360, true, true},
-    {"scaled without a resolution", 0, 24, 0, false, false},
-    {"kind 2", 2, 24, 360, false, false},
-    {"kind 2 with a second buffer", 2, 24, 360, true, false},
-    {"kind 3", 3, 24, 360, false, false},
-    {"kind 0x0100: no byte of it counts alone", 0x0100, 24, 360, false, false},
-    {"kind 0x0101", 0x0101, 24, 360, false, false},
-    {"kind 0xFFFF", 0xFFFF, 24, 360, true, false},
-};
+// Plain devices have 24 or 8 bits, dual-plane and scaled ones any depth; a scaled one needs a resolution.
+const std::vector<EnableCase> kMade = {{1, 24, 360, false}, {1, 8, 360, false}, {1, 24, 0, false},  {1, 24, 360, true},
+                                       {1, 8, 360, true},   {1, 16, 360, true}, {1, 0, 360, true},  {1, 24, 0, true},
+                                       {0, 24, 360, false}, {0, 0, 360, false}, {0, 8, 360, false}, {0, 16, 360, false},
+                                       {0, 24, 360, true}};
+
+// No byte of a kind or a depth counts alone.
+const std::vector<EnableCase> kRefused = {{1, 0, 360, false},     {1, 1, 360, false},       {1, 4, 360, false},
+                                          {1, 16, 360, false},    {1, 32, 360, false},      {1, 0x0118, 360, false},
+                                          {0, 24, 0, false},      {2, 24, 360, false},      {2, 24, 360, true},
+                                          {3, 24, 360, false},    {0x0100, 24, 360, false}, {0x0101, 24, 360, false},
+                                          {0xFFFF, 24, 360, true}};
 
 // Every byte of the buffer, and nothing around it was written.
 bool Holds(const FencedBuffer& buffer, uint8_t value) {
@@ -56,17 +39,19 @@ bool Holds(const FencedBuffer& buffer, uint8_t value) {
 }
 
 TEST(Enable, MakesADeviceForKnownKindsAndDepths) {
-  for (const Case& c : kCases) {
-    SCOPED_TRACE(c.name);
-    FencedBuffer band(24 * 4, 0xCC);
-    FencedBuffer second(8 * 4, 0xCC);
-    const DeviceDescription description{c.kind, c.bitsPerPixel, c.resolutionA, 8, 4, 360};
-    const BandRect rect{0, 0, 8, 4};
-    DeviceHandle* handle = QNVEnable(&description, &rect, band.data(), c.secondBuffer ? second.data() : nullptr);
-    EXPECT_EQ(c.made, handle != nullptr);
-    QNVDisable(handle);
-    EXPECT_TRUE(Holds(band, 0xCC));
-    EXPECT_TRUE(Holds(second, 0xCC));
+  for (bool made : {true, false}) {
+    for (const EnableCase& c : made ? kMade : kRefused) {
+      SCOPED_TRACE(Text("kind ", c.kind, ", ", c.bitsPerPixel, " bits", c.secondBuffer ? ", second buffer" : ""));
+      FencedBuffer band(24 * 4, 0xCC);
+      FencedBuffer second(8 * 4, 0xCC);
+      const DeviceDescription description{c.kind, c.bitsPerPixel, c.resolutionA, 8, 4, 360};
+      const BandRect rect{0, 0, 8, 4};
+      DeviceHandle* handle = QNVEnable(&description, &rect, band.data(), c.secondBuffer ? second.data() : nullptr);
+      EXPECT_EQ(made, handle != nullptr);
+      QNVDisable(handle);
+      EXPECT_TRUE(Holds(band, 0xCC));
+      EXPECT_TRUE(Holds(second, 0xCC));
+    }
   }
 }
 

@@ -6,7 +6,6 @@
 #include <cstring>
 
 #include "qnvdrv10.h"
-#include "support/host_handle.h"
 #include "support/test_device.h"
 
 namespace qnv::test {

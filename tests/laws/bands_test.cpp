@@ -3,7 +3,6 @@
 // band shows, so both stay out here.
 #include <gtest/gtest.h>
 
-#include <string>
 #include <vector>
 
 #include "support/plane_image.h"

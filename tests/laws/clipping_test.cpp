@@ -88,35 +88,35 @@ bool DropsRowsAboveThePage(const TestDevice& device, const ClipCase& c) {
   return device.options().kind == QNV_KIND_SCALED && c.place.top < 0;
 }
 
-// Lines and gaps of an opaque hatch take the ink; its tags are painted as its color is.
-template <uint32_t kRop, uint16_t kBrushStyle>
-void PaintPattern(const TestDevice& device, const BandRect& figure, const BandRect* clip, uint32_t result) {
+void PaintTransfer(const TestDevice& device, const BandRect& figure, TransferCall call, const BandRect* clip,
+                   uint32_t result) {
   const uint32_t ink = Physical(device, kClipInk);
-  const DRAWMODE mode = MakeDrawMode({.background = ink});
-  const PhysicalBrush brush =
-      kBrushStyle == BS_SOLID ? SolidBrush(device.handle(), kClipInk) : HatchBrush(device.handle(), HS_CROSS, kClipInk);
-  EXPECT_EQ(result, Transfer(device.handle(), {.at = {figure.left, figure.top},
-                                               .size = {figure.right - figure.left, figure.bottom - figure.top},
-                                               .rop = kRop,
-                                               .brush = &brush,
-                                               .drawMode = &mode,
-                                               .clip = clip}));
+  const DRAWMODE mode = MakeDrawMode({.background = ink, .text = ink});
+  call.at = {figure.left, figure.top};
+  call.size = {figure.right - figure.left, figure.bottom - figure.top};
+  call.drawMode = &mode;
+  call.clip = clip;
+  EXPECT_EQ(result, Transfer(device.handle(), call));
+}
+
+void PaintPatCopy(const TestDevice& device, const BandRect& figure, const BandRect* clip, uint32_t result) {
+  const PhysicalBrush brush = SolidBrush(device.handle(), kClipInk);
+  PaintTransfer(device, figure, {.rop = PATCOPY, .brush = &brush}, clip, result);
+}
+
+// Lines and gaps of an opaque hatch take the ink; its tags are painted as its color is.
+void PaintHatch(const TestDevice& device, const BandRect& figure, const BandRect* clip, uint32_t result) {
+  const PhysicalBrush brush = HatchBrush(device.handle(), HS_CROSS, kClipInk);
+  constexpr uint32_t kOrIn = 0x00FA0089;  // destination or pattern
+  PaintTransfer(device, figure, {.rop = kOrIn, .brush = &brush}, clip, result);
 }
 
 // Both bits stand for the ink.
 template <uint32_t kRop>
 void PaintSource(const TestDevice& device, const BandRect& figure, const BandRect* clip, uint32_t result) {
   static const SourceImage source(kOneBitSource, 128, 128, 1);
-  const uint32_t ink = Physical(device, kClipInk);
-  const DRAWMODE mode = MakeDrawMode({.background = ink, .text = ink});
   const PhysicalBrush brush = SolidBrush(device.handle(), 0);
-  EXPECT_EQ(result, Transfer(device.handle(), {.at = {figure.left, figure.top},
-                                               .source = source.record(),
-                                               .size = {figure.right - figure.left, figure.bottom - figure.top},
-                                               .rop = kRop,
-                                               .brush = &brush,
-                                               .drawMode = &mode,
-                                               .clip = clip}));
+  PaintTransfer(device, figure, {.source = source.record(), .rop = kRop, .brush = &brush}, clip, result);
 }
 
 bool IsZero(const BandRect& r) { return r.left == 0 && r.top == 0 && r.right == 0 && r.bottom == 0; }
@@ -146,7 +146,6 @@ bool IsUnclippedOrWidens(const TestDevice& device, const ClipCase& c) {
   return IsUnclippedOrFills(device, c) || BeginsBelowZero(c);
 }
 
-constexpr uint32_t kDPo = 0x00FA0089;          // destination or pattern
 constexpr uint32_t kGeneralCopy = 0x01CC0020;  // SRCCOPY's index through the general operation
 
 const ClippedOperation kOperations[] = {
@@ -160,8 +159,8 @@ const ClippedOperation kOperations[] = {
     {"row spans", PaintSpans<OS_ROW_SPANS, InRowSpans>},
     {"byte deltas", PaintSpans<OS_BYTE_DELTAS, InByteDeltas>},
     {"nibble deltas", PaintSpans<OS_NIBBLE_DELTAS, InNibbleDeltas>, DropsRowsAboveThePage},
-    {"PATCOPY", PaintPattern<PATCOPY, BS_SOLID>, IsUnclippedOrFills, 1, 1},
-    {"a hatch into the destination", PaintPattern<kDPo, BS_HATCHED>, HasNoClip, 1, 1},
+    {"PATCOPY", PaintPatCopy, IsUnclippedOrFills, 1, 1},
+    {"a hatch into the destination", PaintHatch, HasNoClip, 1, 1},
     {"SRCCOPY", PaintSource<SRCCOPY>, IsUnclippedOrWidens, 1, 1},
     {"SRCPAINT", PaintSource<SRCPAINT>, IsUnclippedOrWidens, 1, 1},
     {"general copy", PaintSource<kGeneralCopy>, IsUnclippedOrWidens, 1, 1},

@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <array>
-#include <string>
 
 #include "laws/twin_devices.h"
 #include "support/source_image.h"

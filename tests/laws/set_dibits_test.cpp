@@ -4,7 +4,6 @@
 
 #include <array>
 #include <cstring>
-#include <string>
 #include <vector>
 
 #include "laws/twin_devices.h"

@@ -1,7 +1,6 @@
 // Span encoding 104 is 4 and 105 is 5, on every device, for every list.
 #include <gtest/gtest.h>
 
-#include <string>
 #include <vector>
 
 #include "laws/twin_devices.h"

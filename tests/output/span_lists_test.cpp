@@ -42,7 +42,7 @@ TEST(Scanlines, ManySpansOfOneRow) {
     words.insert(words.end(), {x, static_cast<int16_t>(x + 1)});
     painted.push_back({x, 1, x + 1, 2});
   }
-  EXPECT_EQ(1u, PaintList(device, OS_SCANLINES, static_cast<uint32_t>(words.size() / 2), words));
+  EXPECT_EQ(1u, PaintList(device, OS_SCANLINES, 302, words));
   EXPECT_TRUE(PenPainted(device, painted));
 }
 

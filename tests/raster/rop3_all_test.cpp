@@ -1,8 +1,6 @@
 // All 256 ternary operations, with every source form and every kind of brush, against the truth table.
 #include <gtest/gtest.h>
 
-#include <vector>
-
 #include "support/device_classes.h"
 #include "support/random_bytes.h"
 #include "support/transfer_check.h"

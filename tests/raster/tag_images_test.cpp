@@ -2,7 +2,6 @@
 #include <gtest/gtest.h>
 
 #include <array>
-#include <string>
 
 #include "support/tag_plane.h"
 #include "support/text.h"
@@ -62,8 +61,8 @@ constexpr TagImageCase kTagImageCases[] = {
 };
 
 // Two equal rows of four pixels: white, black, red, gray; blue, green and red in memory.
-constexpr uint8_t kPixels[24] = {0xFF, 0xFF, 0xFF, 0, 0, 0, 0x00, 0x00, 0xFF, 0x80, 0x80, 0x80,
-                                 0xFF, 0xFF, 0xFF, 0, 0, 0, 0x00, 0x00, 0xFF, 0x80, 0x80, 0x80};
+constexpr uint8_t kTagPixels[24] = {0xFF, 0xFF, 0xFF, 0, 0, 0, 0x00, 0x00, 0xFF, 0x80, 0x80, 0x80,
+                                    0xFF, 0xFF, 0xFF, 0, 0, 0, 0x00, 0x00, 0xFF, 0x80, 0x80, 0x80};
 
 uint32_t PaintImage(const TestDevice& device, int32_t x, int32_t y, uint32_t rop, const PhysicalBrush& brush,
                     const BandRect& clip) {
@@ -74,7 +73,7 @@ uint32_t PaintImage(const TestDevice& device, int32_t x, int32_t y, uint32_t rop
   header.biPlanes = 1;
   header.biBitCount = 24;
   const DRAWMODE mode = MakeDrawMode();
-  return QNVStretchDIBits(device.handle(), 0, x, y, 4, 2, 0, 0, 4, 2, kPixels, &header, nullptr, rop, &brush, &mode,
+  return QNVStretchDIBits(device.handle(), 0, x, y, 4, 2, 0, 0, 4, 2, kTagPixels, &header, nullptr, rop, &brush, &mode,
                           &clip) &
          0xFFFF;
 }
