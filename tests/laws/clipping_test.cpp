@@ -125,15 +125,15 @@ bool BeginsBelowZero(const ClipCase& c) {
   return c.figure.left + c.place.originX < 0 || c.figure.top + c.place.originY < 0;
 }
 
-// Filled tags, a pixel's too, take four zeros for no clip at all, and widen the clip where the figure begins below
-// zero.
+// Filled tags, a pixel's too, take four zeros for no clip, and widen the clip where the figure begins below zero.
 bool FillsTagsPastTheClip(const TestDevice& device, const ClipCase& c) {
   return device.options().tagPlane && (IsZero(c.clip) || BeginsBelowZero(c));
 }
 
 // To a transfer the zeros, looked for after the origin was added, are no clip.
 bool HasNoClip(const TestDevice&, const ClipCase& c) {
-  const auto [left, top, x, y] = c.place;
+  const int32_t x = c.place.originX;
+  const int32_t y = c.place.originY;
   return IsZero({c.clip.left + x, c.clip.top + y, c.clip.right + x, c.clip.bottom + y});
 }
 

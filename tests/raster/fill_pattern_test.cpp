@@ -189,8 +189,10 @@ TEST(FillPattern, PenBrushOrNeither) {
         const OutputSetup setup{
             .pen = c.pen ? &pen : nullptr, .brush = c.brushStyle < 0 ? nullptr : &brush, .drawMode = &mode};
         EXPECT_TRUE(SpansPaint(device, setup, expected));
-        if (!c.painted) {
-          EXPECT_TRUE(TransferPaintsNothing(device, PatternCopy(device, brush, mode)));
+        device.band().Fill(0x77);
+        const BandRect copied = c.brushStyle == BS_SOLID ? kWholePattern : BandRect{0, 0, 0, 0};
+        if (c.brushStyle >= 0) {
+          EXPECT_TRUE(TransferPaints(device, PatternCopy(device, brush, mode), nullptr, copied));
         }
       }
     }
@@ -241,6 +243,7 @@ TEST(FillPattern, Alignment) {
         PlaneImage filled = BandImage(device);
         FillExpected(&filled, kWholePattern, brush, mode, c.phaseX, c.phaseY);
         EXPECT_TRUE(SpansPaint(device, {.brush = &brush, .drawMode = &mode}, filled)) << "spans";
+        device.band().Fill(device.options().fill);
         device.SetOrigin(3, -6);
         EXPECT_EQ(1u, PaintRectangle(device, -1000, -1000, 1000, 1000, {.brush = &brush, .drawMode = &mode}));
         EXPECT_TRUE(BandShows(device, filled)) << "spans with an origin";
