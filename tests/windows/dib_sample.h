@@ -7,8 +7,6 @@
 #include <ostream>
 #include <vector>
 
-#include "windows/gdi_surface.h"
-
 namespace qnv::test {
 
 struct DibForm {
@@ -40,37 +38,38 @@ inline constexpr DibForm kDibForms[] = {
     {"16 bits, mask 5-6-5, header version 5", 16, BI_BITFIELDS, {0xF800, 0x07E0, 0x001F}, sizeof(BITMAPV5HEADER)},
     {"24 bits, header version 5", 24, BI_RGB, {}, sizeof(BITMAPV5HEADER)},
 };
+inline constexpr DibForm kPlainForm{"24 bits", 24};
+inline constexpr DibForm kRle4Form{"RLE4", 4, BI_RLE4};
+inline constexpr DibForm kRle8Form{"RLE8", 8, BI_RLE8};
 
 enum class RowOrder { kBottomUp, kTopDown };
 
+struct DibShape {
+  int32_t width = 29;
+  int32_t height = 13;
+  RowOrder order = RowOrder::kBottomUp;
+  uint64_t seed = 7;
+  bool gray = false;               // every pixel is a gray that a gray band shows without rounding
+  std::vector<uint8_t> runs = {};  // run-length data in place of noise
+};
+
 class DibSample {
  public:
-  // `gray`: every pixel is a gray that a gray band shows without rounding.
-  DibSample(const DibForm& form, int32_t width, int32_t height, RowOrder order, uint64_t seed, bool gray = false);
+  DibSample(const DibForm& form, const DibShape& shape);
 
-  // Compressed rows in place of noise.
-  DibSample(const DibForm& form, int32_t width, int32_t height, std::vector<uint8_t> compressed, uint64_t seed,
-            bool gray = false);
-
+  int32_t width() const { return shape_.width; }
+  int32_t height() const { return shape_.height; }  // rows, whatever their order
   const BITMAPINFO* info() const { return reinterpret_cast<const BITMAPINFO*>(info_.data()); }
+  BITMAPINFOHEADER* header() { return reinterpret_cast<BITMAPINFOHEADER*>(info_.data()); }
+  std::vector<uint8_t>& bytes() { return bits_; }
   const void* bits() const { return bits_.data(); }
-  const uint8_t* Row(int32_t stored) const;
-  // Changes the header alone.
-  void Spoil(void (*change)(BITMAPINFOHEADER*));
-
-  // Keeps the indices of an 8-bit image below `limit`.
-  void LimitIndices(uint32_t limit);
-
-  int32_t width() const { return width_; }
-  int32_t height() const { return height_; }  // rows, whatever their order
+  const void* Row(uint32_t stored) const { return bits_.data() + stored * stride_; }
 
  private:
-  void WriteHeader(const DibForm& form, RowOrder order, uint64_t seed, bool gray);
   void MakeGray(const DibForm& form);
 
-  int32_t width_;
-  int32_t height_;
-  std::size_t stride_ = 0;
+  DibShape shape_;
+  std::size_t stride_;
   std::vector<uint8_t> info_;
   std::vector<uint8_t> bits_;
 };

@@ -1,4 +1,4 @@
-// The document and the tests name the same differences.
+// The document, the list of differences and the tests name the same differences.
 
 #include <gtest/gtest.h>
 
@@ -7,12 +7,8 @@
 #include <iterator>
 #include <map>
 #include <regex>
-#include <set>
 #include <sstream>
 #include <string>
-#include <vector>
-
-#include "windows/differences.h"
 
 namespace qnv::test {
 namespace {
@@ -25,66 +21,41 @@ std::string TextOf(const std::filesystem::path& path) {
   return {std::istreambuf_iterator<char>(file), {}};
 }
 
-std::string Trimmed(const std::string& text) {
-  const std::size_t first = text.find_first_not_of(" `*");
-  const std::size_t last = text.find_last_not_of(" `*");
-  return first == std::string::npos ? "" : text.substr(first, last - first + 1);
-}
-
-// Rows of the tables that have a name, the library's result, GDI's, who promises what, and the reason.
-constexpr std::size_t kColumns = 5;
-
-std::map<std::string, std::vector<std::string>> RowsOfTheDocument() {
-  std::map<std::string, std::vector<std::string>> rows;
+// Natures by name. A row of the document's last table has a name, the library's result, GDI's, who promises what, and
+// the reason; none may be empty.
+std::map<std::string, std::string> NaturesInTheDocument() {
+  const std::regex row(R"(\| ([^|]*[^| ]) \| [^|]*[^| ] \| [^|]*[^| ] \| ([^|]*[^| ]) \| [^|]*[^| ] \|)");
+  std::map<std::string, std::string> natures;
   std::istringstream lines(TextOf(kTests.parent_path() / "docs" / "gdi-differences.md"));
+  std::smatch match;
   for (std::string line; std::getline(lines, line);) {
-    if (!line.starts_with("| ") || line.starts_with("| Name") || line.starts_with("| ---")) continue;
-    std::vector<std::string> cells;
-    std::istringstream parts(line.substr(1));
-    for (std::string cell; std::getline(parts, cell, '|');) cells.push_back(Trimmed(cell));
-    if (cells.size() == kColumns) rows[cells[0]] = cells;
+    if (std::regex_match(line, match, row)) natures[match[1]] = match[2];
   }
-  return rows;
+  EXPECT_EQ(1u, natures.erase("Name")) << "the heading of the table";
+  return natures;
 }
 
-const char* NatureText(Nature nature) {
-  switch (nature) {
-    case Nature::kPromised: return "promised";
-    case Nature::kLeftOpen: return "left open";
-    case Nature::kWine: return "Wine";
-  }
-  return "";
-}
-
-TEST(DifferencesTable, ListsWhatTheTestsLeaveOut) {
-  auto rows = RowsOfTheDocument();
-  for (const Difference& difference : kDifferences) {
-    const auto found = rows.find(difference.name);
-    if (found == rows.end()) {
-      ADD_FAILURE() << "not in the document: " << difference.name;
-      continue;
-    }
-    EXPECT_EQ(NatureText(difference.nature), found->second[3]) << difference.name;
-    for (const std::string& cell : found->second) EXPECT_FALSE(cell.empty()) << difference.name;
-    rows.erase(found);
-  }
-  for (const auto& [name, cells] : rows) ADD_FAILURE() << "in the document alone: " << name;
-}
-
-TEST(DifferencesTable, EveryNameIsTheReasonOfSomeTest) {
+TEST(DifferencesTable, TheDocumentTheListAndTheTestsAgree) {
   std::string tests;
   for (const auto& entry : std::filesystem::directory_iterator(kTests / "windows")) {
     const std::string name = entry.path().filename().string();
     if (name.starts_with("gdi_") && name.ends_with("_test.cpp")) tests += TextOf(entry.path());
   }
-  const std::string header = TextOf(kTests / "windows" / "differences.h");
-  const std::regex declaration("inline constexpr Difference (k[A-Za-z]+)\\{\"");
-  std::size_t declared = 0;
-  for (std::sregex_iterator match(header.begin(), header.end(), declaration), end; match != end; ++match) {
-    EXPECT_NE(std::string::npos, tests.find((*match)[1].str())) << (*match)[1];
-    ++declared;
+  const std::map<std::string, std::string> texts = {
+      {"kPromised", "promised"}, {"kLeftOpen", "left open"}, {"kWine", "Wine"}};
+  const std::regex declaration("inline constexpr Difference (k[A-Za-z]+)\\{\"([^\"]+)\", Nature::(k[A-Za-z]+)\\};");
+
+  auto natures = NaturesInTheDocument();
+  std::istringstream list(TextOf(kTests / "windows" / "differences.h"));
+  std::smatch match;
+  for (std::string line; std::getline(list, line);) {
+    if (line.find("constexpr Difference") == std::string::npos) continue;
+    ASSERT_TRUE(std::regex_match(line, match, declaration)) << line;
+    EXPECT_NE(std::string::npos, tests.find(match[1].str())) << match[1] << " is the reason of no test";
+    EXPECT_EQ(texts.at(match[3]), natures[match[2]]) << "nature of \"" << match[2] << "\" in the document";
+    natures.erase(match[2]);
   }
-  EXPECT_EQ(std::size(kDifferences), declared);
+  for (const auto& [name, nature] : natures) ADD_FAILURE() << "in the document alone: " << name;
 }
 
 }  // namespace

@@ -1,91 +1,168 @@
 // Figures that the platform scan-converts itself, painted from every span encoding that can hold them.
 
 #include <gtest/gtest.h>
+#include <windows.h>
 
+#include <cstdlib>
+#include <cstring>
 #include <string>
 #include <vector>
 
-#include "windows/paired_objects.h"
-#include "windows/region_spans.h"
+#include "windows/paired_calls.h"
 
 namespace qnv::test {
 namespace {
 
-struct Figure {
+// The rows of a region from its top to its bottom: for each the left and right ends of its spans.
+using RegionRows = std::vector<std::vector<int32_t>>;
+
+RegionRows RowsOf(HRGN region, int32_t top, int32_t originX) {
+  std::vector<uint8_t> data(GetRegionData(region, 0, nullptr));
+  auto* record = reinterpret_cast<RGNDATA*>(data.data());
+  if (data.empty() || GetRegionData(region, static_cast<DWORD>(data.size()), record) == 0) std::abort();
+  std::vector<RECT> rectangles(record->rdh.nCount);
+  if (rectangles.empty()) std::abort();
+  std::memcpy(rectangles.data(), data.data() + record->rdh.dwSize, rectangles.size() * sizeof(RECT));
+  RegionRows rows(static_cast<std::size_t>(rectangles.back().bottom - top));  // they come from top to bottom
+  for (const RECT& rectangle : rectangles) {
+    for (LONG y = rectangle.top; y < rectangle.bottom; ++y) {
+      auto& row = rows[static_cast<std::size_t>(y - top)];
+      row.insert(row.end(), {rectangle.left - originX, rectangle.right - originX});
+    }
+  }
+  return rows;
+}
+
+struct SpanList {
+  void Add(const std::vector<int32_t>& values) {
+    for (int32_t value : values) {
+      words.push_back(static_cast<int16_t>(value));
+      if (words.back() != value) std::abort();
+    }
+  }
+
+  uint32_t count = 0;
+  std::vector<int16_t> words;
+};
+
+// The span list that a host would hand over for a region, counted from `origin`. All encodings but the first two need
+// exactly one span in every row; nibble deltas also need edges that move by at most -8..7 from row to row.
+SpanList SpansOf(HRGN region, uint32_t style, const POINT& origin) {
+  RECT bounds;
+  GetRgnBox(region, &bounds);
+  const RegionRows rows = RowsOf(region, bounds.top, origin.x);
+  const int32_t top = bounds.top - origin.y;
+  SpanList list;
+  if (style == OS_BANDED_SPANS) {
+    // Rows with the same spans make one record, whatever the platform's own bands are.
+    for (std::size_t first = 0, end = 0; first < rows.size(); first = end) {
+      while (end < rows.size() && rows[end] == rows[first]) ++end;
+      if (rows[first].empty()) continue;
+      const int32_t values = static_cast<int32_t>(rows[first].size());
+      list.Add({values, top + static_cast<int32_t>(first), top + static_cast<int32_t>(end)});
+      list.Add(rows[first]);
+      list.Add({values});
+      ++list.count;
+    }
+    return list;
+  }
+  list.count = static_cast<uint32_t>(rows.size());
+  list.Add({top});
+  if (style == OS_BYTE_DELTAS || style == OS_NIBBLE_DELTAS) {
+    const int32_t limit = style == OS_BYTE_DELTAS ? 128 : 8;
+    std::vector<uint8_t> bytes;
+    for (std::size_t i = 1; i < rows.size(); ++i) {
+      const int32_t left = rows[i].at(0) - rows[i - 1].at(0);
+      const int32_t right = rows[i].at(1) - rows[i - 1].at(1);
+      if (rows[i].size() != 2 || left < -limit || left >= limit || right < -limit || right >= limit) std::abort();
+      if (style == OS_NIBBLE_DELTAS) {
+        bytes.push_back(static_cast<uint8_t>((left & 15) | (right & 15) << 4));
+      } else {
+        bytes.insert(bytes.end(), {static_cast<uint8_t>(left), static_cast<uint8_t>(right)});
+      }
+    }
+    bytes.resize((bytes.size() + 1) & ~std::size_t{1});
+    list.Add(rows[0]);
+    for (std::size_t i = 0; i < bytes.size(); i += 2) list.Add({static_cast<int16_t>(bytes[i] | bytes[i + 1] << 8)});
+    return list;
+  }
+  for (const std::vector<int32_t>& row : rows) {
+    if (style == OS_ROW_RECORDS) list.Add({static_cast<int32_t>(row.size())});
+    if (style == OS_ROW_SPANS && row.size() != 2) std::abort();
+    list.Add(row);
+  }
+  return list;
+}
+
+struct PlatformFigure {
   const char* name;
   GdiObject<HRGN> region;
-  bool oneSpanPerRow;
-  bool gentle;  // edges move by at most -8..7
+  std::vector<uint32_t> styles;  // the encodings that can hold it
 };
 
 GdiObject<HRGN> PolygonRegion(const std::vector<POINT>& points, int fill) {
   return GdiObject<HRGN>(CreatePolygonRgn(points.data(), static_cast<int>(points.size()), fill));
 }
 
-std::vector<Figure> AllFigures() {
-  std::vector<Figure> figures;
-  figures.push_back({"ellipse", GdiObject<HRGN>(CreateEllipticRgn(60, 10, 150, 70)), true, false});
-  figures.push_back({"circle beyond the band", GdiObject<HRGN>(CreateEllipticRgn(20, -30, 190, 130)), true, false});
-  figures.push_back({"round rectangle", GdiObject<HRGN>(CreateRoundRectRgn(55, 5, 145, 75, 30, 24)), true, false});
-  figures.push_back({"diamond", PolygonRegion({{100, 0}, {150, 40}, {100, 80}, {50, 40}}, ALTERNATE), true, true});
-  figures.push_back({"leaning strip", PolygonRegion({{40, 2}, {60, 2}, {160, 77}, {140, 77}}, ALTERNATE), true, true});
+std::vector<PlatformFigure> AllFigures() {
+  const std::vector<uint32_t> any = {OS_BANDED_SPANS, OS_ROW_RECORDS};
+  const std::vector<uint32_t> oneSpan = {OS_BANDED_SPANS, OS_ROW_RECORDS, OS_ROW_SPANS, OS_BYTE_DELTAS};
+  const std::vector<uint32_t> gentle = {OS_BANDED_SPANS, OS_ROW_RECORDS, OS_ROW_SPANS, OS_BYTE_DELTAS,
+                                        OS_NIBBLE_DELTAS};
   const std::vector<POINT> star = {{100, 3}, {130, 76}, {52, 28}, {148, 28}, {70, 76}};
-  figures.push_back({"star with a hole", PolygonRegion(star, ALTERNATE), false, false});
-  figures.push_back({"full star", PolygonRegion(star, WINDING), false, false});
+  std::vector<PlatformFigure> figures;
+  figures.push_back({"ellipse", GdiObject<HRGN>(CreateEllipticRgn(60, 10, 150, 70)), oneSpan});
+  figures.push_back({"circle beyond the band", GdiObject<HRGN>(CreateEllipticRgn(20, -30, 190, 130)), oneSpan});
+  figures.push_back({"round rectangle", GdiObject<HRGN>(CreateRoundRectRgn(55, 5, 145, 75, 30, 24)), oneSpan});
+  figures.push_back({"diamond", PolygonRegion({{100, 0}, {150, 40}, {100, 80}, {50, 40}}, ALTERNATE), gentle});
+  figures.push_back({"leaning strip", PolygonRegion({{40, 2}, {60, 2}, {160, 77}, {140, 77}}, ALTERNATE), gentle});
+  figures.push_back({"star with a hole", PolygonRegion(star, ALTERNATE), any});
+  figures.push_back({"full star", PolygonRegion(star, WINDING), any});
   return figures;
 }
 
-// Spans are counted from a page that the host may have moved.
-constexpr SpanOrigin kOrigins[] = {{0, 0}, {13, -7}};
+class GdiFigures : public testing::TestWithParam<uint16_t> {
+ protected:
+  void PaintFigure(const PlatformFigure& figure, uint32_t style, const POINT& origin, const BrushPair& brush,
+                   const DRAWMODE& mode, const BandRect& clip = kEverywhere) {
+    const Selected selected(witness_.dc(), {brush.platform.get()}, clip);
+    PaintRgn(witness_.dc(), figure.region.get());
+    const SpanList list = SpansOf(figure.region.get(), style, origin);
+    EXPECT_EQ(
+        1u, QNVOutput(witness_.handle(), style, list.count, list.words.data(), nullptr, &brush.library, &mode, &clip) &
+                0xFFFF);
+  }
 
-class GdiFigures : public testing::TestWithParam<uint16_t> {};
+  Witness witness_{{.depth = GetParam(), .width = 101, .height = 67, .left = 50, .top = 5}};
+};
 
 TEST_P(GdiFigures, EveryEncodingAgreesWithTheRegion) {
-  Witness witness({.depth = GetParam(), .width = 101, .height = 67, .left = 50, .top = 5});
-  SetBrushOrgEx(witness.dc(), -50, -5, nullptr);
+  SetBrushOrgEx(witness_.dc(), -50, -5, nullptr);
   DRAWMODE mode = MakeDrawMode();
   mode.Rop2 = R2_XORPEN;
-  witness.Apply(mode);
-  const BrushPair brush = DeepPatternPair(witness, 3);
-  const Selected selected(witness.dc(), brush.platform.get());
-  for (const Figure& figure : AllFigures()) {
-    for (const SpanOrigin& origin : kOrigins) {
-      std::vector<std::pair<uint32_t, SpanList>> lists = {{OS_BANDED_SPANS, BandedSpans(figure.region.get(), origin)},
-                                                          {OS_ROW_RECORDS, RowRecords(figure.region.get(), origin)}};
-      if (figure.oneSpanPerRow) {
-        lists.push_back({OS_ROW_SPANS, RowSpans(figure.region.get(), origin)});
-        lists.push_back({OS_BYTE_DELTAS, ByteDeltas(figure.region.get(), origin)});
-      }
-      if (figure.gentle) lists.push_back({OS_NIBBLE_DELTAS, NibbleDeltas(figure.region.get(), origin)});
-      const DrawingOrigin data{origin.x, origin.y};
-      QNVControl(witness.handle(), QNV_SET_ORIGIN, &data, nullptr);
-      for (const auto& [style, list] : lists) {
-        witness.Reset(style);
-        PaintRgn(witness.dc(), figure.region.get());
-        EXPECT_EQ(1u, QNVOutput(witness.handle(), style, list.count, list.words.data(), nullptr, &brush.library, &mode,
-                                &kEverywhere) &
-                          0xFFFF);
-        EXPECT_TRUE(witness.Same()) << figure.name << ", style " << style << ", origin " << origin.x;
-        EXPECT_FALSE(witness.Untouched());
+  witness_.Apply(mode);
+  const BrushPair brush = DeepPatternPair(witness_, 3);
+  for (const PlatformFigure& figure : AllFigures()) {
+    for (const DrawingOrigin& origin : {DrawingOrigin{0, 0}, DrawingOrigin{13, -7}}) {
+      QNVControl(witness_.handle(), QNV_SET_ORIGIN, &origin, nullptr);
+      for (uint32_t style : figure.styles) {
+        witness_.Reset(style);
+        PaintFigure(figure, style, {origin.x, origin.y}, brush, mode);
+        EXPECT_TRUE(witness_.Same()) << figure.name << ", style " << style << ", origin " << origin.x;
+        EXPECT_FALSE(witness_.Untouched());
       }
     }
   }
 }
 
 TEST_P(GdiFigures, ClipsAgree) {
-  Witness witness({.depth = GetParam(), .width = 101, .height = 67, .left = 50, .top = 5});
-  const DRAWMODE mode = MakeDrawMode();
-  const BrushPair brush = SolidPair(witness, ExactColor(witness, 0x00407090));
-  const Selected selected(witness.dc(), brush.platform.get());
-  const BandRect clips[] = {{70, 20, 120, 60}, {0, 0, 100, 40}, {99, 39, 300, 300}, {60, 30, 61, 31}, {0, 0, 20, 20}};
-  for (const Figure& figure : AllFigures()) {
-    const SpanList list = RowRecords(figure.region.get());
-    for (const BandRect& clip : clips) {
-      witness.Reset(5);
-      const ClippedTo clipped(witness.dc(), clip);
-      PaintRgn(witness.dc(), figure.region.get());
-      QNVOutput(witness.handle(), OS_ROW_RECORDS, list.count, list.words.data(), nullptr, &brush.library, &mode, &clip);
-      EXPECT_TRUE(witness.Same()) << figure.name << ", " << Describe(clip);
+  const BrushPair brush = SolidPair(witness_, ExactColor(witness_, 0x00407090));
+  for (const PlatformFigure& figure : AllFigures()) {
+    for (const BandRect& clip : {BandRect{70, 20, 120, 60}, BandRect{0, 0, 100, 40}, BandRect{99, 39, 300, 300},
+                                 BandRect{60, 30, 61, 31}, BandRect{0, 0, 20, 20}}) {
+      witness_.Reset(5);
+      PaintFigure(figure, OS_ROW_RECORDS, {0, 0}, brush, MakeDrawMode(), clip);
+      EXPECT_TRUE(witness_.Same()) << figure.name << ", " << Describe(clip);
     }
   }
 }

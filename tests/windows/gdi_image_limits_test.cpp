@@ -1,25 +1,50 @@
 // Where images are promised to look different, and what both sides refuse.
 
 #include <gtest/gtest.h>
+#include <windows.h>
 
 #include <algorithm>
 #include <cstring>
 #include <vector>
 
 #include "windows/differences.h"
-#include "windows/image_pair.h"
+#include "windows/paired_calls.h"
 
 namespace qnv::test {
 namespace {
 
-constexpr int32_t kWidth = 29;
-constexpr int32_t kHeight = 13;
-constexpr DibForm kPlainForm{"24 bits", 24};
-
-DibSample Sample(const DibForm& form) { return DibSample(form, kWidth, kHeight, RowOrder::kBottomUp, 7); }
+TEST(GdiImageDifference, OneImageOnEachSide) {
+  constexpr ImageArea kWhole{3, 2, 29, 13, 0, 0, 29, 13};
+  struct Case {
+    Difference why;
+    DibForm form;
+    ImageArea area = kWhole;
+    uint16_t depth = 24;
+    bool gray = false;
+  };
+  const Case cases[] = {
+      {kShrinking, kPlainForm, {3, 2, 14, 13, 0, 0, 29, 13}},
+      {kShrinking, kPlainForm, {3, 2, 29, 6, 0, 0, 29, 13}},
+      {kBeyondImage, kPlainForm, {3, 2, 29, 13, -4, 0, 29, 13}},
+      {kShortTable, {"8 bits", 8, BI_RGB, {}, 40, 100}},
+      {kOneBitField, {"fields", 16, BI_BITFIELDS, {0x8000, 0x7F00, 0x00FF}}},
+      {kWideMasks, {"32 bits", 32, BI_BITFIELDS, {0x000000FF, 0x0000FF00, 0x00FF0000}}},
+      // Colors on a gray band: the library weighs red, green and blue, the platform looks for the nearest entry.
+      {kGrayOfColor, {"8 bits", 8}, kWhole, 8},
+      {kGrayOfColor, kPlainForm, kWhole, 8},
+      {kFiveBitMatching, kPlainForm, kWhole, 8, true},
+  };
+  for (const Case& c : cases) {
+    if (c.why.nature == Nature::kWine && !RunsUnderWine()) continue;
+    const DibSample dib(c.form, {.gray = c.gray});
+    const Witness witness({.depth = c.depth});
+    PaintImage(witness, {.dib = &dib, .area = c.area});
+    ExpectDifference(c.why, witness);
+  }
+}
 
 TEST(GdiImageDifference, ATurnedExtentEndsBeforeItsCorner) {
-  const DibSample dib = Sample(kPlainForm);
+  const DibSample dib(kPlainForm, {});
   for (unsigned mirror : {kTurnDstX, kTurnDstY, kTurnSrcX}) {
     const Witness witness;
     const ImagePair pair{.dib = &dib, .area = Mirrored(WholeImage(dib, 3, 2), mirror)};
@@ -29,24 +54,13 @@ TEST(GdiImageDifference, ATurnedExtentEndsBeforeItsCorner) {
   }
 }
 
-TEST(GdiImageDifference, ShrinkingKeepsOtherPixels) {
-  const DibSample dib = Sample(kPlainForm);
-  for (const ImageArea& area :
-       {ImageArea{3, 2, 14, 13, 0, 0, kWidth, kHeight}, ImageArea{3, 2, 29, 6, 0, 0, kWidth, kHeight}}) {
-    const Witness witness;
-    PaintBoth(witness, {.dib = &dib, .area = area});
-    ExpectDifference(kShrinking, witness);
-  }
-}
-
 // Which pixels a shrunken image keeps is each side's own business, but each of them is a pixel of the image.
 TEST(GdiImageDifference, ShrinkingInventsNoColors) {
-  const DibForm form{"1 bit", 1};
-  const DibSample dib = Sample(form);
+  const DibSample dib({"1 bit", 1}, {});
   for (int32_t width : {3, 10, 20, 28}) {
     for (int32_t height : {2, 7, 12}) {
-      Witness witness;
-      PaintBoth(witness, {.dib = &dib, .area = {3, 2, width, height, 0, 0, kWidth, kHeight}});
+      const Witness witness;
+      PaintImage(witness, {.dib = &dib, .area = {3, 2, width, height, 0, 0, 29, 13}});
       for (int32_t x = 3; x < 3 + width; ++x) {
         for (int32_t y = 2; y < 2 + height; ++y) {
           const uint8_t* pixel = witness.device().Pixel(static_cast<uint32_t>(x), static_cast<uint32_t>(y));
@@ -58,74 +72,45 @@ TEST(GdiImageDifference, ShrinkingInventsNoColors) {
   }
 }
 
-TEST(GdiImageDifference, WhatLiesBeyondTheImageIsNotPainted) {
-  const DibSample dib = Sample(kPlainForm);
+// See kShortTable.
+TEST(GdiImageTables, WhatUsesTheEntriesOfAShortTableAgrees) {
   const Witness witness;
-  PaintBoth(witness, {.dib = &dib, .area = {3, 2, kWidth, kHeight, -4, 0, kWidth, kHeight}});
-  ExpectDifference(kBeyondImage, witness);
-}
-
-TEST(GdiImageDifference, MissingEntriesOfAShortTableAreWhite) {
-  const DibSample dib = Sample({"8 bits", 8, BI_RGB, {}, 40, 100});
-  const Witness witness;
-  PaintBoth(witness, {.dib = &dib, .area = WholeImage(dib, 3, 2)});
-  ExpectDifference(kShortTable, witness);
-
-  // What uses only the entries that are there agrees.
-  DibForm form{"8 bits", 8, BI_RGB, {}, 40, 100};
-  DibSample low(form, kWidth, kHeight, RowOrder::kBottomUp, 7);
-  low.LimitIndices(100);
-  PaintBoth(witness, {.dib = &low, .area = WholeImage(low, 3, 2)});
+  DibSample dib({"8 bits", 8, BI_RGB, {}, 40, 100}, {});
+  for (uint8_t& index : dib.bytes()) index = static_cast<uint8_t>(index % 100);
+  PaintImage(witness, {.dib = &dib, .area = WholeImage(dib, 3, 2)});
   EXPECT_TRUE(witness.Same());
 }
 
-TEST(GdiImageDifference, FieldsOfOneBitAreDark) {
-  const DibSample dib = Sample({"fields", 16, BI_BITFIELDS, {0x8000, 0x7F00, 0x00FF}});
-  const Witness witness;
-  PaintBoth(witness, {.dib = &dib, .area = WholeImage(dib, 3, 2)});
-  ExpectDifference(kOneBitField, witness);
-}
-
-TEST(GdiImageDifference, MasksOfWidePixelsAreNotRead) {
-  const DibSample dib = Sample({"32 bits", 32, BI_BITFIELDS, {0x000000FF, 0x0000FF00, 0x00FF0000}});
-  const Witness witness;
-  PaintBoth(witness, {.dib = &dib, .area = WholeImage(dib, 3, 2)});
-  ExpectDifference(kWideMasks, witness);
-}
-
 TEST(GdiImageDifference, CoreHeadersAreRefused) {
-  std::vector<uint8_t> info(sizeof(BITMAPCOREHEADER) + 40);
-  const BITMAPCOREHEADER header{sizeof(BITMAPCOREHEADER), kWidth, kHeight, 1, 24};
-  std::memcpy(info.data(), &header, sizeof header);
-  const DibSample dib = Sample(kPlainForm);
+  DibSample dib(kPlainForm, {});
+  const BITMAPCOREHEADER header{sizeof(BITMAPCOREHEADER), 29, 13, 1, 24};
+  std::memset(dib.header(), 0, sizeof *dib.header());
+  std::memcpy(dib.header(), &header, sizeof header);
   const Witness witness;
-  const DRAWMODE mode = MakeDrawMode();
-  EXPECT_EQ(0u, QNVStretchDIBits(witness.handle(), 0, 3, 2, kWidth, kHeight, 0, 0, kWidth, kHeight, dib.bits(),
-                                 info.data(), nullptr, SRCCOPY, nullptr, &mode, &kEverywhere) &
-                    0xFFFF);
+  EXPECT_EQ(0u, PaintLibraryImage(witness, {.dib = &dib, .area = WholeImage(dib, 3, 2)}));
   EXPECT_TRUE(witness.Untouched());
-  EXPECT_NE(0, StretchDIBits(witness.dc(), 3, 2, kWidth, kHeight, 0, 0, kWidth, kHeight, dib.bits(),
-                             reinterpret_cast<const BITMAPINFO*>(info.data()), DIB_RGB_COLORS, SRCCOPY));
+  EXPECT_NE(0, PaintPlatformImage(witness, {.dib = &dib, .area = WholeImage(dib, 3, 2)}));
   ExpectDifference(kCoreHeader, witness);
 }
 
 // The platform knows no codes above the index, or knows others.
 TEST(GdiImageDifference, CodesAboveTheIndexAreTheLibrarysOwn) {
-  const DibSample dib = Sample(kPlainForm);
+  const DibSample dib(kPlainForm, {});
+  const ImagePair pair{.dib = &dib, .area = WholeImage(dib, 3, 2), .rop = 0x80CC0020};
   const Witness witness;
-  EXPECT_EQ(1u, PaintLibraryImage(witness, {.dib = &dib, .area = WholeImage(dib, 3, 2), .rop = 0x80CC0020}));
+  EXPECT_EQ(1u, PaintLibraryImage(witness, pair));
   EXPECT_TRUE(witness.Untouched());
-  EXPECT_NE(0, PaintPlatformImage(witness, {.dib = &dib, .area = WholeImage(dib, 3, 2), .rop = 0x80CC0020}));
+  EXPECT_NE(0, PaintPlatformImage(witness, pair));
   ExpectDifference(kExtendedCode, witness);
 }
 
 // The minimum has no name in the platform, so its pictures are put together byte by byte.
 TEST(GdiImageDifference, TheMinimumIsThatOfTwoPictures) {
-  const DibSample dib = Sample(kPlainForm);
-  Witness image;
-  PaintBoth(image, {.dib = &dib, .area = WholeImage(dib, 3, 2)});
+  const DibSample dib(kPlainForm, {});
+  const Witness image;
+  PaintImage(image, {.dib = &dib, .area = WholeImage(dib, 3, 2)});
   ASSERT_TRUE(image.Same());
-  Witness witness;
+  const Witness witness;
   const std::vector<uint8_t> ground = witness.device().BandBytes();
   std::vector<uint8_t> expected = image.device().BandBytes();
   for (std::size_t i = 0; i < expected.size(); ++i) expected[i] = std::min(expected[i], ground[i]);
@@ -134,33 +119,38 @@ TEST(GdiImageDifference, TheMinimumIsThatOfTwoPictures) {
 }
 
 TEST(GdiImageDifference, ResultsAreNoNumbersOfLines) {
-  const DibSample dib = Sample(kPlainForm);
+  const DibSample dib(kPlainForm, {});
   const Witness witness;
   const ImagePair inside{.dib = &dib, .area = WholeImage(dib, 3, 2)};
   EXPECT_EQ(1u, PaintLibraryImage(witness, inside)) << kTransferResult.name;
-  EXPECT_EQ(kHeight, PaintPlatformImage(witness, inside));
+  EXPECT_EQ(13, PaintPlatformImage(witness, inside));
   const ImagePair outside{.dib = &dib, .area = WholeImage(dib, 300, 2)};
   EXPECT_EQ(0u, PaintLibraryImage(witness, outside));
-  EXPECT_EQ(kHeight, PaintPlatformImage(witness, outside));
+  EXPECT_EQ(13, PaintPlatformImage(witness, outside));
   EXPECT_TRUE(witness.Same());
 }
 
-TEST(GdiImageWine, GraysAreMatchedByFiveBits) {
-  if (!RunsUnderWine()) GTEST_SKIP() << "known of Wine only";
-  const DibSample dib(kPlainForm, kWidth, kHeight, RowOrder::kBottomUp, 7, true);
-  const Witness witness({.depth = 8});
-  PaintBoth(witness, {.dib = &dib, .area = WholeImage(dib, 3, 2)});
-  ExpectDifference(kFiveBitMatching, witness);
-}
-
-// Colors on a gray band: the library weighs red, green and blue, the platform looks for the nearest entry.
-TEST(GdiImageDifference, GraysOfColorsAreWeighed) {
-  for (const DibForm& form : {DibForm{"8 bits", 8}, kPlainForm}) {
-    const DibSample dib = Sample(form);
-    const Witness witness({.depth = 8});
-    PaintBoth(witness, {.dib = &dib, .area = WholeImage(dib, 3, 2)});
-    ExpectDifference(kGrayOfColor, witness);
-  }
+// The platform also takes an image piece by piece, each piece with the address of its own first scan. The library's
+// bits are always those of the whole image; a host that has a piece only says so in the header.
+TEST(GdiImageDifference, BitsAreThoseOfTheWholeImage) {
+  constexpr uint32_t kFirst = 4;
+  constexpr uint32_t kCount = 6;
+  const DibSample dib(kPlainForm, {});
+  const DibSample longer(kPlainForm, {.height = 26});  // starts with the same rows
+  const auto paint = [&dib](const Witness& witness, const void* bits) {
+    const DRAWMODE mode = MakeDrawMode();
+    EXPECT_EQ(1u, QNVDevSetDIBitsToDevice(witness.handle(), 3, 2, kFirst, kCount, &kEverywhere, &mode, bits, dib.info(),
+                                          nullptr) &
+                      0xFFFF);
+    EXPECT_EQ(static_cast<int>(kCount), SetDIBitsToDevice(witness.dc(), 3, 2, 29, kCount, 0, kFirst, kFirst, kCount,
+                                                          dib.Row(kFirst), dib.info(), DIB_RGB_COLORS));
+  };
+  const Witness same;
+  paint(same, dib.bits());
+  EXPECT_TRUE(same.Same());
+  const Witness other;
+  paint(other, longer.Row(kFirst));
+  ExpectDifference(kFirstScan, other);
 }
 
 TEST(GdiImageRefusals, BothSidesRefuse) {
@@ -176,10 +166,10 @@ TEST(GdiImageRefusals, BothSidesRefuse) {
       {"eight-bit runs of 24-bit pixels", [](BITMAPINFOHEADER* header) { header->biCompression = BI_RLE8; }},
   };
   for (const Bad& bad : cases) {
-    DibSample dib = Sample(kPlainForm);
-    dib.Spoil(bad.spoil);
+    DibSample dib(kPlainForm, {});
+    bad.spoil(dib.header());
     const Witness witness;
-    const ImagePair pair{.dib = &dib, .area = {3, 2, kWidth, kHeight, 0, 0, kWidth, kHeight}};
+    const ImagePair pair{.dib = &dib, .area = WholeImage(dib, 3, 2)};
     EXPECT_EQ(0u, PaintLibraryImage(witness, pair)) << bad.name;
     EXPECT_EQ(0, PaintPlatformImage(witness, pair)) << bad.name;
     EXPECT_TRUE(witness.Same()) << bad.name;

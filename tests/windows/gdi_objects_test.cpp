@@ -1,45 +1,50 @@
 // Where brushes, pens and pixels are promised to look different.
 
 #include <gtest/gtest.h>
+#include <windows.h>
 
-#include <initializer_list>
 #include <vector>
 
 #include "windows/differences.h"
-#include "windows/transfer_pair.h"
+#include "windows/paired_calls.h"
 
 namespace qnv::test {
 namespace {
 
-constexpr TransferArea kArea = {.destX = 3, .destY = 2, .width = 30, .height = 12};
-constexpr int16_t kAreaSpans[] = {2, 2, 14, 3, 33, 2};
-
-// The same box as kArea.
-void PaintAreaSpans(const Witness& witness, const PhysicalPen* pen, const PhysicalBrush* brush, const DRAWMODE& mode) {
-  QNVOutput(witness.handle(), OS_BANDED_SPANS, 1, kAreaSpans, pen, brush, &mode, &kEverywhere);
+// Fills one box with both sides' figures; a brush pair without a platform's brush is no brush at all.
+void PaintBox(const Witness& witness, const PhysicalBrush* library, HGDIOBJ platform,
+              const DRAWMODE& mode = MakeDrawMode()) {
+  constexpr int16_t kSpans[] = {2, 2, 14, 3, 33, 2};
+  QNVOutput(witness.handle(), OS_BANDED_SPANS, 1, kSpans, nullptr, library, &mode, &kEverywhere);
+  witness.Apply(mode);
+  const Selected selected(witness.dc(), {GetStockObject(NULL_PEN), platform});
+  Rectangle(witness.dc(), 3, 2, 34, 15);
 }
 
-void PaintAreaRectangle(const Witness& witness, HBRUSH brush) {
-  const Selected pen(witness.dc(), GetStockObject(NULL_PEN));
-  const Selected selected(witness.dc(), brush);
-  Rectangle(witness.dc(), 3, 2, 34, 15);
+// The same box by transfers.
+void TransferBox(const Witness& witness, const BrushPair& brush, const DRAWMODE& mode = MakeDrawMode()) {
+  witness.Apply(mode);
+  PaintTransfer(witness, {.area = {3, 2, 0, 0, 30, 12}, .rop = PATCOPY, .brush = &brush, .mode = mode});
+}
+
+// Each side's own hatch.
+BrushPair OwnHatches(const Witness& witness, int16_t hatch) {
+  return {"own hatches", HatchBrush(witness.handle(), hatch, RGB(10, 20, 30), RGB(90, 80, 70)),
+          GdiObject<HBRUSH>(CreateHatchBrush(hatch, RGB(10, 20, 30)))};
 }
 
 TEST(GdiObjects, DiagonalHatchesOfThePlatformHaveTheSameShape) {
   if (!RunsUnderWine()) GTEST_SKIP() << "the shapes are the platform's own business";
-  for (int16_t hatch : std::initializer_list<int16_t>{HS_FDIAGONAL, HS_BDIAGONAL}) {
-    for (int16_t background : std::initializer_list<int16_t>{TRANSPARENT, OPAQUE}) {
+  for (int16_t hatch : {int16_t{HS_FDIAGONAL}, int16_t{HS_BDIAGONAL}}) {
+    for (int16_t background : {int16_t{TRANSPARENT}, int16_t{OPAQUE}}) {
       for (int16_t rop2 = R2_BLACK; rop2 <= R2_WHITE; ++rop2) {
-        Witness witness;
+        const Witness witness;
         DRAWMODE mode = MakeDrawMode();
         mode.Rop2 = rop2;
         mode.bkMode = background;
         mode.bkColor = RGB(200, 100, 50);
-        witness.Apply(mode);
-        const PhysicalBrush brush = HatchBrush(witness.handle(), hatch, RGB(10, 20, 30));
-        const GdiObject<HBRUSH> platform(CreateHatchBrush(hatch, RGB(10, 20, 30)));
-        PaintAreaSpans(witness, nullptr, &brush, mode);
-        PaintAreaRectangle(witness, platform.get());
+        const BrushPair brush = OwnHatches(witness, hatch);
+        PaintBox(witness, &brush.library, brush.platform.get(), mode);
         EXPECT_TRUE(witness.Same()) << "hatch " << hatch << ", background " << background << ", code " << rop2;
       }
     }
@@ -47,14 +52,10 @@ TEST(GdiObjects, DiagonalHatchesOfThePlatformHaveTheSameShape) {
 }
 
 TEST(GdiObjectsDifference, OtherHatchesHaveAShapeOfTheirOwn) {
-  for (int16_t hatch : std::initializer_list<int16_t>{HS_HORIZONTAL, HS_VERTICAL, HS_CROSS, HS_DIAGCROSS}) {
-    Witness witness;
-    const DRAWMODE mode = MakeDrawMode();
-    witness.Apply(mode);
-    const PhysicalBrush brush = HatchBrush(witness.handle(), hatch, RGB(10, 20, 30));
-    const GdiObject<HBRUSH> platform(CreateHatchBrush(hatch, RGB(10, 20, 30)));
-    PaintAreaSpans(witness, nullptr, &brush, mode);
-    PaintAreaRectangle(witness, platform.get());
+  for (int16_t hatch : {int16_t{HS_HORIZONTAL}, int16_t{HS_VERTICAL}, int16_t{HS_CROSS}, int16_t{HS_DIAGCROSS}}) {
+    const Witness witness;
+    const BrushPair brush = OwnHatches(witness, hatch);
+    PaintBox(witness, &brush.library, brush.platform.get());
     ExpectDifference(kHatchShapes, witness);
   }
 }
@@ -63,43 +64,32 @@ TEST(GdiObjectsDifference, HatchesGrowWithTheResolution) {
   const Witness fine({.resolution = 720});
   DRAWMODE mode = MakeDrawMode();
   mode.TextColor = RGB(10, 20, 30);
-  fine.Apply(mode);
   const BrushPair hatch = HatchPair(fine, HS_DIAGCROSS, mode.TextColor);
-  PaintAreaSpans(fine, nullptr, &hatch.library, mode);
-  PaintAreaRectangle(fine, hatch.platform.get());
+  PaintBox(fine, &hatch.library, hatch.platform.get(), mode);
   ExpectDifference(kHatchScale, fine);
 }
 
-TEST(GdiObjectsDifference, SpansCountPatternsFromThePage) {
-  const Witness witness({.left = 3, .top = 2});
-  const DRAWMODE mode = MakeDrawMode();
-  const BrushPair brush = ColorPatternPair(witness, 3);
-  PaintAreaSpans(witness, nullptr, &brush.library, mode);
-  PaintAreaRectangle(witness, brush.platform.get());
-  ExpectDifference(kPatternOrigin, witness);
-}
+TEST(GdiObjectsDifference, FiguresCountPatternsFromThePageAndTransfersFromTheBand) {
+  const Witness moved({.left = 3, .top = 2});
+  const BrushPair brush = DeepPatternPair(moved, 3);
+  PaintBox(moved, &brush.library, brush.platform.get());
+  ExpectDifference(kPatternOrigin, moved);
 
-TEST(GdiObjectsDifference, TransfersIgnoreTheBrushOrigin) {
   const Witness witness;
-  const DRAWMODE mode = MakeDrawMode();
-  const BrushPair brush = ColorPatternPair(witness, 3);
   SetBrushOrgEx(witness.dc(), 1, 0, nullptr);
-  PaintBoth(witness, {.area = kArea, .rop = PATCOPY, .brush = &brush}, mode);
+  TransferBox(witness, DeepPatternPair(witness, 3));
   ExpectDifference(kPatternOrigin, witness);
 }
 
 TEST(GdiObjectsDifference, OnlyTheCornerOfALargePatternCounts) {
   const Witness witness;
-  const DRAWMODE mode = MakeDrawMode();
-  witness.Apply(mode);
   std::vector<uint8_t> rows;
   for (int i = 0; i < 16; ++i) rows.insert(rows.end(), {static_cast<uint8_t>(i), static_cast<uint8_t>(0xF0 - i)});
   const SourceBitmap bitmap{0, 16, 16, 2, 1, 1, rows.data()};
   const PhysicalBrush brush = PatternBrush(witness.handle(), bitmap);
   const GdiObject<HBITMAP> tile(CreateBitmap(16, 16, 1, 1, rows.data()));
   const GdiObject<HBRUSH> platform(CreatePatternBrush(tile.get()));
-  PaintAreaSpans(witness, nullptr, &brush, mode);
-  PaintAreaRectangle(witness, platform.get());
+  PaintBox(witness, &brush, platform.get());
   ExpectDifference(kLargePattern, witness);
 }
 
@@ -107,29 +97,22 @@ TEST(GdiObjectsDifference, TransfersFillTheGapsOfATransparentHatch) {
   const Witness witness;
   DRAWMODE mode = MakeDrawMode();
   mode.bkMode = TRANSPARENT;
-  witness.Apply(mode);
-  const BrushPair brush{"hatch", HatchBrush(witness.handle(), HS_FDIAGONAL, RGB(10, 20, 30), RGB(90, 80, 70)),
-                        GdiObject<HBRUSH>(CreateHatchBrush(HS_FDIAGONAL, RGB(10, 20, 30)))};
-  PaintBoth(witness, {.area = kArea, .rop = PATCOPY, .brush = &brush}, mode);
+  TransferBox(witness, OwnHatches(witness, HS_FDIAGONAL), mode);
   ExpectDifference(kTransparentHatch, witness);
 }
 
 TEST(GdiObjectsDifference, GrayBandsWeighTheComponentsOfAColor) {
   const Witness witness({.depth = 8});
-  const DRAWMODE mode = MakeDrawMode();
-  const BrushPair brush = SolidPair(witness, RGB(255, 0, 0));
-  PaintBoth(witness, {.area = kArea, .rop = PATCOPY, .brush = &brush}, mode);
+  TransferBox(witness, SolidPair(witness, RGB(255, 0, 0)));
   EXPECT_EQ(76, *witness.device().Pixel(3, 2));
   ExpectDifference(kGrayOfColor, witness);
 }
 
 TEST(GdiObjectsDifference, WithoutBrushAndPenSpansAreBlack) {
   const Witness witness;
-  const DRAWMODE mode = MakeDrawMode();
-  PaintAreaSpans(witness, nullptr, nullptr, mode);
-  PaintAreaRectangle(witness, static_cast<HBRUSH>(GetStockObject(NULL_BRUSH)));
+  PaintBox(witness, nullptr, GetStockObject(NULL_BRUSH));
   ExpectDifference(kNoBrush, witness);
-  PaintAreaRectangle(witness, static_cast<HBRUSH>(GetStockObject(BLACK_BRUSH)));
+  PaintBox(witness, nullptr, GetStockObject(BLACK_BRUSH));
   EXPECT_TRUE(witness.Same());
 }
 
@@ -139,19 +122,18 @@ TEST(GdiObjectsDifference, EveryPenIsSolid) {
   const LogicalPen logical{PS_DASH, 1, 0, RGB(1, 2, 3)};
   PhysicalPen pen;
   ASSERT_EQ(0x8000u, QNVRealizeObject(witness.handle(), OBJ_PEN, &logical, &pen, nullptr));
-  const GdiObject<HPEN> dashed(CreatePen(PS_DASH, 1, RGB(1, 2, 3)));
-  const GdiObject<HPEN> solid(CreatePen(PS_SOLID, 1, RGB(1, 2, 3)));
   const int16_t line[] = {0, 5, 0, 43};
   QNVOutput(witness.handle(), OS_SCANLINES, 2, line, &pen, nullptr, &mode, &kEverywhere);
   SetBkMode(witness.dc(), TRANSPARENT);
-  const auto draw = [&witness](HPEN platform) {
-    const Selected selected(witness.dc(), platform);
+  const auto draw = [&witness](int style) {
+    const GdiObject<HPEN> platform(CreatePen(style, 1, RGB(1, 2, 3)));
+    const Selected selected(witness.dc(), {platform.get()});
     MoveToEx(witness.dc(), 0, 5, nullptr);
     LineTo(witness.dc(), 43, 5);
   };
-  draw(dashed.get());
+  draw(PS_DASH);
   ExpectDifference(kStyledPen, witness);
-  draw(solid.get());
+  draw(PS_SOLID);
   EXPECT_TRUE(witness.Same());
 }
 
@@ -171,10 +153,9 @@ TEST(GdiObjectsDifference, APixelIsReadInTheOrderOfTheBandsBytes) {
 TEST(GdiObjectsWine, APatternBesideASourceIsCountedFromElsewhere) {
   if (!RunsUnderWine()) GTEST_SKIP() << "known of Wine only";
   const Witness witness;
-  const DRAWMODE mode = MakeDrawMode();
-  const SourcePair source = ColorSourcePair(30, 12, 4);
-  const BrushPair brush = ColorPatternPair(witness, 3);
-  PaintBoth(witness, {.area = kArea, .rop = MERGECOPY, .source = &source, .brush = &brush}, mode);
+  const SourcePair source = DeepSourcePair(witness, 30, 12, 4);
+  const BrushPair brush = DeepPatternPair(witness, 3);
+  PaintTransfer(witness, {.area = {3, 2, 0, 0, 30, 12}, .rop = MERGECOPY, .source = &source, .brush = &brush});
   ExpectDifference(kPatternWithSource, witness);
 }
 

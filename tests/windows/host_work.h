@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -13,14 +14,19 @@ namespace qnv::test {
 using HostCaller = std::function<uint32_t(const char* name, const std::vector<uint32_t>& arguments)>;
 
 struct WorkResult {
-  std::vector<uint8_t> pictures;   // the bands and tag planes after all calls
-  std::vector<uint32_t> results;   // of every call that returns no address
-  std::vector<std::string> names;  // of the functions called
+  std::vector<uint8_t> pictures;  // the bands and tag planes after all calls
+  std::vector<uint32_t> results;  // of every call that returns no address
+  std::set<std::string> names;    // of the functions called
 };
 
 WorkResult DoHostWork(const HostCaller& call);
 
 // A caller of the plain kind, for the functions of a loaded module (an HMODULE).
 HostCaller PlainCaller(void* module);
+
+// What fills an argument.
+inline uint32_t Slot(const void* address) { return static_cast<uint32_t>(reinterpret_cast<uintptr_t>(address)); }
+inline uint32_t Slot(int32_t value) { return static_cast<uint32_t>(value); }
+inline uint32_t Slot(uint32_t value) { return value; }
 
 }  // namespace qnv::test

@@ -1,12 +1,6 @@
-// The built DLL as this process has it, and further copies of it.
+// The built DLL as this process has it, and what it has to give away.
 #pragma once
 
-#ifndef NOMINMAX
-#define NOMINMAX
-#endif
-#ifndef WIN32_LEAN_AND_MEAN
-#define WIN32_LEAN_AND_MEAN
-#endif
 #include <windows.h>
 
 #include <cstdint>
@@ -37,31 +31,5 @@ inline std::string PathOf(HMODULE module) {
   GetModuleFileNameA(module, path, MAX_PATH);
   return path;
 }
-
-// A copy of the file under another name, loaded beside the linked one; the system has to find another place for it.
-class LibraryCopy {
- public:
-  LibraryCopy() {
-    char folder[MAX_PATH] = {};
-    char file[MAX_PATH] = {};
-    GetTempPathA(MAX_PATH, folder);
-    GetTempFileNameA(folder, "qnv", 0, file);
-    path_ = file;
-    CopyFileA(PathOf(LinkedLibrary()).c_str(), file, FALSE);
-    module_ = LoadLibraryA(file);
-  }
-  ~LibraryCopy() {
-    if (module_ != nullptr) FreeLibrary(module_);
-    DeleteFileA(path_.c_str());
-  }
-  LibraryCopy(const LibraryCopy&) = delete;
-  LibraryCopy& operator=(const LibraryCopy&) = delete;
-
-  HMODULE module() const { return module_; }
-
- private:
-  std::string path_;
-  HMODULE module_ = nullptr;
-};
 
 }  // namespace qnv::test
