@@ -17,10 +17,10 @@ struct BmpFile {
   uint32_t colors = 0;  // biClrUsed
   uint32_t xPixelsPerMetre = 0;
   uint32_t yPixelsPerMetre = 0;
-  std::vector<uint32_t> masks;  // after a 40-byte header, else at their place inside the header
-  std::vector<uint32_t> table;  // 0xRRGGBB
-  std::vector<uint8_t> pixels;  // as they stand in the file
-  int32_t offsetChange = 0;     // added to the right bfOffBits
+  std::vector<uint32_t> masks = {};  // after a 40-byte header, else at their place inside the header
+  std::vector<uint32_t> table = {};  // 0xRRGGBB
+  std::vector<uint8_t> pixels = {};  // as they stand in the file
+  int32_t offsetChange = 0;          // added to the right bfOffBits
 
   // Bytes from one row to the next.
   std::size_t stride() const { return (static_cast<std::size_t>(width) * bitCount + 31) / 32 * 4; }

@@ -4,22 +4,10 @@
 #include <gtest/gtest.h>
 
 #include "qnvtool/help_text.h"
-#include "qnvtool/tool_error.h"
+#include "tool_errors.h"
 
 namespace qnv::test {
 namespace {
-
-// The message of the ToolError that `call` throws, empty when it throws none.
-template <class Call>
-std::string ErrorOf(const Call& call) {
-  try {
-    call();
-  } catch (const tool::ToolError& error) {
-    EXPECT_EQ(error.code(), tool::ExitCode::kUsage);
-    return error.what();
-  }
-  return "";
-}
 
 TEST(CommandLine, NumbersInTheirRange) {
   EXPECT_EQ(tool::ParseWholeNumber("--n", "20", 20, 4800), 20);
@@ -30,14 +18,17 @@ TEST(CommandLine, NumbersInTheirRange) {
 
 TEST(CommandLine, MessagesNameTheRange) {
   for (const char* text : {"", "nan", "x", "19", "4801", "300.5", "300dpi", "99999999999999999999", "-300"}) {
-    EXPECT_EQ(ErrorOf([&] { tool::ParseWholeNumber("--dpi", text, 20, 4800); }),
+    EXPECT_EQ(UsageErrorOf([&] { tool::ParseWholeNumber("--dpi", text, 20, 4800); }),
               std::string("--dpi ") + text + ": use a whole number from 20 to 4800");
   }
   for (const char* text : {"", "nan", "-nan", "inf", "1.9", "200.1", "11pt", "1e999"}) {
-    EXPECT_EQ(ErrorOf([&] { tool::ParseDecimal("--size", text, 2, 200); }),
+    EXPECT_EQ(UsageErrorOf([&] { tool::ParseDecimal("--size", text, 2, 200); }),
               std::string("--size ") + text + ": use a number from 2 to 200");
   }
-  EXPECT_EQ(ErrorOf([] { tool::ParseChoice("--type", "jpg", {"bmp", "text"}); }), "--type jpg: use one of bmp, text");
+  EXPECT_EQ(UsageErrorOf([] {
+              tool::ParseChoice("--type", "jpg", {"bmp", "text"});
+            }),
+            "--type jpg: use one of bmp, text");
 }
 
 TEST(CommandLine, WrappedWords) {
@@ -47,45 +38,38 @@ TEST(CommandLine, WrappedWords) {
   EXPECT_EQ(tool::WrapWords("", 4), "");
 }
 
-struct Sample {
+TEST(CommandLine, ManPageAndCompletionComeFromTheDescription) {
   std::string out;
   std::string kind;
   bool quiet = false;
-  tool::Command command{.name = "make",
-                        .summary = "Makes",
-                        .options = {{.names = "kind",
-                                     .placeholder = "KIND",
-                                     .help = "What",
-                                     .value = tool::OneOf{&kind, {"one", "two"}},
-                                     .required = true},
-                                    {.names = "-o,--out",
-                                     .placeholder = "A-B",
-                                     .help = "Back\\slash",
-                                     .value = tool::Text{&out},
-                                     .required = true,
-                                     .fileTypes = "png"},
-                                    {.names = "-q,--quiet",
-                                     .placeholder = "",
-                                     .help = "Less",
-                                     .value = tool::Flag{&quiet},
-                                     .group = "Noise",
-                                     .excludes = "--out"}},
-                        .run = [] {}};
-};
+  const tool::Command command{.name = "make",
+                              .summary = "Makes",
+                              .options = {{.names = "kind",
+                                           .placeholder = "KIND",
+                                           .help = "What",
+                                           .value = tool::OneOf{&kind, {"one", "two"}},
+                                           .required = true},
+                                          {.names = "-o,--out",
+                                           .placeholder = "A-B",
+                                           .help = "Back\\slash",
+                                           .value = tool::Text{&out},
+                                           .required = true,
+                                           .fileTypes = "png"},
+                                          {.names = "-q,--quiet",
+                                           .placeholder = "",
+                                           .help = "Less",
+                                           .value = tool::Flag{&quiet},
+                                           .group = "Noise",
+                                           .excludes = "--out"}},
+                              .run = [] {}};
+  const tool::Program program{.name = "p", .summary = "", .version = "1", .commands = {command}};
 
-TEST(CommandLine, ManPage) {
-  const Sample sample;
   const std::string options =
       ".TP\n\\fB\\-o\\fR, \\fB\\-\\-out\\fR \\fIA\\-B\\fR\nBack\\eslash.\nRequired.\n"
       ".SS Noise\n.TP\n\\fB\\-q\\fR, \\fB\\-\\-quiet\\fR\nLess.\nExcludes \\fB\\-\\-out\\fR.\n";
-  EXPECT_EQ(tool::ManOptions(sample.command), options);
-  const tool::Program program{.name = "p", .summary = "", .version = "1", .commands = {sample.command}};
+  EXPECT_EQ(tool::ManOptions(command), options);
   EXPECT_EQ(tool::FillManPage(program, "before\n@OPTIONS make@\nafter\n"), "before\n" + options + "after\n");
-}
 
-TEST(CommandLine, Completion) {
-  const Sample sample;
-  const tool::Program program{.name = "p", .summary = "", .version = "1", .commands = {sample.command}};
   const std::string script = tool::BashCompletion(program);
   for (const char* line : {"        make) words='one two' ;;\n", "        -o | --out) kinds='png' ;;\n",
                            "        *) words='-h --help -o --out -q --quiet' ;;\n",

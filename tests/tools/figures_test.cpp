@@ -1,3 +1,4 @@
+// Figure files as pages, and what is said of mistakes in them.
 #include "qnvtool/figures.h"
 
 #include <gtest/gtest.h>
@@ -7,8 +8,8 @@
 #include "qnvdrv10.h"
 #include "qnvtool/bmp_writer.h"
 #include "qnvtool/sample_pictures.h"
-#include "qnvtool/tool_error.h"
 #include "synthetic_font.h"
+#include "tool_errors.h"
 
 namespace qnv::test {
 namespace {
@@ -21,28 +22,17 @@ using tool::TextLine;
 
 class Figures : public testing::Test {
  protected:
-  // 254 dots per inch: ten pixels a millimetre.
-  Figures() : fonts_(SyntheticShelf(254)) {
-    setup_.sheet = {254, 1000, 800, {0, 0, 1000, 800}};
-    setup_.fonts = &fonts_;
-  }
-
   std::vector<Page> LayOut(const std::string& text, const std::string& path = "x.fig") {
     return tool::LayOutFigures({text.begin(), text.end()}, setup_, path);
   }
 
-  std::string ErrorOf(const std::string& text) {
-    try {
-      LayOut(text);
-    } catch (const tool::ToolError& error) {
-      EXPECT_EQ(error.code(), tool::ExitCode::kBadInput);
-      return error.what();
-    }
-    return {};
+  std::string FigureErrorOf(const std::string& text) {
+    return InputErrorOf([&] { LayOut(text); });
   }
 
-  tool::FontShelf fonts_;
-  tool::PageSetup setup_;
+  // 254 dots per inch: ten pixels a millimetre.
+  tool::FontShelf fonts_ = SyntheticShelf(254);
+  tool::PageSetup setup_{.sheet = {254, 1000, 800, {0, 0, 1000, 800}}, .fonts = &fonts_};
 };
 
 template <class Item>
@@ -143,13 +133,13 @@ TEST_F(Figures, MistakesAreNamed) {
       {"page 2", "page: takes 0 values, not 1"},
   };
   for (const Case& c : cases) {
-    const std::string message = ErrorOf(std::string("\n") + c.text + "\n");
+    const std::string message = FigureErrorOf(std::string("\n") + c.text + "\n");
     EXPECT_NE(message.find(c.part), std::string::npos) << c.text << " gave " << message;
     if (std::string(c.part).find("No such file") == std::string::npos) {
       EXPECT_EQ(message.rfind("x.fig:2: ", 0), 0u) << message;
     }
   }
-  EXPECT_NE(ErrorOf(std::string("rect\0", 5)).find("zero byte"), std::string::npos);
+  EXPECT_NE(FigureErrorOf(std::string("rect\0", 5)).find("zero byte"), std::string::npos);
 }
 
 }  // namespace

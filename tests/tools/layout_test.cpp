@@ -10,28 +10,17 @@
 #include "qnvtool/picture_layout.h"
 #include "qnvtool/text_layout.h"
 #include "qnvtool/text_lines.h"
-#include "qnvtool/tool_error.h"
 #include "synthetic_font.h"
+#include "tool_errors.h"
 
 namespace qnv::test {
 namespace {
 
-using tool::DeviceChoice;
 using tool::Page;
 using tool::Picture;
 using tool::PictureScale;
 using tool::TextBlock;
 using tool::TextLine;
-
-template <class Function>
-bool IsUsageError(Function function) {
-  try {
-    function();
-  } catch (const tool::ToolError& error) {
-    return error.code() == tool::ExitCode::kUsage;
-  }
-  return false;
-}
 
 TEST(Paper, NamesAndSizes) {
   EXPECT_EQ(tool::ParsePaper("A4").heightMm, 297);
@@ -39,7 +28,7 @@ TEST(Paper, NamesAndSizes) {
   EXPECT_EQ(tool::ParsePaper("100x62.5mm").heightMm, 62.5);
   for (const char* bad :
        {"", "a5", "100x100", "100x100mmm", "x100mm", "100xmm", "1x100mm", "100x9999mm", "nanxnanmm"}) {
-    EXPECT_TRUE(IsUsageError([&] { tool::ParsePaper(bad); })) << bad;
+    EXPECT_NE(UsageErrorOf([&] { tool::ParsePaper(bad); }), "") << bad;
   }
 }
 
@@ -48,48 +37,37 @@ TEST(Paper, SheetsInPixels) {
   EXPECT_EQ(sheet.width, 2480);
   EXPECT_EQ(sheet.height, 3508);
   EXPECT_EQ(sheet.content, (tool::Rect{300, 300, 2180, 3208}));
-  EXPECT_TRUE(IsUsageError([] { tool::MakeSheet({210, 297}, 300, 105); }));
-  EXPECT_TRUE(IsUsageError([] { tool::MakeSheet({210, 297}, 4800, 0); }));
+  EXPECT_NE(UsageErrorOf([] { tool::MakeSheet({210, 297}, 300, 105); }), "");
+  EXPECT_NE(UsageErrorOf([] { tool::MakeSheet({210, 297}, 4800, 0); }), "");
 }
 
 TEST(DeviceChoice, Parsed) {
   EXPECT_EQ(tool::ParseDevice("color", 0).pageDpi, 300);
   EXPECT_EQ(tool::ParseDevice("gray", 600).bandDpi, 600);
-  const DeviceChoice scaled = tool::ParseDevice("scaled-gray:600/400", 600);
-  EXPECT_EQ(scaled.kind, DeviceChoice::Kind::kScaledGray);
+  const tool::DeviceChoice scaled = tool::ParseDevice("scaled-gray:600/400", 600);
+  EXPECT_EQ(scaled.kind, tool::DeviceChoice::Kind::kScaledGray);
   EXPECT_EQ(scaled.pageDpi, 600);
   EXPECT_EQ(scaled.bandDpi, 400);
   for (const char* bad : {"", "colr", "scaled", "scaled:", "scaled:600", "scaled:600/", "scaled:/400",
                           "scaled:600/400x", "scaled:5/400", "scaled:600/99999", "scaled:-600/400", "dual:1/2"}) {
-    EXPECT_TRUE(IsUsageError([&] { tool::ParseDevice(bad, 0); })) << bad;
+    EXPECT_NE(UsageErrorOf([&] { tool::ParseDevice(bad, 0); }), "") << bad;
   }
-  EXPECT_TRUE(IsUsageError([] { tool::ParseDevice("scaled:600/400", 400); }));
-  EXPECT_TRUE(IsUsageError([] { tool::ParseDevice("color", 5); }));
+  EXPECT_NE(UsageErrorOf([] { tool::ParseDevice("scaled:600/400", 400); }), "");
+  EXPECT_NE(UsageErrorOf([] { tool::ParseDevice("color", 5); }), "");
 }
 
 TEST(PictureScale, Parsed) {
   EXPECT_EQ(tool::ParseScale("pixels").mode, PictureScale::Mode::kPixels);
   EXPECT_EQ(tool::ParseScale("0.5").factor, 0.5);
   for (const char* bad : {"", "x", "0", "-1", "nan", "inf", "2x", "2000"}) {
-    EXPECT_TRUE(IsUsageError([&] { tool::ParseScale(bad); })) << bad;
+    EXPECT_NE(UsageErrorOf([&] { tool::ParseScale(bad); }), "") << bad;
   }
 }
 
 class Layout : public testing::Test {
  protected:
-  Layout() : fonts_(SyntheticShelf(100)) {
-    setup_.sheet = {100, 600, 800, {50, 50, 550, 750}};
-    setup_.fonts = &fonts_;
-    setup_.points = 10;
-    setup_.header = false;
-  }
-
   static std::shared_ptr<const tool::Dib> Image(int width, int height, uint32_t xPerMetre, uint32_t yPerMetre) {
-    BmpFile file;
-    file.width = width;
-    file.height = height;
-    file.xPixelsPerMetre = xPerMetre;
-    file.yPixelsPerMetre = yPerMetre;
+    BmpFile file{.width = width, .height = height, .xPixelsPerMetre = xPerMetre, .yPixelsPerMetre = yPerMetre};
     file.pixels.resize(file.stride() * static_cast<std::size_t>(height));
     return std::make_shared<const tool::Dib>(tool::ReadBmp(file.Bytes(), "x.bmp"));
   }
@@ -99,16 +77,21 @@ class Layout : public testing::Test {
     return std::get<Picture>(page.items.back()).place;
   }
 
-  tool::FontShelf fonts_;
-  tool::PageSetup setup_;
+  // Of the one-byte characters.
+  static int WidthOf(const tool::TextRun& run, tool::Font& font) {
+    int width = 0;
+    for (const char c : run.latin) width += font.Advance(static_cast<uint8_t>(c));
+    return width;
+  }
+
+  tool::FontShelf fonts_ = SyntheticShelf(100);
+  tool::PageSetup setup_{.sheet = {100, 600, 800, {50, 50, 550, 750}}, .fonts = &fonts_, .points = 10, .header = false};
 };
 
 TEST_F(Layout, ImagesFit) {
   EXPECT_EQ(PlaceOf(Image(20, 10, 0, 0), {}), (tool::Rect{50, 275, 550, 525}));
   EXPECT_EQ(PlaceOf(Image(10, 70, 0, 0), {}), (tool::Rect{250, 50, 350, 750}));
-}
-
-TEST_F(Layout, PixelsThatAreNotSquareKeepTheirShape) {
+  // Pixels that are not square keep their shape.
   EXPECT_EQ(PlaceOf(Image(20, 5, 2000, 1000), {}), (tool::Rect{50, 275, 550, 525}));
 }
 
@@ -117,7 +100,7 @@ TEST_F(Layout, ImagesAtTheirOwnSize) {
   EXPECT_EQ(PlaceOf(Image(300, 150, 11811, 11811), own).width(), 100);  // 300 dpi on a page of 100
   EXPECT_EQ(PlaceOf(Image(72, 36, 0, 0), own).width(), 100);            // 72 dpi where the file says nothing
   EXPECT_EQ(PlaceOf(Image(30, 10, 0, 0), {PictureScale::Mode::kPixels, 1}), (tool::Rect{285, 395, 315, 405}));
-  EXPECT_TRUE(IsUsageError([&] { PlaceOf(Image(30, 10, 1, 1), {PictureScale::Mode::kFactor, 100}); }));
+  EXPECT_NE(UsageErrorOf([&] { PlaceOf(Image(30, 10, 1, 1), {PictureScale::Mode::kFactor, 100}); }), "");
 }
 
 TEST_F(Layout, TextStaysInsideTheBody) {
@@ -137,8 +120,7 @@ TEST_F(Layout, TextStaysInsideTheBody) {
       EXPECT_LE(line.baseline - font->ascent() + font->lineHeight(), 750);
       EXPECT_GT(line.baseline, before);
       before = line.baseline;
-      int width = line.breakExtra;
-      for (const char c : line.runs.at(0).latin) width += font->Advance(static_cast<uint8_t>(c));
+      const int width = line.breakExtra + WidthOf(line.runs.at(0), *font);
       EXPECT_LE(width, 500);
       if (line.breakCount != 0) {
         EXPECT_EQ(width, 500);
@@ -184,13 +166,10 @@ TEST_F(Layout, HeadersHoldNameNumberAndRule) {
 
 TEST_F(Layout, LongNamesAreCutInHeaders) {
   setup_.header = true;
-  const auto pages = tool::LayOutText({}, setup_, std::string(500, 'n'));
-  const auto& name = std::get<TextLine>(pages[0].items.at(0));
+  const auto name = std::get<TextLine>(tool::LayOutText({}, setup_, std::string(500, 'n')).at(0).items.at(0));
   const auto font = fonts_.Get(tool::FontRole::kHeading, 8);
   int width = 0;
-  for (const auto& run : name.runs) {
-    for (const char c : run.latin) width += font->Advance(static_cast<uint8_t>(c));
-  }
+  for (const auto& run : name.runs) width += WidthOf(run, *font);
   EXPECT_LT(width, 500);
   EXPECT_EQ(name.runs.back().codes.size(), 1u);  // an ellipsis
 }

@@ -7,12 +7,12 @@
 
 #include <filesystem>
 #include <fstream>
-#include <sstream>
+#include <iterator>
 
 #include "qnvtool/output_names.h"
 #include "qnvtool/picture_writer.h"
 #include "qnvtool/png_writer.h"
-#include "qnvtool/tool_error.h"
+#include "tool_errors.h"
 
 namespace qnv::test {
 namespace {
@@ -34,9 +34,7 @@ class OutputFile : public testing::Test {
 
   static std::string Get(const std::string& path) {
     std::ifstream file(path, std::ios::binary);
-    std::stringstream text;
-    text << file.rdbuf();
-    return text.str();
+    return {std::istreambuf_iterator<char>(file), {}};
   }
 
   std::size_t Files() const {
@@ -54,28 +52,22 @@ class OutputFile : public testing::Test {
 
 TEST_F(OutputFile, TakesItsNameWhenComplete) {
   const std::string path = Path("a");
-  {
-    tool::OutputFile file(path);
-    std::fputs("new", file.get());
-    std::fflush(file.get());
-    EXPECT_FALSE(fs::exists(path));
-    file.Close();
-    EXPECT_EQ(Get(path), "new");
+  for (const bool replaces : {false, true}) {
+    for (const bool completed : {false, true}) {
+      fs::remove(path);
+      if (replaces) Put(path, "old");
+      {
+        tool::OutputFile file(path);
+        std::fputs("new", file.get());
+        std::fflush(file.get());
+        EXPECT_EQ(fs::exists(path), replaces);
+        EXPECT_EQ(Get(path), replaces ? "old" : "");
+        if (completed) file.Close();
+      }
+      EXPECT_EQ(Get(path), completed ? "new" : replaces ? "old" : "");
+      EXPECT_EQ(Files(), completed || replaces ? 1u : 0u);
+    }
   }
-  EXPECT_EQ(Files(), 1u);
-}
-
-TEST_F(OutputFile, LeavesTheOldFileWhenUnfinished) {
-  const std::string path = Path("a");
-  Put(path, "old");
-  {
-    tool::OutputFile file(path);
-    std::fputs("new", file.get());
-    std::fflush(file.get());
-    EXPECT_EQ(Get(path), "old");
-  }
-  EXPECT_EQ(Get(path), "old");
-  EXPECT_EQ(Files(), 1u);
 }
 
 TEST_F(OutputFile, KeepsTheModeOfTheFileThatItReplaces) {
@@ -129,13 +121,7 @@ TEST_F(OutputFile, NamesOfPages) {
 }
 
 std::string RefusalOf(const tool::PageNames& wanted, int pages, const std::vector<std::string>& inputs) {
-  try {
-    tool::NamePages(wanted, pages, inputs);
-  } catch (const tool::ToolError& error) {
-    EXPECT_EQ(error.code(), tool::ExitCode::kUsage);
-    return error.what();
-  }
-  return "";
+  return UsageErrorOf([&] { tool::NamePages(wanted, pages, inputs); });
 }
 
 TEST_F(OutputFile, NoNameOfAnInput) {
@@ -146,14 +132,13 @@ TEST_F(OutputFile, NoNameOfAnInput) {
   EXPECT_EQ(RefusalOf({Path("page.png"), "", ""}, 1, {input}), "");
   EXPECT_EQ(RefusalOf({Path("other.png"), Path("page.png"), ""}, 3, {input}), message);
   EXPECT_EQ(RefusalOf({Path("other.png"), "", Path("page.png")}, 3, {input}), message);
-  const std::string spelled = Path("x/.././page-02.png");
-  EXPECT_NE(RefusalOf({spelled, "", ""}, 1, {input}), "");
   EXPECT_NE(RefusalOf({Path("none.png"), "", ""}, 1, {Path("none.png")}), "");  // need not exist
-  fs::create_hard_link(input, Path("hard.png"));
-  EXPECT_NE(RefusalOf({Path("hard.png"), "", ""}, 1, {input}), "");
-  fs::create_symlink(input, Path("soft.png"));
-  EXPECT_NE(RefusalOf({Path("soft.png"), "", ""}, 1, {input}), "");
   EXPECT_EQ(RefusalOf({"-", "", ""}, 2, {"-"}), "");
+  fs::create_hard_link(input, Path("hard.png"));
+  fs::create_symlink(input, Path("soft.png"));
+  for (const char* name : {"x/.././page-02.png", "hard.png", "soft.png"}) {
+    EXPECT_NE(RefusalOf({Path(name), "", ""}, 1, {input}), "") << name;
+  }
 }
 
 TEST_F(OutputFile, NoNameOfTwoPictures) {

@@ -1,3 +1,4 @@
+// Pictures cut into strips for the bands, and the page rows that a device keeps.
 #include "qnvtool/picture_strips.h"
 
 #include <gtest/gtest.h>
@@ -63,18 +64,15 @@ TEST(PictureStrips, ReducedPicturesNeedNoKeptRows) {
 }
 
 TEST(KeptRows, EveryBandRowHasItsPageRow) {
-  struct Case {
-    int page;
-    int band;
-  };
-  for (const Case& c : {Case{720, 360}, Case{600, 400}, Case{300, 299}, Case{200, 200}}) {
-    const tool::KeptRows kept(c.page, c.band);
+  constexpr std::pair<int, int> kRatios[] = {{720, 360}, {600, 400}, {300, 299}, {200, 200}};
+  for (const auto& [page, band] : kRatios) {
+    const tool::KeptRows kept(page, band);
     int count = 0;
-    for (int row = 0; row < c.page; ++row) count += kept.Has(row) ? 1 : 0;
-    EXPECT_EQ(count, c.band);
+    for (int row = 0; row < page; ++row) count += kept.Has(row) ? 1 : 0;
+    EXPECT_EQ(count, band);
     EXPECT_TRUE(kept.Has(0));
-    EXPECT_TRUE(kept.Has(c.page));
-    EXPECT_FALSE(kept.Has(-c.page));
+    EXPECT_TRUE(kept.Has(page));
+    EXPECT_FALSE(kept.Has(-page));
   }
   const tool::KeptRows dense(180, 360);
   for (int row = 0; row < 180; ++row) EXPECT_TRUE(dense.Has(row));

@@ -7,50 +7,40 @@
 #include <algorithm>
 #include <cstdio>
 #include <fstream>
-#include <sstream>
+#include <iterator>
 #include <utility>
 
 #include "qnvtool/png_writer.h"
-#include "qnvtool/tool_error.h"
+#include "tool_errors.h"
 
 namespace qnv::test {
 namespace {
 
 using tool::PictureForm;
-using Pixels = PictureForm::Pixels;
+using Form = PictureForm::Pixels;
 
 std::string TempFile(const char* name) { return testing::TempDir() + "/" + name; }
 
+std::string BytesOf(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(file), {}};
+}
+
 struct PngFile {
+  std::string file;
   int width = 0;
   int height = 0;
-  int type = 0;
-  png_uint_32 perMetre = 0;
-  std::vector<uint8_t> bytes;  // red, green, blue
+  std::vector<uint8_t> pixels;  // red, green, blue
 };
 
 PngFile ReadPng(const std::string& path) {
-  PngFile result;
-  std::FILE* const file = std::fopen(path.c_str(), "rb");
-  if (file == nullptr) return result;
-  png_structp png = png_create_read_struct(PNG_LIBPNG_VER_STRING, nullptr, nullptr, nullptr);
-  png_infop info = png_create_info_struct(png);
-  png_init_io(png, file);
-  png_read_info(png, info);
-  result.width = static_cast<int>(png_get_image_width(png, info));
-  result.height = static_cast<int>(png_get_image_height(png, info));
-  result.type = png_get_color_type(png, info);
-  result.perMetre = png_get_pixels_per_meter(png, info);
-  png_set_expand(png);
-  png_set_gray_to_rgb(png);
-  png_read_update_info(png, info);
-  const std::size_t row = png_get_rowbytes(png, info);
-  result.bytes.resize(row * static_cast<std::size_t>(result.height));
-  for (std::size_t y = 0; y < static_cast<std::size_t>(result.height); ++y) {
-    png_read_row(png, result.bytes.data() + y * row, nullptr);
-  }
-  png_destroy_read_struct(&png, &info, nullptr);
-  std::fclose(file);
+  png_image image{};
+  image.version = PNG_IMAGE_VERSION;
+  EXPECT_NE(png_image_begin_read_from_file(&image, path.c_str()), 0) << image.message;
+  image.format = PNG_FORMAT_RGB;
+  PngFile result{BytesOf(path), static_cast<int>(image.width), static_cast<int>(image.height), {}};
+  result.pixels.resize(PNG_IMAGE_SIZE(image));
+  EXPECT_NE(png_image_finish_read(&image, nullptr, result.pixels.data(), 0, nullptr), 0) << image.message;
   return result;
 }
 
@@ -59,7 +49,7 @@ constexpr uint8_t kColor[] = {1, 2, 3, 4, 5, 6, 7, 8, 9, 99, 99, 99, 11, 12, 13,
 constexpr uint8_t kGray[] = {10, 20, 30, 99, 40, 50, 60, 99};
 constexpr uint8_t kTags[] = {0, 1, 3, 99, 3, 2, 1, 99};
 
-PngFile WriteAndRead(Pixels pixels, const uint8_t* first, std::size_t stride) {
+PngFile WriteAndRead(Form pixels, const uint8_t* first, std::size_t stride) {
   const std::string path = TempFile("writer.png");
   {
     const auto writer = tool::CreatePngFile(path, {3, 2, 300, pixels});
@@ -70,37 +60,38 @@ PngFile WriteAndRead(Pixels pixels, const uint8_t* first, std::size_t stride) {
   return ReadPng(path);
 }
 
-TEST(PictureWriter, ColorPng) {
-  const PngFile png = WriteAndRead(Pixels::kColor, kColor, 12);
-  EXPECT_EQ(png.width, 3);
-  EXPECT_EQ(png.height, 2);
-  EXPECT_EQ(png.type, PNG_COLOR_TYPE_RGB);
-  EXPECT_EQ(png.perMetre, 11811u);
-  EXPECT_EQ(png.bytes, (std::vector<uint8_t>{3, 2, 1, 6, 5, 4, 9, 8, 7, 13, 12, 11, 16, 15, 14, 19, 18, 17}));
-}
-
-TEST(PictureWriter, GrayPng) {
-  const PngFile png = WriteAndRead(Pixels::kGray, kGray, 4);
-  EXPECT_EQ(png.type, PNG_COLOR_TYPE_GRAY);
-  EXPECT_EQ(png.bytes, (std::vector<uint8_t>{10, 10, 10, 20, 20, 20, 30, 30, 30, 40, 40, 40, 50, 50, 50, 60, 60, 60}));
-}
-
-TEST(PictureWriter, GrayOfThreeBytes) {
-  const PngFile png = WriteAndRead(Pixels::kGrayOf3, kColor, 12);
-  EXPECT_EQ(png.type, PNG_COLOR_TYPE_GRAY);
-  EXPECT_EQ(png.bytes, (std::vector<uint8_t>{1, 1, 1, 4, 4, 4, 7, 7, 7, 11, 11, 11, 14, 14, 14, 17, 17, 17}));
-}
-
-TEST(PictureWriter, TagsShowTheLegend) {
-  const PngFile png = WriteAndRead(Pixels::kTags, kTags, 4);
-  EXPECT_EQ(png.type, PNG_COLOR_TYPE_PALETTE);
-  std::vector<uint8_t> expected;
+TEST(PictureWriter, PngFiles) {
+  std::vector<uint8_t> legend;
   for (const uint32_t rgb :
        {tool::kTagTextCell, tool::kTagGraphics, tool::kTagImage, tool::kTagImage, 0u, tool::kTagGraphics}) {
-    expected.insert(expected.end(),
-                    {static_cast<uint8_t>(rgb >> 16), static_cast<uint8_t>(rgb >> 8), static_cast<uint8_t>(rgb)});
+    for (const int shift : {16, 8, 0}) legend.push_back(static_cast<uint8_t>(rgb >> shift));
   }
-  EXPECT_EQ(png.bytes, expected);
+  const auto grays = [](std::initializer_list<uint8_t> levels) {
+    std::vector<uint8_t> bytes;
+    for (const uint8_t level : levels) bytes.insert(bytes.end(), 3, level);
+    return bytes;
+  };
+  const struct {
+    Form form;
+    const uint8_t* pixels;
+    std::size_t stride;
+    int type;
+    std::vector<uint8_t> expected;
+  } cases[] = {
+      {Form::kColor, kColor, 12, PNG_COLOR_TYPE_RGB, {3, 2, 1, 6, 5, 4, 9, 8, 7, 13, 12, 11, 16, 15, 14, 19, 18, 17}},
+      {Form::kGray, kGray, 4, PNG_COLOR_TYPE_GRAY, grays({10, 20, 30, 40, 50, 60})},
+      {Form::kGrayOf3, kColor, 12, PNG_COLOR_TYPE_GRAY, grays({1, 4, 7, 11, 14, 17})},
+      {Form::kTags, kTags, 4, PNG_COLOR_TYPE_PALETTE, legend},
+  };
+  for (const auto& c : cases) {
+    const PngFile png = WriteAndRead(c.form, c.pixels, c.stride);
+    EXPECT_EQ(png.width, 3);
+    EXPECT_EQ(png.height, 2);
+    EXPECT_EQ(png.file.at(25), c.type);
+    // 11811 pixels a metre in both directions.
+    EXPECT_NE(png.file.find(std::string("pHYs\0\0\x2E\x23\0\0\x2E\x23\1", 13)), std::string::npos);
+    EXPECT_EQ(png.pixels, c.expected) << "form " << static_cast<int>(c.form);
+  }
 }
 
 // Pictures that are compressed in many pieces: noise, which deflate stores, beside runs, which refer far back.
@@ -116,7 +107,7 @@ TEST(PictureWriter, LargePng) {
     pixels[i] = row % 300 < 100 ? static_cast<uint8_t>(random >> 24) : static_cast<uint8_t>(row * i % kRow / 40);
   }
   const auto write = [&](const std::string& path, int rows) {
-    const auto writer = tool::CreatePngFile(path, {kWidth, kHeight, 300, Pixels::kColor});
+    const auto writer = tool::CreatePngFile(path, {kWidth, kHeight, 300, Form::kColor});
     for (int y = 0; y < kHeight; y += rows) {
       writer->WriteRows(pixels.data() + static_cast<std::size_t>(y) * kRow, kRow, std::min(rows, kHeight - y));
     }
@@ -127,36 +118,27 @@ TEST(PictureWriter, LargePng) {
   PngFile png = ReadPng(path);
   EXPECT_EQ(png.width, kWidth);
   EXPECT_EQ(png.height, kHeight);
-  for (std::size_t i = 0; i + 2 < png.bytes.size(); i += 3) std::swap(png.bytes[i], png.bytes[i + 2]);
-  EXPECT_TRUE(png.bytes == pixels);
+  for (std::size_t i = 0; i + 2 < png.pixels.size(); i += 3) std::swap(png.pixels[i], png.pixels[i + 2]);
+  EXPECT_TRUE(png.pixels == pixels);
 
-  const auto bytesOf = [](const std::string& name) {
-    std::ifstream file(name, std::ios::binary);
-    std::stringstream bytes;
-    bytes << file.rdbuf();
-    return bytes.str();
-  };
   const std::string bands = TempFile("bands.png");
   write(bands, 17);
-  EXPECT_TRUE(bytesOf(bands) == bytesOf(path)) << "the file depends on the height of the bands";
+  EXPECT_TRUE(BytesOf(bands) == png.file) << "the file depends on the height of the bands";
 }
 
-std::string WriteAndReadPnm(Pixels pixels, const uint8_t* first, std::size_t stride) {
+std::string WriteAndReadPnm(Form pixels, const uint8_t* first, std::size_t stride) {
   const std::string path = TempFile("writer.pnm");
   const auto writer = tool::CreatePnmFile(path, {3, 2, 300, pixels});
   writer->WriteRows(first, stride, 2);
   writer->Finish();
-  std::ifstream file(path, std::ios::binary);
-  std::stringstream bytes;
-  bytes << file.rdbuf();
-  return bytes.str();
+  return BytesOf(path);
 }
 
 TEST(PictureWriter, PnmFiles) {
-  EXPECT_EQ(WriteAndReadPnm(Pixels::kColor, kColor, 12),
+  EXPECT_EQ(WriteAndReadPnm(Form::kColor, kColor, 12),
             std::string("P6\n3 2\n255\n\3\2\1\6\5\4\11\10\7\15\14\13\20\17\16\23\22\21"));
-  EXPECT_EQ(WriteAndReadPnm(Pixels::kGray, kGray, 4), std::string("P5\n3 2\n255\n\12\24\36\50\62\74"));
-  EXPECT_EQ(WriteAndReadPnm(Pixels::kTags, kTags, 4), std::string("P5\n3 2\n255\n\0\1\3\3\2\1", 17));
+  EXPECT_EQ(WriteAndReadPnm(Form::kGray, kGray, 4), std::string("P5\n3 2\n255\n\12\24\36\50\62\74"));
+  EXPECT_EQ(WriteAndReadPnm(Form::kTags, kTags, 4), std::string("P5\n3 2\n255\n\0\1\3\3\2\1", 17));
 }
 
 TEST(PictureWriter, FormatsByName) {
@@ -178,15 +160,11 @@ TEST(PictureWriter, FormatsByName) {
 TEST(PictureWriter, FailuresNameTheFile) {
   for (const auto create : {tool::CreatePngFile, tool::CreatePnmFile}) {
     const auto errorOf = [&](const std::string& path) {
-      try {
-        const auto writer = create(path, {3, 2, 300, Pixels::kGray});
+      return ErrorOf(tool::ExitCode::kCannotWrite, [&] {
+        const auto writer = create(path, {3, 2, 300, Form::kGray});
         writer->WriteRows(kGray, 4, 2);
         writer->Finish();
-      } catch (const tool::ToolError& error) {
-        EXPECT_EQ(error.code(), tool::ExitCode::kCannotWrite);
-        return std::string(error.what());
-      }
-      return std::string();
+      });
     };
     EXPECT_EQ(errorOf("/no such folder/x").rfind("/no such folder/x: cannot be written", 0), 0u);
     EXPECT_EQ(errorOf("/dev/full").rfind("/dev/full: cannot be written", 0), 0u);

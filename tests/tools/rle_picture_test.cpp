@@ -8,11 +8,29 @@
 namespace qnv::test {
 namespace {
 
+// Gray levels as indices.
+tool::Bytes EncodeGray(int width, int height, const std::vector<uint8_t>& indices) {
+  std::vector<uint32_t> palette;
+  for (uint32_t i = 0; i < 256; ++i) palette.push_back(i * 0x010101);
+  return tool::EncodeBmpRle8(width, height, 72, indices, palette);
+}
+
+std::vector<uint8_t> PaintedBand(const tool::Dib& dib) {
+  const auto height = static_cast<uint32_t>(dib.height);
+  TestDevice device({.bitsPerPixel = 8, .width = static_cast<uint32_t>(dib.width), .height = height});
+  const DRAWMODE mode = MakeDrawMode();
+  // Exactly as long as the reader made it, with an unreadable page behind.
+  const FencedInput bits(dib.bits);
+  EXPECT_EQ(QNVDevSetDIBitsToDevice(device.handle(), 0, 0, 0, height, &kEverywhere, &mode, bits.data(), dib.info.data(),
+                                    nullptr) &
+                0xFFFF,
+            1u);
+  return device.BandBytes();
+}
+
 TEST(RlePicture, EveryPixelSurvives) {
   constexpr int kWidth = 300;  // longer than the longest run
   constexpr int kHeight = 6;
-  std::vector<uint32_t> palette;
-  for (uint32_t i = 0; i < 256; ++i) palette.push_back(i * 0x010101);
   std::vector<uint8_t> indices;
   for (int y = 0; y < kHeight; ++y) {
     for (int x = 0; x < kWidth; ++x) {
@@ -20,15 +38,9 @@ TEST(RlePicture, EveryPixelSurvives) {
       indices.push_back(static_cast<uint8_t>(shapes[y]));
     }
   }
-  const tool::Dib dib = tool::ReadBmp(tool::EncodeBmpRle8(kWidth, kHeight, 72, indices, palette), "x.bmp");
+  const tool::Dib dib = tool::ReadBmp(EncodeGray(kWidth, kHeight, indices), "x.bmp");
   EXPECT_TRUE(dib.remarks.empty());
-  TestDevice device({.bitsPerPixel = 8, .width = kWidth, .height = kHeight});
-  const DRAWMODE mode = MakeDrawMode();
-  ASSERT_EQ(QNVDevSetDIBitsToDevice(device.handle(), 0, 0, 0, kHeight, &kEverywhere, &mode, dib.bits.data(),
-                                    dib.info.data(), nullptr) &
-                0xFFFF,
-            1u);
-  EXPECT_EQ(device.BandBytes(), indices);
+  EXPECT_EQ(PaintedBand(dib), indices);
 }
 
 // However short the stream is cut, decoding stays inside what the reader hands over (the sanitizers watch) and the
@@ -38,24 +50,12 @@ TEST(RlePicture, StreamsMayBreakOffAnywhere) {
   constexpr int kHeight = 8;
   std::vector<uint8_t> indices;
   for (int i = 0; i < kWidth * kHeight; ++i) indices.push_back(static_cast<uint8_t>(i % 11 < 5 ? 200 : i % 251 + 1));
-  std::vector<uint32_t> palette;
-  for (uint32_t i = 0; i < 256; ++i) palette.push_back(i * 0x010101);
-  const tool::Bytes whole = tool::EncodeBmpRle8(kWidth, kHeight, 72, indices, palette);
+  const tool::Bytes whole = EncodeGray(kWidth, kHeight, indices);
   const std::size_t pixels = tool::U32At(whole, 10);
   int shortened = 0;
   for (std::size_t size = pixels + 1; size < whole.size(); ++size) {
-    const tool::Dib dib =
-        tool::ReadBmp(tool::Bytes(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(size)), "x.bmp");
-    TestDevice device({.bitsPerPixel = 8, .width = kWidth, .height = kHeight});
-    const DRAWMODE mode = MakeDrawMode();
-    // Exactly as long as the reader made it, with an unreadable page behind.
-    FencedBuffer bits(dib.bits.size(), 0);
-    std::copy(dib.bits.begin(), dib.bits.end(), bits.data());
-    ASSERT_EQ(QNVDevSetDIBitsToDevice(device.handle(), 0, 0, 0, kHeight, &kEverywhere, &mode, bits.data(),
-                                      dib.info.data(), nullptr) &
-                  0xFFFF,
-              1u);
-    const std::vector<uint8_t> painted = device.BandBytes();
+    const tool::Bytes cut(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(size));
+    const std::vector<uint8_t> painted = PaintedBand(tool::ReadBmp(cut, "x.bmp"));
     // Rows are stored from the bottom up, so what is there is at the end.
     std::size_t same = 0;
     while (same < painted.size() && painted[painted.size() - 1 - same] == indices[indices.size() - 1 - same]) ++same;

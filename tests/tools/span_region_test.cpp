@@ -24,10 +24,10 @@ using tool::SpanRow;
 
 constexpr int kSide = 48;
 
-using Pixels = std::set<std::pair<int, int>>;  // y, x
+using PixelSet = std::set<std::pair<int, int>>;  // y, x
 
-Pixels PixelsOf(const SpanRegion& region) {
-  Pixels pixels;
+PixelSet PixelsOf(const SpanRegion& region) {
+  PixelSet pixels;
   for (std::size_t i = 0; i < region.rows.size(); ++i) {
     int end = INT32_MIN;
     for (const Span& span : region.rows[i]) {
@@ -40,16 +40,16 @@ Pixels PixelsOf(const SpanRegion& region) {
   return pixels;
 }
 
-// The pixels whose centres satisfy `inside`.
+// The region holds the pixels whose centres satisfy `inside`.
 template <class Inside>
-Pixels PixelsWhere(Inside inside) {
-  Pixels pixels;
+void ExpectCentres(const SpanRegion& region, Inside inside) {
+  PixelSet expected;
   for (int y = -kSide; y < 2 * kSide; ++y) {
     for (int x = -kSide; x < 2 * kSide; ++x) {
-      if (inside(x + 0.5, y + 0.5)) pixels.emplace(y, x);
+      if (inside(x + 0.5, y + 0.5)) expected.emplace(y, x);
     }
   }
-  return pixels;
+  EXPECT_EQ(PixelsOf(region), expected);
 }
 
 bool InsideEvenOdd(const std::vector<Point>& points, double x, double y) {
@@ -65,9 +65,9 @@ bool InsideEvenOdd(const std::vector<Point>& points, double x, double y) {
 TEST(SpanRegion, RectanglesTakeCentresInside) {
   for (const double left : {3.0, 3.4, 3.6, -2.5}) {
     for (const double width : {0.0, 0.3, 1.0, 7.5}) {
-      const auto expected =
-          PixelsWhere([&](double x, double y) { return x >= left && x < left + width && y >= 2.2 && y < 9.7; });
-      EXPECT_EQ(PixelsOf(tool::RectRegion(left, 2.2, left + width, 9.7)), expected) << left << ' ' << width;
+      SCOPED_TRACE(testing::Message() << left << ' ' << width);
+      ExpectCentres(tool::RectRegion(left, 2.2, left + width, 9.7),
+                    [&](double x, double y) { return x >= left && x < left + width && y >= 2.2 && y < 9.7; });
     }
   }
   EXPECT_TRUE(tool::RectRegion(5, 5, 4, 9).empty());
@@ -76,12 +76,10 @@ TEST(SpanRegion, RectanglesTakeCentresInside) {
 TEST(SpanRegion, EllipsesTakeCentresInside) {
   for (const double width : {1.0, 6.0, 21.3, 40.0}) {
     for (const double height : {1.0, 9.0, 33.7}) {
-      const double x0 = 3.25 + width / 2;
-      const double y0 = 1.5 + height / 2;
-      const auto expected = PixelsWhere([&](double x, double y) {
-        return std::pow((x - x0) / (width / 2), 2) + std::pow((y - y0) / (height / 2), 2) < 1;
+      SCOPED_TRACE(testing::Message() << width << ' ' << height);
+      ExpectCentres(tool::EllipseRegion(3.25, 1.5, 3.25 + width, 1.5 + height), [&](double x, double y) {
+        return std::pow((x - 3.25) * 2 / width - 1, 2) + std::pow((y - 1.5) * 2 / height - 1, 2) < 1;
       });
-      EXPECT_EQ(PixelsOf(tool::EllipseRegion(3.25, 1.5, 3.25 + width, 1.5 + height)), expected) << width << height;
     }
   }
   EXPECT_TRUE(tool::EllipseRegion(5, 5, 5, 9).empty());
@@ -95,53 +93,48 @@ TEST(SpanRegion, PolygonsFollowTheEvenOddRule) {
       {{5.1, 5.1}, {40.3, 9.2}, {5.1, 13.3}, {40.3, 17.4}, {5.1, 21.5}},
   };
   for (const auto& polygon : polygons) {
-    const auto expected = PixelsWhere([&](double x, double y) { return InsideEvenOdd(polygon, x, y); });
-    EXPECT_FALSE(expected.empty());
-    EXPECT_EQ(PixelsOf(tool::PolygonRegion(polygon)), expected);
+    const SpanRegion region = tool::PolygonRegion(polygon);
+    EXPECT_FALSE(region.empty());
+    ExpectCentres(region, [&](double x, double y) { return InsideEvenOdd(polygon, x, y); });
   }
   EXPECT_TRUE(tool::PolygonRegion({{1, 1}, {9, 9}}).empty());
 }
 
 TEST(SpanRegion, PolygonsSideBySideShareNoPixelAndLeaveNone) {
   const Point a{3, 2}, b{41, 11}, c{29, 44}, d{1, 30};
-  const Pixels whole = PixelsOf(tool::PolygonRegion({a, b, c, d}));
-  Pixels parts = PixelsOf(tool::PolygonRegion({a, b, c}));
-  const Pixels other = PixelsOf(tool::PolygonRegion({a, c, d}));
+  const PixelSet whole = PixelsOf(tool::PolygonRegion({a, b, c, d}));
+  PixelSet parts = PixelsOf(tool::PolygonRegion({a, b, c}));
+  const PixelSet other = PixelsOf(tool::PolygonRegion({a, c, d}));
   const std::size_t sum = parts.size() + other.size();
   parts.insert(other.begin(), other.end());
   EXPECT_EQ(parts, whole);
   EXPECT_EQ(sum, whole.size());
 }
 
-TEST(SpanRegion, StrokesTakeCentresNearTheLine) {
+TEST(SpanRegion, StrokesTakeCentresNearTheLineAndThinOnesHaveNoGaps) {
   const Point a{6, 7};
   const Point b{35, 22};
-  const auto expected = PixelsWhere([&](double x, double y) {
+  ExpectCentres(tool::StrokeRegion({a, b}, 5, false), [&](double x, double y) {
     const double dx = b.x - a.x, dy = b.y - a.y;
     const double t = std::clamp(((x - a.x) * dx + (y - a.y) * dy) / (dx * dx + dy * dy), 0.0, 1.0);
     return std::hypot(x - a.x - t * dx, y - a.y - t * dy) < 2.5;
   });
-  EXPECT_EQ(PixelsOf(tool::StrokeRegion({a, b}, 5, false)), expected);
-}
-
-TEST(SpanRegion, ThinStrokesHaveNoGaps) {
-  const SpanRegion line = tool::StrokeRegion({{3, 3.5}, {40, 30.2}}, 0.01, false);
-  EXPECT_GE(PixelsOf(line).size(), 37u);
+  EXPECT_GE(PixelsOf(tool::StrokeRegion({{3, 3.5}, {40, 30.2}}, 0.01, false)).size(), 37u);
 }
 
 TEST(SpanRegion, SetOperations) {
   const SpanRegion a = tool::EllipseRegion(2, 3, 30, 28);
   const SpanRegion b = tool::PolygonRegion({{10, 0}, {44, 20}, {6, 40}});
-  Pixels unite = PixelsOf(a);
-  Pixels subtract = unite;
-  const Pixels inB = PixelsOf(b);
+  PixelSet unite = PixelsOf(a);
+  PixelSet subtract = unite;
+  const PixelSet inB = PixelsOf(b);
   unite.insert(inB.begin(), inB.end());
   for (const auto& pixel : inB) subtract.erase(pixel);
   EXPECT_EQ(PixelsOf(tool::Unite(a, b)), unite);
   EXPECT_EQ(PixelsOf(tool::Subtract(a, b)), subtract);
   EXPECT_TRUE(tool::Subtract(a, a).empty());
 
-  Pixels clipped;
+  PixelSet clipped;
   for (const auto& [y, x] : unite) {
     if (x >= 5 && x < 20 && y >= 8 && y < 26) clipped.emplace(y, x);
   }
@@ -151,14 +144,12 @@ TEST(SpanRegion, SetOperations) {
 
 // Regions that between them fit every encoding and none.
 std::vector<std::pair<const char*, SpanRegion>> Regions() {
-  SpanRegion holes = tool::EllipseRegion(4, 4, 40, 40);
-  holes = tool::Subtract(holes, tool::RectRegion(0, 14, 48, 17));  // rows without spans
   return {{"rectangle", tool::RectRegion(3, 5, 29, 31)},
           {"row", tool::RectRegion(3, 5, 29, 6)},
           {"ellipse", tool::EllipseRegion(1, 2, 33, 46)},
           {"flat ellipse", tool::EllipseRegion(1, 2, 47, 9)},
           {"ring", tool::Subtract(tool::EllipseRegion(2, 2, 42, 42), tool::EllipseRegion(9, 9, 33, 33))},
-          {"empty rows", holes},
+          {"empty rows", tool::Subtract(tool::EllipseRegion(4, 4, 40, 40), tool::RectRegion(0, 14, 48, 17))},
           {"triangle", tool::PolygonRegion({{4, 4}, {44, 20}, {9, 44}})}};
 }
 
@@ -167,7 +158,7 @@ TEST(SpanList, EveryEncodingPaintsTheRegion) {
                                   OS_ROW_SPANS, OS_BYTE_DELTAS,  OS_NIBBLE_DELTAS};
   std::set<uint16_t> tried;
   for (const auto& [name, region] : Regions()) {
-    const Pixels expected = PixelsOf(region);
+    const PixelSet expected = PixelsOf(region);
     for (const uint16_t style : kStyles) {
       if (!CanEncode(region, style)) continue;
       tried.insert(style);
@@ -181,7 +172,7 @@ TEST(SpanList, EveryEncodingPaintsTheRegion) {
                 0xFFFF,
             1u);
       }
-      Pixels painted;
+      PixelSet painted;
       for (uint32_t y = 0; y < kSide; ++y) {
         for (uint32_t x = 0; x < kSide; ++x) {
           if (*device.Pixel(x, y) == 0) painted.emplace(static_cast<int>(y), static_cast<int>(x));
@@ -199,18 +190,18 @@ TEST(SpanList, WhichEncodingsFit) {
   EXPECT_FALSE(CanEncode(ring, OS_ROW_SPANS));
   EXPECT_FALSE(CanEncode(ring, OS_BYTE_DELTAS));
 
-  const auto steps = [](int step) {
+  const struct {
+    int step;  // of one edge from row to row
+    bool nibbles, bytes;
+  } cases[] = {{7, true, true},   {-8, true, true},    {8, false, true},
+               {-9, false, true}, {-128, false, true}, {-129, false, false}};
+  for (const auto& c : cases) {
     SpanRegion region;
-    region.rows = {{{500, 600}}, {{500 + step, 600}}};
-    return region;
-  };
-  EXPECT_TRUE(CanEncode(steps(7), OS_NIBBLE_DELTAS));
-  EXPECT_TRUE(CanEncode(steps(-8), OS_NIBBLE_DELTAS));
-  EXPECT_FALSE(CanEncode(steps(8), OS_NIBBLE_DELTAS));
-  EXPECT_FALSE(CanEncode(steps(-9), OS_NIBBLE_DELTAS));
-  EXPECT_TRUE(CanEncode(steps(8), OS_BYTE_DELTAS));
-  EXPECT_TRUE(CanEncode(steps(-128), OS_BYTE_DELTAS));
-  EXPECT_FALSE(CanEncode(steps(-129), OS_BYTE_DELTAS));
+    region.rows = {{{500, 600}}, {{500 + c.step, 600}}};
+    EXPECT_EQ(CanEncode(region, OS_NIBBLE_DELTAS), c.nibbles) << c.step;
+    EXPECT_EQ(CanEncode(region, OS_BYTE_DELTAS), c.bytes) << c.step;
+  }
+  EXPECT_TRUE(EncodeSpans({}, OS_BANDED_SPANS).empty());
 }
 
 TEST(SpanList, ShortestStyleFollowsTheShape) {
@@ -218,8 +209,6 @@ TEST(SpanList, ShortestStyleFollowsTheShape) {
   EXPECT_EQ(tool::ShortestStyle(tool::RectRegion(3, 5, 29, 31)), OS_BANDED_SPANS);
   EXPECT_EQ(tool::ShortestStyle(tool::PolygonRegion({{4, 4}, {44, 20}, {9, 44}})), OS_NIBBLE_DELTAS);
 }
-
-TEST(SpanList, EmptyRegionsGiveNoList) { EXPECT_TRUE(EncodeSpans({}, OS_BANDED_SPANS).empty()); }
 
 }  // namespace
 }  // namespace qnv::test

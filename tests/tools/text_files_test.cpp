@@ -5,8 +5,8 @@
 
 #include "qnvtool/line_breaker.h"
 #include "qnvtool/text_blocks.h"
-#include "qnvtool/tool_error.h"
 #include "qnvtool/utf8.h"
+#include "tool_errors.h"
 
 namespace qnv::test {
 namespace {
@@ -18,20 +18,8 @@ using Kind = TextBlock::Kind;
 
 std::u32string Decode(const std::string& bytes) { return tool::DecodeTextFile({bytes.begin(), bytes.end()}, "x.txt"); }
 
-std::string DecodeError(const std::string& bytes) {
-  try {
-    Decode(bytes);
-  } catch (const tool::ToolError& error) {
-    return error.what();
-  }
-  return {};
-}
-
-TEST(Utf8, DecodesAllLengths) {
+TEST(Utf8, DecodesAllLengthsNormalisesLinesAndDropsControls) {
   EXPECT_EQ(Decode("a\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80"), U"a\u00E9\u20AC\U0001F600");
-}
-
-TEST(Utf8, NormalisesLinesAndDropsControls) {
   EXPECT_EQ(Decode("\xEF\xBB\xBF"
                    "a\r\nb\rc\nd\te\x01\x7F"
                    "f\fg\xC2\x85h"),
@@ -54,7 +42,9 @@ TEST(Utf8, NamesWhatIsWrong) {
       {"too large", "\xF4\x90\x80\x80", "byte 0xf4 at offset 0"},
       {"cut off", "a\xE2\x82", "byte 0xe2 at offset 1"},
   };
-  for (const Case& c : cases) EXPECT_NE(DecodeError(c.bytes).find(c.part), std::string::npos) << c.name;
+  for (const Case& c : cases) {
+    EXPECT_NE(InputErrorOf([&] { Decode(c.bytes); }).find(c.part), std::string::npos) << c.name;
+  }
 }
 
 std::string Shape(const std::vector<TextBlock>& blocks) {
@@ -149,13 +139,11 @@ TEST(LineBreaker, WidthsAndSpaces) {
   EXPECT_EQ(lines[1].width, 20);
   EXPECT_EQ(lines[1].spaces, 0);
   EXPECT_TRUE(lines[1].last);
-}
 
-TEST(LineBreaker, HyphensCountInTheWidth) {
-  const auto lines = BreakLines(U"abc\u00ADdef", Ten, 45);
-  ASSERT_EQ(lines.size(), 2u);
-  EXPECT_TRUE(lines[0].hyphen);
-  EXPECT_EQ(lines[0].width, 40);
+  const auto hyphenated = BreakLines(U"abc\u00ADdef", Ten, 45);
+  ASSERT_EQ(hyphenated.size(), 2u);
+  EXPECT_TRUE(hyphenated[0].hyphen);
+  EXPECT_EQ(hyphenated[0].width, 40);
 }
 
 std::size_t Visible(const std::u32string& text, const BrokenLine& line) {
