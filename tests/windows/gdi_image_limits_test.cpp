@@ -77,8 +77,7 @@ TEST(GdiImageTables, WhatUsesTheEntriesOfAShortTableAgrees) {
   const Witness witness;
   DibSample dib({"8 bits", 8, BI_RGB, {}, 40, 100}, {});
   for (uint8_t& index : dib.bytes()) index = static_cast<uint8_t>(index % 100);
-  PaintImage(witness, {.dib = &dib, .area = WholeImage(dib, 3, 2)});
-  EXPECT_TRUE(witness.Same());
+  EXPECT_TRUE(ImageAgrees(witness, {.dib = &dib, .area = WholeImage(dib, 3, 2)}));
 }
 
 TEST(GdiImageDifference, CoreHeadersAreRefused) {
@@ -108,8 +107,7 @@ TEST(GdiImageDifference, CodesAboveTheIndexAreTheLibrarysOwn) {
 TEST(GdiImageDifference, TheMinimumIsThatOfTwoPictures) {
   const DibSample dib(kPlainForm, {});
   const Witness image;
-  PaintImage(image, {.dib = &dib, .area = WholeImage(dib, 3, 2)});
-  ASSERT_TRUE(image.Same());
+  ASSERT_TRUE(ImageAgrees(image, {.dib = &dib, .area = WholeImage(dib, 3, 2)}));
   const Witness witness;
   const std::vector<uint8_t> ground = witness.device().BandBytes();
   std::vector<uint8_t> expected = image.device().BandBytes();

@@ -11,14 +11,17 @@
 namespace qnv::test {
 namespace {
 
-// Fills one box with both sides' figures; a brush pair without a platform's brush is no brush at all.
-void PaintBox(const Witness& witness, const PhysicalBrush* library, HGDIOBJ platform,
-              const DRAWMODE& mode = MakeDrawMode()) {
+// Fills one box with figures of both sides. The library may get no brush at all.
+void PaintBox(const Witness& witness, const PhysicalBrush* library, HGDIOBJ platform, const DRAWMODE& mode) {
   constexpr int16_t kSpans[] = {2, 2, 14, 3, 33, 2};
   QNVOutput(witness.handle(), OS_BANDED_SPANS, 1, kSpans, nullptr, library, &mode, &kEverywhere);
   witness.Apply(mode);
   const Selected selected(witness.dc(), {GetStockObject(NULL_PEN), platform});
   Rectangle(witness.dc(), 3, 2, 34, 15);
+}
+
+void PaintBox(const Witness& witness, const BrushPair& brush, const DRAWMODE& mode = MakeDrawMode()) {
+  PaintBox(witness, &brush.library, brush.platform.get(), mode);
 }
 
 // The same box by transfers.
@@ -43,8 +46,7 @@ TEST(GdiObjects, DiagonalHatchesOfThePlatformHaveTheSameShape) {
         mode.Rop2 = rop2;
         mode.bkMode = background;
         mode.bkColor = RGB(200, 100, 50);
-        const BrushPair brush = OwnHatches(witness, hatch);
-        PaintBox(witness, &brush.library, brush.platform.get(), mode);
+        PaintBox(witness, OwnHatches(witness, hatch), mode);
         EXPECT_TRUE(witness.Same()) << "hatch " << hatch << ", background " << background << ", code " << rop2;
       }
     }
@@ -54,8 +56,7 @@ TEST(GdiObjects, DiagonalHatchesOfThePlatformHaveTheSameShape) {
 TEST(GdiObjectsDifference, OtherHatchesHaveAShapeOfTheirOwn) {
   for (int16_t hatch : {int16_t{HS_HORIZONTAL}, int16_t{HS_VERTICAL}, int16_t{HS_CROSS}, int16_t{HS_DIAGCROSS}}) {
     const Witness witness;
-    const BrushPair brush = OwnHatches(witness, hatch);
-    PaintBox(witness, &brush.library, brush.platform.get());
+    PaintBox(witness, OwnHatches(witness, hatch));
     ExpectDifference(kHatchShapes, witness);
   }
 }
@@ -64,15 +65,13 @@ TEST(GdiObjectsDifference, HatchesGrowWithTheResolution) {
   const Witness fine({.resolution = 720});
   DRAWMODE mode = MakeDrawMode();
   mode.TextColor = RGB(10, 20, 30);
-  const BrushPair hatch = HatchPair(fine, HS_DIAGCROSS, mode.TextColor);
-  PaintBox(fine, &hatch.library, hatch.platform.get(), mode);
+  PaintBox(fine, HatchPair(fine, HS_DIAGCROSS, mode.TextColor), mode);
   ExpectDifference(kHatchScale, fine);
 }
 
 TEST(GdiObjectsDifference, FiguresCountPatternsFromThePageAndTransfersFromTheBand) {
   const Witness moved({.left = 3, .top = 2});
-  const BrushPair brush = DeepPatternPair(moved, 3);
-  PaintBox(moved, &brush.library, brush.platform.get());
+  PaintBox(moved, DeepPatternPair(moved, 3));
   ExpectDifference(kPatternOrigin, moved);
 
   const Witness witness;
@@ -86,10 +85,9 @@ TEST(GdiObjectsDifference, OnlyTheCornerOfALargePatternCounts) {
   std::vector<uint8_t> rows;
   for (int i = 0; i < 16; ++i) rows.insert(rows.end(), {static_cast<uint8_t>(i), static_cast<uint8_t>(0xF0 - i)});
   const SourceBitmap bitmap{0, 16, 16, 2, 1, 1, rows.data()};
-  const PhysicalBrush brush = PatternBrush(witness.handle(), bitmap);
   const GdiObject<HBITMAP> tile(CreateBitmap(16, 16, 1, 1, rows.data()));
-  const GdiObject<HBRUSH> platform(CreatePatternBrush(tile.get()));
-  PaintBox(witness, &brush, platform.get());
+  PaintBox(witness,
+           {"large", PatternBrush(witness.handle(), bitmap), GdiObject<HBRUSH>(CreatePatternBrush(tile.get()))});
   ExpectDifference(kLargePattern, witness);
 }
 
@@ -110,9 +108,9 @@ TEST(GdiObjectsDifference, GrayBandsWeighTheComponentsOfAColor) {
 
 TEST(GdiObjectsDifference, WithoutBrushAndPenSpansAreBlack) {
   const Witness witness;
-  PaintBox(witness, nullptr, GetStockObject(NULL_BRUSH));
+  PaintBox(witness, nullptr, GetStockObject(NULL_BRUSH), MakeDrawMode());
   ExpectDifference(kNoBrush, witness);
-  PaintBox(witness, nullptr, GetStockObject(BLACK_BRUSH));
+  PaintBox(witness, nullptr, GetStockObject(BLACK_BRUSH), MakeDrawMode());
   EXPECT_TRUE(witness.Same());
 }
 

@@ -46,9 +46,7 @@ TEST_P(GdiRuns, FullRowsAgree) {
       for (unsigned mirror : {0u, 1u, 2u, 3u}) {
         for (int32_t factor : {1, 3}) {
           witness.Reset(seed);
-          PaintImage(witness, {.dib = &dib, .area = Mirrored(WholeImage(dib, 3, 2, factor), mirror)});
-          ASSERT_TRUE(witness.Same()) << depth << " bits, data " << seed << ", mirror " << mirror << ", factor "
-                                      << factor;
+          ASSERT_TRUE(ImageAgrees(witness, {.dib = &dib, .area = Mirrored(WholeImage(dib, 3, 2, factor), mirror)}));
         }
       }
     }
@@ -61,8 +59,7 @@ TEST_P(GdiRuns, PartsAndRopsAgree) {
   for (uint32_t rop : {SRCCOPY, SRCINVERT, NOTSRCERASE}) {
     for (int32_t x = 0; x < 12; x += 5) {
       for (int32_t y = 0; y < 9; y += 4) {
-        PaintImage(witness, {.dib = &dib, .area = {3, 2, 15, 4, x, y, 15, 4}, .rop = rop});
-        ASSERT_TRUE(witness.Same()) << x << ", " << y << ", rop " << std::hex << rop;
+        ASSERT_TRUE(ImageAgrees(witness, {.dib = &dib, .area = {3, 2, 15, 4, x, y, 15, 4}, .rop = rop}));
       }
     }
   }
@@ -107,8 +104,7 @@ TEST(GdiOddRuns, WhatReachesBeyondARowIsCut) {
   for (const OddRuns& c : cases) {
     const Witness witness;
     const DibSample dib = OddSample(c.data, c.form);
-    PaintImage(witness, {.dib = &dib, .area = kOddArea});
-    EXPECT_TRUE(witness.Same()) << c.name;
+    EXPECT_TRUE(ImageAgrees(witness, {.dib = &dib, .area = kOddArea})) << c.name;
   }
 }
 
@@ -133,8 +129,7 @@ TEST(GdiOddRunsDifference, SkippedPixelsGetColorZero) {
     const RGBQUAD zero = dib.info()->bmiColors[0];
     const BrushPair ground = SolidPair(witness, RGB(zero.rgbRed, zero.rgbGreen, zero.rgbBlue));
     PaintTransfer(witness, {.area = {.width = 43, .height = 19}, .rop = PATCOPY, .brush = &ground});
-    PaintImage(witness, {.dib = &dib, .area = kOddArea});
-    EXPECT_TRUE(witness.Same());
+    EXPECT_TRUE(ImageAgrees(witness, {.dib = &dib, .area = kOddArea}));
   }
 }
 
@@ -162,8 +157,7 @@ TEST(GdiOddRunsDifference, TopDownRunsAreTaken) {
 
   const Witness upright;
   const DibSample twin = OddSample({4, 3, 0, 0, 4, 2, 0, 0, 4, 1, 0, 1});
-  PaintImage(upright, {.dib = &twin, .area = kOddArea});
-  EXPECT_TRUE(upright.Same());
+  EXPECT_TRUE(ImageAgrees(upright, {.dib = &twin, .area = kOddArea}));
   EXPECT_TRUE(BandShows(witness.device(), BandImage(upright.device())));
 }
 

@@ -5,7 +5,6 @@
 #include <windows.h>
 
 #include <algorithm>
-#include <string>
 #include <vector>
 
 #include "support/random_bytes.h"
@@ -57,12 +56,11 @@ TEST_P(GdiRop3, EveryCodeAgreesWithEveryBrush) {
   for (const BrushPair& brush : EveryBrush(witness, mode)) {
     for (uint32_t i = 0; i < 256; ++i) {
       const uint8_t index = static_cast<uint8_t>(i);
-      SCOPED_TRACE(brush.name + ", index " + std::to_string(index));
       const bool tiled = brush.library.style != BS_SOLID;
       const TransferArea area = RandomArea(witness, &random, NeedsAlignedCorners(index, tiled));
       witness.Reset(index + 77u);
-      PaintTransfer(witness, {.area = area, .rop = CodeOf(index), .source = &source, .brush = &brush, .mode = mode});
-      ASSERT_TRUE(witness.Same());
+      ASSERT_TRUE(TransferAgrees(
+          witness, {.area = area, .rop = CodeOf(index), .source = &source, .brush = &brush, .mode = mode}));
     }
   }
   EXPECT_TRUE(source.library->Unchanged());
@@ -82,8 +80,7 @@ TEST(GdiTransfers, OneBitSourcesHaveTheColorsOfText) {
   mode.bkColor = RGB(0, 0, 128);
   witness.Apply(mode);
   const SourcePair source = BitSourcePair(16, 2, 6);
-  PaintTransfer(witness, {.area = {.width = 16, .height = 2}, .source = &source, .mode = mode});
-  EXPECT_TRUE(witness.Same());
+  EXPECT_TRUE(TransferAgrees(witness, {.area = {.width = 16, .height = 2}, .source = &source, .mode = mode}));
   EXPECT_EQ(source.library->Bit(0, 0) ? mode.bkColor : mode.TextColor, GetPixel(witness.dc(), 0, 0));
 }
 
@@ -94,8 +91,7 @@ TEST(GdiTransfers, PatternCellsAreCountedFromTheBandsCorner) {
       const BrushPair brush = DeepPatternPair(witness, 3);
       const TransferArea area{.destX = left + 3, .destY = top + 2, .width = 30, .height = 12};
       for (uint32_t rop : {PATCOPY, PATINVERT, DWORD{0x00050325}}) {
-        PaintTransfer(witness, {.area = area, .rop = rop, .brush = &brush});
-        EXPECT_TRUE(witness.Same()) << left << ", " << top;
+        EXPECT_TRUE(TransferAgrees(witness, {.area = area, .rop = rop, .brush = &brush}));
       }
     }
   }
@@ -104,8 +100,7 @@ TEST(GdiTransfers, PatternCellsAreCountedFromTheBandsCorner) {
 TEST(GdiTransfers, GrayPatternsAgreeOnAColorBand) {
   const Witness witness;
   const BrushPair brush = GrayPatternPair(witness, 9);
-  PaintTransfer(witness, {.area = {3, 2, 0, 0, 30, 12}, .rop = PATCOPY, .brush = &brush});
-  EXPECT_TRUE(witness.Same());
+  EXPECT_TRUE(TransferAgrees(witness, {.area = {3, 2, 0, 0, 30, 12}, .rop = PATCOPY, .brush = &brush}));
 }
 
 // Codes with bits above the index take the library's general way.
@@ -113,8 +108,8 @@ TEST(GdiTransfers, TheMirroringFlagChangesNothing) {
   const Witness witness;
   const SourcePair source = DeepSourcePair(witness, 30, 12, 4);
   for (uint32_t rop : {SRCCOPY, SRCINVERT, NOTSRCERASE}) {
-    PaintTransfer(witness, {.area = {3, 2, 0, 0, 30, 12}, .rop = rop | 0x80000000u, .source = &source});
-    EXPECT_TRUE(witness.Same()) << std::hex << rop;
+    const TransferPair pair{.area = {3, 2, 0, 0, 30, 12}, .rop = rop | 0x80000000u, .source = &source};
+    EXPECT_TRUE(TransferAgrees(witness, pair));
   }
 }
 
@@ -132,8 +127,7 @@ TEST(GdiClipping, WithoutASourceEveryClipAgrees) {
     const TransferArea area{
         .destX = 4 + below(40), .destY = -8 + below(20), .width = 1 + below(40), .height = 1 + below(20)};
     for (uint32_t rop : {BLACKNESS, WHITENESS, DSTINVERT, PATCOPY, PATINVERT, DWORD{0x00A000C9}}) {
-      PaintTransfer(witness, {.area = area, .rop = rop, .brush = &brush, .clip = clip});
-      ASSERT_TRUE(witness.Same()) << Describe(clip) << std::hex << rop;
+      ASSERT_TRUE(TransferAgrees(witness, {.area = area, .rop = rop, .brush = &brush, .clip = clip}));
     }
   }
 }
@@ -148,9 +142,7 @@ void ExpectSourcesAgree(int32_t width, int32_t height, const std::vector<Clipped
   const SourcePair sources[] = {DeepSourcePair(witness, width, height, 4), BitSourcePair(width, height, 4)};
   for (const SourcePair& source : sources) {
     for (const auto& [area, clip] : cases) {
-      PaintTransfer(witness, {.area = area, .rop = SRCINVERT, .source = &source, .clip = clip});
-      ASSERT_TRUE(witness.Same()) << "to " << area.destX << ", " << area.destY << " from " << area.srcX << ", "
-                                  << area.srcY << " in " << Describe(clip);
+      ASSERT_TRUE(TransferAgrees(witness, {.area = area, .rop = SRCINVERT, .source = &source, .clip = clip}));
     }
   }
 }
@@ -197,8 +189,7 @@ TEST(GdiTransferDifference, AClipAtTheLeftOrTheTopKeepsTheSourcesCorner) {
                            .height = kArea.height - std::max(0, clip.top - kArea.destY)};
     Witness expected;
     expected.Reset(3);
-    PaintTransfer(expected, {.area = cut, .source = &source});
-    EXPECT_TRUE(expected.Same());
+    EXPECT_TRUE(TransferAgrees(expected, {.area = cut, .source = &source}));
     EXPECT_TRUE(BandShows(witness.device(), BandImage(expected.device())));
   }
 }

@@ -56,6 +56,11 @@ GdiObject<HBRUSH> BitBrush(const BitRows& rows) {
   return GdiObject<HBRUSH>(CreatePatternBrush(tile.get()));
 }
 
+testing::Message Described(uint32_t rop, const BrushPair* brush, const BandRect& clip) {
+  return testing::Message() << "code " << std::hex << rop << ", " << (brush ? brush->name : "no brush") << ", clip "
+                            << Describe(clip);
+}
+
 HGDIOBJ PlatformBrush(const BrushPair* pair) { return pair ? pair->platform.get() : GetStockObject(NULL_BRUSH); }
 
 }  // namespace
@@ -125,6 +130,15 @@ void PaintTransfer(const Witness& witness, const TransferPair& pair) {
                       usesSource ? pair.source->platform->dc() : nullptr, area.srcX, area.srcY, pair.rop));
 }
 
+testing::AssertionResult TransferAgrees(const Witness& witness, const TransferPair& pair) {
+  PaintTransfer(witness, pair);
+  const auto& [destX, destY, srcX, srcY, width, height] = pair.area;
+  testing::Message painted;
+  painted << "; " << width << " x " << height << " pixels to " << destX << ", " << destY << " from " << srcX << ", "
+          << srcY << ", " << Described(pair.rop, pair.brush, pair.clip);
+  return witness.Same() << painted;
+}
+
 uint32_t CodeOf(uint8_t index) {
   for (uint32_t named : {SRCCOPY, SRCPAINT, SRCAND, SRCINVERT, SRCERASE, NOTSRCCOPY, NOTSRCERASE, MERGECOPY, MERGEPAINT,
                          PATCOPY, PATPAINT, PATINVERT, DSTINVERT, BLACKNESS, WHITENESS}) {
@@ -175,6 +189,18 @@ void PaintImage(const Witness& witness, const ImagePair& pair) {
   if (area.srcWidth < 0) --area.srcX;
   if (area.srcHeight < 0) ++area.srcY;
   EXPECT_NE(0, PaintPlatformImage(witness, platform));
+}
+
+testing::AssertionResult ImageAgrees(const Witness& witness, const ImagePair& pair, int tolerance) {
+  PaintImage(witness, pair);
+  const ImageArea& area = pair.area;
+  testing::Message painted;
+  painted << "; area";
+  for (int32_t value :
+       {area.dstX, area.dstY, area.dstWidth, area.dstHeight, area.srcX, area.srcY, area.srcWidth, area.srcHeight}) {
+    painted << ' ' << value;
+  }
+  return witness.Same(tolerance) << painted << ", " << Described(pair.rop, pair.brush, pair.clip);
 }
 
 uint32_t SetLibraryScans(const Witness& witness, const DibSample& dib, uint32_t first, uint32_t count,

@@ -64,6 +64,8 @@ struct TransferPair {
 // Both sides accept the transfer. The witness has been told the colors of `mode` already. The platform gets a source
 // only where the operation reads one, as it asks for.
 void PaintTransfer(const Witness& witness, const TransferPair& pair);
+// The same, and both pictures show the same; a failure says what was painted.
+testing::AssertionResult TransferAgrees(const Witness& witness, const TransferPair& pair);
 
 // The code as the platform publishes it where it has a name for it; the library and today's GDI read the index alone.
 uint32_t CodeOf(uint8_t index);
@@ -101,6 +103,8 @@ int PaintPlatformImage(const Witness& witness, const ImagePair& pair);
 
 // Both accept the image. Each side is told about turned extents in its own way (see kMirrorCorner).
 void PaintImage(const Witness& witness, const ImagePair& pair);
+// The same, and both pictures show the same, give or take `tolerance`; a failure says what was painted.
+testing::AssertionResult ImageAgrees(const Witness& witness, const ImagePair& pair, int tolerance = 0);
 
 // `count` scans of an image from `first` on, at (3, 2). All scans are handed over.
 uint32_t SetLibraryScans(const Witness& witness, const DibSample& dib, uint32_t first, uint32_t count,
