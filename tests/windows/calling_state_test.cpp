@@ -18,15 +18,12 @@ namespace qnv::test {
 namespace {
 
 struct HostState {
-  const char* name;
-  uint32_t misalignment;         // of the stack pointer at the call, in bytes below a multiple of 16: 0, 4, 8 or 12
-  uint16_t x87Control = 0x037F;  // 64-bit mantissa, to nearest, all exceptions masked
+  uint32_t misalignment = 0;     // of the stack pointer at the call, in bytes below a multiple of 16: 0, 4, 8 or 12
+  uint32_t x87Control = 0x037F;  // 64-bit mantissa, to nearest, all exceptions masked
   uint32_t mxcsr = 0x1F80;       // to nearest, all exceptions masked
   uint32_t x87Values = 0;        // how many registers hold values, 0..8
-  bool mmx = false;              // the values are MMX registers instead
+  uint32_t mmx = 0;              // 1: the values are MMX registers instead
 };
-
-void PrintTo(const HostState& state, std::ostream* out) { *out << state.name; }
 
 // As fnsave stores it.
 struct X87State {
@@ -49,12 +46,8 @@ struct QnvProbe {
   const void* function;        // 0
   const uint32_t* arguments;   // 4
   uint32_t argumentCount;      // 8
-  uint32_t misalignment;       // 12
-  uint32_t registers[4];       // 16 ebx, esi, edi, ebp at the call
-  uint32_t x87Control;         // 32
-  uint32_t mxcsr;              // 36
-  uint32_t x87Values;          // 40
-  uint32_t mmx;                // 44
+  HostState state;             // 12, 16, 20, 24, 28
+  uint32_t registers[4];       // 32 ebx, esi, edi, ebp at the call
   uint32_t hostStack;          // 48
   uint32_t hostX87Control;     // 52
   uint32_t hostMxcsr;          // 56
@@ -82,10 +75,7 @@ asm(R"(
   .text
   .globl _QnvProbeCall
 _QnvProbeCall:
-  pushl %ebp
-  pushl %ebx
-  pushl %esi
-  pushl %edi
+  pushal
   movl %esp, _qnvProbe+48
   fnstcw _qnvProbe+52
   stmxcsr _qnvProbe+56
@@ -103,9 +93,9 @@ _QnvProbeCall:
   movl %esp, _qnvProbe+60
 
   fninit
-  fldcw _qnvProbe+32
+  fldcw _qnvProbe+16
   movl $_qnvProbe+312, %edx
-  movl _qnvProbe+40, %ecx
+  movl _qnvProbe+24, %ecx
   testl %ecx, %ecx
   jz 2f
 1:
@@ -114,19 +104,19 @@ _QnvProbeCall:
   decl %ecx
   jnz 1b
 2:
-  cmpl $0, _qnvProbe+44
+  cmpl $0, _qnvProbe+28
   je 3f
   movq _qnvProbe+312, %mm0
   movq _qnvProbe+320, %mm3
 3:
   fnsave _qnvProbe+96
   frstor _qnvProbe+96
-  ldmxcsr _qnvProbe+36
+  ldmxcsr _qnvProbe+20
 
-  movl _qnvProbe+16, %ebx
-  movl _qnvProbe+20, %esi
-  movl _qnvProbe+24, %edi
-  movl _qnvProbe+28, %ebp
+  movl _qnvProbe+32, %ebx
+  movl _qnvProbe+36, %esi
+  movl _qnvProbe+40, %edi
+  movl _qnvProbe+44, %ebp
   call *_qnvProbe
 
   movl %esp, _qnvProbe+64
@@ -144,10 +134,7 @@ _QnvProbeCall:
   movl _qnvProbe+48, %esp
   fldcw _qnvProbe+52
   ldmxcsr _qnvProbe+56
-  popl %edi
-  popl %esi
-  popl %ebx
-  popl %ebp
+  popal
   ret
 
 # Functions that change what they have to keep.
@@ -177,12 +164,8 @@ uint32_t CallGuarded(const void* function, const std::vector<uint32_t>& argument
   qnvProbe.function = function;
   qnvProbe.arguments = arguments.data();
   qnvProbe.argumentCount = static_cast<uint32_t>(arguments.size());
-  qnvProbe.misalignment = state.misalignment;
+  qnvProbe.state = state;
   std::memcpy(qnvProbe.registers, kRegisters, sizeof kRegisters);
-  qnvProbe.x87Control = state.x87Control;
-  qnvProbe.mxcsr = state.mxcsr;
-  qnvProbe.x87Values = state.mmx ? 0 : state.x87Values;
-  qnvProbe.mmx = state.mmx ? 1 : 0;
   for (int i = 0; i < 8; ++i) qnvProbe.values[i] = 1.0 / (3 + i);
   QnvProbeCall();
 
@@ -214,7 +197,14 @@ uint32_t CallGuarded(const void* function, const std::vector<uint32_t>& argument
   return qnvProbe.result;
 }
 
-class CallingState : public testing::TestWithParam<HostState> {};
+struct StateCase {
+  const char* name;
+  HostState state;
+};
+
+void PrintTo(const StateCase& c, std::ostream* out) { *out << c.name; }
+
+class CallingState : public testing::TestWithParam<StateCase> {};
 
 TEST_P(CallingState, IsLeftAsItWasAndDoesNotMatter) {
   const WorkResult expected = DoHostWork(PlainCaller(LinkedLibrary()));
@@ -222,7 +212,7 @@ TEST_P(CallingState, IsLeftAsItWasAndDoesNotMatter) {
   const WorkResult got = DoHostWork([&](const char* name, const std::vector<uint32_t>& arguments) {
     const FARPROC function = GetProcAddress(LinkedLibrary(), name);
     std::string damage;
-    const uint32_t result = CallGuarded(reinterpret_cast<const void*>(function), arguments, GetParam(), &damage);
+    const uint32_t result = CallGuarded(reinterpret_cast<const void*>(function), arguments, GetParam().state, &damage);
     if (!damage.empty()) damages.insert(std::string(name) + ": " + damage);
     return result;
   });
@@ -233,14 +223,14 @@ TEST_P(CallingState, IsLeftAsItWasAndDoesNotMatter) {
 
 INSTANTIATE_TEST_SUITE_P(
     Hosts, CallingState,
-    testing::Values(HostState{"stack at a multiple of 16", 0}, HostState{"stack 4 bytes below", 4},
-                    HostState{"stack 8 bytes below", 8}, HostState{"stack 12 bytes below", 12},
-                    HostState{"the runtime's 53-bit mantissa", 4, 0x027F},
-                    HostState{"24-bit mantissa, rounding up", 4, 0x087F},
-                    HostState{"invalid, zero divide and overflow not masked", 4, 0x1332, 0x1900},
-                    HostState{.name = "three values on the x87 stack", .misalignment = 4, .x87Values = 3},
-                    HostState{.name = "a full x87 stack", .misalignment = 4, .x87Values = 8},
-                    HostState{.name = "MMX in use", .misalignment = 4, .mmx = true}));
+    testing::Values(StateCase{"stack at a multiple of 16", {}}, StateCase{"stack 4 bytes below", {4}},
+                    StateCase{"stack 8 bytes below", {8}}, StateCase{"stack 12 bytes below", {12}},
+                    StateCase{"the runtime's 53-bit mantissa", {4, 0x027F}},
+                    StateCase{"24-bit mantissa, rounding up", {4, 0x087F}},
+                    StateCase{"invalid, zero divide and overflow not masked", {4, 0x1332, 0x1900}},
+                    StateCase{"three values on the x87 stack", {.misalignment = 4, .x87Values = 3}},
+                    StateCase{"a full x87 stack", {.misalignment = 4, .x87Values = 8}},
+                    StateCase{"MMX in use", {.misalignment = 4, .mmx = 1}}));
 
 TEST(CallingStateWork, CallsEveryFunction) {
   const WorkResult result = DoHostWork(PlainCaller(LinkedLibrary()));
@@ -254,7 +244,7 @@ TEST(CallingStateWork, CallsEveryFunction) {
 TEST(CallingStateGuard, SeesDamage) {
   const auto damage = [](void (*function)()) {
     std::string seen;
-    CallGuarded(reinterpret_cast<const void*>(function), {0}, {"plain", 0}, &seen);
+    CallGuarded(reinterpret_cast<const void*>(function), {0}, {}, &seen);
     return seen;
   };
   EXPECT_NE(std::string::npos, damage(QnvDamageX87).find("tag word"));
