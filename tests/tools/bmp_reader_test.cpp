@@ -137,14 +137,16 @@ TEST(BmpReader, OtherBitFieldsBecomePlain32BitPixels) {
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.name);
-    BmpFile file{.width = 1, .height = 1, .bitCount = c.bits, .compression = BI_BITFIELDS, .masks = c.masks};
-    for (int i = 0; i < 4; ++i) file.pixels.push_back(static_cast<uint8_t>(c.pixel >> 8 * i));
+    BmpFile file{.width = 2, .height = 1, .bitCount = c.bits, .compression = BI_BITFIELDS, .masks = c.masks};
+    for (int bit = 0; bit < 2 * c.bits; bit += 8) {
+      file.pixels.push_back(static_cast<uint8_t>(c.pixel >> bit % c.bits));
+    }
     const Dib dib = ReadFile(file);
     EXPECT_EQ(dib.bitCount, 32);
     EXPECT_EQ(dib.compression, uint32_t{BI_RGB});
     EXPECT_EQ(dib.info.size(), 40u);
-    ASSERT_EQ(dib.bits.size(), 4u);
-    EXPECT_EQ(tool::U32At(dib.bits, 0), c.expected);
+    ASSERT_EQ(dib.bits.size(), 8u);
+    for (const std::size_t at : {0u, 4u}) EXPECT_EQ(tool::U32At(dib.bits, at), c.expected);
   }
 }
 
@@ -219,7 +221,7 @@ TEST(BmpReader, BadFieldsAreNamed) {
       {"bfOffBits", [](BmpFile& f) { f.offsetChange = 1 << 20; }},
       {"bfOffBits", [](BmpFile& f) { f.offsetChange = -20; }},
       {"bfOffBits", [](BmpFile& f) { f.bitCount = 8; }},  // no table at all
-      {"pixel rows", [](BmpFile& f) { f.pixels.pop_back(); }},
+      {"pixel rows: 5 x 3 pixels of 24 bits need 48 bytes, the file has 47", [](BmpFile& f) { f.pixels.pop_back(); }},
       {"pixel rows", [](BmpFile& f) { f.width = 32767, f.height = 32767; }},
   };
   for (const Case& c : cases) {

@@ -95,6 +95,9 @@ TEST_F(Figures, ImagesLieBesideTheFile) {
   const auto& picture = ItemAt<Picture>(page, 0);
   EXPECT_EQ(picture.place, (tool::Rect{10, 20, 310, 220}));
   EXPECT_EQ(picture.rop, uint32_t{SRCAND});
+  setup_.sheet = {600, 1000, 800, {0, 0, 1000, 800}};
+  const auto tooWide = [&] { LayOut("image figures_test.bmp 1 2 1500 -\n", folder + "/x.fig"); };
+  EXPECT_NE(InputErrorOf(tooWide).find("too many pixels"), std::string::npos);
 }
 
 TEST_F(Figures, PagesBegin) {

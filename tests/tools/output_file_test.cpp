@@ -129,6 +129,7 @@ TEST_F(OutputFile, NoNameOfAnInput) {
   const std::string message = input + ": is an input file and would be overwritten";
   Put(input, "photo");
   EXPECT_EQ(RefusalOf({Path("page.png"), "", ""}, 2, {input}), message);
+  Put(Path("page.png"), "an earlier page");
   EXPECT_EQ(RefusalOf({Path("page.png"), "", ""}, 1, {input}), "");
   EXPECT_EQ(RefusalOf({Path("other.png"), Path("page.png"), ""}, 3, {input}), message);
   EXPECT_EQ(RefusalOf({Path("other.png"), "", Path("page.png")}, 3, {input}), message);

@@ -125,6 +125,7 @@ TEST(LineBreaker, WhereLinesEnd) {
       {"long word after a short one", U"a bcdefg", 30, {U"a", U"bcd", U"efg"}},
       {"a character wider than the line", U"abc", 5, {U"a", U"b", U"c"}},
       {"ideographs", U"\u4E00\u4E01\u4E02", 20, {U"\u4E00\u4E01", U"\u4E02"}},
+      {"before the first ideograph", U"b aa\u2E80", 35, {U"b aa", U"\u2E80"}},
       {"closing marks follow", U"\u4E00\u4E01\u3002", 20, {U"\u4E00", U"\u4E01\u3002"}},
   };
   for (const Case& c : cases) EXPECT_EQ(Lines(c.text, c.width), c.lines) << c.name;
