@@ -248,31 +248,32 @@ TEST(BandPrinter, FillsHaveTheirColors) {
   }
 }
 
+// The page laid out for one device, printed on another.
+Printed PrintFullPage(const DeviceChoice& laidOutFor, const DeviceChoice& device) {
+  tool::FontShelf fonts = SyntheticShelf(laidOutFor.pageDpi);
+  return PrintPage(FullPage(laidOutFor, fonts), device, 50);
+}
+
 TEST(BandPrinter, AScaledDeviceOfOneScaleIsAPlainDevice) {
-  tool::FontShelf fonts = SyntheticShelf(100);
   const DeviceChoice scaled = Device("scaled:100/100", 0);
-  const Page page = FullPage(scaled, fonts);
-  EXPECT_TRUE(PrintPage(page, scaled, 50) == PrintPage(page, Device("color"), 50));
+  EXPECT_TRUE(PrintFullPage(scaled, scaled) == PrintFullPage(scaled, Device("color")));
 }
 
 TEST(BandPrinter, DualIsColorWithTags) {
-  tool::FontShelf fonts = SyntheticShelf(100);
   const DeviceChoice dual = Device("dual");
-  const Page page = FullPage(dual, fonts);
-  Printed printed = PrintPage(page, dual, 50);
+  Printed printed = PrintFullPage(dual, dual);
   ASSERT_EQ(printed.tags.size(), 230u * 300u);
   const auto tag = [&](int x, int y) { return printed.tags[static_cast<std::size_t>(y * 230 + x)]; };
   EXPECT_EQ(tag(0, 0), QNV_TAG_GRAPHICS);
   EXPECT_EQ(tag(20, 210), QNV_TAG_IMAGE);
   EXPECT_EQ(tag(115, 250), QNV_TAG_GRAPHICS);  // the line over the images
   printed.tags.clear();
-  EXPECT_TRUE(printed == PrintPage(page, Device("color"), 50));
+  EXPECT_TRUE(printed == PrintFullPage(dual, Device("color")));
 }
 
 TEST(BandPrinter, ScaledGrayPixelsAreGray) {
-  tool::FontShelf fonts = SyntheticShelf(200);
   const DeviceChoice device = Device("scaled-gray:200/100", 0);
-  const Printed printed = PrintPage(FullPage(device, fonts), device, 20);
+  const Printed printed = PrintFullPage(device, device);
   int dark = 0;
   for (std::size_t i = 0; i < printed.pixels.size(); i += 3) {
     ASSERT_EQ(printed.pixels[i], printed.pixels[i + 1]);

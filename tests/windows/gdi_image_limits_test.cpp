@@ -80,52 +80,52 @@ TEST(GdiImageTables, WhatUsesTheEntriesOfAShortTableAgrees) {
   EXPECT_TRUE(ImageAgrees(witness, {.dib = &dib, .area = WholeImage(dib, 3, 2)}));
 }
 
-TEST(GdiImageDifference, CoreHeadersAreRefused) {
-  DibSample dib(kPlainForm, {});
+// One image on one band.
+class GdiImageLimits : public testing::Test {
+ protected:
+  DibSample dib_{kPlainForm, {}};
+  ImagePair whole_{.dib = &dib_, .area = WholeImage(dib_, 3, 2)};
+  Witness witness_;
+};
+
+TEST_F(GdiImageLimits, CoreHeadersAreRefused) {
   const BITMAPCOREHEADER header{sizeof(BITMAPCOREHEADER), 29, 13, 1, 24};
-  std::memset(dib.header(), 0, sizeof *dib.header());
-  std::memcpy(dib.header(), &header, sizeof header);
-  const Witness witness;
-  EXPECT_EQ(0u, PaintLibraryImage(witness, {.dib = &dib, .area = WholeImage(dib, 3, 2)}));
-  EXPECT_TRUE(witness.Untouched());
-  EXPECT_NE(0, PaintPlatformImage(witness, {.dib = &dib, .area = WholeImage(dib, 3, 2)}));
-  ExpectDifference(kCoreHeader, witness);
+  std::memset(dib_.header(), 0, sizeof *dib_.header());
+  std::memcpy(dib_.header(), &header, sizeof header);
+  EXPECT_EQ(0u, PaintLibraryImage(witness_, whole_));
+  EXPECT_TRUE(witness_.Untouched());
+  EXPECT_NE(0, PaintPlatformImage(witness_, whole_));
+  ExpectDifference(kCoreHeader, witness_);
 }
 
 // The platform knows no codes above the index, or knows others.
-TEST(GdiImageDifference, CodesAboveTheIndexAreTheLibrarysOwn) {
-  const DibSample dib(kPlainForm, {});
-  const ImagePair pair{.dib = &dib, .area = WholeImage(dib, 3, 2), .rop = 0x80CC0020};
-  const Witness witness;
-  EXPECT_EQ(1u, PaintLibraryImage(witness, pair));
-  EXPECT_TRUE(witness.Untouched());
-  EXPECT_NE(0, PaintPlatformImage(witness, pair));
-  ExpectDifference(kExtendedCode, witness);
+TEST_F(GdiImageLimits, CodesAboveTheIndexAreTheLibrarysOwn) {
+  whole_.rop = 0x80CC0020;
+  EXPECT_EQ(1u, PaintLibraryImage(witness_, whole_));
+  EXPECT_TRUE(witness_.Untouched());
+  EXPECT_NE(0, PaintPlatformImage(witness_, whole_));
+  ExpectDifference(kExtendedCode, witness_);
 }
 
 // The minimum has no name in the platform, so its pictures are put together byte by byte.
-TEST(GdiImageDifference, TheMinimumIsThatOfTwoPictures) {
-  const DibSample dib(kPlainForm, {});
-  const Witness image;
-  ASSERT_TRUE(ImageAgrees(image, {.dib = &dib, .area = WholeImage(dib, 3, 2)}));
-  const Witness witness;
-  const std::vector<uint8_t> ground = witness.device().BandBytes();
-  std::vector<uint8_t> expected = image.device().BandBytes();
-  for (std::size_t i = 0; i < expected.size(); ++i) expected[i] = std::min(expected[i], ground[i]);
-  EXPECT_EQ(1u, PaintLibraryImage(witness, {.dib = &dib, .area = WholeImage(dib, 3, 2), .rop = ROP_MINIMUM}));
-  EXPECT_EQ(expected, witness.device().BandBytes());
+TEST_F(GdiImageLimits, TheMinimumIsThatOfTwoPictures) {
+  std::vector<uint8_t> expected = witness_.device().BandBytes();
+  ASSERT_TRUE(ImageAgrees(witness_, whole_));
+  const std::vector<uint8_t> image = witness_.device().BandBytes();
+  std::ranges::transform(expected, image, expected.begin(), [](uint8_t a, uint8_t b) { return std::min(a, b); });
+  witness_.Reset(1);
+  whole_.rop = ROP_MINIMUM;
+  EXPECT_EQ(1u, PaintLibraryImage(witness_, whole_));
+  EXPECT_EQ(expected, witness_.device().BandBytes());
 }
 
-TEST(GdiImageDifference, ResultsAreNoNumbersOfLines) {
-  const DibSample dib(kPlainForm, {});
-  const Witness witness;
-  const ImagePair inside{.dib = &dib, .area = WholeImage(dib, 3, 2)};
-  EXPECT_EQ(1u, PaintLibraryImage(witness, inside)) << kTransferResult.name;
-  EXPECT_EQ(13, PaintPlatformImage(witness, inside));
-  const ImagePair outside{.dib = &dib, .area = WholeImage(dib, 300, 2)};
-  EXPECT_EQ(0u, PaintLibraryImage(witness, outside));
-  EXPECT_EQ(13, PaintPlatformImage(witness, outside));
-  EXPECT_TRUE(witness.Same());
+TEST_F(GdiImageLimits, ResultsAreNoNumbersOfLines) {
+  EXPECT_EQ(1u, PaintLibraryImage(witness_, whole_)) << kTransferResult.name;
+  EXPECT_EQ(13, PaintPlatformImage(witness_, whole_));
+  whole_.area.dstX = 300;
+  EXPECT_EQ(0u, PaintLibraryImage(witness_, whole_));
+  EXPECT_EQ(13, PaintPlatformImage(witness_, whole_));
+  EXPECT_TRUE(witness_.Same());
 }
 
 // The platform also takes an image piece by piece, each piece with the address of its own first scan. The library's

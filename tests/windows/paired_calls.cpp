@@ -2,6 +2,7 @@
 #include "windows/paired_calls.h"
 
 #include <array>
+#include <bit>
 #include <cstring>
 #include <utility>
 
@@ -56,9 +57,14 @@ GdiObject<HBRUSH> BitBrush(const BitRows& rows) {
   return GdiObject<HBRUSH>(CreatePatternBrush(tile.get()));
 }
 
-testing::Message Described(uint32_t rop, const BrushPair* brush, const BandRect& clip) {
-  return testing::Message() << "code " << std::hex << rop << ", " << (brush ? brush->name : "no brush") << ", clip "
-                            << Describe(clip);
+// What was painted, with all numbers of an area in their order.
+template <class Pair>
+testing::Message Described(const Pair& pair) {
+  testing::Message painted;
+  painted << "; code " << std::hex << pair.rop << std::dec << ", " << (pair.brush ? pair.brush->name : "no brush")
+          << ", clip " << Describe(pair.clip) << ", area";
+  for (int32_t value : std::bit_cast<std::array<int32_t, sizeof pair.area / 4>>(pair.area)) painted << ' ' << value;
+  return painted;
 }
 
 HGDIOBJ PlatformBrush(const BrushPair* pair) { return pair ? pair->platform.get() : GetStockObject(NULL_BRUSH); }
@@ -132,11 +138,7 @@ void PaintTransfer(const Witness& witness, const TransferPair& pair) {
 
 testing::AssertionResult TransferAgrees(const Witness& witness, const TransferPair& pair) {
   PaintTransfer(witness, pair);
-  const auto& [destX, destY, srcX, srcY, width, height] = pair.area;
-  testing::Message painted;
-  painted << "; " << width << " x " << height << " pixels to " << destX << ", " << destY << " from " << srcX << ", "
-          << srcY << ", " << Described(pair.rop, pair.brush, pair.clip);
-  return witness.Same() << painted;
+  return witness.Same() << Described(pair);
 }
 
 uint32_t CodeOf(uint8_t index) {
@@ -193,14 +195,7 @@ void PaintImage(const Witness& witness, const ImagePair& pair) {
 
 testing::AssertionResult ImageAgrees(const Witness& witness, const ImagePair& pair, int tolerance) {
   PaintImage(witness, pair);
-  const ImageArea& area = pair.area;
-  testing::Message painted;
-  painted << "; area";
-  for (int32_t value :
-       {area.dstX, area.dstY, area.dstWidth, area.dstHeight, area.srcX, area.srcY, area.srcWidth, area.srcHeight}) {
-    painted << ' ' << value;
-  }
-  return witness.Same(tolerance) << painted << ", " << Described(pair.rop, pair.brush, pair.clip);
+  return witness.Same(tolerance) << Described(pair);
 }
 
 uint32_t SetLibraryScans(const Witness& witness, const DibSample& dib, uint32_t first, uint32_t count,
