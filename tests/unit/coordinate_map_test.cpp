@@ -1,18 +1,21 @@
+// The resolution-mapping device: which page columns are kept, and runs of columns against the rule for single ones.
 #include "raster/coordinate_map.h"
 
 #include <gtest/gtest.h>
 
+#include <functional>
+#include <vector>
+
+#include "raster/mappings.h"
 #include "raster/mul_div.h"
+#include "unit/resolutions.h"
 
 namespace qnv {
 namespace {
 
-struct Map : CoordinateMap {
-  Map(uint16_t a, uint16_t b) {
-    SetResolutions(a, b);
-    EXPECT_TRUE(Build());
-  }
-};
+using test::BuiltMap;
+using test::kResolutions;
+using test::Resolutions;
 
 constexpr int32_t kDropped = INT32_MIN;
 
@@ -21,70 +24,157 @@ int32_t TableColumn(const CoordinateMap& map, int32_t v) {
   return map.TableColumn(v, &column) ? column : kDropped;
 }
 
-bool IsDropped(int32_t entry) { return entry < 0; }
-int32_t Carried(int32_t entry) { return entry & 0x7FFFFFFF; }
+// An entry of a dropped column carries the nearest kept one before.
+constexpr int32_t Carrying(int32_t kept) { return INT32_MIN | kept; }
 
-TEST(CoordinateMap, HalvingKeepsEvenIndices) {
-  const Map map(720, 360);
-  for (int32_t j = 0; j < 360; ++j) {
-    EXPECT_EQ(map.columnMap()[2 * j], j);
-    EXPECT_TRUE(IsDropped(map.columnMap()[2 * j + 1]));
-    EXPECT_EQ(Carried(map.columnMap()[2 * j + 1]), j);
-    EXPECT_EQ(map.bandIndex()[j], static_cast<uint32_t>(2 * j));
-  }
-  EXPECT_EQ(map.MapKept(5), -1);
-  EXPECT_EQ(map.MapKept(6), 3);
-  EXPECT_EQ(map.MapKept(-1), -1);
-  EXPECT_EQ(map.MapKept(720 + 6), 363);
-}
-
-TEST(CoordinateMap, EqualResolutionsKeepEverything) {
-  const Map map(360, 360);
-  for (int32_t v = 0; v < 1000; ++v) EXPECT_EQ(map.MapKept(v), v);
-}
-
-TEST(CoordinateMap, DoublingKeepsTheLargerOfTwo) {
-  const Map map(360, 720);
-  for (int32_t i = 0; i < 360; ++i) {
-    EXPECT_EQ(map.MapKept(i), 2 * i);
-    EXPECT_FALSE(IsDropped(map.columnMap()[i]));
-  }
+TEST(CoordinateMap, Examples) {
+  const BuiltMap halved({720, 360}), same({360, 360}), doubled({360, 720}), fourfold({360, 1440});
+  constexpr int32_t kEven = 6, kOdd = 5;
+  EXPECT_EQ(halved.columnMap()[kEven], 3);
+  EXPECT_EQ(halved.columnMap()[kOdd], Carrying(2));
+  EXPECT_EQ(halved.bandIndex()[3], 6u);
+  EXPECT_EQ(halved.MapKept(kEven), 3);
+  EXPECT_EQ(halved.MapKept(kOdd), -1);
+  EXPECT_EQ(halved.MapKept(-1), -1);
+  EXPECT_EQ(halved.MapKept(720 + kEven), 360 + 3);
+  for (int32_t v = 0; v < 1000; ++v) EXPECT_EQ(same.MapKept(v), v);
   // Exact halves round down, so that the odd band indices fall on the page index before them.
-  EXPECT_EQ(map.columnMap()[0], 1);
-  EXPECT_EQ(TableColumn(map, 0), 1);
-  EXPECT_EQ(TableColumn(map, 360 + 5), 720 + 11);
-  EXPECT_EQ(TableColumn(map, -1), -720 + 719) << "the last column of the inch before";
-}
-
-TEST(CoordinateMap, FourfoldReachesOnePastTheInch) {
-  const Map map(360, 1440);
-  EXPECT_EQ(map.bandIndex()[1439], 360u);
-  EXPECT_EQ(map.columnMap()[360], 1439);
+  EXPECT_EQ(doubled.MapKept(7), 14);
+  EXPECT_EQ(doubled.columnMap()[0], 1);
+  EXPECT_EQ(TableColumn(doubled, 0), 1);
+  EXPECT_EQ(TableColumn(doubled, 360 + 5), 720 + 11);
+  EXPECT_EQ(TableColumn(doubled, -1), -720 + 719) << "the last column of the inch before";
+  EXPECT_EQ(TableColumn(doubled, -360), -720 + 1) << "its first";
+  // One past the inch.
+  EXPECT_EQ(fourfold.bandIndex()[1439], 360u);
+  EXPECT_EQ(fourfold.columnMap()[360], 1439);
 }
 
 // Of every page inch, what is kept is the rounded page index of each band index.
 TEST(CoordinateMap, KeptIndicesAreTheRoundedOnes) {
-  constexpr struct {
-    uint16_t a, b;
-  } kPairs[] = {{600, 400}, {720, 360}, {360, 720}, {300, 72}, {1200, 361}, {7, 3}, {3, 7}, {1, 1}, {5, 1}, {1, 5}};
-  for (const auto& pair : kPairs) {
-    const Map map(pair.a, pair.b);
-    for (int32_t i = 0; i < pair.a; ++i) {
-      int32_t last = -1;
-      for (int32_t j = 0; j < pair.b; ++j) {
-        const int32_t n = j * pair.a;
-        const int32_t rounded = n / pair.b + (n % pair.b > pair.b / 2 ? 1 : 0);
-        if (rounded == i) last = j;
-      }
-      if (last >= 0) {
-        EXPECT_EQ(map.columnMap()[i], last) << pair.a << ":" << pair.b << " page index " << i;
-        EXPECT_EQ(map.MapKept(i), PortableMulDiv(i, pair.b, pair.a));
-      } else {
-        EXPECT_TRUE(IsDropped(map.columnMap()[i])) << pair.a << ":" << pair.b << " page index " << i;
-        EXPECT_EQ(map.MapKept(i), -1);
-        EXPECT_EQ(TableColumn(map, i), kDropped);
+  for (const Resolutions& r : kResolutions) {
+    SCOPED_TRACE(r);
+    const BuiltMap map(r);
+    std::vector<int32_t> kept(r.a + 1u, kDropped);
+    for (int32_t j = 0; j < r.b; ++j) {
+      const int32_t n = j * r.a, rounded = n / r.b + (n % r.b > r.b / 2 ? 1 : 0);
+      kept[static_cast<std::size_t>(rounded)] = j;
+      ASSERT_EQ(map.bandIndex()[j], static_cast<uint32_t>(rounded));
+    }
+    int32_t carried = 0;
+    for (int32_t i = 0; i < r.a; ++i) {
+      const int32_t column = kept[static_cast<std::size_t>(i)];
+      if (column != kDropped) carried = column;
+      ASSERT_EQ(map.columnMap()[i], column != kDropped ? column : Carrying(carried)) << i;
+      ASSERT_EQ(TableColumn(map, i), column) << i;
+      ASSERT_EQ(map.MapKept(i), column != kDropped ? PortableMulDiv(i, r.b, r.a) : -1) << i;
+    }
+  }
+}
+
+TEST(CoordinateMap, PageOfIsTheInverseOfMapKept) {
+  for (const Resolutions& r : kResolutions) {
+    SCOPED_TRACE(r);
+    const BuiltMap map(r);
+    if (!map.Thins()) continue;
+    for (int32_t band = 0; band < 3 * r.b + 2; ++band) {
+      const int32_t page = map.PageOf(band);
+      ASSERT_EQ(band, map.MapKept(page));
+      ASSERT_EQ(band, map.FirstBandFrom(page));
+      ASSERT_EQ(band + 1, map.FirstBandFrom(page + 1));
+    }
+  }
+}
+
+// A band column or row and the one of the caller that it comes from.
+struct Placed {
+  int32_t band, caller;
+  bool operator==(const Placed&) const = default;
+};
+using BandOf = std::function<int32_t(int32_t)>;
+
+std::vector<Placed> OneByOne(int32_t first, int32_t count, int32_t bandEnd, const BandOf& bandOf) {
+  std::vector<Placed> placed;
+  for (int32_t i = first; i < first + count; ++i) {
+    const int32_t band = bandOf(i);
+    if (band >= 0 && band < bandEnd) placed.push_back({band, i});
+  }
+  return placed;
+}
+
+// Takes runs apart; `first`: the caller column from which they count.
+struct Collector {
+  std::vector<Placed>* placed;
+  int32_t first;
+
+  void operator()(const ColumnRun& run) const {
+    EXPECT_GT(run.count, 0);
+    EXPECT_LE(run.count, KeptMapping::kMostPicks);
+    EXPECT_EQ(run.picks[0], 0);
+    for (int32_t i = 0; i < run.count; ++i) {
+      placed->push_back({run.bandColumn + i, first + run.callerColumn + run.picks[i]});
+    }
+  }
+};
+
+TEST(KeptMapping, RunsAndRowsAreTheKeptOnes) {
+  std::vector<Resolutions> all(std::begin(kResolutions), std::end(kResolutions));
+  all.insert(all.end(), {{65535, 300}, {360, 0}});
+  for (const Resolutions& r : all) {
+    const BuiltMap map(r);
+    const auto compare = [&](int32_t first, int32_t count, int32_t bandEnd) {
+      const std::vector<Placed> expected =
+          OneByOne(first, count, bandEnd, [&](int32_t page) { return map.MapKept(page); });
+      std::vector<Placed> columns, rows;
+      KeptMapping{&map}.ForEachRun(first, count, bandEnd, Collector{&columns, first});
+      KeptMapping{&map}.ForEachKeptRow(first, count, bandEnd, [&](int32_t band, int32_t page) {
+        rows.push_back({band, page});
+      });
+      ASSERT_EQ(expected, columns) << r << ", " << count << " from " << first << " into " << bandEnd;
+      ASSERT_EQ(expected, rows) << r << ", " << count << " from " << first << " into " << bandEnd;
+    };
+    for (const int32_t first : {-2000, -3, 0, 1, 2, 359, 360, 719, 5000, 60000}) {
+      for (const int32_t count : {0, 1, 2, 3, 10, 700, 5000}) {
+        for (const int32_t bandEnd : {0, 1, 5, 1000, 1 << 20}) compare(first, count, bandEnd);
       }
     }
+    compare(-3, 200000, 1 << 20);              // many runs
+    compare(INT32_MAX - 300, 300, INT32_MAX);  // to the end of the numbers
+  }
+}
+
+// Columns join a run while they are neighbors in the band, the run has room, and their distance fits its numbers.
+TEST(KeptMapping, JoinsOfRuns) {
+  const struct {
+    const char* name;
+    BandOf bandOf;
+    std::vector<int32_t> counts;  // of the runs
+  } kCases[] = {
+      {"one after another", [](int32_t i) { return i; }, {2048, 2048, 904}},
+      {"one band column apart", [](int32_t i) { return i < 100 ? 2 * i : -1; }, std::vector<int32_t>(100, 1)},
+      {"a band column left out", [](int32_t i) { return i < 10 ? i + i / 5 : -1; }, {5, 5}},
+      {"a band column twice", [](int32_t i) { return i < 10 ? i - i / 5 : -1; }, {5, 5}},
+      {"backward", [](int32_t i) { return 3 - i; }, {1, 1, 1, 1}},
+      {"every other one dropped", [](int32_t i) { return i % 2 == 0 && i < 100 ? i / 2 : -1; }, {50}},
+      {"65535 apart", [](int32_t i) { return i == 0       ? 0
+                                             : i == 65535 ? 1
+                                                          : -1; }, {2}},
+      {"65536 apart", [](int32_t i) { return i == 0       ? 0
+                                             : i == 65536 ? 1
+                                                          : -1; }, {1, 1}},
+      {"the last column and one behind it", [](int32_t i) { return i < 2    ? 4998 + i
+                                                                   : i == 2 ? 5000
+                                                                            : -1; }, {2}},
+  };
+  for (const auto& c : kCases) {
+    std::vector<Placed> placed;
+    std::vector<int32_t> counts;
+    KeptMapping::ForEachMappedRun(70000, 5000, c.bandOf, [&](const ColumnRun& run) {
+      Collector{&placed, 0}(run);
+      counts.push_back(run.count);
+    });
+    EXPECT_EQ(OneByOne(0, 70000, 5000, c.bandOf), placed) << c.name;
+    EXPECT_EQ(c.counts, counts) << c.name;
   }
 }
 

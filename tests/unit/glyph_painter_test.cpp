@@ -5,9 +5,9 @@
 
 #include <cstring>
 #include <random>
-#include <vector>
 
 #include "support/fenced_buffer.h"
+#include "unit/resolutions.h"
 
 namespace qnv {
 namespace {
@@ -67,17 +67,12 @@ void Compare(std::mt19937& random, const CoordinateMap& map, bool transparent) {
 }
 
 TEST(KeptGlyphs, EveryPixelWhereItMapsTo) {
-  constexpr struct {
-    uint16_t a, b;
-  } kPairs[] = {{720, 360}, {600, 400}, {360, 720}, {360, 360}, {1200, 361}, {300, 72}, {72, 300}, {7, 3}, {10, 1}};
-  for (const auto& pair : kPairs) {
-    CoordinateMap map;
-    map.SetResolutions(pair.a, pair.b);
-    ASSERT_TRUE(map.Build());
-    std::mt19937 random(pair.a);
-    for (int turn = 0; turn < 400; ++turn) {
+  for (const test::Resolutions& resolutions : test::kResolutions) {
+    const test::BuiltMap map(resolutions);
+    std::mt19937 random(resolutions.a);
+    for (int turn = 0; turn < 300; ++turn) {
       Compare(random, map, turn % 2 != 0);
-      if (HasFatalFailure()) FAIL() << pair.a << ":" << pair.b << ", turn " << turn;
+      if (HasFatalFailure()) FAIL() << resolutions << ", turn " << turn;
     }
   }
 }

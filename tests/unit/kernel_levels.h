@@ -3,8 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdint>
-#include <cstring>
 #include <random>
 #include <string>
 #include <vector>
@@ -41,9 +41,10 @@ class KernelTest : public testing::TestWithParam<KernelLevel> {
   }
   const RowKernels& kernels() const { return KernelsFor(GetParam().level); }
 
+  uint8_t RandomByte() { return static_cast<uint8_t>(random_()); }
   Bytes Random(std::size_t bytes) {
     Bytes result(bytes);
-    for (uint8_t& byte : result) byte = static_cast<uint8_t>(random_());
+    for (uint8_t& byte : result) byte = RandomByte();
     return result;
   }
 
@@ -51,69 +52,36 @@ class KernelTest : public testing::TestWithParam<KernelLevel> {
 };
 
 // The rows of all checks lie in two blocks that are made once: making one costs more than running a kernel.
-inline constexpr std::size_t kMaxRow = 32768;
-
-// A row that is written. It ends `alignment` bytes before the fence, so over all alignments it begins at every address
-// modulo kAlignments; the bytes around it must stay as they are. One at a time.
-class FencedRow {
- public:
-  FencedRow(const Bytes& old, std::size_t alignment)
-      : data_(Memory().data() + kMaxRow - alignment - old.size()), bytes_(old.size()), after_(alignment) {
-    std::memset(data_ - kBefore, kMargin, kBefore + bytes_ + after_);
-    if (bytes_ != 0) std::memcpy(data_, old.data(), bytes_);
-  }
-
-  uint8_t* data() { return data_; }
-  bool Holds(const Bytes& expected) const { return bytes_ == 0 || std::memcmp(data_, expected.data(), bytes_) == 0; }
-  Bytes Contents() const { return Bytes(data_, data_ + bytes_); }
-  bool MarginsIntact() const {
-    for (std::size_t i = 1; i <= kBefore; ++i) {
-      if (*(data_ - i) != kMargin) return false;
-    }
-    for (std::size_t i = 0; i < after_; ++i) {
-      if (data_[bytes_ + i] != kMargin) return false;
-    }
-    return true;
-  }
-
- private:
-  static constexpr uint8_t kMargin = 0x5A;
-  static constexpr std::size_t kBefore = 64;
-
-  static FencedBuffer& Memory() {
-    static FencedBuffer memory(kMaxRow, 0);
-    return memory;
-  }
-
-  uint8_t* data_;
-  std::size_t bytes_, after_;
-};
+inline constexpr std::size_t kMaxRow = 65536;
 
 // A row that is read: its last byte is the last that may be. One at a time.
-class FencedSource {
- public:
-  explicit FencedSource(const Bytes& bytes) : data_(Memory().data() + kMaxRow - bytes.size()) {
-    if (!bytes.empty()) std::memcpy(data_, bytes.data(), bytes.size());
-  }
-  const uint8_t* data() const { return data_; }
+inline const uint8_t* SourceAtFence(const Bytes& bytes) {
+  static FencedBuffer memory(kMaxRow, 0);
+  return std::copy(bytes.begin(), bytes.end(), memory.data() + kMaxRow - bytes.size()) - bytes.size();
+}
 
- private:
-  static FencedBuffer& Memory() {
-    static FencedBuffer memory(kMaxRow, 0);
-    return memory;
-  }
+inline uint8_t* EndOfWrittenRows() {
+  static FencedBuffer memory(kMaxRow, 0);
+  return memory.data() + kMaxRow;
+}
 
-  uint8_t* data_;
-};
-
-// Runs kernel(destination) over a row of old bytes and compares what it leaves.
+// Runs kernel(destination) over a row of old bytes and compares what it leaves. The row ends `alignment` bytes before
+// the fence, so over all alignments it begins at every address modulo kAlignments; the bytes around it must stay.
 template <class Kernel>
 void CheckRow(const Bytes& old, const Bytes& expected, std::size_t alignment, Kernel kernel) {
-  FencedRow row(old, alignment);
-  kernel(row.data());
-  ASSERT_TRUE(row.MarginsIntact()) << old.size() << " bytes, alignment " << alignment;
-  if (row.Holds(expected)) return;
-  ASSERT_EQ(row.Contents(), expected) << old.size() << " bytes, alignment " << alignment;
+  constexpr uint8_t kMargin = 0x5A;
+  constexpr std::size_t kBefore = 64;
+  uint8_t* const end = EndOfWrittenRows() - alignment;
+  uint8_t* const row = end - old.size();
+  std::fill(row - kBefore, row, kMargin);
+  std::fill(end, end + alignment, kMargin);
+  std::copy(old.begin(), old.end(), row);
+  kernel(row);
+  const auto isMargin = [](uint8_t byte) { return byte == kMargin; };
+  ASSERT_TRUE(std::all_of(row - kBefore, row, isMargin) && std::all_of(end, end + alignment, isMargin))
+      << "written outside: " << old.size() << " bytes, alignment " << alignment;
+  if (std::equal(row, end, expected.begin(), expected.end())) return;
+  ASSERT_EQ(Bytes(row, end), expected) << old.size() << " bytes, alignment " << alignment;
 }
 
 }  // namespace qnv::test

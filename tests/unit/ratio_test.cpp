@@ -1,3 +1,4 @@
+// Products over quotients: rounded as the platform rounds them, and by multiplication instead of division.
 #include "raster/ratio.h"
 
 #include <gtest/gtest.h>
@@ -7,13 +8,67 @@
 namespace qnv {
 namespace {
 
+TEST(MulDiv, RoundsHalvesAwayFromZero) {
+  constexpr struct {
+    const char* name;
+    int32_t value, numerator, denominator, expected;
+  } kCases[] = {
+      {"exact", 10, 720, 360, 20},
+      {"half goes up", 19, 360, 720, 10},
+      {"below half", 1, 1, 3, 0},
+      {"above half", 2, 1, 3, 1},
+      {"negative half goes away from zero", -19, 360, 720, -10},
+      {"negative below half", -1, 1, 3, 0},
+      {"negative divisor", 19, 360, -720, -10},
+      {"both negative", -19, 360, -720, 10},
+      {"zero divisor", 5, 5, 0, -1},
+      {"zero over zero", 0, 0, 0, -1},
+      {"product beyond 32 bits", INT32_MAX, 1000, 1000, INT32_MAX},
+      {"overflow", INT32_MAX, 2, 1, -1},
+      {"negative overflow", INT32_MIN, 2, 1, -1},
+      {"by zero numerator", 12345, 0, 7, 0},
+      {"most negative quotient", INT32_MIN + 1, 1, 1, INT32_MIN + 1},
+      {"one below it is an overflow", -32768, 65536, 1, -1},
+      {"largest quotient", INT32_MAX, 1, 1, INT32_MAX},
+  };
+  for (const auto& c : kCases) {
+    EXPECT_EQ(PortableMulDiv(c.value, c.numerator, c.denominator), c.expected) << c.name;
+    EXPECT_EQ(MulDiv(c.value, c.numerator, c.denominator), c.expected) << c.name;
+  }
+}
+
+// On Windows this holds our function against the kernel's own.
+TEST(MulDiv, EqualsThePlatformsOwn) {
+  constexpr int32_t kValues[] = {0,         1,
+                                 -1,        2,
+                                 -2,        3,
+                                 -3,        7,
+                                 359,       360,
+                                 719,       720,
+                                 -720,      1439,
+                                 32767,     -32768,
+                                 65535,     65536,
+                                 1000003,   -999983,
+                                 46341,     99999999,
+                                 -99999999, INT32_MAX - 1,
+                                 INT32_MAX, INT32_MIN + 1};
+  for (const int32_t value : kValues) {
+    for (const int32_t numerator : kValues) {
+      for (const int32_t denominator : kValues) {
+        ASSERT_EQ(MulDiv(value, numerator, denominator), PortableMulDiv(value, numerator, denominator))
+            << value << " * " << numerator << " / " << denominator;
+      }
+    }
+  }
+}
+
 TEST(Divider, IsExact) {
   std::mt19937 random(1);
   for (uint32_t divisor = 1; divisor <= UINT16_MAX; divisor += divisor < 300 ? 1 : 97) {
     const Divider divider(static_cast<uint16_t>(divisor));
     const auto check = [&](uint32_t n) { ASSERT_EQ(n / divisor, divider.Divide(n)) << n << " / " << divisor; };
-    const uint32_t most = INT32_MAX / divisor;
-    for (const uint32_t quotient : {0u, 1u, 2u, most / 2, most - 1, most}) {
+    const uint32_t largest = INT32_MAX / divisor;
+    for (const uint32_t quotient : {0u, 1u, 2u, largest / 2, largest - 1, largest}) {
       const uint32_t n = quotient * divisor;
       check(n);
       if (n > 0) check(n - 1);

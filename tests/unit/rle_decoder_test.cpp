@@ -63,8 +63,8 @@ std::vector<uint8_t> RandomCodes(std::mt19937& random, int32_t width, int32_t ro
   for (int32_t row = 0; row < rows; ++row) {
     for (int32_t column = 0; column < width;) {
       const bool hostile = below(100) < hostility;
-      const uint32_t most = hostile ? 255u : static_cast<uint32_t>(std::min(width - column, 255));
-      const uint8_t count = static_cast<uint8_t>(1 + below(most));
+      const uint32_t longest = hostile ? 255u : static_cast<uint32_t>(std::min(width - column, 255));
+      const uint8_t count = static_cast<uint8_t>(1 + below(longest));
       if (hostile && below(3) == 0) {
         const bool isEnd = below(20) == 0;
         codes.insert(codes.end(), {0, isEnd ? uint8_t{1} : uint8_t{2}});
@@ -84,18 +84,18 @@ std::vector<uint8_t> RandomCodes(std::mt19937& random, int32_t width, int32_t ro
   return codes;
 }
 
-void ExpectSame(const RleState& a, const RleState& b) {
-  EXPECT_EQ(a.next, b.next);
-  EXPECT_EQ(a.phase, b.phase);
-  if (a.phase != RleState::kDelta) return;
-  EXPECT_EQ(a.emptyRows, b.emptyRows);
-  EXPECT_EQ(a.targetColumn, b.targetColumn);
+testing::AssertionResult SameState(const RleState& a, const RleState& b) {
+  const bool sameDelta = a.emptyRows == b.emptyRows && a.targetColumn == b.targetColumn;
+  if (a.next == b.next && a.phase == b.phase && (a.phase != RleState::kDelta || sameDelta)) {
+    return testing::AssertionSuccess();
+  }
+  return testing::AssertionFailure() << "another place in the codes, or another phase";
 }
 
 void CheckStream(const std::vector<uint8_t>& codes, bool fourBit, int32_t width, int32_t rows) {
   const Picture picture = PaintNaively(codes, fourBit, width, rows);
   FencedBuffer data(picture.bytesRead, 0);  // ends where the model stopped reading
-  if (picture.bytesRead != 0) std::memcpy(data.data(), codes.data(), picture.bytesRead);
+  std::copy_n(codes.begin(), picture.bytesRead, data.data());
   const RleDecoder decoder(fourBit, width);
   std::vector<RleState> begins = {RleState{data.data()}};
   for (int32_t row = 1; row < rows; ++row) {
@@ -103,15 +103,13 @@ void CheckStream(const std::vector<uint8_t>& codes, bool fourBit, int32_t width,
     decoder.SkipRows(&begins.back(), 1);
     RleState inOneGo{data.data()};
     decoder.SkipRows(&inOneGo, row);
-    ExpectSame(begins.back(), inOneGo);
+    EXPECT_TRUE(SameState(begins.back(), inOneGo)) << "row " << row;
   }
-  const std::size_t size = static_cast<std::size_t>(width) + RleDecoder::kOvershoot;
   for (const int32_t columns : {1, (width + 1) / 2, width}) {
-    const std::size_t count = static_cast<std::size_t>(columns);
     for (int32_t row = rows - 1; row >= 0; --row) {
-      FencedBuffer out(size, 0xEE);
+      FencedBuffer out(static_cast<std::size_t>(width) + RleDecoder::kOvershoot, 0xEE);
       decoder.DecodeRow(begins[static_cast<std::size_t>(row)], columns, begins.back().next, out.data());
-      ASSERT_EQ(0, std::memcmp(picture.indices.data() + row * width, out.data(), count))
+      ASSERT_EQ(0, std::memcmp(picture.indices.data() + row * width, out.data(), static_cast<std::size_t>(columns)))
           << "row " << row << " of " << rows << ", " << columns << " columns of " << width;
       ASSERT_TRUE(out.FencesIntact());
     }

@@ -1,4 +1,4 @@
-// Every kernel of every level that this machine has, against the formula it stands for: all counts up to 200, odd
+// Every kernel of every level that this machine has, against the formula it stands for: all counts up to 200, all
 // alignments, and fences around what it may touch.
 #include "raster/rows/row_kernels.h"
 
@@ -12,16 +12,34 @@
 namespace qnv::test {
 namespace {
 
+uint8_t Combine(uint8_t d, uint8_t s, uint8_t and1, uint8_t and2, uint8_t xor1, uint8_t xor2) {
+  return static_cast<uint8_t>((d & ((s & and1) ^ and2)) ^ ((s & xor1) ^ xor2));
+}
+
+bool BitAt(const Bytes& bits, std::size_t at) { return (bits[at / 8] >> (7 - at % 8) & 1) != 0; }
+
+uint8_t ByteOf(uint32_t color, std::size_t i) { return static_cast<uint8_t>(color >> 8 * i); }
+
+constexpr uint32_t kSet = 0x00C3A55A, kClear = 0x000F1E2D;
+
+BitColors ColorsOf(uint32_t bytesPerPixel) {
+  BitColors colors{kSet, kClear, {}, {}, {}};
+  for (uint32_t i = 0; i < 24; ++i) {
+    colors.setBytes[i] = ByteOf(kSet, i % bytesPerPixel);
+    colors.clearBytes[i] = ByteOf(kClear, i % bytesPerPixel);
+    colors.changeBytes[i] = static_cast<uint8_t>(colors.setBytes[i] ^ colors.clearBytes[i]);
+  }
+  return colors;
+}
+
 class RowKernelsTest : public KernelTest {
  protected:
-  const RowKernels& rows() const { return kernels(); }
-
   // With more of the bytes that combine to themselves.
   Bytes Random(std::size_t bytes) {
     Bytes result(bytes);
     for (uint8_t& byte : result) {
       const uint32_t choice = random_() % 4;
-      byte = choice == 0 ? 0x00 : choice == 1 ? 0xFF : static_cast<uint8_t>(random_());
+      byte = choice == 0 ? 0x00 : choice == 1 ? 0xFF : RandomByte();
     }
     return result;
   }
@@ -33,6 +51,14 @@ class RowKernelsTest : public KernelTest {
     return tile;
   }
 
+  // Calls check(count, alignment): every count up to kMaxPixels, some from there to `most`, at every alignment.
+  template <class CheckCount>
+  static void ForEachRow(std::size_t most, CheckCount check) {
+    for (std::size_t count = 0; count <= most; count += count < kMaxPixels ? 1 : 37) {
+      for (std::size_t alignment = 0; alignment < kAlignments; ++alignment) check(count, alignment);
+    }
+  }
+
   // Calls kernel(dst) on a row of random bytes and compares with expected(i, old byte) for each byte.
   template <class Kernel, class Expected>
   void Check(std::size_t bytes, std::size_t alignment, Kernel kernel, Expected expected) {
@@ -42,187 +68,113 @@ class RowKernelsTest : public KernelTest {
     CheckRow(old, result, alignment, kernel);
   }
 
-  static constexpr std::size_t kTileLengths[] = {1, 3, 8, 16, 24, 48};
+  const RowKernels& rows() const { return kernels(); }
 };
 
-TEST_P(RowKernelsTest, FillTileRow) {
-  for (const std::size_t length : kTileLengths) {
-    const Tile tile = RandomTile(length);
-    for (std::size_t bytes = 0; bytes <= 3 * kMaxPixels; bytes += bytes < kMaxPixels ? 1 : 37) {
-      for (std::size_t alignment = 0; alignment < kAlignments; ++alignment) {
-        const std::size_t phase = (bytes * 7 + alignment) % length;
-        Check(
-            bytes, alignment, [&](uint8_t* dst) { rows().FillTileRow(dst, bytes, tile.bytes + phase); },
-            [&](std::size_t i, uint8_t) { return tile.bytes[(phase + i) % length]; });
-      }
-    }
-  }
-}
-
-TEST_P(RowKernelsTest, RopTileRow) {
-  for (const std::size_t length : kTileLengths) {
-    const Tile andTile = RandomTile(length), xorTile = RandomTile(length);
-    for (std::size_t bytes = 0; bytes <= 3 * kMaxPixels; bytes += bytes < kMaxPixels ? 1 : 37) {
-      for (std::size_t alignment = 0; alignment < kAlignments; ++alignment) {
-        const std::size_t phase = (bytes * 5 + alignment) % length;
-        Check(
-            bytes, alignment,
-            [&](uint8_t* dst) { rows().RopTileRow(dst, bytes, andTile.bytes + phase, xorTile.bytes + phase); },
-            [&](std::size_t i, uint8_t d) {
-              const std::size_t at = (phase + i) % length;
-              return (d & andTile.bytes[at]) ^ xorTile.bytes[at];
-            });
-      }
-    }
-  }
-}
-
-uint8_t Combine(uint8_t d, uint8_t s, uint8_t and1, uint8_t and2, uint8_t xor1, uint8_t xor2) {
-  return static_cast<uint8_t>((d & ((s & and1) ^ and2)) ^ ((s & xor1) ^ xor2));
-}
-
-TEST_P(RowKernelsTest, RopSourceRow) {
-  unsigned combination = 0;
-  for (std::size_t bytes = 0; bytes <= 3 * kMaxPixels; bytes += bytes < kMaxPixels ? 1 : 37) {
-    for (std::size_t alignment = 0; alignment < kAlignments; ++alignment) {
-      const Bytes bits = Random(bytes);
-      const FencedSource source(bits);
-      uint8_t m[4];
-      for (int i = 0; i < 4; ++i) m[i] = (combination >> i & 1) != 0 ? 0xFF : 0;
-      ++combination;  // all sixteen pass by
-      const ByteMasks masks{m[0], m[1], m[2], m[3]};
-      Check(
-          bytes, alignment, [&](uint8_t* dst) { rows().RopSourceRow(dst, source.data(), bytes, masks); },
-          [&](std::size_t i, uint8_t d) { return Combine(d, bits[i], m[0], m[1], m[2], m[3]); });
-    }
-  }
-}
-
-TEST_P(RowKernelsTest, RopSourceTileRow) {
-  for (const std::size_t length : kTileLengths) {
+TEST_P(RowKernelsTest, RowsOfTiles) {
+  constexpr std::size_t kLengths[] = {1, 3, 8, 16, 24, 48};
+  for (const std::size_t length : kLengths) {
     const Tile t[4] = {RandomTile(length), RandomTile(length), RandomTile(length), RandomTile(length)};
-    for (std::size_t bytes = 0; bytes <= 3 * kMaxPixels; bytes += bytes < kMaxPixels ? 1 : 37) {
-      for (std::size_t alignment = 0; alignment < kAlignments; ++alignment) {
-        const Bytes bits = Random(bytes);
-        const FencedSource source(bits);
-        const std::size_t phase = (bytes * 11 + alignment) % length;
-        const TileMasks masks{t[0].bytes + phase, t[1].bytes + phase, t[2].bytes + phase, t[3].bytes + phase};
-        Check(
-            bytes, alignment, [&](uint8_t* dst) { rows().RopSourceTileRow(dst, source.data(), bytes, masks); },
-            [&](std::size_t i, uint8_t d) {
-              const std::size_t at = (phase + i) % length;
-              return Combine(d, bits[i], t[0].bytes[at], t[1].bytes[at], t[2].bytes[at], t[3].bytes[at]);
-            });
-      }
-    }
+    ForEachRow(3 * kMaxPixels, [&](std::size_t bytes, std::size_t alignment) {
+      const std::size_t phase = (bytes * 7 + alignment) % length;
+      const TileMasks from{t[0].bytes + phase, t[1].bytes + phase, t[2].bytes + phase, t[3].bytes + phase};
+      const auto at = [&](int tile, std::size_t i) { return t[tile].bytes[(phase + i) % length]; };
+      const Bytes bits = Random(bytes);
+      const uint8_t* const source = SourceAtFence(bits);
+      Check(
+          bytes, alignment, [&](uint8_t* dst) { rows().FillTileRow(dst, bytes, from.and1); },
+          [&](std::size_t i, uint8_t) { return at(0, i); });
+      Check(
+          bytes, alignment, [&](uint8_t* dst) { rows().RopTileRow(dst, bytes, from.and1, from.and2); },
+          [&](std::size_t i, uint8_t d) { return (d & at(0, i)) ^ at(1, i); });
+      Check(
+          bytes, alignment, [&](uint8_t* dst) { rows().RopSourceTileRow(dst, source, bytes, from); },
+          [&](std::size_t i, uint8_t d) { return Combine(d, bits[i], at(0, i), at(1, i), at(2, i), at(3, i)); });
+    });
   }
 }
 
-TEST_P(RowKernelsTest, CopyRow) {
-  std::vector<std::size_t> counts{16383, 16384, 20001};  // long rows may go another way
-  for (std::size_t bytes = 0; bytes <= 5 * kMaxPixels; bytes += bytes < kMaxPixels ? 1 : 37) counts.push_back(bytes);
-  for (const std::size_t bytes : counts) {
-    for (std::size_t alignment = 0; alignment < kAlignments; ++alignment) {
-      const Bytes bits = Random(bytes);
-      const FencedSource source(bits);
-      Check(
-          bytes, alignment, [&](uint8_t* dst) { rows().CopyRow(dst, source.data(), bytes); },
-          [&](std::size_t i, uint8_t) { return bits[i]; });
-    }
-  }
-}
-
-TEST_P(RowKernelsTest, MinimumRow) {
-  for (std::size_t bytes = 0; bytes <= kMaxPixels; ++bytes) {
-    for (std::size_t alignment = 0; alignment < kAlignments; ++alignment) {
-      const Bytes bits = Random(bytes);
-      const FencedSource source(bits);
-      Check(
-          bytes, alignment, [&](uint8_t* dst) { rows().MinimumRow(dst, source.data(), bytes); },
-          [&](std::size_t i, uint8_t d) { return d < bits[i] ? d : bits[i]; });
-    }
+TEST_P(RowKernelsTest, RowsOfASource) {
+  unsigned combination = 0;
+  const auto check = [&](std::size_t bytes, std::size_t alignment) {
+    const Bytes bits = Random(bytes);
+    const uint8_t* const source = SourceAtFence(bits);
+    const auto mask = [&](unsigned bit) { return static_cast<uint8_t>((combination >> bit & 1) != 0 ? 0xFF : 0); };
+    const ByteMasks m{mask(0), mask(1), mask(2), mask(3)};
+    ++combination;  // all sixteen pass by
+    Check(
+        bytes, alignment, [&](uint8_t* dst) { rows().RopSourceRow(dst, source, bytes, m); },
+        [&](std::size_t i, uint8_t d) { return Combine(d, bits[i], m.and1, m.and2, m.xor1, m.xor2); });
+    Check(
+        bytes, alignment, [&](uint8_t* dst) { rows().CopyRow(dst, source, bytes); },
+        [&](std::size_t i, uint8_t) { return bits[i]; });
+    Check(
+        bytes, alignment, [&](uint8_t* dst) { rows().MinimumRow(dst, source, bytes); },
+        [&](std::size_t i, uint8_t d) { return std::min(d, bits[i]); });
+  };
+  ForEachRow(5 * kMaxPixels, check);
+  constexpr std::size_t kLong[] = {16383, 16384, 20001};  // may go another way
+  for (const std::size_t bytes : kLong) {
+    for (std::size_t alignment = 0; alignment < kAlignments; ++alignment) check(bytes, alignment);
   }
 }
 
 TEST_P(RowKernelsTest, SwapRow24) {
-  for (std::size_t pixels = 0; pixels <= kMaxPixels; ++pixels) {
-    for (std::size_t alignment = 0; alignment < kAlignments; ++alignment) {
-      const Bytes bits = Random(3 * pixels);
-      const FencedSource source(bits);
-      Check(
-          3 * pixels, alignment, [&](uint8_t* dst) { rows().SwapRow24(dst, source.data(), pixels); },
-          [&](std::size_t i, uint8_t) { return bits[i / 3 * 3 + (2 - i % 3)]; });
-    }
-  }
+  ForEachRow(kMaxPixels, [&](std::size_t pixels, std::size_t alignment) {
+    const Bytes bits = Random(3 * pixels);
+    const uint8_t* const source = SourceAtFence(bits);
+    Check(
+        3 * pixels, alignment, [&](uint8_t* dst) { rows().SwapRow24(dst, source, pixels); },
+        [&](std::size_t i, uint8_t) { return bits[i / 3 * 3 + (2 - i % 3)]; });
+  });
 }
-
-bool BitAt(const Bytes& bits, std::size_t at) { return (bits[at / 8] >> (7 - at % 8) & 1) != 0; }
 
 TEST_P(RowKernelsTest, ExpandBits) {
-  constexpr uint32_t kSet = 0x00C3A55A, kClear = 0x000F1E2D;
-  for (std::size_t pixels = 0; pixels <= kMaxPixels; ++pixels) {
-    for (std::size_t place = 0; place < 8 * kAlignments; ++place) {
-      const std::size_t offset = place % 8, alignment = place / 8;
+  ForEachRow(kMaxPixels, [&](std::size_t pixels, std::size_t alignment) {
+    for (std::size_t offset = 0; offset < 8; ++offset) {
       const Bytes bits = Random((offset + pixels + 7) / 8);
-      const FencedSource source(bits);
-      const auto byteOf = [](uint32_t color, std::size_t i) { return static_cast<uint8_t>(color >> 8 * i); };
+      const uint8_t* const source = SourceAtFence(bits);
+      const auto color = [&](std::size_t pixel) { return BitAt(bits, offset + pixel) ? kSet : kClear; };
       Check(
           3 * pixels, alignment,
-          [&](uint8_t* dst) { rows().ExpandBitsRow24(dst, source.data(), offset, pixels, kSet, kClear); },
-          [&](std::size_t i, uint8_t) { return byteOf(BitAt(bits, offset + i / 3) ? kSet : kClear, i % 3); });
+          [&](uint8_t* dst) { rows().ExpandBitsRow24(dst, source, offset, pixels, kSet, kClear); },
+          [&](std::size_t i, uint8_t) { return ByteOf(color(i / 3), i % 3); });
       Check(
-          pixels, alignment,
-          [&](uint8_t* dst) { rows().ExpandBitsRow8(dst, source.data(), offset, pixels, kSet, kClear); },
-          [&](std::size_t i, uint8_t) { return byteOf(BitAt(bits, offset + i) ? kSet : kClear, 0); });
+          pixels, alignment, [&](uint8_t* dst) { rows().ExpandBitsRow8(dst, source, offset, pixels, kSet, kClear); },
+          [&](std::size_t i, uint8_t) { return ByteOf(color(i), 0); });
     }
-  }
-}
-
-BitColors MakeColors(uint32_t set, uint32_t clear, uint32_t bytesPerPixel) {
-  BitColors colors{set, clear, {}, {}, {}};
-  for (uint32_t i = 0; i < 24; ++i) {
-    colors.setBytes[i] = static_cast<uint8_t>(set >> i % bytesPerPixel * 8);
-    colors.clearBytes[i] = static_cast<uint8_t>(clear >> i % bytesPerPixel * 8);
-    colors.changeBytes[i] = static_cast<uint8_t>(colors.setBytes[i] ^ colors.clearBytes[i]);
-  }
-  return colors;
+  });
 }
 
 TEST_P(RowKernelsTest, GlyphColumns) {
   constexpr std::size_t kRows = 5;
-  struct Kernel {
+  const struct {
     const char* name;
     uint32_t bytesPerPixel;
     bool transparent;
-    void (*kernel)(uint8_t*, std::size_t, const GlyphColumn&, const BitColors&);
-  };
-  const Kernel kernels[] = {{"expand 24", 3, false, rows().ExpandGlyph24},
-                            {"expand 8", 1, false, rows().ExpandGlyph8},
-                            {"paint 24", 3, true, rows().PaintGlyph24},
-                            {"paint 8", 1, true, rows().PaintGlyph8}};
-  for (const Kernel& k : kernels) {
-    SCOPED_TRACE(k.name);
-    const BitColors colors = MakeColors(0x00C3A55A, 0x000F1E2D, k.bytesPerPixel);
-    for (std::size_t offset = 0; offset < 8; ++offset) {
-      for (std::size_t pixels = 0; offset + pixels <= 8; ++pixels) {
-        for (std::size_t alignment = 0; alignment < kAlignments; ++alignment) {
-          const std::size_t gap = alignment % 2 * 7;
-          const Bytes bits = Random(kRows);
-          const FencedSource source(bits);
-          const std::size_t width = pixels * k.bytesPerPixel;
-          const std::size_t stride = width + gap;
-          const GlyphColumn column{source.data(), kRows, offset, pixels};
-          Check(
-              kRows * stride, alignment, [&](uint8_t* dst) { k.kernel(dst, stride, column, colors); },
-              [&](std::size_t i, uint8_t d) -> uint8_t {
-                const std::size_t row = i / stride, at = i % stride;
-                if (at >= width) return d;
-                const bool set = (bits[row] >> (7 - offset - at / k.bytesPerPixel) & 1) != 0;
-                if (!set && k.transparent) return d;
-                return set ? colors.setBytes[at] : colors.clearBytes[at];
-              });
-        }
-      }
+    kernel::PaintGlyph24* paint;
+  } kCases[] = {{"expand 24", 3, false, rows().ExpandGlyph24},
+                {"expand 8", 1, false, rows().ExpandGlyph8},
+                {"paint 24", 3, true, rows().PaintGlyph24},
+                {"paint 8", 1, true, rows().PaintGlyph8}};
+  for (const auto& c : kCases) {
+    SCOPED_TRACE(c.name);
+    const BitColors colors = ColorsOf(c.bytesPerPixel);
+    for (std::size_t place = 0; place < 72 * kAlignments; ++place) {
+      const std::size_t offset = place % 8, pixels = place / 8 % 9, alignment = place / 72;
+      if (offset + pixels > 8) continue;
+      const Bytes bits = Random(kRows);
+      const std::size_t width = pixels * c.bytesPerPixel;
+      const std::size_t stride = width + alignment % 2 * 7;  // with and without a gap
+      const GlyphColumn column{SourceAtFence(bits), kRows, offset, pixels};
+      Check(
+          kRows * stride, alignment, [&](uint8_t* dst) { c.paint(dst, stride, column, colors); },
+          [&](std::size_t i, uint8_t d) {
+            const std::size_t row = i / stride, at = i % stride;
+            if (at >= width) return d;
+            const bool set = BitAt(bits, 8 * row + offset + at / c.bytesPerPixel);
+            return set ? colors.setBytes[at] : c.transparent ? d : colors.clearBytes[at];
+          });
     }
   }
 }

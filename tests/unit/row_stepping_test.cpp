@@ -1,3 +1,4 @@
+// How source rows and columns step across the destination.
 #include "image/row_stepping.h"
 
 #include <gtest/gtest.h>
@@ -9,30 +10,28 @@ namespace {
 
 constexpr int32_t kOne = 65536;
 
-std::vector<int32_t> RowCounts(const Stepping& stepping) {
-  std::vector<int32_t> counts;
-  RowWalk walk(stepping);
-  for (CoveredRows rows; walk.Next(&rows);) counts.push_back(rows.count);
-  return counts;
-}
-
-struct Case {
-  const char* name;
-  int32_t dst, extent, source, clipStart, clipPixels;
-  std::vector<int32_t> counts;
-};
-
 TEST(RowStepping, CountsDestinationRows) {
-  const Case cases[] = {
+  const struct {
+    const char* name;
+    int32_t dst, extent, source, clipStart, clipPixels;
+    std::vector<int32_t> counts;
+  } kCases[] = {
       {"one to one", 0, 4 * kOne, 4, 0, 4, {1, 1, 1, 1}},
       {"four rows to two", 0, 2 * kOne, 4, 0, 2, {1, 0, 1}},
       {"one row to three", 0, 3 * kOne, 1, 0, 3, {3}},
+      {"two rows to three", 0, 3 * kOne, 2, 0, 3, {2, 1}},
       {"clip in the middle of an enlarged row", 0, 8 * kOne, 2, 2, 6, {2, 4}},
       {"mirrored", 4 * kOne, -4 * kOne, 4, 0, 4, {1, 1, 1, 1}},
       {"clip ends early", 0, 4 * kOne, 4, 0, 2, {1, 1}},
+      {"wraps and comes back", -20000 * kOne, 30000 * kOne, 3, 0, 60000, {55537, 0, 10000}},
   };
-  for (const Case& c : cases) {
-    EXPECT_EQ(RowCounts(MakeStepping(c.dst, c.extent, c.source, c.clipStart, c.clipPixels)), c.counts) << c.name;
+  for (const auto& c : kCases) {
+    SCOPED_TRACE(c.name);
+    const Stepping stepping = MakeStepping(c.dst, c.extent, c.source, c.clipStart, c.clipPixels);
+    std::vector<int32_t> counts;
+    RowWalk walk(stepping);
+    for (CoveredRows rows; walk.Next(&rows);) counts.push_back(rows.count);
+    EXPECT_EQ(counts, c.counts);
   }
 }
 
@@ -58,12 +57,11 @@ TEST(RowStepping, OneToOneColumns) {
           ++promised;
           int32_t next = 0;
           const int32_t covered = WalkColumns(stepping, [&](int32_t i, int32_t begin, int32_t end) {
-            ASSERT_EQ(i, next);
+            ASSERT_EQ(i, next++);
             ASSERT_EQ(begin, i);
             ASSERT_EQ(end, i + 1);
-            ++next;
           });
-          EXPECT_EQ(covered, source < dst ? source : dst);
+          EXPECT_EQ(covered, std::min(source, dst));
           EXPECT_EQ(next, covered);
         }
       }
@@ -86,20 +84,13 @@ TEST(RowStepping, HostileValuesStayInside) {
           RowWalk walk(stepping);
           int32_t calls = 0;
           for (CoveredRows rows; walk.Next(&rows); ++calls) {
-            ASSERT_GE(rows.first, 0);
-            ASSERT_LT(rows.first, 100);
-            ASSERT_GE(rows.count, 0);
-            ASSERT_LE(rows.first + rows.count, 100);
+            ASSERT_TRUE(rows.first >= 0 && rows.first < 100 && rows.count >= 0 && rows.first + rows.count <= 100);
           }
           ASSERT_LE(calls, source);
           const int32_t covered = WalkColumns(stepping, [&](int32_t i, int32_t begin, int32_t end) {
-            ASSERT_GE(i, 0);
-            ASSERT_LT(i, source);
-            ASSERT_GE(begin, 0);
-            ASSERT_LE(end, 100);
+            ASSERT_TRUE(i >= 0 && i < source && begin >= 0 && end <= 100);
           });
-          ASSERT_GE(covered, 0);
-          ASSERT_LE(covered, 100);
+          ASSERT_TRUE(covered >= 0 && covered <= 100);
         }
       }
     }

@@ -1,3 +1,4 @@
+// The scratch buffer that a device lends to its host.
 #include "output/scratch_buffer.h"
 
 #include <gtest/gtest.h>
@@ -25,18 +26,13 @@ TEST(ScratchBuffer, LendsToOneAtATime) {
 
 TEST(ScratchBuffer, GrowsWithoutRemembering) {
   ScratchBuffer scratch(1024);
-  void* large = scratch.Acquire(5000);
-  ASSERT_NE(large, nullptr);
-  std::memset(large, 0xAB, 5000);
-  EXPECT_EQ(scratch.Release(), 1);
-  EXPECT_EQ(scratch.capacity(), 1024u);
-  void* again = scratch.Acquire(2000);
-  ASSERT_NE(again, nullptr);
-  std::memset(again, 0xCD, 2000);
-  EXPECT_EQ(scratch.Release(), 1);
-  void* small = scratch.Acquire(1024);
-  ASSERT_NE(small, nullptr);
-  std::memset(small, 0xEF, 1024);
+  for (const uint32_t size : {5000u, 2000u, 1024u}) {
+    void* block = scratch.Acquire(size);
+    ASSERT_NE(block, nullptr) << size;
+    std::memset(block, 0xAB, size);
+    EXPECT_EQ(scratch.Release(), 1);
+    EXPECT_EQ(scratch.capacity(), 1024u);
+  }
 }
 
 }  // namespace

@@ -1,3 +1,4 @@
+// Rows of a pattern, laid out for kernels.
 #include "raster/rows/tile.h"
 
 #include <gtest/gtest.h>
@@ -8,8 +9,8 @@ namespace {
 TEST(Tile, RepeatsItsCells) {
   uint32_t cells[16];
   for (uint32_t i = 0; i < 16; ++i) cells[i] = 0xAA000000 | i * 0x030201;
-  for (const std::size_t bytesPerPixel : {std::size_t{1}, std::size_t{3}}) {
-    for (const std::size_t width : {std::size_t{1}, std::size_t{8}, std::size_t{16}}) {
+  for (const std::size_t bytesPerPixel : {1u, 3u}) {
+    for (const std::size_t width : {1u, 8u, 16u}) {
       Tile tile;
       MakeTile(&tile, cells, width, bytesPerPixel);
       for (std::size_t i = 0; i < sizeof tile.bytes; ++i) {
