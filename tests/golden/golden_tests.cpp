@@ -51,12 +51,9 @@ void Compare(const ScenePicture& scene) {
     return;
   }
   WritePicture(base + ".expected" + suffix, *expected);
-  if (expected->width == scene.picture.width && expected->height == scene.picture.height &&
-      expected->channels == scene.picture.channels) {
-    WritePicture(base + ".difference.ppm", DifferencePicture(*expected, scene.picture));
-  }
-  ADD_FAILURE() << scene.name << ": " << DescribeDifference(*expected, scene.picture) << "; see " << base
-                << ".{got,expected,difference}";
+  const PictureDifference difference = DifferenceOf(*expected, scene.picture);
+  if (difference.picture) WritePicture(base + ".difference.ppm", *difference.picture);
+  ADD_FAILURE() << scene.name << ": " << difference.text << "; see " << base << ".{got,expected,difference}";
 }
 
 TEST_P(GoldenScene, LooksAsAccepted) {
@@ -64,9 +61,7 @@ TEST_P(GoldenScene, LooksAsAccepted) {
 }
 
 INSTANTIATE_TEST_SUITE_P(All, GoldenScene, testing::ValuesIn(AllScenes()),
-                         [](const testing::TestParamInfo<PaintedScene>& scene) {
-                           return std::string(scene.param.name);
-                         });
+                         [](const auto& scene) { return std::string(scene.param.name); });
 
 // No picture lies about that nothing paints.
 TEST(GoldenPictures, BelongToAScene) {

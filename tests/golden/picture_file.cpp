@@ -1,31 +1,24 @@
 // Reads and writes picture files, and says where two pictures differ.
 #include "golden/picture_file.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <fstream>
 #include <iterator>
-#include <sstream>
 
 namespace qnv::test {
 namespace {
 
-std::size_t PixelOffset(const Picture& picture, uint32_t column, uint32_t row) {
-  return (std::size_t{row} * picture.width + column) * picture.channels;
+std::string SizeText(const Picture& picture) {
+  return std::to_string(picture.width) + " x " + std::to_string(picture.height) + " x " +
+         std::to_string(picture.channels);
 }
 
-bool SamePixel(const Picture& a, const Picture& b, uint32_t column, uint32_t row) {
-  const std::size_t offset = PixelOffset(a, column, row);
-  for (uint32_t i = 0; i < a.channels; ++i) {
-    if (a.bytes[offset + i] != b.bytes[offset + i]) return false;
-  }
-  return true;
-}
-
-std::string Hex(const Picture& picture, uint32_t column, uint32_t row) {
+std::string Hex(const uint8_t* pixel, uint32_t channels) {
   std::string text;
-  for (uint32_t i = 0; i < picture.channels; ++i) {
+  for (uint32_t i = 0; i < channels; ++i) {
     char digits[3];
-    std::snprintf(digits, sizeof digits, "%02x", unsigned{picture.bytes[PixelOffset(picture, column, row) + i]});
+    std::snprintf(digits, sizeof digits, "%02x", unsigned{pixel[i]});
     text += digits;
   }
   return text;
@@ -53,40 +46,29 @@ std::optional<Picture> ReadPicture(const std::string& path) {
 bool WritePicture(const std::string& path, const Picture& picture) {
   std::ofstream file(path, std::ios::binary);
   file << (picture.channels == 3 ? "P6\n" : "P5\n") << picture.width << ' ' << picture.height << "\n255\n";
-  for (uint8_t byte : picture.bytes) file.put(static_cast<char>(byte));
+  std::copy(picture.bytes.begin(), picture.bytes.end(), std::ostreambuf_iterator<char>(file));
   return static_cast<bool>(file.flush());
 }
 
-Picture DifferencePicture(const Picture& expected, const Picture& got) {
-  Picture difference{expected.width, expected.height, 3, {}};
-  for (uint32_t row = 0; row < expected.height; ++row) {
-    for (uint32_t column = 0; column < expected.width; ++column) {
-      const uint8_t rest = SamePixel(expected, got, column, row) ? 255 : 0;
-      difference.bytes.insert(difference.bytes.end(), {255, rest, rest});
-    }
+PictureDifference DifferenceOf(const Picture& expected, const Picture& got) {
+  const uint32_t channels = expected.channels;
+  if (expected.width != got.width || expected.height != got.height || channels != got.channels) {
+    return {"expected " + SizeText(expected) + ", got " + SizeText(got), std::nullopt};
   }
-  return difference;
-}
-
-std::string DescribeDifference(const Picture& expected, const Picture& got) {
-  std::ostringstream text;
-  if (expected.width != got.width || expected.height != got.height || expected.channels != got.channels) {
-    text << "expected " << expected.width << " x " << expected.height << " x " << expected.channels << ", got "
-         << got.width << " x " << got.height << " x " << got.channels;
-    return text.str();
-  }
+  Picture picture{expected.width, expected.height, 3, {}};
+  std::string text;
   std::size_t count = 0;
-  for (uint32_t row = 0; row < expected.height; ++row) {
-    for (uint32_t column = 0; column < expected.width; ++column) {
-      if (SamePixel(expected, got, column, row)) continue;
-      if (count++ == 0) {
-        text << "column " << column << " row " << row << " expected " << Hex(expected, column, row) << " got "
-             << Hex(got, column, row);
-      }
-    }
+  for (std::size_t pixel = 0; pixel < std::size_t{expected.width} * expected.height; ++pixel) {
+    const uint8_t* const a = expected.bytes.data() + pixel * channels;
+    const uint8_t* const b = got.bytes.data() + pixel * channels;
+    const bool same = std::equal(a, a + channels, b);
+    const uint8_t rest = same ? 255 : 0;
+    picture.bytes.insert(picture.bytes.end(), {255, rest, rest});
+    if (same || ++count != 1) continue;
+    text = "column " + std::to_string(pixel % expected.width) + " row " + std::to_string(pixel / expected.width) +
+           " expected " + Hex(a, channels) + " got " + Hex(b, channels);
   }
-  text << ", " << count << " pixels differ";
-  return text.str();
+  return {text + ", " + std::to_string(count) + " pixels differ", picture};
 }
 
 }  // namespace qnv::test

@@ -24,10 +24,11 @@ const char* PictureSuffix(const Picture& picture);
 std::optional<Picture> ReadPicture(const std::string& path);
 bool WritePicture(const std::string& path, const Picture& picture);
 
-// White where both agree, red where they do not. Both must have the same size.
-Picture DifferencePicture(const Picture& expected, const Picture& got);
-
-// "column 3 row 7 expected 0a0b0c got 0a0b0d, 12 pixels differ", or what else keeps the two apart.
-std::string DescribeDifference(const Picture& expected, const Picture& got);
+// What keeps two pictures apart.
+struct PictureDifference {
+  std::string text;                // "column 3 row 7 expected 0a0b0c got 0a0b0d, 12 pixels differ", or the sizes
+  std::optional<Picture> picture;  // white where both agree, red where they do not; none for unlike sizes
+};
+PictureDifference DifferenceOf(const Picture& expected, const Picture& got);
 
 }  // namespace qnv::test

@@ -11,45 +11,43 @@ struct LetterRows {
   uint8_t rows[7];  // five bits each, 0x10 leftmost
 };
 
-const LetterRows kLetters[] = {
-    {'A', {0x0E, 0x11, 0x11, 0x1F, 0x11, 0x11, 0x11}},
-    {'B', {0x1E, 0x11, 0x11, 0x1E, 0x11, 0x11, 0x1E}},
-    {'C', {0x0E, 0x11, 0x10, 0x10, 0x10, 0x11, 0x0E}},
-    {'D', {0x1E, 0x11, 0x11, 0x11, 0x11, 0x11, 0x1E}},
-    {'E', {0x1F, 0x10, 0x10, 0x1E, 0x10, 0x10, 0x1F}},
-    {'F', {0x1F, 0x10, 0x10, 0x1E, 0x10, 0x10, 0x10}},
-    {'G', {0x0E, 0x11, 0x10, 0x17, 0x11, 0x11, 0x0F}},
-    {'H', {0x11, 0x11, 0x11, 0x1F, 0x11, 0x11, 0x11}},
-    {'I', {0x1C, 0x08, 0x08, 0x08, 0x08, 0x08, 0x1C}},
-    {'J', {0x07, 0x02, 0x02, 0x02, 0x02, 0x12, 0x0C}},
-    {'K', {0x11, 0x12, 0x14, 0x18, 0x14, 0x12, 0x11}},
-    {'L', {0x10, 0x10, 0x10, 0x10, 0x10, 0x10, 0x1F}},
-    {'M', {0x11, 0x1B, 0x15, 0x15, 0x11, 0x11, 0x11}},
-    {'N', {0x11, 0x11, 0x19, 0x15, 0x13, 0x11, 0x11}},
-    {'O', {0x0E, 0x11, 0x11, 0x11, 0x11, 0x11, 0x0E}},
-    {'P', {0x1E, 0x11, 0x11, 0x1E, 0x10, 0x10, 0x10}},
-    {'Q', {0x0E, 0x11, 0x11, 0x11, 0x15, 0x12, 0x0D}},
-    {'R', {0x1E, 0x11, 0x11, 0x1E, 0x14, 0x12, 0x11}},
-    {'S', {0x0F, 0x10, 0x10, 0x0E, 0x01, 0x01, 0x1E}},
-    {'T', {0x1F, 0x04, 0x04, 0x04, 0x04, 0x04, 0x04}},
-    {'U', {0x11, 0x11, 0x11, 0x11, 0x11, 0x11, 0x0E}},
-    {'V', {0x11, 0x11, 0x11, 0x11, 0x11, 0x0A, 0x04}},
-    {'W', {0x11, 0x11, 0x11, 0x15, 0x15, 0x15, 0x0A}},
-    {'X', {0x11, 0x11, 0x0A, 0x04, 0x0A, 0x11, 0x11}},
-    {'Y', {0x11, 0x11, 0x11, 0x0A, 0x04, 0x04, 0x04}},
-    {'Z', {0x1F, 0x01, 0x02, 0x04, 0x08, 0x10, 0x1F}},
-    {'0', {0x0E, 0x11, 0x13, 0x15, 0x19, 0x11, 0x0E}},
-    {'1', {0x08, 0x18, 0x08, 0x08, 0x08, 0x08, 0x1C}},
-    {'2', {0x0E, 0x11, 0x01, 0x02, 0x04, 0x08, 0x1F}},
-    {'3', {0x1F, 0x02, 0x04, 0x02, 0x01, 0x11, 0x0E}},
-    {'4', {0x02, 0x06, 0x0A, 0x12, 0x1F, 0x02, 0x02}},
-    {'5', {0x1F, 0x10, 0x1E, 0x01, 0x01, 0x11, 0x0E}},
-    {'6', {0x06, 0x08, 0x10, 0x1E, 0x11, 0x11, 0x0E}},
-    {'7', {0x1F, 0x01, 0x02, 0x04, 0x08, 0x08, 0x08}},
-    {'8', {0x0E, 0x11, 0x11, 0x0E, 0x11, 0x11, 0x0E}},
-    {'9', {0x0E, 0x11, 0x11, 0x0F, 0x01, 0x02, 0x0C}},
-    {' ', {0, 0, 0, 0, 0, 0, 0}},
-};
+const LetterRows kLetters[] = {{'A', {0x0E, 0x11, 0x11, 0x1F, 0x11, 0x11, 0x11}},
+                               {'B', {0x1E, 0x11, 0x11, 0x1E, 0x11, 0x11, 0x1E}},
+                               {'C', {0x0E, 0x11, 0x10, 0x10, 0x10, 0x11, 0x0E}},
+                               {'D', {0x1E, 0x11, 0x11, 0x11, 0x11, 0x11, 0x1E}},
+                               {'E', {0x1F, 0x10, 0x10, 0x1E, 0x10, 0x10, 0x1F}},
+                               {'F', {0x1F, 0x10, 0x10, 0x1E, 0x10, 0x10, 0x10}},
+                               {'G', {0x0E, 0x11, 0x10, 0x17, 0x11, 0x11, 0x0F}},
+                               {'H', {0x11, 0x11, 0x11, 0x1F, 0x11, 0x11, 0x11}},
+                               {'I', {0x1C, 0x08, 0x08, 0x08, 0x08, 0x08, 0x1C}},
+                               {'J', {0x07, 0x02, 0x02, 0x02, 0x02, 0x12, 0x0C}},
+                               {'K', {0x11, 0x12, 0x14, 0x18, 0x14, 0x12, 0x11}},
+                               {'L', {0x10, 0x10, 0x10, 0x10, 0x10, 0x10, 0x1F}},
+                               {'M', {0x11, 0x1B, 0x15, 0x15, 0x11, 0x11, 0x11}},
+                               {'N', {0x11, 0x11, 0x19, 0x15, 0x13, 0x11, 0x11}},
+                               {'O', {0x0E, 0x11, 0x11, 0x11, 0x11, 0x11, 0x0E}},
+                               {'P', {0x1E, 0x11, 0x11, 0x1E, 0x10, 0x10, 0x10}},
+                               {'Q', {0x0E, 0x11, 0x11, 0x11, 0x15, 0x12, 0x0D}},
+                               {'R', {0x1E, 0x11, 0x11, 0x1E, 0x14, 0x12, 0x11}},
+                               {'S', {0x0F, 0x10, 0x10, 0x0E, 0x01, 0x01, 0x1E}},
+                               {'T', {0x1F, 0x04, 0x04, 0x04, 0x04, 0x04, 0x04}},
+                               {'U', {0x11, 0x11, 0x11, 0x11, 0x11, 0x11, 0x0E}},
+                               {'V', {0x11, 0x11, 0x11, 0x11, 0x11, 0x0A, 0x04}},
+                               {'W', {0x11, 0x11, 0x11, 0x15, 0x15, 0x15, 0x0A}},
+                               {'X', {0x11, 0x11, 0x0A, 0x04, 0x0A, 0x11, 0x11}},
+                               {'Y', {0x11, 0x11, 0x11, 0x0A, 0x04, 0x04, 0x04}},
+                               {'Z', {0x1F, 0x01, 0x02, 0x04, 0x08, 0x10, 0x1F}},
+                               {'0', {0x0E, 0x11, 0x13, 0x15, 0x19, 0x11, 0x0E}},
+                               {'1', {0x08, 0x18, 0x08, 0x08, 0x08, 0x08, 0x1C}},
+                               {'2', {0x0E, 0x11, 0x01, 0x02, 0x04, 0x08, 0x1F}},
+                               {'3', {0x1F, 0x02, 0x04, 0x02, 0x01, 0x11, 0x0E}},
+                               {'4', {0x02, 0x06, 0x0A, 0x12, 0x1F, 0x02, 0x02}},
+                               {'5', {0x1F, 0x10, 0x1E, 0x01, 0x01, 0x11, 0x0E}},
+                               {'6', {0x06, 0x08, 0x10, 0x1E, 0x11, 0x11, 0x0E}},
+                               {'7', {0x1F, 0x01, 0x02, 0x04, 0x08, 0x08, 0x08}},
+                               {'8', {0x0E, 0x11, 0x11, 0x0E, 0x11, 0x11, 0x0E}},
+                               {'9', {0x0E, 0x11, 0x11, 0x0F, 0x01, 0x02, 0x0C}},
+                               {' ', {0, 0, 0, 0, 0, 0, 0}}};
 
 int LetterWidth(char letter) { return letter == 'I' || letter == '1' || letter == ' ' ? 4 : 6; }
 
@@ -87,6 +85,12 @@ Font MakeLetterFont(int scale) {
     builder.Glyph(static_cast<uint16_t>(letter), LetterWidth(letter) * scale, LetterPicture(letter, scale));
   }
   return builder.Build();
+}
+
+const Font& LetterFont(int scale) {
+  static const Font small = MakeLetterFont(1);
+  static const Font large = MakeLetterFont(2);
+  return scale == 1 ? small : large;
 }
 
 struct Color {
@@ -147,73 +151,58 @@ std::vector<uint32_t> PhotoTable(uint16_t bitCount) {
   return table;
 }
 
+// The first channel is the low byte of a pixel's color.
+Picture PictureOf(const PlaneImage& plane, uint32_t channels, uint32_t factor) {
+  Picture picture{static_cast<uint32_t>(plane.columns()), static_cast<uint32_t>(plane.rows()), channels, {}};
+  for (int32_t row = 0; row < plane.rows(); ++row) {
+    for (int32_t column = 0; column < plane.columns(); ++column) {
+      const uint32_t color = plane.Color(column, row);
+      for (uint32_t i = 0; i < channels; ++i) {
+        picture.bytes.push_back(static_cast<uint8_t>((color >> 8 * i & 0xFF) * factor));
+      }
+    }
+  }
+  return picture;
+}
+
 }  // namespace
 
-const std::vector<PaintedScene>& AllScenes() {
-  static const std::vector<PaintedScene> scenes = {
-      {"hatches_and_patterns", PaintHatchesAndPatterns},
-      {"rop2_bars", PaintRop2Bars},
-      {"span_encodings", PaintSpanEncodings},
-      {"text_modes", PaintTextModes},
-      {"text_on_gray", PaintTextOnGray},
-      {"image_depths", PaintImageDepths},
-      {"image_scales", PaintImageScales},
-      {"images_on_gray", PaintImagesOnGray},
-      {"run_length_images", PaintRunLengthImages},
-      {"transfers", PaintTransfers},
-      {"mapped_pages", PaintMappedPages},
-      {"dual_plane_page", PaintDualPlanePage},
-  };
+std::vector<PaintedScene> AllScenes() {
+  std::vector<PaintedScene> scenes;
+  for (const auto& some : {FigureScenes(), TextScenes(), ImageScenes(), DeviceScenes()}) {
+    scenes.insert(scenes.end(), some.begin(), some.end());
+  }
   return scenes;
+}
+
+DRAWMODE ModeOf(int16_t bkMode, uint32_t text, uint32_t background) {
+  DRAWMODE mode = MakeDrawMode();
+  mode.bkMode = bkMode;
+  mode.TextColor = text;
+  mode.bkColor = background;
+  return mode;
 }
 
 Picture BandPicture(const TestDevice& device) {
   const PlaneImage plane = BandImage(device);
   EXPECT_TRUE(device.FencesIntact());
-  Picture picture{device.options().width, device.options().height, static_cast<uint32_t>(plane.bytesPerPixel()), {}};
-  for (uint32_t row = 0; row < device.options().height; ++row) {
-    for (uint32_t column = 0; column < device.options().width; ++column) {
-      const uint32_t color = plane.Color(column, row);
-      picture.bytes.push_back(static_cast<uint8_t>(color));
-      if (picture.channels == 1) continue;
-      picture.bytes.push_back(static_cast<uint8_t>(color >> 8));
-      picture.bytes.push_back(static_cast<uint8_t>(color >> 16));
-    }
-  }
-  return picture;
+  return PictureOf(plane, static_cast<uint32_t>(plane.bytesPerPixel()), 1);
 }
 
-Picture TagPicture(const TestDevice& device) {
-  const PlaneImage plane = TagImage(device);
-  Picture picture{device.options().width, device.options().height, 1, {}};
-  for (uint32_t row = 0; row < device.options().height; ++row) {
-    for (uint32_t column = 0; column < device.options().width; ++column) {
-      picture.bytes.push_back(static_cast<uint8_t>(plane.Color(column, row) * 85));
-    }
-  }
-  return picture;
-}
+Picture TagPicture(const TestDevice& device) { return PictureOf(TagImage(device), 1, 85); }
 
-const Font& LetterFont(int scale) {
-  static const Font small = MakeLetterFont(1);
-  static const Font large = MakeLetterFont(2);
-  return scale == 1 ? small : large;
+void Text(const TestDevice& device, int32_t x, int32_t y, std::string_view text, int scale, DRAWMODE mode,
+          const TextSetup& setup) {
+  DrawTextAt(device, x, y, text, LetterFont(scale), mode, setup);
 }
 
 void Caption(const TestDevice& device, int32_t x, int32_t y, std::string_view text, uint32_t color) {
-  DRAWMODE mode = MakeDrawMode();
-  mode.bkMode = TRANSPARENT;
-  mode.TextColor = color;
-  DrawTextAt(device, x, y, text, LetterFont(1), mode);
+  Text(device, x, y, text, 1, ModeOf(TRANSPARENT, color));
 }
 
 void FillRectangle(const TestDevice& device, const BandRect& rect, const PhysicalBrush& brush, const DRAWMODE& mode) {
-  const int16_t points[6] = {2,
-                             static_cast<int16_t>(rect.top),
-                             static_cast<int16_t>(rect.bottom),
-                             static_cast<int16_t>(rect.left),
-                             static_cast<int16_t>(rect.right),
-                             2};
+  const auto word = [](int32_t v) { return static_cast<int16_t>(v); };
+  const int16_t points[6] = {2, word(rect.top), word(rect.bottom), word(rect.left), word(rect.right), 2};
   EXPECT_EQ(1u, QNVOutput(device.handle(), OS_BANDED_SPANS, 1, points, nullptr, &brush, &mode, &kEverywhere) & 0xFFFF);
 }
 

@@ -25,30 +25,29 @@ struct PaintedScene {
 
 inline void PrintTo(const PaintedScene& scene, std::ostream* out) { *out << scene.name; }
 
-const std::vector<PaintedScene>& AllScenes();
-
-std::vector<ScenePicture> PaintHatchesAndPatterns();
-std::vector<ScenePicture> PaintRop2Bars();
-std::vector<ScenePicture> PaintSpanEncodings();
-std::vector<ScenePicture> PaintTextModes();
-std::vector<ScenePicture> PaintTextOnGray();
-std::vector<ScenePicture> PaintImageDepths();
-std::vector<ScenePicture> PaintImageScales();
-std::vector<ScenePicture> PaintImagesOnGray();
-std::vector<ScenePicture> PaintRunLengthImages();
-std::vector<ScenePicture> PaintTransfers();
-std::vector<ScenePicture> PaintMappedPages();
-std::vector<ScenePicture> PaintDualPlanePage();
+std::vector<PaintedScene> AllScenes();
+std::vector<PaintedScene> FigureScenes();
+std::vector<PaintedScene> TextScenes();
+std::vector<PaintedScene> ImageScenes();
+std::vector<PaintedScene> DeviceScenes();
 
 // ---- What the scenes share -------------------------------------------------------------------------------------
+
+// A device whose band is white paper.
+template <class Device>
+struct Cleared : Device {
+  explicit Cleared(const DeviceOptions& options) : Device(options) { this->Clear(); }
+};
+
+DRAWMODE ModeOf(int16_t bkMode, uint32_t text = 0, uint32_t background = 0xFFFFFF);
 
 Picture BandPicture(const TestDevice& device);
 // Tags 0, 1 and 3 as gray levels 0, 85 and 255.
 Picture TagPicture(const TestDevice& device);
 
-// Capitals, digits and space, 7 rows high in cells of 9, each font pixel `scale` wide and high.
-const Font& LetterFont(int scale);
-
+// Capitals, digits and space, 7 rows high in cells of 9, each font pixel `scale` (1 or 2) wide and high.
+void Text(const TestDevice& device, int32_t x, int32_t y, std::string_view text, int scale, DRAWMODE mode,
+          const TextSetup& setup = {});
 void Caption(const TestDevice& device, int32_t x, int32_t y, std::string_view text, uint32_t color = 0);
 void FillRectangle(const TestDevice& device, const BandRect& rect, uint32_t color);
 void FillRectangle(const TestDevice& device, const BandRect& rect, const PhysicalBrush& brush, const DRAWMODE& mode);
@@ -57,5 +56,9 @@ void FillRectangle(const TestDevice& device, const BandRect& rect, const Physica
 inline constexpr int32_t kPhotoWidth = 48;
 inline constexpr int32_t kPhotoHeight = 40;
 Dib PhotoDib(uint16_t bitCount, bool topDown = false);
+// The whole photograph in that rectangle.
+inline ImagePlace PhotoAt(int32_t x, int32_t y, int32_t width, int32_t height) {
+  return {x, y, width, height, 0, 0, kPhotoWidth, kPhotoHeight};
+}
 
 }  // namespace qnv::test

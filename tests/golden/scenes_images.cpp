@@ -5,23 +5,13 @@ namespace qnv::test {
 namespace {
 
 constexpr uint16_t kDepths[] = {1, 4, 8, 16, 24, 32};
-constexpr ImagePlace kWholePhoto{0, 0, kPhotoWidth, kPhotoHeight, 0, 0, kPhotoWidth, kPhotoHeight};
-
-ImagePlace At(int32_t x, int32_t y, int32_t width, int32_t height) {
-  ImagePlace place = kWholePhoto;
-  place.dstX = x;
-  place.dstY = y;
-  place.dstWidth = width;
-  place.dstHeight = height;
-  return place;
-}
 
 void PaintDepths(const TestDevice& device) {
   for (int32_t i = 0; i < 6; ++i) {
     const int32_t x = 4 + i % 3 * 54;
     const int32_t y = 4 + i / 3 * 56;
     const Dib dib = PhotoDib(kDepths[i], i % 2 == 1);
-    EXPECT_EQ(1u, Stretch(device, dib, At(x, y, kPhotoWidth, kPhotoHeight)));
+    EXPECT_EQ(1u, Stretch(device, dib, PhotoAt(x, y, kPhotoWidth, kPhotoHeight)));
     Caption(device, x, y + 42, std::to_string(kDepths[i]) + " BITS");
   }
 }
@@ -33,67 +23,53 @@ std::vector<uint8_t> Flag(bool fourBits) {
   writer.Run(40, even).EndOfLine().Run(40, even).Delta(0, 1);
   for (int row = 2; row < 30; ++row) {
     writer.Delta(row / 2, 0).Run(10, fourBits ? 0x33 : 3);
-    if (fourBits) {
-      writer.Literal(7, {0x45, 0x67, 0x89, 0xA0});
-    } else {
-      writer.Literal(7, {4, 5, 6, 7, 8, 9, 10});
-    }
-    if (row == 15) {
-      writer.Delta(3, 0).Run(60, fourBits ? 0xBB : 11);  // to the end of the row and past it
-    }
+    writer.Literal(7, fourBits ? std::vector{0x45, 0x67, 0x89, 0xA0} : std::vector{4, 5, 6, 7, 8, 9, 10});
+    if (row == 15) writer.Delta(3, 0).Run(60, fourBits ? 0xBB : 11);  // to the end of the row and past it
     writer.EndOfLine();
   }
   writer.Run(20, fourBits ? 0xCD : 12).EndOfBitmap();
   return writer.bytes();
 }
 
-}  // namespace
-
 std::vector<ScenePicture> PaintImageDepths() {
-  TestDevice device({.width = 166, .height = 112});
-  device.Clear();
+  const Cleared<TestDevice> device({.width = 166, .height = 112});
   PaintDepths(device);
   return {{"image_depths", BandPicture(device)}};
 }
 
 std::vector<ScenePicture> PaintImageScales() {
-  TestDevice device({.width = 240, .height = 176});
-  device.Clear();
+  const Cleared<TestDevice> device({.width = 240, .height = 176});
   const Dib dib = PhotoDib(24);
   const Dib packed = PhotoDib(4);
-  Stretch(device, dib, At(4, 4, 48, 40));
-  Stretch(device, dib, At(104, 4, -48, 40));                                    // mirrored left to right
-  Stretch(device, dib, At(108, 44, 48, -40));                                   // upside down
-  Stretch(device, dib, At(208, 44, -48, -40));                                  // both
-  Stretch(device, dib, At(4, 48, 96, 80));                                      // doubled
-  Stretch(device, packed, At(104, 48, 70, 33));                                 // by parts of a pixel
-  Stretch(device, dib, At(104, 84, 31, 25));                                    // smaller
-  Stretch(device, packed, At(139, 84, 13, 44));                                 // narrow
-  Stretch(device, dib, {178, 48, 56, 56, 28, 22, 14, 14});                      // the sun alone, fourfold
-  Stretch(device, dib, At(156, 84, 200, 100), {.clip = {156, 108, 236, 172}});  // clipped
-  Stretch(device, dib, At(-60, 132, 150, 60));                                  // out of the band
+  Stretch(device, dib, PhotoAt(4, 4, 48, 40));
+  Stretch(device, dib, PhotoAt(104, 4, -48, 40));                                    // mirrored left to right
+  Stretch(device, dib, PhotoAt(108, 44, 48, -40));                                   // upside down
+  Stretch(device, dib, PhotoAt(208, 44, -48, -40));                                  // both
+  Stretch(device, dib, PhotoAt(4, 48, 96, 80));                                      // doubled
+  Stretch(device, packed, PhotoAt(104, 48, 70, 33));                                 // by parts of a pixel
+  Stretch(device, dib, PhotoAt(104, 84, 31, 25));                                    // smaller
+  Stretch(device, packed, PhotoAt(139, 84, 13, 44));                                 // narrow
+  Stretch(device, dib, {178, 48, 56, 56, 28, 22, 14, 14});                           // the sun alone, fourfold
+  Stretch(device, dib, PhotoAt(156, 84, 200, 100), {.clip = {156, 108, 236, 172}});  // clipped
+  Stretch(device, dib, PhotoAt(-60, 132, 150, 60));                                  // out of the band
   // Operations on a hatched ground.
-  DRAWMODE mode = MakeDrawMode();
-  mode.bkColor = 0xFFFFFF;
-  FillRectangle(device, {94, 132, 152, 172}, HatchBrush(device.handle(), HS_DIAGCROSS, 0x0000FF), mode);
-  Stretch(device, dib, At(96, 134, 26, 36), {.rop = SRCINVERT});
-  Stretch(device, dib, At(124, 134, 26, 36), {.rop = ROP_MINIMUM});
+  FillRectangle(device, {94, 132, 152, 172}, HatchBrush(device.handle(), HS_DIAGCROSS, 0x0000FF), MakeDrawMode());
+  Stretch(device, dib, PhotoAt(96, 134, 26, 36), {.rop = SRCINVERT});
+  Stretch(device, dib, PhotoAt(124, 134, 26, 36), {.rop = ROP_MINIMUM});
   return {{"image_scales", BandPicture(device)}};
 }
 
 std::vector<ScenePicture> PaintImagesOnGray() {
-  TestDevice device({.bitsPerPixel = 8, .width = 166, .height = 156});
-  device.Clear();
+  const Cleared<TestDevice> device({.bitsPerPixel = 8, .width = 166, .height = 156});
   PaintDepths(device);
   const Dib dib = PhotoDib(8);
-  Stretch(device, dib, At(52, 114, -48, 40));
-  Stretch(device, dib, At(58, 154, 100, -40), {.rop = NOTSRCCOPY});
+  Stretch(device, dib, PhotoAt(52, 114, -48, 40));
+  Stretch(device, dib, PhotoAt(58, 154, 100, -40), {.rop = NOTSRCCOPY});
   return {{"images_on_gray", BandPicture(device)}};
 }
 
 std::vector<ScenePicture> PaintRunLengthImages() {
-  TestDevice device({.width = 140, .height = 104});
-  device.Clear();
+  const Cleared<TestDevice> device({.width = 140, .height = 104});
   for (int32_t i = 0; i < 2; ++i) {
     const bool fourBits = i == 1;
     const DibShape shape{.bitCount = static_cast<uint16_t>(fourBits ? 4 : 8),
@@ -104,6 +80,15 @@ std::vector<ScenePicture> PaintRunLengthImages() {
     Stretch(device, dib, {4 + 68 * i, 38, 60, 60, 10, 10, 20, 20});  // the middle, threefold
   }
   return {{"run_length_images", BandPicture(device)}};
+}
+
+}  // namespace
+
+std::vector<PaintedScene> ImageScenes() {
+  return {{"image_depths", PaintImageDepths},
+          {"image_scales", PaintImageScales},
+          {"images_on_gray", PaintImagesOnGray},
+          {"run_length_images", PaintRunLengthImages}};
 }
 
 }  // namespace qnv::test

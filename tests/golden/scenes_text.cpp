@@ -7,44 +7,33 @@ namespace {
 void PaintText(const TestDevice& device) {
   FillRectangle(device, {0, 0, 208, 40}, 0xF0E0C0);
   FillRectangle(device, {100, 0, 208, 168}, 0xD0F0D0);
-  DRAWMODE mode = MakeDrawMode();
-  const auto reset = [&](int16_t bkMode, uint32_t text, uint32_t back) {
-    mode = MakeDrawMode();
-    mode.bkMode = bkMode;
-    mode.TextColor = text;
-    mode.bkColor = back;
-  };
-  reset(TRANSPARENT, 0x800000, 0);
-  DrawTextAt(device, 4, 4, "TRANSPARENT TEXT OVER COLOUR", LetterFont(1), mode);
-  reset(OPAQUE, 0x0000A0, 0x80FFFF);
-  DrawTextAt(device, 4, 16, "OPAQUE TEXT OVER COLOUR", LetterFont(1), mode);
+  Text(device, 4, 4, "TRANSPARENT TEXT OVER COLOUR", 1, ModeOf(TRANSPARENT, 0x800000, 0));
+  Text(device, 4, 16, "OPAQUE TEXT OVER COLOUR", 1, ModeOf(OPAQUE, 0x0000A0, 0x80FFFF));
   // Large letters cut by a clip rectangle.
-  reset(OPAQUE, 0xFFFFFF, 0x804000);
   const BandRect clip{30, 30, 168, 44};
-  DrawTextAt(device, 20, 28, "CLIPPED ALL ROUND", LetterFont(2), mode, {.clip = &clip});
+  Text(device, 20, 28, "CLIPPED ALL ROUND", 2, ModeOf(OPAQUE, 0xFFFFFF, 0x804000), {.clip = &clip});
   // An opaque rectangle with text larger than it, unclipped and clipped.
-  reset(TRANSPARENT, 0x000000, 0xC0C0FF);
+  DRAWMODE mode = ModeOf(TRANSPARENT, 0x000000, 0xC0C0FF);
   const BandRect left{8, 54, 84, 66};
-  DrawTextAt(device, 4, 52, "RECTANGLE", LetterFont(2), mode, {.opaqueRect = &left, .options = ETO_OPAQUE});
+  Text(device, 4, 52, "RECTANGLE", 2, mode, {.opaqueRect = &left, .options = ETO_OPAQUE});
   const BandRect right{112, 54, 196, 66};
-  DrawTextAt(device, 108, 52, "RECTANGLE", LetterFont(2), mode,
-             {.opaqueRect = &right, .options = ETO_OPAQUE | ETO_CLIPPED});
+  Text(device, 108, 52, "RECTANGLE", 2, mode, {.opaqueRect = &right, .options = ETO_OPAQUE | ETO_CLIPPED});
   // Justification: the same words over three widths, and extra after every character.
   for (int16_t line = 0; line < 3; ++line) {
-    reset(OPAQUE, 0x004000, 0xE0E0E0);
+    mode = ModeOf(OPAQUE, 0x004000, 0xE0E0E0);
     mode.TBreakExtra = static_cast<int16_t>(line * 17);
     mode.BreakCount = 3;
     mode.BreakErr = 1;
-    DrawTextAt(device, 4, 74 + 10 * line, "FOUR WORDS SPREAD OUT", LetterFont(1), mode);
+    Text(device, 4, 74 + 10 * line, "FOUR WORDS SPREAD OUT", 1, mode);
   }
-  reset(OPAQUE, 0x404000, 0xE0E0E0);
+  mode = ModeOf(OPAQUE, 0x404000, 0xE0E0E0);
   mode.CharacterExtra = 3;
-  DrawTextAt(device, 4, 106, "CHARACTER EXTRA", LetterFont(1), mode);
+  Text(device, 4, 106, "CHARACTER EXTRA", 1, mode);
   // Positions given one by one, and codes that the font does not hold.
-  reset(TRANSPARENT, 0x0000FF, 0);
+  mode = ModeOf(TRANSPARENT, 0x0000FF, 0);
   const int16_t widths[] = {6, 7, 8, 9, 10, 12, 14, 16, 0};
-  DrawTextAt(device, 4, 120, "POSITIONS", LetterFont(1), mode, {.charWidths = widths});
-  DrawTextAt(device, 112, 120, "UNKNOWN \x01\xFE~", LetterFont(1), mode);
+  Text(device, 4, 120, "POSITIONS", 1, mode, {.charWidths = widths});
+  Text(device, 112, 120, "UNKNOWN \x01\xFE~", 1, mode);
   // A two-byte font of four boxes.
   FontShape shape{.height = 12, .twoByte = true};
   FontBuilder builder(shape);
@@ -60,31 +49,27 @@ void PaintText(const TestDevice& device) {
     builder.Glyph(static_cast<uint16_t>(1000 + i), 13, picture);
   }
   const Font wide = builder.Build();
-  reset(OPAQUE, 0x600060, 0xFFFFFF);
+  mode = ModeOf(OPAQUE, 0x600060, 0xFFFFFF);
   TwoByteText(device, 4, 136, {1000, 1001, 1002, 1003}, 4, wide, mode);
   const int16_t apart[] = {20, 20, 20, 20};
   TwoByteText(device, 72, 136, {1003, 1002, 1001, 1000}, 4, wide, mode, {.charWidths = apart});
   // Out of the band on both sides.
-  reset(OPAQUE, 0x000000, 0xA0FFA0);
-  DrawTextAt(device, -9, 152, "LEFT EDGE", LetterFont(2), mode);
-  DrawTextAt(device, 120, 152, "RIGHT EDGE", LetterFont(2), mode);
+  mode = ModeOf(OPAQUE, 0x000000, 0xA0FFA0);
+  Text(device, -9, 152, "LEFT EDGE", 2, mode);
+  Text(device, 120, 152, "RIGHT EDGE", 2, mode);
+}
+
+// The colors of text are taken as they are: a gray band keeps their high byte alone.
+std::vector<ScenePicture> PaintTexts() {
+  const Cleared<TestDevice> color({.width = 208, .height = 168});
+  const Cleared<TestDevice> gray({.bitsPerPixel = 8, .width = 208, .height = 168});
+  PaintText(color);
+  PaintText(gray);
+  return {{"text_modes", BandPicture(color)}, {"text_on_gray", BandPicture(gray)}};
 }
 
 }  // namespace
 
-std::vector<ScenePicture> PaintTextModes() {
-  TestDevice device({.width = 208, .height = 168});
-  device.Clear();
-  PaintText(device);
-  return {{"text_modes", BandPicture(device)}};
-}
-
-// The colors of text are taken as they are: a gray band keeps their high byte alone.
-std::vector<ScenePicture> PaintTextOnGray() {
-  TestDevice device({.bitsPerPixel = 8, .width = 208, .height = 168});
-  device.Clear();
-  PaintText(device);
-  return {{"text_on_gray", BandPicture(device)}};
-}
+std::vector<PaintedScene> TextScenes() { return {{"texts", PaintTexts}}; }
 
 }  // namespace qnv::test

@@ -1,6 +1,7 @@
 // The resolution-mapping device at several ratios, and the dual-plane device with its tags.
 #include "golden/scene.h"
 #include "output/output_call.h"
+#include "support/transfer_call.h"
 
 namespace qnv::test {
 namespace {
@@ -8,14 +9,10 @@ namespace {
 // One page in caller pixels of 160 x 120: text, hatched and solid figures, an image, a transfer.
 void PaintPage(const TestDevice& device) {
   FillRectangle(device, {4, 4, 156, 26}, 0xF0E0C0);
-  DRAWMODE mode = MakeDrawMode();
-  mode.bkMode = TRANSPARENT;
-  mode.TextColor = 0x800000;
-  DrawTextAt(device, 8, 6, "MAPPED PAGE", LetterFont(2), mode);
-  Stretch(device, PhotoDib(24), {4, 32, 72, 60, 0, 0, kPhotoWidth, kPhotoHeight});
-  DRAWMODE hatchMode = MakeDrawMode();
-  hatchMode.bkMode = TRANSPARENT;
-  FillRectangle(device, {84, 32, 118, 62}, HatchBrush(device.handle(), HS_CROSS, 0x0000FF), hatchMode);
+  const DRAWMODE mode = ModeOf(TRANSPARENT, 0x800000);
+  Text(device, 8, 6, "MAPPED PAGE", 2, mode);
+  Stretch(device, PhotoDib(24), PhotoAt(4, 32, 72, 60));
+  FillRectangle(device, {84, 32, 118, 62}, HatchBrush(device.handle(), HS_CROSS, 0x0000FF), mode);
   FillRectangle(device, {122, 32, 156, 62}, 0x00A000);
   // A triangle whose rows thin out or spread.
   std::vector<int> deltas(27, 0x1F);
@@ -25,25 +22,22 @@ void PaintPage(const TestDevice& device) {
   std::vector<int> wide;
   for (int i = 0; i < 27; ++i) wide.insert(wide.end(), {-1, 1});
   CallOutput(device, OS_BYTE_DELTAS, 28, SpanListBytes({64, 139, 140}, wide), {.pen = &pen, .drawMode = &copy});
-  Stretch(device, PhotoDib(8), {4, 96, 40, 20, 0, 0, kPhotoWidth, kPhotoHeight}, {.rop = NOTSRCCOPY});
+  Stretch(device, PhotoDib(8), PhotoAt(4, 96, 40, 20), {.rop = NOTSRCCOPY});
   const PhysicalBrush brush = SolidBrush(device.handle(), 0x0080FF);
-  EXPECT_EQ(
-      1u, QNVDevBitBlt(device.handle(), 50, 96, nullptr, 0, 0, 106, 20, PATCOPY, &brush, &copy, &kEverywhere) & 0xFFFF);
-  DrawTextAt(device, 54, 98, "SMALL", LetterFont(2), mode);
+  EXPECT_EQ(1u, Transfer(device.handle(),
+                         {.at = {50, 96}, .size = {106, 20}, .rop = PATCOPY, .brush = &brush, .drawMode = &copy}));
+  Text(device, 54, 98, "SMALL", 2, mode);
 }
 
 Picture MappedPage(uint16_t bitsPerPixel, uint16_t resolutionA, uint16_t resolutionB) {
-  ScaledDevice device({.bitsPerPixel = bitsPerPixel,
-                       .width = 160u * resolutionB / resolutionA,
-                       .height = 120u * resolutionB / resolutionA,
-                       .resolutionA = resolutionA,
-                       .resolutionB = resolutionB});
-  device.Clear();
+  const Cleared<ScaledDevice> device({.bitsPerPixel = bitsPerPixel,
+                                      .width = 160u * resolutionB / resolutionA,
+                                      .height = 120u * resolutionB / resolutionA,
+                                      .resolutionA = resolutionA,
+                                      .resolutionB = resolutionB});
   PaintPage(device);
   return BandPicture(device);
 }
-
-}  // namespace
 
 std::vector<ScenePicture> PaintMappedPages() {
   return {{"mapped_600_400", MappedPage(24, 600, 400)},
@@ -53,21 +47,18 @@ std::vector<ScenePicture> PaintMappedPages() {
 }
 
 std::vector<ScenePicture> PaintDualPlanePage() {
-  DualPlaneDevice device({.width = 160, .height = 120});
-  device.Clear();
+  const Cleared<DualPlaneDevice> device({.width = 160, .height = 120});
   // Before any image nothing is tagged; afterwards everything is.
   Caption(device, 4, 2, "FIRST TEXT");
   const Dib photo = PhotoDib(24);
-  Stretch(device, photo, {4, 14, 72, 60, 0, 0, kPhotoWidth, kPhotoHeight});
-  Stretch(device, photo, {84, 14, 72, 60, 0, 0, kPhotoWidth, kPhotoHeight}, {.rop = SRCAND});
-  Stretch(device, photo, {4, 78, 72, 38, 0, 0, kPhotoWidth, kPhotoHeight}, {.rop = ROP_MINIMUM});
+  Stretch(device, photo, PhotoAt(4, 14, 72, 60));
+  Stretch(device, photo, PhotoAt(84, 14, 72, 60), {.rop = SRCAND});
+  Stretch(device, photo, PhotoAt(4, 78, 72, 38), {.rop = ROP_MINIMUM});
   // Graphics on the images.
-  DRAWMODE mode = MakeDrawMode();
-  mode.TextColor = 0x0000FF;
-  mode.bkColor = 0xFFFFFF;
-  DrawTextAt(device, 8, 36, "OPAQUE", LetterFont(1), mode);
+  DRAWMODE mode = ModeOf(OPAQUE, 0x0000FF);
+  Text(device, 8, 36, "OPAQUE", 1, mode);
   mode.bkMode = TRANSPARENT;
-  DrawTextAt(device, 8, 48, "CLEAR", LetterFont(2), mode);
+  Text(device, 8, 48, "CLEAR", 2, mode);
   FillRectangle(device, {90, 20, 110, 40}, HatchBrush(device.handle(), HS_FDIAGONAL, 0x008000), mode);
   FillRectangle(device, {114, 20, 134, 40}, 0x00C0F0);
   DRAWMODE masked = MakeDrawMode();
@@ -79,11 +70,17 @@ std::vector<ScenePicture> PaintDualPlanePage() {
   const BandRect rect{12, 84, 60, 100};
   mode.bkMode = OPAQUE;
   mode.bkColor = 0xC0FFFF;
-  DrawTextAt(device, 16, 88, "IN A RECT", LetterFont(1), mode, {.opaqueRect = &rect, .options = ETO_OPAQUE});
+  Text(device, 16, 88, "IN A RECT", 1, mode, {.opaqueRect = &rect, .options = ETO_OPAQUE});
   const PhysicalBrush brush = SolidBrush(device.handle(), 0xFF8000);
-  EXPECT_EQ(
-      1u, QNVDevBitBlt(device.handle(), 84, 78, nullptr, 0, 0, 72, 38, PATCOPY, &brush, &mode, &kEverywhere) & 0xFFFF);
+  EXPECT_EQ(1u, Transfer(device.handle(),
+                         {.at = {84, 78}, .size = {72, 38}, .rop = PATCOPY, .brush = &brush, .drawMode = &mode}));
   return {{"dual_plane_colors", BandPicture(device)}, {"dual_plane_tags", TagPicture(device)}};
+}
+
+}  // namespace
+
+std::vector<PaintedScene> DeviceScenes() {
+  return {{"mapped_pages", PaintMappedPages}, {"dual_plane_page", PaintDualPlanePage}};
 }
 
 }  // namespace qnv::test
