@@ -175,14 +175,6 @@ std::vector<PaintedScene> AllScenes() {
   return scenes;
 }
 
-DRAWMODE ModeOf(int16_t bkMode, uint32_t text, uint32_t background) {
-  DRAWMODE mode = MakeDrawMode();
-  mode.bkMode = bkMode;
-  mode.TextColor = text;
-  mode.bkColor = background;
-  return mode;
-}
-
 Picture BandPicture(const TestDevice& device) {
   const PlaneImage plane = BandImage(device);
   EXPECT_TRUE(device.FencesIntact());
@@ -197,7 +189,7 @@ void Text(const TestDevice& device, int32_t x, int32_t y, std::string_view text,
 }
 
 void Caption(const TestDevice& device, int32_t x, int32_t y, std::string_view text, uint32_t color) {
-  Text(device, x, y, text, 1, ModeOf(TRANSPARENT, color));
+  Text(device, x, y, text, 1, MakeDrawMode({.bkMode = TRANSPARENT, .text = color}));
 }
 
 void FillRectangle(const TestDevice& device, const BandRect& rect, const PhysicalBrush& brush, const DRAWMODE& mode) {

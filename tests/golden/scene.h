@@ -39,8 +39,6 @@ struct Cleared : Device {
   explicit Cleared(const DeviceOptions& options) : Device(options) { this->Clear(); }
 };
 
-DRAWMODE ModeOf(int16_t bkMode, uint32_t text = 0, uint32_t background = 0xFFFFFF);
-
 Picture BandPicture(const TestDevice& device);
 // Tags 0, 1 and 3 as gray levels 0, 85 and 255.
 Picture TagPicture(const TestDevice& device);

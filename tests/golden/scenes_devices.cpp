@@ -9,7 +9,7 @@ namespace {
 // One page in caller pixels of 160 x 120: text, hatched and solid figures, an image, a transfer.
 void PaintPage(const TestDevice& device) {
   FillRectangle(device, {4, 4, 156, 26}, 0xF0E0C0);
-  const DRAWMODE mode = ModeOf(TRANSPARENT, 0x800000);
+  const DRAWMODE mode = MakeDrawMode({.bkMode = TRANSPARENT, .text = 0x800000});
   Text(device, 8, 6, "MAPPED PAGE", 2, mode);
   Stretch(device, PhotoDib(24), PhotoAt(4, 32, 72, 60));
   FillRectangle(device, {84, 32, 118, 62}, HatchBrush(device.handle(), HS_CROSS, 0x0000FF), mode);
@@ -55,17 +55,15 @@ std::vector<ScenePicture> PaintDualPlanePage() {
   Stretch(device, photo, PhotoAt(84, 14, 72, 60), {.rop = SRCAND});
   Stretch(device, photo, PhotoAt(4, 78, 72, 38), {.rop = ROP_MINIMUM});
   // Graphics on the images.
-  DRAWMODE mode = ModeOf(OPAQUE, 0x0000FF);
+  DRAWMODE mode = MakeDrawMode({.text = 0x0000FF});
   Text(device, 8, 36, "OPAQUE", 1, mode);
   mode.bkMode = TRANSPARENT;
   Text(device, 8, 48, "CLEAR", 2, mode);
   FillRectangle(device, {90, 20, 110, 40}, HatchBrush(device.handle(), HS_FDIAGONAL, 0x008000), mode);
   FillRectangle(device, {114, 20, 134, 40}, 0x00C0F0);
-  DRAWMODE masked = MakeDrawMode();
-  masked.Rop2 = R2_MASKPEN;
+  const DRAWMODE masked = MakeDrawMode({.rop2 = R2_MASKPEN});
   FillRectangle(device, {90, 46, 110, 66}, HatchBrush(device.handle(), HS_CROSS, 0x0000FF), masked);
-  DRAWMODE inverted = MakeDrawMode();
-  inverted.Rop2 = R2_NOT;
+  const DRAWMODE inverted = MakeDrawMode({.rop2 = R2_NOT});
   FillRectangle(device, {114, 46, 134, 66}, SolidBrush(device.handle(), 0), inverted);
   const BandRect rect{12, 84, 60, 100};
   mode.bkMode = OPAQUE;

@@ -16,7 +16,7 @@ std::vector<ScenePicture> PaintHatchesAndPatterns() {
     for (int32_t kind = 0; kind < 3; ++kind) {
       PhysicalBrush brush = HatchBrush(device.handle(), hatch, 0x0000C0 + 0x180020u * static_cast<uint32_t>(hatch));
       if (kind == 2) brush.hatchScale[0] = brush.hatchScale[1] = 2;
-      const DRAWMODE mode = ModeOf(kind == 1 ? OPAQUE : TRANSPARENT, 0, 0xFFE0C0);
+      const DRAWMODE mode = MakeDrawMode({.bkMode = kind == 1 ? OPAQUE : TRANSPARENT, .background = 0xFFE0C0});
       const int32_t left = 4 + 28 * hatch;
       const int32_t top = 4 + 34 * kind;
       FillRectangle(device, {left, top, left + 25, top + 31}, brush, mode);
@@ -37,7 +37,8 @@ std::vector<ScenePicture> PaintHatchesAndPatterns() {
   for (int32_t i = 0; i < 4; ++i) {
     PhysicalBrush brush = PatternBrush(device.handle(), bitmaps[i]);
     if (i == 3) brush.hatchScale[0] = brush.hatchScale[1] = 2;
-    FillRectangle(device, {4 + 42 * i, 108, 43 + 42 * i, 172}, brush, ModeOf(OPAQUE, 0x800000, 0x80FFFF));
+    FillRectangle(device, {4 + 42 * i, 108, 43 + 42 * i, 172}, brush,
+                  MakeDrawMode({.background = 0x80FFFF, .text = 0x800000}));
   }
   return {{"hatches_and_patterns", BandPicture(device)}};
 }
@@ -50,8 +51,7 @@ std::vector<ScenePicture> PaintRop2Bars() {
   Stretch(device, PhotoDib(24), {2, 62, 160, 44, 0, 0, kPhotoWidth, kPhotoHeight});
   // One bar for each operation, half solid, half hatched.
   for (int16_t code = 1; code <= 16; ++code) {
-    DRAWMODE mode = ModeOf(TRANSPARENT);
-    mode.Rop2 = code;
+    const DRAWMODE mode = MakeDrawMode({.rop2 = code, .bkMode = TRANSPARENT});
     const int32_t left = 3 + 10 * (code - 1);
     FillRectangle(device, {left, 4, left + 4, 104}, SolidBrush(device.handle(), 0x20A0F0), mode);
     FillRectangle(device, {left + 4, 4, left + 8, 104}, HatchBrush(device.handle(), HS_HORIZONTAL, 0x20A0F0), mode);
@@ -137,7 +137,7 @@ std::vector<ScenePicture> PaintTransfers() {
   const Cleared<TestDevice> device({.width = 250, .height = 172});
   const TransferSources sources;
   const SourceBitmap color = sources.Color(), oneBit = sources.OneBit();
-  const DRAWMODE mode = ModeOf(OPAQUE, 0xA00000, 0x80E0FF);
+  const DRAWMODE mode = MakeDrawMode({.background = 0x80E0FF, .text = 0xA00000});
   const PhysicalBrush hatch = HatchBrush(device.handle(), HS_DIAGCROSS, 0x0000FF, 0xFFFFFF);
   const PhysicalBrush solid = SolidBrush(device.handle(), 0x30B060);
   for (int32_t i = 0; i < 18; ++i) {

@@ -15,6 +15,11 @@ namespace {
 constexpr std::size_t kFence = 4096;
 constexpr uint8_t kCanary = 0xA5;
 
+bool AllCanaries(const uint8_t* begin, const uint8_t* end) {
+  const std::size_t bytes = static_cast<std::size_t>(end - begin);
+  return bytes == 0 || (*begin == kCanary && std::memcmp(begin, begin + 1, bytes - 1) == 0);
+}
+
 }  // namespace
 
 FencedBuffer::FencedBuffer(std::size_t size, uint8_t fill) : size_(size) {
@@ -50,15 +55,11 @@ void FencedBuffer::Fill(uint8_t value) {
 }
 
 bool FencedBuffer::FencesIntact() const {
-  for (const uint8_t* p = mapping_; p != data_; ++p) {
-    if (*p != kCanary) return false;
-  }
-#if !defined(__linux__)
-  for (const uint8_t* p = data_ + size_; p != mapping_ + mappingSize_; ++p) {
-    if (*p != kCanary) return false;
-  }
+#if defined(__linux__)
+  return AllCanaries(mapping_, data_);
+#else
+  return AllCanaries(mapping_, data_) && AllCanaries(data_ + size_, mapping_ + mappingSize_);
 #endif
-  return true;
 }
 
 }  // namespace qnv::test

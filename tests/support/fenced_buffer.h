@@ -2,6 +2,7 @@
 // also ends at an unreadable page, so that one byte too many stops the test at once.
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -35,12 +36,11 @@ class FencedBuffer {
 class FencedInput {
  public:
   explicit FencedInput(const std::vector<uint8_t>& bytes) : buffer_(bytes.size(), 0), original_(bytes) {
-    if (!bytes.empty()) std::memcpy(buffer_.data(), bytes.data(), bytes.size());
+    std::copy(bytes.begin(), bytes.end(), buffer_.data());
   }
   const void* data() const { return buffer_.data(); }
   bool Unchanged() const {
-    return buffer_.FencesIntact() &&
-           (original_.empty() || std::memcmp(buffer_.data(), original_.data(), original_.size()) == 0);
+    return buffer_.FencesIntact() && std::equal(original_.begin(), original_.end(), buffer_.data());
   }
 
  private:

@@ -3,32 +3,48 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <cstring>
 #include <stdexcept>
 #include <utility>
 
 namespace qnv::test {
 namespace {
 
-std::string PixelText(const PlaneImage& image, std::size_t row, std::size_t byteInRow, std::size_t count) {
+std::string HexText(const PlaneImage& image, std::size_t offset, std::size_t count) {
   std::string text;
   for (std::size_t i = 0; i < count; ++i) {
     char digits[4];
-    std::snprintf(digits, sizeof digits, "%02X ", image.bytes()[row * image.stride() + byteInRow + i]);
+    std::snprintf(digits, sizeof digits, i == 0 ? "%02X" : " %02X", image.bytes()[offset + i]);
     text += digits;
   }
-  text.pop_back();
   return text;
 }
 
-// Where a byte of a row belongs: a pixel's column, or a column past the last for padding.
-int32_t ColumnOf(const PlaneImage& image, std::size_t byteInRow) {
-  return static_cast<int32_t>(byteInRow) / image.bytesPerPixel();
+// The smallest rectangle, in columns and rows of the plane, that holds every difference; all zeros without one.
+// Differences in the padding of a row lie in the columns past the plane's last.
+BandRect TouchedRect(const PlaneImage& before, const PlaneImage& after) {
+  BandRect touched{0, 0, 0, 0};
+  for (std::size_t offset = 0; offset < before.bytes().size(); ++offset) {
+    if (before.bytes()[offset] == after.bytes()[offset]) continue;
+    const int32_t row = static_cast<int32_t>(offset / before.stride());
+    const int32_t column = static_cast<int32_t>(offset % before.stride()) / before.bytesPerPixel();
+    if (touched.right == 0) touched = {column, row, column + 1, row + 1};
+    touched.left = std::min(touched.left, column);
+    touched.right = std::max(touched.right, column + 1);
+    touched.bottom = row + 1;
+  }
+  return touched;
 }
 
-void Load(FencedBuffer* memory, const PlaneImage& image) {
-  if (memory->size() != image.bytes().size()) throw std::invalid_argument("image of another plane");
-  std::memcpy(memory->data(), image.bytes().data(), memory->size());
+// What is left to compare once nothing around either plane was written.
+template <class Compare>
+testing::AssertionResult IfIntact(const TestDevice& device, Compare compare) {
+  if (device.FencesIntact()) return compare();
+  return testing::AssertionFailure() << "memory outside the planes was written";
+}
+
+PlaneImage Untouched(const TestDevice& device, PlaneImage plane) {
+  plane.FillBytes(device.options().fill);
+  return plane;
 }
 
 }  // namespace
@@ -79,9 +95,10 @@ PlaneImage TagImage(const TestDevice& device) {
   return {"tag plane", options.width, options.height, device.tagStride(), 1, device.TagBytes()};
 }
 
-void LoadBand(TestDevice* device, const PlaneImage& image) { Load(&device->band(), image); }
-
-void LoadTags(TestDevice* device, const PlaneImage& image) { Load(device->tags(), image); }
+void LoadBand(TestDevice* device, const PlaneImage& image) {
+  if (device->band().size() != image.bytes().size()) throw std::invalid_argument("image of another plane");
+  std::copy(image.bytes().begin(), image.bytes().end(), device->band().data());
+}
 
 testing::AssertionResult SameImage(const PlaneImage& expected, const PlaneImage& got) {
   if (expected.bytes().size() != got.bytes().size()) {
@@ -90,44 +107,31 @@ testing::AssertionResult SameImage(const PlaneImage& expected, const PlaneImage&
   if (expected.bytes() == got.bytes()) return testing::AssertionSuccess();
   const auto first = std::mismatch(expected.bytes().begin(), expected.bytes().end(), got.bytes().begin());
   const std::size_t offset = static_cast<std::size_t>(first.first - expected.bytes().begin());
-  const std::size_t row = offset / expected.stride();
-  const std::size_t byteInRow = offset % expected.stride();
-  const int32_t column = ColumnOf(expected, byteInRow);
-  testing::AssertionResult failure = testing::AssertionFailure();
-  failure << expected.name();
-  if (column >= expected.columns()) {
-    failure << " padding of row " << row << ", byte " << byteInRow << ": expected "
-            << PixelText(expected, row, byteInRow, 1) << ", got " << PixelText(got, row, byteInRow, 1);
+  const std::size_t row = offset / expected.stride(), byteInRow = offset % expected.stride();
+  const std::size_t size = static_cast<std::size_t>(expected.bytesPerPixel());
+  testing::AssertionResult failure = testing::AssertionFailure() << expected.name();
+  if (static_cast<int32_t>(byteInRow / size) >= expected.columns()) {
+    failure << " padding of row " << row << ", byte " << byteInRow << ": expected " << HexText(expected, offset, 1)
+            << ", got " << HexText(got, offset, 1);
   } else {
-    const std::size_t size = static_cast<std::size_t>(expected.bytesPerPixel());
-    const std::size_t start = static_cast<std::size_t>(column) * size;
-    failure << " pixel (" << column << ", " << row << "): expected " << PixelText(expected, row, start, size)
-            << ", got " << PixelText(got, row, start, size);
+    const std::size_t pixel = offset - byteInRow % size;
+    failure << " pixel (" << byteInRow / size << ", " << row << "): expected " << HexText(expected, pixel, size)
+            << ", got " << HexText(got, pixel, size);
   }
   return failure << "; differences within " << Describe(TouchedRect(expected, got));
 }
 
 testing::AssertionResult BandShows(const TestDevice& device, const PlaneImage& expected) {
-  if (!device.FencesIntact()) return testing::AssertionFailure() << "memory outside the planes was written";
-  return SameImage(expected, BandImage(device));
+  return IfIntact(device, [&] { return SameImage(expected, BandImage(device)); });
 }
 
 testing::AssertionResult TagsShow(const TestDevice& device, const PlaneImage& expected) {
-  if (!device.FencesIntact()) return testing::AssertionFailure() << "memory outside the planes was written";
-  return SameImage(expected, TagImage(device));
+  return IfIntact(device, [&] { return SameImage(expected, TagImage(device)); });
 }
 
-PlaneImage UntouchedBand(const TestDevice& device) {
-  PlaneImage plane = BandImage(device);
-  plane.FillBytes(device.options().fill);
-  return plane;
-}
+PlaneImage UntouchedBand(const TestDevice& device) { return Untouched(device, BandImage(device)); }
 
-PlaneImage UntouchedTags(const TestDevice& device) {
-  PlaneImage plane = TagImage(device);
-  plane.FillBytes(device.options().fill);
-  return plane;
-}
+PlaneImage UntouchedTags(const TestDevice& device) { return Untouched(device, TagImage(device)); }
 
 testing::AssertionResult BandUntouched(const TestDevice& device) { return BandShows(device, UntouchedBand(device)); }
 
@@ -173,13 +177,11 @@ testing::AssertionResult PlaneIs(const PlaneImage& got, const PlaneImage& untouc
 }
 
 testing::AssertionResult BandIs(const TestDevice& device, const PictureInks& inks, std::string_view picture) {
-  if (!device.FencesIntact()) return testing::AssertionFailure() << "memory outside the planes was written";
-  return PlaneIs(BandImage(device), UntouchedBand(device), inks, picture);
+  return IfIntact(device, [&] { return PlaneIs(BandImage(device), UntouchedBand(device), inks, picture); });
 }
 
 testing::AssertionResult TagsAre(const TestDevice& device, const PictureInks& inks, std::string_view picture) {
-  if (!device.FencesIntact()) return testing::AssertionFailure() << "memory outside the planes was written";
-  return PlaneIs(TagImage(device), UntouchedTags(device), inks, picture);
+  return IfIntact(device, [&] { return PlaneIs(TagImage(device), UntouchedTags(device), inks, picture); });
 }
 
 bool IsGrayDevice(const TestDevice& device) {
@@ -187,20 +189,6 @@ bool IsGrayDevice(const TestDevice& device) {
 }
 
 uint32_t Physical(const TestDevice& device, uint32_t color) { return IsGrayDevice(device) ? GrayOf(color) : color; }
-
-BandRect TouchedRect(const PlaneImage& before, const PlaneImage& after) {
-  BandRect touched{0, 0, 0, 0};
-  for (std::size_t offset = 0; offset < before.bytes().size(); ++offset) {
-    if (before.bytes()[offset] == after.bytes()[offset]) continue;
-    const int32_t row = static_cast<int32_t>(offset / before.stride());
-    const int32_t column = ColumnOf(before, offset % before.stride());
-    if (IsEmpty(touched)) touched = {column, row, column + 1, row + 1};
-    touched.left = std::min<int32_t>(touched.left, column);
-    touched.right = std::max<int32_t>(touched.right, column + 1);
-    touched.bottom = row + 1;
-  }
-  return touched;
-}
 
 testing::AssertionResult TouchedExactly(const PlaneImage& before, const PlaneImage& after, const BandRect& expected) {
   const BandRect touched = TouchedRect(before, after);
@@ -213,7 +201,5 @@ std::string Describe(const BandRect& rect) {
   return "(" + std::to_string(rect.left) + ", " + std::to_string(rect.top) + ", " + std::to_string(rect.right) + ", " +
          std::to_string(rect.bottom) + ")";
 }
-
-bool IsEmpty(const BandRect& rect) { return rect.left >= rect.right || rect.top >= rect.bottom; }
 
 }  // namespace qnv::test

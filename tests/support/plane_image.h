@@ -60,9 +60,8 @@ class PlaneImage {
 PlaneImage BandImage(const TestDevice& device);
 PlaneImage TagImage(const TestDevice& device);  // Requires: the device has a tag plane.
 
-// Writes the image's bytes into the host's memory of that plane.
+// Writes the image's bytes into the host's memory of the band.
 void LoadBand(TestDevice* device, const PlaneImage& image);
-void LoadTags(TestDevice* device, const PlaneImage& image);
 
 // On a difference: the plane, the first differing pixel with both values, and how far the differences reach.
 testing::AssertionResult SameImage(const PlaneImage& expected, const PlaneImage& got);
@@ -71,9 +70,7 @@ testing::AssertionResult SameImage(const PlaneImage& expected, const PlaneImage&
 testing::AssertionResult BandShows(const TestDevice& device, const PlaneImage& expected);
 testing::AssertionResult TagsShow(const TestDevice& device, const PlaneImage& expected);
 
-// The smallest rectangle, in columns and rows of the plane, that holds every difference; all zeros without one.
-// Differences in the padding of a row lie in the columns past the plane's last.
-BandRect TouchedRect(const PlaneImage& before, const PlaneImage& after);
+// The smallest rectangle of columns and rows that holds every difference is this one.
 testing::AssertionResult TouchedExactly(const PlaneImage& before, const PlaneImage& after, const BandRect& expected);
 
 // The planes as they were before the first call: the device's fill byte everywhere.
@@ -118,6 +115,5 @@ bool IsGrayDevice(const TestDevice& device);
 uint32_t Physical(const TestDevice& device, uint32_t color);
 
 std::string Describe(const BandRect& rect);
-bool IsEmpty(const BandRect& rect);
 
 }  // namespace qnv::test

@@ -8,9 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "support/random_bytes.h"
-#include "support/source_image.h"
-#include "support/test_device.h"
+#include "qnvdrv10.h"
 
 namespace qnv::test {
 
@@ -29,6 +27,11 @@ struct SceneOptions {
   bool zeroOriginClips = true;  // clips that may be all zeros
 };
 
+struct SceneStep {
+  std::string name;
+  std::function<uint32_t(DeviceHandle*)> call;
+};
+
 class Scene {
  public:
   Scene(uint64_t seed, const SceneOptions& options);
@@ -40,42 +43,8 @@ class Scene {
   uint32_t Play(std::size_t step, DeviceHandle* handle) const { return steps_[step].call(handle); }
 
  private:
-  struct Step {
-    std::string name;
-    std::function<uint32_t(DeviceHandle*)> call;
-  };
-  struct Brush {
-    uint16_t style;
-    uint32_t color;
-    int16_t hatch;
-    uint32_t background;
-    const SourceBitmap* bitmap;
-  };
-
-  Brush RandomBrush(bool cells);
-  DRAWMODE RandomMode();
-  BandRect RandomClip();
-  uint32_t RandomColor();
-  int32_t RandomX() { return options_.left - 6 + static_cast<int32_t>(random_.Below(width_ + 12)); }
-  int32_t RandomY() { return options_.top - 6 + static_cast<int32_t>(random_.Below(height_ + 12)); }
-  static PhysicalBrush Realise(DeviceHandle* handle, const Brush& brush);
-
-  Step PixelStep();
-  Step PolyPixelStep();
-  Step TransferStep();
-  Step OutputStep();
-  Step TextStep();
-  Step ImageStep();
-  Step OriginStep();
-
-  SceneOptions options_;
-  uint32_t width_;
-  uint32_t height_;
-  RandomBytes random_;
-  std::vector<std::unique_ptr<SourceImage>> sources_;
-  std::vector<uint8_t> font_;
-  std::vector<uint8_t> image_;
-  std::vector<Step> steps_;
+  std::shared_ptr<const void> memory_;  // what the calls point to
+  std::vector<SceneStep> steps_;
 };
 
 }  // namespace qnv::test

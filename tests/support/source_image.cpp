@@ -1,7 +1,7 @@
 // Source bitmaps of noise for transfers.
 #include "support/source_image.h"
 
-#include <cstring>
+#include <algorithm>
 
 #include "support/random_bytes.h"
 
@@ -34,8 +34,7 @@ SourceImage::SourceImage(const SourceForm& form, int width, int height, uint64_t
 }
 
 bool SourceImage::Unchanged() const {
-  return pixels_.FencesIntact() &&
-         (sealed_.empty() || std::memcmp(sealed_.data(), pixels_.data(), sealed_.size()) == 0);
+  return pixels_.FencesIntact() && std::equal(sealed_.begin(), sealed_.end(), pixels_.data());
 }
 
 }  // namespace qnv::test

@@ -17,33 +17,27 @@ struct Rop2Marking {
   Marking marking;
 };
 
-inline constexpr Rop2Marking kRop2Markings[] = {
-    {"R2_BLACK", R2_BLACK, Marking::kAlways},
-    {"R2_NOTMERGEPEN", R2_NOTMERGEPEN, Marking::kUnlessBlack},
-    {"R2_MASKNOTPEN", R2_MASKNOTPEN, Marking::kUnlessBlack},
-    {"R2_NOTCOPYPEN", R2_NOTCOPYPEN, Marking::kAlways},
-    {"R2_MASKPENNOT", R2_MASKPENNOT, Marking::kUnlessWhite},
-    {"R2_NOT", R2_NOT, Marking::kNever},
-    {"R2_XORPEN", R2_XORPEN, Marking::kNever},
-    {"R2_NOTMASKPEN", R2_NOTMASKPEN, Marking::kUnlessWhite},
-    {"R2_MASKPEN", R2_MASKPEN, Marking::kUnlessWhite},
-    {"R2_NOTXORPEN", R2_NOTXORPEN, Marking::kNever},
-    {"R2_NOP", R2_NOP, Marking::kNever},
-    {"R2_MERGENOTPEN", R2_MERGENOTPEN, Marking::kUnlessWhite},
-    {"R2_COPYPEN", R2_COPYPEN, Marking::kAlways},
-    {"R2_MERGEPENNOT", R2_MERGEPENNOT, Marking::kUnlessBlack},
-    {"R2_MERGEPEN", R2_MERGEPEN, Marking::kUnlessBlack},
-    {"R2_WHITE", R2_WHITE, Marking::kAlways},
-};
+inline constexpr Rop2Marking kRop2Markings[] = {{"R2_BLACK", R2_BLACK, Marking::kAlways},
+                                                {"R2_NOTMERGEPEN", R2_NOTMERGEPEN, Marking::kUnlessBlack},
+                                                {"R2_MASKNOTPEN", R2_MASKNOTPEN, Marking::kUnlessBlack},
+                                                {"R2_NOTCOPYPEN", R2_NOTCOPYPEN, Marking::kAlways},
+                                                {"R2_MASKPENNOT", R2_MASKPENNOT, Marking::kUnlessWhite},
+                                                {"R2_NOT", R2_NOT, Marking::kNever},
+                                                {"R2_XORPEN", R2_XORPEN, Marking::kNever},
+                                                {"R2_NOTMASKPEN", R2_NOTMASKPEN, Marking::kUnlessWhite},
+                                                {"R2_MASKPEN", R2_MASKPEN, Marking::kUnlessWhite},
+                                                {"R2_NOTXORPEN", R2_NOTXORPEN, Marking::kNever},
+                                                {"R2_NOP", R2_NOP, Marking::kNever},
+                                                {"R2_MERGENOTPEN", R2_MERGENOTPEN, Marking::kUnlessWhite},
+                                                {"R2_COPYPEN", R2_COPYPEN, Marking::kAlways},
+                                                {"R2_MERGEPENNOT", R2_MERGEPENNOT, Marking::kUnlessBlack},
+                                                {"R2_MERGEPEN", R2_MERGEPEN, Marking::kUnlessBlack},
+                                                {"R2_WHITE", R2_WHITE, Marking::kAlways}};
 
 inline constexpr bool Marks(Marking marking, uint32_t color) {
-  switch (marking) {
-    case Marking::kAlways: return true;
-    case Marking::kNever: return false;
-    case Marking::kUnlessWhite: return color != 0xFFFFFF;
-    case Marking::kUnlessBlack: return color != 0;
-  }
-  return false;
+  if (marking == Marking::kUnlessWhite) return color != 0xFFFFFF;
+  if (marking == Marking::kUnlessBlack) return color != 0;
+  return marking == Marking::kAlways;
 }
 
 // What a three-operand operation, or its inverse, does to the tags.
@@ -89,20 +83,21 @@ inline constexpr bool FillsTags(uint32_t index) {
 
 // The tag of one pixel of an image, by the colors of the image and of a solid brush.
 inline constexpr uint32_t ImageTagAfter(TagRule rule, uint32_t source, uint32_t brush, uint32_t before) {
-  constexpr uint32_t kPaper = 0xFFFFFF;
+  constexpr uint32_t kPaper = 0xFFFFFF, kBlack = 0;
+  const auto unless = [before](uint32_t color, uint32_t skipped, uint32_t tag) {
+    return color != skipped ? tag : before;
+  };
   switch (rule) {
     case TagRule::kFillImage: return QNV_TAG_IMAGE;
     case TagRule::kFillGraphics: return QNV_TAG_GRAPHICS;
-    case TagRule::kNothing: return before;
-    case TagRule::kImageUnlessWhite: return source != kPaper ? QNV_TAG_IMAGE : before;
-    case TagRule::kImageUnlessBlack: return source != 0 ? QNV_TAG_IMAGE : before;
-    case TagRule::kGraphicsUnlessWhite: return source != kPaper ? QNV_TAG_GRAPHICS : before;
-    case TagRule::kGraphicsUnlessBlack: return source != 0 ? QNV_TAG_GRAPHICS : before;
-    case TagRule::kBrushUnlessWhite: return brush != kPaper ? QNV_TAG_GRAPHICS : before;
-    case TagRule::kBrushUnlessBlack: return brush != 0 ? QNV_TAG_GRAPHICS : before;
-    case TagRule::kPatPaint:
-      if (source != kPaper) return QNV_TAG_IMAGE;
-      return brush != 0 ? QNV_TAG_GRAPHICS : before;
+    case TagRule::kImageUnlessWhite: return unless(source, kPaper, QNV_TAG_IMAGE);
+    case TagRule::kImageUnlessBlack: return unless(source, kBlack, QNV_TAG_IMAGE);
+    case TagRule::kGraphicsUnlessWhite: return unless(source, kPaper, QNV_TAG_GRAPHICS);
+    case TagRule::kGraphicsUnlessBlack: return unless(source, kBlack, QNV_TAG_GRAPHICS);
+    case TagRule::kBrushUnlessWhite: return unless(brush, kPaper, QNV_TAG_GRAPHICS);
+    case TagRule::kBrushUnlessBlack: return unless(brush, kBlack, QNV_TAG_GRAPHICS);
+    case TagRule::kPatPaint: return source != kPaper ? QNV_TAG_IMAGE : unless(brush, kBlack, QNV_TAG_GRAPHICS);
+    case TagRule::kNothing: break;
   }
   return before;
 }

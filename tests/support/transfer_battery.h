@@ -8,7 +8,7 @@
 
 namespace qnv::test {
 
-// One pixel through one operation, with every byte written out.
+// One pixel through one operation, with every byte written out. Text is 0x123456, the background 0xE0C0A0.
 struct TransferExample {
   const char* name;
   uint16_t depth;       // of the band, bits
@@ -19,28 +19,9 @@ struct TransferExample {
   PixelBytes expected;  // band pixel
 };
 
-// The draw mode of the examples.
-inline constexpr uint32_t kExampleText = 0x00123456;
-inline constexpr uint32_t kExampleBackground = 0x00E0C0A0;
-
 void RunTransferExamples(uint32_t rop, std::span<const TransferExample> examples);
 
-// Widths 0..70 at changing phases of band and source, every source form and brush style that the index reads.
-void CheckWidthsAndPhases(uint32_t rop);
-
-// A band larger than any cache block, odd in every direction.
-void CheckLargeArea(uint32_t rop);
-
-// Arguments that the index has no use for may be anything, even addresses of nothing.
-void CheckUnreadArguments(uint32_t rop);
-
-// Null arguments that it does use: nothing is painted, the result is 1.
-void CheckNullArguments(uint32_t rop);
-
-// Extents that are empty or turned, and the low word of the code.
-void CheckExtentsAndCode(uint32_t rop);
-
-// All of the above.
+// Widths, phases, a large area, arguments that are null or must not be read, extents, and the low word of the code.
 void CheckTransferOperation(uint32_t rop);
 
 }  // namespace qnv::test

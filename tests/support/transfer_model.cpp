@@ -13,12 +13,6 @@ uint32_t CellAt(const PhysicalBrush& brush, int32_t column, int32_t row) {
   return brush.cells[row / fy % 8 * 8 + column / fx % 8];
 }
 
-// The three operations that take even a solid color from the prepared pattern.
-bool TakesSolidFromPattern(uint32_t rop) {
-  const uint32_t upper = rop >> 16;
-  return upper == 0xC0 || upper == 0xFB || upper == 0xE2;
-}
-
 PixelBytes PatternBytes(const TransferInputs& inputs, int32_t column, int32_t row, int bytesPerPixel) {
   const PhysicalBrush* brush = inputs.brush;
   const bool solid = brush != nullptr && brush->style == BS_SOLID && !TakesSolidFromPattern(inputs.rop);
@@ -56,6 +50,11 @@ uint8_t Rop3Byte(uint8_t index, uint8_t pattern, uint8_t source, uint8_t dest) {
 bool IndexUsesPattern(uint8_t index) { return (index >> 4) != (index & 15); }
 
 bool IndexUsesSource(uint8_t index) { return (index & 0x33) != (index >> 2 & 0x33); }
+
+bool TakesSolidFromPattern(uint32_t rop) {
+  const uint32_t upper = rop >> 16;
+  return upper == 0xC0 || upper == 0xFB || upper == 0xE2;
+}
 
 PixelBytes BandBytesOf(uint32_t color) {
   return {static_cast<uint8_t>(color >> 16), static_cast<uint8_t>(color >> 8), static_cast<uint8_t>(color)};

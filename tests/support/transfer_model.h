@@ -18,6 +18,8 @@ constexpr uint8_t IndexOfRop2(int code) { return static_cast<uint8_t>(((code - 1
 
 bool IndexUsesPattern(uint8_t index);
 bool IndexUsesSource(uint8_t index);
+// True for the three operations that take even a solid color from the prepared pattern.
+bool TakesSolidFromPattern(uint32_t rop);
 
 // The bytes of a color as a 24-bit band holds them: bits 16..23 first.
 PixelBytes BandBytesOf(uint32_t color);
