@@ -6,90 +6,73 @@
 namespace qnv::test {
 namespace {
 
-struct LetterRows {
-  char letter;
-  uint8_t rows[7];  // five bits each, 0x10 leftmost
+// Letters of 5 x 7 pixels side by side, a column apart.
+struct LetterSheet {
+  std::string_view letters;
+  const char* rows[7];
 };
 
-const LetterRows kLetters[] = {{'A', {0x0E, 0x11, 0x11, 0x1F, 0x11, 0x11, 0x11}},
-                               {'B', {0x1E, 0x11, 0x11, 0x1E, 0x11, 0x11, 0x1E}},
-                               {'C', {0x0E, 0x11, 0x10, 0x10, 0x10, 0x11, 0x0E}},
-                               {'D', {0x1E, 0x11, 0x11, 0x11, 0x11, 0x11, 0x1E}},
-                               {'E', {0x1F, 0x10, 0x10, 0x1E, 0x10, 0x10, 0x1F}},
-                               {'F', {0x1F, 0x10, 0x10, 0x1E, 0x10, 0x10, 0x10}},
-                               {'G', {0x0E, 0x11, 0x10, 0x17, 0x11, 0x11, 0x0F}},
-                               {'H', {0x11, 0x11, 0x11, 0x1F, 0x11, 0x11, 0x11}},
-                               {'I', {0x1C, 0x08, 0x08, 0x08, 0x08, 0x08, 0x1C}},
-                               {'J', {0x07, 0x02, 0x02, 0x02, 0x02, 0x12, 0x0C}},
-                               {'K', {0x11, 0x12, 0x14, 0x18, 0x14, 0x12, 0x11}},
-                               {'L', {0x10, 0x10, 0x10, 0x10, 0x10, 0x10, 0x1F}},
-                               {'M', {0x11, 0x1B, 0x15, 0x15, 0x11, 0x11, 0x11}},
-                               {'N', {0x11, 0x11, 0x19, 0x15, 0x13, 0x11, 0x11}},
-                               {'O', {0x0E, 0x11, 0x11, 0x11, 0x11, 0x11, 0x0E}},
-                               {'P', {0x1E, 0x11, 0x11, 0x1E, 0x10, 0x10, 0x10}},
-                               {'Q', {0x0E, 0x11, 0x11, 0x11, 0x15, 0x12, 0x0D}},
-                               {'R', {0x1E, 0x11, 0x11, 0x1E, 0x14, 0x12, 0x11}},
-                               {'S', {0x0F, 0x10, 0x10, 0x0E, 0x01, 0x01, 0x1E}},
-                               {'T', {0x1F, 0x04, 0x04, 0x04, 0x04, 0x04, 0x04}},
-                               {'U', {0x11, 0x11, 0x11, 0x11, 0x11, 0x11, 0x0E}},
-                               {'V', {0x11, 0x11, 0x11, 0x11, 0x11, 0x0A, 0x04}},
-                               {'W', {0x11, 0x11, 0x11, 0x15, 0x15, 0x15, 0x0A}},
-                               {'X', {0x11, 0x11, 0x0A, 0x04, 0x0A, 0x11, 0x11}},
-                               {'Y', {0x11, 0x11, 0x11, 0x0A, 0x04, 0x04, 0x04}},
-                               {'Z', {0x1F, 0x01, 0x02, 0x04, 0x08, 0x10, 0x1F}},
-                               {'0', {0x0E, 0x11, 0x13, 0x15, 0x19, 0x11, 0x0E}},
-                               {'1', {0x08, 0x18, 0x08, 0x08, 0x08, 0x08, 0x1C}},
-                               {'2', {0x0E, 0x11, 0x01, 0x02, 0x04, 0x08, 0x1F}},
-                               {'3', {0x1F, 0x02, 0x04, 0x02, 0x01, 0x11, 0x0E}},
-                               {'4', {0x02, 0x06, 0x0A, 0x12, 0x1F, 0x02, 0x02}},
-                               {'5', {0x1F, 0x10, 0x1E, 0x01, 0x01, 0x11, 0x0E}},
-                               {'6', {0x06, 0x08, 0x10, 0x1E, 0x11, 0x11, 0x0E}},
-                               {'7', {0x1F, 0x01, 0x02, 0x04, 0x08, 0x08, 0x08}},
-                               {'8', {0x0E, 0x11, 0x11, 0x0E, 0x11, 0x11, 0x0E}},
-                               {'9', {0x0E, 0x11, 0x11, 0x0F, 0x01, 0x02, 0x0C}},
-                               {' ', {0, 0, 0, 0, 0, 0, 0}}};
+constexpr LetterSheet kSheets[] = {{"ABCDEFGHIJKLM",
+                                    {".###. ####. .###. ####. ##### ##### .###. #...# ###.. ..### #...# #.... #...#",
+                                     "#...# #...# #...# #...# #.... #.... #...# #...# .#... ...#. #..#. #.... ##.##",
+                                     "#...# #...# #.... #...# #.... #.... #.... #...# .#... ...#. #.#.. #.... #.#.#",
+                                     "##### ####. #.... #...# ####. ####. #.### ##### .#... ...#. ##... #.... #.#.#",
+                                     "#...# #...# #.... #...# #.... #.... #...# #...# .#... ...#. #.#.. #.... #...#",
+                                     "#...# #...# #...# #...# #.... #.... #...# #...# .#... #..#. #..#. #.... #...#",
+                                     "#...# ####. .###. ####. ##### #.... .#### #...# ###.. .##.. #...# ##### #...#"}},
+                                   {"NOPQRSTUVWXYZ",
+                                    {"#...# .###. ####. .###. ####. .#### ##### #...# #...# #...# #...# #...# #####",
+                                     "#...# #...# #...# #...# #...# #.... ..#.. #...# #...# #...# #...# #...# ....#",
+                                     "##..# #...# #...# #...# #...# #.... ..#.. #...# #...# #...# .#.#. #...# ...#.",
+                                     "#.#.# #...# ####. #...# ####. .###. ..#.. #...# #...# #.#.# ..#.. .#.#. ..#..",
+                                     "#..## #...# #.... #.#.# #.#.. ....# ..#.. #...# #...# #.#.# .#.#. ..#.. .#...",
+                                     "#...# #...# #.... #..#. #..#. ....# ..#.. #...# .#.#. #.#.# #...# ..#.. #....",
+                                     "#...# .###. #.... .##.# #...# ####. ..#.. .###. ..#.. .#.#. #...# ..#.. #####"}},
+                                   {"0123456789 ",
+                                    {".###. .#... .###. ##### ...#. ##### ..##. ##### .###. .###. .....",
+                                     "#...# ##... #...# ...#. ..##. #.... .#... ....# #...# #...# .....",
+                                     "#..## .#... ....# ..#.. .#.#. ####. #.... ...#. #...# #...# .....",
+                                     "#.#.# .#... ...#. ...#. #..#. ....# ####. ..#.. .###. .#### .....",
+                                     "##..# .#... ..#.. ....# ##### ....# #...# .#... #...# ....# .....",
+                                     "#...# .#... .#... #...# ...#. #...# #...# .#... #...# ...#. .....",
+                                     ".###. ###.. ##### .###. ...#. .###. .###. .#... .###. .##.. ....."}}};
+
+constexpr int kLetterRows = 9;  // an empty row above and below
+
+// A pixel of a letter's cell. Codes without a letter of their own are boxes, as the default character is.
+bool LetterPixel(char letter, int column, int cellRow) {
+  const int row = cellRow - 1;
+  if (row < 0 || row >= 7 || column >= 5) return false;
+  for (const LetterSheet& sheet : kSheets) {
+    const std::size_t at = sheet.letters.find(letter);
+    if (at != std::string_view::npos) return sheet.rows[row][6 * at + static_cast<std::size_t>(column)] == '#';
+  }
+  return row == 0 || row == 6 || column == 0 || column == 4;
+}
 
 int LetterWidth(char letter) { return letter == 'I' || letter == '1' || letter == ' ' ? 4 : 6; }
 
-// Cells of 9 rows, one empty row above and below the letter, one empty column behind it. Codes without a letter of
-// their own are boxes, as the default character is.
-std::string LetterPicture(char letter, int scale) {
-  const int width = LetterWidth(letter);
-  const auto entry = std::find_if(std::begin(kLetters), std::end(kLetters),
-                                  [&](const LetterRows& rows) { return rows.letter == letter; });
-  std::string picture;
-  for (int y = 0; y < 9 * scale; ++y) {
-    for (int x = 0; x < width * scale; ++x) {
-      const int row = y / scale - 1;
-      const int column = x / scale;
-      bool set = false;
-      if (row >= 0 && row < 7 && column < 5) {
-        set = entry != std::end(kLetters) ? (entry->rows[row] >> (4 - column) & 1) != 0
-                                          : row == 0 || row == 6 || column == 0 || column == 4;
-      }
-      picture += set ? '#' : '.';
-    }
-  }
-  return picture;
-}
-
 Font MakeLetterFont(int scale) {
   FontShape shape;
-  shape.height = static_cast<int16_t>(9 * scale);
+  shape.height = static_cast<int16_t>(kLetterRows * scale);
   shape.firstChar = ' ';
   shape.lastChar = 'Z';
   shape.defaultChar = '?' - ' ';
   shape.table = scale == 1 ? TableForm::kShort : TableForm::kLong;
   FontBuilder builder(shape);
   for (char letter = ' '; letter <= 'Z'; ++letter) {
-    builder.Glyph(static_cast<uint16_t>(letter), LetterWidth(letter) * scale, LetterPicture(letter, scale));
+    const int width = LetterWidth(letter) * scale;
+    std::string picture;
+    for (int i = 0; i < width * kLetterRows * scale; ++i) {
+      picture += LetterPixel(letter, i % width / scale, i / width / scale) ? '#' : '.';
+    }
+    builder.Glyph(static_cast<uint16_t>(letter), width, picture);
   }
   return builder.Build();
 }
 
 const Font& LetterFont(int scale) {
-  static const Font small = MakeLetterFont(1);
-  static const Font large = MakeLetterFont(2);
+  static const Font small = MakeLetterFont(1), large = MakeLetterFont(2);
   return scale == 1 ? small : large;
 }
 

@@ -17,22 +17,24 @@ struct Rop2Marking {
   Marking marking;
 };
 
-inline constexpr Rop2Marking kRop2Markings[] = {{"R2_BLACK", R2_BLACK, Marking::kAlways},
-                                                {"R2_NOTMERGEPEN", R2_NOTMERGEPEN, Marking::kUnlessBlack},
-                                                {"R2_MASKNOTPEN", R2_MASKNOTPEN, Marking::kUnlessBlack},
-                                                {"R2_NOTCOPYPEN", R2_NOTCOPYPEN, Marking::kAlways},
-                                                {"R2_MASKPENNOT", R2_MASKPENNOT, Marking::kUnlessWhite},
-                                                {"R2_NOT", R2_NOT, Marking::kNever},
-                                                {"R2_XORPEN", R2_XORPEN, Marking::kNever},
-                                                {"R2_NOTMASKPEN", R2_NOTMASKPEN, Marking::kUnlessWhite},
-                                                {"R2_MASKPEN", R2_MASKPEN, Marking::kUnlessWhite},
-                                                {"R2_NOTXORPEN", R2_NOTXORPEN, Marking::kNever},
-                                                {"R2_NOP", R2_NOP, Marking::kNever},
-                                                {"R2_MERGENOTPEN", R2_MERGENOTPEN, Marking::kUnlessWhite},
-                                                {"R2_COPYPEN", R2_COPYPEN, Marking::kAlways},
-                                                {"R2_MERGEPENNOT", R2_MERGEPENNOT, Marking::kUnlessBlack},
-                                                {"R2_MERGEPEN", R2_MERGEPEN, Marking::kUnlessBlack},
-                                                {"R2_WHITE", R2_WHITE, Marking::kAlways}};
+inline constexpr Rop2Marking kRop2Markings[] = {
+    {"R2_BLACK", R2_BLACK, Marking::kAlways},
+    {"R2_NOTMERGEPEN", R2_NOTMERGEPEN, Marking::kUnlessBlack},
+    {"R2_MASKNOTPEN", R2_MASKNOTPEN, Marking::kUnlessBlack},
+    {"R2_NOTCOPYPEN", R2_NOTCOPYPEN, Marking::kAlways},
+    {"R2_MASKPENNOT", R2_MASKPENNOT, Marking::kUnlessWhite},
+    {"R2_NOT", R2_NOT, Marking::kNever},
+    {"R2_XORPEN", R2_XORPEN, Marking::kNever},
+    {"R2_NOTMASKPEN", R2_NOTMASKPEN, Marking::kUnlessWhite},
+    {"R2_MASKPEN", R2_MASKPEN, Marking::kUnlessWhite},
+    {"R2_NOTXORPEN", R2_NOTXORPEN, Marking::kNever},
+    {"R2_NOP", R2_NOP, Marking::kNever},
+    {"R2_MERGENOTPEN", R2_MERGENOTPEN, Marking::kUnlessWhite},
+    {"R2_COPYPEN", R2_COPYPEN, Marking::kAlways},
+    {"R2_MERGEPENNOT", R2_MERGEPENNOT, Marking::kUnlessBlack},
+    {"R2_MERGEPEN", R2_MERGEPEN, Marking::kUnlessBlack},
+    {"R2_WHITE", R2_WHITE, Marking::kAlways},
+};
 
 inline constexpr bool Marks(Marking marking, uint32_t color) {
   if (marking == Marking::kUnlessWhite) return color != 0xFFFFFF;

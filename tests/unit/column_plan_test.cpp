@@ -12,41 +12,36 @@
 namespace qnv {
 namespace {
 
-struct Color {
-  uint32_t red, green, blue;
-};
+// A color, blue in the low byte, as a target holds it.
+uint32_t Packed(uint32_t color, PixelTarget target) {
+  const uint32_t red = color >> 16 & 0xFF, green = color >> 8 & 0xFF, blue = color & 0xFF;
+  if (target == PixelTarget::kGray8) return (red * 30 + green * 59 + blue * 11) / 100;
+  return target == PixelTarget::kBand24 ? color : red | green << 8 | blue << 16;
+}
 
 struct Source {
   uint32_t bitCount;
   const uint8_t* row;
-  const std::vector<Color>& table;
+  const std::vector<uint32_t>& table;
 
-  Color At(int32_t x) const {
-    const uint8_t* pixel = row + static_cast<uint32_t>(x) * bitCount / 8;
-    const uint32_t inByte = static_cast<uint32_t>(x) * bitCount % 8;
-    if (bitCount <= 8) return table[*pixel >> (8 - bitCount - inByte) & ((1u << bitCount) - 1)];
-    if (bitCount >= 24) return {pixel[2], pixel[1], pixel[0]};
+  uint32_t ColorAt(int32_t x) const {
+    const uint32_t bit = static_cast<uint32_t>(x) * bitCount;
+    const uint8_t* pixel = row + bit / 8;
+    if (bitCount <= 8) return table[*pixel >> (8 - bitCount - bit % 8) & ((1u << bitCount) - 1)];
     const uint32_t packed = pixel[0] | static_cast<uint32_t>(pixel[1]) << 8;
+    if (bitCount >= 24) return packed | static_cast<uint32_t>(pixel[2]) << 16;
     const auto five = [packed](uint32_t shift) {
       const uint32_t value = packed >> shift & 31;
       return value << 3 | value >> 2;
     };
-    return {five(10), five(5), five(0)};
+    return five(10) << 16 | five(5) << 8 | five(0);
   }
 };
-
-void Store(uint8_t* out, std::size_t at, PixelTarget target, const Color& c) {
-  const uint32_t bytes[3] = {c.blue, c.green, c.red};
-  for (std::size_t i = 0; i < 3; ++i) {
-    if (target == PixelTarget::kBand24) out[3 * at + i] = static_cast<uint8_t>(bytes[i]);
-    if (target == PixelTarget::kSource24) out[3 * at + i] = static_cast<uint8_t>(bytes[2 - i]);
-  }
-  if (target == PixelTarget::kGray8) out[at] = static_cast<uint8_t>((c.red * 30 + c.green * 59 + c.blue * 11) / 100);
-}
 
 // One source column after another, in numbers that wrap; a later one paints over what earlier ones have painted.
 void ConvertNaively(uint8_t* out, const Source& source, const Stepping& stepping, const SourceMapping& mapping,
                     PixelTarget target) {
+  const int32_t bytes = static_cast<int32_t>(BytesOf(target));
   uint32_t position = static_cast<uint32_t>(stepping.start) + 32768;
   int32_t done = 0;
   for (int32_t i = 0; i < stepping.sourcePixels; ++i) {
@@ -54,15 +49,10 @@ void ConvertNaively(uint8_t* out, const Source& source, const Stepping& stepping
     const uint16_t reached = static_cast<uint16_t>(static_cast<int32_t>(position) / 65536);
     const int32_t end = std::min(reached, stepping.dstPixels);
     const int32_t x = mapping.mirrorX ? mapping.left + mapping.columns - 1 - i : mapping.left + i;
-    for (; done < end; ++done) Store(out, static_cast<std::size_t>(done), target, source.At(x));
+    const uint32_t pixel = Packed(source.ColorAt(x), target);
+    for (int32_t at = done * bytes; at < end * bytes; ++at) out[at] = static_cast<uint8_t>(pixel >> at % bytes * 8);
     done = end;
   }
-}
-
-uint32_t TableEntry(const Color& c, PixelTarget target) {
-  uint8_t bytes[4] = {};
-  Store(bytes, 0, target, c);
-  return bytes[0] | static_cast<uint32_t>(bytes[1]) << 8 | static_cast<uint32_t>(bytes[2]) << 16;
 }
 
 PixelMasks FiveBitMasks(PixelTarget target) {
@@ -92,7 +82,7 @@ constexpr Stepping kWrapping[] = {{65536, -8 * 65536, 21, 16},     {65536, -20 *
 class ColumnPlanTest : public test::KernelTest {
  protected:
   ColumnPlanTest() {
-    for (int i = 0; i < 256; ++i) table_.push_back({RandomByte(), RandomByte(), RandomByte()});
+    for (uint32_t& color : table_) color = random_() & 0xFFFFFF;
   }
 
   int32_t Below(int32_t end) { return static_cast<int32_t>(random_() % static_cast<uint32_t>(end)); }
@@ -123,7 +113,7 @@ class ColumnPlanTest : public test::KernelTest {
     ConvertNaively(expected.data(), {bitCount, row, table_}, stepping, mapping, target);
 
     PixelColors colors{};
-    for (std::size_t i = 0; i < table_.size(); ++i) colors.table.entries[i] = TableEntry(table_[i], target);
+    for (std::size_t i = 0; i < table_.size(); ++i) colors.table.entries[i] = Packed(table_[i], target);
     colors.masks = FiveBitMasks(target);
     ColumnPlan plan;
     ASSERT_TRUE(plan.Make(stepping, mapping, bitCount, target, buffers_));
@@ -136,7 +126,7 @@ class ColumnPlanTest : public test::KernelTest {
     });
   }
 
-  std::vector<Color> table_;
+  std::vector<uint32_t> table_ = std::vector<uint32_t>(256);
   ImageBuffers buffers_;
 };
 

@@ -24,29 +24,17 @@ int32_t TableColumn(const CoordinateMap& map, int32_t v) {
   return map.TableColumn(v, &column) ? column : kDropped;
 }
 
-// An entry of a dropped column carries the nearest kept one before.
-constexpr int32_t Carrying(int32_t kept) { return INT32_MIN | kept; }
-
 TEST(CoordinateMap, Examples) {
   const BuiltMap halved({720, 360}), same({360, 360}), doubled({360, 720}), fourfold({360, 1440});
-  constexpr int32_t kEven = 6, kOdd = 5;
-  EXPECT_EQ(halved.columnMap()[kEven], 3);
-  EXPECT_EQ(halved.columnMap()[kOdd], Carrying(2));
-  EXPECT_EQ(halved.bandIndex()[3], 6u);
-  EXPECT_EQ(halved.MapKept(kEven), 3);
-  EXPECT_EQ(halved.MapKept(kOdd), -1);
-  EXPECT_EQ(halved.MapKept(-1), -1);
-  EXPECT_EQ(halved.MapKept(720 + kEven), 360 + 3);
+  EXPECT_EQ(halved.MapKept(720 + 6), 363);
+  EXPECT_EQ(halved.MapKept(5), -1) << "dropped";
+  EXPECT_EQ(halved.MapKept(-6), -1) << "not on the page";
   for (int32_t v = 0; v < 1000; ++v) EXPECT_EQ(same.MapKept(v), v);
-  // Exact halves round down, so that the odd band indices fall on the page index before them.
   EXPECT_EQ(doubled.MapKept(7), 14);
-  EXPECT_EQ(doubled.columnMap()[0], 1);
-  EXPECT_EQ(TableColumn(doubled, 0), 1);
+  EXPECT_EQ(TableColumn(doubled, 0), 1) << "an exact half rounds down: band index 1 falls on page index 0";
   EXPECT_EQ(TableColumn(doubled, 360 + 5), 720 + 11);
   EXPECT_EQ(TableColumn(doubled, -1), -720 + 719) << "the last column of the inch before";
-  EXPECT_EQ(TableColumn(doubled, -360), -720 + 1) << "its first";
-  // One past the inch.
-  EXPECT_EQ(fourfold.bandIndex()[1439], 360u);
+  EXPECT_EQ(fourfold.bandIndex()[1439], 360u) << "one past the inch";
   EXPECT_EQ(fourfold.columnMap()[360], 1439);
 }
 
@@ -61,13 +49,17 @@ TEST(CoordinateMap, KeptIndicesAreTheRoundedOnes) {
       kept[static_cast<std::size_t>(rounded)] = j;
       ASSERT_EQ(map.bandIndex()[j], static_cast<uint32_t>(rounded));
     }
-    int32_t carried = 0;
+    int32_t carried = 0;  // by the entries of dropped columns: the nearest kept one before
     for (int32_t i = 0; i < r.a; ++i) {
       const int32_t column = kept[static_cast<std::size_t>(i)];
-      if (column != kDropped) carried = column;
-      ASSERT_EQ(map.columnMap()[i], column != kDropped ? column : Carrying(carried)) << i;
-      ASSERT_EQ(TableColumn(map, i), column) << i;
-      ASSERT_EQ(map.MapKept(i), column != kDropped ? PortableMulDiv(i, r.b, r.a) : -1) << i;
+      const bool drops = column == kDropped;
+      if (!drops) carried = column;
+      ASSERT_EQ(map.columnMap()[i], drops ? INT32_MIN | carried : column) << i;
+      for (const int32_t inch : {-2, -1, 0, 1, 2}) {
+        const int32_t v = inch * r.a + i;
+        ASSERT_EQ(TableColumn(map, v), drops ? kDropped : inch * r.b + column) << v;
+        ASSERT_EQ(map.MapKept(v), drops || v < 0 ? -1 : PortableMulDiv(v, r.b, r.a)) << v;
+      }
     }
   }
 }
