@@ -135,17 +135,16 @@ std::vector<uint32_t> PhotoTable(uint16_t bitCount) {
 }
 
 // The first channel is the low byte of a pixel's color.
-Picture PictureOf(const PlaneImage& plane, uint32_t channels, uint32_t factor) {
-  Picture picture{static_cast<uint32_t>(plane.columns()), static_cast<uint32_t>(plane.rows()), channels, {}};
+PlaneImage PictureOf(const char* name, const PlaneImage& plane, uint32_t channels, uint32_t factor) {
+  std::vector<uint8_t> bytes;
   for (int32_t row = 0; row < plane.rows(); ++row) {
     for (int32_t column = 0; column < plane.columns(); ++column) {
       const uint32_t color = plane.Color(column, row);
-      for (uint32_t i = 0; i < channels; ++i) {
-        picture.bytes.push_back(static_cast<uint8_t>((color >> 8 * i & 0xFF) * factor));
-      }
+      for (uint32_t i = 0; i < channels; ++i) bytes.push_back(static_cast<uint8_t>((color >> 8 * i & 0xFF) * factor));
     }
   }
-  return picture;
+  return MakePicture(name, static_cast<uint32_t>(plane.columns()), static_cast<uint32_t>(plane.rows()), channels,
+                     bytes);
 }
 
 }  // namespace
@@ -158,13 +157,13 @@ std::vector<PaintedScene> AllScenes() {
   return scenes;
 }
 
-Picture BandPicture(const TestDevice& device) {
+PlaneImage BandPicture(const char* name, const TestDevice& device) {
   const PlaneImage plane = BandImage(device);
   EXPECT_TRUE(device.FencesIntact());
-  return PictureOf(plane, static_cast<uint32_t>(plane.bytesPerPixel()), 1);
+  return PictureOf(name, plane, static_cast<uint32_t>(plane.bytesPerPixel()), 1);
 }
 
-Picture TagPicture(const TestDevice& device) { return PictureOf(TagImage(device), 1, 85); }
+PlaneImage TagPicture(const char* name, const TestDevice& device) { return PictureOf(name, TagImage(device), 1, 85); }
 
 void Text(const TestDevice& device, int32_t x, int32_t y, std::string_view text, int scale, DRAWMODE mode,
           const TextSetup& setup) {

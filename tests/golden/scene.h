@@ -12,15 +12,10 @@
 
 namespace qnv::test {
 
-// A picture of a scene; the name is that of its file, without suffix.
-struct ScenePicture {
-  std::string name;
-  Picture picture;
-};
-
+// Each picture has the name of its file, without suffix.
 struct PaintedScene {
   const char* name;
-  std::vector<ScenePicture> (*paint)();
+  std::vector<PlaneImage> (*paint)();
 };
 
 inline void PrintTo(const PaintedScene& scene, std::ostream* out) { *out << scene.name; }
@@ -39,9 +34,9 @@ struct Cleared : Device {
   explicit Cleared(const DeviceOptions& options) : Device(options) { this->Clear(); }
 };
 
-Picture BandPicture(const TestDevice& device);
+PlaneImage BandPicture(const char* name, const TestDevice& device);
 // Tags 0, 1 and 3 as gray levels 0, 85 and 255.
-Picture TagPicture(const TestDevice& device);
+PlaneImage TagPicture(const char* name, const TestDevice& device);
 
 // Capitals, digits and space, 7 rows high in cells of 9, each font pixel `scale` (1 or 2) wide and high.
 void Text(const TestDevice& device, int32_t x, int32_t y, std::string_view text, int scale, DRAWMODE mode,

@@ -29,24 +29,22 @@ void PaintPage(const TestDevice& device) {
   Text(device, 54, 98, "SMALL", 2, mode);
 }
 
-Picture MappedPage(uint16_t bitsPerPixel, uint16_t resolutionA, uint16_t resolutionB) {
+PlaneImage MappedPage(const char* name, uint16_t bitsPerPixel, uint16_t resolutionA, uint16_t resolutionB) {
   const Cleared<ScaledDevice> device({.bitsPerPixel = bitsPerPixel,
                                       .width = 160u * resolutionB / resolutionA,
                                       .height = 120u * resolutionB / resolutionA,
                                       .resolutionA = resolutionA,
                                       .resolutionB = resolutionB});
   PaintPage(device);
-  return BandPicture(device);
+  return BandPicture(name, device);
 }
 
-std::vector<ScenePicture> PaintMappedPages() {
-  return {{"mapped_600_400", MappedPage(24, 600, 400)},
-          {"mapped_720_360", MappedPage(24, 720, 360)},
-          {"mapped_300_450", MappedPage(24, 300, 450)},
-          {"mapped_gray_600_400", MappedPage(0, 600, 400)}};
+std::vector<PlaneImage> PaintMappedPages() {
+  return {MappedPage("mapped_600_400", 24, 600, 400), MappedPage("mapped_720_360", 24, 720, 360),
+          MappedPage("mapped_300_450", 24, 300, 450), MappedPage("mapped_gray_600_400", 0, 600, 400)};
 }
 
-std::vector<ScenePicture> PaintDualPlanePage() {
+std::vector<PlaneImage> PaintDualPlanePage() {
   const Cleared<DualPlaneDevice> device({.width = 160, .height = 120});
   // Before any image nothing is tagged; afterwards everything is.
   Caption(device, 4, 2, "FIRST TEXT");
@@ -72,7 +70,7 @@ std::vector<ScenePicture> PaintDualPlanePage() {
   const PhysicalBrush brush = SolidBrush(device.handle(), 0xFF8000);
   EXPECT_EQ(1u, Transfer(device.handle(),
                          {.at = {84, 78}, .size = {72, 38}, .rop = PATCOPY, .brush = &brush, .drawMode = &mode}));
-  return {{"dual_plane_colors", BandPicture(device)}, {"dual_plane_tags", TagPicture(device)}};
+  return {BandPicture("dual_plane_colors", device), TagPicture("dual_plane_tags", device)};
 }
 
 }  // namespace

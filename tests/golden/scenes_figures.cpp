@@ -8,7 +8,7 @@
 namespace qnv::test {
 namespace {
 
-std::vector<ScenePicture> PaintHatchesAndPatterns() {
+std::vector<PlaneImage> PaintHatchesAndPatterns() {
   const Cleared<TestDevice> device({.width = 176, .height = 176});
   FillRectangle(device, {0, 0, 88, 176}, 0xC8F0F0);
   // Hatches: transparent, opaque, doubled.
@@ -40,10 +40,10 @@ std::vector<ScenePicture> PaintHatchesAndPatterns() {
     FillRectangle(device, {4 + 42 * i, 108, 43 + 42 * i, 172}, brush,
                   MakeDrawMode({.background = 0x80FFFF, .text = 0x800000}));
   }
-  return {{"hatches_and_patterns", BandPicture(device)}};
+  return {BandPicture("hatches_and_patterns", device)};
 }
 
-std::vector<ScenePicture> PaintRop2Bars() {
+std::vector<PlaneImage> PaintRop2Bars() {
   const Cleared<TestDevice> device({.width = 164, .height = 120});
   // Behind: color stripes from left to right, and the photograph.
   const uint32_t stripes[] = {0x000000, 0x0000FF, 0x00FF00, 0xFF0000, 0x808080, 0xFFFFFF};
@@ -57,7 +57,7 @@ std::vector<ScenePicture> PaintRop2Bars() {
     FillRectangle(device, {left + 4, 4, left + 8, 104}, HatchBrush(device.handle(), HS_HORIZONTAL, 0x20A0F0), mode);
   }
   for (int32_t code = 1; code <= 16; code += 3) Caption(device, 2 + 10 * (code - 1), 109, std::to_string(code));
-  return {{"rop2_bars", BandPicture(device)}};
+  return {BandPicture("rop2_bars", device)};
 }
 
 // Half of a row's span through a disc of this radius, exact in whole numbers.
@@ -67,7 +67,7 @@ int HalfWidth(int radius, int row) {
   return half;
 }
 
-std::vector<ScenePicture> PaintSpanEncodings() {
+std::vector<PlaneImage> PaintSpanEncodings() {
   const Cleared<TestDevice> device({.width = 192, .height = 128});
   const DRAWMODE mode = MakeDrawMode();
   const auto paint = [&](uint32_t style, uint32_t count, const std::vector<int>& words, const std::vector<int>& deltas,
@@ -105,7 +105,7 @@ std::vector<ScenePicture> PaintSpanEncodings() {
   }
   paint(OS_BYTE_DELTAS, 52, {68, 96, 97}, triangle, 0xC000C0);
   paint(OS_NIBBLE_DELTAS, 52, {68, 132, 152}, bar, 0x606060);
-  return {{"span_encodings", BandPicture(device)}};
+  return {BandPicture("span_encodings", device)};
 }
 
 constexpr uint32_t kOperations[] = {BLACKNESS,  NOTSRCERASE, NOTSRCCOPY, SRCERASE,   DSTINVERT, PATINVERT,
@@ -133,7 +133,7 @@ struct TransferSources {
   SourceBitmap OneBit() const { return {0, 24, 24, 4, 1, 1, oneBitBytes.data()}; }
 };
 
-std::vector<ScenePicture> PaintTransfers() {
+std::vector<PlaneImage> PaintTransfers() {
   const Cleared<TestDevice> device({.width = 250, .height = 172});
   const TransferSources sources;
   const SourceBitmap color = sources.Color(), oneBit = sources.OneBit();
@@ -160,7 +160,7 @@ std::vector<ScenePicture> PaintTransfers() {
     blit(y + 28, oneBit, hatch);
     blit(y + 56, oneBit, solid);
   }
-  return {{"transfers", BandPicture(device)}};
+  return {BandPicture("transfers", device)};
 }
 
 }  // namespace

@@ -31,13 +31,13 @@ std::vector<uint8_t> Flag(bool fourBits) {
   return writer.bytes();
 }
 
-std::vector<ScenePicture> PaintImageDepths() {
+std::vector<PlaneImage> PaintImageDepths() {
   const Cleared<TestDevice> device({.width = 166, .height = 112});
   PaintDepths(device);
-  return {{"image_depths", BandPicture(device)}};
+  return {BandPicture("image_depths", device)};
 }
 
-std::vector<ScenePicture> PaintImageScales() {
+std::vector<PlaneImage> PaintImageScales() {
   const Cleared<TestDevice> device({.width = 240, .height = 176});
   const Dib dib = PhotoDib(24);
   const Dib packed = PhotoDib(4);
@@ -56,19 +56,19 @@ std::vector<ScenePicture> PaintImageScales() {
   FillRectangle(device, {94, 132, 152, 172}, HatchBrush(device.handle(), HS_DIAGCROSS, 0x0000FF), MakeDrawMode());
   Stretch(device, dib, PhotoAt(96, 134, 26, 36), {.rop = SRCINVERT});
   Stretch(device, dib, PhotoAt(124, 134, 26, 36), {.rop = ROP_MINIMUM});
-  return {{"image_scales", BandPicture(device)}};
+  return {BandPicture("image_scales", device)};
 }
 
-std::vector<ScenePicture> PaintImagesOnGray() {
+std::vector<PlaneImage> PaintImagesOnGray() {
   const Cleared<TestDevice> device({.bitsPerPixel = 8, .width = 166, .height = 156});
   PaintDepths(device);
   const Dib dib = PhotoDib(8);
   Stretch(device, dib, PhotoAt(52, 114, -48, 40));
   Stretch(device, dib, PhotoAt(58, 154, 100, -40), {.rop = NOTSRCCOPY});
-  return {{"images_on_gray", BandPicture(device)}};
+  return {BandPicture("images_on_gray", device)};
 }
 
-std::vector<ScenePicture> PaintRunLengthImages() {
+std::vector<PlaneImage> PaintRunLengthImages() {
   const Cleared<TestDevice> device({.width = 140, .height = 104});
   for (int32_t i = 0; i < 2; ++i) {
     const bool fourBits = i == 1;
@@ -79,7 +79,7 @@ std::vector<ScenePicture> PaintRunLengthImages() {
     Stretch(device, dib, {64 + 68 * i, 4, -17, 32, 0, 0, 40, 32});   // narrow, mirrored
     Stretch(device, dib, {4 + 68 * i, 38, 60, 60, 10, 10, 20, 20});  // the middle, threefold
   }
-  return {{"run_length_images", BandPicture(device)}};
+  return {BandPicture("run_length_images", device)};
 }
 
 }  // namespace

@@ -62,12 +62,12 @@ void PaintText(const TestDevice& device) {
 }
 
 // The colors of text are taken as they are: a gray band keeps their high byte alone.
-std::vector<ScenePicture> PaintTexts() {
+std::vector<PlaneImage> PaintTexts() {
   const Cleared<TestDevice> color({.width = 208, .height = 168});
   const Cleared<TestDevice> gray({.bitsPerPixel = 8, .width = 208, .height = 168});
   PaintText(color);
   PaintText(gray);
-  return {{"text_modes", BandPicture(color)}, {"text_on_gray", BandPicture(gray)}};
+  return {BandPicture("text_modes", color), BandPicture("text_on_gray", gray)};
 }
 
 }  // namespace
