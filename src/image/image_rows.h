@@ -57,12 +57,19 @@ inline BltArguments RowTransfer(const ImageTransfer& transfer, const SourceBitma
           &kNoClip};
 }
 
+// Every destination row can be seen.
+struct AllRows {
+  bool operator()(int32_t) const { return true; }
+};
+
 // Every raster code but SRCCOPY: calls paintRow(BltArguments, pixels) for each destination row, with the one-row
-// transfer under `rop` that paints it and with the converted pixels. afterConvert(pixels, count) may change a converted
-// row before. paintRow returns false to end the image. Returns 1, or 0 when paintRow ended the image or without memory.
-template <class AfterConvert, class PaintRow>
+// transfer under `rop` that paints it and with the converted pixels. keeps(row) says whether a destination row can be
+// seen: of those that cannot, only the first that a source row covers is handed over, with whatever pixels, because a
+// transfer also prepares the fill pattern. afterConvert(pixels, count) may change a converted row before. paintRow
+// returns false to end the image. Returns 1, or 0 when paintRow ended the image or without memory.
+template <class Keeps, class AfterConvert, class PaintRow>
 uint16_t FeedRows(ImageTransfer& transfer, uint32_t bitmapWidth, uint32_t bytesPerPixel, uint32_t rop,
-                  const ImageArguments& a, AfterConvert afterConvert, PaintRow paintRow) {
+                  const ImageArguments& a, Keeps keeps, AfterConvert afterConvert, PaintRow paintRow) {
   // Clearing the buffer once is enough, because every row writes the same columns.
   const int32_t before = ColumnsBefore(transfer);
   uint8_t* buffer = transfer.TakeRowBuffer(before);
@@ -70,12 +77,19 @@ uint16_t FeedRows(ImageTransfer& transfer, uint32_t bitmapWidth, uint32_t bytesP
   const SourceBitmap bitmap = RowBitmap(buffer, bitmapWidth, bytesPerPixel);
   uint8_t* visible = buffer + static_cast<std::size_t>(before) * bytesPerPixel;
   CoveredRows rows;
+  bool fed = false;
   while (transfer.NextRow(&rows)) {
-    if (rows.count == 0) continue;
-    transfer.ConvertRow(visible);
-    afterConvert(visible, transfer.RowPixels());
+    bool converted = false;
     const int32_t top = transfer.Clipped().top + rows.first;
     for (int32_t i = 0; i < rows.count; ++i) {
+      const bool seen = keeps(top + i);
+      if (!seen && fed) continue;
+      if (seen && !converted) {
+        transfer.ConvertRow(visible);
+        afterConvert(visible, transfer.RowPixels());
+        converted = true;
+      }
+      fed = true;
       if (!paintRow(RowTransfer(transfer, bitmap, top + i, rop, a), visible)) return 0;
     }
   }

@@ -75,9 +75,7 @@ int32_t CoordinateMap::PageOf(int32_t band) const {
 // For a dropped page pixel it is the band pixel after the nearest one before.
 int32_t CoordinateMap::FirstBandFrom(int32_t v) const {
   const InchPlace place = PlaceOf(v);
-  const int32_t entry = columnMap_[place.index];
-  const int32_t kept = entry >= 0 ? entry : static_cast<int32_t>(static_cast<uint32_t>(entry) & ~kDropped) + 1;
-  return place.inch * b_ + kept;
+  return place.inch * b_ + FirstKeptFrom(place.index);
 }
 
 }  // namespace qnv

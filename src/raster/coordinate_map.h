@@ -53,6 +53,29 @@ class CoordinateMap {
     int32_t index_;       // page column within the inch
   };
 
+  // The same, the other way: page pixels of band columns, left of the page too. Requires: b is not 0.
+  // The page column of a band column; of several that one is rounded to, no earlier one falls on it or behind it.
+  int64_t TablePageOf(int64_t band) const {
+    const int64_t inch = FloorDivide(band, b_);
+    return inch * a_ + bandIndex_[band - inch * b_];
+  }
+  // The first band column whose page column is v or a later one. Requires: Decimates().
+  int64_t FirstTableBandFrom(int32_t v) const {
+    const int64_t inch = FloorDivide(v, a_);
+    return inch * b_ + FirstKeptFrom(static_cast<int32_t>(v - inch * a_));
+  }
+  // Calls take(page column) for the band columns [band, end) until it returns false. Requires: Decimates().
+  template <class Take>
+  void ForEachTablePage(int64_t band, int64_t end, Take take) const {
+    int64_t inch = FloorDivide(band, b_);
+    int32_t index = static_cast<int32_t>(band - inch * b_);
+    for (inch *= a_; band < end; inch += a_, index = 0) {
+      for (; index < b_ && band < end; ++index, ++band) {
+        if (!take(inch + bandIndex_[index])) return;
+      }
+    }
+  }
+
   // True when the band is not finer than the page, so that every band pixel shows a page pixel of its own. Then loops
   // may run over band pixels and look up the page pixel of each.
   bool Decimates() const { return b_ != 0 && b_ <= a_; }
@@ -84,6 +107,16 @@ class CoordinateMap {
  private:
   // Marks the entry of a page index that no band index shows; the other bits are the nearest band index before it.
   static constexpr uint32_t kDropped = 0x80000000u;
+
+  static constexpr int64_t FloorDivide(int64_t v, int64_t divisor) {
+    return v >= 0 ? v / divisor : -((-v + divisor - 1) / divisor);
+  }
+
+  // Of an inch: the first band index whose page index is `index` or a later one; b when there is none.
+  int32_t FirstKeptFrom(int32_t index) const {
+    const int32_t entry = columnMap_[index];
+    return entry >= 0 ? entry : static_cast<int32_t>(static_cast<uint32_t>(entry) & ~kDropped) + 1;
+  }
 
   // A page coordinate as inch and index within the inch.
   struct InchPlace {

@@ -90,6 +90,22 @@ struct KeptMapping {
         count, bandColumns, [&](int32_t i) { return map->MapKept(WrapAdd(first, i)); }, paint);
   }
 
+  // Text's columns: calls paint(ColumnRun) for the caller columns [first, first + count) that the table puts into the
+  // band's [left, right). Work follows the band's columns where it is coarser than the page.
+  template <class Paint>
+  void ForEachTableRun(int32_t first, int32_t count, int32_t left, int32_t right, Paint paint) const {
+    if (map->Decimates()) {
+      const int64_t reached = map->FirstTableBandFrom(first);
+      return ForEachTableRunFrom(reached > left ? reached : left, first, int64_t{first} + count, left, right, paint);
+    }
+    CoordinateMap::TableColumns columns(*map, first);
+    const auto bandColumnOf = [&](int32_t) {
+      int32_t column;
+      return columns.Next(&column) ? WrapSubtract(column, left) : -1;
+    };
+    ForEachMappedRun(count, WrapSubtract(right, left), bandColumnOf, paint);
+  }
+
   // Calls paint(ColumnRun) for those of the columns 0 .. count - 1 whose band column, bandColumnOf(i), lies in
   // [0, bandColumns), collected into runs of consecutive band columns. A dropped column has a negative band column.
   template <class BandColumnOf, class Paint>
@@ -118,6 +134,29 @@ struct KeptMapping {
   static int64_t EndOf(int32_t first, int32_t count) {
     const int64_t end = int64_t{first} + static_cast<uint32_t>(count);
     return end > INT32_MAX ? int64_t{INT32_MAX} + 1 : end;
+  }
+
+  // Requires: at most 65,536 caller columns.
+  template <class Paint>
+  void ForEachTableRunFrom(int64_t column, int32_t first, int64_t end, int32_t left, int32_t right, Paint paint) const {
+    uint16_t indices[kMaxRunPixels];
+    bool some = true;
+    while (some && column < right) {
+      ColumnRun run{static_cast<int32_t>(column - left), 0, 0, indices};
+      some = false;  // until the run is full
+      map->ForEachTablePage(column, right, [&](int64_t page) {
+        if (page >= end) return false;
+        if (run.count == kMaxRunPixels) {
+          some = true;
+          return false;
+        }
+        if (run.count == 0) run.callerColumn = static_cast<int32_t>(page - first);
+        indices[run.count++] = static_cast<uint16_t>(page - first - run.callerColumn);
+        return true;
+      });
+      if (run.count != 0) paint(static_cast<const ColumnRun&>(run));
+      column += run.count;
+    }
   }
 
   // For a band that is not finer than the page: its columns are consecutive and each has a caller column, so the loop

@@ -9,6 +9,8 @@ namespace {
 
 // Rows of a glyph that are gathered at a time.
 constexpr int32_t kMaxRows = 64;
+// Where more rows than these fall on one of the band they are merged before their columns are taken.
+constexpr int64_t kManyRows = 8;
 
 // In each byte of a word: when the bit 0x80 >> from is set in `bytes`, sets the bit 0x80 >> to in `out`.
 template <class Word>
@@ -58,6 +60,67 @@ void PaintGathered(const BandView& band, const BitPainter& painter, int32_t x, s
   }
 }
 
+// All rows of a column of bytes, one over the other.
+uint8_t MergedRows(const uint8_t* bytes, int32_t rows) {
+  uint64_t merged = 0;
+  int32_t row = 0;
+  for (; row + 8 <= rows; row += 8) {
+    uint64_t eight;
+    std::memcpy(&eight, bytes + row, sizeof eight);
+    merged |= eight;
+  }
+  for (; row < rows; ++row) merged |= bytes[row];
+  merged |= merged >> 32;
+  merged |= merged >> 16;
+  return static_cast<uint8_t>(merged | merged >> 8);
+}
+
+// The first row behind `first` that falls on another row of the band, or `end`. Rows that fall on one stand together,
+// so that growing steps find their end.
+int32_t EndOfBandRow(const KeptMapping& mapping, int32_t y, int32_t first, int32_t end) {
+  const int32_t bandRow = mapping.ToBand(WrapAdd(y, first));
+  const auto isSame = [&](int32_t row) { return mapping.ToBand(WrapAdd(y, row)) == bandRow; };
+  int32_t same = first, step = 1;
+  for (; step < end - same && isSame(same + step); step *= 2) same += step;
+  int32_t other = step < end - same ? same + step : end;
+  while (other - same > 1) {
+    const int32_t middle = same + (other - same) / 2;
+    (isSame(middle) ? same : other) = middle;
+  }
+  return other;
+}
+
+// A glyph with many rows to one of the band: each row of the band is worked out by itself.
+void PaintMerged(const BandView& band, const KeptMapping& mapping, const BitPainter& painter, const Rect& part,
+                 const PlacedGlyph& glyph) {
+  for (int32_t top = part.top, end; top < part.bottom; top = end) {
+    end = EndOfBandRow(mapping, glyph.y, top, part.bottom);
+    const int32_t y = mapping.ToBand(WrapAdd(glyph.y, top));
+    if (y < band.rect.top || y >= band.rect.bottom) continue;
+    const int32_t first = painter.ShowsLast() ? end - 1 : top;
+    mapping.ForEachTableRun(WrapAdd(glyph.x, part.left), part.right - part.left, band.rect.left, band.rect.right,
+                            [&](const ColumnRun& run) {
+                              int32_t byteColumn = -1;
+                              uint8_t merged = 0;
+                              for (int32_t done = 0; done < run.count; done += 8) {
+                                const int32_t pixels = MinOf(run.count - done, 8);
+                                uint8_t bits = 0;
+                                for (int32_t i = 0; i < pixels; ++i) {
+                                  const int32_t column = part.left + run.callerColumn + run.indices[done + i];
+                                  if (column / 8 != byteColumn) {
+                                    byteColumn = column / 8;
+                                    merged = MergedRows(glyph.bits + std::ptrdiff_t{byteColumn} * glyph.height + first,
+                                                        end - first);
+                                  }
+                                  bits = static_cast<uint8_t>(bits | (merged >> (7 - column % 8) & 1) << (7 - i));
+                                }
+                                painter.PaintColumn(band.At(band.rect.left + run.bandColumn + done, y), band.stride,
+                                                    GlyphColumn{&bits, 1, 0, static_cast<std::size_t>(pixels)});
+                              }
+                            });
+  }
+}
+
 }  // namespace
 
 BitPainter::BitPainter(const RowKernels& rows, uint32_t text, uint32_t background, bool transparent,
@@ -95,14 +158,31 @@ void PaintGlyph(const BandView& band, const PlainMapping&, const BitPainter& pai
   }
 }
 
+Rect ReachedLimits(const BandView& band, const KeptMapping& mapping, const Rect& limits) {
+  const CoordinateMap& map = *mapping.map;
+  const int64_t a = map.a(), b = map.b();
+  if (b == 0 || band.rect.left >= band.rect.right || band.rect.top >= band.rect.bottom) return Rect{0, 0, 0, 0};
+  Rect reached = limits;
+  const auto cut = [](int32_t& low, int32_t& high, int64_t first, int64_t end) {
+    if (first > low) low = first < high ? static_cast<int32_t>(first) : high;
+    if (end < high) high = end > low ? static_cast<int32_t>(end) : low;
+  };
+  // Rounded rows: those within one of the band's. Neither they nor the table's columns overflow: the limits begin at
+  // row and column -32768 of the band or behind them.
+  cut(reached.top, reached.bottom, (int64_t{band.rect.top} - 2) * a / b, (int64_t{band.rect.bottom} + 2) * a / b + 1);
+  cut(reached.left, reached.right, map.TablePageOf(band.rect.left), map.TablePageOf(int64_t{band.rect.right} - 1) + 1);
+  return reached;
+}
+
 void PaintGlyph(const BandView& band, const KeptMapping& mapping, const BitPainter& painter, const Rect& limits,
                 const PlacedGlyph& glyph) {
   Rect part;
   if (!VisiblePart(glyph, limits, &part)) return;
-  const int32_t bandColumns = WrapSubtract(band.rect.right, band.rect.left);
+  const int64_t bandRows = int64_t{band.rect.bottom} - band.rect.top;
+  if (part.bottom - part.top > kManyRows * (bandRows + 1)) return PaintMerged(band, mapping, painter, part, glyph);
   for (int32_t row = part.top; row < part.bottom;) {
     // The next rows of the glyph that lie in the band, `top` being the first of them.
-    int32_t bandRows[kMaxRows];
+    int32_t rowsOfBand[kMaxRows];
     int32_t rows = 0;
     int32_t top = row;
     for (; row < part.bottom && rows < kMaxRows; ++row) {
@@ -110,25 +190,22 @@ void PaintGlyph(const BandView& band, const KeptMapping& mapping, const BitPaint
       if (y >= band.rect.bottom) {
         part.bottom = row;
       } else if (y >= band.rect.top) {
-        bandRows[rows++] = y;
+        rowsOfBand[rows++] = y;
       } else {
         top = row + 1;
       }
     }
     // The columns of the glyph that the band keeps, in runs; each run is gathered and painted eight columns at a time.
-    CoordinateMap::TableColumns columns(*mapping.map, WrapAdd(glyph.x, part.left));
-    const auto bandColumnOf = [&](int32_t) {
-      int32_t column;
-      return columns.Next(&column) ? WrapSubtract(column, band.rect.left) : -1;
-    };
-    KeptMapping::ForEachMappedRun(part.right - part.left, bandColumns, bandColumnOf, [&](const ColumnRun& run) {
-      for (int32_t done = 0; done < run.count; done += 8) {
-        const uint32_t pixels = static_cast<uint32_t>(MinOf(run.count - done, 8));
-        uint8_t bytes[kMaxRows];
-        GatherColumns(bytes, glyph, part.left + run.callerColumn, run.indices + done, pixels, top, rows);
-        PaintGathered(band, painter, band.rect.left + run.bandColumn + done, pixels, bytes, bandRows, rows);
-      }
-    });
+    mapping.ForEachTableRun(
+        WrapAdd(glyph.x, part.left), part.right - part.left, band.rect.left, band.rect.right,
+        [&](const ColumnRun& run) {
+          for (int32_t done = 0; done < run.count; done += 8) {
+            const uint32_t pixels = static_cast<uint32_t>(MinOf(run.count - done, 8));
+            uint8_t bytes[kMaxRows];
+            GatherColumns(bytes, glyph, part.left + run.callerColumn, run.indices + done, pixels, top, rows);
+            PaintGathered(band, painter, band.rect.left + run.bandColumn + done, pixels, bytes, rowsOfBand, rows);
+          }
+        });
   }
 }
 

@@ -21,6 +21,8 @@ class BitPainter {
   void PaintColumn(uint8_t* dst, std::size_t stride, const GlyphColumn& column) const {
     paintColumn_(dst, stride, column, colors_);
   }
+  // Of rows painted one over the other the last one alone is seen.
+  bool ShowsLast() const { return !transparent_; }
   // The row of bits that gives the same picture as painting `below` and then `above` over it.
   uint8_t Merge(uint8_t below, uint8_t above) const {
     return transparent_ ? static_cast<uint8_t>(below | above) : above;
@@ -62,7 +64,7 @@ inline Rect ReachedLimits(const BandView& band, const PlainMapping&, const Rect&
   RectIntersect(inside, limits, band.rect);
   return inside;
 }
-inline Rect ReachedLimits(const BandView&, const KeptMapping&, const Rect& limits) { return limits; }
+Rect ReachedLimits(const BandView& band, const KeptMapping& mapping, const Rect& limits);
 
 // Paints the part of a glyph that lies inside `limits`, which come from ReachedLimits.
 void PaintGlyph(const BandView& band, const PlainMapping& mapping, const BitPainter& painter, const Rect& limits,

@@ -9,6 +9,7 @@
 #include "random/random.h"
 #include "reference/model.h"
 #include "robustness/thread_clock.h"
+#include "text/font_builder.h"
 
 namespace qnv::test {
 namespace {
@@ -81,6 +82,108 @@ TEST(MappingRatios, TransfersAndImagesAsTheModelPaintsThem) {
     }
   }
   EXPECT_GT(changed, 200);
+}
+
+// One glyph, 'a', of random bits.
+Font RandomFont(Random& random, int16_t width, int16_t height) {
+  std::string picture(static_cast<std::size_t>(width) * static_cast<std::size_t>(height), '.');
+  for (char& bit : picture) bit = random.Percent(3) ? '#' : '.';
+  return FontBuilder({.height = height, .variablePitch = false, .fixedWidth = width})
+      .Glyph('a', width, picture)
+      .Build();
+}
+
+TEST(MappingRatios, TextAsTheModelPaintsIt) {
+  Random random(417);
+  int changed = 0;
+  const std::string letters(12, 'a');
+  for (int round = 0; round < 30; ++round) {
+    const Font font =
+        RandomFont(random, static_cast<int16_t>(random.Range(1, 200)),
+                   static_cast<int16_t>(random.Percent(20) ? random.Range(500, 2000) : random.Range(1, 90)));
+    for (const Ratio& ratio : kRatios) {
+      const DeviceOptions options{.kind = QNV_KIND_SCALED,
+                                  .bitsPerPixel = static_cast<uint16_t>(random.Percent(25) ? 0 : 24),
+                                  .width = 13,
+                                  .height = 7,
+                                  .resolutionA = ratio.a,
+                                  .resolutionB = ratio.b,
+                                  .left = random.Range(-3, 2),
+                                  .top = random.Range(-3, 2)};
+      TestDevice device(options);
+      const DeviceDescription description{options.kind,  options.bitsPerPixel, options.resolutionA,
+                                          options.width, options.height,       options.resolutionB};
+      const BandRect band{options.left, options.top, options.left + 13, options.top + 7};
+      const std::vector<uint8_t> before = device.BandBytes();
+      const auto model = reference::MakeModel(&description, &band, &before, nullptr);
+      ASSERT_NE(nullptr, model);
+      for (int call = 0; call < 6; ++call) {
+        // Glyphs end at 32,767 and begin at most a width left of 0.
+        const int32_t step = std::max(ratio.a / std::max<int32_t>(ratio.b, 1), 1);
+        const int32_t x = random.Range(0, std::min(13, 32000 / step)) * step - random.Range(0, 200);
+        const int32_t y = random.Range(0, std::min(7, 32000 / step)) * step - random.Range(0, 100);
+        DRAWMODE mode = TextMode(random.Percent(50) ? TRANSPARENT : OPAQUE);
+        mode.CharacterExtra = static_cast<int16_t>(random.Range(-20, 20) * std::min(step, 1000));
+        DRAWMODE modelMode = mode;
+        const BandRect clip{random.Range(-70000, 5), random.Range(-70000, 5), random.Range(5, 70000),
+                            random.Range(5, 70000)};
+        const int32_t count = random.Range(1, 12);
+        QNVDevExtTextOut(device.handle(), x, y, &clip, letters.data(), count, font.base(), font.offset(), &mode,
+                         nullptr, nullptr, nullptr, 0);
+        model->ExtTextOut(
+            {x, y, &clip, letters.data(), count, font.base(), font.offset(), &modelMode, nullptr, nullptr, 0});
+        ASSERT_EQ(model->band().bytes(), device.BandBytes())
+            << ratio.a << " to " << ratio.b << ", round " << round << ", call " << call;
+        ASSERT_TRUE(device.FencesIntact());
+      }
+      changed += device.BandBytes() != before ? 1 : 0;
+    }
+  }
+  EXPECT_GT(changed, 150);
+}
+
+// 32,767 characters whose glyph has millions of pixels, nearly all of them on the same few of the band.
+TEST(MappingRatios, TextFollowsTheBand) {
+  constexpr int16_t kSide = 4000;
+  const Font font = [] {
+    Random random(3);
+    return RandomFont(random, kSide, kSide);
+  }();
+  const std::vector<uint8_t> letters(32767, 'a');
+  for (const Ratio& ratio : {Ratio{65535, 1}, Ratio{65535, 65534}, Ratio{1, 65535}, Ratio{40000, 3}}) {
+    for (int16_t bkMode : {int16_t{TRANSPARENT}, int16_t{OPAQUE}}) {
+      TestDevice device(
+          {.kind = QNV_KIND_SCALED, .width = 7, .height = 3, .resolutionA = ratio.a, .resolutionB = ratio.b});
+      DRAWMODE mode = TextMode(bkMode);
+      mode.CharacterExtra = -kSide;
+      const double before = ThreadSeconds();
+      QNVDevExtTextOut(device.handle(), 0, 0, &kWholePage, letters.data(), 32767, font.base(), font.offset(), &mode,
+                       nullptr, nullptr, nullptr, 0);
+      EXPECT_LT(ThreadSeconds() - before, kEndsInSeconds) << ratio.a << " to " << ratio.b << ", mode " << bkMode;
+      EXPECT_TRUE(device.FencesIntact());
+    }
+  }
+}
+
+// Images of many source rows, each of which is enlarged to thousands of page columns and kept in none or in one.
+TEST(MappingRatios, ImageRowsFollowTheBand) {
+  constexpr int32_t kRows = 32767;
+  const std::vector<uint8_t> bits(std::size_t{4} * kRows, 0x5A);
+  const std::vector<uint8_t> info = DibInfo(1, kRows, {.bitCount = 1}, {0x00102030, 0x00FFFFFF});
+  const DRAWMODE mode = MakeDrawMode();
+  for (const Ratio& ratio : {Ratio{65535, 1}, Ratio{65535, 3}, Ratio{65535, 65534}}) {
+    for (uint32_t rop : {uint32_t{SRCCOPY}, uint32_t{SRCINVERT}, uint32_t{SRCPAINT}, uint32_t{ROP_MINIMUM}}) {
+      TestDevice device(
+          {.kind = QNV_KIND_SCALED, .width = 3, .height = 3, .resolutionA = ratio.a, .resolutionB = ratio.b});
+      const double before = ThreadSeconds();
+      for (int32_t height : {65535, 40000, -65535}) {
+        QNVStretchDIBits(device.handle(), 0, 0, height < 0 ? 65535 : 0, 65535, height, 0, 0, 1, kRows, bits.data(),
+                         info.data(), nullptr, rop, nullptr, &mode, &kWholePage);
+      }
+      EXPECT_LT(ThreadSeconds() - before, kEndsInSeconds / 4) << ratio.a << " to " << ratio.b << ", rop " << rop;
+      EXPECT_TRUE(device.FencesIntact());
+    }
+  }
 }
 
 // Transfers over pages of 131 million columns and rows.

@@ -32,8 +32,8 @@ uint16_t RasterDevice::StretchDIBits(const ImageArguments& a) {
     }
     return true;
   };
-  return FeedRows(transfer, state_.description.width, band.bytesPerPixel, merges ? kMergeTags : a.rop, a, keepPixels,
-                  paintRow);
+  return FeedRows(transfer, state_.description.width, band.bytesPerPixel, merges ? kMergeTags : a.rop, a, AllRows{},
+                  keepPixels, paintRow);
 }
 
 void RasterDevice24::PaintImageRow(const BltArguments& row) {

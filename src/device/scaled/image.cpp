@@ -42,6 +42,7 @@ uint16_t ScaledRasterDevice::StretchDIBits(const ImageArguments& a) {
   const uint32_t bitmapWidth = static_cast<uint32_t>(map_.MapToPage(static_cast<int32_t>(state_.description.width)));
   return FeedRows(
       transfer, bitmapWidth, 3, a.rop, a,
+      [&](int32_t row) { return mapping.BandRow(WrapSubtract(row, bandInPage.top)) >= 0; },
       // A row is made gray once here, so the transfers need not do it again for each destination row.
       [&](uint8_t* pixels, std::size_t count) {
         if (gray) state_.rows->image->RegrayRow24(pixels, count);
