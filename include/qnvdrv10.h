@@ -18,6 +18,14 @@
  *   - A handle may be used by one thread at a time. Handles share nothing.
  *   - Page pixels are the unit of the host's coordinates, band pixels those of the band's memory. On kind 0
  *     page pixels have resolution A and band pixels resolution B. On the other kinds they are the same.
+ *   - Memory comes from the C heap: QNVEnable takes it (kind 0: 4 bytes more for each dot of both resolutions),
+ *     QNVDisable gives all of it back. Of the other calls only these take any, and do less without it: a span record
+ *     of more than 128 pairs takes 8 bytes a pair and is left out; the two image calls take what is more than any
+ *     image needed before, at most 3 MB and 32 bytes for each column of the band, and return 0 with nothing painted.
+ *     What they took stays with the device. QNVGetDeviceInfo takes 1 KB while it runs and does without.
+ *   - A call that faults in memory of the host's, and is left by the host that catches the fault, harms no other
+ *     handle. Its own handle is good for QNVDisable only, which gives back all that it holds; what was painted until
+ *     then lies inside clip and band.
  *   - The platform's names (BITMAPINFOHEADER, R2_COPYPEN ...) are declared here only where the platform's
  *     own header has not done so: a host that needs both includes <windows.h> first.
  */

@@ -11,6 +11,15 @@ void* __wrap_malloc(std::size_t bytes);
 void* __wrap_calloc(std::size_t count, std::size_t bytes);
 void* __wrap_realloc(void* block, std::size_t bytes);
 void __wrap_free(void* block);
+// The library's question which instructions the processor has. Virtual machines take long to answer it, and a million
+// devices ask it.
+uint8_t __real__ZN3qnv14DetectCpuLevelEv();
+uint8_t __wrap__ZN3qnv14DetectCpuLevelEv();
+}
+
+uint8_t __wrap__ZN3qnv14DetectCpuLevelEv() {
+  static const uint8_t level = __real__ZN3qnv14DetectCpuLevelEv();
+  return level;
 }
 
 namespace {
