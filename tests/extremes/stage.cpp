@@ -15,8 +15,11 @@ constexpr double kSlowness = 20;  // of instrumented code
 constexpr double kSlowness = 1;
 #endif
 
-// The most that a device may hold: its tables, and the work memory of images, whose rows have 98,303 pixels at most.
-constexpr uint64_t kMostHeap = 6u << 20;
+// The most that a device may hold: itself, its tables, the work memory of images and a record of spans.
+uint64_t MaxHeap(const DeviceClass& device) {
+  const uint64_t tables = device.kind == QNV_KIND_SCALED ? 4u * (device.resolutionA + device.resolutionB + 2u) : 0;
+  return (3u << 20) + 32u * kBandColumns + tables + 8 * 16384u + 16384;
+}
 
 #if defined(__LP64__)
 constexpr std::size_t kPixelMemory = std::size_t{4500} << 20;
@@ -219,7 +222,7 @@ void Stage::Check(uint64_t work, const Limits& limits, double seconds) {
   }
   const uint64_t heap = Heap().liveBytes - heapBefore_;
   highestHeap_ = std::max(highestHeap_, heap);
-  if (heap > kMostHeap) fault_ += "the device holds " + std::to_string(heap) + " bytes; ";
+  if (heap > MaxHeap(device_)) fault_ += "the device holds " + std::to_string(heap) + " bytes; ";
   BandRect pixels = AllowedPixels(limits, false), tags = AllowedPixels(limits, true);
   // A dual-plane device described with another depth than 24 paints some figures with that depth, in the same rows.
   const bool mixed = device_.tags && device_.bitsPerPixel != 24 && pixels.left < pixels.right;
