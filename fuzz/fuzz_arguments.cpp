@@ -1,4 +1,6 @@
 // Makes the arguments of calls from the input: any numbers, but memory that is as large as a host must provide.
+#include <algorithm>
+
 #include "fuzz_input.h"
 
 namespace qnv::fuzz {
@@ -9,11 +11,29 @@ uint16_t WordAt(const std::vector<uint8_t>& list, std::size_t word) {
   return static_cast<uint16_t>(list[2 * word] | list[2 * word + 1] << 8);
 }
 
-// Makes the list long enough to hold word `word`, a length, and limits the length to 0..1023.
-uint16_t KeepLength(std::vector<uint8_t>& list, std::size_t word) {
+// Makes the list long enough to hold word `word`, a length, and limits the length to 0..1023; one in 256 stays negative
+// and leads back. Limiting a length once more does not change it.
+int16_t KeepLength(std::vector<uint8_t>& list, std::size_t word) {
   if (list.size() < 2 * word + 2) list.resize(2 * word + 2);
-  list[2 * word + 1] &= 3;
-  return WordAt(list, word);
+  if (list[2 * word + 1] != 0xFF) list[2 * word + 1] &= 3;
+  return static_cast<int16_t>(WordAt(list, word));
+}
+
+// The words that `count` records take when each is its length, `more` other words and the values, from word `at` on. A
+// record reads at least `head` words; an odd one may read a word behind its values.
+std::size_t RecordWords(std::vector<uint8_t>& list, uint16_t count, std::ptrdiff_t at, int head, int more) {
+  const std::ptrdiff_t begin = at;
+  std::ptrdiff_t end = at;
+  for (uint32_t record = 0; record < count; ++record) {
+    const int16_t length = KeepLength(list, static_cast<std::size_t>(at));
+    const int values = length < 0 ? 0 : length + (more == 1 ? length % 2 : 0);
+    end = std::max(end, at + std::max(head, values + more));
+    at += length + more;
+    // A length that leads before the first word ends the list.
+    if (at < 0) break;
+    if (at < begin) end = std::max(end, begin);
+  }
+  return static_cast<std::size_t>(end);
 }
 
 }  // namespace
@@ -23,20 +43,17 @@ std::vector<uint8_t> TakeSpanList(Input& input, uint16_t style, uint16_t count) 
   std::size_t words = 4;
   switch (style) {
     case 4:
-    case 104: words = 2u * count; break;
+    case 104: words = 2u * std::max<uint32_t>(count, 1); break;
     case 5:
-    case 105:
-      words = 0;
-      for (uint32_t record = 0; record < count; ++record) words += KeepLength(list, words) + 4u;
-      break;
-    case 205:
-      words = 1;
-      for (uint32_t record = 0; record < count; ++record) words += KeepLength(list, words) + 1u;
-      ++words;  // the last right end of an odd record
-      break;
+    case 105: words = RecordWords(list, count, 0, 3, 4); break;
+    case 205: words = RecordWords(list, count, 1, 1, 1); break;
     case 305: words = 1 + 2u * count; break;
     case 405:
-    case 505: words = 3u + count; break;
+    case 505: {
+      const uint32_t rows = count == 0 ? 0 : count - 1u;
+      list.resize(6 + (style == 405 ? 2 : 1) * std::size_t{rows});
+      return list;
+    }
     default: break;
   }
   list.resize(2 * words);
@@ -132,20 +149,22 @@ void CallImage(Input& input, DeviceHandle* handle) {
   const uint8_t format = input.Byte();
   header.biBitCount = format == 0xFF ? input.Word() : depths[format % 8];
   header.biPlanes = format == 0xFE ? input.Byte() : 1;
-  header.biCompression = format / 8 % 5;
-  header.biClrUsed = input.Byte() == 0xFF ? input.Long() : 0;
-  header.biSize = 40u + input.Byte();
-  // The color table follows the header, with as many entries as the header says.
-  std::size_t infoBytes = 52;
-  if (header.biBitCount <= 8) {
+  header.biCompression = format / 8 % 8;
+  const uint8_t used = input.Byte();
+  header.biClrUsed = used == 0xFF ? input.Long() : used == 0xFE ? input.Byte() : 0;
+  const uint8_t size8 = input.Byte();
+  header.biSize = size8 == 0xFF ? input.Long() : size8 == 0xFE ? input.Word() : 40u + size8;
+  // The color table follows the header, full or as long as the header says. With a size that is refused there is none.
+  std::size_t infoBytes = sizeof header;
+  if (header.biBitCount == 16 && header.biCompression == BI_BITFIELDS) infoBytes += 12;
+  if (header.biBitCount <= 8 && header.biSize >= 40 && header.biSize <= 4096) {
     const uint32_t full = 1u << header.biBitCount;
-    const uint32_t used = header.biClrUsed;
-    infoBytes = header.biSize + 4u * (used != 0 && used < full ? used : full);
+    infoBytes = header.biSize + 4u * (header.biClrUsed != 0 ? std::min<uint32_t>(header.biClrUsed, full) : full);
   }
-  std::vector<uint8_t> infoBytesList(infoBytes < 52 ? 52 : infoBytes, 0x3D);
-  std::memcpy(infoBytesList.data(), &header, sizeof header);
+  std::vector<uint8_t> infoBytesList(infoBytes, 0x3D);
   const std::vector<uint8_t> masks = input.Bytes(12);
-  if (header.biBitCount > 8) std::memcpy(infoBytesList.data() + 40, masks.data(), masks.size());
+  for (std::size_t i = 40; i < infoBytes; ++i) infoBytesList[i] = masks[(i - 40) % 12];
+  std::memcpy(infoBytesList.data(), &header, sizeof header);
   const Block info(infoBytesList);
 
   const uint8_t place = input.Byte();

@@ -9,7 +9,7 @@ namespace {
 constexpr uint32_t kNamedIndices[] = {0x00, 0x11, 0x33, 0x44, 0x55, 0x5A, 0x66, 0x88, 0xAA,
                                       0xBB, 0xC0, 0xCC, 0xE2, 0xEE, 0xF0, 0xFB, 0xFF, 0xB8};
 
-uint32_t RandomRop(Random& random) {
+uint32_t RandomRop(Numbers& random) {
   const uint32_t index = random.Percent(45) ? random.Pick(kNamedIndices) : static_cast<uint32_t>(random.Range(0, 255));
   uint32_t rop = index << 16 | (random.Word() & 0xFFFF);
   if (random.Percent(4)) rop |= random.Word() & 0xFF000000;
@@ -17,7 +17,7 @@ uint32_t RandomRop(Random& random) {
 }
 
 SourceBitmap* GiveSource(RandomCase& run) {
-  Random& random = run.random();
+  Numbers& random = run.random();
   if (!run.tame() && random.Percent(6)) {
     run.Say("  source null\n");
     return nullptr;
@@ -60,7 +60,7 @@ SourceBitmap* GiveSource(RandomCase& run) {
 }  // namespace
 
 void BlitCall(RandomCase& run) {
-  Random& random = run.random();
+  Numbers& random = run.random();
   run.BeginCall("QNVDevBitBlt");
   const BandRect band = run.CallerBand();
   reference::BlitArgs args{};

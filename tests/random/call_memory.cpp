@@ -5,6 +5,21 @@
 #include <cstdlib>
 #include <cstring>
 
+#if defined(__has_feature)
+#if __has_feature(address_sanitizer)
+#define QNV_POISON 1
+#endif
+#endif
+#if defined(__SANITIZE_ADDRESS__)
+#define QNV_POISON 1
+#endif
+#if defined(QNV_POISON)
+#include <sanitizer/asan_interface.h>
+#else
+#define ASAN_POISON_MEMORY_REGION(at, size) (void)(at), (void)(size)
+#define ASAN_UNPOISON_MEMORY_REGION(at, size) (void)(at), (void)(size)
+#endif
+
 namespace qnv::test {
 namespace {
 
@@ -32,19 +47,34 @@ uint8_t* PlaneMemory::Place(std::size_t size, std::size_t tail) {
   start_ = block_.data() + kPlane - tail - size;
   const std::size_t before = kPlane - tail - size;
   watched_ = before - std::min(before, kWatched);
+  FenceOff(true);
   return start_;
+}
+
+// Under the address sanitizer the bytes around the plane are out of bounds, but for the looks taken at them here.
+void PlaneMemory::FenceOff(bool fenced) const {
+  const std::size_t before = static_cast<std::size_t>(start_ - block_.data());
+  ASAN_UNPOISON_MEMORY_REGION(block_.data(), kPlane);
+  if (!fenced) return;
+  ASAN_POISON_MEMORY_REGION(block_.data(), before);
+  ASAN_POISON_MEMORY_REGION(start_ + size_, kPlane - before - size_);
 }
 
 bool PlaneMemory::SurroundingsIntact() const {
   if (start_ == nullptr) return block_.FencesIntact();
+  FenceOff(false);
   const std::size_t before = static_cast<std::size_t>(start_ - block_.data());
   const std::size_t after = kPlane - before - size_;
-  return std::memcmp(block_.data() + watched_, Untouched().data(), before - watched_) == 0 &&
-         std::memcmp(start_ + size_, Untouched().data(), after) == 0 && block_.FencesIntact();
+  const bool intact = std::memcmp(block_.data() + watched_, Untouched().data(), before - watched_) == 0 &&
+                      std::memcmp(start_ + size_, Untouched().data(), after) == 0 && block_.FencesIntact();
+  FenceOff(true);
+  return intact;
 }
 
 void PlaneMemory::Release() {
-  if (start_ != nullptr) std::memset(block_.data() + watched_, kUntouched, kPlane - watched_);
+  if (start_ == nullptr) return;
+  FenceOff(false);
+  std::memset(block_.data() + watched_, kUntouched, kPlane - watched_);
   start_ = nullptr;
 }
 
@@ -60,6 +90,8 @@ uint8_t* InputMemory::Take(std::size_t size) {
   Block& block = blocks_[used_++];
   block.size = size;
   block.start = block.memory->data() + kBlock - size;
+  ASAN_UNPOISON_MEMORY_REGION(block.start, size);
+  ASAN_POISON_MEMORY_REGION(block.memory->data(), kBlock - size);
   return block.start;
 }
 

@@ -20,6 +20,8 @@ class PlaneMemory {
   void Release();
 
  private:
+  void FenceOff(bool fenced) const;
+
   FencedBuffer block_;
   uint8_t* start_ = nullptr;
   std::size_t size_ = 0;

@@ -15,5 +15,7 @@ void PixelCall(RandomCase& run);
 void StateCall(RandomCase& run);
 // One image pixel, so that a dual-plane device no longer knows its tag plane to be uniform.
 void TagOnePixel(RandomCase& run);
+// One of all these families.
+void AnyCall(RandomCase& run);
 
 }  // namespace qnv::test

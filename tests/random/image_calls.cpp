@@ -27,7 +27,7 @@ constexpr Masks kMasks[] = {{0xF800, 0x07E0, 0x001F}, {0x7C00, 0x03E0, 0x001F}, 
                             {0xFFFF, 0x0001, 0x0C30}, {0xFFFFF800, 0x07E0, 0x001F}};
 
 // A run-length stream that mostly keeps to its width, ended by codes that stop any reader.
-void WriteRle(Random& random, RandomDib& dib) {
+void WriteRle(Numbers& random, RandomDib& dib) {
   const bool fourBits = dib.header.biCompression == BI_RLE4;
   const int width = dib.header.biWidth;
   const int rows = std::abs(dib.header.biHeight);
@@ -81,7 +81,7 @@ void WriteRle(Random& random, RandomDib& dib) {
 }
 
 RandomDib MakeDib(RandomCase& run) {
-  Random& random = run.random();
+  Numbers& random = run.random();
   const bool sound = run.tame();
   RandomDib dib;
   BITMAPINFOHEADER& header = dib.header;
@@ -144,7 +144,7 @@ void SayDib(RandomCase& run, const RandomDib& dib) {
   run.SayBytes("  DIB bits", dib.bits.data(), dib.bits.size());
 }
 
-uint32_t RandomImageRop(Random& random) {
+uint32_t RandomImageRop(Numbers& random) {
   const int pick = random.Range(0, 99);
   if (pick < 45) return SRCCOPY;
   if (pick < 57) return ROP_MINIMUM;
@@ -157,7 +157,7 @@ uint32_t RandomImageRop(Random& random) {
 
 // Destination and source extents: equal, stretched, shrunk, mirrored, far larger than the band, or odd.
 void SetExtents(RandomCase& run, const BITMAPINFOHEADER& header, reference::ImageArgs* args) {
-  Random& random = run.random();
+  Numbers& random = run.random();
   const BandRect band = run.CallerBand();
   const int width = std::clamp(int{header.biWidth}, 1, run.MaxWidth(64));
   const int height = std::clamp(std::abs(std::max(int{header.biHeight}, -1000)), 1, 64);
@@ -226,7 +226,7 @@ void RunStretch(RandomCase& run, const reference::ImageArgs& args) {
 }
 
 void StretchCall(RandomCase& run, const RandomDib& dib) {
-  Random& random = run.random();
+  Numbers& random = run.random();
   reference::ImageArgs args{};
   args.get = run.tame() || random.Percent(95) ? 0 : random.Range(0, 1) == 0 ? 1 : 0x30002;
   SetExtents(run, dib.header, &args);
@@ -244,7 +244,7 @@ void StretchCall(RandomCase& run, const RandomDib& dib) {
 }
 
 void SetToDeviceCall(RandomCase& run, const RandomDib& dib) {
-  Random& random = run.random();
+  Numbers& random = run.random();
   const BandRect band = run.CallerBand();
   int x = random.Range(band.left - 20, band.right + 2);
   int y = random.Range(band.top - 10, band.bottom + 2);

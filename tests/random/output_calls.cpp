@@ -108,7 +108,7 @@ class SpanListWriter {
     if (!bytes.empty()) std::memcpy(words_.data() + at, bytes.data(), bytes.size());
   }
 
-  Random& random_;
+  Numbers& random_;
   BandRect band_;
   bool tame_;
   uint32_t count_ = 0;
@@ -118,7 +118,7 @@ class SpanListWriter {
 }  // namespace
 
 void OutputCall(RandomCase& run) {
-  Random& random = run.random();
+  Numbers& random = run.random();
   run.BeginCall("QNVOutput");
   constexpr uint32_t kStyles[] = {4, 104, 5, 105, 205, 305, 405, 505, 5, 205, 405, 505};
   constexpr uint32_t kOthers[] = {80, 81, 0, 6, 105 + 1, 204, 504, 65535};

@@ -6,7 +6,7 @@
 namespace qnv::test {
 
 void PixelCall(RandomCase& run) {
-  Random& random = run.random();
+  Numbers& random = run.random();
   const bool many = random.Percent(40);
   run.BeginCall(many ? "QNVPolyPixel" : "QNVPixel");
   const BandRect band = run.CallerBand();

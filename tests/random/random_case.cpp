@@ -33,8 +33,8 @@ std::string Format(const char* format, va_list arguments) {
 
 }  // namespace
 
-RandomCase::RandomCase(uint64_t number, CallMemory& memory, bool verbose, CaseTotals& totals)
-    : random_(number), memory_(memory), verbose_(verbose), totals_(totals) {
+RandomCase::RandomCase(Numbers& random, CallMemory& memory, bool verbose, CaseTotals& totals)
+    : random_(random), memory_(memory), verbose_(verbose), totals_(totals) {
   MakeDescription();
   const uint32_t bytes = description_.kind == QNV_KIND_SCALED || description_.bitsPerPixel == 24 ? 3 : 1;
   const bool dual = class_ == DeviceClass::kDualPlane || class_ == DeviceClass::kDualPlaneOtherDepth;

@@ -1,4 +1,4 @@
-// One numbered case: a device with its model, the calls made on both, and the comparison after every call.
+// One case: a device with its model, the calls made on both, and the comparison after every call.
 #pragma once
 
 #include <cstdint>
@@ -24,12 +24,12 @@ struct CaseTotals {
 class RandomCase {
  public:
   // `verbose` prints the device and every call before it is made.
-  RandomCase(uint64_t number, CallMemory& memory, bool verbose, CaseTotals& totals);
+  RandomCase(Numbers& random, CallMemory& memory, bool verbose, CaseTotals& totals);
   ~RandomCase();
   RandomCase(const RandomCase&) = delete;
   RandomCase& operator=(const RandomCase&) = delete;
 
-  Random& random() { return random_; }
+  Numbers& random() { return random_; }
   DeviceClass deviceClass() const { return class_; }
   DeviceHandle* handle() const { return handle_; }
   reference::Model* model() { return model_.get(); }
@@ -94,7 +94,7 @@ class RandomCase {
       ;
   friend void StateCall(RandomCase& run);
 
-  Random random_;
+  Numbers& random_;
   CallMemory& memory_;
   bool verbose_;
   CaseTotals& totals_;

@@ -12,7 +12,7 @@ constexpr uint8_t kSomeRows[][8] = {
     {0x13, 0x58, 0xC2, 0x0F, 0x91, 0x6E, 0x34, 0xA7},
 };
 
-void SetScale(Random& random, PhysicalBrush* brush) {
+void SetScale(Numbers& random, PhysicalBrush* brush) {
   const int pick = random.Range(0, 99);
   const auto factor = [&] {
     return static_cast<uint8_t>(pick < 50 ? 1 : pick < 75 ? 2 : pick < 85 ? random.Range(3, 9) : random.Range(0, 3));
@@ -23,7 +23,7 @@ void SetScale(Random& random, PhysicalBrush* brush) {
 
 }  // namespace
 
-uint32_t RandomColor(Random& random) {
+uint32_t RandomColor(Numbers& random) {
   const int pick = random.Range(0, 99);
   uint32_t color;
   if (pick < 15) {
@@ -43,7 +43,7 @@ uint32_t RandomColor(Random& random) {
   return color;
 }
 
-PhysicalBrush RandomBrush(Random& random) {
+PhysicalBrush RandomBrush(Numbers& random) {
   PhysicalBrush brush;
   std::memset(&brush, 0, sizeof brush);
   brush.hatch = static_cast<uint16_t>(random.Range(0, 5));
@@ -81,7 +81,7 @@ PhysicalBrush RandomBrush(Random& random) {
 }
 
 DRAWMODE* GiveDrawMode(RandomCase& run, bool mayBeNull) {
-  Random& random = run.random();
+  Numbers& random = run.random();
   if (mayBeNull && random.Percent(run.tame() ? 2 : 22)) {
     run.Say("  draw mode null\n");
     return nullptr;
@@ -142,7 +142,7 @@ PhysicalPen* GivePen(RandomCase& run) {
 }
 
 BandRect RectNearBand(RandomCase& run) {
-  Random& random = run.random();
+  Numbers& random = run.random();
   const BandRect band = run.CallerBand();
   BandRect rect;
   rect.left = random.Range(band.left - 12, band.right + 4);
@@ -153,7 +153,7 @@ BandRect RectNearBand(RandomCase& run) {
 }
 
 BandRect* GiveClip(RandomCase& run, bool mayBeNull) {
-  Random& random = run.random();
+  Numbers& random = run.random();
   const int pick = random.Range(0, 99);
   const BandRect band = run.CallerBand();
   BandRect clip;

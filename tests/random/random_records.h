@@ -5,7 +5,7 @@
 
 namespace qnv::test {
 
-uint32_t RandomColor(Random& random);
+uint32_t RandomColor(Numbers& random);
 
 // Null once in a while where the flag allows it.
 DRAWMODE* GiveDrawMode(RandomCase& run, bool mayBeNull);
@@ -13,7 +13,7 @@ PhysicalBrush* GiveBrush(RandomCase& run);
 PhysicalPen* GivePen(RandomCase& run);
 BandRect* GiveClip(RandomCase& run, bool mayBeNull);
 
-PhysicalBrush RandomBrush(Random& random);
+PhysicalBrush RandomBrush(Numbers& random);
 // A rectangle somewhere around the band.
 BandRect RectNearBand(RandomCase& run);
 

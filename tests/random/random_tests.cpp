@@ -1,11 +1,17 @@
 // Numbered random cases: each builds a device, makes one or several calls on the library and on the reference
-// model, and compares every byte of both planes, every result and every host record.
+// model, and compares every byte of both planes, every result and every host record. Files that a fuzzer found are
+// replayed as cases too.
+#include <algorithm>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
 
 #include "random/calls.h"
+#include "random/file_case.h"
 #include "random/random_case.h"
 
 #if defined(__SANITIZE_ADDRESS__)
@@ -40,22 +46,7 @@ const Family& FamilyOf(uint64_t number) {
 }
 
 void Sequence(RandomCase& run) {
-  for (int calls = run.random().Range(1, 12); calls > 0 && !run.failed(); --calls) {
-    const int pick = run.random().Range(0, 99);
-    if (pick < 25) {
-      StateCall(run);
-    } else if (pick < 45) {
-      BlitCall(run);
-    } else if (pick < 63) {
-      OutputCall(run);
-    } else if (pick < 76) {
-      TextCall(run);
-    } else if (pick < 90) {
-      ImageCall(run);
-    } else {
-      PixelCall(run);
-    }
-  }
+  for (int calls = run.random().Range(1, 12); calls > 0 && !run.failed(); --calls) AnyCall(run);
 }
 
 struct Options {
@@ -63,11 +54,13 @@ struct Options {
   uint64_t to = 100000;
   bool one = false;
   const char* family = nullptr;
+  const char* files = nullptr;  // a file or a folder
 };
 
 // Returns the failure, empty when the case passed.
 std::string RunCase(uint64_t number, CallMemory& memory, bool verbose, CaseTotals& totals) {
-  RandomCase run(number, memory, verbose, totals);
+  Random random(number);
+  RandomCase run(random, memory, verbose, totals);
   if (run.failed()) return run.failure();
   const Family& family = FamilyOf(number);
   if (run.deviceClass() == DeviceClass::kDualPlane && run.random().Percent(75)) TagOnePixel(run);
@@ -80,10 +73,10 @@ std::string RunCase(uint64_t number, CallMemory& memory, bool verbose, CaseTotal
   return run.failure();
 }
 
-uint64_t g_running = 0;  // for the last words of a crash
+std::string g_running;  // for the last words of a crash
 
 extern "C" void OnSignal(int) {
-  std::fprintf(stderr, "crashed in case %llu\n", static_cast<unsigned long long>(g_running));
+  std::fprintf(stderr, "crashed in %s\n", g_running.c_str());
   std::fflush(stderr);
   std::_Exit(3);
 }
@@ -106,11 +99,12 @@ bool ReadNumber(const char* text, uint64_t* value) {
 
 int Usage() {
   std::fprintf(stderr,
-               "usage: random_tests [--cases N] [--from A] [--to B] [--case N] [--family NAME]\n"
+               "usage: random_tests [--cases N] [--from A] [--to B] [--case N] [--family NAME] [--files PATH]\n"
                "  --cases N      run cases 0 .. N-1 (default 100000)\n"
                "  --from A --to B  run cases A .. B-1\n"
                "  --case N       run one case and print every call\n"
-               "  --family NAME  only cases of one family: blit, output, text, image, pixel, sequence\n");
+               "  --family NAME  only cases of one family: blit, output, text, image, pixel, sequence\n"
+               "  --files PATH   the cases of a file, printing every call, or of all files of a folder\n");
   return 2;
 }
 
@@ -132,6 +126,8 @@ bool ParseOptions(int count, char** arguments, Options* options) {
         known = known || (value != nullptr && std::strcmp(family.name, value) == 0);
       if (!known) return false;
       options->family = value;
+    } else if (std::strcmp(name, "--files") == 0 && value != nullptr) {
+      options->files = value;
     } else {
       return false;
     }
@@ -139,36 +135,84 @@ bool ParseOptions(int count, char** arguments, Options* options) {
   return true;
 }
 
+class Cases {
+ public:
+  // run(verbose, totals) returns the failure, empty when the case passed.
+  template <class Run>
+  void Add(const std::string& name, bool verbose, Run run) {
+    constexpr unsigned kShownInFull = 5;
+    const std::string failure = run(verbose, totals_);
+    if (failure.empty()) {
+      ++passed_;
+      return;
+    }
+    ++failed_;
+    if (failed_ <= kShownInFull && !verbose) {
+      CaseTotals again;
+      std::printf("%s\n", name.c_str());
+      run(true, again);
+    }
+    std::printf("FAILED %s: %s\n", name.c_str(), failure.c_str());
+    std::fflush(stdout);
+  }
+
+  // Returns the program's result.
+  int Close() const {
+    std::printf("%llu calls compared, %llu of them painted\n", static_cast<unsigned long long>(totals_.calls),
+                static_cast<unsigned long long>(totals_.paintingCalls));
+    std::printf("%llu passed, %llu failed\n", passed_, failed_);
+    return failed_ == 0 && passed_ != 0 ? 0 : 1;
+  }
+
+ private:
+  CaseTotals totals_;
+  unsigned long long passed_ = 0;
+  unsigned long long failed_ = 0;
+};
+
+void RunNumbers(const Options& options, CallMemory& memory, Cases& cases) {
+  for (uint64_t number = options.from; number < options.to; ++number) {
+    const char* family = FamilyOf(number).name;
+    if (options.family != nullptr && std::strcmp(family, options.family) != 0) continue;
+    g_running = "case " + std::to_string(number) + ", family " + family;
+    cases.Add(g_running, options.one,
+              [&](bool verbose, CaseTotals& totals) { return RunCase(number, memory, verbose, totals); });
+  }
+}
+
+void RunFile(const std::filesystem::path& path, bool verbose, CallMemory& memory, Cases& cases) {
+  std::ifstream file(path, std::ios::binary);
+  std::vector<char> text;
+  if (file) text.assign(std::istreambuf_iterator<char>(file), {});
+  const std::vector<uint8_t> bytes(text.begin(), text.end());
+  const bool readable = !file.bad() && file.is_open();
+  g_running = path.string();
+  cases.Add(g_running, verbose, [&](bool say, CaseTotals& totals) {
+    return readable ? RunFileCase(bytes.data(), bytes.size(), memory, say, totals) : std::string("cannot be read");
+  });
+}
+
+void RunFiles(const char* where, CallMemory& memory, Cases& cases) {
+  std::error_code error;
+  if (!std::filesystem::is_directory(where, error)) return RunFile(where, true, memory, cases);
+  std::vector<std::filesystem::path> paths;
+  for (const auto& entry : std::filesystem::directory_iterator(where)) paths.push_back(entry.path());
+  std::sort(paths.begin(), paths.end());
+  for (const std::filesystem::path& path : paths) RunFile(path, false, memory, cases);
+}
+
 int Main(int count, char** arguments) {
   Options options;
   if (!ParseOptions(count, arguments, &options)) return Usage();
   WatchForCrashes();
-  constexpr unsigned kShownInFull = 5;
   CallMemory memory;
-  CaseTotals totals;
-  unsigned long long passed = 0;
-  unsigned long long failed = 0;
-  for (uint64_t number = options.from; number < options.to; ++number) {
-    if (options.family != nullptr && std::strcmp(FamilyOf(number).name, options.family) != 0) continue;
-    g_running = number;
-    const std::string failure = RunCase(number, memory, options.one, totals);
-    if (failure.empty()) {
-      ++passed;
-      continue;
-    }
-    ++failed;
-    if (failed <= kShownInFull && !options.one) {
-      CaseTotals again;
-      std::printf("case %llu, family %s\n", static_cast<unsigned long long>(number), FamilyOf(number).name);
-      RunCase(number, memory, true, again);
-    }
-    std::printf("FAILED case %llu: %s\n", static_cast<unsigned long long>(number), failure.c_str());
-    std::fflush(stdout);
+  Cases cases;
+  if (options.files != nullptr) {
+    RunFiles(options.files, memory, cases);
+  } else {
+    RunNumbers(options, memory, cases);
   }
-  std::printf("%llu calls compared, %llu of them painted\n", static_cast<unsigned long long>(totals.calls),
-              static_cast<unsigned long long>(totals.paintingCalls));
-  std::printf("%llu passed, %llu failed\n", passed, failed);
-  return failed == 0 && passed != 0 ? 0 : 1;
+  return cases.Close();
 }
 
 }  // namespace

@@ -5,7 +5,7 @@ namespace qnv::test {
 namespace {
 
 void EscapeCall(RandomCase& run, const BandRect& moved) {
-  Random& random = run.random();
+  Numbers& random = run.random();
   // Only the low half of the code counts.
   const uint32_t high = random.Percent(10) ? random.Word() & 0xFFFF0000 : 0;
   switch (random.Range(0, 9)) {
@@ -43,7 +43,7 @@ void ColorCall(RandomCase& run) {
 }
 
 void SizeCall(RandomCase& run) {
-  Random& random = run.random();
+  Numbers& random = run.random();
   run.BeginCall("QNVGetDeviceInfo");
   constexpr uint16_t kDepths[] = {24, 8, 0, 16};
   const DeviceDescription description{
@@ -65,7 +65,7 @@ void SizeCall(RandomCase& run) {
 }
 
 void PenCall(RandomCase& run) {
-  Random& random = run.random();
+  Numbers& random = run.random();
   run.BeginCall("QNVRealizeObject");
   const LogicalPen pen{static_cast<uint16_t>(random.Range(0, 8)), static_cast<int16_t>(random.Word()),
                        static_cast<int16_t>(random.Word()), RandomColor(random)};
@@ -83,7 +83,7 @@ void PenCall(RandomCase& run) {
 }
 
 void BrushCall(RandomCase& run) {
-  Random& random = run.random();
+  Numbers& random = run.random();
   run.BeginCall("QNVRealizeObject");
   LogicalBrush brush{};
   brush.style = static_cast<uint16_t>(random.Percent(95) ? random.Range(0, 3) : random.Range(4, 60000));
@@ -123,7 +123,7 @@ void BrushCall(RandomCase& run) {
 
 // Another device beside this one: is it made or refused?
 void EnableCall(RandomCase& run) {
-  Random& random = run.random();
+  Numbers& random = run.random();
   run.BeginCall("QNVEnable");
   constexpr uint16_t kDepths[] = {24, 8, 0, 16, 1, 32};
   DeviceDescription description{static_cast<uint16_t>(random.Percent(80) ? random.Range(0, 2) : random.Range(3, 65535)),
@@ -153,7 +153,7 @@ void EnableCall(RandomCase& run) {
 
 // A null handle, or memory that does not begin as a handle does.
 void BadHandleCall(RandomCase& run) {
-  Random& random = run.random();
+  Numbers& random = run.random();
   run.BeginCall("a call on a bad handle");
   DeviceHandle* bad = nullptr;
   if (random.Percent(70))

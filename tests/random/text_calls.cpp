@@ -22,7 +22,7 @@ void Put16(std::vector<uint8_t>& bytes, std::size_t at, uint32_t value) {
   bytes[at + 1] = static_cast<uint8_t>(value >> 8);
 }
 
-RandomFont MakeFont(Random& random, bool tame) {
+RandomFont MakeFont(Numbers& random, bool tame) {
   RandomFont font;
   FONTINFO& info = font.info;
   random.Fill(reinterpret_cast<uint8_t*>(&info), sizeof info);
@@ -68,7 +68,7 @@ RandomFont MakeFont(Random& random, bool tame) {
   return font;
 }
 
-std::vector<uint8_t> MakeString(Random& random, const RandomFont& font, int characters) {
+std::vector<uint8_t> MakeString(Numbers& random, const RandomFont& font, int characters) {
   std::vector<uint8_t> string;
   for (int i = 0; i < characters; ++i) {
     const int index = random.Range(0, font.characters - 1);
@@ -83,7 +83,7 @@ std::vector<uint8_t> MakeString(Random& random, const RandomFont& font, int char
 }
 
 void DrawText(RandomCase& run) {
-  Random& random = run.random();
+  Numbers& random = run.random();
   run.BeginCall("QNVDevExtTextOut");
   const BandRect band = run.CallerBand();
   const RandomFont font = MakeFont(random, run.tame());
