@@ -24,3 +24,5 @@ target_compile_options(qnv_options INTERFACE
 if(QNV_SANITIZERS AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
   target_compile_options(qnv_options INTERFACE -Wno-maybe-uninitialized)
 endif()
+# What else the library's own sources are held to; tests and third-party headers are not.
+set(QNV_LIBRARY_WARNINGS -Wold-style-cast -Wnull-dereference)

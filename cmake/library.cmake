@@ -10,7 +10,7 @@ set_target_properties(qnvdrv10_objects PROPERTIES
   VISIBILITY_INLINES_HIDDEN ON)
 target_include_directories(qnvdrv10_objects PRIVATE ${PROJECT_SOURCE_DIR}/include ${PROJECT_SOURCE_DIR}/src)
 target_link_libraries(qnvdrv10_objects PRIVATE qnv_options)
-target_compile_options(qnvdrv10_objects PRIVATE -fno-exceptions -fno-rtti)
+target_compile_options(qnvdrv10_objects PRIVATE ${QNV_LIBRARY_WARNINGS} -fno-exceptions -fno-rtti)
 if(WIN32)
   # No exception passes through the library, so unwind tables would only make the file larger.
   target_compile_options(qnvdrv10_objects PRIVATE -fno-asynchronous-unwind-tables -fno-unwind-tables)

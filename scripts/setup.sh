@@ -3,7 +3,7 @@
 #
 #   scripts/setup.sh demo      what ./demo needs
 #   scripts/setup.sh check     also what ./check needs: 32-bit, Windows and ARM compilers, test framework, package tools,
-#                              formatter, linter, fuzzer, compiler cache (the default)
+#                              formatter, linter, analyzer, fuzzer, compiler cache (the default)
 set -euo pipefail
 
 mode=${1:-check}
@@ -18,7 +18,7 @@ demo_packages=(
 check_packages=(
   binutils googletest g++-12-multilib g++-mingw-w64-i686-posix
   dpkg-dev unzip clang llvm lld
-  clang-tidy clang-format libclang-rt-dev ccache
+  clang-tidy clang-format cppcheck libclang-rt-dev ccache
   g++-aarch64-linux-gnu qemu-user
 )
 
