@@ -23,11 +23,7 @@ done
 }
 source scripts/source_checks.sh
 
-identity() {
-  cppcheck --version
-  g++ --version
-  cat scripts/analyze.sh
-}
+identity="$(cppcheck --version) $(g++ --version) $(cat scripts/analyze.sh)"
 
 # What cppcheck is told not to say, and why:
 #   uninitMemberVar         work memory is written before it is read, and filling it first would cost time
