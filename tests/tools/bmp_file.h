@@ -27,17 +27,9 @@ struct BmpFile {
 
   std::vector<uint8_t> Bytes() const {
     std::vector<uint8_t> file{'B', 'M'};
-    Put(file, 4, 0);
-    Put(file, 4, 0);
-    Put(file, 4, 0);  // bfOffBits, below
+    file.resize(14);  // bfOffBits follows below
     Put(file, 4, headerSize);
-    if (headerSize == 12) {
-      Put(file, 2, static_cast<uint32_t>(width));
-      Put(file, 2, static_cast<uint32_t>(height));
-    } else {
-      Put(file, 4, static_cast<uint32_t>(width));
-      Put(file, 4, static_cast<uint32_t>(height));
-    }
+    for (const int32_t side : {width, height}) Put(file, headerSize == 12 ? 2 : 4, static_cast<uint32_t>(side));
     Put(file, 2, planes);
     Put(file, 2, bitCount);
     if (headerSize >= 40) {

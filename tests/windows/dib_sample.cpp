@@ -24,7 +24,7 @@ DibSample::DibSample(const DibForm& form, const DibShape& shape)
   info_.resize(std::max<std::size_t>(form.headerSize, masked ? 52 : 40) + colors * sizeof(RGBQUAD));
   header()->biSize = form.headerSize;
   header()->biWidth = shape.width;
-  header()->biHeight = shape.order == RowOrder::kTopDown ? -shape.height : shape.height;
+  header()->biHeight = shape.topDown ? -shape.height : shape.height;
   header()->biPlanes = 1;
   header()->biBitCount = form.bitCount;
   header()->biCompression = form.compression;

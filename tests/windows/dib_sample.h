@@ -42,12 +42,10 @@ inline constexpr DibForm kPlainForm{"24 bits", 24};
 inline constexpr DibForm kRle4Form{"RLE4", 4, BI_RLE4};
 inline constexpr DibForm kRle8Form{"RLE8", 8, BI_RLE8};
 
-enum class RowOrder { kBottomUp, kTopDown };
-
 struct DibShape {
   int32_t width = 29;
   int32_t height = 13;
-  RowOrder order = RowOrder::kBottomUp;
+  bool topDown = false;
   uint64_t seed = 7;
   bool gray = false;               // every pixel is a gray that a gray band shows without rounding
   std::vector<uint8_t> runs = {};  // run-length data in place of noise

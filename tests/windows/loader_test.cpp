@@ -4,6 +4,7 @@
 #include <windows.h>
 
 #include <cstdlib>
+#include <iterator>
 #include <map>
 #include <set>
 #include <string>
@@ -86,41 +87,30 @@ TEST(Loader, CopiesCanBeLoadedAgainAndAgain) {
 class NoMemory {
  public:
   NoMemory() {
-    for (std::size_t size = std::size_t{256} << 20; size >= kSmallestReservation; size /= 2) {
-      while (count_ < kMaxReservations) {
-        void* block = VirtualAlloc(nullptr, size, MEM_RESERVE, PAGE_NOACCESS);
-        if (block == nullptr) break;
-        reserved_[count_++] = block;
-      }
-    }
-    for (std::size_t size = kSmallestReservation; size >= sizeof(Block); size /= 2) {
-      while (auto* block = static_cast<Block*>(std::malloc(size))) {
-        block->next = blocks_;
-        blocks_ = block;
-      }
-    }
+    constexpr std::size_t kSmallestReservation = std::size_t{64} << 10;
+    Take(std::size_t{256} << 20, kSmallestReservation,
+         [](std::size_t size) { return VirtualAlloc(nullptr, size, MEM_RESERVE, PAGE_NOACCESS); });
+    reserved_ = count_;
+    Take(kSmallestReservation, 4, [](std::size_t size) { return std::malloc(size); });
   }
   ~NoMemory() {
-    while (blocks_ != nullptr) {
-      Block* next = blocks_->next;
-      std::free(blocks_);
-      blocks_ = next;
-    }
-    for (std::size_t i = 0; i < count_; ++i) VirtualFree(reserved_[i], 0, MEM_RELEASE);
+    while (count_ > reserved_) std::free(blocks_[--count_]);
+    while (count_ > 0) VirtualFree(blocks_[--count_], 0, MEM_RELEASE);
   }
   NoMemory(const NoMemory&) = delete;
   NoMemory& operator=(const NoMemory&) = delete;
 
  private:
-  struct Block {
-    Block* next;
-  };
-  static constexpr std::size_t kSmallestReservation = std::size_t{64} << 10;
-  static constexpr std::size_t kMaxReservations = 40000;
+  template <class Allocate>
+  void Take(std::size_t largest, std::size_t smallest, Allocate allocate) {
+    for (std::size_t size = largest; size >= smallest; size /= 2) {
+      while (count_ < std::size(blocks_) && (blocks_[count_] = allocate(size)) != nullptr) ++count_;
+    }
+  }
 
-  static inline void* reserved_[kMaxReservations];
+  static inline void* blocks_[std::size_t{1} << 20];
   std::size_t count_ = 0;
-  Block* blocks_ = nullptr;
+  std::size_t reserved_ = 0;
 };
 
 // An exception that left the library would end the program here.
