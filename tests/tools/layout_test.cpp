@@ -131,6 +131,18 @@ TEST_F(Layout, TextStaysInsideTheBody) {
   EXPECT_EQ(words, 2000u);
 }
 
+TEST_F(Layout, LongListingLinesAreCutWithoutLoss) {
+  std::u32string text;
+  for (char32_t i = 0; i < 300; ++i) text += U'!' + i % 90;
+  std::u32string shown;
+  for (const Page& page : tool::LayOutText({{TextBlock::Kind::kVerbatim, 0, 0, text}}, setup_, "x")) {
+    for (const auto& item : page.items) {
+      for (const char c : std::get<TextLine>(item).runs.at(0).latin) shown += static_cast<uint8_t>(c);
+    }
+  }
+  EXPECT_EQ(shown, text);
+}
+
 TEST_F(Layout, HeadingsTakeTextAlong) {
   std::vector<TextBlock> blocks;
   for (int i = 0; i < 60; ++i) {
