@@ -1,15 +1,15 @@
-# Most of the time of a fresh build goes into reading headers again and again. Sources of programs are therefore
-# compiled several at a time, as one unit: they may not define the same name twice, in unnamed namespaces neither. The
-# library's sources stay units of their own, because flags and instruction sets belong to single files.
+# A fresh build spends most of its time reading the same headers. The sources of programs are therefore compiled
+# several at a time, as one translation unit: no two of them may define the same name, not even in unnamed namespaces.
+# The library's sources are compiled one by one, because flags and instruction sets are set for single files.
 option(QNV_UNITY "Compile the sources of tests and tools several at a time" ON)
 
-# qnv_unity(target BATCH): BATCH sources a unit
+# qnv_unity(target BATCH): compiles BATCH sources of the target as one unit
 function(qnv_unity target batch)
   set_target_properties(${target} PROPERTIES UNITY_BUILD ${QNV_UNITY} UNITY_BUILD_BATCH_SIZE ${batch})
 endfunction()
 
-# Optimised builds of programs keep line numbers and leave out the description of variables, which is a quarter of the
-# time that compiling takes.
+# Debug information of programs in optimized builds: line numbers only. Describing variables too would take a quarter
+# of the compile time.
 set(QNV_PROGRAM_OPTIONS $<$<CONFIG:RelWithDebInfo>:-g1>)
 
 # Compiler options of every target of this project, but not of third-party sources.
@@ -24,5 +24,5 @@ target_compile_options(qnv_options INTERFACE
 if(QNV_SANITIZERS AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
   target_compile_options(qnv_options INTERFACE -Wno-maybe-uninitialized)
 endif()
-# What else the library's own sources are held to; tests and third-party headers are not.
+# Warnings for the library's own sources only, not for tests and third-party headers.
 set(QNV_LIBRARY_WARNINGS -Wold-style-cast -Wnull-dereference)

@@ -7,7 +7,7 @@ if(bench_sources AND NOT QNV_FUZZ)
   target_include_directories(qnvbench PRIVATE ${PROJECT_SOURCE_DIR}/include)
   target_link_libraries(qnvbench PRIVATE qnv_options ${CMAKE_DL_LIBS})
   qnv_unity(qnvbench 9)
-  # What it measures runs in the library, apart from the limits of the memory, which are loops of its own.
+  # The measured code is in the library, so -O1 is enough. Only the loops that measure the memory itself need -O2.
   target_compile_options(qnvbench PRIVATE ${QNV_PROGRAM_OPTIONS} $<$<CONFIG:RelWithDebInfo>:-O1>)
   set_source_files_properties(${PROJECT_SOURCE_DIR}/bench/memory_limits.cpp PROPERTIES
     COMPILE_OPTIONS $<$<CONFIG:RelWithDebInfo>:-O2>)
@@ -53,8 +53,8 @@ endif()
 
 # A fuzz_NAME.cpp that defines the entry point is a target; the other files of the folder are shared by all targets. In
 # the fuzzing build libFuzzer runs a target; in all others a main function replays the files of fuzz/corpus/NAME. Both
-# are tests. The target that compares calls with the slow model is built here only: elsewhere the random tests replay its
-# files.
+# are tests. The target that compares calls with the slow model is built only in the fuzzing build; in the others
+# random_tests replays its files.
 file(GLOB fuzz_shared CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/fuzz/*.cpp)
 set(fuzz_main ${PROJECT_SOURCE_DIR}/fuzz/standalone_main.cpp)
 list(REMOVE_ITEM fuzz_shared ${fuzz_main})
@@ -106,7 +106,7 @@ foreach(source IN LISTS fuzz_sources)
   target_link_libraries(${target} PRIVATE qnv_options qnvdrv10_static)
 endforeach()
 if(QNV_FUZZ)
-  # The model is not instrumented for coverage: new ways through it are no news.
+  # The slow model is not instrumented: a new path through the model does not make an input interesting.
   foreach(target qnvdrv10_objects fuzz_support ${fuzz_targets})
     target_compile_options(${target} PRIVATE -fsanitize=fuzzer-no-link)
   endforeach()

@@ -1,4 +1,4 @@
-// Makes the arguments of calls from the input: any numbers, but memory that is as large as a host must provide.
+// Makes the arguments of calls from the input: arbitrary numbers, but memory blocks as large as a host must provide.
 #include <algorithm>
 
 #include "fuzz_input.h"
@@ -11,16 +11,17 @@ uint16_t WordAt(const std::vector<uint8_t>& list, std::size_t word) {
   return static_cast<uint16_t>(list[2 * word] | list[2 * word + 1] << 8);
 }
 
-// Makes the list long enough to hold word `word`, a length, and limits the length to 0..1023; one in 256 stays negative
-// and leads back. Limiting a length once more does not change it.
+// Makes the list long enough to hold word `word`, a record's length, and limits the length to 0..1023. One length in
+// 256 stays negative, so that the next record begins before this one. Limiting a length again does not change it.
 int16_t KeepLength(std::vector<uint8_t>& list, std::size_t word) {
   if (list.size() < 2 * word + 2) list.resize(2 * word + 2);
   if (list[2 * word + 1] != 0xFF) list[2 * word + 1] &= 3;
   return static_cast<int16_t>(WordAt(list, word));
 }
 
-// The words that `count` records take when each is its length, `more` other words and the values, from word `at` on. A
-// record reads at least `head` words; an odd one may read a word behind its values.
+// The number of words of a list of `count` records from word `at` on. A record is its length, `more` words in all
+// before the values, and the values. The library reads at least `head` words of each record, and may read one word
+// behind the values when their number is odd.
 std::size_t RecordWords(std::vector<uint8_t>& list, uint16_t count, std::ptrdiff_t at, int head, int more) {
   const std::ptrdiff_t begin = at;
   std::ptrdiff_t end = at;
@@ -29,7 +30,7 @@ std::size_t RecordWords(std::vector<uint8_t>& list, uint16_t count, std::ptrdiff
     const int values = length < 0 ? 0 : length + (more == 1 ? length % 2 : 0);
     end = std::max(end, at + std::max(head, values + more));
     at += length + more;
-    // A length that leads before the first word ends the list.
+    // A next record before the first word ends the list.
     if (at < 0) break;
     if (at < begin) end = std::max(end, begin);
   }

@@ -1,5 +1,5 @@
-// Pens, brushes and pattern bitmaps: realised from hostile records, and painted with as they came out or as the input
-// has them, on every device class.
+// Fuzz target: pens, brushes and pattern bitmaps on every device class. Realizes them from records of arbitrary
+// content, then paints with the realized records or with records straight from the input.
 #include "fuzz_input.h"
 
 namespace {
@@ -15,7 +15,7 @@ PhysicalBrush Realised(Input& input, DeviceHandle* handle) {
   bitmap.bmPlanes = input.Byte();
   bitmap.bmBitsPixel = input.Byte();
   bitmap.bmWidthBytes = input.Byte();
-  // Eight rows are read, and eight pixels of each, whatever the bitmap says.
+  // Eight rows of eight pixels are read, whatever size the bitmap states.
   const uint32_t rowBytes = bitmap.bmBitsPixel == 24 ? 24 : bitmap.bmBitsPixel == 8 ? 8 : 1;
   const Block pixels(input.Bytes(7u * bitmap.bmWidthBytes + rowBytes));
   if (input.Byte() != 0xFF) bitmap.bmBits = pixels.data();
@@ -60,7 +60,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, std::size_t size) {
     const BandRect clip = input.Rect();
     const int32_t place[4] = {input.Coordinate(), input.Coordinate(), input.Coordinate(), input.Coordinate()};
     const uint32_t rop = input.Long();
-    // Without a source; operations that need one paint nothing.
+    // There is no source bitmap: operations that need one paint nothing.
     QNVDevBitBlt(device.handle(), place[0], place[1], nullptr, 0, 0, place[2], place[3], rop,
                  changes & 32 ? nullptr : &brush, changes & 64 ? nullptr : &mode, &clip);
     const Block list(input.Bytes(2 * 9));

@@ -1,6 +1,7 @@
-// Whole sequences of calls on every device class, drawn from the input as the random cases draw theirs from a number.
-// Every result, plane and host record is compared with the slow model after every call; a difference is a crash.
-// Elsewhere random_tests replays the inputs: random_tests --files fuzz/corpus/sequences.
+// Fuzz target: sequences of calls on every device class. The bytes of the input replace the random numbers from which
+// the random tests draw their cases. After every call each result, plane and host record is compared with the slow
+// model; the target aborts on a difference. In builds without libFuzzer random_tests replays the inputs:
+// random_tests --files fuzz/corpus/sequences.
 #include <cstdio>
 #include <cstdlib>
 

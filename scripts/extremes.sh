@@ -1,9 +1,9 @@
 #!/usr/bin/env bash
-# Every pair of extreme numbers in every call: extremes_tests --pairs, cut into shares. What is done is remembered
-# beside the program, so that a run that was stopped goes on where it was.
+# Tests every pair of extreme numbers in every call: runs extremes_tests --pairs in shares. Finished shares are recorded
+# beside the program, so that a stopped run can be continued.
 #
 #   scripts/extremes.sh                       all 200 shares, by build/linux-x64/bin/extremes_tests
-#   scripts/extremes.sh --shares 1000         smaller shares, remembered apart
+#   scripts/extremes.sh --shares 1000         smaller shares, recorded separately
 #   scripts/extremes.sh --minutes 10          as many as begin within ten minutes
 #   scripts/extremes.sh --program build/asan/bin/extremes_tests
 #   scripts/extremes.sh --restart             forget what is done

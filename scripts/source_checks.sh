@@ -1,5 +1,5 @@
-# Shared by the scripts that look at sources one by one (lint.sh, analyze.sh): which sources there are, with the flags
-# they are compiled with, and which of them have passed before. Sourced with these variables set:
+# Functions for the scripts that check single sources (lint.sh, analyze.sh): list the sources with their compiler
+# flags, and skip those that have passed before. To be sourced with these variables set:
 #   root      the checkout, which is also the working folder
 #   tree      a folder under build/ for logs and for what passed: $tree/passed
 #   scope     a regular expression: names of the sources to look at

@@ -57,16 +57,18 @@ inline BltArguments RowTransfer(const ImageTransfer& transfer, const SourceBitma
           &kNoClip};
 }
 
-// Every destination row can be seen.
+// The `keeps` argument of FeedRows for images whose every destination row may be visible.
 struct AllRows {
   bool operator()(int32_t) const { return true; }
 };
 
 // Every raster code but SRCCOPY: calls paintRow(BltArguments, pixels) for each destination row, with the one-row
-// transfer under `rop` that paints it and with the converted pixels. keeps(row) says whether a destination row can be
-// seen: of those that cannot, only the first that a source row covers is handed over, with whatever pixels, because a
-// transfer also prepares the fill pattern. afterConvert(pixels, count) may change a converted row before. paintRow
-// returns false to end the image. Returns 1, or 0 when paintRow ended the image or without memory.
+// transfer under `rop` that paints it and with the converted pixels of its source row.
+//   keeps(row)                  whether a destination row can be visible. A row that cannot is passed to paintRow only
+//                               when it is the very first one, unconverted: a transfer also prepares the fill pattern.
+//   afterConvert(pixels, count) may change a converted source row before painting
+//   paintRow                    returns false to end the image
+// Returns 1, or 0 when paintRow ended the image or memory was short.
 template <class Keeps, class AfterConvert, class PaintRow>
 uint16_t FeedRows(ImageTransfer& transfer, uint32_t bitmapWidth, uint32_t bytesPerPixel, uint32_t rop,
                   const ImageArguments& a, Keeps keeps, AfterConvert afterConvert, PaintRow paintRow) {

@@ -53,8 +53,8 @@ class CoordinateMap {
     int32_t index_;       // page column within the inch
   };
 
-  // The same, the other way: page pixels of band columns, left of the page too. Requires: b is not 0.
-  // The page column of a band column; of several that one is rounded to, no earlier one falls on it or behind it.
+  // The inverse of TableColumn: the page column that a band column shows, left of the page too. Page columns before it
+  // are mapped left of the band column, page columns after it right of the band column. Requires: b is not 0.
   int64_t TablePageOf(int64_t band) const {
     const int64_t inch = FloorDivide(band, b_);
     return inch * a_ + bandIndex_[band - inch * b_];

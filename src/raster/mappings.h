@@ -90,8 +90,9 @@ struct KeptMapping {
         count, bandColumns, [&](int32_t i) { return map->MapKept(WrapAdd(first, i)); }, paint);
   }
 
-  // Text's columns: calls paint(ColumnRun) for the caller columns [first, first + count) that the table puts into the
-  // band's [left, right). Work follows the band's columns where it is coarser than the page.
+  // For the columns of text: calls paint(ColumnRun) for those of the caller columns [first, first + count) that the
+  // table maps to the band columns [left, right). Where the band is coarser than the page the loop runs over its
+  // columns, which are fewer.
   template <class Paint>
   void ForEachTableRun(int32_t first, int32_t count, int32_t left, int32_t right, Paint paint) const {
     if (map->Decimates()) {

@@ -9,7 +9,8 @@ namespace {
 
 // Rows of a glyph that are gathered at a time.
 constexpr int32_t kMaxRows = 64;
-// Where more rows than these fall on one of the band they are merged before their columns are taken.
+// Glyphs with more rows than this for each band row are painted by PaintMerged, which merges rows before it gathers
+// columns.
 constexpr int64_t kManyRows = 8;
 
 // In each byte of a word: when the bit 0x80 >> from is set in `bytes`, sets the bit 0x80 >> to in `out`.
@@ -60,7 +61,7 @@ void PaintGathered(const BandView& band, const BitPainter& painter, int32_t x, s
   }
 }
 
-// All rows of a column of bytes, one over the other.
+// The rows of a column of bytes combined with OR into one.
 uint8_t MergedRows(const uint8_t* bytes, int32_t rows) {
   uint64_t merged = 0;
   int32_t row = 0;
@@ -75,8 +76,8 @@ uint8_t MergedRows(const uint8_t* bytes, int32_t rows) {
   return static_cast<uint8_t>(merged | merged >> 8);
 }
 
-// The first row behind `first` that falls on another row of the band, or `end`. Rows that fall on one stand together,
-// so that growing steps find their end.
+// The first row of the glyph after `first` that is mapped to another band row, or `end`. y: the page row of the glyph's
+// row 0. The rows of one band row are consecutive, so the end is found with doubling steps and then by bisection.
 int32_t EndOfBandRow(const KeptMapping& mapping, int32_t y, int32_t first, int32_t end) {
   const int32_t bandRow = mapping.ToBand(WrapAdd(y, first));
   const auto isSame = [&](int32_t row) { return mapping.ToBand(WrapAdd(y, row)) == bandRow; };
@@ -90,7 +91,8 @@ int32_t EndOfBandRow(const KeptMapping& mapping, int32_t y, int32_t first, int32
   return other;
 }
 
-// A glyph with many rows to one of the band: each row of the band is worked out by itself.
+// Paints a glyph that has many rows for each band row: merges the glyph rows of a band row, then paints the result.
+// part: the visible part, in rows and columns of the glyph.
 void PaintMerged(const BandView& band, const KeptMapping& mapping, const BitPainter& painter, const Rect& part,
                  const PlacedGlyph& glyph) {
   for (int32_t top = part.top, end; top < part.bottom; top = end) {
@@ -167,8 +169,8 @@ Rect ReachedLimits(const BandView& band, const KeptMapping& mapping, const Rect&
     if (first > low) low = first < high ? static_cast<int32_t>(first) : high;
     if (end < high) high = end > low ? static_cast<int32_t>(end) : low;
   };
-  // Rounded rows: those within one of the band's. Neither they nor the table's columns overflow: the limits begin at
-  // row and column -32768 of the band or behind them.
+  // Rows are rounded, so two band rows more on either side are enough. Neither these rows nor the columns of the table
+  // overflow, because the limits do not begin before row and column -32,768 of the band.
   cut(reached.top, reached.bottom, (int64_t{band.rect.top} - 2) * a / b, (int64_t{band.rect.bottom} + 2) * a / b + 1);
   cut(reached.left, reached.right, map.TablePageOf(band.rect.left), map.TablePageOf(int64_t{band.rect.right} - 1) + 1);
   return reached;

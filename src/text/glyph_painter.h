@@ -21,9 +21,9 @@ class BitPainter {
   void PaintColumn(uint8_t* dst, std::size_t stride, const GlyphColumn& column) const {
     paintColumn_(dst, stride, column, colors_);
   }
-  // Of rows painted one over the other the last one alone is seen.
+  // True when of several rows painted over each other only the last is visible, because it also paints its clear bits.
   bool ShowsLast() const { return !transparent_; }
-  // The row of bits that gives the same picture as painting `below` and then `above` over it.
+  // The row of bits that paints the same pixels as `below` followed by `above`.
   uint8_t Merge(uint8_t below, uint8_t above) const {
     return transparent_ ? static_cast<uint8_t>(below | above) : above;
   }
@@ -57,8 +57,9 @@ constexpr bool VisiblePart(const PlacedGlyph& glyph, const Rect& limits, Rect* p
   return true;
 }
 
-// The part of the clip in which glyphs are painted, in the text's pixels; may be empty. On a plain band it is cut to
-// the band here; on a resolution-mapping band pixels are compared with the band after they are mapped.
+// The part of the clip in which glyphs are painted, in caller pixels; may be empty. On a plain band it is exactly the
+// part inside the band. On a resolution-mapping band it may be a little larger; pixels are compared with the band again
+// after they are mapped.
 inline Rect ReachedLimits(const BandView& band, const PlainMapping&, const Rect& limits) {
   Rect inside;
   RectIntersect(inside, limits, band.rect);
