@@ -18,14 +18,17 @@
  *   - A handle may be used by one thread at a time. Handles share nothing.
  *   - Page pixels are the unit of the host's coordinates, band pixels those of the band's memory. On kind 0
  *     page pixels have resolution A and band pixels resolution B. On the other kinds they are the same.
- *   - Memory comes from the C heap: QNVEnable takes it (kind 0: 4 bytes more for each dot of both resolutions),
- *     QNVDisable gives all of it back. Of the other calls only these take any, and do less without it: a span record
- *     of more than 128 pairs takes 8 bytes a pair and is left out; the two image calls take what is more than any
- *     image needed before, at most 3 MB and 32 bytes for each column of the band, and return 0 with nothing painted.
- *     What they took stays with the device. QNVGetDeviceInfo takes 1 KB while it runs and does without.
- *   - A call that faults in memory of the host's, and is left by the host that catches the fault, harms no other
- *     handle. Its own handle is good for QNVDisable only, which gives back all that it holds; what was painted until
- *     then lies inside clip and band.
+ *   - Memory comes from the C heap. QNVEnable allocates it (kind 0: 4 bytes more for each dot of both resolutions)
+ *     and QNVDisable frees all of it. Of the other calls only these allocate:
+ *       span output           8 bytes a pair for a record of more than 128 pairs; without memory the record is
+ *                             skipped
+ *       the two image calls   what an image needs beyond the largest before it, in all at most 3 MB plus 32 bytes
+ *                             for each column of the band; without memory they return 0 and paint nothing
+ *       QNVGetDeviceInfo      1 KB while it runs; it also works without
+ *     The device keeps what the span and image calls allocated until QNVDisable.
+ *   - When a call faults in the host's own memory and the host catches the fault and leaves the call, no other handle
+ *     is affected. The handle of that call may only be passed to QNVDisable, which frees everything it holds. What
+ *     the call had painted lies inside the clip and the band.
  *   - The platform's names (BITMAPINFOHEADER, R2_COPYPEN ...) are declared here only where the platform's
  *     own header has not done so: a host that needs both includes <windows.h> first.
  */
