@@ -6,6 +6,10 @@
 
 namespace qnv::reference {
 
+// The colors that some operations take for "nothing is painted here".
+inline constexpr uint32_t kWhite = 0x00FFFFFF;
+inline constexpr uint32_t kBlack = 0;
+
 class DualPlaneModel : public Model {
  public:
   DualPlaneModel(const DeviceDescription& description, const BandRect& bandRect, Plane color, Plane tags);

@@ -6,8 +6,6 @@
 namespace qnv::reference {
 namespace {
 
-constexpr uint32_t kWhite = 0x00FFFFFF;
-constexpr uint32_t kBlack = 0;
 constexpr uint32_t kSourceWhereOne = 0x00E20746;  // pattern where the source is 1, else destination
 
 // Does this cell of the brush put down a color other than the one to skip?

@@ -4,9 +4,6 @@
 namespace qnv::reference {
 namespace {
 
-constexpr uint32_t kWhite = 0x00FFFFFF;
-constexpr uint32_t kBlack = 0;
-
 struct Brush {
   uint16_t style;
   uint32_t color;

@@ -1,15 +1,12 @@
 // Numbers of font records that turn a glyph inside out or push it over the end of the coordinates.
 #include <gtest/gtest.h>
 
-#include <limits>
+#include <cstdint>
 
 #include "text/font_builder.h"
 
 namespace qnv::test {
 namespace {
-
-constexpr int32_t kMax = std::numeric_limits<int32_t>::max();
-constexpr int32_t kMin = std::numeric_limits<int32_t>::min();
 
 TEST(FontRecords, HeightsOfNoGlyph) {
   for (bool twoByte : {false, true}) {
@@ -28,8 +25,8 @@ TEST(FontRecords, HeightsOfNoGlyph) {
         info.dfPixHeight = height;
         std::memcpy(bytes.data(), &info, sizeof info);
         const FencedInput memory(bytes);
-        for (int32_t y : {kMin, kMin + 1, kMin + 40, kMax, 0, 5, -32768, 32767}) {
-          for (int32_t x : {0, 5, kMin, kMax}) {
+        for (int32_t y : {INT32_MIN, INT32_MIN + 1, INT32_MIN + 40, INT32_MAX, 0, 5, -32768, 32767}) {
+          for (int32_t x : {0, 5, INT32_MIN, INT32_MAX}) {
             const uint8_t text[] = {twoByte ? uint8_t{0} : uint8_t{'a'}, 0};
             DRAWMODE mode = MakeDrawMode();
             const int16_t width = 8;

@@ -2,8 +2,8 @@
 // never a coordinate, and what it paints is what the slow model paints.
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <iterator>
-#include <limits>
 
 #include "image/dib_builder.h"
 #include "random/random.h"
@@ -14,9 +14,7 @@
 namespace qnv::test {
 namespace {
 
-constexpr int32_t kMax = std::numeric_limits<int32_t>::max();
-constexpr int32_t kMin = std::numeric_limits<int32_t>::min();
-constexpr BandRect kWholePage{0, 0, kMax, kMax};
+constexpr BandRect kWholePage{0, 0, INT32_MAX, INT32_MAX};
 
 struct Ratio {
   uint16_t a, b;
@@ -201,15 +199,15 @@ TEST(MappingRatios, WorkFollowsTheBand) {
                        .left = left,
                        .top = left});
     const PhysicalBrush brush = SolidBrush(device.handle(), 0x00305070);
-    const BandRect everywhere{kMin, kMin, kMax, kMax};
+    const BandRect everywhere{INT32_MIN, INT32_MIN, INT32_MAX, INT32_MAX};
     const SourceBitmap source{0, 32000, 2, 0, 1, 24, bits.data()};
     for (uint32_t rop : {uint32_t{WHITENESS}, uint32_t{PATINVERT}, uint32_t{SRCCOPY}, uint32_t{SRCINVERT}}) {
-      for (int32_t start : {0, kMin / 2, kMin}) {
+      for (int32_t start : {0, INT32_MIN / 2, INT32_MIN}) {
         const double before = ThreadSeconds();
         const int32_t x = left == 30000 ? 30000 * 65535 : start;
-        QNVDevBitBlt(device.handle(), x, x, &source, 0, 0, kMax, kMax, rop, &brush, &mode, &everywhere);
-        QNVStretchDIBits(device.handle(), 0, x, x, kMax, kMax, 0, 0, 32000, 2, bits.data(), info.data(), nullptr, rop,
-                         &brush, &mode, &everywhere);
+        QNVDevBitBlt(device.handle(), x, x, &source, 0, 0, INT32_MAX, INT32_MAX, rop, &brush, &mode, &everywhere);
+        QNVStretchDIBits(device.handle(), 0, x, x, INT32_MAX, INT32_MAX, 0, 0, 32000, 2, bits.data(), info.data(),
+                         nullptr, rop, &brush, &mode, &everywhere);
         EXPECT_LT(ThreadSeconds() - before, kEndsInSeconds) << "band at " << left << ", rop " << std::hex << rop;
       }
     }

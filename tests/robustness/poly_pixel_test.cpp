@@ -2,8 +2,8 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <iterator>
-#include <limits>
 
 #include "random/random.h"
 #include "reference/model.h"
@@ -13,10 +13,7 @@
 namespace qnv::test {
 namespace {
 
-constexpr int32_t kMax = std::numeric_limits<int32_t>::max();
-constexpr int32_t kMin = std::numeric_limits<int32_t>::min();
-
-const DeviceOptions kDevices[] = {
+const DeviceOptions kPolyPixelDevices[] = {
     {},
     {.bitsPerPixel = 8},
     {.tagPlane = true},
@@ -30,22 +27,23 @@ const DeviceOptions kDevices[] = {
 };
 
 TEST(PolyPixel, CornersFarOutside) {
-  for (const DeviceOptions& original : kDevices) {
-    for (int32_t left : {0, -5, kMin, kMax - 64}) {
+  for (const DeviceOptions& original : kPolyPixelDevices) {
+    for (int32_t left : {0, -5, INT32_MIN, INT32_MAX - 64}) {
       DeviceOptions options = original;
       options.left = left;
-      options.top = left == kMax - 64 ? kMax - 32 : left;
-      for (int32_t origin : {0, 100, -100, kMin, kMax}) {
+      options.top = left == INT32_MAX - 64 ? INT32_MAX - 32 : left;
+      for (int32_t origin : {0, 100, -100, INT32_MIN, INT32_MAX}) {
         TestDevice device(options);
-        device.SetOrigin(origin, origin == kMin ? kMax : -origin);
+        device.SetOrigin(origin, origin == INT32_MIN ? INT32_MAX : -origin);
         for (uint32_t rop = 1; rop <= 16; ++rop) {
           DRAWMODE mode = MakeDrawMode();
           mode.Rop2 = static_cast<int16_t>(rop);
-          const BandRect clip{kMin, kMin, kMax, kMax};
+          const BandRect clip{INT32_MIN, INT32_MIN, INT32_MAX, INT32_MAX};
           const double before = ThreadSeconds();
-          EXPECT_EQ(0u, QNVPolyPixel(device.handle(), kMin, kMax, kMax, kMin, 0x00123456, &mode, &clip));
+          EXPECT_EQ(
+              0u, QNVPolyPixel(device.handle(), INT32_MIN, INT32_MAX, INT32_MAX, INT32_MIN, 0x00123456, &mode, &clip));
           EXPECT_EQ(0u, QNVPolyPixel(device.handle(), -30000, -30000, 30000, 30000, 0x00123456, &mode, &kEverywhere));
-          EXPECT_EQ(0u, QNVPolyPixel(device.handle(), kMin, kMin, kMax, kMax, 0, nullptr, &clip));
+          EXPECT_EQ(0u, QNVPolyPixel(device.handle(), INT32_MIN, INT32_MIN, INT32_MAX, INT32_MAX, 0, nullptr, &clip));
           EXPECT_LT(ThreadSeconds() - before, kEndsInSeconds)
               << options.kind << ", " << options.resolutionA << " to " << options.resolutionB << ", band at " << left;
         }
@@ -59,7 +57,8 @@ TEST(PolyPixel, CornersFarOutside) {
 TEST(PolyPixel, AsTheModelPaints) {
   Random random(4711);
   for (int round = 0; round < 1500; ++round) {
-    DeviceOptions options = kDevices[static_cast<std::size_t>(random.Range(0, int{std::size(kDevices)} - 1))];
+    DeviceOptions options =
+        kPolyPixelDevices[static_cast<std::size_t>(random.Range(0, int{std::size(kPolyPixelDevices)} - 1))];
     options.width = 9;
     options.height = 6;
     options.left = random.Range(-6, 4);
@@ -86,7 +85,7 @@ TEST(PolyPixel, AsTheModelPaints) {
           {0, options.left, options.top, 1, 1, 0, 0, 1, 1, &pixel, info, SRCCOPY, nullptr, &mode, &kEverywhere});
     }
     const bool wraps = random.Percent(20);
-    const DrawingOrigin origin{wraps ? kMax - random.Range(0, 8) : random.Range(-5, 5), random.Range(-5, 5)};
+    const DrawingOrigin origin{wraps ? INT32_MAX - random.Range(0, 8) : random.Range(-5, 5), random.Range(-5, 5)};
     QNVControl(device.handle(), QNV_SET_ORIGIN, &origin, nullptr);
     model->Control(QNV_SET_ORIGIN, &origin);
     for (int call = 0; call < 4; ++call) {
@@ -98,8 +97,8 @@ TEST(PolyPixel, AsTheModelPaints) {
       };
       int32_t x1 = nearBand(origin.x), x2 = nearBand(origin.x), y1 = nearBand(origin.y), y2 = nearBand(origin.y);
       if (std::abs(int64_t{x1} - x2) > 1000) x2 = x1;  // across the end of the numbers
-      x1 = std::min(x1, kMax - 1);                     // the model counts past the last point
-      x2 = std::min(x2, kMax - 1);
+      x1 = std::min(x1, INT32_MAX - 1);                // the model counts past the last point
+      x2 = std::min(x2, INT32_MAX - 1);
       const BandRect clips[] = {{0, 0, 0, 0}, {-3, -3, 30, 30}, kEverywhere, {2, 1, 6, 5}, {-2000, 1, 2000, 4}};
       const BandRect clip = clips[random.Range(0, 4)];
       const uint32_t color = static_cast<uint32_t>(random.Range(0, 0xFFFFFF));

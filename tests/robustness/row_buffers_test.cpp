@@ -1,6 +1,7 @@
 // The row buffers of images: never sized by a coordinate, and what lies behind the columns that a row can hold.
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <limits>
 
 #include "image/dib_builder.h"
@@ -22,9 +23,10 @@ Dib RowOf100() {
 TEST(RowBuffers, WideBandsWithoutMemory) {
   const Dib dib = RowOf100();
   const DRAWMODE mode = MakeDrawMode();
-  constexpr int32_t kMax = std::numeric_limits<int32_t>::max();
-  const BandRect bands[] = {
-      {0, 0, 1431655766, 1}, {-2000000000, 0, 2000000000, 1}, {-kMax - 1, -kMax - 1, kMax, kMax}, {0, 0, kMax, kMax}};
+  const BandRect bands[] = {{0, 0, 1431655766, 1},
+                            {-2000000000, 0, 2000000000, 1},
+                            {-INT32_MAX - 1, -INT32_MAX - 1, INT32_MAX, INT32_MAX},
+                            {0, 0, INT32_MAX, INT32_MAX}};
   for (const BandRect& band : bands) {
     for (uint16_t depth : {uint16_t{24}, uint16_t{8}}) {
       for (uint32_t rop : kRops) {
@@ -33,7 +35,7 @@ TEST(RowBuffers, WideBandsWithoutMemory) {
         ASSERT_NE(nullptr, handle);
         const double before = ThreadSeconds();
         const int32_t left = band.left, top = band.top;
-        const int32_t width = left < 0 ? kMax : band.right;
+        const int32_t width = left < 0 ? INT32_MAX : band.right;
         const uint32_t result = QNVStretchDIBits(handle, 0, left, top, width, 1, 0, 0, 100, 1, dib.bits(), dib.info(),
                                                  nullptr, rop, nullptr, &mode, &band);
         EXPECT_LE(result & 0xFFFF, 1u);

@@ -1,15 +1,12 @@
 // Sources of the dual-plane device whose numbers would lead out of their memory.
 #include <gtest/gtest.h>
 
-#include <limits>
+#include <cstdint>
 
 #include "image/dib_builder.h"
 
 namespace qnv::test {
 namespace {
-
-constexpr int32_t kMax = std::numeric_limits<int32_t>::max();
-constexpr int32_t kMin = std::numeric_limits<int32_t>::min();
 
 // A source without width or height, or turned inside out, has no pixel: nothing is painted, nothing is tagged.
 TEST(TagSources, WithoutPixels) {
@@ -25,8 +22,8 @@ TEST(TagSources, WithoutPixels) {
   };
   for (const Size size :
        {Size{-32768, 4}, Size{-32768, -32768}, Size{-1, 4}, Size{4, -1}, Size{4, -32768}, Size{0, 4}, Size{4, 0}}) {
-    for (int32_t srcX : {0, 1, kMax, kMax - 1, kMin, -1, 32767, -32768}) {
-      for (int32_t srcY : {0, kMax, kMin, -1}) {
+    for (int32_t srcX : {0, 1, INT32_MAX, INT32_MAX - 1, INT32_MIN, -1, 32767, -32768}) {
+      for (int32_t srcY : {0, INT32_MAX, INT32_MIN, -1}) {
         for (uint8_t depth : {uint8_t{24}, uint8_t{1}}) {
           for (uint32_t rop : {uint32_t{SRCAND}, uint32_t{SRCPAINT}}) {
             const SourceBitmap source{0, size.width, size.height, 12, 1, depth, pixels.data()};

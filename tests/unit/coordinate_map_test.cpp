@@ -68,7 +68,7 @@ TEST(CoordinateMap, PageOfIsTheInverseOfMapKept) {
   for (const Resolutions& r : kResolutions) {
     SCOPED_TRACE(r);
     const BuiltMap map(r);
-    if (!map.Thins()) continue;
+    if (!map.Decimates()) continue;
     for (int32_t band = 0; band < 3 * r.b + 2; ++band) {
       const int32_t page = map.PageOf(band);
       ASSERT_EQ(band, map.MapKept(page));
@@ -101,10 +101,10 @@ struct Collector {
 
   void operator()(const ColumnRun& run) const {
     EXPECT_GT(run.count, 0);
-    EXPECT_LE(run.count, KeptMapping::kMostPicks);
-    EXPECT_EQ(run.picks[0], 0);
+    EXPECT_LE(run.count, KeptMapping::kMaxRunPixels);
+    EXPECT_EQ(run.indices[0], 0);
     for (int32_t i = 0; i < run.count; ++i) {
-      placed->push_back({run.bandColumn + i, first + run.callerColumn + run.picks[i]});
+      placed->push_back({run.bandColumn + i, first + run.callerColumn + run.indices[i]});
     }
   }
 };
