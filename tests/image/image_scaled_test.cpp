@@ -15,7 +15,7 @@ constexpr Resolutions kHalved{720, 360};
 constexpr Resolutions kTwoThirds{600, 400};
 constexpr Resolutions kDoubled{360, 720};
 
-struct ScaledCase {
+struct ScaledImageCase {
   Resolutions resolutions;
   ImageCase image;
   const char* transferredRows = nullptr;  // where a transfer shows other rows than a copy
@@ -23,7 +23,7 @@ struct ScaledCase {
 
 constexpr ImagePlace kWhole{0, 0, 10, 8, 0, 0, 10, 8};
 
-const ScaledCase kScaledCases[] = {
+const ScaledImageCase kScaledImageCases[] = {
     {kHalved, {"even rows and columns are kept", {10, 8}, kWhole, "acegi", "0246"}},
     {kHalved, {"from an odd place", {10, 8}, {1, 1, 10, 8, 0, 0, 10, 8}, ".bdfhj", ".1357"}},
     {kHalved, {"mirrored both ways", {10, 8}, {10, 8, -10, -8, 0, 0, 10, 8}, "jhfdb", "7531"}},
@@ -43,7 +43,7 @@ const ScaledCase kScaledCases[] = {
 // In gray mode a copied pixel is grayed in the band, where blue comes first and weighs 30; a transferred one is grayed
 // in the row, where red comes first. No table is grayed before.
 TEST(ImageScaled, Cases) {
-  for (const ScaledCase& c : kScaledCases) {
+  for (const ScaledImageCase& c : kScaledImageCases) {
     for (uint32_t rop : {SRCCOPY, kCopyByTransfer}) {
       for (uint16_t depth : {uint16_t{4}, uint16_t{8}, uint16_t{16}, uint16_t{24}, uint16_t{32}}) {
         for (bool topDown : {false, true}) {

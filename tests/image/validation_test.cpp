@@ -21,7 +21,7 @@ testing::AssertionResult Untouched(const TestDevice& device) {
 }
 
 // What a caller may get wrong besides the bitmap and the place.
-uint32_t CallWith(const TestDevice& device, uint32_t get, const void* bits, const void* info, const BandRect* clip) {
+uint32_t StretchWith(const TestDevice& device, uint32_t get, const void* bits, const void* info, const BandRect* clip) {
   const DRAWMODE mode = MakeDrawMode();
   return QNVStretchDIBits(device.handle(), get, 0, 0, 4, 2, 0, 0, 4, 2, bits, info, nullptr, SRCCOPY, nullptr, &mode,
                           clip) &
@@ -35,7 +35,7 @@ TEST(ImageValidation, ReadingBackIsRefused) {
     for (uint32_t get : {0u, 1u, 2u, 0xFFFFu, 0x10001u, 0x10000u}) {
       TestDevice device(options);
       const bool refused = (get & 0xFFFF) == 1;
-      EXPECT_EQ(refused ? 0u : 1u, CallWith(device, get, dib.bits(), dib.info(), &kEverywhere)) << "get " << get;
+      EXPECT_EQ(refused ? 0u : 1u, StretchWith(device, get, dib.bits(), dib.info(), &kEverywhere)) << "get " << get;
       EXPECT_EQ(refused, static_cast<bool>(Untouched(device))) << "get " << get;
       EXPECT_TRUE(device.FencesIntact());
     }
@@ -46,11 +46,11 @@ TEST(ImageValidation, NullPointers) {
   const Dib dib = LetterDib({4, 2}, {});
   for (const DeviceOptions& options : kDevices) {
     TestDevice device(options);
-    EXPECT_EQ(0u, CallWith(device, 0, dib.bits(), nullptr, &kEverywhere));
-    EXPECT_EQ(0u, CallWith(device, 0, nullptr, dib.info(), &kEverywhere));
-    EXPECT_EQ(0u, CallWith(device, 0, dib.bits(), dib.info(), nullptr));
+    EXPECT_EQ(0u, StretchWith(device, 0, dib.bits(), nullptr, &kEverywhere));
+    EXPECT_EQ(0u, StretchWith(device, 0, nullptr, dib.info(), &kEverywhere));
+    EXPECT_EQ(0u, StretchWith(device, 0, dib.bits(), dib.info(), nullptr));
     EXPECT_TRUE(Untouched(device));
-    EXPECT_EQ(1u, CallWith(device, 0, dib.bits(), dib.info(), &kEverywhere));
+    EXPECT_EQ(1u, StretchWith(device, 0, dib.bits(), dib.info(), &kEverywhere));
   }
 }
 
