@@ -52,7 +52,8 @@ void WriteSampleBmps(const std::string& folder) {
   const auto write = [&](const std::string& name, const BmpFile& file) {
     tool::WriteFile(folder + "/" + name, file.Bytes());
   };
-  for (const uint16_t bits : {1, 4, 8, 16, 24, 32}) write(std::to_string(bits) + ".bmp", Noise(bits));
+  for (const uint16_t bits : std::initializer_list<uint16_t>{1, 4, 8, 16, 24, 32})
+    write(std::to_string(bits) + ".bmp", Noise(bits));
   write("16-fields.bmp", Noise(16, kHeight, {0xF800, 0x07E0, 0x001F}));
   write("32-fields.bmp", Noise(32, kHeight, {0x000000FF, 0x0003FC00, 0xFF000000}));
   write("24-top-down.bmp", Noise(24, -kHeight));

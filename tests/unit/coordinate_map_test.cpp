@@ -111,7 +111,7 @@ struct Collector {
 
 TEST(KeptMapping, RunsAndRowsAreTheKeptOnes) {
   std::vector<Resolutions> all(std::begin(kResolutions), std::end(kResolutions));
-  all.insert(all.end(), {{65535, 300}, {360, 0}});
+  all.insert(all.end(), {{65535, 300}, {64, 1}, {360, 0}});
   for (const Resolutions& r : all) {
     const BuiltMap map(r);
     const auto compare = [&](int32_t first, int32_t count, int32_t bandEnd) {
