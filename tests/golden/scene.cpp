@@ -165,13 +165,13 @@ PlaneImage BandPicture(const char* name, const TestDevice& device) {
 
 PlaneImage TagPicture(const char* name, const TestDevice& device) { return PictureOf(name, TagImage(device), 1, 85); }
 
-void PaintText(const TestDevice& device, int32_t x, int32_t y, std::string_view text, int scale, DRAWMODE mode,
-               const TextSetup& setup) {
+void DrawLetters(const TestDevice& device, int32_t x, int32_t y, std::string_view text, int scale, DRAWMODE mode,
+                 const TextSetup& setup) {
   DrawTextAt(device, x, y, text, LetterFont(scale), mode, setup);
 }
 
 void Caption(const TestDevice& device, int32_t x, int32_t y, std::string_view text, uint32_t color) {
-  PaintText(device, x, y, text, 1, MakeDrawMode({.bkMode = TRANSPARENT, .text = color}));
+  DrawLetters(device, x, y, text, 1, MakeDrawMode({.bkMode = TRANSPARENT, .text = color}));
 }
 
 void FillRectangle(const TestDevice& device, const BandRect& rect, const PhysicalBrush& brush, const DRAWMODE& mode) {

@@ -39,8 +39,8 @@ PlaneImage BandPicture(const char* name, const TestDevice& device);
 PlaneImage TagPicture(const char* name, const TestDevice& device);
 
 // Capitals, digits and space, 7 rows high in cells of 9, each font pixel `scale` (1 or 2) wide and high.
-void PaintText(const TestDevice& device, int32_t x, int32_t y, std::string_view text, int scale, DRAWMODE mode,
-               const TextSetup& setup = {});
+void DrawLetters(const TestDevice& device, int32_t x, int32_t y, std::string_view text, int scale, DRAWMODE mode,
+                 const TextSetup& setup = {});
 void Caption(const TestDevice& device, int32_t x, int32_t y, std::string_view text, uint32_t color = 0);
 void FillRectangle(const TestDevice& device, const BandRect& rect, uint32_t color);
 void FillRectangle(const TestDevice& device, const BandRect& rect, const PhysicalBrush& brush, const DRAWMODE& mode);

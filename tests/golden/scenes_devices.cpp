@@ -10,7 +10,7 @@ namespace {
 void PaintPage(const TestDevice& device) {
   FillRectangle(device, {4, 4, 156, 26}, 0xF0E0C0);
   const DRAWMODE mode = MakeDrawMode({.bkMode = TRANSPARENT, .text = 0x800000});
-  PaintText(device, 8, 6, "MAPPED PAGE", 2, mode);
+  DrawLetters(device, 8, 6, "MAPPED PAGE", 2, mode);
   Stretch(device, PhotoDib(24), PhotoAt(4, 32, 72, 60));
   FillRectangle(device, {84, 32, 118, 62}, HatchBrush(device.handle(), HS_CROSS, 0x0000FF), mode);
   FillRectangle(device, {122, 32, 156, 62}, 0x00A000);
@@ -26,7 +26,7 @@ void PaintPage(const TestDevice& device) {
   const PhysicalBrush brush = SolidBrush(device.handle(), 0x0080FF);
   EXPECT_EQ(1u, Transfer(device.handle(),
                          {.at = {50, 96}, .size = {106, 20}, .rop = PATCOPY, .brush = &brush, .drawMode = &copy}));
-  PaintText(device, 54, 98, "SMALL", 2, mode);
+  DrawLetters(device, 54, 98, "SMALL", 2, mode);
 }
 
 PlaneImage MappedPage(const char* name, uint16_t bitsPerPixel, uint16_t resolutionA, uint16_t resolutionB) {
@@ -54,9 +54,9 @@ std::vector<PlaneImage> PaintDualPlanePage() {
   Stretch(device, photo, PhotoAt(4, 78, 72, 38), {.rop = ROP_MINIMUM});
   // Graphics on the images.
   DRAWMODE mode = MakeDrawMode({.text = 0x0000FF});
-  PaintText(device, 8, 36, "OPAQUE", 1, mode);
+  DrawLetters(device, 8, 36, "OPAQUE", 1, mode);
   mode.bkMode = TRANSPARENT;
-  PaintText(device, 8, 48, "CLEAR", 2, mode);
+  DrawLetters(device, 8, 48, "CLEAR", 2, mode);
   FillRectangle(device, {90, 20, 110, 40}, HatchBrush(device.handle(), HS_FDIAGONAL, 0x008000), mode);
   FillRectangle(device, {114, 20, 134, 40}, 0x00C0F0);
   const DRAWMODE masked = MakeDrawMode({.rop2 = R2_MASKPEN});
@@ -66,7 +66,7 @@ std::vector<PlaneImage> PaintDualPlanePage() {
   const BandRect rect{12, 84, 60, 100};
   mode.bkMode = OPAQUE;
   mode.bkColor = 0xC0FFFF;
-  PaintText(device, 16, 88, "IN A RECT", 1, mode, {.opaqueRect = &rect, .options = ETO_OPAQUE});
+  DrawLetters(device, 16, 88, "IN A RECT", 1, mode, {.opaqueRect = &rect, .options = ETO_OPAQUE});
   const PhysicalBrush brush = SolidBrush(device.handle(), 0xFF8000);
   EXPECT_EQ(1u, Transfer(device.handle(),
                          {.at = {84, 78}, .size = {72, 38}, .rop = PATCOPY, .brush = &brush, .drawMode = &mode}));

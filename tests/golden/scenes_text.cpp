@@ -7,35 +7,35 @@ namespace {
 void PaintText(const TestDevice& device) {
   FillRectangle(device, {0, 0, 208, 40}, 0xF0E0C0);
   FillRectangle(device, {100, 0, 208, 168}, 0xD0F0D0);
-  PaintText(device, 4, 4, "TRANSPARENT TEXT OVER COLOUR", 1,
-            MakeDrawMode({.bkMode = TRANSPARENT, .background = 0, .text = 0x800000}));
-  PaintText(device, 4, 16, "OPAQUE TEXT OVER COLOUR", 1, MakeDrawMode({.background = 0x80FFFF, .text = 0x0000A0}));
+  DrawLetters(device, 4, 4, "TRANSPARENT TEXT OVER COLOUR", 1,
+              MakeDrawMode({.bkMode = TRANSPARENT, .background = 0, .text = 0x800000}));
+  DrawLetters(device, 4, 16, "OPAQUE TEXT OVER COLOUR", 1, MakeDrawMode({.background = 0x80FFFF, .text = 0x0000A0}));
   // Large letters cut by a clip rectangle.
   const BandRect clip{30, 30, 168, 44};
-  PaintText(device, 20, 28, "CLIPPED ALL ROUND", 2, MakeDrawMode({.background = 0x804000, .text = 0xFFFFFF}),
-            {.clip = &clip});
+  DrawLetters(device, 20, 28, "CLIPPED ALL ROUND", 2, MakeDrawMode({.background = 0x804000, .text = 0xFFFFFF}),
+              {.clip = &clip});
   // An opaque rectangle with text larger than it, unclipped and clipped.
   DRAWMODE mode = MakeDrawMode({.bkMode = TRANSPARENT, .background = 0xC0C0FF});
   const BandRect left{8, 54, 84, 66};
-  PaintText(device, 4, 52, "RECTANGLE", 2, mode, {.opaqueRect = &left, .options = ETO_OPAQUE});
+  DrawLetters(device, 4, 52, "RECTANGLE", 2, mode, {.opaqueRect = &left, .options = ETO_OPAQUE});
   const BandRect right{112, 54, 196, 66};
-  PaintText(device, 108, 52, "RECTANGLE", 2, mode, {.opaqueRect = &right, .options = ETO_OPAQUE | ETO_CLIPPED});
+  DrawLetters(device, 108, 52, "RECTANGLE", 2, mode, {.opaqueRect = &right, .options = ETO_OPAQUE | ETO_CLIPPED});
   // Justification: the same words over three widths, and extra after every character.
   for (int16_t line = 0; line < 3; ++line) {
     mode = MakeDrawMode({.background = 0xE0E0E0, .text = 0x004000});
     mode.TBreakExtra = static_cast<int16_t>(line * 17);
     mode.BreakCount = 3;
     mode.BreakErr = 1;
-    PaintText(device, 4, 74 + 10 * line, "FOUR WORDS SPREAD OUT", 1, mode);
+    DrawLetters(device, 4, 74 + 10 * line, "FOUR WORDS SPREAD OUT", 1, mode);
   }
   mode = MakeDrawMode({.background = 0xE0E0E0, .text = 0x404000});
   mode.CharacterExtra = 3;
-  PaintText(device, 4, 106, "CHARACTER EXTRA", 1, mode);
+  DrawLetters(device, 4, 106, "CHARACTER EXTRA", 1, mode);
   // Positions given one by one, and codes that the font does not hold.
   mode = MakeDrawMode({.bkMode = TRANSPARENT, .background = 0, .text = 0x0000FF});
   const int16_t widths[] = {6, 7, 8, 9, 10, 12, 14, 16, 0};
-  PaintText(device, 4, 120, "POSITIONS", 1, mode, {.charWidths = widths});
-  PaintText(device, 112, 120, "UNKNOWN \x01\xFE~", 1, mode);
+  DrawLetters(device, 4, 120, "POSITIONS", 1, mode, {.charWidths = widths});
+  DrawLetters(device, 112, 120, "UNKNOWN \x01\xFE~", 1, mode);
   // A two-byte font of four boxes.
   FontShape shape{.height = 12, .twoByte = true};
   FontBuilder builder(shape);
@@ -57,8 +57,8 @@ void PaintText(const TestDevice& device) {
   TwoByteText(device, 72, 136, {1003, 1002, 1001, 1000}, 4, wide, mode, {.charWidths = apart});
   // Out of the band on both sides.
   mode = MakeDrawMode({.background = 0xA0FFA0});
-  PaintText(device, -9, 152, "LEFT EDGE", 2, mode);
-  PaintText(device, 120, 152, "RIGHT EDGE", 2, mode);
+  DrawLetters(device, -9, 152, "LEFT EDGE", 2, mode);
+  DrawLetters(device, 120, 152, "RIGHT EDGE", 2, mode);
 }
 
 // The colors of text are taken as they are: a gray band keeps their high byte alone.

@@ -109,10 +109,14 @@ struct Collector {
   }
 };
 
-TEST(KeptMapping, RunsAndRowsAreTheKeptOnes) {
+std::vector<Resolutions> MoreResolutions() {
   std::vector<Resolutions> all(std::begin(kResolutions), std::end(kResolutions));
   all.insert(all.end(), {{65535, 300}, {64, 1}, {360, 0}});
-  for (const Resolutions& r : all) {
+  return all;
+}
+
+TEST(KeptMapping, RunsAndRowsAreTheKeptOnes) {
+  for (const Resolutions& r : MoreResolutions()) {
     const BuiltMap map(r);
     const auto compare = [&](int32_t first, int32_t count, int32_t bandEnd) {
       const std::vector<Placed> expected =
@@ -132,6 +136,29 @@ TEST(KeptMapping, RunsAndRowsAreTheKeptOnes) {
     }
     compare(-3, 200000, 1 << 20);              // many runs
     compare(INT32_MAX - 300, 300, INT32_MAX);  // to the end of the numbers
+  }
+}
+
+// Text goes by the table, which also knows columns left of the page.
+TEST(KeptMapping, TableRunsAreTheColumnsOfTheTable) {
+  for (const Resolutions& r : MoreResolutions()) {
+    const BuiltMap map(r);
+    for (const int32_t first : {-2000, -1, 0, 359, 60000}) {
+      for (const int32_t count : {0, 1, 2, 700, 65536}) {
+        for (const int32_t left : {-700, -1, 0, 500}) {
+          for (const int32_t right : {left + 1, left + 1000, 1 << 20}) {
+            std::vector<Placed> columns;
+            KeptMapping{&map}.ForEachTableRun(first, count, left, right, Collector{&columns, first});
+            const auto bandOf = [&](int32_t page) {
+              const int32_t column = TableColumn(map, page);
+              return column == kDropped ? -1 : column - left;
+            };
+            ASSERT_EQ(OneByOne(first, count, right - left, bandOf), columns)
+                << r << ", " << count << " from " << first << " into " << left << " to " << right;
+          }
+        }
+      }
+    }
   }
 }
 
