@@ -139,7 +139,7 @@ void AddImageScenes(std::vector<Scene>& scenes, const DeviceClass& device) {
     const char* name;
     uint16_t depth;
     uint32_t compression, rop;
-    int64_t height, width;  // rows of the bitmap, columns of the destination
+    int height, width;  // rows of the bitmap, columns of the destination
   };
   constexpr Image kImages[] = {
       {"StretchDIBits, 24 bits", 24, BI_RGB, SRCCOPY, 8, 12},
@@ -155,10 +155,10 @@ void AddImageScenes(std::vector<Scene>& scenes, const DeviceClass& device) {
   for (const Image& image : kImages) {
     scenes.push_back({image.name,
                       FieldsWith(device, {{"get", 32, 0},
-                                          {"dstX", 32, device.left + 1},
-                                          {"dstY", 32, device.top + 1},
-                                          {"dstWidth", 32, image.width},
-                                          {"dstHeight", 32, 7},
+                                          {"dstX", 32, CallerX(device, 1)},
+                                          {"dstY", 32, CallerY(device, 1)},
+                                          {"dstWidth", 32, CallerExtent(device, image.width)},
+                                          {"dstHeight", 32, CallerExtent(device, 7)},
                                           {"srcX", 32, 1},
                                           {"srcY", 32, 1},
                                           {"srcWidth", 32, 10},
@@ -169,13 +169,13 @@ void AddImageScenes(std::vector<Scene>& scenes, const DeviceClass& device) {
                       StretchDIBits});
   }
   for (uint16_t depth : {uint16_t{24}, uint16_t{4}}) {
-    scenes.push_back(
-        {depth == 24 ? "SetDIBitsToDevice, 24 bits" : "SetDIBitsToDevice, run lengths",
-         FieldsWith(
-             device,
-             {{"x", 32, device.left + 1}, {"y", 32, device.top + 1}, {"startScan", 32, 1}, {"numScans", 32, 5}}) +
-             HeaderFields(depth, depth == 24 ? BI_RGB : BI_RLE4, 8) + DrawModeFields(),
-         SetDIBitsToDevice});
+    scenes.push_back({depth == 24 ? "SetDIBitsToDevice, 24 bits" : "SetDIBitsToDevice, run lengths",
+                      FieldsWith(device, {{"x", 32, CallerX(device, 1)},
+                                          {"y", 32, CallerY(device, 1)},
+                                          {"startScan", 32, 1},
+                                          {"numScans", 32, 5}}) +
+                          HeaderFields(depth, depth == 24 ? BI_RGB : BI_RLE4, 8) + DrawModeFields(),
+                      SetDIBitsToDevice});
   }
 }
 

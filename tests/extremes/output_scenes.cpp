@@ -138,7 +138,7 @@ void AddOutputScenes(std::vector<Scene>& scenes, const DeviceClass& device) {
     int64_t count, n;
   };
   constexpr List kLists[] = {
-      {"Output, scan lines", OS_SCANLINES, 3, 0},         {"Output, banded spans", OS_BANDED_SPANS, 2, 4},
+      {"Output, scan lines", OS_SCANLINES, 3, 0},         {"Output, banded spans", OS_BANDED_SPANS, 2, 6},
       {"Output, one banded span", OS_BANDED_SPANS, 1, 2}, {"Output, row records", OS_ROW_RECORDS, 3, 2},
       {"Output, row spans", OS_ROW_SPANS, 2, 0},          {"Output, byte deltas", OS_BYTE_DELTAS, 5, 0},
       {"Output, nibble deltas", OS_NIBBLE_DELTAS, 5, 0},
@@ -148,10 +148,10 @@ void AddOutputScenes(std::vector<Scene>& scenes, const DeviceClass& device) {
                       FieldsWith(device, {{"style", 32, list.style},
                                           {"count", 32, list.count},
                                           {"n", 16, list.n},
-                                          {"top", 16, device.top + 1},
-                                          {"bottom", 16, device.top + 6},
-                                          {"left", 16, device.left + 2},
-                                          {"right", 16, device.left + 9},
+                                          {"top", 16, InWord(CallerY(device, 0))},
+                                          {"bottom", 16, InWord(CallerY(device, 6))},
+                                          {"left", 16, InWord(CallerX(device, 0))},
+                                          {"right", 16, InWord(CallerX(device, 9))},
                                           {"closing n", 16, list.n},
                                           {"delta", 16, 0x1F2},
                                           {"pen style", 16, PS_SOLID},

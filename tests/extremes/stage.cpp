@@ -42,20 +42,34 @@ HostMemory::HostMemory()
       widths(65536),
       list(std::size_t{4} << 20),
       font(kFontMemory),
-      pattern(std::size_t{1} << 20) {}
+      pattern(std::size_t{1} << 20) {
+  // Sources of ordinary size are no plain white.
+  constexpr std::size_t kPicture = 65536;
+  uint8_t* const bytes = pixels.Last(kPicture);
+  for (std::size_t i = 0; i < kPicture; ++i) bytes[i] = static_cast<uint8_t>(i * 37 + i / 256);
+}
+
+static int64_t ToCaller(const DeviceClass& device, int64_t pixel) {
+  if (device.kind != QNV_KIND_SCALED || device.resolutionB == 0) return pixel;
+  return FloorDivide(2 * pixel * device.resolutionA + device.resolutionB, int64_t{2} * device.resolutionB);
+}
+int64_t CallerX(const DeviceClass& device, int column) { return ToCaller(device, int64_t{device.left} + column); }
+int64_t CallerY(const DeviceClass& device, int row) { return ToCaller(device, int64_t{device.top} + row); }
+int64_t CallerExtent(const DeviceClass& device, int pixels) {
+  return std::clamp<int64_t>(ToCaller(device, pixels), pixels, 60000);
+}
 
 std::vector<Field> CommonFields(const DeviceClass& device) {
-  const int32_t wide = 30000;
   return {{"origin x", 32, 0},
           {"origin y", 32, 0},
           {"band left", 32, device.left},
           {"band top", 32, device.top},
           {"band right", device.memory ? 0 : 32, int64_t{device.left} + kBandColumns},
           {"band bottom", device.memory ? 0 : 32, int64_t{device.top} + kBandRows},
-          {"clip left", 32, int64_t{device.left} - wide},
-          {"clip top", 32, int64_t{device.top} - wide},
-          {"clip right", 32, int64_t{device.left} + wide},
-          {"clip bottom", 32, int64_t{device.top} + wide}};
+          {"clip left", 32, CallerX(device, -20) - 2},
+          {"clip top", 32, CallerY(device, -20) - 2},
+          {"clip right", 32, CallerX(device, kBandColumns + 20) + 2},
+          {"clip bottom", 32, CallerY(device, kBandRows + 20) + 2}};
 }
 
 std::vector<Field> DrawModeFields() {
@@ -135,8 +149,22 @@ void Stage::Restart() {
     QNVStretchDIBits(handle_, 0, band_.left, band_.top, 1, 1, 0, 0, 1, 1, pixel, &header, nullptr, SRCCOPY, nullptr,
                      &mode, &band_);
   }
-  bitsBefore_.assign(bits_->data(), bits_->data() + bits_->size());
-  tagsBefore_.assign(tags_->data(), tags_->data() + tags_->size());
+  bitsAtStart_.assign(bits_->data(), bits_->data() + bits_->size());
+  tagsAtStart_.assign(tags_->data(), tags_->data() + tags_->size());
+  Rewind();
+}
+
+void Stage::Rewind() {
+  bitsBefore_ = bitsAtStart_;
+  tagsBefore_ = tagsAtStart_;
+  std::memcpy(bits_->data(), bitsAtStart_.data(), bitsAtStart_.size());
+  std::memcpy(tags_->data(), tagsAtStart_.data(), tagsAtStart_.size());
+}
+
+std::vector<uint8_t> Stage::Painted() const {
+  std::vector<uint8_t> bytes = bitsBefore_;
+  bytes.insert(bytes.end(), tagsBefore_.begin(), tagsBefore_.end());
+  return bytes;
 }
 
 BandRect Stage::BandOf(const Values& values) const {

@@ -44,6 +44,14 @@ enum CommonField : std::size_t {
 };
 std::vector<Field> CommonFields(const DeviceClass& device);
 
+// The caller's coordinate of a column or row of the band, and as many of the caller's pixels as cover so many of the
+// band's: for calls that paint.
+int64_t CallerX(const DeviceClass& device, int column);
+int64_t CallerY(const DeviceClass& device, int row);
+int64_t CallerExtent(const DeviceClass& device, int pixels);
+// What of it a span list can say.
+inline int64_t InWord(int64_t v) { return std::clamp<int64_t>(v, -32768, 32767); }
+
 // Where a call may paint.
 struct Limits {
   bool none = false;    // nothing but the band limits it
@@ -75,6 +83,10 @@ class Stage {
 
   // A device of its own: nothing of a scene before is left in it.
   void Restart();
+  // The planes as Restart left them.
+  void Rewind();
+  // The bytes of both planes.
+  std::vector<uint8_t> Painted() const;
   // Sets origin and band.
   void Place(const Values& values);
 
@@ -117,7 +129,8 @@ class Stage {
   int32_t originX_ = 0, originY_ = 0;
   uint64_t heapBefore_ = 0;
   std::unique_ptr<FencedBuffer> bits_, tags_;
-  std::vector<uint8_t> bitsBefore_, tagsBefore_;
+  std::vector<uint8_t> bitsBefore_, tagsBefore_;  // the last call
+  std::vector<uint8_t> bitsAtStart_, tagsAtStart_;
   DeviceHandle* handle_ = nullptr;
   uint64_t calls_ = 0, skipped_ = 0, highestHeap_ = 0;
   double slowest_ = 0;

@@ -127,21 +127,17 @@ void AddTextScenes(std::vector<Scene>& scenes, const DeviceClass& device) {
       {"ExtTextOut, two bytes", 0xA0, kPlain, 0},    {"ExtTextOut, two bytes and widths", 0xA0, kWithWidths, 0},
       {"ExtTextOut, short table", 0x200, kPlain, 0}, {"ExtTextOut, no clip", 0x80, kWithoutClip, 0},
   };
-  // On the resolution-mapping device a cell of the page that shows on the band.
-  const int64_t step = device.kind == QNV_KIND_SCALED && device.resolutionB != 0
-                           ? std::max(device.resolutionA / device.resolutionB, 1)
-                           : 1;
   for (const Kind& kind : kKinds) {
     scenes.push_back({kind.name,
-                      FieldsWith(device, {{"x", 32, std::min<int64_t>((device.left + 1) * step, 32000)},
-                                          {"y", 32, std::min<int64_t>((device.top + 1) * step, 32000)},
+                      FieldsWith(device, {{"x", 32, InWord(CallerX(device, 1))},
+                                          {"y", 32, InWord(CallerY(device, 1))},
                                           {"count", 32, 3},
                                           {"font offset", 32, 3},
                                           {"options", 32, kind.options},
-                                          {"opaque left", 32, device.left + 2},
-                                          {"opaque top", 32, device.top + 2},
-                                          {"opaque right", 32, device.left + 10},
-                                          {"opaque bottom", 32, device.top + 7},
+                                          {"opaque left", 32, CallerX(device, 2)},
+                                          {"opaque top", 32, CallerY(device, 2)},
+                                          {"opaque right", 32, CallerX(device, 10)},
+                                          {"opaque bottom", 32, CallerY(device, 7)},
                                           {"width of a character", 16, 5},
                                           {"code", 16, 'b'},
                                           {"dfType", 16, kind.type},

@@ -91,13 +91,14 @@ void AddTransferScenes(std::vector<Scene>& scenes, const DeviceClass& device) {
   const std::vector<Field> mode = DrawModeFields();
   scenes.push_back(
       {"Pixel",
-       FieldsWith(device, {{"x", 32, device.left + 2}, {"y", 32, device.top + 3}, {"color", 32, 0x00998877}}) + mode,
+       FieldsWith(device, {{"x", 32, CallerX(device, 2)}, {"y", 32, CallerY(device, 3)}, {"color", 32, 0x00998877}}) +
+           mode,
        Pixel});
   scenes.push_back({"PolyPixel",
-                    FieldsWith(device, {{"x1", 32, device.left + 2},
-                                        {"y1", 32, device.top + 3},
-                                        {"x2", 32, device.left + 7},
-                                        {"y2", 32, device.top - 2},
+                    FieldsWith(device, {{"x1", 32, CallerX(device, 2)},
+                                        {"y1", 32, CallerY(device, 3)},
+                                        {"x2", 32, CallerX(device, 7)},
+                                        {"y2", 32, CallerY(device, -2)},
                                         {"color", 32, 0x00998877}}) +
                         mode,
                     PolyPixel});
@@ -109,18 +110,18 @@ void AddTransferScenes(std::vector<Scene>& scenes, const DeviceClass& device) {
   };
   constexpr Transfer kTransfers[] = {
       {"BitBlt, copy", SRCCOPY, 24, BS_SOLID},           {"BitBlt, one-bit copy", SRCCOPY, 1, BS_SOLID},
-      {"BitBlt, source and", SRCAND, 24, BS_SOLID},      {"BitBlt, gray source paint", SRCPAINT, 8, BS_SOLID},
+      {"BitBlt, source and", SRCAND, 24, BS_SOLID},      {"BitBlt, gray source inverted", NOTSRCCOPY, 8, BS_SOLID},
       {"BitBlt, pattern", PATCOPY, 24, BS_HATCHED},      {"BitBlt, pattern and source", 0x00B8074A, 24, BS_PATTERN},
       {"BitBlt, one-bit merge", MERGECOPY, 1, BS_SOLID}, {"BitBlt, invert", DSTINVERT, 24, BS_SOLID},
   };
   for (const Transfer& t : kTransfers) {
     scenes.push_back({t.name,
-                      FieldsWith(device, {{"destX", 32, device.left + 1},
-                                          {"destY", 32, device.top + 1},
+                      FieldsWith(device, {{"destX", 32, CallerX(device, 1)},
+                                          {"destY", 32, CallerY(device, 1)},
                                           {"srcX", 32, 1},
                                           {"srcY", 32, 1},
-                                          {"width", 32, 9},
-                                          {"height", 32, 6},
+                                          {"width", 32, CallerExtent(device, 9)},
+                                          {"height", 32, CallerExtent(device, 6)},
                                           {"rop", 32, t.rop},
                                           {"bmType", 16, 0},
                                           {"bmWidth", 16, 11},
