@@ -110,8 +110,9 @@ void Output(Stage& stage, const Values& v, int) {
   }
   uint8_t* list = stage.host().list.Last(bytes);
   if (list == nullptr) return stage.Skip();
-  std::memset(list, 0, bytes);
-  if (bytes != 0) std::memcpy(list, words.data(), std::min<std::size_t>(bytes, 2 * words.size()));
+  const std::size_t size = static_cast<std::size_t>(bytes);
+  std::memset(list, 0, size);
+  if (size != 0) std::memcpy(list, words.data(), std::min(size, 2 * words.size()));
 
   const BandRect clip = v.Rect(kClip);
   const DRAWMODE mode = DrawModeOf(v, kOutputMode);

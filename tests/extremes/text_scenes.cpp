@@ -92,7 +92,7 @@ void Text(Stage& stage, const Values& v, int variant) {
     if (!shortTable) Put16(entry + 4, glyph >> 16);
   }
   // Some ink in the first rows.
-  std::memset(base + glyph, 0xA7, std::min<uint64_t>(glyphBytes, 64));
+  std::memset(base + glyph, 0xA7, static_cast<std::size_t>(std::min<uint64_t>(glyphBytes, 64)));
 
   const BandRect clip = v.Rect(kClip), opaque = v.Rect(kOpaque);
   DRAWMODE mode = DrawModeOf(v, kTextMode);
