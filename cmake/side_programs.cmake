@@ -67,13 +67,29 @@ foreach(source IN LISTS fuzz_shared)
   endif()
 endforeach()
 list(REMOVE_ITEM fuzz_shared ${fuzz_sources})
-if(NOT QNV_FUZZ)
+# The memory sanitizer does not see what functions inside the standard library write, and the model's side uses those.
+if(NOT QNV_FUZZ OR QNV_SANITIZERS STREQUAL "memory")
   list(REMOVE_ITEM fuzz_sources ${fuzz_comparing})
 endif()
 add_library(fuzz_support OBJECT ${fuzz_shared})
 target_include_directories(fuzz_support PRIVATE ${PROJECT_SOURCE_DIR}/include ${PROJECT_SOURCE_DIR}/src)
 target_link_libraries(fuzz_support PRIVATE qnv_options)
-if(QNV_FUZZ)
+set(fuzz_engine -fsanitize=fuzzer)
+if(QNV_SANITIZERS STREQUAL "memory")
+  # libFuzzer brings templates of the standard library that the sanitizer knows nothing of, and comes first when the
+  # linker chooses among copies. Here its copies are its own.
+  execute_process(COMMAND ${CMAKE_CXX_COMPILER} -print-resource-dir OUTPUT_VARIABLE resources
+    OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
+  set(fuzz_engine ${PROJECT_BINARY_DIR}/fuzz_engine.o)
+  add_custom_command(OUTPUT ${fuzz_engine}
+    COMMAND ld.bfd -r --force-group-allocation
+      --whole-archive ${resources}/lib/linux/libclang_rt.fuzzer-x86_64.a -o ${fuzz_engine}
+    COMMAND objcopy --wildcard --localize-symbol=_ZNSt* --localize-symbol=_ZNKSt* --localize-symbol=_ZSt*
+      --localize-symbol=_ZN*__cxx11* ${fuzz_engine}
+    VERBATIM)
+  add_custom_target(fuzz_engine DEPENDS ${fuzz_engine})
+endif()
+if(fuzz_comparing IN_LIST fuzz_sources)
   file(GLOB fuzz_case_sources CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/tests/random/*.cpp
     ${PROJECT_SOURCE_DIR}/tests/reference/*.cpp ${PROJECT_SOURCE_DIR}/tests/support/fenced_buffer.cpp)
   list(FILTER fuzz_case_sources EXCLUDE REGEX "/random_tests\\.cpp$")
@@ -90,7 +106,10 @@ foreach(source IN LISTS fuzz_sources)
     if(source IN_LIST fuzz_comparing)
       target_link_libraries(${target} PRIVATE fuzz_cases)
     endif()
-    target_link_options(${target} PRIVATE -fsanitize=fuzzer)
+    target_link_options(${target} PRIVATE ${fuzz_engine})
+    if(TARGET fuzz_engine)
+      add_dependencies(${target} fuzz_engine)
+    endif()
     # With zero runs libFuzzer runs each file of the corpus once and makes no new inputs.
     add_test(NAME fuzz_corpus_${name} COMMAND ${target} -runs=0 ${PROJECT_SOURCE_DIR}/fuzz/corpus/${name})
     set_tests_properties(fuzz_corpus_${name} PROPERTIES ENVIRONMENT "${QNV_TEST_ENVIRONMENT}" TIMEOUT 300)
