@@ -183,6 +183,9 @@ BandRect* GiveClip(RandomCase& run, bool mayBeNull) {
     clip = {-run.origin().x, -run.origin().y, -run.origin().x, -run.origin().y};
   } else {
     clip = RectNearBand(run);
+    // A single edge of 0 has a meaning of its own for tags.
+    int32_t* const edges[] = {&clip.left, &clip.top, &clip.right, &clip.bottom};
+    if (random.Percent(12)) *random.Pick(edges) = 0;
   }
   run.SayRect("  clip", &clip);
   return run.Give(clip);
