@@ -87,7 +87,7 @@ export seconds
 # fuzz_one TARGET: prints one line
 fuzz_one() {
   local target=$1 log=$tree/fuzz_$1.log status executions edges features inputs found verdict=ok
-  "$tree/bin/fuzz_$target" -max_total_time="$seconds" -timeout=10 -rss_limit_mb=2048 -max_len=2048 -use_value_profile=0 \
+  "$tree/bin/fuzz_$target" -max_total_time="$seconds" -timeout=10 -rss_limit_mb=2048 -max_len=2048 -len_control=0 \
     -print_final_stats=1 -artifact_prefix="$tree/findings/$target/" "$tree/corpus/$target" "fuzz/corpus/$target" \
     >"$log" 2>&1 </dev/null
   status=$?

@@ -15,7 +15,7 @@ class Numbers {
   virtual uint32_t Word() = 0;
   virtual uint8_t Byte() = 0;
   virtual void Fill(uint8_t* to, std::size_t count) = 0;
-  // No more numbers to be had: what is asked for now is 0.
+  // What the numbers come from is at its end.
   virtual bool used_up() const { return false; }
 
   // Uniform in low..high, both included.
@@ -65,26 +65,32 @@ class Random final : public Numbers {
   uint64_t state_;
 };
 
-// The bytes of a file, one for each small choice, so that a changed byte changes one choice.
+// The bytes of a file, one for each small choice, so that a changed byte changes one choice. Behind the last byte comes
+// what a generator makes of them all: short files are whole cases too.
 class FileNumbers final : public Numbers {
  public:
-  FileNumbers(const uint8_t* bytes, std::size_t size) : at_(bytes), left_(size) {}
+  FileNumbers(const uint8_t* bytes, std::size_t size) : at_(bytes), left_(size), rest_(Hash(bytes, size)) {}
 
   bool used_up() const override { return left_ == 0; }
   uint64_t Below(uint64_t count) override {
-    const uint64_t number = Take(count <= 0x100 ? 1 : count <= 0x10000 ? 2 : 4);
-    return number % count;
+    if (left_ == 0) return rest_.Below(count);
+    return Take(count <= 0x100 ? 1 : count <= 0x10000 ? 2 : 4) % count;
   }
-  uint32_t Word() override { return static_cast<uint32_t>(Take(4)); }
-  uint8_t Byte() override { return static_cast<uint8_t>(Take(1)); }
+  uint32_t Word() override { return left_ == 0 ? rest_.Word() : static_cast<uint32_t>(Take(4)); }
+  uint8_t Byte() override { return left_ == 0 ? rest_.Byte() : static_cast<uint8_t>(Take(1)); }
   // A first byte chooses: the file's own bytes, or generated ones, which leave the file short.
   void Fill(uint8_t* to, std::size_t count) override {
     const uint8_t choice = Byte();
-    if (choice >= 64) return Random(choice).Fill(to, count);
+    if (left_ == 0 || choice >= 64) return Random(rest_.Word() + choice).Fill(to, count);
     for (std::size_t i = 0; i < count; ++i) to[i] = Byte();
   }
 
  private:
+  static uint64_t Hash(const uint8_t* bytes, std::size_t size) {
+    uint64_t hash = 0xCBF29CE484222325u;
+    for (std::size_t i = 0; i < size; ++i) hash = (hash ^ bytes[i]) * 0x100000001B3u;
+    return hash;
+  }
   uint64_t Take(int bytes) {
     uint64_t number = 0;
     for (int i = 0; i < bytes && left_ > 0; ++i, --left_) number |= uint64_t{*at_++} << 8 * i;
@@ -93,6 +99,7 @@ class FileNumbers final : public Numbers {
 
   const uint8_t* at_;
   std::size_t left_;
+  Random rest_;
 };
 
 }  // namespace qnv::test
