@@ -123,18 +123,19 @@ inline uint32_t DibPixel(uint32_t index, uint16_t bitCount) {
 
 // A bitmap from a picture, top row first; the letter's index wraps at the depth's number of colors.
 inline Dib PictureDib(int32_t width, std::string_view picture, const DibShape& shape) {
-  const int32_t height = static_cast<int32_t>(picture.size()) / width;
+  const std::size_t columns = static_cast<std::size_t>(width);
+  const std::size_t rows = picture.size() / columns;
   std::vector<uint8_t> bits;
-  for (int32_t i = 0; i < height; ++i) {
-    const int32_t row = shape.topDown ? i : height - 1 - i;
+  for (std::size_t i = 0; i < rows; ++i) {
+    const std::size_t row = shape.topDown ? i : rows - 1 - i;
     std::vector<uint32_t> values;
-    for (int32_t x = 0; x < width; ++x) {
-      const uint32_t index = static_cast<uint32_t>(picture[static_cast<std::size_t>(row * width + x)] - 'a');
-      values.push_back(DibPixel(index % ColorsOfDepth(shape.bitCount), shape.bitCount));
+    for (char letter : picture.substr(row * columns, columns)) {
+      const uint32_t index = static_cast<uint32_t>(letter - 'a') % ColorsOfDepth(shape.bitCount);
+      values.push_back(DibPixel(index, shape.bitCount));
     }
     AppendDibRow(bits, values, shape.bitCount);
   }
-  return Dib(DibInfo(width, height, shape, FullTable(shape.bitCount)), bits);
+  return Dib(DibInfo(width, static_cast<int32_t>(rows), shape, FullTable(shape.bitCount)), bits);
 }
 
 // What the letters look like on a device, for an image of that depth.
