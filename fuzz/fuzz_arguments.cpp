@@ -44,7 +44,7 @@ std::vector<uint8_t> TakeSpanList(Input& input, uint16_t style, uint16_t count) 
   std::size_t words = 4;
   switch (style) {
     case 4:
-    case 104: words = 2u * std::max<uint32_t>(count, 1); break;
+    case 104: words = std::size_t{2} * std::max<uint32_t>(count, 1); break;
     case 5:
     case 105: words = RecordWords(list, count, 0, 3, 4); break;
     case 205: words = RecordWords(list, count, 1, 1, 1); break;
@@ -85,7 +85,7 @@ void CallText(Input& input, DeviceHandle* handle) {
   const bool shortTable = !twoByte && (choice & 2) != 0;
   const uint16_t offset = static_cast<uint16_t>(input.Byte() * 7);
   const int16_t height = static_cast<int16_t>(input.Byte() % 40 - 2);
-  const std::size_t glyphBytes = 8 * 40;  // 64 columns
+  const std::size_t glyphBytes = std::size_t{8} * 40;  // 64 columns
   const std::size_t glyphs = offset + (shortTable ? 49u + 4 * kEntries : 82u + 6 * kEntries);
   std::vector<uint8_t> font(glyphs + 512 + glyphBytes);
   uint8_t* record = font.data() + offset;

@@ -63,7 +63,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, std::size_t size) {
     // There is no source bitmap: operations that need one paint nothing.
     QNVDevBitBlt(device.handle(), place[0], place[1], nullptr, 0, 0, place[2], place[3], rop,
                  changes & 32 ? nullptr : &brush, changes & 64 ? nullptr : &mode, &clip);
-    const Block list(input.Bytes(2 * 9));
+    const Block list(input.Bytes(std::size_t{2} * 9));
     QNVOutput(device.handle(), OS_ROW_SPANS, 4, reinterpret_cast<const int16_t*>(list.data()),
               changes & 128 ? &pen : nullptr, &brush, &mode, &clip);
   }
