@@ -122,8 +122,9 @@ typedef struct DRAWMODE {
 /* A source of QNVDevBitBlt, or the bitmap of a pattern brush: 14 bytes, the platform's BITMAP. The top row comes
  * first. With one plane of one bit a pixel, the most significant bit is the leftmost pixel, and 1 stands for
  * bkColor, 0 for TextColor. All other sources hold 3 bytes a pixel (red, green, blue) for 24-bit bands and one
- * gray byte a pixel for 8-bit bands and for kind 0 with a described depth other than 24. A pattern brush takes the top
- * left 8 x 8 pixels, whatever bmWidth and bmHeight say. */
+ * gray byte a pixel for 8-bit bands and for kind 0 with a described depth other than 24. On 8-bit bands
+ * and kind 0 the first pixel x of a transfer is read at byte x * bmBitsPixel / 8 of its row, so a row must also hold
+ * bmWidth pixels of bmBitsPixel. A pattern brush takes the top left 8 x 8 pixels, whatever bmWidth and bmHeight say. */
 typedef struct SourceBitmap {
   int16_t bmType;        /*  0  not read */
   int16_t bmWidth;       /*  2  pixels of a row; none to the right of them is read */
