@@ -11,7 +11,10 @@ if(bench_sources AND NOT QNV_FUZZ)
   target_compile_options(qnvbench PRIVATE ${QNV_PROGRAM_OPTIONS} $<$<CONFIG:RelWithDebInfo>:-O1>)
   set_source_files_properties(${PROJECT_SOURCE_DIR}/bench/memory_limits.cpp PROPERTIES
     COMPILE_OPTIONS $<$<CONFIG:RelWithDebInfo>:-O2>)
-  if(QNV_TESTS)
+  # Built and tested where it is of use to a user; scripts/bench.sh builds it for the other presets.
+  if(QNV_SANITIZERS OR NOT (QNV_TOOLS OR WIN32))
+    set_target_properties(qnvbench PROPERTIES EXCLUDE_FROM_ALL ON)
+  elseif(QNV_TESTS)
     add_test(NAME bench_self_test COMMAND qnvbench --self-test)
     set_tests_properties(bench_self_test PROPERTIES ENVIRONMENT "${QNV_TEST_ENVIRONMENT}" TIMEOUT 300)
   endif()

@@ -114,8 +114,8 @@ class CoordinateMap {
 
   // Of an inch: the first band index whose page index is `index` or a later one; b when there is none.
   int32_t FirstKeptFrom(int32_t index) const {
-    const int32_t entry = columnMap_[index];
-    return entry >= 0 ? entry : static_cast<int32_t>(static_cast<uint32_t>(entry) & ~kDropped) + 1;
+    const uint32_t entry = static_cast<uint32_t>(columnMap_[index]);
+    return static_cast<int32_t>((entry & kDropped) == 0 ? entry : (entry & ~kDropped) + 1);
   }
 
   // A page coordinate as inch and index within the inch.

@@ -3,7 +3,7 @@
 
 #include <cstring>
 
-#include "reference/model.h"
+#include "robustness/modelled_device.h"
 #include "support/test_device.h"
 
 namespace qnv::test {
@@ -38,13 +38,8 @@ TEST(FarCoordinates, AFillAsWideAsThePageIsTheFillsOfItsHalves) {
 // One pixel stretched over 2^24 whose source corner lies 65,536 pixels away, which is the same corner: the steps
 // between are products of 2^56.
 TEST(FarCoordinates, AnEnlargedPixelFromACornerThatWraps) {
-  const DeviceDescription description{QNV_KIND_RASTER, 24, 360, 8, 2, 360};
-  const BandRect band{0, 0, 8, 2};
-  std::vector<uint8_t> bytes(2 * 24, 0xCC);
-  const auto model = reference::MakeModel(&description, &band, &bytes, nullptr);
-  ASSERT_NE(nullptr, model);
-  DeviceHandle* handle = QNVEnable(&description, &band, bytes.data(), nullptr);
-  ASSERT_NE(nullptr, handle);
+  ModelledDevice device({.width = 8, .height = 2});
+  ASSERT_NE(nullptr, device.model);
   BITMAPINFOHEADER header;
   std::memset(&header, 0, sizeof header);
   header.biSize = sizeof header;
@@ -67,14 +62,13 @@ TEST(FarCoordinates, AnEnlargedPixelFromACornerThatWraps) {
       args.rop = SRCCOPY;
       args.drawMode = &mode;
       args.clip = &kEverywhere;
-      const uint32_t expected = model->StretchDIBits(args) & 0xFFFF;
-      const uint32_t got = QNVStretchDIBits(handle, 0, 0, 0, width, 2, corner, 0, 1, 1, pixels, &header, nullptr,
-                                            SRCCOPY, nullptr, &mode, &kEverywhere);
+      const uint32_t expected = device.model->StretchDIBits(args) & 0xFFFF;
+      const uint32_t got = QNVStretchDIBits(device.handle(), 0, 0, 0, width, 2, corner, 0, 1, 1, pixels, &header,
+                                            nullptr, SRCCOPY, nullptr, &mode, &kEverywhere);
       EXPECT_EQ(expected, got & 0xFFFF) << width << " from " << corner;
-      EXPECT_EQ(model->band().bytes(), bytes) << width << " from " << corner;
+      EXPECT_EQ(device.model->band().bytes(), device.BandBytes()) << width << " from " << corner;
     }
   }
-  QNVDisable(handle);
 }
 
 }  // namespace

@@ -7,7 +7,7 @@
 
 #include "image/dib_builder.h"
 #include "random/random.h"
-#include "reference/model.h"
+#include "robustness/modelled_device.h"
 #include "robustness/thread_clock.h"
 #include "text/font_builder.h"
 
@@ -29,6 +29,18 @@ int32_t NearAnEdge(Random& random, const Ratio& ratio, int32_t inches) {
   return random.Range(0, inches) * step + random.Range(-3, 3);
 }
 
+// A band of 13 x 7 near the page's corner, in color or gray.
+DeviceOptions BandSomewhere(Random& random, const Ratio& ratio) {
+  return {.kind = QNV_KIND_SCALED,
+          .bitsPerPixel = static_cast<uint16_t>(random.Percent(25) ? 0 : 24),
+          .width = 13,
+          .height = 7,
+          .resolutionA = ratio.a,
+          .resolutionB = ratio.b,
+          .left = random.Range(-3, 3),
+          .top = random.Range(-3, 3)};
+}
+
 TEST(MappingRatios, TransfersAndImagesAsTheModelPaintsThem) {
   Random random(20261);
   int changed = 0;  // devices on which something is to be seen
@@ -39,21 +51,8 @@ TEST(MappingRatios, TransfersAndImagesAsTheModelPaintsThem) {
   }();
   for (int round = 0; round < 40; ++round) {
     for (const Ratio& ratio : kRatios) {
-      const DeviceOptions options{.kind = QNV_KIND_SCALED,
-                                  .bitsPerPixel = static_cast<uint16_t>(random.Percent(25) ? 0 : 24),
-                                  .width = 13,
-                                  .height = 7,
-                                  .resolutionA = ratio.a,
-                                  .resolutionB = ratio.b,
-                                  .left = random.Range(-2, 3),
-                                  .top = random.Range(-2, 3)};
-      TestDevice device(options);
-      const DeviceDescription description{options.kind,  options.bitsPerPixel, options.resolutionA,
-                                          options.width, options.height,       options.resolutionB};
-      const BandRect band{options.left, options.top, options.left + 13, options.top + 7};
-      const std::vector<uint8_t> before = device.BandBytes();
-      const auto model = reference::MakeModel(&description, &band, &before, nullptr);
-      ASSERT_NE(nullptr, model);
+      ModelledDevice device(BandSomewhere(random, ratio));
+      ASSERT_NE(nullptr, device.model);
       const DRAWMODE mode = MakeDrawMode();
       const PhysicalBrush brush = SolidBrush(device.handle(), 0x00305070);
       for (int call = 0; call < 12; ++call) {
@@ -64,19 +63,19 @@ TEST(MappingRatios, TransfersAndImagesAsTheModelPaintsThem) {
         if (random.Percent(60)) {
           const SourceBitmap source{0, 300, 40, 900, 1, 24, pixels.data()};
           QNVDevBitBlt(device.handle(), x, y, &source, 0, 0, width, height, rop, &brush, &mode, &kWholePage);
-          model->BitBlt({x, y, &source, 0, 0, width, height, rop, &brush, &mode, &kWholePage});
+          device.model->BitBlt({x, y, &source, 0, 0, width, height, rop, &brush, &mode, &kWholePage});
         } else {
           const std::vector<uint8_t> info = DibInfo(300, 40, {});
           QNVStretchDIBits(device.handle(), 0, x, y, width, height, 0, 0, 300, 40, pixels.data(), info.data(), nullptr,
                            rop, &brush, &mode, &kWholePage);
-          model->StretchDIBits(
+          device.model->StretchDIBits(
               {0, x, y, width, height, 0, 0, 300, 40, pixels.data(), info.data(), rop, &brush, &mode, &kWholePage});
         }
-        ASSERT_EQ(model->band().bytes(), device.BandBytes())
+        ASSERT_EQ(device.model->band().bytes(), device.BandBytes())
             << ratio.a << " to " << ratio.b << ", round " << round << ", call " << call;
         ASSERT_TRUE(device.FencesIntact());
       }
-      changed += device.BandBytes() != before ? 1 : 0;
+      changed += device.BandBytes() != device.before ? 1 : 0;
     }
   }
   EXPECT_GT(changed, 200);
@@ -100,21 +99,8 @@ TEST(MappingRatios, TextAsTheModelPaintsIt) {
         RandomFont(random, static_cast<int16_t>(random.Range(1, 200)),
                    static_cast<int16_t>(random.Percent(20) ? random.Range(500, 2000) : random.Range(1, 90)));
     for (const Ratio& ratio : kRatios) {
-      const DeviceOptions options{.kind = QNV_KIND_SCALED,
-                                  .bitsPerPixel = static_cast<uint16_t>(random.Percent(25) ? 0 : 24),
-                                  .width = 13,
-                                  .height = 7,
-                                  .resolutionA = ratio.a,
-                                  .resolutionB = ratio.b,
-                                  .left = random.Range(-3, 2),
-                                  .top = random.Range(-3, 2)};
-      TestDevice device(options);
-      const DeviceDescription description{options.kind,  options.bitsPerPixel, options.resolutionA,
-                                          options.width, options.height,       options.resolutionB};
-      const BandRect band{options.left, options.top, options.left + 13, options.top + 7};
-      const std::vector<uint8_t> before = device.BandBytes();
-      const auto model = reference::MakeModel(&description, &band, &before, nullptr);
-      ASSERT_NE(nullptr, model);
+      ModelledDevice device(BandSomewhere(random, ratio));
+      ASSERT_NE(nullptr, device.model);
       for (int call = 0; call < 6; ++call) {
         // Glyphs end at 32,767 and begin at most a width left of 0.
         const int32_t step = std::max(ratio.a / std::max<int32_t>(ratio.b, 1), 1);
@@ -128,13 +114,13 @@ TEST(MappingRatios, TextAsTheModelPaintsIt) {
         const int32_t count = random.Range(1, 12);
         QNVDevExtTextOut(device.handle(), x, y, &clip, letters.data(), count, font.base(), font.offset(), &mode,
                          nullptr, nullptr, nullptr, 0);
-        model->ExtTextOut(
+        device.model->ExtTextOut(
             {x, y, &clip, letters.data(), count, font.base(), font.offset(), &modelMode, nullptr, nullptr, 0});
-        ASSERT_EQ(model->band().bytes(), device.BandBytes())
+        ASSERT_EQ(device.model->band().bytes(), device.BandBytes())
             << ratio.a << " to " << ratio.b << ", round " << round << ", call " << call;
         ASSERT_TRUE(device.FencesIntact());
       }
-      changed += device.BandBytes() != before ? 1 : 0;
+      changed += device.BandBytes() != device.before ? 1 : 0;
     }
   }
   EXPECT_GT(changed, 150);

@@ -4,7 +4,7 @@
 #include <cstring>
 #include <vector>
 
-#include "reference/model.h"
+#include "robustness/modelled_device.h"
 #include "support/test_device.h"
 
 namespace qnv::test {
@@ -31,27 +31,21 @@ TEST(MissingSources, BitmapsWithoutPixelsPaintAndTagNothing) {
 
 // All of the page falls on band pixel 0 and is kept nowhere.
 TEST(MissingSources, ADeviceOfNoResolution) {
-  const DeviceDescription description{QNV_KIND_SCALED, 24, 360, 8, 2, 0};
-  const BandRect band{0, 0, 8, 2};
-  std::vector<uint8_t> bytes(2 * 24, 0xCC);
-  const auto model = reference::MakeModel(&description, &band, &bytes, nullptr);
-  ASSERT_NE(nullptr, model);
-  DeviceHandle* handle = QNVEnable(&description, &band, bytes.data(), nullptr);
-  ASSERT_NE(nullptr, handle);
+  ModelledDevice device({.kind = QNV_KIND_SCALED, .width = 8, .height = 2, .resolutionB = 0});
+  ASSERT_NE(nullptr, device.model);
   const DRAWMODE mode = MakeDrawMode();
   const int16_t spans[] = {0, -3, 9, -3, 9};
   const PhysicalPen pen{PS_SOLID, 1, 1, 0x102030};
   const auto compare = [&](const char* call, uint32_t expected, uint32_t got) {
     EXPECT_EQ(expected & 0xFFFF, got & 0xFFFF) << call;
-    EXPECT_EQ(model->band().bytes(), bytes) << call;
+    EXPECT_EQ(device.model->band().bytes(), device.BandBytes()) << call;
   };
-  compare("fill", model->BitBlt({-4, -4, nullptr, 0, 0, 20, 20, BLACKNESS, nullptr, &mode, &kEverywhere}),
-          QNVDevBitBlt(handle, -4, -4, nullptr, 0, 0, 20, 20, BLACKNESS, nullptr, &mode, &kEverywhere));
-  compare("spans", model->Output({OS_ROW_SPANS, 2, spans, &pen, nullptr, &mode, &kEverywhere}),
-          QNVOutput(handle, OS_ROW_SPANS, 2, spans, &pen, nullptr, &mode, &kEverywhere));
-  compare("points", model->PolyPixel(-2, -2, 3, 3, 0x405060, &mode, &kEverywhere),
-          QNVPolyPixel(handle, -2, -2, 3, 3, 0x405060, &mode, &kEverywhere));
-  QNVDisable(handle);
+  compare("fill", device.model->BitBlt({-4, -4, nullptr, 0, 0, 20, 20, BLACKNESS, nullptr, &mode, &kEverywhere}),
+          QNVDevBitBlt(device.handle(), -4, -4, nullptr, 0, 0, 20, 20, BLACKNESS, nullptr, &mode, &kEverywhere));
+  compare("spans", device.model->Output({OS_ROW_SPANS, 2, spans, &pen, nullptr, &mode, &kEverywhere}),
+          QNVOutput(device.handle(), OS_ROW_SPANS, 2, spans, &pen, nullptr, &mode, &kEverywhere));
+  compare("points", device.model->PolyPixel(-2, -2, 3, 3, 0x405060, &mode, &kEverywhere),
+          QNVPolyPixel(device.handle(), -2, -2, 3, 3, 0x405060, &mode, &kEverywhere));
 }
 
 }  // namespace
