@@ -42,12 +42,11 @@ inline Rect Intersect(const Rect& a, const Rect& b) {
 inline int MulDiv(int value, int numerator, int denominator) {
   if (denominator == 0) return -1;
   const int64_t product = int64_t{value} * numerator;
-  const bool negative = (product < 0) != (denominator < 0);
-  const uint64_t magnitude = static_cast<uint64_t>(product < 0 ? -product : product);
-  const uint64_t divisor = static_cast<uint64_t>(denominator < 0 ? -int64_t{denominator} : int64_t{denominator});
-  const uint64_t quotient = (magnitude + divisor / 2) / divisor;
-  if (quotient > 0x7FFFFFFFu) return -1;
-  return negative ? -static_cast<int>(quotient) : static_cast<int>(quotient);
+  const int64_t magnitude = product < 0 ? -product : product;
+  const int64_t divisor = denominator < 0 ? -int64_t{denominator} : int64_t{denominator};
+  const int64_t quotient = (magnitude + divisor / 2) / divisor;
+  if (quotient > 0x7FFFFFFF) return -1;
+  return static_cast<int>((product < 0) != (denominator < 0) ? -quotient : quotient);
 }
 
 inline int FloorDiv(int value, int divisor) {
@@ -68,6 +67,10 @@ inline uint32_t GrayLevel(uint32_t color) {
   return gray * 0x010101u;
 }
 
+// Which operands a ternary operation depends on.
+inline bool IndexUsesPattern(uint32_t index) { return (index >> 4) != (index & 15); }
+inline bool IndexUsesSource(uint32_t index) { return (index & 0x33) != (index >> 2 & 0x33); }
+
 // All 256 ternary operations, minterm by minterm.
 inline uint32_t EvaluateRop3(uint32_t index, uint32_t pattern, uint32_t source, uint32_t destination) {
   uint32_t result = 0;
@@ -81,13 +84,7 @@ inline uint32_t EvaluateRop3(uint32_t index, uint32_t pattern, uint32_t source, 
 
 // All binary operations; bits of the table above the fourth do not count.
 inline uint32_t EvaluateRop2(uint32_t code, uint32_t pen, uint32_t destination) {
-  const uint32_t table = code - 1;
-  uint32_t result = 0;
-  if ((table & 1) != 0) result |= ~pen & ~destination;
-  if ((table & 2) != 0) result |= ~pen & destination;
-  if ((table & 4) != 0) result |= pen & ~destination;
-  if ((table & 8) != 0) result |= pen & destination;
-  return result;
+  return EvaluateRop3(((code - 1) & 15) * 0x11, 0, pen, destination);
 }
 
 }  // namespace qnv::reference

@@ -2,15 +2,36 @@
 // device does differently is asked for by name (CallerBand, Kept, ...), so that each rule stands once.
 #pragma once
 
+#include <functional>
 #include <vector>
 
 #include "reference/arithmetic.h"
 #include "reference/fill_pattern.h"
 #include "reference/image_walk.h"
 #include "reference/model.h"
-#include "reference/span_list.h"
 
 namespace qnv::reference {
+
+// Span lists as the host writes them, taken apart without any clipping.
+enum class RowKind {
+  kOneRow,   // the row is mapped by itself
+  kBand,     // top and bottom are mapped, the rows between follow
+  kThinned,  // a row that the band does not keep is dropped
+};
+
+struct CallerSpan {
+  RowKind kind;
+  int top, bottom;  // bottom exclusive; top + 1 unless kBand
+  int left, right;
+};
+
+using SpanList = std::vector<CallerSpan>;
+
+bool IsSpanStyle(uint32_t style);
+bool IsMarkerStyle(uint32_t style);
+
+// In painting order. Requires: the style is a span style, and there are points.
+SpanList DecodeSpans(uint32_t style, uint32_t count, const int16_t* points);
 
 // The two mappings of a device that draws at one resolution and keeps its band at another.
 class ResolutionMap {
@@ -51,15 +72,10 @@ class BandModel : public Model {
   void Put(int column, int row, uint32_t value);  // re-grays where the device does
   void PaintSpans(const FillPattern& pattern, const SpanList& spans, const Rect& callerClip);
   void StoreImageRow(const ImageWalk& walk, const ImageWalk::Row& row);
-  void MinimumImageRow(const ImageWalk& walk, const ImageWalk::Row& row, const std::vector<Rgb>& buffer);
-  // The blit of one image row: arguments as StretchDIBits hands them to BitBlt, with the record they point to.
-  struct RowBlit {
-    SourceBitmap source;
-    BandRect noClip;
-    BlitArgs args;
-  };
-  void SetRowBlit(RowBlit* blit, const ImageWalk& walk, const ImageArgs& args, int y, uint32_t rop,
-                  const std::vector<uint8_t>& buffer, int bufferWidth) const;
+  void MinimumImageRow(const ImageWalk& walk, const ImageWalk::Row& row, const std::vector<Rgb>& colors);
+  // Hands each destination row of a source row to `blit`: a transfer without a clip, from a bitmap of one row.
+  void RowBlits(const ImageWalk& walk, const ImageWalk::Row& row, const std::vector<Rgb>& colors, const ImageArgs& args,
+                uint32_t rop, const std::function<void(const BlitArgs&)>& blit) const;
 
  private:
   struct Spot {
@@ -72,7 +88,8 @@ class BandModel : public Model {
   bool Kept(int x, int y, Spot* spot) const;  // caller position relative to CallerBand's corner
   void FillOpaqueRect(const Rect& rect, const DRAWMODE* drawMode);
   uint32_t ScaledCopy(ImageWalk& walk);
-  uint32_t BlitRows(ImageWalk& walk, const ImageArgs& args);
+  uint32_t RunImage(ImageWalk& walk, const ImageArgs& args);
+  void CopyColumns(int left, int right, int fromRow, int toRow);
   bool MapTextPixel(int x, int y, Spot* spot) const;
   struct GlyphRun;
   int32_t RunGlyphs(const GlyphRun& run);

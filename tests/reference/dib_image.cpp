@@ -15,13 +15,11 @@ T ReadAs(const uint8_t* from) {
 
 // One color of a 16-bit pixel: the masked bits moved to the top of a byte, the gap below filled from the top.
 uint8_t Component16(uint32_t pixel, uint32_t mask) {
-  int bits = 0;
-  while ((1u << bits) < mask) ++bits;
-  const int up = 16 - bits;
+  int up = 16;
+  while ((1u << (16 - up)) < mask) --up;
   const uint32_t gap = (255u - ((mask << up) >> 8)) & 0xFFFF;
-  int fillBits = 0;
-  while ((1u << fillBits) <= gap) ++fillBits;
-  const int fill = 8 - fillBits;
+  int fill = 8;
+  while ((1u << (8 - fill)) <= gap) --fill;
   const uint32_t value = ((pixel & mask) << up) >> 8;
   return static_cast<uint8_t>(value + (fill < 0 ? 0 : value >> fill));
 }

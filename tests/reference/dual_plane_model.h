@@ -3,12 +3,18 @@
 #pragma once
 
 #include "reference/band_model.h"
+#include "support/tag_rules.h"
 
 namespace qnv::reference {
 
 // The colors that some operations take for "nothing is painted here".
 inline constexpr uint32_t kWhite = 0x00FFFFFF;
 inline constexpr uint32_t kBlack = 0;
+
+using test::Marking;
+
+// What the two-operand operation of this code less one does to the tags.
+inline Marking MarkingOf(uint32_t table) { return table < 16 ? test::kRop2Markings[table].marking : Marking::kAlways; }
 
 class DualPlaneModel : public Model {
  public:
@@ -29,6 +35,8 @@ class DualPlaneModel : public Model {
 
  private:
   bool TagBlt(const BlitArgs& args, bool image);
+  // Writes the tag at the pixels of the area, in page coordinates, for which where(x, y) is true.
+  void TagWhere(const Rect& area, uint8_t tag, const auto& where);
   void FillTagRect(uint8_t value, int x, int y, int width, int height, const Rect& clip);
   bool TagFromSource(uint8_t tag, const BlitArgs& args, uint32_t skip);
   bool TagFromBrush(const BlitArgs& args, uint32_t skip);

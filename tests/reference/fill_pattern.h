@@ -1,8 +1,6 @@
 // The prepared fill of a device: a period of cells with a mask.
 #pragma once
 
-#include <cstdint>
-
 #include "qnvdrv10.h"
 
 namespace qnv::reference {
@@ -21,10 +19,25 @@ struct FillPattern {
   bool HasCells() const { return width > 0 && height > 0; }
   uint32_t Cell(int x, int y) const;  // any position, also a negative one
   bool Paints(int x, int y) const;
-  // Spreads one cell of a brush over its block.
-  void SetBlock(const PhysicalBrush& brush, int row, int column, uint32_t color, uint8_t maskByte);
-  void SetScaledPeriod(const PhysicalBrush& brush);
   void SetSolid(uint32_t color);
+  // cellOf(cell) gives each of the brush's 8 x 8 cells its color and mask; they are spread by the brush's scale.
+  struct MaskedColor {
+    uint32_t color;
+    bool paints;
+  };
+  void SetCells(const PhysicalBrush& brush, const auto& cellOf) {
+    const int across = brush.hatchScale[0] < 2 ? brush.hatchScale[0] : 2;
+    const int down = brush.hatchScale[1] < 2 ? brush.hatchScale[1] : 2;
+    width = 8 * across;
+    height = 8 * down;
+    for (int y = 0; y < height; ++y) {
+      for (int x = 0; x < width; ++x) {
+        const MaskedColor cell = cellOf(brush.cells[y / down * 8 + x / across]);
+        cells[y][x] = cell.color;
+        mask[y][x] = cell.paints ? 255 : 0;
+      }
+    }
+  }
 };
 
 void SelectFillPattern(FillPattern& pattern, const PhysicalPen* pen, const PhysicalBrush* brush,

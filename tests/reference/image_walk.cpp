@@ -9,21 +9,13 @@ namespace qnv::reference {
 namespace {
 
 bool HeaderIsUsable(const BITMAPINFOHEADER& header) {
-  if (header.biPlanes != 1) return false;
-  switch (header.biBitCount) {
-    case 1:
-    case 4:
-    case 8:
-    case 16:
-    case 24:
-    case 32: break;
-    default: return false;
-  }
+  constexpr int kDepths[] = {1, 4, 8, 16, 24, 32};
+  const bool known = std::find(std::begin(kDepths), std::end(kDepths), header.biBitCount) != std::end(kDepths);
+  if (header.biPlanes != 1 || !known) return false;
   if (header.biWidth < 1 || header.biWidth > 32767) return false;
   if (header.biHeight == 0 || header.biHeight > 32767 || header.biHeight < -32767) return false;
   if (header.biCompression == BI_RLE8 && header.biBitCount != 8) return false;
-  if (header.biCompression == BI_RLE4 && header.biBitCount != 4) return false;
-  return true;
+  return header.biCompression != BI_RLE4 || header.biBitCount == 4;
 }
 
 int64_t ToInteger(double value) {
@@ -64,20 +56,18 @@ std::optional<ImageWalk> ImageWalk::Begin(const ImageArgs& args, Point origin, c
   walk.clip_ = Intersect(Intersect(target, Shift(ToRect(*args.clip), origin)), band);
   if (IsEmpty(walk.clip_)) return std::nullopt;
 
-  const int height = std::abs(header.biHeight);
-  if (!walk.Map(args, destination, height, header.biHeight < 0)) return std::nullopt;
+  if (!walk.Map(args, destination, header)) return std::nullopt;
   walk.image_ = std::make_shared<DibImage>(args.bitmapInfo, args.bits, walk.sourceTop_ + walk.sourceRows_);
   return walk;
 }
 
-bool ImageWalk::Map(const ImageArgs& args, Point destination, int sourceHeight, bool topDown) {
-  BITMAPINFOHEADER header;
-  std::memcpy(&header, args.bitmapInfo, sizeof header);
+bool ImageWalk::Map(const ImageArgs& args, Point destination, const BITMAPINFOHEADER& header) {
+  const int sourceHeight = std::abs(header.biHeight);
   int sourceX = args.srcX;
   int sourceY = args.srcY;
   int width = args.srcWidth;
   int height = args.srcHeight;
-  if (topDown) {
+  if (header.biHeight < 0) {
     sourceY = sourceHeight - sourceY;
     height = -height;
   }
@@ -97,23 +87,17 @@ bool ImageWalk::Map(const ImageArgs& args, Point destination, int sourceHeight, 
 
   const bool sameY = (height < 0) == (args.dstHeight < 0);
   const bool sameX = (width < 0) == (args.dstWidth < 0);
-  int top = LowWord(std::floor(yBase - (sameY ? clip_.bottom : clip_.top) * ky));
-  int bottom = LowWord(std::ceil(yBase - (sameY ? clip_.top : clip_.bottom) * ky));
-  int left = LowWord(std::floor((sameX ? clip_.left : clip_.right) * kx + xBase));
-  int right = LowWord(std::ceil((sameX ? clip_.right : clip_.left) * kx + xBase));
-  top = std::max(top, 0);
-  left = std::max(left, 0);
-  bottom = std::min(bottom, sourceHeight);
-  right = std::min(right, int{header.biWidth});
+  const int top = std::max(LowWord(std::floor(yBase - (sameY ? clip_.bottom : clip_.top) * ky)), 0);
+  const int bottom = std::min(LowWord(std::ceil(yBase - (sameY ? clip_.top : clip_.bottom) * ky)), sourceHeight);
+  const int left = std::max(LowWord(std::floor((sameX ? clip_.left : clip_.right) * kx + xBase)), 0);
+  const int right = std::min(LowWord(std::ceil((sameX ? clip_.right : clip_.left) * kx + xBase)), int{header.biWidth});
   if (top >= bottom || left >= right) return false;
 
   // Where the edges of that source rectangle fall, relative to the band.
   const uint32_t targetTop = Fixed((yBase - bottom) / ky) - Pixels(band_.top);
-  const uint32_t targetBottom = Fixed((yBase - top) / ky) - Pixels(band_.top);
   const uint32_t targetLeft = Fixed((left - xBase) / kx) - Pixels(band_.left);
-  const uint32_t targetRight = Fixed((right - xBase) / kx) - Pixels(band_.left);
-  const uint32_t targetWidth = targetRight - targetLeft;
-  const uint32_t targetHeight = targetBottom - targetTop;
+  const uint32_t targetHeight = Fixed((yBase - top) / ky) - Pixels(band_.top) - targetTop;
+  const uint32_t targetWidth = Fixed((right - xBase) / kx) - Pixels(band_.left) - targetLeft;
 
   sourceLeft_ = left;
   sourceTop_ = top;

@@ -43,6 +43,13 @@ class ImageWalk {
     int first = 0;                           // first destination row, from the clip's top
     int count = 0;                           // destination rows covered; may be 0 although converted
     std::vector<std::optional<Rgb>> pixels;  // by column from the clip's left; empty where nothing lands
+
+    // The colors of all columns; where nothing lands the one of before, or black.
+    void PutInto(std::vector<Rgb>* colors, bool keepsEarlier) const {
+      if (!keepsEarlier) colors->clear();
+      colors->resize(std::max(colors->size(), pixels.size()));
+      for (std::size_t x = 0; x < pixels.size(); ++x) (*colors)[x] = pixels[x].value_or((*colors)[x]);
+    }
   };
 
   // Nothing where the transfer is refused or clipped away. `band` is in the coordinates of the call.
@@ -59,7 +66,7 @@ class ImageWalk {
 
  private:
   ImageWalk() = default;
-  bool Map(const ImageArgs& args, Point destination, int sourceHeight, bool topDown);
+  bool Map(const ImageArgs& args, Point destination, const BITMAPINFOHEADER& header);
 
   Rect clip_{};
   Rect band_{};

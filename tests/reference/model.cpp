@@ -79,20 +79,13 @@ uint32_t GetDeviceInfo(const DeviceDescription* description, DeviceSize* result)
   if (description == nullptr) return 0;
   const uint32_t a = description->resolutionA;
   const uint32_t b = description->resolutionB;
-  switch (description->kind) {
-    case QNV_KIND_SCALED: break;
-    case QNV_KIND_RASTER:
-      if (description->bitsPerPixel != 24 && description->bitsPerPixel != 8) return 0;
-      break;
-    case QNV_KIND_DUAL_PLANE: break;
-    default: return 0;
-  }
+  const bool scaled = description->kind == QNV_KIND_SCALED;
+  const bool raster = description->kind == QNV_KIND_RASTER;
+  if (!scaled && !raster && description->kind != QNV_KIND_DUAL_PLANE) return 0;
+  if (raster && description->bitsPerPixel != 24 && description->bitsPerPixel != 8) return 0;
   if (result == nullptr) return 0;
   const auto scale = [&](uint32_t value) -> uint32_t {
-    if (description->kind == QNV_KIND_SCALED) {
-      return static_cast<uint32_t>(
-          MulDiv(static_cast<int32_t>(value), static_cast<int32_t>(b), static_cast<int32_t>(a)));
-    }
+    if (scaled) return static_cast<uint32_t>(MulDiv(static_cast<int>(value), static_cast<int>(b), static_cast<int>(a)));
     const uint32_t quotient = value / a;
     const uint32_t whole = quotient * b;
     return whole < quotient ? 0 : whole + value % a * b / a;

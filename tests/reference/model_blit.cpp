@@ -4,33 +4,6 @@
 namespace qnv::reference {
 namespace {
 
-// Which transfers have an operation of their own; all others are evaluated by the general one.
-enum class PatternSource {
-  kGeneral,       // brush color when solid, nothing when hollow, else cells
-  kBrushOrCells,  // brush color when solid, else cells
-  kCells,         // always cells
-};
-
-struct Operation {
-  uint32_t index;
-  PatternSource pattern;
-};
-
-Operation FindOperation(uint32_t code) {
-  switch (code) {
-    case 0x5A:
-    case 0xF0: return {code, PatternSource::kBrushOrCells};
-    case 0xC0:
-    case 0xFB:
-    case 0xE2: return {code, PatternSource::kCells};
-    default: return {code & 0xFF, PatternSource::kGeneral};
-  }
-}
-
-bool UsesPattern(uint32_t index) { return (index >> 4) != (index & 15); }
-
-bool UsesSource(uint32_t index) { return (index & 0x33) != ((index >> 2) & 0x33); }
-
 struct Geometry {
   Rect target;           // in the caller's coordinates, origin added
   int sourceX, sourceY;  // the source pixel of the target's corner
@@ -70,14 +43,13 @@ uint32_t BandModel::BitBlt(const BlitArgs& args) {
   if (args.clip == nullptr) return 1;
   SelectFillPattern(pattern_, nullptr, args.brush, args.drawMode);
   const uint32_t code = args.rop >> 16;
-  const bool wantsPattern = (code >> 4 & 15) != (code & 15) || (code & 0xFF00) != 0;
+  const bool wantsPattern = IndexUsesPattern(code & 0xFF) || code > 0xFF;
   if (wantsPattern && pattern_.style == kNothingToPaint) return 1;
   if (code == 0xAA) return 1;
 
-  const Operation operation = FindOperation(code);
-  const uint32_t index = operation.index;
-  const bool usesPattern = UsesPattern(index);
-  const bool usesSource = UsesSource(index);
+  const uint32_t index = code & 0xFF;
+  const bool usesPattern = IndexUsesPattern(index);
+  const bool usesSource = IndexUsesSource(index);
   const bool oneBit =
       usesSource && args.source != nullptr && args.source->bmPlanes == 1 && args.source->bmBitsPixel == 1;
   if (usesSource && (args.source == nullptr || (oneBit && args.drawMode == nullptr))) return 1;
@@ -86,9 +58,10 @@ uint32_t BandModel::BitBlt(const BlitArgs& args) {
   const auto packed = [&](uint32_t color) { return threeBytes ? SwapRedBlue(color) : color & 0xFF; };
   bool fromCells = usesPattern;
   uint32_t solid = 0;
-  if (usesPattern && operation.pattern != PatternSource::kCells) {
+  // Three operations take even a solid color from the prepared cells; two do not ask whether the brush is hollow.
+  if (usesPattern && code != 0xC0 && code != 0xFB && code != 0xE2) {
     if (args.brush == nullptr) return 1;
-    if (operation.pattern == PatternSource::kGeneral && args.brush->style == BS_HOLLOW) return 1;
+    if (args.brush->style == BS_HOLLOW && code != 0x5A && code != 0xF0) return 1;
     if (args.brush->style == BS_SOLID) {
       solid = packed(args.brush->colour);
       fromCells = false;

@@ -18,20 +18,14 @@ bool BandModel::inPlaceGray() const { return scaled() && description_.bitsPerPix
 
 uint32_t BandModel::Control(uint32_t code, const void* data) {
   switch (code & 0xFFFF) {
-    case QNV_SET_ORIGIN: {
+    case QNV_SET_ORIGIN:
       if (data == nullptr) return 0;
-      DrawingOrigin origin;
-      std::memcpy(&origin, data, sizeof origin);
-      origin_ = {origin.x, origin.y};
+      std::memcpy(&origin_, data, sizeof(DrawingOrigin));
       return 1;
-    }
-    case QNV_SET_BAND_RECT: {
+    case QNV_SET_BAND_RECT:
       if (data == nullptr) return 0;
-      BandRect rect;
-      std::memcpy(&rect, data, sizeof rect);
-      rect_ = ToRect(rect);
+      std::memcpy(&rect_, data, sizeof(BandRect));
       return 1;
-    }
     case QNV_CLEAR_BAND: {
       const uint32_t bytes = scaled() || description_.bitsPerPixel == 24 ? 3 : 1;
       plane_.FillStart(std::size_t{(description_.width * bytes + 3) / 4} * description_.height * 4, 0xFF);

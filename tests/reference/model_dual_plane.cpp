@@ -2,19 +2,13 @@
 #include "reference/dual_plane_model.h"
 
 namespace qnv::reference {
-namespace {
-
-DeviceDescription WithDepth(DeviceDescription description, uint16_t depth) {
-  description.bitsPerPixel = depth;
-  return description;
-}
-
-}  // namespace
 
 DualPlaneModel::DualPlaneModel(const DeviceDescription& description, const BandRect& bandRect, Plane color, Plane tags)
     : own_(description, bandRect, Plane(nullptr, 0, 3)),
       color_(description, bandRect, std::move(color)),
-      tags_(WithDepth(description, 8), bandRect, std::move(tags)) {}
+      tags_({description.kind, 8, description.resolutionA, description.width, description.height,
+             description.resolutionB},
+            bandRect, std::move(tags)) {}
 
 uint32_t DualPlaneModel::Control(uint32_t code, const void* data) {
   if ((code & 0xFFFF) != QNV_CLEAR_BAND) {
@@ -32,13 +26,8 @@ uint32_t DualPlaneModel::Control(uint32_t code, const void* data) {
 
 uint32_t DualPlaneModel::Pixel(int32_t x, int32_t y, uint32_t color, const DRAWMODE* drawMode, const BandRect* clip) {
   if (clip == nullptr) return 0;
-  if (!uniform_ && drawMode != nullptr) {
-    const uint32_t code = static_cast<uint16_t>(drawMode->Rop2 - 1);
-    const uint32_t folded = code < 8 ? 15 - code : code;
-    const bool keeps = folded == 9 || folded == 10;
-    const bool whiteKeeps = (folded == 8 || folded == 11) && color == kWhite;
-    const bool blackKeeps = (folded == 13 || folded == 14) && color == kBlack;
-    if (!keeps && !whiteKeeps && !blackKeeps) FillTagRect(QNV_TAG_GRAPHICS, x, y, 1, 1, ToRect(*clip));
+  if (!uniform_ && drawMode != nullptr && test::Marks(MarkingOf(static_cast<uint16_t>(drawMode->Rop2 - 1)), color)) {
+    FillTagRect(QNV_TAG_GRAPHICS, x, y, 1, 1, ToRect(*clip));
   }
   return color_.Pixel(x, y, color, drawMode, clip);
 }
@@ -89,28 +78,16 @@ uint32_t DualPlaneModel::RunImage(ImageWalk& walk, const ImageArgs& args) {
   }
 
   const bool extended = args.rop > 0x00FFFFFF;
-  const int width = static_cast<int>(own_.description().width);
-  const std::size_t used = static_cast<std::size_t>(std::max(width, walk.left() + walk.columns()));
-  std::vector<uint8_t> bytes(used * 3);
-  std::vector<Rgb> colors(static_cast<std::size_t>(walk.columns()));
+  std::vector<Rgb> colors;
   while (!walk.AtEnd()) {
     const ImageWalk::Row row = walk.Next();
-    if (!extended) bytes.assign(bytes.size(), 0);
-    for (std::size_t x = 0; x < row.pixels.size(); ++x) {
-      if (!row.pixels[x]) continue;
-      const Rgb c = colors[x] = *row.pixels[x];
-      // A merged row is in band order, a row for a transfer in source order.
-      uint8_t* to = bytes.data() + (static_cast<std::size_t>(walk.left()) + x) * 3;
-      to[0] = extended ? c.blue : c.red;
-      to[1] = c.green;
-      to[2] = extended ? c.red : c.blue;
-    }
-    for (int i = 0; i < row.count; ++i) {
-      BandModel::RowBlit blit;
-      color_.SetRowBlit(&blit, walk, args, row.first + i, extended ? SRCAND : args.rop, bytes, width);
-      if (!TagBlt(blit.args, true)) return 0;
-      if (!extended) color_.BitBlt(blit.args);
-    }
+    row.PutInto(&colors, extended);
+    bool tagged = true;
+    color_.RowBlits(walk, row, colors, args, extended ? SRCAND : args.rop, [&](const BlitArgs& blit) {
+      tagged = tagged && TagBlt(blit, true);
+      if (tagged && !extended) color_.BitBlt(blit);
+    });
+    if (!tagged) return 0;
     if (args.rop == ROP_MINIMUM) color_.MinimumImageRow(walk, row, colors);
   }
   return 1;

@@ -1,43 +1,42 @@
 // Images on a device with one band.
+#include <utility>
+
 #include "reference/band_model.h"
 
 namespace qnv::reference {
-namespace {
-
-class OriginAtZero {
- public:
-  explicit OriginAtZero(Point* origin) : origin_(origin), saved_(*origin) { *origin = {0, 0}; }
-  ~OriginAtZero() { *origin_ = saved_; }
-  OriginAtZero(const OriginAtZero&) = delete;
-  OriginAtZero& operator=(const OriginAtZero&) = delete;
-
- private:
-  Point* origin_;
-  Point saved_;
-};
-
-}  // namespace
-
 uint32_t BandModel::StretchDIBits(const ImageArgs& args) {
   std::optional<ImageWalk> walk = ImageWalk::Begin(args, origin_, CallerBand());
   if (!walk) return 0;
-  const OriginAtZero guard(&origin_);
+  const Point origin = std::exchange(origin_, {0, 0});
+  const uint32_t result = RunImage(*walk, args);
+  origin_ = origin;
+  return result;
+}
+
+uint32_t BandModel::RunImage(ImageWalk& walk, const ImageArgs& args) {
   if (args.rop == SRCCOPY) {
-    if (scaled()) return ScaledCopy(*walk);
-    while (!walk->AtEnd()) StoreImageRow(*walk, walk->Next());
+    if (scaled()) return ScaledCopy(walk);
+    while (!walk.AtEnd()) StoreImageRow(walk, walk.Next());
     return 1;
   }
-  if (args.rop > 0x00FFFFFF) {
-    if (args.rop != ROP_MINIMUM || scaled()) return 1;
-    std::vector<Rgb> buffer(static_cast<std::size_t>(walk->columns()));
-    while (!walk->AtEnd()) {
-      const ImageWalk::Row row = walk->Next();
-      for (std::size_t x = 0; x < row.pixels.size(); ++x) buffer[x] = row.pixels[x].value_or(buffer[x]);
-      MinimumImageRow(*walk, row, buffer);
+  const bool extended = args.rop > 0x00FFFFFF;
+  if (extended && (args.rop != ROP_MINIMUM || scaled())) return 1;
+  std::vector<Rgb> colors;
+  while (!walk.AtEnd()) {
+    const ImageWalk::Row row = walk.Next();
+    row.PutInto(&colors, extended);
+    if (extended) {
+      MinimumImageRow(walk, row, colors);
+      continue;
     }
-    return 1;
+    RowBlits(walk, row, colors, args, args.rop, [&](const BlitArgs& blit) {
+      const uint16_t depth = description_.bitsPerPixel;
+      if (scaled()) description_.bitsPerPixel = 24;
+      BitBlt(blit);
+      description_.bitsPerPixel = depth;
+    });
   }
-  return BlitRows(*walk, args);
+  return 1;
 }
 
 void BandModel::StoreImageRow(const ImageWalk& walk, const ImageWalk::Row& row) {
@@ -51,19 +50,21 @@ void BandModel::StoreImageRow(const ImageWalk& walk, const ImageWalk::Row& row) 
     plane_.Write(walk.left() + static_cast<int>(x), walk.top() + row.first, value);
   }
   for (int i = 1; i < row.count; ++i) {
-    for (int x = walk.left(); x < walk.left() + walk.columns(); ++x) {
-      plane_.Write(x, walk.top() + row.first + i, plane_.Read(x, walk.top() + row.first));
-    }
+    CopyColumns(walk.left(), walk.left() + walk.columns(), walk.top() + row.first, walk.top() + row.first + i);
   }
 }
 
-void BandModel::MinimumImageRow(const ImageWalk& walk, const ImageWalk::Row& row, const std::vector<Rgb>& buffer) {
+void BandModel::CopyColumns(int left, int right, int fromRow, int toRow) {
+  for (int column = left; column < right; ++column) plane_.Write(column, toRow, plane_.Read(column, fromRow));
+}
+
+void BandModel::MinimumImageRow(const ImageWalk& walk, const ImageWalk::Row& row, const std::vector<Rgb>& colors) {
   for (int i = 0; i < row.count; ++i) {
     for (int x = 0; x < walk.columns(); ++x) {
       const int column = walk.left() + x;
       const int bandRow = walk.top() + row.first + i;
       const uint32_t old = plane_.Read(column, bandRow);
-      const Rgb c = buffer[static_cast<std::size_t>(x)];
+      const Rgb c = colors[static_cast<std::size_t>(x)];
       uint32_t value = std::min<uint32_t>(old & 0xFF, c.Gray());
       if (plane_.bytesPerPixel() == 3) {
         value = std::min<uint32_t>(old & 0xFF, c.blue) | std::min<uint32_t>(old >> 8 & 0xFF, c.green) << 8 |
@@ -74,52 +75,26 @@ void BandModel::MinimumImageRow(const ImageWalk& walk, const ImageWalk::Row& row
   }
 }
 
-void BandModel::SetRowBlit(RowBlit* blit, const ImageWalk& walk, const ImageArgs& args, int y, uint32_t rop,
-                           const std::vector<uint8_t>& buffer, int bufferWidth) const {
+void BandModel::RowBlits(const ImageWalk& walk, const ImageWalk::Row& row, const std::vector<Rgb>& colors,
+                         const ImageArgs& args, uint32_t rop, const std::function<void(const BlitArgs&)>& blit) const {
   const int bytes = plane_.bytesPerPixel();
-  blit->source = {0,
-                  static_cast<int16_t>(bufferWidth),
-                  1,
-                  static_cast<uint16_t>(bufferWidth * bytes),
-                  1,
-                  static_cast<uint8_t>(8 * bytes),
-                  buffer.data()};
-  blit->noClip = {0, 0, 0, 0};
-  blit->args = {walk.clip().left, walk.clip().top + y, &blit->source, walk.left(), 0, walk.columns(), 1, rop,
-                args.brush,       args.drawMode,       &blit->noClip};
-}
-
-uint32_t BandModel::BlitRows(ImageWalk& walk, const ImageArgs& args) {
-  const bool grayRows = inPlaceGray();
-  const uint16_t depth = description_.bitsPerPixel;
-  if (scaled()) description_.bitsPerPixel = 24;
-  const int bytes = scaled() ? 3 : plane_.bytesPerPixel();
   const int width = static_cast<int>(description_.width);
-  const int bufferWidth = scaled() ? map_->ToPage(width) : width;
-  std::vector<uint8_t> buffer;
-  while (!walk.AtEnd()) {
-    const ImageWalk::Row row = walk.Next();
-    buffer.assign(static_cast<std::size_t>(std::max(bufferWidth, walk.left() + walk.columns()) * bytes), 0);
-    for (std::size_t x = 0; x < row.pixels.size(); ++x) {
-      if (!row.pixels[x]) continue;
-      const Rgb c = *row.pixels[x];
-      uint8_t* to = buffer.data() + (static_cast<std::size_t>(walk.left()) + x) * static_cast<std::size_t>(bytes);
-      if (bytes == 1 || grayRows) {
-        std::fill_n(to, bytes, c.Gray());
-      } else {
-        to[0] = c.red;
-        to[1] = c.green;
-        to[2] = c.blue;
-      }
-    }
-    for (int i = 0; i < row.count; ++i) {
-      RowBlit blit;
-      SetRowBlit(&blit, walk, args, row.first + i, args.rop, buffer, bufferWidth);
-      BitBlt(blit.args);
-    }
+  const int bitmapWidth = scaled() ? map_->ToPage(width) : width;
+  std::vector<uint8_t> bits(static_cast<std::size_t>(std::max(bitmapWidth, walk.left() + walk.columns()) * bytes));
+  uint8_t* to = bits.data() + walk.left() * bytes;
+  for (const Rgb& c : colors) {
+    const Rgb stored = bytes == 1 || inPlaceGray() ? Rgb{c.Gray(), c.Gray(), c.Gray()} : c;
+    const uint8_t inSourceOrder[] = {stored.red, stored.green, stored.blue};
+    to = std::copy_n(inSourceOrder, bytes, to);
   }
-  description_.bitsPerPixel = depth;
-  return 1;
+  const SourceBitmap source{
+      0, static_cast<int16_t>(bitmapWidth), 1,          static_cast<uint16_t>(bitmapWidth * bytes),
+      1, static_cast<uint8_t>(8 * bytes),   bits.data()};
+  const BandRect noClip{0, 0, 0, 0};
+  const Rect& clip = walk.clip();
+  for (int y = clip.top + row.first; y < clip.top + row.first + row.count; ++y) {
+    blit({clip.left, y, &source, walk.left(), 0, walk.columns(), 1, rop, args.brush, args.drawMode, &noClip});
+  }
 }
 
 }  // namespace qnv::reference

@@ -1,7 +1,72 @@
-// Spans.
+// Span lists: their encodings, and the spans on a device with one band.
 #include "reference/band_model.h"
 
 namespace qnv::reference {
+namespace {
+
+int Nibble(int bits) { return bits < 8 ? bits : bits - 16; }
+
+void DecodeDeltas(const int16_t* points, int count, bool nibbles, SpanList& out) {
+  int left = points[1];
+  int right = points[2];
+  const uint8_t* delta = reinterpret_cast<const uint8_t*>(points + 3);
+  for (int row = 0, y = points[0];; ++y) {
+    out.push_back({nibbles ? RowKind::kThinned : RowKind::kOneRow, y, y + 1, left, right});
+    if (++row >= count) return;
+    left += nibbles ? Nibble(delta[0] & 15) : static_cast<int8_t>(delta[0]);
+    right += nibbles ? Nibble(delta[0] >> 4) : static_cast<int8_t>(delta[1]);
+    delta += nibbles ? 1 : 2;
+  }
+}
+
+}  // namespace
+
+bool IsMarkerStyle(uint32_t style) { return style == OS_BEGINNSCAN || style == OS_ENDNSCAN; }
+
+bool IsSpanStyle(uint32_t style) {
+  return style == 4 || style == 104 || style == 5 || style == 105 || style == 205 || style == 305 || style == 405 ||
+         style == 505;
+}
+
+SpanList DecodeSpans(uint32_t style, uint32_t count, const int16_t* points) {
+  SpanList out;
+  const int elements = static_cast<int>(count & 0xFFFF);
+  const auto addRow = [&](int y, const int16_t* ends) {
+    out.push_back({RowKind::kOneRow, y, y + 1, ends[0], ends[1]});
+  };
+  switch (style) {
+    case 4:
+    case 104:
+      for (int i = 1; i < elements; ++i) addRow(points[1], points + 2 * i);
+      break;
+    case 5:
+    case 105:
+      for (int record = 0; record < elements; ++record) {
+        const int values = points[0];
+        for (int i = 3; i < values + 3; i += 2) {
+          out.push_back({RowKind::kBand, points[1], points[2], points[i], points[i + 1]});
+        }
+        points += values + 4;
+      }
+      break;
+    case 205: {
+      int y = *points++;
+      for (int record = 0; record < elements; ++record, ++y) {
+        const int values = *points++;
+        for (int i = 0; i < values; i += 2) addRow(y, points + i);
+        points += values;
+      }
+      break;
+    }
+    case 305:
+      for (int row = 0; row < elements; ++row) addRow(points[0] + row, points + 1 + 2 * row);
+      break;
+    case 405:
+    case 505: DecodeDeltas(points, elements, style == 505, out); break;
+    default: break;
+  }
+  return out;
+}
 
 uint32_t BandModel::Output(const OutputArgs& args) {
   SelectFillPattern(pattern_, args.pen, args.brush, args.drawMode);

@@ -51,29 +51,23 @@ uint32_t BandModel::ScaledCopy(ImageWalk& walk) {
   const int left = walk.left();
   while (!walk.AtEnd()) {
     const ImageWalk::Row row = walk.Next();
+    if (row.count == 0) continue;
     int firstColumn = -1;
-    int lastColumn = -1;
-    int writtenRow = -1;
-    for (int i = 0; i < row.count; ++i) {
+    Spot last{-1, -1};
+    for (int x = 0; x < walk.columns(); ++x) {
       Spot spot;
-      if (i == 0) {
-        for (int x = 0; x < walk.columns(); ++x) {
-          if (!Kept(left + x, walk.top() + row.first, &spot)) continue;
-          const Rgb color = row.pixels[static_cast<std::size_t>(x)].value_or(Rgb{0, 0, 0});
-          Put(spot.column, spot.row, uint32_t{color.red} << 16 | uint32_t{color.green} << 8 | color.blue);
-          firstColumn = firstColumn < 0 ? spot.column : std::min(firstColumn, spot.column);
-          lastColumn = std::max(lastColumn, spot.column);
-          writtenRow = spot.row;
-        }
-        // A source row whose first row the band does not keep is lost with all its rows.
-        if (writtenRow < 0) break;
-        continue;
-      }
+      if (!Kept(left + x, walk.top() + row.first, &spot)) continue;
+      const Rgb color = row.pixels[static_cast<std::size_t>(x)].value_or(Rgb{0, 0, 0});
+      Put(spot.column, spot.row, uint32_t{color.red} << 16 | uint32_t{color.green} << 8 | color.blue);
+      if (firstColumn < 0) firstColumn = spot.column;
+      last = spot;
+    }
+    // A source row whose first row the band does not keep is lost with all its rows.
+    if (firstColumn < 0) continue;
+    for (int i = 1; i < row.count; ++i) {
       const int copyRow = map_->Kept(walk.top() + row.first + i);
       if (copyRow < 0 || copyRow >= rect_.bottom - rect_.top) continue;
-      for (int column = firstColumn; column <= lastColumn; ++column) {
-        plane_.Write(column, copyRow, plane_.Read(column, writtenRow));
-      }
+      CopyColumns(firstColumn, last.column + 1, last.row, copyRow);
     }
   }
   return 1;

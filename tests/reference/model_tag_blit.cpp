@@ -1,10 +1,10 @@
 // Which pixels a bit-block transfer tags.
-#include <cstring>
-
 #include "reference/dual_plane_model.h"
 
 namespace qnv::reference {
 namespace {
+
+using test::TagRule;
 
 constexpr uint32_t kSourceWhereOne = 0x00E20746;  // pattern where the source is 1, else destination
 
@@ -25,30 +25,32 @@ bool DualPlaneModel::TagBlt(const BlitArgs& args, bool image) {
   const uint8_t tag = image ? QNV_TAG_IMAGE : QNV_TAG_GRAPHICS;
   if (image) uniform_ = false;
   if (uniform_) return true;
-  uint32_t kind = args.rop >> 16 & 0xFF;
-  if (kind < 0x80) kind = ~kind & 0xFF;
   const auto fill = [&](uint8_t value) {
     FillTagRect(value, args.destX, args.destY, args.width, args.height, ToRect(*args.clip));
     return true;
   };
-  switch (kind) {
-    case 0x88:
-    case 0xBB: return TagFromSource(tag, args, kWhite);
-    case 0x99:
-    case 0xA5:
-    case 0xAA: return true;
-    case 0xA0:
-    case 0xAF: return TagFromBrush(args, kWhite);
-    case 0xB8: return TagFromSource(QNV_TAG_GRAPHICS, args, kWhite);
-    case 0xDD:
-    case 0xEE: return TagFromSource(tag, args, kBlack);
-    case 0xE2:
-    case 0xEA: return TagFromSource(QNV_TAG_GRAPHICS, args, kBlack);
-    case 0xF0: return fill(QNV_TAG_GRAPHICS);
-    case 0xF5:
-    case 0xFA: return TagFromBrush(args, kBlack);
-    case 0xFB: return TagFromBrush(args, kBlack) && TagFromSource(tag, args, kWhite);
-    default: return fill(tag);
+  switch (test::TagRuleOf(args.rop >> 16 & 0xFF)) {
+    case TagRule::kImageUnlessWhite: return TagFromSource(tag, args, kWhite);
+    case TagRule::kImageUnlessBlack: return TagFromSource(tag, args, kBlack);
+    case TagRule::kGraphicsUnlessWhite: return TagFromSource(QNV_TAG_GRAPHICS, args, kWhite);
+    case TagRule::kGraphicsUnlessBlack: return TagFromSource(QNV_TAG_GRAPHICS, args, kBlack);
+    case TagRule::kBrushUnlessWhite: return TagFromBrush(args, kWhite);
+    case TagRule::kBrushUnlessBlack: return TagFromBrush(args, kBlack);
+    case TagRule::kPatPaint: return TagFromBrush(args, kBlack) && TagFromSource(tag, args, kWhite);
+    case TagRule::kFillGraphics: return fill(QNV_TAG_GRAPHICS);
+    case TagRule::kFillImage: return fill(tag);
+    case TagRule::kNothing: break;
+  }
+  return true;
+}
+
+void DualPlaneModel::TagWhere(const Rect& area, uint8_t tag, const auto& where) {
+  const Rect& band = tags_.rect();
+  const Rect visible = Intersect(area, band);
+  for (int y = visible.top; y < visible.bottom; ++y) {
+    for (int x = visible.left; x < visible.right; ++x) {
+      if (where(x, y)) tags_.Put(x - band.left, y - band.top, tag);
+    }
   }
 }
 
@@ -63,12 +65,7 @@ void DualPlaneModel::FillTagRect(uint8_t value, int x, int y, int width, int hei
     if (top < 0) shifted.top = Sum(shifted.top, top);
     area = Intersect(area, shifted);
   }
-  area = Intersect(area, tags_.rect());
-  for (int row = area.top; row < area.bottom; ++row) {
-    for (int column = area.left; column < area.right; ++column) {
-      tags_.Put(column - tags_.rect().left, row - tags_.rect().top, value);
-    }
-  }
+  TagWhere(area, value, [](int, int) { return true; });
 }
 
 bool DualPlaneModel::TagFromSource(uint8_t tag, const BlitArgs& args, uint32_t skip) {
@@ -82,8 +79,7 @@ bool DualPlaneModel::TagFromSource(uint8_t tag, const BlitArgs& args, uint32_t s
     if (!backgroundPaints && !textPaints) return true;
     mode.bkColor = backgroundPaints ? 0xFFFFFF : 0;
     mode.TextColor = textPaints ? 0xFFFFFF : 0;
-    PhysicalBrush brush;
-    std::memset(&brush, 0, sizeof brush);
+    PhysicalBrush brush{};
     brush.style = BS_SOLID;
     brush.patternDepth = 8;
     brush.colour = tag * 0x010101u;
@@ -99,23 +95,20 @@ bool DualPlaneModel::TagFromSource(uint8_t tag, const BlitArgs& args, uint32_t s
   // The source is counted from the corner before clipping; an edge of 0 does not limit.
   const Rect clip = ToRect(*args.clip);
   const Point origin = tags_.origin();
-  for (int row = 0; row < args.height; ++row) {
-    for (int column = 0; column < args.width; ++column) {
-      const int x = args.destX + origin.x + column;
-      const int y = args.destY + origin.y + row;
-      if (!Contains(tags_.rect(), x, y)) continue;
-      if (clip.left != 0 && x < clip.left + origin.x) continue;
-      if (clip.top != 0 && y < clip.top + origin.y) continue;
-      if (clip.right != 0 && x >= clip.right + origin.x) continue;
-      if (clip.bottom != 0 && y >= clip.bottom + origin.y) continue;
-      const int sourceX = args.srcX + column;
-      const int sourceY = args.srcY + row;
-      if (!Contains({0, 0, source.bmWidth, source.bmHeight}, sourceX, sourceY)) continue;
-      const uint8_t* p = static_cast<const uint8_t*>(source.bmBits) + sourceY * source.bmWidthBytes + 3 * sourceX;
-      if ((p[0] | uint32_t{p[1]} << 8 | uint32_t{p[2]} << 16) == skip) continue;
-      tags_.Put(x - tags_.rect().left, y - tags_.rect().top, tag);
-    }
-  }
+  const int left = args.destX + origin.x;
+  const int top = args.destY + origin.y;
+  Rect area{left, top, left + args.width, top + args.height};
+  if (clip.left != 0) area.left = std::max(left, clip.left + origin.x);
+  if (clip.top != 0) area.top = std::max(top, clip.top + origin.y);
+  if (clip.right != 0) area.right = std::min(area.right, clip.right + origin.x);
+  if (clip.bottom != 0) area.bottom = std::min(area.bottom, clip.bottom + origin.y);
+  TagWhere(area, tag, [&](int x, int y) {
+    const int sourceX = args.srcX + x - left;
+    const int sourceY = args.srcY + y - top;
+    if (!Contains({0, 0, source.bmWidth, source.bmHeight}, sourceX, sourceY)) return false;
+    const uint8_t* p = static_cast<const uint8_t*>(source.bmBits) + sourceY * source.bmWidthBytes + 3 * sourceX;
+    return (p[0] | uint32_t{p[1]} << 8 | uint32_t{p[2]} << 16) != skip;
+  });
   return true;
 }
 
@@ -135,10 +128,9 @@ bool DualPlaneModel::TagFromBrush(const BlitArgs& args, uint32_t skip) {
 
   // Where the cells paint, aligned as the color plane aligns its fill.
   FillPattern painting;
-  painting.SetScaledPeriod(brush);
-  for (int cell = 0; cell < 64; ++cell) {
-    painting.SetBlock(brush, cell / 8, cell % 8, CellPaints(brush.cells[cell], background, skip) ? 1 : 0, 255);
-  }
+  painting.SetCells(brush, [&](uint32_t cell) -> FillPattern::MaskedColor {
+    return {CellPaints(cell, background, skip) ? 1u : 0u, true};
+  });
   if (!painting.HasCells()) return true;
   const Point origin = tags_.origin();
   const Rect clip = Shift(ToRect(*args.clip), origin);
@@ -146,14 +138,8 @@ bool DualPlaneModel::TagFromBrush(const BlitArgs& args, uint32_t skip) {
   const int top = args.destY + origin.y;
   Rect area{left, top, left + args.width, top + args.height};
   if (!AllZero(clip)) area = Intersect(area, clip);
-  area = Intersect(area, tags_.rect());
-  for (int y = area.top; y < area.bottom; ++y) {
-    for (int x = area.left; x < area.right; ++x) {
-      const int column = x - tags_.rect().left;
-      const int row = y - tags_.rect().top;
-      if (painting.Cell(column, row) != 0) tags_.Put(column, row, QNV_TAG_GRAPHICS);
-    }
-  }
+  TagWhere(area, QNV_TAG_GRAPHICS,
+           [&](int x, int y) { return painting.Cell(x - tags_.rect().left, y - tags_.rect().top) != 0; });
   return true;
 }
 

@@ -17,22 +17,6 @@ Brush FillOf(const OutputArgs& args) {
   return {args.brush->style, args.brush->colour, args.brush};
 }
 
-enum class Marking { kNone, kAll, kUnlessWhite, kUnlessBlack };
-
-Marking MarkingOf(int16_t rop2) {
-  uint32_t table = static_cast<uint8_t>(static_cast<uint8_t>(rop2) - 1);
-  if (table < 8) table = ~table & 15;
-  switch (table) {
-    case 9:
-    case 10: return Marking::kNone;
-    case 8:
-    case 11: return Marking::kUnlessWhite;
-    case 13:
-    case 14: return Marking::kUnlessBlack;
-    default: return Marking::kAll;
-  }
-}
-
 // Does this cell of a hatched or pattern brush put ink on paper of this color?
 bool CellPutsInk(const PhysicalBrush& brush, uint32_t cell, const DRAWMODE& mode, uint32_t paper) {
   if (brush.style == BS_PATTERN) {
@@ -41,14 +25,6 @@ bool CellPutsInk(const PhysicalBrush& brush, uint32_t cell, const DRAWMODE& mode
   }
   if ((cell >> 24) != 0) return (cell & 0xFFFFFF) != paper;
   return mode.bkMode == OPAQUE && mode.bkColor != paper;
-}
-
-void SetCells(FillPattern* ink, const PhysicalBrush& brush, const auto& paints) {
-  ink->style = kMasked;
-  ink->SetScaledPeriod(brush);
-  for (int cell = 0; cell < 64; ++cell) {
-    ink->SetBlock(brush, cell / 8, cell % 8, QNV_TAG_GRAPHICS, paints(brush.cells[cell]) ? 255 : 0);
-  }
 }
 
 }  // namespace
@@ -67,24 +43,29 @@ bool DualPlaneModel::MarkOutput(const OutputArgs& args) {
   if (args.drawMode == nullptr) return true;  // nothing says what the call does to the paper
   const DRAWMODE& mode = *args.drawMode;
   const Brush brush = FillOf(args);
-  const Marking marking = MarkingOf(mode.Rop2);
-  if (marking == Marking::kNone) return true;
+  // Of the operation's code only the low byte counts.
+  const Marking marking = MarkingOf(static_cast<uint8_t>(mode.Rop2 - 1));
+  if (marking == Marking::kNever) return true;
   if (brush.style > BS_PATTERN) return false;
   if (brush.style == BS_HOLLOW) return true;
 
   FillPattern ink;
   ink.rop2 = R2_COPYPEN;
   ink.SetSolid(QNV_TAG_GRAPHICS);
-  if (marking == Marking::kAll) {
-    if (brush.style == BS_HATCHED && mode.bkMode != OPAQUE) {
-      SetCells(&ink, *brush.record, [](uint32_t cell) { return (cell >> 24) != 0; });
-    }
+  const auto markWhere = [&](const auto& paints) {
+    ink.style = kMasked;
+    ink.SetCells(*brush.record, [&](uint32_t cell) -> FillPattern::MaskedColor {
+      return {QNV_TAG_GRAPHICS, paints(cell)};
+    });
+  };
+  if (marking == Marking::kAlways) {
+    if (brush.style == BS_HATCHED && mode.bkMode != OPAQUE) markWhere([](uint32_t cell) { return (cell >> 24) != 0; });
   } else {
     const uint32_t paper = marking == Marking::kUnlessWhite ? kWhite : kBlack;
     if (brush.style == BS_SOLID && brush.color == paper) return true;
     if (brush.style == BS_HATCHED && brush.color == paper && mode.bkColor == paper) return true;
     if (brush.style != BS_SOLID) {
-      SetCells(&ink, *brush.record, [&](uint32_t cell) { return CellPutsInk(*brush.record, cell, mode, paper); });
+      markWhere([&](uint32_t cell) { return CellPutsInk(*brush.record, cell, mode, paper); });
     }
   }
   if (args.points == nullptr) return true;

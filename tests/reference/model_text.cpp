@@ -75,26 +75,23 @@ int32_t BandModel::ExtTextOut(const TextArgs& args) {
   if (args.charWidths == nullptr) return RunGlyphs(run);
 
   if (count == 0) return 0;
-  const int step = count > 0 ? 1 : -1;
-  const int characters = count * step;
-  const int bytes = Font(args.fontBase, args.fontOffset).twoByte() ? 2 : 1;
-  int32_t result = 0;
-  run.count = step;
-  for (int i = 0; i < characters; ++i) {
-    result = RunGlyphs(run);
+  run.count = count > 0 ? 1 : -1;
+  const int last = count * run.count - 1;
+  int32_t before = 0;  // what the characters before the last one advance
+  for (int i = 0; i < last; ++i) {
+    RunGlyphs(run);
     run.x += args.charWidths[i];
-    run.string += bytes;
+    run.string += Font(args.fontBase, args.fontOffset).twoByte() ? 2 : 1;
+    before += args.charWidths[i];
   }
-  for (int i = 0; i + 1 < characters; ++i) result += args.charWidths[i];
-  return result;
+  return RunGlyphs(run) + before;
 }
 
 void BandModel::FillOpaqueRect(const Rect& rect, const DRAWMODE* drawMode) {
   const BandRect area{std::max(rect.left, 0), std::max(rect.top, 0), rect.right, rect.bottom};
   if (area.right - area.left < 1 || area.bottom - area.top < 1) return;
   const LogicalBrush logical{BS_SOLID, drawMode->bkColor, 0, 0};
-  PhysicalBrush brush;
-  std::memset(&brush, 0, sizeof brush);
+  PhysicalBrush brush{};
   RealizeObject(OBJ_BRUSH, &logical, &brush);
   BitBlt({area.left, area.top, nullptr, 0, 0, area.right - area.left, area.bottom - area.top, PATCOPY, &brush, drawMode,
           &area});
