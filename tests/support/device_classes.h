@@ -39,12 +39,10 @@ inline std::vector<DeviceOptions> AllDescriptions(const DeviceOptions& base = {}
 
 // "scaled, 24 bits, 600 to 400": for SCOPED_TRACE.
 inline std::string Describe(const DeviceOptions& options) {
-  std::string text = options.tagPlane ? "dual-plane, " : options.kind == QNV_KIND_SCALED ? "scaled, " : "plain, ";
-  text += std::to_string(options.bitsPerPixel) + " bits";
-  if (options.resolutionA != options.resolutionB) {
-    text += ", " + std::to_string(options.resolutionA) + " to " + std::to_string(options.resolutionB);
-  }
-  return text;
+  const char* kind = options.tagPlane ? "dual-plane, " : options.kind == QNV_KIND_SCALED ? "scaled, " : "plain, ";
+  const bool mapped = options.resolutionA != options.resolutionB;
+  return Text(kind, options.bitsPerPixel, " bits",
+              mapped ? Text(", ", options.resolutionA, " to ", options.resolutionB) : "");
 }
 
 // Where the band lies on the page, and the drawing origin.

@@ -15,12 +15,12 @@ namespace {
 constexpr std::size_t kFence = 4096;
 constexpr uint8_t kCanary = 0xA5;
 
-bool AllCanaries(const uint8_t* begin, const uint8_t* end) {
-  const std::size_t bytes = static_cast<std::size_t>(end - begin);
-  return bytes == 0 || (*begin == kCanary && std::memcmp(begin, begin + 1, bytes - 1) == 0);
-}
-
 }  // namespace
+
+bool AllBytesAre(uint8_t value, const uint8_t* begin, const uint8_t* end) {
+  const std::size_t bytes = static_cast<std::size_t>(end - begin);
+  return bytes == 0 || (*begin == value && std::memcmp(begin, begin + 1, bytes - 1) == 0);
+}
 
 FencedBuffer::FencedBuffer(std::size_t size, uint8_t fill) : size_(size) {
 #if defined(__linux__)
@@ -56,9 +56,9 @@ void FencedBuffer::Fill(uint8_t value) {
 
 bool FencedBuffer::FencesIntact() const {
 #if defined(__linux__)
-  return AllCanaries(mapping_, data_);
+  return AllBytesAre(kCanary, mapping_, data_);
 #else
-  return AllCanaries(mapping_, data_) && AllCanaries(data_ + size_, mapping_ + mappingSize_);
+  return AllBytesAre(kCanary, mapping_, data_) && AllBytesAre(kCanary, data_ + size_, mapping_ + mappingSize_);
 #endif
 }
 

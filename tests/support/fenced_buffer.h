@@ -10,6 +10,8 @@
 
 namespace qnv::test {
 
+bool AllBytesAre(uint8_t value, const uint8_t* begin, const uint8_t* end);
+
 class FencedBuffer {
  public:
   FencedBuffer(std::size_t size, uint8_t fill);

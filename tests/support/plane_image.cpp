@@ -6,6 +6,8 @@
 #include <stdexcept>
 #include <utility>
 
+#include "support/text.h"
+
 namespace qnv::test {
 namespace {
 
@@ -108,16 +110,12 @@ testing::AssertionResult SameImage(const PlaneImage& expected, const PlaneImage&
   const auto first = std::mismatch(expected.bytes().begin(), expected.bytes().end(), got.bytes().begin());
   const std::size_t offset = static_cast<std::size_t>(first.first - expected.bytes().begin());
   const std::size_t row = offset / expected.stride(), byteInRow = offset % expected.stride();
-  const std::size_t size = static_cast<std::size_t>(expected.bytesPerPixel());
+  const std::size_t size = static_cast<std::size_t>(expected.bytesPerPixel()), column = byteInRow / size;
+  const bool padding = static_cast<int32_t>(column) >= expected.columns();
+  const std::size_t from = padding ? offset : offset - byteInRow % size, count = padding ? 1 : size;
   testing::AssertionResult failure = testing::AssertionFailure() << expected.name();
-  if (static_cast<int32_t>(byteInRow / size) >= expected.columns()) {
-    failure << " padding of row " << row << ", byte " << byteInRow << ": expected " << HexText(expected, offset, 1)
-            << ", got " << HexText(got, offset, 1);
-  } else {
-    const std::size_t pixel = offset - byteInRow % size;
-    failure << " pixel (" << byteInRow / size << ", " << row << "): expected " << HexText(expected, pixel, size)
-            << ", got " << HexText(got, pixel, size);
-  }
+  failure << (padding ? Text(" padding of row ", row, ", byte ", byteInRow) : Text(" pixel (", column, ", ", row, ")"))
+          << ": expected " << HexText(expected, from, count) << ", got " << HexText(got, from, count);
   return failure << "; differences within " << Describe(TouchedRect(expected, got));
 }
 
@@ -180,10 +178,6 @@ testing::AssertionResult BandIs(const TestDevice& device, const PictureInks& ink
   return IfIntact(device, [&] { return PlaneIs(BandImage(device), UntouchedBand(device), inks, picture); });
 }
 
-testing::AssertionResult TagsAre(const TestDevice& device, const PictureInks& inks, std::string_view picture) {
-  return IfIntact(device, [&] { return PlaneIs(TagImage(device), UntouchedTags(device), inks, picture); });
-}
-
 bool IsGrayDevice(const TestDevice& device) {
   return device.options().bitsPerPixel == (device.options().kind == QNV_KIND_SCALED ? 0 : 8);
 }
@@ -198,8 +192,7 @@ testing::AssertionResult TouchedExactly(const PlaneImage& before, const PlaneIma
 }
 
 std::string Describe(const BandRect& rect) {
-  return "(" + std::to_string(rect.left) + ", " + std::to_string(rect.top) + ", " + std::to_string(rect.right) + ", " +
-         std::to_string(rect.bottom) + ")";
+  return Text("(", rect.left, ", ", rect.top, ", ", rect.right, ", ", rect.bottom, ")");
 }
 
 }  // namespace qnv::test

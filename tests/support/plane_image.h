@@ -96,7 +96,6 @@ testing::AssertionResult PlaneIs(const PlaneImage& got, const PlaneImage& untouc
 
 // The plane shows this picture, and nothing around either plane was written.
 testing::AssertionResult BandIs(const TestDevice& device, const PictureInks& inks, std::string_view picture);
-testing::AssertionResult TagsAre(const TestDevice& device, const PictureInks& inks, std::string_view picture);
 
 inline constexpr uint32_t Gray(uint32_t level) { return level * 0x010101u; }
 

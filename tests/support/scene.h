@@ -3,10 +3,7 @@
 #pragma once
 
 #include <cstdint>
-#include <functional>
 #include <memory>
-#include <string>
-#include <vector>
 
 #include "qnvdrv10.h"
 
@@ -18,33 +15,31 @@ struct SceneOptions {
   int32_t top = 0;
   int32_t width = 48;
   int32_t height = 32;
-  bool gray = false;  // 8-bit sources instead of 24-bit ones
-  bool originMoves = true;
+  bool gray = false;          // 8-bit sources instead of 24-bit ones
   bool nullDrawModes = true;  // transfers and spans that keep the pattern of the call before
   bool extendedCodes = true;  // of images
   bool cellTransfers = true;  // transfers whose pattern has cells, counted from the band's corner
   bool stretchedImages = true;
-  bool zeroOriginClips = true;  // clips that may be all zeros
-};
-
-struct SceneStep {
-  std::string name;
-  std::function<uint32_t(DeviceHandle*)> call;
 };
 
 class Scene {
  public:
   Scene(uint64_t seed, const SceneOptions& options);
 
-  std::size_t size() const { return steps_.size(); }
-  const std::string& Name(std::size_t step) const { return steps_[step].name; }
+  std::size_t size() const { return options_.steps; }
+  const char* Name(std::size_t step) const;
 
-  // The call's result on the bits that carry one. Brushes and pens are realised by the device that draws.
-  uint32_t Play(std::size_t step, DeviceHandle* handle) const { return steps_[step].call(handle); }
+  // The call's result on the bits that carry one. The call depends on the step alone, not on the device; brushes and
+  // pens are realised by the device that draws.
+  uint32_t Play(std::size_t step, DeviceHandle* handle) const;
 
  private:
-  std::shared_ptr<const void> memory_;  // what the calls point to
-  std::vector<SceneStep> steps_;
+  // Far apart: the numbers of neighbouring seeds are the same ones, shifted.
+  uint64_t SeedOf(std::size_t step) const { return (seed_ * 1000 + step) * 1000003; }
+
+  uint64_t seed_;
+  SceneOptions options_;
+  std::shared_ptr<const struct SceneMemory> memory_;  // what the calls point to
 };
 
 }  // namespace qnv::test

@@ -36,21 +36,6 @@ PixelBytes SourceBytes(const TransferInputs& inputs, int32_t firstX, int32_t x, 
 
 }  // namespace
 
-uint8_t Rop3Byte(uint8_t index, uint8_t pattern, uint8_t source, uint8_t dest) {
-  uint32_t result = 0;
-  for (uint32_t bit = 0; bit < 8; ++bit) {
-    const uint32_t p = uint32_t{pattern} >> bit & 1;
-    const uint32_t s = uint32_t{source} >> bit & 1;
-    const uint32_t d = uint32_t{dest} >> bit & 1;
-    result |= (uint32_t{index} >> (4 * p + 2 * s + d) & 1) << bit;
-  }
-  return static_cast<uint8_t>(result);
-}
-
-bool IndexUsesPattern(uint8_t index) { return (index >> 4) != (index & 15); }
-
-bool IndexUsesSource(uint8_t index) { return (index & 0x33) != (index >> 2 & 0x33); }
-
 bool TakesSolidFromPattern(uint32_t rop) {
   const uint32_t upper = rop >> 16;
   return upper == 0xC0 || upper == 0xFB || upper == 0xE2;

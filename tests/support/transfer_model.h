@@ -5,19 +5,23 @@
 #include <cstdint>
 #include <optional>
 
+#include "reference/arithmetic.h"
 #include "support/plane_image.h"
 #include "support/source_image.h"
 
 namespace qnv::test {
 
 // Bit 4p + 2s + d of the index, for each of the eight bits.
-uint8_t Rop3Byte(uint8_t index, uint8_t pattern, uint8_t source, uint8_t dest);
+inline uint8_t Rop3Byte(uint8_t index, uint8_t pattern, uint8_t source, uint8_t dest) {
+  return static_cast<uint8_t>(reference::EvaluateRop3(index, pattern, source, dest));
+}
 
 // The index of a binary operation, whose pen is the ternary operation's source. Codes beyond the sixteen wrap.
 constexpr uint8_t IndexOfRop2(int code) { return static_cast<uint8_t>(((code - 1) & 15) * 0x11); }
 
-bool IndexUsesPattern(uint8_t index);
-bool IndexUsesSource(uint8_t index);
+using reference::IndexUsesPattern;
+using reference::IndexUsesSource;
+
 // True for the three operations that take even a solid color from the prepared pattern.
 bool TakesSolidFromPattern(uint32_t rop);
 
