@@ -1,7 +1,7 @@
+// Bit-block transfers, single pixels and rectangles of them.
 #include <algorithm>
 
 #include "random/calls.h"
-#include "random/random_records.h"
 
 namespace qnv::test {
 namespace {
@@ -53,7 +53,7 @@ SourceBitmap* GiveSource(RandomCase& run) {
   source.bmBits = run.GiveBytes(bits);
   run.Say("  source %d x %d, %u bytes a row, planes %u, bits %u\n", source.bmWidth, source.bmHeight,
           source.bmWidthBytes, source.bmPlanes, source.bmBitsPixel);
-  run.SayBytes("  source bits", bits.data(), bits.size());
+  run.SayBytes("source bits", bits);
   return run.Give(source);
 }
 
@@ -83,13 +83,43 @@ void BlitCall(RandomCase& run) {
           args.width, args.height, args.rop);
   args.source = GiveSource(run);
   args.brush = GiveBrush(run);
-  args.drawMode = GiveDrawMode(run, true);
-  args.clip = GiveClip(run, true);
+  args.drawMode = GiveDrawMode(run);
+  args.clip = GiveClip(run);
   run.Ready();
   const uint32_t expected = run.model() != nullptr ? run.model()->BitBlt(args) : 0;
   const uint32_t got = QNVDevBitBlt(run.handle(), args.destX, args.destY, args.source, args.srcX, args.srcY, args.width,
                                     args.height, args.rop, args.brush, args.drawMode, args.clip);
   run.Check(expected, got, 0xFFFF);
+}
+
+void PixelCall(RandomCase& run) {
+  Numbers& random = run.random();
+  const bool many = random.Percent(40);
+  run.BeginCall(many ? "QNVPolyPixel" : "QNVPixel");
+  const BandRect band = run.CallerBand();
+  int x = random.Range(band.left - 2, band.right + 2);
+  int y = random.Range(band.top - 2, band.bottom + 2);
+  if (run.tame()) {
+    x = random.Range(band.left, std::max(int{band.left}, band.right - 1));
+    y = random.Range(band.top, std::max(int{band.top}, band.bottom - 1));
+  }
+  const int x2 = x + random.Range(-12, 12);
+  const int y2 = y + random.Range(-5, 5);
+  const uint32_t color = RandomColor(random);
+  run.Say("  %d, %d", x, y);
+  if (many) run.Say(" to %d, %d", x2, y2);
+  run.Say(", color 0x%08X\n", color);
+  const DRAWMODE* mode = random.Percent(many ? 3 : 25) ? nullptr : GiveDrawMode(run, false);
+  if (mode == nullptr) run.Say("  draw mode null\n");
+  const BandRect* clip = GiveClip(run);
+  run.Ready();
+  uint32_t expected = 0;
+  if (run.model() != nullptr) {
+    expected =
+        many ? run.model()->PolyPixel(x, y, x2, y2, color, mode, clip) : run.model()->Pixel(x, y, color, mode, clip);
+  }
+  run.Check(expected, many ? QNVPolyPixel(run.handle(), x, y, x2, y2, color, mode, clip)
+                           : QNVPixel(run.handle(), x, y, color, mode, clip));
 }
 
 }  // namespace qnv::test

@@ -1,3 +1,4 @@
+// Blocks of host memory that are used again from case to case.
 #include "random/call_memory.h"
 
 #include <algorithm>
@@ -27,12 +28,8 @@ constexpr std::size_t kPlane = 65536;
 constexpr std::size_t kWatched = 8192;  // bytes before a plane that must stay as they are
 constexpr uint8_t kUntouched = 0xA5;
 
-const std::vector<uint8_t>& Untouched() {
-  static const std::vector<uint8_t> bytes(kPlane, kUntouched);
-  return bytes;
-}
-
-[[noreturn]] void TooSmall(std::size_t size) {
+void Require(bool fits, std::size_t size) {
+  if (fits) return;
   std::fprintf(stderr, "a random case asks for %u bytes of host memory\n", static_cast<unsigned>(size));
   std::abort();
 }
@@ -42,31 +39,29 @@ const std::vector<uint8_t>& Untouched() {
 PlaneMemory::PlaneMemory() : block_(kPlane, kUntouched) {}
 
 uint8_t* PlaneMemory::Place(std::size_t size, std::size_t tail) {
-  if (size + tail > kPlane) TooSmall(size);
-  size_ = size;
-  start_ = block_.data() + kPlane - tail - size;
+  Require(size + tail <= kPlane, size);
+  end_ = block_.data() + kPlane - tail;
+  start_ = end_ - size;
   const std::size_t before = kPlane - tail - size;
-  watched_ = before - std::min(before, kWatched);
+  watched_ = start_ - std::min(before, kWatched);
   FenceOff(true);
   return start_;
 }
 
 // Under the address sanitizer the bytes around the plane are out of bounds, but for the looks taken at them here.
 void PlaneMemory::FenceOff(bool fenced) const {
-  const std::size_t before = static_cast<std::size_t>(start_ - block_.data());
-  ASAN_UNPOISON_MEMORY_REGION(block_.data(), kPlane);
+  const uint8_t* block = block_.data();
+  ASAN_UNPOISON_MEMORY_REGION(block, kPlane);
   if (!fenced) return;
-  ASAN_POISON_MEMORY_REGION(block_.data(), before);
-  ASAN_POISON_MEMORY_REGION(start_ + size_, kPlane - before - size_);
+  ASAN_POISON_MEMORY_REGION(block, static_cast<std::size_t>(start_ - block));
+  ASAN_POISON_MEMORY_REGION(end_, static_cast<std::size_t>(block + kPlane - end_));
 }
 
 bool PlaneMemory::SurroundingsIntact() const {
   if (start_ == nullptr) return block_.FencesIntact();
   FenceOff(false);
-  const std::size_t before = static_cast<std::size_t>(start_ - block_.data());
-  const std::size_t after = kPlane - before - size_;
-  const bool intact = std::memcmp(block_.data() + watched_, Untouched().data(), before - watched_) == 0 &&
-                      std::memcmp(start_ + size_, Untouched().data(), after) == 0 && block_.FencesIntact();
+  const bool intact = AllBytesAre(kUntouched, watched_, start_) &&
+                      AllBytesAre(kUntouched, end_, block_.data() + kPlane) && block_.FencesIntact();
   FenceOff(true);
   return intact;
 }
@@ -74,7 +69,7 @@ bool PlaneMemory::SurroundingsIntact() const {
 void PlaneMemory::Release() {
   if (start_ == nullptr) return;
   FenceOff(false);
-  std::memset(block_.data() + watched_, kUntouched, kPlane - watched_);
+  std::fill(watched_, block_.data() + kPlane, kUntouched);
   start_ = nullptr;
 }
 
@@ -86,7 +81,7 @@ InputMemory::InputMemory() {
 }
 
 uint8_t* InputMemory::Take(std::size_t size) {
-  if (size > kBlock || used_ == kBlocks) TooSmall(size);
+  Require(size <= kBlock && used_ < kBlocks, size);
   Block& block = blocks_[used_++];
   block.size = size;
   block.start = block.memory->data() + kBlock - size;

@@ -24,8 +24,8 @@ class PlaneMemory {
 
   FencedBuffer block_;
   uint8_t* start_ = nullptr;
-  std::size_t size_ = 0;
-  std::size_t watched_ = 0;  // offset of the first byte before the plane that is looked at
+  uint8_t* end_ = nullptr;
+  uint8_t* watched_ = nullptr;  // the first byte before the plane that is looked at
 };
 
 // The records and arrays that a host passes in one call.

@@ -1,4 +1,5 @@
-// One random call of each family, made on the library and on the model and compared.
+// One random call of each family, made on the library and on the model and compared; and the host records that most
+// calls share, in fenced memory.
 #pragma once
 
 #include "random/random_case.h"
@@ -17,5 +18,14 @@ void StateCall(RandomCase& run);
 void TagOnePixel(RandomCase& run);
 // One of all these families.
 void AnyCall(RandomCase& run);
+
+uint32_t RandomColor(Numbers& random);
+// A rectangle somewhere around the band.
+BandRect RectNearBand(RandomCase& run);
+// Records, null once in a while. Each says what it made when the case is verbose.
+DRAWMODE* GiveDrawMode(RandomCase& run, bool mayBeNull = true);
+PhysicalBrush* GiveBrush(RandomCase& run);
+PhysicalPen* GivePen(RandomCase& run);
+BandRect* GiveClip(RandomCase& run);
 
 }  // namespace qnv::test

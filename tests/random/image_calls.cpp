@@ -1,16 +1,12 @@
+// Images of every form.
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
 
 #include "random/calls.h"
-#include "random/random_records.h"
 
 namespace qnv::test {
 namespace {
-
-void Put32(std::vector<uint8_t>& bytes, std::size_t at, uint32_t value) {
-  for (std::size_t i = 0; i < 4; ++i) bytes[at + i] = static_cast<uint8_t>(value >> 8 * i);
-}
 
 struct RandomDib {
   BITMAPINFOHEADER header{};
@@ -20,7 +16,7 @@ struct RandomDib {
 
 // Masks that occur, and some that do not.
 struct Masks {
-  uint32_t red, green, blue;
+  uint32_t red, green, blue;  // as they follow the header
 };
 constexpr Masks kMasks[] = {{0xF800, 0x07E0, 0x001F}, {0x7C00, 0x03E0, 0x001F},    {0x0F00, 0x00F0, 0x000F},
                             {0x001F, 0x07E0, 0xF800}, {0xFF00, 0x00FF, 0},         {0x8000, 0x7FFE, 0x0001},
@@ -47,15 +43,13 @@ void WriteRle(Numbers& random, RandomDib& dib) {
         const int pick = random.Range(0, 9);
         if (pick < 5 || room < 3) {
           const int run = random.Range(1, std::min(room, 255));
-          out.push_back(static_cast<uint8_t>(run));
-          out.push_back(random.Byte());
+          out.insert(out.end(), {static_cast<uint8_t>(run), random.Byte()});
           x += run;
         } else if (pick < 9) {
           const int run = random.Range(3, std::min(std::max(room, 3), 255));
           std::size_t bytes = static_cast<std::size_t>(fourBits ? (run + 1) / 2 : run);
           bytes += bytes % 2;
-          out.push_back(0);
-          out.push_back(static_cast<uint8_t>(run));
+          out.insert(out.end(), {0, static_cast<uint8_t>(run)});
           const std::size_t at = out.size();
           out.resize(at + bytes);
           random.Fill(out.data() + at, bytes);
@@ -63,21 +57,17 @@ void WriteRle(Numbers& random, RandomDib& dib) {
         } else {
           const int dx = random.Range(0, 5);
           const int dy = random.Percent(50) ? 0 : random.Range(0, 3);
-          for (const int byte : {0, 2, dx, dy}) out.push_back(static_cast<uint8_t>(byte));
+          out.insert(out.end(), {0, 2, static_cast<uint8_t>(dx), static_cast<uint8_t>(dy)});
           x += dx;
           y += dy;
         }
       }
       if (random.Percent(6)) break;
-      out.push_back(0);
-      out.push_back(0);
+      out.insert(out.end(), {0, 0});
     }
   }
   // No absolute run jumps over so many ends of the bitmap.
-  for (int i = 0; i < 300; ++i) {
-    out.push_back(0);
-    out.push_back(1);
-  }
+  for (int i = 0; i < 300; ++i) out.insert(out.end(), {0, 1});
 }
 
 RandomDib MakeDib(RandomCase& run) {
@@ -109,9 +99,7 @@ RandomDib MakeDib(RandomCase& run) {
   random.Fill(dib.info.data(), dib.info.size());
   if (header.biCompression == BI_BITFIELDS) {
     const Masks masks = random.Percent(90) ? random.Pick(kMasks) : Masks{random.Word(), random.Word(), random.Word()};
-    Put32(dib.info, 40, masks.red);
-    Put32(dib.info, 44, masks.green);
-    Put32(dib.info, 48, masks.blue);
+    std::memcpy(dib.info.data() + 40, &masks, sizeof masks);
   }
   if (header.biCompression == BI_RLE8 || header.biCompression == BI_RLE4) {
     WriteRle(random, dib);
@@ -133,15 +121,9 @@ RandomDib MakeDib(RandomCase& run) {
     }
   }
   std::memcpy(dib.info.data(), &header, sizeof header);
-  return dib;
-}
-
-void SayDib(RandomCase& run, const RandomDib& dib) {
-  const BITMAPINFOHEADER& header = dib.header;
   run.Say("  DIB %d x %d, planes %u, bits %u, compression %u, biSize %u, biClrUsed %u\n", header.biWidth,
           header.biHeight, header.biPlanes, header.biBitCount, header.biCompression, header.biSize, header.biClrUsed);
-  run.SayBytes("  header and table", dib.info.data(), dib.info.size());
-  run.SayBytes("  DIB bits", dib.bits.data(), dib.bits.size());
+  return dib;
 }
 
 uint32_t RandomImageRop(Numbers& random) {
@@ -197,23 +179,16 @@ void SetExtents(RandomCase& run, const BITMAPINFOHEADER& header, reference::Imag
     args->srcX += 65536 * random.Range(-1, 1);
     args->srcY += 65536 * random.Range(-1, 1);
   }
-  // A negative source extent runs back from its corner, so the corner usually moves to the other end.
-  if (random.Percent(15)) {
-    if (random.Percent(80)) args->srcX += args->srcWidth;
-    args->srcWidth = -args->srcWidth;
-  }
-  if (random.Percent(15)) {
-    if (random.Percent(80)) args->srcY += args->srcHeight;
-    args->srcHeight = -args->srcHeight;
-  }
-  if (random.Percent(15)) {
-    args->dstX += args->dstWidth;
-    args->dstWidth = -args->dstWidth;
-  }
-  if (random.Percent(15)) {
-    args->dstY += args->dstHeight;
-    args->dstHeight = -args->dstHeight;
-  }
+  // A negative extent runs back from its corner, so the corner usually moves to the other end.
+  const auto turn = [&](int32_t* corner, int32_t* extent, int movingShare) {
+    if (!random.Percent(15)) return;
+    if (movingShare == 100 || random.Percent(movingShare)) *corner += *extent;
+    *extent = -*extent;
+  };
+  turn(&args->srcX, &args->srcWidth, 80);
+  turn(&args->srcY, &args->srcHeight, 80);
+  turn(&args->dstX, &args->dstWidth, 100);
+  turn(&args->dstY, &args->dstHeight, 100);
 }
 
 void RunStretch(RandomCase& run, const reference::ImageArgs& args) {
@@ -233,13 +208,11 @@ void StretchCall(RandomCase& run, const RandomDib& dib) {
   args.rop = RandomImageRop(random);
   run.Say("  get %u, dest %d, %d, %d x %d, source %d, %d, %d x %d, rop 0x%08X\n", args.get, args.dstX, args.dstY,
           args.dstWidth, args.dstHeight, args.srcX, args.srcY, args.srcWidth, args.srcHeight, args.rop);
-  SayDib(run, dib);
-  args.bits = run.tame() || random.Percent(96) ? run.GiveBytes(dib.bits) : nullptr;
-  args.bitmapInfo = run.tame() || random.Percent(96) ? run.GiveBytes(dib.info) : nullptr;
-  if (args.bits == nullptr || args.bitmapInfo == nullptr) run.Say("  bits or header null\n");
+  args.bits = run.GiveMostly(96, "DIB bits", dib.bits);
+  args.bitmapInfo = run.GiveMostly(96, "header and table", dib.info);
   args.brush = GiveBrush(run);
-  args.drawMode = GiveDrawMode(run, true);
-  args.clip = GiveClip(run, true);
+  args.drawMode = GiveDrawMode(run);
+  args.clip = GiveClip(run);
   RunStretch(run, args);
 }
 
@@ -256,11 +229,12 @@ void SetToDeviceCall(RandomCase& run, const RandomDib& dib) {
   const uint32_t start = static_cast<uint32_t>(random.Percent(60) ? 0 : random.Range(0, 10));
   const uint32_t scans = static_cast<uint32_t>(random.Percent(60) ? std::abs(height) : random.Range(0, 26));
   run.Say("  at %d, %d, start %u, scans %u\n", x, y, start, scans);
-  SayDib(run, dib);
+  run.SayBytes("DIB bits", dib.bits);
+  run.SayBytes("header and table", dib.info);
   const void* bits = run.GiveBytes(dib.bits);
   const void* info = random.Percent(98) ? run.GiveBytes(dib.info) : nullptr;
-  const DRAWMODE* mode = GiveDrawMode(run, true);
-  const BandRect* clip = GiveClip(run, true);
+  const DRAWMODE* mode = GiveDrawMode(run);
+  const BandRect* clip = GiveClip(run);
   run.Ready();
   uint32_t expected = 0;
   if (run.model() != nullptr) expected = run.model()->SetDIBitsToDevice(x, y, start, scans, clip, mode, bits, info);
@@ -284,12 +258,7 @@ void ImageCall(RandomCase& run) {
 void TagOnePixel(RandomCase& run) {
   run.BeginCall("QNVStretchDIBits");
   const BandRect band = run.CallerBand();
-  BITMAPINFOHEADER header{};
-  header.biSize = 40;
-  header.biWidth = 1;
-  header.biHeight = 1;
-  header.biPlanes = 1;
-  header.biBitCount = 24;
+  const BITMAPINFOHEADER header{40, 1, 1, 1, 24, BI_RGB, 0, 0, 0, 0, 0};
   reference::ImageArgs args{};
   args.dstX = band.left;
   args.dstY = band.top;

@@ -1,8 +1,7 @@
+// Span lists of every style.
 #include <algorithm>
-#include <cstring>
 
 #include "random/calls.h"
-#include "random/random_records.h"
 
 namespace qnv::test {
 namespace {
@@ -18,11 +17,20 @@ class SpanListWriter {
   void Write(uint32_t style) {
     switch (style) {
       case 4:
-      case 104: OneRow(); break;
+      case 104:
+        SetCount(tame_ ? 2 : 0, 8);
+        Word(static_cast<int>(random_.Word()));
+        Word(Y());
+        for (uint32_t i = 1; i < count_; ++i) Span();
+        break;
       case 5:
       case 105: Banded(); break;
       case 205: RowRecords(); break;
-      case 305: RowSpans(); break;
+      case 305:
+        SetCount(0, 20);
+        Word(Y());
+        for (uint32_t i = 0; i < count_; ++i) Span();
+        break;
       case 405: Deltas(false); break;
       case 505: Deltas(true); break;
       default:
@@ -33,6 +41,7 @@ class SpanListWriter {
   }
 
  private:
+  void SetCount(int low, int high) { count_ = static_cast<uint32_t>(random_.Range(low, high)); }
   void Word(int value) { words_.push_back(static_cast<int16_t>(value)); }
   int X() { return random_.Range(band_.left - 15, band_.right + 15); }
   int Y() {
@@ -43,13 +52,6 @@ class SpanListWriter {
     const int left = X();
     Word(left);
     Word(random_.Percent(tame_ ? 90 : 60) ? left + random_.Range(0, 40) : X());
-  }
-
-  void OneRow() {
-    count_ = static_cast<uint32_t>(random_.Range(tame_ ? 2 : 0, 8));
-    Word(static_cast<int>(random_.Word()));
-    Word(Y());
-    for (uint32_t i = 1; i < count_; ++i) Span();
   }
 
   // A count of x values; now and then odd, or more than the working memory first has room for.
@@ -64,7 +66,7 @@ class SpanListWriter {
   }
 
   void Banded() {
-    count_ = static_cast<uint32_t>(random_.Range(tame_ ? 1 : 0, 4));
+    SetCount(tame_ ? 1 : 0, 4);
     for (uint32_t i = 0; i < count_; ++i) {
       const int values = Values();
       const int top = Y();
@@ -77,7 +79,7 @@ class SpanListWriter {
   }
 
   void RowRecords() {
-    count_ = static_cast<uint32_t>(random_.Range(0, 12));
+    SetCount(0, 12);
     Word(Y());
     for (uint32_t i = 0; i < count_; ++i) {
       const int values = Values();
@@ -88,24 +90,19 @@ class SpanListWriter {
     Word(X());
   }
 
-  void RowSpans() {
-    count_ = static_cast<uint32_t>(random_.Range(0, 20));
-    Word(Y());
-    for (uint32_t i = 0; i < count_; ++i) Span();
-  }
-
   void Deltas(bool nibbles) {
-    count_ = static_cast<uint32_t>(random_.Range(0, 24));
+    SetCount(0, 24);
     Word(Y());
     Span();
-    std::vector<uint8_t> bytes(count_ == 0 ? 0 : (count_ - 1) * (nibbles ? 1u : 2u));
-    for (uint8_t& byte : bytes) {
-      byte = static_cast<uint8_t>(nibbles || random_.Percent(20) ? random_.Range(0, 255) : random_.Range(-6, 6));
+    const uint32_t bytes = count_ == 0 ? 0 : (count_ - 1) * (nibbles ? 1u : 2u);
+    uint32_t word = 0;
+    for (uint32_t i = 0; i < bytes; ++i) {
+      const bool any = nibbles || random_.Percent(20);
+      const uint32_t byte = static_cast<uint8_t>(any ? random_.Range(0, 255) : random_.Range(-6, 6));
+      word = i % 2 == 0 ? byte : word | byte << 8;
+      if (i % 2 != 0) Word(static_cast<int>(word));
     }
-    if (bytes.size() % 2 != 0) bytes.push_back(random_.Byte());
-    const std::size_t at = words_.size();
-    words_.resize(at + bytes.size() / 2);
-    if (!bytes.empty()) std::memcpy(words_.data() + at, bytes.data(), bytes.size());
+    if (bytes % 2 != 0) Word(static_cast<int>(word | uint32_t{random_.Byte()} << 8));
   }
 
   Numbers& random_;
@@ -132,21 +129,13 @@ void OutputCall(RandomCase& run) {
   if (random.Percent(10)) args.style |= random.Word() & 0xFFFF0000;
   if (random.Percent(10)) args.count |= random.Word() & 0xFFFF0000;
   run.Say("  style %u (0x%08X), count %u (0x%08X)\n", style, args.style, list.count(), args.count);
-  if (run.verbose()) {
-    run.Say("  points");
-    for (const int16_t word : list.words()) run.Say(" %d", word);
-    run.Say("\n");
-  }
-  if (run.tame() || random.Percent(96)) {
-    const uint8_t* bytes = reinterpret_cast<const uint8_t*>(list.words().data());
-    args.points = reinterpret_cast<const int16_t*>(run.GiveBytes({bytes, bytes + 2 * list.words().size()}));
-  } else {
-    run.Say("  points null\n");
-  }
+  const uint8_t* bytes = reinterpret_cast<const uint8_t*>(list.words().data());
+  args.points =
+      reinterpret_cast<const int16_t*>(run.GiveMostly(96, "points", {bytes, bytes + 2 * list.words().size()}));
   args.pen = GivePen(run);
   args.brush = random.Percent(args.pen != nullptr ? 70 : 10) ? nullptr : GiveBrush(run);
-  args.drawMode = GiveDrawMode(run, true);
-  args.clip = GiveClip(run, true);
+  args.drawMode = GiveDrawMode(run);
+  args.clip = GiveClip(run);
   run.Ready();
   const uint32_t expected = run.model() != nullptr ? run.model()->Output(args) : 0;
   const uint32_t got =

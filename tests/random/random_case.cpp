@@ -1,3 +1,4 @@
+// The making of a case, and the comparison after each of its calls.
 #include "random/random_case.h"
 
 #include <algorithm>
@@ -44,10 +45,11 @@ RandomCase::RandomCase(Numbers& random, CallMemory& memory, bool verbose, CaseTo
   const bool nullBand = random_.Percent(1);
   const auto place = [&](PlaneMemory& plane, std::size_t size) {
     uint8_t* at = plane.Place(size, random_.Percent(50) ? 0 : static_cast<std::size_t>(random_.Range(1, 15)));
-    switch (random_.Range(0, 2)) {
-      case 0: std::memset(at, 0xCC, size); break;
-      case 1: std::memset(at, 0x33, size); break;
-      default: random_.Fill(at, size); break;
+    const int content = random_.Range(0, 2);
+    if (content == 2) {
+      random_.Fill(at, size);
+    } else {
+      std::memset(at, content == 0 ? 0xCC : 0x33, size);
     }
     return at;
   };
@@ -56,7 +58,7 @@ RandomCase::RandomCase(Numbers& random, CallMemory& memory, bool verbose, CaseTo
     tags_ = place(memory_.tags, tagSize_);
     if (random_.Percent(70)) std::memset(tags_, 1, tagSize_);
   }
-  bandRect_ = RandomBand(true);
+  bandRect_ = RandomBand();
   handle_ = QNVEnable(&description_, &bandRect_, band_, tags_);
   if (handle_ == nullptr) {
     Fail("QNVEnable refused the device");
@@ -99,20 +101,16 @@ void RandomCase::MakeDescription() {
   description_.resolutionB = random_.Pick(kPlainResolutions);
   description_.width = static_cast<uint32_t>(random_.Percent(90) ? random_.Range(1, 70) : random_.Range(1, 4));
   description_.height = static_cast<uint32_t>(random_.Percent(85) ? random_.Range(4, 14) : random_.Range(1, 3));
-  switch (class_) {
-    case DeviceClass::kPlain8: description_.bitsPerPixel = 8; break;
-    case DeviceClass::kScaled: {
-      const Resolutions pair = random_.Pick(kResolutions);
-      description_.kind = QNV_KIND_SCALED;
-      description_.resolutionA = pair.a;
-      description_.resolutionB = pair.b;
-      description_.bitsPerPixel = random_.Percent(55) ? 24 : random_.Percent(90) ? 0 : 8;
-      description_.width = static_cast<uint32_t>(random_.Range(1, 40));
-      description_.height = static_cast<uint32_t>(random_.Percent(85) ? random_.Range(4, 10) : random_.Range(1, 3));
-      break;
-    }
-    case DeviceClass::kDualPlaneOtherDepth: description_.bitsPerPixel = random_.Percent(50) ? 8 : 16; break;
-    default: break;
+  if (class_ == DeviceClass::kPlain8) description_.bitsPerPixel = 8;
+  if (class_ == DeviceClass::kDualPlaneOtherDepth) description_.bitsPerPixel = random_.Percent(50) ? 8 : 16;
+  if (class_ == DeviceClass::kScaled) {
+    const Resolutions pair = random_.Pick(kResolutions);
+    description_.kind = QNV_KIND_SCALED;
+    description_.resolutionA = pair.a;
+    description_.resolutionB = pair.b;
+    description_.bitsPerPixel = random_.Percent(55) ? 24 : random_.Percent(90) ? 0 : 8;
+    description_.width = static_cast<uint32_t>(random_.Range(1, 40));
+    description_.height = static_cast<uint32_t>(random_.Percent(85) ? random_.Range(4, 10) : random_.Range(1, 3));
   }
   // Rows of images and transfers go through the library in pieces: some bands are wide enough for several of them.
   wide_ = random_.Percent(4);
@@ -127,29 +125,17 @@ int RandomCase::MaxWidth(int usual) const {
   return wide_ ? std::clamp(band.right - band.left + 20, usual, kMaxColumns + 20) : usual;
 }
 
-BandRect RandomCase::RandomBand(bool move) {
-  BandRect rect = bandRect_;
-  if (move) {
-    switch (random_.Range(0, 5)) {
-      case 0:
-      case 1:
-        rect.left = 0;
-        rect.top = 0;
-        break;
-      case 2:
-      case 3:
-        rect.left = random_.Range(-40, 40);
-        rect.top = random_.Range(-40, 40);
-        break;
-      case 4:
-        rect.left = 0;
-        rect.top = random_.Range(0, 3000);
-        break;
-      default:
-        rect.left = random_.Range(0, 3000);
-        rect.top = random_.Range(0, 3000);
-        break;
-    }
+BandRect RandomCase::RandomBand() {
+  BandRect rect;
+  const int place = random_.Range(0, 5);
+  if (place < 2) {
+    rect.left = rect.top = 0;
+  } else if (place < 4) {
+    rect.left = random_.Range(-40, 40);
+    rect.top = random_.Range(-40, 40);
+  } else {
+    rect.left = place == 4 ? 0 : random_.Range(0, 3000);
+    rect.top = random_.Range(0, 3000);
   }
   rect.right = rect.left + static_cast<int32_t>(description_.width);
   rect.bottom = rect.top + static_cast<int32_t>(description_.height);
@@ -183,6 +169,13 @@ uint8_t* RandomCase::GiveBytes(const std::vector<uint8_t>& bytes) {
   uint8_t* to = memory_.inputs.Take(bytes.size());
   if (!bytes.empty()) std::memcpy(to, bytes.data(), bytes.size());
   return to;
+}
+
+uint8_t* RandomCase::GiveMostly(int percent, const char* name, const std::vector<uint8_t>& bytes) {
+  SayBytes(name, bytes);
+  if (tame_ || random_.Percent(percent)) return GiveBytes(bytes);
+  Say("  %s null\n", name);
+  return nullptr;
 }
 
 void RandomCase::Control(uint32_t code, const DrawingOrigin* origin, const BandRect* rect) {
@@ -227,14 +220,11 @@ void RandomCase::Check(uint32_t expected, uint32_t got, uint32_t mask) {
 void RandomCase::ComparePlane(const char* name, const uint8_t* got, const reference::Plane& expected) {
   const std::vector<uint8_t>& bytes = expected.bytes();
   if (std::memcmp(got, bytes.data(), bytes.size()) == 0) return;
+  const auto differs = [&](std::size_t i) { return got[i] != bytes[i]; };
   std::size_t at = 0;
+  while (!differs(at)) ++at;
   std::size_t differing = 0;
-  for (std::size_t i = bytes.size(); i-- > 0;) {
-    if (got[i] != bytes[i]) {
-      at = i;
-      ++differing;
-    }
-  }
+  for (std::size_t i = at; i < bytes.size(); ++i) differing += differs(i) ? 1u : 0u;
   const std::size_t inRow = at % expected.stride();
   const std::size_t pixelBytes = static_cast<std::size_t>(expected.bytesPerPixel());
   Fail(
@@ -261,10 +251,10 @@ void RandomCase::SayRect(const char* name, const BandRect* rect) {
   }
 }
 
-void RandomCase::SayBytes(const char* name, const uint8_t* bytes, std::size_t count) {
+void RandomCase::SayBytes(const char* name, const std::vector<uint8_t>& bytes) {
   if (!verbose_) return;
-  Say("%s (%u bytes)", name, static_cast<unsigned>(count));
-  for (std::size_t i = 0; i < count; ++i) Say("%s%02X", i % 32 == 0 ? "\n    " : " ", bytes[i]);
+  Say("  %s (%u bytes)", name, static_cast<unsigned>(bytes.size()));
+  for (std::size_t i = 0; i < bytes.size(); ++i) Say("%s%02X", i % 32 == 0 ? "\n    " : " ", bytes[i]);
   Say("\n");
 }
 

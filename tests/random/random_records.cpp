@@ -1,7 +1,5 @@
-#include "random/random_records.h"
-
-#include <cstring>
-
+// The host records that most calls share.
+#include "random/calls.h"
 namespace qnv::test {
 namespace {
 
@@ -12,43 +10,16 @@ constexpr uint8_t kSomeRows[][8] = {
     {0x13, 0x58, 0xC2, 0x0F, 0x91, 0x6E, 0x34, 0xA7},
 };
 
-void SetScale(Numbers& random, PhysicalBrush* brush) {
-  const int pick = random.Range(0, 99);
-  const auto factor = [&] {
-    return static_cast<uint8_t>(pick < 50 ? 1 : pick < 75 ? 2 : pick < 85 ? random.Range(3, 9) : random.Range(0, 3));
-  };
-  brush->hatchScale[0] = factor();
-  brush->hatchScale[1] = pick < 85 ? brush->hatchScale[0] : factor();
-}
-
-}  // namespace
-
-uint32_t RandomColor(Numbers& random) {
-  const int pick = random.Range(0, 99);
-  uint32_t color;
-  if (pick < 15) {
-    color = 0x00FFFFFF;
-  } else if (pick < 30) {
-    color = 0;
-  } else if (pick < 40) {
-    constexpr uint32_t kPrimaries[] = {0x0000FF, 0x00FF00, 0xFF0000, 0xFFFF00, 0x00FFFF, 0xFEFFFF};
-    color = random.Pick(kPrimaries);
-  } else if (pick < 55) {
-    color = static_cast<uint32_t>(random.Range(0, 255)) * 0x010101u;
-  } else {
-    color = random.Word() & 0x00FFFFFF;
-  }
-  // The top byte tells some colors apart that paint the same.
-  if (random.Percent(pick < 30 ? 10 : 3)) color |= random.Word() & 0xFF000000;
-  return color;
-}
-
 PhysicalBrush RandomBrush(Numbers& random) {
-  PhysicalBrush brush;
-  std::memset(&brush, 0, sizeof brush);
+  PhysicalBrush brush{};
   brush.hatch = static_cast<uint16_t>(random.Range(0, 5));
   brush.colour = RandomColor(random);
-  SetScale(random, &brush);
+  const int scale = random.Range(0, 99);
+  const auto factor = [&] {
+    return static_cast<uint8_t>(scale < 50 ? 1 : scale < 75 ? 2 : scale < 85 ? random.Range(3, 9) : random.Range(0, 3));
+  };
+  brush.hatchScale[0] = factor();
+  brush.hatchScale[1] = scale < 85 ? brush.hatchScale[0] : factor();
   const int pick = random.Range(0, 99);
   if (pick < 38) {
     brush.style = BS_SOLID;
@@ -80,14 +51,28 @@ PhysicalBrush RandomBrush(Numbers& random) {
   return brush;
 }
 
+}  // namespace
+
+uint32_t RandomColor(Numbers& random) {
+  constexpr uint32_t kPrimaries[] = {0x0000FF, 0x00FF00, 0xFF0000, 0xFFFF00, 0x00FFFF, 0xFEFFFF};
+  const int pick = random.Range(0, 99);
+  uint32_t color = pick < 15   ? 0x00FFFFFF
+                   : pick < 30 ? 0
+                   : pick < 40 ? random.Pick(kPrimaries)
+                   : pick < 55 ? static_cast<uint32_t>(random.Range(0, 255)) * 0x010101u
+                               : random.Word() & 0x00FFFFFF;
+  // The top byte tells some colors apart that paint the same.
+  if (random.Percent(pick < 30 ? 10 : 3)) color |= random.Word() & 0xFF000000;
+  return color;
+}
+
 DRAWMODE* GiveDrawMode(RandomCase& run, bool mayBeNull) {
   Numbers& random = run.random();
   if (mayBeNull && random.Percent(run.tame() ? 2 : 22)) {
     run.Say("  draw mode null\n");
     return nullptr;
   }
-  DRAWMODE mode;
-  std::memset(&mode, 0, sizeof mode);
+  DRAWMODE mode{};
   mode.Rop2 = static_cast<int16_t>(random.Percent(25)   ? R2_COPYPEN
                                    : random.Percent(96) ? random.Range(1, 16)
                                                         : random.Range(-32768, 32767));
@@ -133,10 +118,9 @@ PhysicalPen* GivePen(RandomCase& run) {
     run.Say("  pen null\n");
     return nullptr;
   }
-  const PhysicalPen pen{static_cast<uint16_t>(run.random().Percent(76)   ? PS_SOLID
-                                              : run.random().Percent(80) ? PS_NULL
-                                                                         : run.random().Range(1, 9)),
-                        1, 1, RandomColor(run.random())};
+  Numbers& random = run.random();
+  const int style = random.Percent(76) ? PS_SOLID : random.Percent(80) ? PS_NULL : random.Range(1, 9);
+  const PhysicalPen pen{static_cast<uint16_t>(style), 1, 1, RandomColor(random)};
   run.Say("  pen style %u, color 0x%08X\n", pen.style, pen.colour);
   return run.Give(pen);
 }
@@ -152,7 +136,7 @@ BandRect RectNearBand(RandomCase& run) {
   return rect;
 }
 
-BandRect* GiveClip(RandomCase& run, bool mayBeNull) {
+BandRect* GiveClip(RandomCase& run) {
   Numbers& random = run.random();
   const int pick = random.Range(0, 99);
   const BandRect band = run.CallerBand();
@@ -164,7 +148,7 @@ BandRect* GiveClip(RandomCase& run, bool mayBeNull) {
     run.SayRect("  clip", &clip);
     return run.Give(clip);
   }
-  if (mayBeNull && pick < 3) {
+  if (pick < 3) {
     run.SayRect("  clip", nullptr);
     return nullptr;
   }

@@ -45,10 +45,6 @@ const Family& FamilyOf(uint64_t number) {
   return kFamilies[0];
 }
 
-void Sequence(RandomCase& run) {
-  for (int calls = run.random().Range(1, 12); calls > 0 && !run.failed(); --calls) AnyCall(run);
-}
-
 struct Options {
   uint64_t from = 0;
   uint64_t to = 100000;
@@ -65,7 +61,7 @@ std::string RunCase(uint64_t number, CallMemory& memory, bool verbose, CaseTotal
   const Family& family = FamilyOf(number);
   if (run.deviceClass() == DeviceClass::kDualPlane && run.random().Percent(75)) TagOnePixel(run);
   if (family.call == nullptr) {
-    Sequence(run);
+    for (int calls = run.random().Range(1, 12); calls > 0 && !run.failed(); --calls) AnyCall(run);
   } else {
     if (run.random().Percent(10)) StateCall(run);
     family.call(run);
@@ -91,7 +87,7 @@ void WatchForCrashes() {
 }
 
 bool ReadNumber(const char* text, uint64_t* value) {
-  if (text == nullptr || *text < '0' || *text > '9') return false;
+  if (*text < '0' || *text > '9') return false;
   char* end = nullptr;
   *value = std::strtoull(text, &end, 10);
   return *end == '\0';
@@ -109,28 +105,29 @@ int Usage() {
 }
 
 bool ParseOptions(int count, char** arguments, Options* options) {
+  if (count % 2 == 0) return false;  // every option has a value
   for (int i = 1; i < count; i += 2) {
-    const char* value = i + 1 < count ? arguments[i + 1] : nullptr;
-    const char* name = arguments[i];
-    if (std::strcmp(name, "--cases") == 0 || std::strcmp(name, "--to") == 0) {
-      if (!ReadNumber(value, &options->to)) return false;
-    } else if (std::strcmp(name, "--from") == 0) {
-      if (!ReadNumber(value, &options->from)) return false;
-    } else if (std::strcmp(name, "--case") == 0) {
-      if (!ReadNumber(value, &options->from)) return false;
+    const std::string name = arguments[i];
+    const char* value = arguments[i + 1];
+    bool understood = true;
+    if (name == "--cases" || name == "--to") {
+      understood = ReadNumber(value, &options->to);
+    } else if (name == "--from") {
+      understood = ReadNumber(value, &options->from);
+    } else if (name == "--case") {
+      understood = ReadNumber(value, &options->from);
       options->to = options->from + 1;
       options->one = true;
-    } else if (std::strcmp(name, "--family") == 0) {
-      bool known = false;
-      for (const Family& family : kFamilies)
-        known = known || (value != nullptr && std::strcmp(family.name, value) == 0);
-      if (!known) return false;
+    } else if (name == "--family") {
+      understood = std::any_of(std::begin(kFamilies), std::end(kFamilies),
+                               [&](const Family& family) { return std::strcmp(family.name, value) == 0; });
       options->family = value;
-    } else if (std::strcmp(name, "--files") == 0 && value != nullptr) {
+    } else if (name == "--files") {
       options->files = value;
     } else {
       return false;
     }
+    if (!understood) return false;
   }
   return true;
 }
@@ -182,9 +179,7 @@ void RunNumbers(const Options& options, CallMemory& memory, Cases& cases) {
 
 void RunFile(const std::filesystem::path& path, bool verbose, CallMemory& memory, Cases& cases) {
   std::ifstream file(path, std::ios::binary);
-  std::vector<char> text;
-  if (file) text.assign(std::istreambuf_iterator<char>(file), {});
-  const std::vector<uint8_t> bytes(text.begin(), text.end());
+  const std::vector<uint8_t> bytes{std::istreambuf_iterator<char>(file), {}};
   const bool readable = !file.bad() && file.is_open();
   g_running = path.string();
   cases.Add(g_running, verbose, [&](bool say, CaseTotals& totals) {

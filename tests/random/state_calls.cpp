@@ -1,5 +1,5 @@
+// Calls that change or ask for state.
 #include "random/calls.h"
-#include "random/random_records.h"
 
 namespace qnv::test {
 namespace {
@@ -8,25 +8,20 @@ void EscapeCall(RandomCase& run, const BandRect& moved) {
   Numbers& random = run.random();
   // Only the low half of the code counts.
   const uint32_t high = random.Percent(10) ? random.Word() & 0xFFFF0000 : 0;
-  switch (random.Range(0, 9)) {
-    case 0:
-    case 1:
-    case 2: {
-      const DrawingOrigin origin{random.Percent(30) ? 0 : random.Range(-40, 40),
-                                 random.Percent(30) ? 0 : random.Range(-40, 40)};
-      run.Control(QNV_SET_ORIGIN | high, &origin, nullptr);
-      break;
-    }
-    case 3:
-    case 4:
-    case 5: run.Control(QNV_SET_BAND_RECT | high, nullptr, &moved); break;
-    case 6:
-    case 7:
-      // A clear counts three bytes a pixel, more than this device's band has.
-      if (run.deviceClass() != DeviceClass::kDualPlaneOtherDepth) run.Control(QNV_CLEAR_BAND | high, nullptr, nullptr);
-      break;
-    case 8: run.Control(random.Percent(50) ? 0x2003 : random.Word() & 0x1FFF, nullptr, nullptr); break;
-    default: run.Control(random.Percent(50) ? QNV_SET_ORIGIN : QNV_SET_BAND_RECT, nullptr, nullptr); break;
+  const int pick = random.Range(0, 9);
+  if (pick < 3) {
+    const DrawingOrigin origin{random.Percent(30) ? 0 : random.Range(-40, 40),
+                               random.Percent(30) ? 0 : random.Range(-40, 40)};
+    run.Control(QNV_SET_ORIGIN | high, &origin, nullptr);
+  } else if (pick < 6) {
+    run.Control(QNV_SET_BAND_RECT | high, nullptr, &moved);
+  } else if (pick < 8) {
+    // A clear counts three bytes a pixel, more than this device's band has.
+    if (run.deviceClass() != DeviceClass::kDualPlaneOtherDepth) run.Control(QNV_CLEAR_BAND | high, nullptr, nullptr);
+  } else if (pick == 8) {
+    run.Control(random.Percent(50) ? 0x2003 : random.Word() & 0x1FFF, nullptr, nullptr);
+  } else {
+    run.Control(random.Percent(50) ? QNV_SET_ORIGIN : QNV_SET_BAND_RECT, nullptr, nullptr);
   }
 }
 
@@ -64,6 +59,18 @@ void SizeCall(RandomCase& run) {
   run.Check(expected, QNVGetDeviceInfo(given, size));
 }
 
+// Realises into `output`, whose record before the call is `before`; null output asks for the size.
+template <class Object>
+void Realize(RandomCase& run, uint32_t kind, const void* input, Object* output, const Object& before) {
+  run.Ready();
+  Object expected = before;
+  uint32_t result = 0;
+  if (run.model() != nullptr) result = run.model()->RealizeObject(kind, input, output != nullptr ? &expected : nullptr);
+  const uint32_t got = QNVRealizeObject(run.handle(), kind, input, output, nullptr);
+  if (output != nullptr) run.Expect(output, run.model() != nullptr ? expected : *output);
+  run.Check(result, got);
+}
+
 void PenCall(RandomCase& run) {
   Numbers& random = run.random();
   run.BeginCall("QNVRealizeObject");
@@ -71,15 +78,9 @@ void PenCall(RandomCase& run) {
                        static_cast<int16_t>(random.Word()), RandomColor(random)};
   run.Say("  pen style %u, color 0x%08X\n", pen.style, pen.colour);
   const LogicalPen* input = random.Percent(95) ? run.Give(pen) : nullptr;
-  PhysicalPen* output = random.Percent(90) ? run.Give(PhysicalPen{9, 9, 9, 0x99999999}) : nullptr;
-  run.Ready();
-  const uint32_t kind = random.Percent(10) ? OBJ_PEN | 0x50000u : OBJ_PEN;
-  PhysicalPen expected{9, 9, 9, 0x99999999};
-  uint32_t result = 0;
-  if (run.model() != nullptr) result = run.model()->RealizeObject(kind, input, output != nullptr ? &expected : nullptr);
-  const uint32_t got = QNVRealizeObject(run.handle(), kind, input, output, nullptr);
-  if (output != nullptr) run.Expect(output, run.model() != nullptr ? expected : *output);
-  run.Check(result, got);
+  const PhysicalPen before{9, 9, 9, 0x99999999};
+  PhysicalPen* output = random.Percent(90) ? run.Give(before) : nullptr;
+  Realize(run, random.Percent(10) ? OBJ_PEN | 0x50000u : OBJ_PEN, input, output, before);
 }
 
 void BrushCall(RandomCase& run) {
@@ -104,21 +105,16 @@ void BrushCall(RandomCase& run) {
             brush.colour == 0          ? "bitmap null"
             : bitmap.bmBits == nullptr ? "bits null"
                                        : "with bits");
-    run.SayBytes("  bits", bits.data(), bits.size());
+    run.SayBytes("bits", bits);
   }
   run.Say("  brush style %u, color 0x%08X, hatch %d, background 0x%08X\n", brush.style,
           static_cast<uint32_t>(brush.colour), brush.hatch, brush.background);
   const LogicalBrush* input = random.Percent(96) ? run.Give(brush) : nullptr;
-  PhysicalBrush expected;
-  random.Fill(reinterpret_cast<uint8_t*>(&expected), sizeof expected);
-  PhysicalBrush* output = random.Percent(92) ? run.Give(expected) : nullptr;
+  PhysicalBrush before;
+  random.Fill(reinterpret_cast<uint8_t*>(&before), sizeof before);
+  PhysicalBrush* output = random.Percent(92) ? run.Give(before) : nullptr;
   const uint32_t kind = random.Percent(95) ? OBJ_BRUSH : static_cast<uint32_t>(random.Range(2, 70000));
-  run.Ready();
-  uint32_t result = 0;
-  if (run.model() != nullptr) result = run.model()->RealizeObject(kind, input, output != nullptr ? &expected : nullptr);
-  const uint32_t got = QNVRealizeObject(run.handle(), kind, input, output, nullptr);
-  if (output != nullptr) run.Expect(output, run.model() != nullptr ? expected : *output);
-  run.Check(result, got);
+  Realize(run, kind, input, output, before);
 }
 
 // Another device beside this one: is it made or refused?
@@ -187,19 +183,14 @@ void BadHandleCall(RandomCase& run) {
 
 void StateCall(RandomCase& run) {
   switch (run.random().Range(0, 11)) {
-    case 0: ColorCall(run); break;
-    case 10: EnableCall(run); break;
-    case 11: BadHandleCall(run); break;
-    case 1: SizeCall(run); break;
-    case 2: PenCall(run); break;
+    case 0: return ColorCall(run);
+    case 1: return SizeCall(run);
+    case 2: return PenCall(run);
     case 3:
-    case 4: BrushCall(run); break;
-    case 5:
-    case 6:
-    case 7:
-    case 8:
-    case 9: EscapeCall(run, run.RandomBand(true)); break;
-    default: break;
+    case 4: return BrushCall(run);
+    case 10: return EnableCall(run);
+    case 11: return BadHandleCall(run);
+    default: return EscapeCall(run, run.RandomBand());
   }
 }
 

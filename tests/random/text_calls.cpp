@@ -1,8 +1,8 @@
+// Text in fonts made up for one call.
 #include <algorithm>
 #include <cstring>
 
 #include "random/calls.h"
-#include "random/random_records.h"
 
 namespace qnv::test {
 namespace {
@@ -106,14 +106,9 @@ void DrawText(RandomCase& run) {
   run.Say("  font type 0x%X, %d x %d, pitch 0x%X, first %u, last %u, default %u, break %u\n", font.info.dfType,
           font.info.dfPixWidth, font.info.dfPixHeight, font.info.dfPitchAndFamily, font.info.dfFirstChar,
           font.info.dfLastChar, font.info.dfDefaultChar, font.info.dfBreakChar);
-  run.SayBytes("  font", font.bytes.data(), font.bytes.size());
-  args.fontBase = run.tame() || random.Percent(97) ? run.GiveBytes(font.bytes) : nullptr;
-  if (args.fontBase == nullptr) run.Say("  font null\n");
-
+  args.fontBase = run.GiveMostly(97, "font", font.bytes);
   const std::vector<uint8_t> string = MakeString(random, font, characters);
-  run.SayBytes("  string", string.data(), string.size());
-  args.string = run.tame() || random.Percent(96) ? run.GiveBytes(string) : nullptr;
-  if (args.string == nullptr) run.Say("  string null\n");
+  args.string = run.GiveMostly(96, "string", string);
   if (random.Percent(35)) {
     std::vector<uint8_t> widths(static_cast<std::size_t>(2 * std::max(characters, 1)));
     for (std::size_t i = 0; i < widths.size(); i += 2) {
@@ -121,14 +116,14 @@ void DrawText(RandomCase& run) {
       Put16(widths, i, static_cast<uint16_t>(width));
     }
     args.charWidths = reinterpret_cast<const int16_t*>(run.GiveBytes(widths));
-    run.SayBytes("  charWidths", widths.data(), widths.size());
+    run.SayBytes("charWidths", widths);
   }
   if (random.Percent(50)) {
     const BandRect opaque = RectNearBand(run);
     run.SayRect("  opaque rectangle", &opaque);
     args.opaqueRect = run.Give(opaque);
   }
-  if (random.Percent(70)) args.clip = GiveClip(run, true);
+  if (random.Percent(70)) args.clip = GiveClip(run);
   DRAWMODE* mode = run.tame() || random.Percent(96) ? GiveDrawMode(run, false) : nullptr;
   if (mode == nullptr) run.Say("  draw mode null\n");
   run.Ready();
@@ -159,13 +154,9 @@ void TextCall(RandomCase& run) {
   }
   // Glyphs end at 32767 at the latest: text on a band that reaches over it.
   const BandRect saved = run.bandRect();
-  BandRect far = saved;
   const int x = run.random().Percent(50) ? saved.left : 32740 - run.random().Range(0, 60);
   const int y = run.random().Percent(50) ? saved.top : 32760 - run.random().Range(0, 16);
-  far.right += x - far.left;
-  far.bottom += y - far.top;
-  far.left = x;
-  far.top = y;
+  const BandRect far{x, y, saved.right + x - saved.left, saved.bottom + y - saved.top};
   run.Control(QNV_SET_BAND_RECT, nullptr, &far);
   DrawText(run);
   run.Control(QNV_SET_BAND_RECT, nullptr, &saved);
