@@ -85,8 +85,7 @@ void BlitCall(RandomCase& run) {
   args.brush = GiveBrush(run);
   args.drawMode = GiveDrawMode(run);
   args.clip = GiveClip(run);
-  run.Ready();
-  const uint32_t expected = run.model() != nullptr ? run.model()->BitBlt(args) : 0;
+  const uint32_t expected = run.OnModel([&](reference::Model& model) { return model.BitBlt(args); });
   const uint32_t got = QNVDevBitBlt(run.handle(), args.destX, args.destY, args.source, args.srcX, args.srcY, args.width,
                                     args.height, args.rop, args.brush, args.drawMode, args.clip);
   run.Check(expected, got, 0xFFFF);
@@ -112,12 +111,9 @@ void PixelCall(RandomCase& run) {
   const DRAWMODE* mode = random.Percent(many ? 3 : 25) ? nullptr : GiveDrawMode(run, false);
   if (mode == nullptr) run.Say("  draw mode null\n");
   const BandRect* clip = GiveClip(run);
-  run.Ready();
-  uint32_t expected = 0;
-  if (run.model() != nullptr) {
-    expected =
-        many ? run.model()->PolyPixel(x, y, x2, y2, color, mode, clip) : run.model()->Pixel(x, y, color, mode, clip);
-  }
+  const uint32_t expected = run.OnModel([&](reference::Model& model) {
+    return many ? model.PolyPixel(x, y, x2, y2, color, mode, clip) : model.Pixel(x, y, color, mode, clip);
+  });
   run.Check(expected, many ? QNVPolyPixel(run.handle(), x, y, x2, y2, color, mode, clip)
                            : QNVPixel(run.handle(), x, y, color, mode, clip));
 }

@@ -192,8 +192,7 @@ void SetExtents(RandomCase& run, const BITMAPINFOHEADER& header, reference::Imag
 }
 
 void RunStretch(RandomCase& run, const reference::ImageArgs& args) {
-  run.Ready();
-  const uint32_t expected = run.model() != nullptr ? run.model()->StretchDIBits(args) : 0;
+  const uint32_t expected = run.OnModel([&](reference::Model& model) { return model.StretchDIBits(args); });
   const uint32_t got = QNVStretchDIBits(run.handle(), args.get, args.dstX, args.dstY, args.dstWidth, args.dstHeight,
                                         args.srcX, args.srcY, args.srcWidth, args.srcHeight, args.bits, args.bitmapInfo,
                                         nullptr, args.rop, args.brush, args.drawMode, args.clip);
@@ -235,9 +234,8 @@ void SetToDeviceCall(RandomCase& run, const RandomDib& dib) {
   const void* info = random.Percent(98) ? run.GiveBytes(dib.info) : nullptr;
   const DRAWMODE* mode = GiveDrawMode(run);
   const BandRect* clip = GiveClip(run);
-  run.Ready();
-  uint32_t expected = 0;
-  if (run.model() != nullptr) expected = run.model()->SetDIBitsToDevice(x, y, start, scans, clip, mode, bits, info);
+  const uint32_t expected = run.OnModel(
+      [&](reference::Model& model) { return model.SetDIBitsToDevice(x, y, start, scans, clip, mode, bits, info); });
   const uint32_t got = QNVDevSetDIBitsToDevice(run.handle(), x, y, start, scans, clip, mode, bits, info, nullptr);
   run.Check(expected, got, 0xFFFF);
 }

@@ -136,8 +136,7 @@ void OutputCall(RandomCase& run) {
   args.brush = random.Percent(args.pen != nullptr ? 70 : 10) ? nullptr : GiveBrush(run);
   args.drawMode = GiveDrawMode(run);
   args.clip = GiveClip(run);
-  run.Ready();
-  const uint32_t expected = run.model() != nullptr ? run.model()->Output(args) : 0;
+  const uint32_t expected = run.OnModel([&](reference::Model& model) { return model.Output(args); });
   const uint32_t got =
       QNVOutput(run.handle(), args.style, args.count, args.points, args.pen, args.brush, args.drawMode, args.clip);
   run.Check(expected, got, 0xFFFF);

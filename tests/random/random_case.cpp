@@ -190,8 +190,7 @@ void RandomCase::Control(uint32_t code, const DrawingOrigin* origin, const BandR
     SayRect("  rect", rect);
     data = Give(*rect);
   }
-  Ready();
-  const uint32_t expected = model_ ? model_->Control(code, data) : 0;
+  const uint32_t expected = OnModel([&](reference::Model& model) { return model.Control(code, data); });
   const uint32_t got = QNVControl(handle_, code, data, nullptr);
   if ((code & 0xFFFF) == QNV_SET_ORIGIN && origin != nullptr) origin_ = *origin;
   if ((code & 0xFFFF) == QNV_SET_BAND_RECT && rect != nullptr) bandRect_ = *rect;

@@ -62,6 +62,11 @@ class RandomCase {
   // Says what the bytes are; null in calls that are not tame, but for this share of them.
   uint8_t* GiveMostly(int percent, const char* name, const std::vector<uint8_t>& bytes);
   void Ready() { memory_.inputs.Snapshot(); }
+  // Ready, and the model's result; 0 where there is no model.
+  uint32_t OnModel(const auto& call) {
+    Ready();
+    return model_ ? call(*model_) : 0;
+  }
   // The record must hold these bytes after the call.
   template <class T>
   void Expect(const T* record, const T& after) {

@@ -1,5 +1,6 @@
 // The host records that most calls share.
 #include "random/calls.h"
+
 namespace qnv::test {
 namespace {
 

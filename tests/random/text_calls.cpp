@@ -126,23 +126,15 @@ void DrawText(RandomCase& run) {
   if (random.Percent(70)) args.clip = GiveClip(run);
   DRAWMODE* mode = run.tame() || random.Percent(96) ? GiveDrawMode(run, false) : nullptr;
   if (mode == nullptr) run.Say("  draw mode null\n");
-  run.Ready();
-
   // The model gets a draw mode of its own: measuring writes into it.
-  DRAWMODE modelMode{};
-  int32_t expected = 0;
-  if (run.model() != nullptr) {
-    if (mode != nullptr) {
-      modelMode = *mode;
-      args.drawMode = &modelMode;
-    }
-    expected = run.model()->ExtTextOut(args);
-    if (mode != nullptr) run.Expect(mode, modelMode);
-  }
+  DRAWMODE after = mode != nullptr ? *mode : DRAWMODE{};
+  args.drawMode = mode != nullptr ? &after : nullptr;
+  const uint32_t expected =
+      run.OnModel([&](reference::Model& model) { return static_cast<uint32_t>(model.ExtTextOut(args)); });
   const int32_t got = QNVDevExtTextOut(run.handle(), args.x, args.y, args.clip, args.string, args.count, args.fontBase,
                                        args.fontOffset, mode, nullptr, args.charWidths, args.opaqueRect, args.options);
-  if (run.model() == nullptr && mode != nullptr) run.Expect(mode, *mode);
-  run.Check(static_cast<uint32_t>(expected), static_cast<uint32_t>(got));
+  if (mode != nullptr) run.Expect(mode, run.model() != nullptr ? after : *mode);
+  run.Check(expected, static_cast<uint32_t>(got));
 }
 
 }  // namespace

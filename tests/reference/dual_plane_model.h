@@ -37,6 +37,7 @@ class DualPlaneModel : public Model {
   bool TagBlt(const BlitArgs& args, bool image);
   // Writes the tag at the pixels of the area, in page coordinates, for which where(x, y) is true.
   void TagWhere(const Rect& area, uint8_t tag, const auto& where);
+  Rect Target(const BlitArgs& args) const;  // the destination, origin added
   void FillTagRect(uint8_t value, int x, int y, int width, int height, const Rect& clip);
   bool TagFromSource(uint8_t tag, const BlitArgs& args, uint32_t skip);
   bool TagFromBrush(const BlitArgs& args, uint32_t skip);

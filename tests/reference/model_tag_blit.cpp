@@ -44,6 +44,11 @@ bool DualPlaneModel::TagBlt(const BlitArgs& args, bool image) {
   return true;
 }
 
+Rect DualPlaneModel::Target(const BlitArgs& args) const {
+  const Rect target{args.destX, args.destY, args.destX + args.width, args.destY + args.height};
+  return Shift(target, tags_.origin());
+}
+
 void DualPlaneModel::TagWhere(const Rect& area, uint8_t tag, const auto& where) {
   const Rect& band = tags_.rect();
   const Rect visible = Intersect(area, band);
@@ -55,15 +60,12 @@ void DualPlaneModel::TagWhere(const Rect& area, uint8_t tag, const auto& where) 
 }
 
 void DualPlaneModel::FillTagRect(uint8_t value, int x, int y, int width, int height, const Rect& clip) {
-  const Point origin = tags_.origin();
-  const int left = Sum(x, origin.x);
-  const int top = Sum(y, origin.y);
-  Rect area{left, top, Sum(left, width), Sum(top, height)};
+  Rect area = Shift({x, y, Sum(x, width), Sum(y, height)}, tags_.origin());
   if (!AllZero(clip)) {
-    Rect shifted = Shift(clip, origin);
-    if (left < 0) shifted.left = Sum(shifted.left, left);
-    if (top < 0) shifted.top = Sum(shifted.top, top);
-    area = Intersect(area, shifted);
+    Rect widened = Shift(clip, tags_.origin());
+    if (area.left < 0) widened.left = Sum(widened.left, area.left);
+    if (area.top < 0) widened.top = Sum(widened.top, area.top);
+    area = Intersect(area, widened);
   }
   TagWhere(area, value, [](int, int) { return true; });
 }
@@ -95,16 +97,15 @@ bool DualPlaneModel::TagFromSource(uint8_t tag, const BlitArgs& args, uint32_t s
   // The source is counted from the corner before clipping; an edge of 0 does not limit.
   const Rect clip = ToRect(*args.clip);
   const Point origin = tags_.origin();
-  const int left = args.destX + origin.x;
-  const int top = args.destY + origin.y;
-  Rect area{left, top, left + args.width, top + args.height};
-  if (clip.left != 0) area.left = std::max(left, clip.left + origin.x);
-  if (clip.top != 0) area.top = std::max(top, clip.top + origin.y);
+  const Rect target = Target(args);
+  Rect area = target;
+  if (clip.left != 0) area.left = std::max(area.left, clip.left + origin.x);
+  if (clip.top != 0) area.top = std::max(area.top, clip.top + origin.y);
   if (clip.right != 0) area.right = std::min(area.right, clip.right + origin.x);
   if (clip.bottom != 0) area.bottom = std::min(area.bottom, clip.bottom + origin.y);
   TagWhere(area, tag, [&](int x, int y) {
-    const int sourceX = args.srcX + x - left;
-    const int sourceY = args.srcY + y - top;
+    const int sourceX = args.srcX + x - target.left;
+    const int sourceY = args.srcY + y - target.top;
     if (!Contains({0, 0, source.bmWidth, source.bmHeight}, sourceX, sourceY)) return false;
     const uint8_t* p = static_cast<const uint8_t*>(source.bmBits) + sourceY * source.bmWidthBytes + 3 * sourceX;
     return (p[0] | uint32_t{p[1]} << 8 | uint32_t{p[2]} << 16) != skip;
@@ -128,18 +129,15 @@ bool DualPlaneModel::TagFromBrush(const BlitArgs& args, uint32_t skip) {
 
   // Where the cells paint, aligned as the color plane aligns its fill.
   FillPattern painting;
+  painting.style = kMasked;
   painting.SetCells(brush, [&](uint32_t cell) -> FillPattern::MaskedColor {
-    return {CellPaints(cell, background, skip) ? 1u : 0u, true};
+    return {0, CellPaints(cell, background, skip)};
   });
   if (!painting.HasCells()) return true;
-  const Point origin = tags_.origin();
-  const Rect clip = Shift(ToRect(*args.clip), origin);
-  const int left = args.destX + origin.x;
-  const int top = args.destY + origin.y;
-  Rect area{left, top, left + args.width, top + args.height};
-  if (!AllZero(clip)) area = Intersect(area, clip);
+  const Rect clip = Shift(ToRect(*args.clip), tags_.origin());
+  const Rect area = AllZero(clip) ? Target(args) : Intersect(Target(args), clip);
   TagWhere(area, QNV_TAG_GRAPHICS,
-           [&](int x, int y) { return painting.Cell(x - tags_.rect().left, y - tags_.rect().top) != 0; });
+           [&](int x, int y) { return painting.Paints(x - tags_.rect().left, y - tags_.rect().top); });
   return true;
 }
 

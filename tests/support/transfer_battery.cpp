@@ -26,32 +26,32 @@ DRAWMODE ExampleMode(int bkMode = OPAQUE) {
   return MakeDrawMode({.bkMode = bkMode, .background = kExampleBackground, .text = kExampleText});
 }
 
-struct NamedBrush {
+struct BrushForm {
   const char* name;
-  PhysicalBrush brush;
+  uint16_t style;
+  uint16_t depth = 0;
+  uint8_t scale = 1;
 };
 
-PhysicalBrush NoiseBrush(uint16_t style, uint16_t depth, uint8_t scale, uint64_t seed) {
+PhysicalBrush NoiseBrush(const BrushForm& form, uint64_t seed) {
   RandomBytes random(seed);
-  PhysicalBrush brush = BrushRecord(style, random.Next() & 0xFFFFFF, scale);
-  brush.patternDepth = depth;
+  PhysicalBrush brush = BrushRecord(form.style, random.Next() & 0xFFFFFF, form.scale);
+  brush.patternDepth = form.depth;
   for (uint32_t& cell : brush.cells) {
     const uint32_t color = random.Next() & 0xFFFFFF;
-    cell = random.Below(2) == 0 ? color | 0xFF000000u : depth == 1 ? 0xFFFFFFu : color;
+    cell = random.Below(2) == 0 ? color | 0xFF000000u : form.depth == 1 ? 0xFFFFFFu : color;
   }
   return brush;
 }
 
-// One of each kind that an index with a pattern tells apart; a single one otherwise.
-std::vector<NamedBrush> BrushesFor(uint32_t rop) {
-  std::vector<NamedBrush> brushes = {{"solid brush", NoiseBrush(BS_SOLID, 0, 1, 1)}};
-  if (!IndexUsesPattern(IndexOf(rop))) return brushes;
-  brushes.push_back({"hatched brush", NoiseBrush(BS_HATCHED, 0, 1, 2)});
-  brushes.push_back({"hatched brush, doubled", NoiseBrush(BS_HATCHED, 0, 2, 3)});
-  brushes.push_back({"pattern brush", NoiseBrush(BS_PATTERN, 24, 1, 4)});
-  brushes.push_back({"one-bit pattern brush", NoiseBrush(BS_PATTERN, 1, 1, 5)});
-  return brushes;
-}
+// The kinds that an index with a pattern tells apart; for the others the first one will do.
+constexpr BrushForm kBrushes[] = {{"solid brush", BS_SOLID},
+                                  {"hatched brush", BS_HATCHED},
+                                  {"hatched brush, doubled", BS_HATCHED, 0, 2},
+                                  {"pattern brush", BS_PATTERN, 24},
+                                  {"one-bit pattern brush", BS_PATTERN, 1}};
+constexpr const BrushForm& kSolid = kBrushes[0];
+constexpr const BrushForm& kPattern = kBrushes[3];
 
 std::vector<SourceForm> SourcesFor(uint32_t rop, uint16_t depth) {
   if (!IndexUsesSource(IndexOf(rop))) return {kOneBitSource};
@@ -72,15 +72,16 @@ void CheckWidthsAndPhases(uint32_t rop, uint16_t depth) {
   TestDevice device({.bitsPerPixel = depth, .width = kMaxWidth + 9, .height = 4});
   for (const SourceForm& form : SourcesFor(rop, depth)) {
     const SourceImage source(form, kMaxWidth + 16, 4, rop + depth, 3);
-    for (const NamedBrush& b : BrushesFor(rop)) {
+    for (std::size_t b = 0; b < (IndexUsesPattern(IndexOf(rop)) ? std::size(kBrushes) : 1); ++b) {
+      const PhysicalBrush brush = NoiseBrush(kBrushes[b], b + 1);
       for (int32_t place = 0; place < 4 * (kMaxWidth + 1); ++place) {
         const int32_t width = place / 4, phase = place % 4;
         const TransferPoint at{(width + phase) % 8, 1}, from{(5 * phase + 3 * width) % 16, 2};
         const DRAWMODE mode = ExampleMode(phase % 2 == 0 ? OPAQUE : TRANSPARENT);
         const TransferCall call{
-            .at = at, .from = from, .size = {width, 2}, .rop = rop, .brush = &b.brush, .drawMode = &mode};
+            .at = at, .from = from, .size = {width, 2}, .rop = rop, .brush = &brush, .drawMode = &mode};
         ASSERT_TRUE(Paints(&device, static_cast<uint64_t>(place), call, &source))
-            << form.name << ", " << b.name << ", width " << width << " at " << at.x << " from " << from.x;
+            << form.name << ", " << kBrushes[b].name << ", width " << width << " at " << at.x << " from " << from.x;
       }
     }
   }
@@ -90,7 +91,7 @@ void CheckWidthsAndPhases(uint32_t rop, uint16_t depth) {
 void CheckLargeArea(uint32_t rop, uint16_t depth) {
   constexpr int32_t kWidth = 3001;
   TestDevice device({.bitsPerPixel = depth, .width = kWidth, .height = 5});
-  const PhysicalBrush brush = NoiseBrush(BS_PATTERN, 24, 2, 77);
+  const PhysicalBrush brush = NoiseBrush({"", BS_PATTERN, 24, 2}, 77);
   const DRAWMODE mode = ExampleMode();
   const TransferCall call{.from = {5, 0}, .size = {kWidth, 5}, .rop = rop, .brush = &brush, .drawMode = &mode};
   for (const SourceForm& form : SourcesFor(rop, depth)) {
@@ -103,7 +104,7 @@ void CheckLargeArea(uint32_t rop, uint16_t depth) {
 void CheckUnreadArguments(uint32_t rop, uint16_t depth) {
   TestDevice device({.bitsPerPixel = depth, .width = 9, .height = 3});
   const DRAWMODE mode = ExampleMode();
-  const PhysicalBrush solid = NoiseBrush(BS_SOLID, 0, 1, 9), hollow = NoiseBrush(BS_HOLLOW, 0, 1, 9);
+  const PhysicalBrush solid = NoiseBrush(kSolid, 9), hollow = NoiseBrush({"", BS_HOLLOW}, 9);
   const SourceImage color(depth == 24 ? kColorSource : kGraySource, 9, 3, 10);
   const SourceImage* source = &color;
   TransferCall call{.at = {2, 1}, .size = {5, 2}, .rop = rop, .brush = &solid, .drawMode = &mode};
@@ -130,7 +131,7 @@ void CheckNullArguments(uint32_t rop, uint16_t depth) {
   TestDevice device({.bitsPerPixel = depth, .width = 9, .height = 3});
   FillWithNoise(&device.band(), 5);
   const DRAWMODE mode = ExampleMode();
-  const PhysicalBrush solid = NoiseBrush(BS_SOLID, 0, 1, 9);
+  const PhysicalBrush solid = NoiseBrush(kSolid, 9);
   const SourceImage oneBit(kOneBitSource, 9, 3, 10);
   const TransferCall whole{.source = oneBit.record(), .size = {9, 3}, .rop = rop, .brush = &solid, .drawMode = &mode};
   const auto paintsNothing = [&](const char* name, auto change) {
@@ -150,7 +151,7 @@ void CheckNullArguments(uint32_t rop, uint16_t depth) {
     paintsNothing("no brush, no draw mode", [](TransferCall& call) { call.brush = nullptr, call.drawMode = nullptr; });
   }
   for (uint16_t style : {uint16_t{BS_HOLLOW}, uint16_t{4}, uint16_t{0xFFFF}}) {
-    const PhysicalBrush brush = NoiseBrush(style, 0, 1, 9);
+    const PhysicalBrush brush = NoiseBrush({"", style}, 9);
     paintsNothing("hollow or unknown brush", [&](TransferCall& call) { call.brush = &brush; });
   }
 }
@@ -160,7 +161,7 @@ void CheckExtentsAndCode(uint32_t rop, uint16_t depth) {
   TestDevice device({.bitsPerPixel = depth, .width = 9, .height = 4});
   FillWithNoise(&device.band(), 6);
   const DRAWMODE mode = ExampleMode();
-  const PhysicalBrush brush = NoiseBrush(BS_PATTERN, 24, 1, 11);
+  const PhysicalBrush brush = NoiseBrush(kPattern, 11);
   const SourceImage source(kOneBitSource, 20, 20, 12);
   TransferCall call{
       .at = {4, 2}, .source = source.record(), .from = {6, 6}, .rop = rop, .brush = &brush, .drawMode = &mode};
