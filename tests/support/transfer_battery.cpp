@@ -115,6 +115,10 @@ void CheckUnreadArguments(uint32_t rop, uint16_t depth) {
     call.source = nullptr;
     EXPECT_TRUE(Paints(&device, 2, call, source)) << "no source";
   }
+  if (TakesSolidFromPattern(rop)) {
+    call.brush = nullptr;
+    EXPECT_TRUE(Paints(&device, 6, call, source)) << "no brush is a black one";
+  }
   if (IndexUsesPattern(IndexOf(rop))) return;
   call.brush = &hollow;
   EXPECT_TRUE(Paints(&device, 3, call, source)) << "hollow brush";
@@ -127,8 +131,9 @@ void CheckUnreadArguments(uint32_t rop, uint16_t depth) {
 }
 
 // Null arguments that it does use: nothing is painted, the result is 1.
-void CheckNullArguments(uint32_t rop, uint16_t depth) {
-  TestDevice device({.bitsPerPixel = depth, .width = 9, .height = 3});
+void CheckNullArguments(uint32_t rop, const DeviceOptions& options) {
+  SCOPED_TRACE(Describe(options));
+  TestDevice device(options);
   FillWithNoise(&device.band(), 5);
   const DRAWMODE mode = ExampleMode();
   const PhysicalBrush solid = NoiseBrush(kSolid, 9);
@@ -206,8 +211,11 @@ void CheckTransferOperation(uint32_t rop) {
     CheckWidthsAndPhases(rop, depth);
     CheckLargeArea(rop, depth);
     CheckUnreadArguments(rop, depth);
-    CheckNullArguments(rop, depth);
     CheckExtentsAndCode(rop, depth);
+  }
+  for (const DeviceOptions& options :
+       DeviceClasses({.width = 9, .height = 3, .resolutionA = 600, .resolutionB = 400})) {
+    CheckNullArguments(rop, options);
   }
 }
 
