@@ -1,9 +1,11 @@
 // Which pixels of the tag plane a transfer marks on the dual-plane device: by the class of its index, its source and
-// its brush. The color plane gets what a plain device would get, or nothing where the tagging is refused.
+// its brush. The color plane gets what a plain device would get, or nothing where the tagging is refused. At the end
+// the same classes as images reach them.
 #include <gtest/gtest.h>
 
 #include <array>
 
+#include "image/dib_builder.h"
 #include "support/random_bytes.h"
 #include "support/tag_plane.h"
 #include "support/tag_rules.h"
@@ -39,6 +41,7 @@ void ExpectTransfer(const TestDevice& device, const TransferCall& call, const So
 constexpr std::array<uint32_t, 7> kSourceColors = {kWhitePaper, kBlackPaper, 0x00FFFFFE, 0x007FFFFF,
                                                    0x00000001,  0x00800000,  0x00402010};
 
+// The class is that of bits 16..23 alone.
 TEST(BitBltDualPlane, EveryIndexWithAColorSourceAndASolidBrush) {
   constexpr int32_t kWidth = kSourceColors.size();
   SourceImage source(kColorSource, kWidth, 1, 1);
@@ -50,28 +53,18 @@ TEST(BitBltDualPlane, EveryIndexWithAColorSourceAndASolidBrush) {
   const DRAWMODE mode = TwoColors();
   for (uint32_t brushColor : {kWhitePaper, kBlackPaper, kRedInk, 0x00FFFFFEu, 0x01FFFFFFu, 0x01000000u}) {
     const PhysicalBrush brush = BrushRecord(BS_SOLID, brushColor);
-    for (uint32_t index = 0; index < 256; ++index) {
-      SCOPED_TRACE(Text("index ", index, ", brush ", brushColor));
+    for (uint32_t code = 0; code < 512; ++code) {
+      const uint32_t index = code & 0xFF;
+      SCOPED_TRACE(Text("code ", code, ", brush ", brushColor));
       DualPlaneDevice device({.width = 13, .height = 3});
       MakeTagsMixed(&device, index);
-      const TransferCall call{
-          .at = {4, 1}, .size = {kWidth, 1}, .rop = index << 16, .brush = &brush, .drawMode = &mode};
+      const TransferCall call{.at = {4, 1}, .size = {kWidth, 1}, .rop = code << 16, .brush = &brush, .drawMode = &mode};
       ExpectTransfer(device, call, &source, {4, 1, 4 + kWidth, 2}, {}, [&](int32_t column, int32_t) {
         return TransferMarks(index, kSourceColors[static_cast<std::size_t>(column - 4)], brushColor);
       });
       if (HasFatalFailure()) return;
     }
   }
-}
-
-// The class is that of bits 16..23 alone.
-TEST(BitBltDualPlane, UpperByteOfTheCodeDoesNotCount) {
-  DualPlaneDevice device({.width = 8, .height = 1});
-  MixTags(&device);
-  const DRAWMODE mode = TwoColors();
-  const PhysicalBrush brush = BrushRecord(BS_SOLID, kRedInk);
-  EXPECT_EQ(1u, Transfer(device.handle(), {.size = {8, 1}, .rop = 0x01550009, .brush = &brush, .drawMode = &mode}));
-  EXPECT_TRUE(TagsMarked(device, ""));
 }
 
 // A one-bit source paints where the color that its bit stands for is not the paper's. Colors are compared whole: a top
@@ -104,42 +97,38 @@ TEST(BitBltDualPlane, EveryIndexWithAOneBitSource) {
 
 // A hatch's lines paint by their color, its gaps by the background color, which is compared whole and settles them in
 // transparent mode too. Of a one-bit pattern the marked cells count as black, whatever the text color, the others as
-// the background color.
-TEST(BitBltDualPlane, HatchedAndOneBitPatternBrushes) {
-  struct Colors {
-    uint32_t background;
-    uint32_t foreground;  // color of the marked cells
-  };
-  constexpr Colors kColors[] = {{kWhitePaper, kRedInk},     {kBlackPaper, kRedInk},     {0x00FF0000, kRedInk},
-                                {kWhitePaper, kWhitePaper}, {kRedInk, kWhitePaper},     {kBlackPaper, kBlackPaper},
-                                {kWhitePaper, kBlackPaper}, {kBlackPaper, kWhitePaper}, {0x01FFFFFF, kRedInk}};
+// the background color. Deeper patterns go by their cells.
+TEST(BitBltDualPlane, HatchedAndPatternBrushes) {
+  constexpr uint32_t kColors[][2] = {// background, lines of a hatch
+                                     {kWhitePaper, kRedInk},     {kBlackPaper, kRedInk},     {0x00FF0000, kRedInk},
+                                     {kWhitePaper, kWhitePaper}, {kRedInk, kWhitePaper},     {kBlackPaper, kBlackPaper},
+                                     {kWhitePaper, kBlackPaper}, {kBlackPaper, kWhitePaper}, {0x01FFFFFF, kRedInk}};
   constexpr uint8_t kScales[][2] = {{1, 1}, {2, 2}, {2, 1}, {3, 1}};
-  for (const Colors& colors : kColors) {
-    for (bool oneBit : {false, true}) {
+  for (const auto& [background, line] : kColors) {
+    for (uint16_t patternDepth : {uint16_t{0}, uint16_t{1}, uint16_t{8}, uint16_t{24}}) {  // 0: a hatch
       for (uint32_t index : {0xA0u, 0x5Fu, 0xAFu, 0x50u, 0xF5u, 0x0Au, 0xFAu, 0x05u}) {
         for (const auto& scale : kScales) {
           for (int bkMode : {OPAQUE, TRANSPARENT}) {
-            SCOPED_TRACE(Text(oneBit ? "one bit" : "hatch", ", colors ", colors.foreground, " on ", colors.background,
-                              ", index ", index, ", scale ", scale[0], " x ", scale[1]));
+            SCOPED_TRACE(Text("pattern depth ", patternDepth, ", colors ", line, " on ", background, ", index ", index,
+                              ", scale ", scale[0], " x ", scale[1]));
             // A moved band: cells are counted from its corner on both planes.
             DualPlaneDevice device({.width = 37, .height = 19, .left = 5, .top = 3});
             MakeTagsMixed(&device, index);
-            PhysicalBrush brush = BrushRecord(oneBit ? BS_PATTERN : BS_HATCHED, oneBit ? 0 : colors.foreground);
-            brush.patternDepth = oneBit ? 1 : 0;
+            PhysicalBrush brush = BrushRecord(patternDepth == 0 ? BS_HATCHED : BS_PATTERN, line);
+            brush.patternDepth = patternDepth;
             brush.hatchScale[0] = scale[0];
             brush.hatchScale[1] = scale[1];
             RandomBytes random(7);
-            for (uint32_t& cell : brush.cells) {
-              const bool gap = random.Below(2) == 0;
-              cell = !gap ? 0xFF000000u | (oneBit ? 0 : colors.foreground) : oneBit ? kWhitePaper : 0x00778899u;
-            }
-            const DRAWMODE mode = MakeDrawMode({.bkMode = bkMode, .background = colors.background, .text = 0x00123456});
-            const uint32_t paper = TagRuleOf(index) == TagRule::kBrushUnlessWhite ? kWhitePaper : kBlackPaper;
+            const uint32_t gap = patternDepth == 0 ? 0x00778899 : patternDepth == 1 ? kWhitePaper : 0xFF778899;
+            const uint32_t mark = 0xFF000000u | (patternDepth == 1 ? 0 : line);
+            for (uint32_t& cell : brush.cells) cell = random.Below(2) == 0 ? gap : mark;
+            const DRAWMODE mode = MakeDrawMode({.bkMode = bkMode, .background = background, .text = 0x00123456});
+            const DRAWMODE tagging = MakeDrawMode({.background = background});
             const TransferCall call{
                 .at = {7, 4}, .size = {100, 15}, .rop = index << 16, .brush = &brush, .drawMode = &mode};
             ExpectTransfer(device, call, nullptr, {2, 1, 37, 16}, {}, [&](int32_t column, int32_t row) {
-              const uint32_t cell = brush.cells[row / scale[1] % 8 * 8 + column / std::min<int>(scale[0], 2) % 8];
-              return (cell >= 0x1000000 ? cell & 0xFFFFFF : colors.background) != paper;
+              const uint32_t color = PatternColor(&brush, tagging, column, row);
+              return TransferMarks(index, 0, color >= 0xFF000000u ? color & 0xFFFFFF : color);
             });
           }
         }
@@ -170,26 +159,6 @@ TEST(BitBltDualPlane, HatchesByHand) {
     const DRAWMODE mode = MakeDrawMode({.bkMode = TRANSPARENT, .background = c.background});
     EXPECT_EQ(1u, Transfer(device.handle(), {.size = {8, 1}, .rop = c.rop, .brush = &brush, .drawMode = &mode}));
     EXPECT_TRUE(TagsMarked(device, c.marks));
-  }
-}
-
-TEST(BitBltDualPlane, ColorPatternBrushesGoByTheirCells) {
-  for (uint8_t depth : {uint8_t{24}, uint8_t{8}}) {
-    for (uint32_t rop : {kAndPattern, kOrPattern}) {
-      SCOPED_TRACE(Text(depth, " bits, code ", rop));
-      DualPlaneDevice device({.width = 20, .height = 11});
-      const SourceImage bitmap(depth == 24 ? kColorSource : kGraySource, 8, 8, 17);
-      PhysicalBrush brush = PatternBrush(device.handle(), *bitmap.record());
-      brush.cells[3] = 0xFFFFFFFF;
-      brush.cells[12] = 0xFF000000;
-      MakeTagsMixed(&device, depth);
-      const uint32_t paper = rop == kAndPattern ? kWhitePaper : kBlackPaper;
-      const DRAWMODE mode = MakeDrawMode({.bkMode = TRANSPARENT, .background = paper});
-      const TransferCall call{.size = {20, 11}, .rop = rop, .brush = &brush, .drawMode = &mode};
-      ExpectTransfer(device, call, nullptr, {0, 0, 20, 11}, {}, [&](int32_t column, int32_t row) {
-        return (PatternColor(&brush, mode, column, row) & 0xFFFFFF) != paper;
-      });
-    }
   }
 }
 
@@ -232,6 +201,7 @@ constexpr RefusalCase kRefusals[] = {
     {"SRCCOPY from 8 bits needs no test", SRCCOPY, 1, 8, BS_SOLID, false},
     {"SRCINVERT from 8 bits tags nothing", SRCINVERT, 1, 8, BS_SOLID, false},
     {"MERGECOPY from 8 bits", MERGECOPY, 1, 8, BS_SOLID, false},
+    {"PATPAINT from 8 bits", PATPAINT, 1, 8, BS_SOLID, true},
     {"unknown brush", kAndPattern, 1, 24, 4, true},
     {"unknown brush, other class", kOrPattern, 1, 24, 0xFFFF, true},
     {"PATPAINT with an unknown brush", PATPAINT, 1, 24, 4, true},
@@ -259,28 +229,13 @@ TEST(BitBltDualPlane, RefusedTagsRefuseTheTransfer) {
       if (!refused && (c.brushStyle == BS_SOLID || !IndexUsesPattern(index))) {
         PaintExpected(&band, {0, 0, 9, 3}, 0, 0, {c.rop, &source, &brush, &mode});
       }
-      if (!refused && !uniform && FillsTags(index)) tags.Fill({0, 0, 9, 3}, {1, 0, 0});
+      // The brush's half of PATPAINT's tags is written before the source turns out to be of no use.
+      const bool halfTagged = c.rop == PATPAINT && c.brushStyle == BS_SOLID;
+      if (!uniform && (refused ? halfTagged : FillsTags(index))) tags.Fill({0, 0, 9, 3}, {QNV_TAG_GRAPHICS});
       EXPECT_TRUE(BandShows(device, band));
       EXPECT_TRUE(TagsShow(device, tags));
     }
   }
-}
-
-// The brush's half of the tags is written before the source turns out to be of no use.
-TEST(BitBltDualPlane, PatPaintTagsByBrushBeforeItsSourceIsRefused) {
-  DualPlaneDevice device({.width = 9, .height = 3});
-  MakeTagsMixed(&device, 6);
-  const PhysicalBrush brush = BrushRecord(BS_SOLID, kRedInk);
-  const DRAWMODE mode = TwoColors();
-  const SourceImage source({"", 1, 8, 3}, 9, 3, 5);
-  const PlaneImage band = BandImage(device);
-  PlaneImage tags = TagImage(device);
-  EXPECT_EQ(0u,
-            Transfer(device.handle(),
-                     {.source = source.record(), .size = {5, 2}, .rop = PATPAINT, .brush = &brush, .drawMode = &mode}));
-  tags.Fill({0, 0, 5, 2}, {1, 0, 0});
-  EXPECT_TRUE(BandShows(device, band));
-  EXPECT_TRUE(TagsShow(device, tags));
 }
 
 // Rows of tags at every width and phase.
@@ -296,6 +251,78 @@ TEST(BitBltDualPlane, FillsEveryWidth) {
       tags.Fill({left, 1, left + width, 3}, {1, 0, 0});
       ASSERT_TRUE(TagsShow(device, tags));
     }
+  }
+}
+
+// Where a class takes the caller's tag an image writes 3, elsewhere it writes 1. One operation of each class by hand;
+// image/image_dual_plane_test.cpp compares all 256 with the rules.
+struct TagImageCase {
+  const char* name;
+  uint32_t rop;
+  uint32_t brush;
+  std::array<uint8_t, 4> tags;  // of a white, a black, a red and a gray pixel
+};
+
+constexpr TagImageCase kTagImageCases[] = {
+    {"SRCCOPY", SRCCOPY, 0xFF, {3, 3, 3, 3}},
+    {"SRCCOPY's index in another code", 0x00CC0000, 0xFF, {3, 3, 3, 3}},
+    {"SRCAND", SRCAND, 0xFF, {kOldTag, 3, 3, 3}},
+    {"inverse of SRCAND", 0x007700E6, 0xFF, {kOldTag, 3, 3, 3}},
+    {"SRCPAINT", SRCPAINT, 0xFF, {3, kOldTag, 3, 3}},
+    {"SRCINVERT", SRCINVERT, 0xFF, {kOldTag, kOldTag, kOldTag, kOldTag}},
+    {"PATCOPY", PATCOPY, 0xFF, {1, 1, 1, 1}},
+    {"destination and pattern", 0x00A000C9, 0xFF, {1, 1, 1, 1}},
+    {"destination and pattern, white", 0x00A000C9, 0xFFFFFF, {kOldTag, kOldTag, kOldTag, kOldTag}},
+    {"destination or pattern, black", 0x00FA0089, 0, {kOldTag, kOldTag, kOldTag, kOldTag}},
+    {"source picks the destination", 0x00B8074A, 0xFF, {kOldTag, 1, 1, 1}},
+    {"source picks the pattern", 0x00E20746, 0xFF, {1, kOldTag, 1, 1}},
+    {"PATPAINT", PATPAINT, 0xFF, {1, 3, 3, 3}},
+    {"PATPAINT, black brush", PATPAINT, 0, {kOldTag, 3, 3, 3}},
+    // Extended codes are tagged as SRCAND, whatever they paint.
+    {"minimum", ROP_MINIMUM, 0xFF, {kOldTag, 3, 3, 3}},
+    {"an extended code that paints nothing", 0x02000000, 0xFF, {kOldTag, 3, 3, 3}},
+};
+
+// White, black, red and gray, painted twice as high.
+uint32_t PaintTaggedImage(const TestDevice& device, int32_t x, int32_t y, const ImageSetup& setup) {
+  return Stretch(device, PictureDib(4, "deai", {}), {x, y, 4, 2, 0, 0, 4, 1}, setup);
+}
+
+TEST(TagImages, EveryClass) {
+  for (bool uniform : {false, true}) {
+    for (const TagImageCase& c : kTagImageCases) {
+      SCOPED_TRACE(Text(c.name, uniform ? ", uniform plane" : ""));
+      DualPlaneDevice device({.width = 9, .height = 5, .left = 20, .top = 10});
+      if (!uniform) MakeTagsMixed(&device, 1);
+      device.tags()->Fill(kOldTag);
+      const PhysicalBrush brush = BrushRecord(BS_SOLID, c.brush);
+      PlaneImage tags = TagImage(device);
+      // An image ends the uniform state before any tag is decided on, so both starts give the same tags.
+      EXPECT_EQ(1u, PaintTaggedImage(device, 23, 11, {.rop = c.rop, .brush = &brush}));
+      for (int32_t i = 0; i < 4; ++i) tags.Fill({3 + i, 1, 4 + i, 3}, {c.tags[static_cast<std::size_t>(i)]});
+      EXPECT_TRUE(TagsShow(device, tags));
+      // The plane counts as mixed now, even where the class marked nothing.
+      const DRAWMODE mode = MakeDrawMode();
+      QNVPixel(device.handle(), 20, 10, 0x00123456, &mode, &kEverywhere);
+      tags.Set(0, 0, {QNV_TAG_GRAPHICS});
+      EXPECT_TRUE(TagsShow(device, tags));
+    }
+  }
+}
+
+// The clip is the image's own; tags follow it, and so do those of an image that the band cuts.
+TEST(TagImages, ClippedWithTheImage) {
+  for (uint32_t rop : {SRCCOPY, SRCAND, ROP_MINIMUM}) {
+    SCOPED_TRACE(rop);
+    DualPlaneDevice device({.width = 9, .height = 5, .left = 20, .top = 10});
+    MakeTagsMixed(&device, 2);
+    device.SetOrigin(2, 1);
+    PlaneImage tags = TagImage(device);
+    const BandRect clip{21, 8, 24, 12};  // (23, 9) .. (26, 13) on the page; the image is at (22, 9)
+    EXPECT_EQ(1u, PaintTaggedImage(device, 20, 8, {.rop = rop, .clip = clip}));
+    // Left: page columns 23, 24 and 25 hold the image's black, red and gray; page row 10 is the band's first.
+    tags.Fill({3, 0, 6, 1}, {QNV_TAG_IMAGE});
+    EXPECT_TRUE(TagsShow(device, tags));
   }
 }
 

@@ -3,7 +3,6 @@
 // share with other operations is in laws/clipping_test.cpp.
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <climits>
 
 #include "support/device_classes.h"
@@ -130,24 +129,6 @@ TEST(TransferClipping, TransfersWithASource) {
         }
       }
     }
-  }
-}
-
-// An exclusive-or with ones changes every byte it reaches: the touched rectangle is the painted one.
-TEST(TransferClipping, TouchedRectangleOfASourceTransfer) {
-  SourceImage source(kOneBitSource, 30, 16, 42);
-  for (int32_t row = 0; row < 16; ++row) std::fill_n(source.Row(row), 4, uint8_t{0xFF});
-  const DRAWMODE mode = MakeDrawMode();
-  for (const SourceCase& c : kSourceCases) {
-    SCOPED_TRACE(c.name);
-    PlacedDevice device(Unscaled()[0], c.place);
-    const PlaneImage before = BandImage(device);
-    TransferCall call{.at = c.at, .source = source.record(), .from = c.from, .size = c.size, .rop = SRCINVERT};
-    call.drawMode = &mode;
-    call.clip = &c.clip;
-    EXPECT_EQ(1u, Transfer(device.handle(), call));
-    EXPECT_TRUE(TouchedExactly(before, BandImage(device), c.painted));
-    EXPECT_TRUE(device.FencesIntact());
   }
 }
 

@@ -199,21 +199,6 @@ TEST(FillPattern, PenBrushOrNeither) {
   }
 }
 
-// Transfers have no pen: without a brush the three operations that never look at it paint with black.
-TEST(FillPattern, NoBrushIsBlackForPreparedPatterns) {
-  for (uint16_t bits : kBandDepths) {
-    for (uint32_t rop : {MERGECOPY, PATPAINT, 0x00E20746u}) {
-      SCOPED_TRACE(Text(rop, ", ", bits, " bits"));
-      TestDevice device(WithDepth(kPatternBand, QNV_KIND_RASTER, bits));
-      FillWithNoise(&device.band(), 4);
-      const SourceImage source(bits == 24 ? kColorSource : kGraySource, kPatternSize, kPatternSize, 5);
-      const DRAWMODE mode = MakeDrawMode();
-      EXPECT_TRUE(TransferPaints(device, {.size = {kPatternSize, kPatternSize}, .rop = rop, .drawMode = &mode}, &source,
-                                 kWholePattern));
-    }
-  }
-}
-
 // Transfers count cells from the band's first pixel; spans count from page coordinate 0 wherever band and origin lie,
 // also to the left of it.
 TEST(FillPattern, Alignment) {
@@ -304,51 +289,6 @@ TEST(FillPattern, HatchesByHand) {
       PlaneImage gaps = UntouchedBand(device);
       gaps.Fill({0, 0, 18, 9}, {0x77, 0x77, 0x77});
       EXPECT_TRUE(PlaneIs(BandImage(device), gaps, {{'#', 0x0000FF}}, c.picture));
-    }
-  }
-}
-
-// From the bitmap to the band. A cell takes its three bytes lowest first, so byte 0 lands last in the band.
-TEST(FillPattern, BitmapsByHand) {
-  struct Case {
-    const char* name;
-    uint8_t bitsPixel;
-    uint16_t widthBytes;
-    std::vector<uint8_t> rows[2];
-    PictureInks inks;
-    const char* picture;  // 10 x 2
-  };
-  const PictureInks oneBitInks = {{'t', 0x0A0B0C}, {'b', 0x0D0E0F}};
-  const Case cases[] = {
-      {"24 bits",
-       24,
-       26,
-       {{1, 2, 3, 4, 5, 6}, {7, 8, 9}},
-       {{'a', 0x030201}, {'b', 0x060504}, {'c', 0x090807}, {'k', 0}},
-       "abkkkkkkab ckkkkkkkck"},
-      {"8 bits",
-       8,
-       8,
-       {{10, 20, 30}, {40}},
-       {{'a', Gray(10)}, {'b', Gray(20)}, {'c', Gray(30)}, {'d', Gray(40)}, {'k', 0}},
-       "abckkkkkab dkkkkkkkdk"},
-      {"1 bit: set takes the background", 1, 2, {{0xA1}, {0x7F}}, oneBitInks, "btbttttbbt tbbbbbbbtb"},
-      {"4 bits are read as one", 4, 4, {{0xA1}, {0x7F}}, oneBitInks, "btbttttbbt tbbbbbbbtb"},
-  };
-  for (const Case& c : cases) {
-    for (uint16_t depth : kBandDepths) {
-      for (int bkMode : {TRANSPARENT, OPAQUE}) {
-        SCOPED_TRACE(Text(c.name, ", ", depth, " bits, mode ", bkMode));
-        TestDevice device({.bitsPerPixel = depth, .width = 10, .height = 2});
-        std::vector<uint8_t> bytes(8u * c.widthBytes, 0);
-        std::copy(c.rows[0].begin(), c.rows[0].end(), bytes.begin());
-        std::copy(c.rows[1].begin(), c.rows[1].end(), bytes.begin() + c.widthBytes);
-        const SourceBitmap bitmap{0, 8, 8, c.widthBytes, 1, c.bitsPixel, bytes.data()};
-        const PhysicalBrush brush = PatternBrush(device.handle(), bitmap);
-        const DRAWMODE mode = MakeDrawMode({.bkMode = bkMode, .background = 0x0D0E0F, .text = 0x0A0B0C});
-        EXPECT_EQ(1u, PaintRectangle(device, 0, 0, 10, 2, {.brush = &brush, .drawMode = &mode}));
-        EXPECT_TRUE(BandIs(device, c.inks, c.picture));
-      }
     }
   }
 }

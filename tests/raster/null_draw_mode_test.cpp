@@ -26,11 +26,9 @@ class KeptPattern : public testing::TestWithParam<uint16_t> {
   // A call without a draw mode that paints with `painting`; null for nothing.
   testing::AssertionResult Paints(uint32_t rop, const PhysicalBrush* brush, const PhysicalBrush* painting) {
     const DRAWMODE mode = MakeDrawMode();
-    PlaneImage expected = BandImage(device_);
-    if (painting != nullptr) PaintExpected(&expected, kWhole, 0, 0, {rop, &source_, painting, &mode});
-    const TransferCall call{.source = source_.record(), .size = kAll, .rop = rop, .brush = brush};
-    const uint32_t result = Transfer(device_.handle(), call);
-    return result == 1 ? BandShows(device_, expected) : testing::AssertionFailure() << "result " << result;
+    return TransferLeaves(device_, {.size = kAll, .rop = rop, .brush = brush}, &source_, [&](PlaneImage* expected) {
+      if (painting != nullptr) PaintExpected(expected, kWhole, 0, 0, {rop, &source_, painting, &mode});
+    });
   }
 
   TestDevice device_{{.bitsPerPixel = GetParam(), .width = kSide, .height = kSide}};

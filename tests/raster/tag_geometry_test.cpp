@@ -97,54 +97,36 @@ struct TagSourceCase {
   const char* name;
   BandPlace place;
   TransferPoint at;
-  TransferPoint from;
   BandRect clip;
   SourceArea tagged;   // where pixels of a color source decide about tags
   SourceArea painted;  // the color plane, and the tags of a one-bit source
   TransferSize size{9, 5};
+  TransferPoint from{1, 1};
 };
 
 // SRCAND of a source of 14 x 8.
 constexpr TagSourceCase kTagSources[] = {
-    {"inside", {}, {3, 2}, {1, 1}, kTagPage, {{3, 2, 12, 7}, {1, 1}}, {{3, 2, 12, 7}, {1, 1}}},
+    {"inside", {}, {3, 2}, kTagPage, {{3, 2, 12, 7}, {1, 1}}, {{3, 2, 12, 7}, {1, 1}}},
     // A clip on the left or top restarts the source of the colors. Tags of a color source stay where they were.
-    {"clip left", {}, {3, 2}, {1, 1}, {6, 0, 100, 100}, {{6, 2, 12, 7}, {4, 1}}, {{6, 2, 12, 7}, {1, 1}}},
-    {"clip top", {}, {3, 2}, {1, 1}, {1, 4, 100, 100}, {{3, 4, 12, 7}, {1, 3}}, {{3, 4, 12, 7}, {1, 1}}},
-    {"clip right and bottom", {}, {3, 2}, {1, 1}, {1, 1, 8, 5}, {{3, 2, 8, 5}, {1, 1}}, {{3, 2, 8, 5}, {1, 1}}},
-    {"no clip", {}, {3, 2}, {1, 1}, kTagNoClip, {{3, 2, 12, 7}, {1, 1}}, {{3, 2, 12, 7}, {1, 1}}},
-    {"source ends", {}, {3, 2}, {8, 5}, kTagPage, {{3, 2, 9, 5}, {8, 5}}, {{3, 2, 9, 5}, {8, 5}}, {12, 9}},
-    {"source begins later", {}, {3, 2}, {-2, -1}, kTagPage, {{5, 3, 12, 7}, {0, 0}}, {{5, 3, 12, 7}, {0, 0}}},
-    {"band cuts", kFar, {97, 48}, {1, 1}, kTagPage, {{0, 0, 6, 3}, {4, 3}}, {{0, 0, 6, 3}, {4, 3}}},
-    {"band cuts far side", {}, {18, 9}, {1, 1}, kTagPage, {{18, 9, 24, 12}, {1, 1}}, {{18, 9, 24, 12}, {1, 1}}},
-    {"origin",
-     {100, 50, 90, 40},
-     {12, 11},
-     {1, 1},
-     {13, 12, 100, 100},
-     {{3, 2, 11, 6}, {2, 2}},
-     {{3, 2, 11, 6}, {1, 1}}},
-    {"left of and above zero", {}, {-3, -2}, {1, 1}, kTagPage, {{0, 0, 6, 3}, {4, 3}}, {{0, 0, 6, 3}, {4, 3}}},
+    {"clip left", {}, {3, 2}, {6, 0, 100, 100}, {{6, 2, 12, 7}, {4, 1}}, {{6, 2, 12, 7}, {1, 1}}},
+    {"clip top", {}, {3, 2}, {1, 4, 100, 100}, {{3, 4, 12, 7}, {1, 3}}, {{3, 4, 12, 7}, {1, 1}}},
+    {"clip right and bottom", {}, {3, 2}, {1, 1, 8, 5}, {{3, 2, 8, 5}, {1, 1}}, {{3, 2, 8, 5}, {1, 1}}},
+    {"no clip", {}, {3, 2}, kTagNoClip, {{3, 2, 12, 7}, {1, 1}}, {{3, 2, 12, 7}, {1, 1}}},
+    {"source ends", {}, {3, 2}, kTagPage, {{3, 2, 9, 5}, {8, 5}}, {{3, 2, 9, 5}, {8, 5}}, {12, 9}, {8, 5}},
+    {"source begins later", {}, {3, 2}, kTagPage, {{5, 3, 12, 7}, {0, 0}}, {{5, 3, 12, 7}, {0, 0}}, {9, 5}, {-2, -1}},
+    {"band cuts", kFar, {97, 48}, kTagPage, {{0, 0, 6, 3}, {4, 3}}, {{0, 0, 6, 3}, {4, 3}}},
+    {"band cuts far side", {}, {18, 9}, kTagPage, {{18, 9, 24, 12}, {1, 1}}, {{18, 9, 24, 12}, {1, 1}}},
+    {"origin", {100, 50, 90, 40}, {12, 11}, {13, 12, 100, 100}, {{3, 2, 11, 6}, {2, 2}}, {{3, 2, 11, 6}, {1, 1}}},
+    {"left of and above zero", {}, {-3, -2}, kTagPage, {{0, 0, 6, 3}, {4, 3}}, {{0, 0, 6, 3}, {4, 3}}},
     // A zero edge of a color source's clip is no limit on that side.
-    {"clip on the left alone", {}, {3, 2}, {1, 1}, {6, 0, 0, 0}, {{6, 2, 12, 7}, {4, 1}}, {}},
-    {"clip on the right alone", {}, {3, 2}, {1, 1}, {0, 0, 8, 0}, {{3, 2, 8, 7}, {1, 1}}, {}},
-    {"clip above alone", {}, {3, 2}, {1, 1}, {0, 4, 0, 0}, {{3, 4, 12, 7}, {1, 3}}, {}},
-    {"clip below alone", {}, {3, 2}, {1, 1}, {0, 0, 0, 5}, {{3, 2, 12, 5}, {1, 1}}, {}},
-    {"zero edges, band below zero",
-     kNegative,
-     {-4, -3},
-     {1, 1},
-     kTagPage,
-     {{6, 3, 15, 8}, {1, 1}},
-     {{6, 3, 15, 8}, {1, 1}}},
-    {"zero edges on the far side",
-     kNegative,
-     {-7, -4},
-     {1, 1},
-     {-8, -5, 0, 0},
-     {{3, 2, 12, 7}, {1, 1}},
-     {{3, 2, 10, 6}, {1, 1}}},
-    {"empty", {}, {3, 2}, {1, 1}, kTagPage, {}, {}, {0, 5}},
-    {"turned", {}, {12, 7}, {1, 1}, kTagPage, {}, {}, {-9, -5}},
+    {"clip on the left alone", {}, {3, 2}, {6, 0, 0, 0}, {{6, 2, 12, 7}, {4, 1}}, {}},
+    {"clip on the right alone", {}, {3, 2}, {0, 0, 8, 0}, {{3, 2, 8, 7}, {1, 1}}, {}},
+    {"clip above alone", {}, {3, 2}, {0, 4, 0, 0}, {{3, 4, 12, 7}, {1, 3}}, {}},
+    {"clip below alone", {}, {3, 2}, {0, 0, 0, 5}, {{3, 2, 12, 5}, {1, 1}}, {}},
+    {"zero edges, band below zero", kNegative, {-4, -3}, kTagPage, {{6, 3, 15, 8}, {1, 1}}, {{6, 3, 15, 8}, {1, 1}}},
+    {"zero edges, far side", kNegative, {-7, -4}, {-8, -5, 0, 0}, {{3, 2, 12, 7}, {1, 1}}, {{3, 2, 10, 6}, {1, 1}}},
+    {"empty", {}, {3, 2}, kTagPage, {}, {}, {0, 5}},
+    {"turned", {}, {12, 7}, kTagPage, {}, {}, {-9, -5}},
 };
 
 bool IsWhite(const SourceImage& source, int32_t x, int32_t y) {
