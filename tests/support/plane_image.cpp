@@ -184,13 +184,6 @@ bool IsGrayDevice(const TestDevice& device) {
 
 uint32_t Physical(const TestDevice& device, uint32_t color) { return IsGrayDevice(device) ? GrayOf(color) : color; }
 
-testing::AssertionResult TouchedExactly(const PlaneImage& before, const PlaneImage& after, const BandRect& expected) {
-  const BandRect touched = TouchedRect(before, after);
-  if (Describe(touched) == Describe(expected)) return testing::AssertionSuccess();
-  return testing::AssertionFailure() << before.name() << " touched in " << Describe(touched) << ", expected "
-                                     << Describe(expected);
-}
-
 std::string Describe(const BandRect& rect) {
   return Text("(", rect.left, ", ", rect.top, ", ", rect.right, ", ", rect.bottom, ")");
 }

@@ -70,9 +70,6 @@ testing::AssertionResult SameImage(const PlaneImage& expected, const PlaneImage&
 testing::AssertionResult BandShows(const TestDevice& device, const PlaneImage& expected);
 testing::AssertionResult TagsShow(const TestDevice& device, const PlaneImage& expected);
 
-// The smallest rectangle of columns and rows that holds every difference is this one.
-testing::AssertionResult TouchedExactly(const PlaneImage& before, const PlaneImage& after, const BandRect& expected);
-
 // The planes as they were before the first call: the device's fill byte everywhere.
 PlaneImage UntouchedBand(const TestDevice& device);
 PlaneImage UntouchedTags(const TestDevice& device);

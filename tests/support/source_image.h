@@ -27,7 +27,6 @@ class SourceImage {
   SourceImage(const SourceForm& form, int width, int height, uint64_t seed, int slack = 0);
 
   const SourceBitmap* record() const { return &record_; }
-  SourceBitmap* mutableRecord() { return &record_; }
   bool oneBit() const { return record_.bmPlanes == 1 && record_.bmBitsPixel == 1; }
   uint8_t* Row(int32_t row) { return pixels_.data() + row * int32_t{record_.bmWidthBytes}; }
   const uint8_t* Row(int32_t row) const { return pixels_.data() + row * int32_t{record_.bmWidthBytes}; }
