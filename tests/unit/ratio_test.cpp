@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <random>
+#include <vector>
 
 namespace qnv {
 namespace {
@@ -39,22 +40,15 @@ TEST(MulDiv, RoundsHalvesAwayFromZero) {
 
 // On Windows this holds our function against the kernel's own.
 TEST(MulDiv, EqualsThePlatformsOwn) {
-  constexpr int32_t kValues[] = {0,         1,
-                                 -1,        2,
-                                 -2,        3,
-                                 -3,        7,
-                                 359,       360,
-                                 719,       720,
-                                 -720,      1439,
-                                 32767,     -32768,
-                                 65535,     65536,
-                                 1000003,   -999983,
-                                 46341,     99999999,
-                                 -99999999, INT32_MAX - 1,
-                                 INT32_MAX, INT32_MIN + 1};
-  for (const int32_t value : kValues) {
-    for (const int32_t numerator : kValues) {
-      for (const int32_t denominator : kValues) {
+  std::vector<int32_t> values;
+  for (const int32_t magnitude :
+       {0,     1,     2,     3,     7,     359,    360,     719,      720,           1439,
+        32767, 32768, 46341, 65535, 65536, 999983, 1000003, 99999999, INT32_MAX - 1, INT32_MAX}) {
+    values.insert(values.end(), {magnitude, -magnitude});
+  }
+  for (const int32_t value : values) {
+    for (const int32_t numerator : values) {
+      for (const int32_t denominator : values) {
         ASSERT_EQ(MulDiv(value, numerator, denominator), PortableMulDiv(value, numerator, denominator))
             << value << " * " << numerator << " / " << denominator;
       }

@@ -178,6 +178,23 @@ TEST_P(RowKernelsTest, GlyphColumns) {
   }
 }
 
+// A row of a pattern as the kernels take it.
+TEST(Tile, RepeatsItsCells) {
+  uint32_t cells[16];
+  for (uint32_t i = 0; i < 16; ++i) cells[i] = 0xAA000000 | i * 0x030201;
+  for (const std::size_t bytesPerPixel : {1u, 3u}) {
+    for (const std::size_t width : {1u, 8u, 16u}) {
+      Tile tile;
+      MakeTile(&tile, cells, width, bytesPerPixel);
+      for (std::size_t i = 0; i < sizeof tile.bytes; ++i) {
+        const uint32_t cell = cells[i / bytesPerPixel % width];
+        ASSERT_EQ(tile.bytes[i], static_cast<uint8_t>(cell >> i % bytesPerPixel * 8))
+            << "byte " << i << ", " << width << " cells of " << bytesPerPixel;
+      }
+    }
+  }
+}
+
 INSTANTIATE_TEST_SUITE_P(Levels, RowKernelsTest, testing::ValuesIn(kKernelLevels), KernelLevelName);
 
 }  // namespace

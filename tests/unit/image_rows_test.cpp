@@ -1,16 +1,159 @@
-// Rows of every depth, stretched and mirrored into every target at every level, against a walk that reads and stores
-// one pixel at a time. Source rows end at a fence.
-#include "image/column_plan.h"
-
+// What the rows of images go through: the fields of 16-bit pixels, the steps of source rows and columns across the
+// destination, and rows of every depth, stretched and mirrored into every target at every level, against a walk that
+// reads and stores one pixel at a time.
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstring>
 #include <vector>
 
+#include "image/color_tables.h"
+#include "image/column_plan.h"
+#include "image/row_stepping.h"
 #include "unit/kernel_levels.h"
 
 namespace qnv {
 namespace {
+
+PixelMasks MasksOf(uint32_t compression, uint32_t red, uint32_t green, uint32_t blue) {
+  uint8_t info[52] = {};
+  const uint32_t masks[3] = {red, green, blue};
+  std::memcpy(info + 40, masks, sizeof masks);
+  Dib dib{};
+  dib.compression = compression;
+  dib.bitCount = 16;
+  dib.info = info;
+  return MakePixelMasks(dib, PixelTarget::kSource24);
+}
+
+// The field's own high bits fill what eight bits have more.
+uint8_t Widened(uint32_t pixel, uint32_t lowest, uint32_t bits) {
+  const uint32_t field = pixel >> lowest & ((1u << bits) - 1);
+  return static_cast<uint8_t>(field << (8 - bits) | field >> (2 * bits - 8));
+}
+
+TEST(ComponentMasks, FieldsOfEveryPixel) {
+  const PixelMasks five = MasksOf(BI_RGB, 1, 2, 3);  // masks that nobody reads
+  const PixelMasks six = MasksOf(BI_BITFIELDS, 0xF800, 0x07E0, 0x001F);
+  for (uint32_t pixel = 0; pixel <= 0xFFFF; ++pixel) {
+    for (uint32_t i = 0; i < 3; ++i) {
+      ASSERT_EQ(five.component[i].Extract(pixel), Widened(pixel, 10 - 5 * i, 5)) << pixel;
+      ASSERT_EQ(six.component[i].Extract(pixel), Widened(pixel, i == 0 ? 11 : 10 - 5 * i, i == 1 ? 6 : 5)) << pixel;
+    }
+  }
+}
+
+TEST(ComponentMasks, DegenerateMasks) {
+  constexpr struct {
+    const char* name;
+    uint32_t mask, pixel;
+    uint8_t expected;
+  } kCases[] = {
+      {"no bits", 0x0000, 0xFFFF, 0},
+      {"lowest bit alone", 0x0001, 0xFFFF, 0},
+      {"highest bit alone", 0x8000, 0xFFFF, 0},
+      {"all sixteen", 0xFFFF, 0xABCD, 0xAB},
+      {"low byte", 0x00FF, 0xABCD, 0xCD},
+      {"upper half of the header's mask is cut", 0xFFFF001F, 0x001F, 0xFF},
+      {"two bits", 0x0003, 0x0003, 0xC0 + 0x30},
+  };
+  for (const auto& c : kCases) {
+    EXPECT_EQ(MasksOf(BI_BITFIELDS, c.mask, 0, 0).component[0].Extract(c.pixel), c.expected) << c.name;
+  }
+}
+
+// ---- Stepping.
+
+constexpr int32_t kOne = 65536;
+
+// The walk over columns goes on where the one over rows stops, but covers nothing more.
+TEST(RowStepping, CountsDestinationRowsAndColumns) {
+  const struct {
+    const char* name;
+    int32_t dst, extent, source, clipStart, clipPixels;
+    std::vector<int32_t> counts;
+  } kCases[] = {
+      {"one to one", 0, 4 * kOne, 4, 0, 4, {1, 1, 1, 1}},
+      {"four rows to two", 0, 2 * kOne, 4, 0, 2, {1, 0, 1}},
+      {"one row to three", 0, 3 * kOne, 1, 0, 3, {3}},
+      {"two rows to three", 0, 3 * kOne, 2, 0, 3, {2, 1}},
+      {"clip in the middle of an enlarged row", 0, 8 * kOne, 2, 2, 6, {2, 4}},
+      {"mirrored", 4 * kOne, -4 * kOne, 4, 0, 4, {1, 1, 1, 1}},
+      {"clip ends early", 0, 4 * kOne, 4, 0, 2, {1, 1}},
+      {"wraps and comes back", -20000 * kOne, 30000 * kOne, 3, 0, 60000, {55537, 0, 10000}},
+  };
+  for (const auto& c : kCases) {
+    SCOPED_TRACE(c.name);
+    const Stepping stepping = MakeStepping(c.dst, c.extent, c.source, c.clipStart, c.clipPixels);
+    std::vector<int32_t> counts;
+    RowWalk walk(stepping);
+    for (CoveredRows rows; walk.Next(&rows);) counts.push_back(rows.count);
+    EXPECT_EQ(counts, c.counts);
+    counts.resize(static_cast<std::size_t>(c.source));
+    std::vector<int32_t> columns(counts.size());
+    int32_t last = 0;
+    const int32_t covered = WalkColumns(stepping, [&](int32_t i, int32_t begin, int32_t end) {
+      columns[static_cast<std::size_t>(i)] = end - begin;
+      last = std::max(last, end);
+    });
+    EXPECT_EQ(columns, counts);
+    EXPECT_EQ(covered, last);
+  }
+}
+
+// The promise is checked against the walk itself.
+TEST(RowStepping, OneToOneColumns) {
+  int promised = 0;
+  for (const int32_t start : {-65536, -32769, -32768, -1, 0, 1, 32767, 32768, INT32_MAX}) {
+    for (const int32_t source : {1, 7, 100, 32766, 32767, 40000}) {
+      for (const int dst : {1, 7, 50, 40000}) {
+        for (const uint32_t step : {65535u, 65536u, 65537u}) {
+          const Stepping stepping{step, start, source, static_cast<uint16_t>(dst)};
+          if (!IsOneToOne(stepping)) continue;
+          ++promised;
+          int32_t next = 0;
+          const int32_t covered = WalkColumns(stepping, [&](int32_t i, int32_t begin, int32_t end) {
+            ASSERT_EQ(i, next++);
+            ASSERT_EQ(begin, i);
+            ASSERT_EQ(end, i + 1);
+          });
+          EXPECT_EQ(covered, std::min(source, dst));
+          EXPECT_EQ(next, covered);
+        }
+      }
+    }
+  }
+  EXPECT_EQ(promised, 5 * 4 * 4);
+  EXPECT_TRUE(IsOneToOne(MakeStepping(0, 4 * kOne, 4, 0, 4)));
+  EXPECT_TRUE(IsOneToOne(MakeStepping(4 * kOne, -4 * kOne, 4, 0, 4)));
+}
+
+// Whatever a document's numbers wrap to, nothing outside the destination is named.
+TEST(RowStepping, HostileValuesStayInside) {
+  constexpr int32_t kValues[] = {0,         1,          -1,          kOne,     -kOne,     32767 * kOne, INT32_MAX,
+                                 INT32_MIN, 0x55555555, -0x33333333, 12345678, -87654321, 0x7FFF8000};
+  for (const int32_t dst : kValues) {
+    for (const int32_t extent : kValues) {
+      for (const int32_t clipStart : {0, 5, 40000}) {
+        for (const int32_t source : {1, 3, 500}) {
+          const Stepping stepping = MakeStepping(dst, extent, source, clipStart, 100);
+          RowWalk walk(stepping);
+          int32_t calls = 0;
+          for (CoveredRows rows; walk.Next(&rows); ++calls) {
+            ASSERT_TRUE(rows.first >= 0 && rows.first < 100 && rows.count >= 0 && rows.first + rows.count <= 100);
+          }
+          ASSERT_LE(calls, source);
+          const int32_t covered = WalkColumns(stepping, [&](int32_t i, int32_t begin, int32_t end) {
+            ASSERT_TRUE(i >= 0 && i < source && begin >= 0 && end <= 100);
+          });
+          ASSERT_TRUE(covered >= 0 && covered <= 100);
+        }
+      }
+    }
+  }
+}
+
+// ---- Plans of columns. Source rows end at a fence.
 
 // A color, blue in the low byte, as a target holds it.
 uint32_t Packed(uint32_t color, PixelTarget target) {
