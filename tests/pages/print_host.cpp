@@ -3,7 +3,7 @@
 #include "qnvtool/bmp_writer.h"
 #include "qnvtool/cmd_make_picture.h"
 #include "qnvtool/cmd_print.h"
-#include "tools/noise_bmp.h"
+#include "tools/bmp_file.h"
 #include "tools/synthetic_font.h"
 
 namespace qnv::test {

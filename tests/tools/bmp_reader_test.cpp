@@ -1,4 +1,5 @@
-// BMP files of every kind as bitmaps of the rasteriser, and what is said of bad ones.
+// BMP files of every kind as bitmaps of the rasteriser, what is said of bad ones, and the files that the tool writes
+// itself.
 #include "qnvtool/bmp_reader.h"
 
 #include <gtest/gtest.h>
@@ -6,7 +7,8 @@
 #include <string>
 
 #include "bmp_file.h"
-#include "qnvdrv10.h"
+#include "qnvtool/bmp_writer.h"
+#include "support/test_device.h"
 #include "tool_errors.h"
 
 namespace qnv::test {
@@ -182,6 +184,10 @@ TEST(BmpReader, RleCodesEndWhereTheHeaderSays) {
   EXPECT_EQ(ReadFile(file).remarks.size(), 1u);
 }
 
+BmpFile Masked(uint16_t bits, uint32_t red, uint32_t green, uint32_t blue) {
+  return {.bitCount = bits, .compression = BI_BITFIELDS, .masks = {red, green, blue}};
+}
+
 TEST(BmpReader, BadFieldsAreNamed) {
   struct Case {
     const char* field;  // what the message must name
@@ -206,18 +212,9 @@ TEST(BmpReader, BadFieldsAreNamed) {
       {"biCompression", [](BmpFile& f) { f.compression = BI_BITFIELDS; }},
       {"biCompression", [](BmpFile& f) { f.headerSize = 64, f.bitCount = 32, f.compression = BI_BITFIELDS; }},
       {"biHeight", [](BmpFile& f) { f.bitCount = 8, f.compression = BI_RLE8, f.height = -3; }},
-      {"red mask",
-       [](BmpFile& f) {
-         f = {.bitCount = 32, .compression = BI_BITFIELDS, .masks = {0, 1, 2}};
-       }},
-      {"green mask",
-       [](BmpFile& f) {
-         f = {.bitCount = 32, .compression = BI_BITFIELDS, .masks = {1, 5, 2}};
-       }},
-      {"blue mask",
-       [](BmpFile& f) {
-         f = {.bitCount = 16, .compression = BI_BITFIELDS, .masks = {1, 2, 0x10000}};
-       }},
+      {"red mask", [](BmpFile& f) { f = Masked(32, 0, 1, 2); }},
+      {"green mask", [](BmpFile& f) { f = Masked(32, 1, 5, 2); }},
+      {"blue mask", [](BmpFile& f) { f = Masked(16, 1, 2, 0x10000); }},
       {"bfOffBits", [](BmpFile& f) { f.offsetChange = 1 << 20; }},
       {"bfOffBits", [](BmpFile& f) { f.offsetChange = -20; }},
       {"bfOffBits", [](BmpFile& f) { f.bitCount = 8; }},  // no table at all
@@ -278,6 +275,69 @@ TEST(BmpReader, ResolutionIsPassedOn) {
   const Dib dib = ReadFile(WithRows({.xPixelsPerMetre = 2835, .yPixelsPerMetre = 0x80000000}));
   EXPECT_EQ(dib.xPixelsPerMetre, 2835);
   EXPECT_EQ(dib.yPixelsPerMetre, 0);
+}
+
+TEST(BmpWriter, FilesAreReadBack) {
+  const std::vector<uint8_t> pixels{1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12};
+  const tool::Dib dib = tool::ReadBmp(tool::EncodeBmp24(2, 2, 72, pixels), "x.bmp");
+  EXPECT_EQ(dib.bits, (std::vector<uint8_t>{7, 8, 9, 10, 11, 12, 0, 0, 1, 2, 3, 4, 5, 6, 0, 0}));
+  EXPECT_EQ(dib.xPixelsPerMetre, 2835);
+}
+
+// Gray levels as indices.
+tool::Bytes EncodeGray(int width, int height, const std::vector<uint8_t>& indices) {
+  std::vector<uint32_t> palette;
+  for (uint32_t i = 0; i < 256; ++i) palette.push_back(i * 0x010101);
+  return tool::EncodeBmpRle8(width, height, 72, indices, palette);
+}
+
+std::vector<uint8_t> PaintedBand(const tool::Dib& dib) {
+  const auto height = static_cast<uint32_t>(dib.height);
+  TestDevice device({.bitsPerPixel = 8, .width = static_cast<uint32_t>(dib.width), .height = height});
+  const DRAWMODE mode = MakeDrawMode();
+  // Exactly as long as the reader made it, with an unreadable page behind.
+  const FencedInput bits(dib.bits);
+  EXPECT_EQ(QNVDevSetDIBitsToDevice(device.handle(), 0, 0, 0, height, &kEverywhere, &mode, bits.data(), dib.info.data(),
+                                    nullptr) &
+                0xFFFF,
+            1u);
+  return device.BandBytes();
+}
+
+TEST(RlePicture, EveryPixelSurvives) {
+  constexpr int kWidth = 300;  // longer than the longest run
+  constexpr int kHeight = 6;
+  std::vector<uint8_t> indices;
+  for (int y = 0; y < kHeight; ++y) {
+    for (int x = 0; x < kWidth; ++x) {
+      const int shapes[] = {y * 40, x, x / 2, x / 3, x * x % (y + 3), x % 7 < 4 ? 5 : x};
+      indices.push_back(static_cast<uint8_t>(shapes[y]));
+    }
+  }
+  const tool::Dib dib = tool::ReadBmp(EncodeGray(kWidth, kHeight, indices), "x.bmp");
+  EXPECT_TRUE(dib.remarks.empty());
+  EXPECT_EQ(PaintedBand(dib), indices);
+}
+
+// However short the stream is cut, decoding stays inside what the reader hands over (the sanitizers watch) and the
+// pixels that were there are right.
+TEST(RlePicture, StreamsMayBreakOffAnywhere) {
+  constexpr int kWidth = 40;
+  constexpr int kHeight = 8;
+  std::vector<uint8_t> indices;
+  for (int i = 0; i < kWidth * kHeight; ++i) indices.push_back(static_cast<uint8_t>(i % 11 < 5 ? 200 : i % 251 + 1));
+  const tool::Bytes whole = EncodeGray(kWidth, kHeight, indices);
+  const std::size_t pixels = tool::U32At(whole, 10);
+  int shortened = 0;
+  for (std::size_t size = pixels + 1; size < whole.size(); ++size) {
+    const tool::Bytes cut(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(size));
+    const std::vector<uint8_t> painted = PaintedBand(tool::ReadBmp(cut, "x.bmp"));
+    // Rows are stored from the bottom up, so what is there is at the end.
+    std::size_t same = 0;
+    while (same < painted.size() && painted[painted.size() - 1 - same] == indices[indices.size() - 1 - same]) ++same;
+    shortened += same < painted.size() ? 1 : 0;
+  }
+  EXPECT_GT(shortened, 10);
 }
 
 }  // namespace

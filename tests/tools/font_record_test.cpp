@@ -24,8 +24,7 @@ bool Ink(const Glyph& glyph, int column, int row) {
 // Paints one character at (20, 20), top left of its cell, and compares every pixel with the glyph.
 void CheckPainted(const FontRecord& record, const void* string, const Glyph& glyph, const char* name) {
   TestDevice device({.bitsPerPixel = 8, .width = 100, .height = 100, .fill = 0xFF});
-  DRAWMODE mode = MakeDrawMode();
-  mode.bkMode = TRANSPARENT;
+  DRAWMODE mode = MakeDrawMode({.bkMode = TRANSPARENT});
   const int16_t width = static_cast<int16_t>(tool::CellWidth(glyph));
   QNVDevExtTextOut(device.handle(), 20, 20, &kEverywhere, string, 1, record.memory.data(), 0, &mode, nullptr, &width,
                    nullptr, 0);
@@ -67,21 +66,13 @@ TEST(FontRecord, CellsHoldInkThatHangsOut) {
     int advance, left, columns, cell;
   } cases[] = {{4, -3, 9, 9}, {4, 2, 9, 11}, {4, 2, 2, 4}, {-4, 2, 0, 0}};
   for (const auto& c : cases) {
-    Glyph glyph;
-    glyph.advance = c.advance;
-    glyph.left = c.left;
-    glyph.columns = c.columns;
+    const Glyph glyph{.advance = c.advance, .left = c.left, .columns = c.columns, .bits = {}};
     EXPECT_EQ(tool::CellWidth(glyph), c.cell) << c.advance << ' ' << c.left << ' ' << c.columns;
   }
 }
 
 TEST(FontRecord, CellsReachAsFarAsTheirGlyphs) {
-  Glyph tall;
-  tall.advance = 8;
-  tall.columns = 3;
-  tall.rows = 20;
-  tall.top = 15;
-  tall.bits.assign(20, 0xE0);
+  const Glyph tall{.advance = 8, .top = 15, .columns = 3, .rows = 20, .bits = tool::Bytes(20, 0xE0)};
   const FontRecord record = tool::MakeTwoByteRecord({tall}, 10, 2);
   EXPECT_EQ(record.ascent, 15);
   EXPECT_EQ(record.height, 20);
