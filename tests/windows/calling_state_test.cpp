@@ -12,10 +12,8 @@
 #include <string>
 
 #include "windows/host_work.h"
-#include "windows/loaded_library.h"
 
 namespace qnv::test {
-namespace {
 
 struct HostState {
   uint32_t misalignment = 0;     // of the stack pointer at the call, in bytes below a multiple of 16: 0, 4, 8 or 12
@@ -36,8 +34,6 @@ struct X87State {
 static_assert(sizeof(X87State) == 108);
 
 constexpr uint32_t kRegisters[4] = {0xB0B1B2B3, 0x51525354, 0xD1D2D3D4, 0xE1E2E3E4};
-
-}  // namespace
 
 extern "C" {
 
@@ -234,9 +230,7 @@ INSTANTIATE_TEST_SUITE_P(
 
 TEST(CallingStateWork, CallsEveryFunction) {
   const WorkResult result = DoHostWork(PlainCaller(LinkedLibrary()));
-  for (const PublishedExport& published : kPublishedExports) {
-    EXPECT_TRUE(result.names.contains(published.name)) << published.name;
-  }
+  for (const auto& [ordinal, name] : PublishedExports()) EXPECT_TRUE(result.names.contains(name)) << name;
   EXPECT_GT(std::ranges::count(result.results, 1u), 500);
 }
 

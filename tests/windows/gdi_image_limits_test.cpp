@@ -8,7 +8,6 @@
 #include <vector>
 
 #include "windows/differences.h"
-#include "windows/paired_calls.h"
 
 namespace qnv::test {
 namespace {

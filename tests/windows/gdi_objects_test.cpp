@@ -6,7 +6,6 @@
 #include <vector>
 
 #include "windows/differences.h"
-#include "windows/paired_calls.h"
 
 namespace qnv::test {
 namespace {
@@ -42,11 +41,8 @@ TEST(GdiObjects, DiagonalHatchesOfThePlatformHaveTheSameShape) {
     for (int16_t background : {int16_t{TRANSPARENT}, int16_t{OPAQUE}}) {
       for (int16_t rop2 = R2_BLACK; rop2 <= R2_WHITE; ++rop2) {
         const Witness witness;
-        DRAWMODE mode = MakeDrawMode();
-        mode.Rop2 = rop2;
-        mode.bkMode = background;
-        mode.bkColor = RGB(200, 100, 50);
-        PaintBox(witness, OwnHatches(witness, hatch), mode);
+        PaintBox(witness, OwnHatches(witness, hatch),
+                 MakeDrawMode({.rop2 = rop2, .bkMode = background, .background = RGB(200, 100, 50)}));
         EXPECT_TRUE(witness.Same()) << "hatch " << hatch << ", background " << background << ", code " << rop2;
       }
     }
@@ -63,8 +59,7 @@ TEST(GdiObjectsDifference, OtherHatchesHaveAShapeOfTheirOwn) {
 
 TEST(GdiObjectsDifference, HatchesGrowWithTheResolution) {
   const Witness fine({.resolution = 720});
-  DRAWMODE mode = MakeDrawMode();
-  mode.TextColor = RGB(10, 20, 30);
+  const DRAWMODE mode = MakeDrawMode({.text = RGB(10, 20, 30)});
   PaintBox(fine, HatchPair(fine, HS_DIAGCROSS, mode.TextColor), mode);
   ExpectDifference(kHatchScale, fine);
 }
@@ -93,9 +88,7 @@ TEST(GdiObjectsDifference, OnlyTheCornerOfALargePatternCounts) {
 
 TEST(GdiObjectsDifference, TransfersFillTheGapsOfATransparentHatch) {
   const Witness witness;
-  DRAWMODE mode = MakeDrawMode();
-  mode.bkMode = TRANSPARENT;
-  TransferBox(witness, OwnHatches(witness, HS_FDIAGONAL), mode);
+  TransferBox(witness, OwnHatches(witness, HS_FDIAGONAL), MakeDrawMode({.bkMode = TRANSPARENT}));
   ExpectDifference(kTransparentHatch, witness);
 }
 

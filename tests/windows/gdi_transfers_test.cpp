@@ -10,7 +10,6 @@
 #include "support/random_bytes.h"
 #include "support/transfer_model.h"
 #include "windows/differences.h"
-#include "windows/paired_calls.h"
 
 namespace qnv::test {
 namespace {
@@ -71,18 +70,6 @@ INSTANTIATE_TEST_SUITE_P(AllSources, GdiRop3,
                                          Rop3Case{"one-bit source, 24-bit band", 24, true},
                                          Rop3Case{"8-bit source, 8-bit band", 8, false},
                                          Rop3Case{"one-bit source, 8-bit band", 8, true}));
-
-// A red text on a blue ground, told apart from an exchange of colors or of their bytes.
-TEST(GdiTransfers, OneBitSourcesHaveTheColorsOfText) {
-  Witness witness;
-  DRAWMODE mode = MakeDrawMode();
-  mode.TextColor = RGB(255, 0, 0);
-  mode.bkColor = RGB(0, 0, 128);
-  witness.Apply(mode);
-  const SourcePair source = BitSourcePair(16, 2, 6);
-  EXPECT_TRUE(TransferAgrees(witness, {.area = {.width = 16, .height = 2}, .source = &source, .mode = mode}));
-  EXPECT_EQ(source.library->Bit(0, 0) ? mode.bkColor : mode.TextColor, GetPixel(witness.dc(), 0, 0));
-}
 
 TEST(GdiTransfers, PatternCellsAreCountedFromTheBandsCorner) {
   for (int32_t left : {0, 1, 5, 8, 13, -3}) {

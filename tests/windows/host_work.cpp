@@ -1,8 +1,6 @@
 // Every exported function once or more on one device, called through the host's own way of calling.
 #include "windows/host_work.h"
 
-#include <windows.h>
-
 #include <algorithm>
 #include <array>
 #include <cstdlib>
@@ -28,8 +26,6 @@ class Work {
                      kWorkWidth, kWorkHeight, 360},
         plane_(static_cast<std::size_t>((kWorkWidth * (depth == 8 ? 1 : 3) + 3) & ~3) * kWorkHeight, 0x77),
         tags_(static_cast<std::size_t>((kWorkWidth + 3) & ~3) * kWorkHeight, 0x77) {
-    mode_.TextColor = 0x00123456;
-    mode_.bkColor = 0x00E0C0A1;
     handle_ = Call("QNVEnable", &description_, &band_, plane_.data(), tagged ? tags_.data() : nullptr);
   }
 
@@ -99,13 +95,13 @@ class Work {
   }
 
   void Spans() {
-    static constexpr int16_t kBox[] = {2, 3, 20, 2, 199, 2};
+    static constexpr int16_t kBoxRecord[] = {2, 3, 20, 2, 199, 2};
     for (const PhysicalBrush& brush : brushes_) {
       for (int16_t background : {int16_t{TRANSPARENT}, int16_t{OPAQUE}}) {
         for (int16_t rop2 = R2_BLACK; rop2 <= R2_WHITE; ++rop2) {
           mode_.bkMode = background;
           mode_.Rop2 = rop2;
-          Record("QNVOutput", OS_BANDED_SPANS, 1, kBox, 0, &brush, &mode_, &clip_);
+          Record("QNVOutput", OS_BANDED_SPANS, 1, kBoxRecord, 0, &brush, &mode_, &clip_);
           Record("QNVPixel", 7, 5, 0x00334455, &mode_, &clip_);
         }
       }
@@ -151,7 +147,7 @@ class Work {
   DeviceDescription description_;
   BandRect band_{0, 0, kWorkWidth, kWorkHeight};
   BandRect clip_{-3, -3, kWorkWidth - 1, kWorkHeight - 1};
-  DRAWMODE mode_ = MakeDrawMode();
+  DRAWMODE mode_ = MakeDrawMode({.background = 0x00E0C0A1, .text = 0x00123456});
   FencedBuffer plane_;
   FencedBuffer tags_;
   uint32_t handle_;
@@ -169,9 +165,9 @@ uint32_t CallWithAll(FARPROC function, const AllSlots& slots, std::index_sequenc
 
 }  // namespace
 
-HostCaller PlainCaller(void* module) {
+HostCaller PlainCaller(HMODULE module) {
   return [module](const char* name, const std::vector<uint32_t>& arguments) {
-    const FARPROC function = GetProcAddress(static_cast<HMODULE>(module), name);
+    const FARPROC function = GetProcAddress(module, name);
     AllSlots slots{};
     if (function == nullptr || arguments.size() > slots.size()) std::abort();
     std::copy(arguments.begin(), arguments.end(), slots.begin());

@@ -1,14 +1,38 @@
-// A host's work on every class of device, through every exported function, wide enough for the library's vectors. How
-// the functions are called is the caller's affair.
+// The built DLL as this process has it, what it has to give away, and a host's work through all of that on every class
+// of device, wide enough for the library's vectors. How the functions are called is the caller's affair.
 #pragma once
 
+#include <gtest/gtest.h>
+#include <windows.h>
+
 #include <cstdint>
+#include <fstream>
 #include <functional>
+#include <map>
 #include <set>
 #include <string>
 #include <vector>
 
 namespace qnv::test {
+
+// Names by number.
+inline std::map<uint32_t, std::string> PublishedExports() {
+  std::ifstream file(QNV_TEST_SOURCE_DIR "/published_exports.txt");
+  std::map<uint32_t, std::string> published;
+  std::string name;
+  for (uint32_t ordinal = 0; file >> ordinal >> name;) published[ordinal] = name;
+  EXPECT_EQ(13u, published.size());
+  return published;
+}
+
+// The library that this program is linked with.
+inline HMODULE LinkedLibrary() { return GetModuleHandleA("QNVDRV10.dll"); }
+
+inline std::string PathOf(HMODULE module) {
+  char path[MAX_PATH] = {};
+  GetModuleFileNameA(module, path, MAX_PATH);
+  return path;
+}
 
 // Calls the exported function of that name and returns its result.
 using HostCaller = std::function<uint32_t(const char* name, const std::vector<uint32_t>& arguments)>;
@@ -21,8 +45,8 @@ struct WorkResult {
 
 WorkResult DoHostWork(const HostCaller& call);
 
-// A caller of the plain kind, for the functions of a loaded module (an HMODULE).
-HostCaller PlainCaller(void* module);
+// A caller of the plain kind.
+HostCaller PlainCaller(HMODULE module);
 
 // What fills an argument.
 inline uint32_t Slot(const void* address) { return static_cast<uint32_t>(reinterpret_cast<uintptr_t>(address)); }
