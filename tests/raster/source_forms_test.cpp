@@ -52,8 +52,9 @@ TEST(SourceForms, EveryDepthAndPhase) {
 TEST(SourceForms, AnyDistanceOfRows) {
   for (int rowBytes : {0, 15, 32768, 40000, 65535}) {
     TestDevice device({.width = 10, .height = 3});
-    const SourceImage source(kColorSource, 10, 3, 7, rowBytes - 30);
-    EXPECT_TRUE(TransferPaints(device, {.size = {10, 3}, .rop = SRCCOPY}, &source, {0, 0, 10, 3})) << rowBytes;
+    const SourceImage source(kColorSource, 10, 4, 7, rowBytes - 30);
+    const TransferCall call{.from = {0, 1}, .size = {10, 3}, .rop = SRCCOPY};
+    EXPECT_TRUE(TransferPaints(device, call, &source, {0, 0, 10, 3}, {0, 1})) << rowBytes;
   }
 }
 
