@@ -6,13 +6,6 @@
 #include <cstring>
 
 namespace qnv::bench {
-namespace {
-
-// Logical colors of text and background.
-constexpr uint32_t kInk = 0x00A03C14;
-constexpr uint32_t kPaper = 0x00DCE6F0;
-
-}  // namespace
 
 DeviceFixture::DeviceFixture(const Library& library, Memory& memory, Band band, Shape shape, bool wideHatch)
     : library_(library), memory_(memory), band_(band) {

@@ -9,6 +9,10 @@
 
 namespace qnv::bench {
 
+// Logical text and background color of all rows.
+inline constexpr uint32_t kInk = 0x00A03C14;
+inline constexpr uint32_t kPaper = 0x00DCE6F0;
+
 class DeviceFixture {
  public:
   // `wideHatch` makes the device one of 720 dots per inch, whose brushes have cells of two by two pixels.

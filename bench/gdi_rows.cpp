@@ -14,9 +14,7 @@
 namespace qnv::bench {
 namespace {
 
-// The colors of device_fixture.cpp.
-constexpr COLORREF kInk = 0x00A03C14;
-constexpr COLORREF kPaper = 0x00DCE6F0;
+// The color of the fixture's brush.
 constexpr COLORREF kBrush = 0x00285AC8;
 
 struct GrayInfo {
