@@ -1,4 +1,4 @@
-// The small rules of arithmetic that the reference model is written in.
+// The small rules of arithmetic that the models of the tests are written in.
 #pragma once
 
 #include <algorithm>
