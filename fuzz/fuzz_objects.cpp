@@ -38,7 +38,9 @@ PhysicalPen RealisedPen(Input& input, DeviceHandle* handle) {
                            input.Long()};
   PhysicalPen pen{input.Word(), 1, 1, input.Long()};
   const uint8_t kind = input.Byte();
-  QNVRealizeObject(handle, kind == 0xFF ? input.Long() : OBJ_PEN, kind == 0xFE ? nullptr : &logical, &pen, nullptr);
+  uint32_t object = kind == 0xFF ? input.Long() : OBJ_PEN;
+  if ((object & 0xFFFF) == OBJ_BRUSH) object = OBJ_PEN;  // the records of a brush are larger than these
+  QNVRealizeObject(handle, object, kind == 0xFE ? nullptr : &logical, &pen, nullptr);
   return pen;
 }
 
