@@ -56,26 +56,23 @@ int32_t CoordinateMap::MapKept(int32_t v) const {
   return MapToBand(v);
 }
 
-// The division rounds towards zero; negative columns need the inch that begins left of them.
 CoordinateMap::TableColumns::TableColumns(const CoordinateMap& map, int32_t first) : map_(map) {
-  int32_t inch = first / map.a_;
-  index_ = first % map.a_;
-  if (index_ < 0) {
-    index_ += map.a_;
-    --inch;
-  }
-  inchColumn_ = WrapMultiply(inch, map.b_);
+  const InchPlace place = map.PlaceOf(first);
+  inchColumn_ = WrapMultiply(place.inch, map.b_);
+  index_ = place.index;
 }
 
 int32_t CoordinateMap::PageOf(int32_t band) const {
-  const int32_t inch = band / b_;
-  return WrapAdd(inch * a_, static_cast<int32_t>(bandIndex_[band - inch * b_]));
+  const InchPlace place = PlaceOfBand(band);
+  return WrapAdd(WrapMultiply(place.inch, a_), static_cast<int32_t>(bandIndex_[place.index]));
 }
 
 // For a dropped page pixel it is the band pixel after the nearest one before.
 int32_t CoordinateMap::FirstBandFrom(int32_t v) const {
   const InchPlace place = PlaceOf(v);
-  return place.inch * b_ + FirstKeptFrom(place.index);
+  const uint32_t entry = static_cast<uint32_t>(columnMap_[place.index]);
+  const uint32_t kept = (entry & kDropped) == 0 ? entry : (entry & ~kDropped) + 1;
+  return WrapAdd(WrapMultiply(place.inch, b_), static_cast<int32_t>(kept));
 }
 
 }  // namespace qnv

@@ -53,45 +53,22 @@ class CoordinateMap {
     int32_t index_;       // page column within the inch
   };
 
-  // The inverse of TableColumn: the page column that a band column shows, left of the page too. Page columns before it
-  // are mapped left of the band column, page columns after it right of the band column. Requires: b is not 0.
-  int64_t TablePageOf(int64_t band) const {
-    const int64_t inch = FloorDivide(band, b_);
-    return inch * a_ + bandIndex_[band - inch * b_];
-  }
-  // The first band column whose page column is v or a later one. Requires: Decimates().
-  int64_t FirstTableBandFrom(int32_t v) const {
-    const int64_t inch = FloorDivide(v, a_);
-    return inch * b_ + FirstKeptFrom(static_cast<int32_t>(v - inch * a_));
-  }
-  // Calls take(page column) for the band columns [band, end) until it returns false. Requires: Decimates().
-  template <class Take>
-  void ForEachTablePage(int64_t band, int64_t end, Take take) const {
-    int64_t inch = FloorDivide(band, b_);
-    int32_t index = static_cast<int32_t>(band - inch * b_);
-    for (inch *= a_; band < end; inch += a_, index = 0) {
-      for (; index < b_ && band < end; ++index, ++band) {
-        if (!take(inch + bandIndex_[index])) return;
-      }
-    }
-  }
-
   // True when the band is not finer than the page, so that every band pixel shows a page pixel of its own. Then loops
   // may run over band pixels and look up the page pixel of each.
   bool Decimates() const { return b_ != 0 && b_ <= a_; }
-  // The page pixel that a band pixel shows. Requires: Decimates(), band >= 0.
+  // The page pixel that a band pixel shows, left of the page too. Requires: Decimates().
   int32_t PageOf(int32_t band) const;
   // Calls take(page pixel) for each of the band pixels [band, end) until take returns false. Requires as PageOf.
   template <class Take>
   void ForEachPage(int32_t band, int32_t end, Take take) const {
-    int32_t index = band % b_;
-    for (int32_t inch = PageOf(band - index); band < end; inch = WrapAdd(inch, a_), index = 0) {
-      for (; index < b_ && band < end; ++index, ++band) {
-        if (!take(inch + static_cast<int32_t>(bandIndex_[index]))) return;
+    InchPlace place = PlaceOfBand(band);
+    for (int32_t inch = WrapMultiply(place.inch, a_); band < end; inch = WrapAdd(inch, a_), place.index = 0) {
+      for (; place.index < b_ && band < end; ++place.index, ++band) {
+        if (!take(WrapAdd(inch, static_cast<int32_t>(bandIndex_[place.index])))) return;
       }
     }
   }
-  // The first band pixel whose page pixel is v or a later one. Requires: Decimates(), v >= 0.
+  // The first band pixel whose page pixel is v or a later one. Requires: Decimates().
   int32_t FirstBandFrom(int32_t v) const;
   // The same for the end of a range, which may be 2^31.
   int32_t EndBandOf(int64_t v) const {
@@ -108,24 +85,20 @@ class CoordinateMap {
   // Marks the entry of a page index that no band index shows; the other bits are the nearest band index before it.
   static constexpr uint32_t kDropped = 0x80000000u;
 
-  static constexpr int64_t FloorDivide(int64_t v, int64_t divisor) {
-    return v >= 0 ? v / divisor : -((-v + divisor - 1) / divisor);
-  }
-
-  // Of an inch: the first band index whose page index is `index` or a later one; b when there is none.
-  int32_t FirstKeptFrom(int32_t index) const {
-    const uint32_t entry = static_cast<uint32_t>(columnMap_[index]);
-    return static_cast<int32_t>((entry & kDropped) == 0 ? entry : (entry & ~kDropped) + 1);
-  }
-
-  // A page coordinate as inch and index within the inch.
+  // A coordinate as inch and index within the inch. Inches left of the page are negative.
   struct InchPlace {
     int32_t inch, index;
   };
-  // Requires: v >= 0.
+  // Of a page coordinate.
   InchPlace PlaceOf(int32_t v) const {
-    const int32_t inch = static_cast<int32_t>(byA_.Divide(static_cast<uint32_t>(v)));
-    return {inch, v - inch * a_};
+    const auto divided = [&](int32_t n) { return static_cast<int32_t>(byA_.Divide(static_cast<uint32_t>(n))); };
+    const int32_t inch = v >= 0 ? divided(v) : ~divided(~v);
+    return {inch, WrapSubtract(v, WrapMultiply(inch, a_))};
+  }
+  // Of a band coordinate. Requires: b is not 0.
+  InchPlace PlaceOfBand(int32_t band) const {
+    const int32_t inch = band / b_ - (band % b_ < 0 ? 1 : 0);
+    return {inch, WrapSubtract(band, WrapMultiply(inch, b_))};
   }
 
   uint16_t a_ = 1;

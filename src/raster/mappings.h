@@ -85,7 +85,12 @@ struct KeptMapping {
 
   template <class Paint>
   void ForEachRun(int32_t first, int32_t count, int32_t bandColumns, Paint paint) const {
-    if (map->Decimates()) return ForEachDecimatedRun(first, count, bandColumns, paint);
+    if (map->Decimates()) {
+      const int64_t end = EndOf(first, count);
+      if (end <= 0) return;  // left of the page nothing is kept
+      return ForEachDecimatedRun(map->FirstBandFrom(MaxOf(first, 0)), MinOf(map->EndBandOf(end), bandColumns), 0, first,
+                                 paint);
+    }
     ForEachMappedRun(
         count, bandColumns, [&](int32_t i) { return map->MapKept(WrapAdd(first, i)); }, paint);
   }
@@ -96,8 +101,8 @@ struct KeptMapping {
   template <class Paint>
   void ForEachTableRun(int32_t first, int32_t count, int32_t left, int32_t right, Paint paint) const {
     if (map->Decimates()) {
-      const int64_t reached = map->FirstTableBandFrom(first);
-      return ForEachTableRunFrom(reached > left ? reached : left, first, int64_t{first} + count, left, right, paint);
+      return ForEachDecimatedRun(MaxOf(map->FirstBandFrom(first), left),
+                                 MinOf(map->EndBandOf(int64_t{first} + count), right), left, first, paint);
     }
     CoordinateMap::TableColumns columns(*map, first);
     const auto bandColumnOf = [&](int32_t) {
@@ -137,41 +142,16 @@ struct KeptMapping {
     return end > INT32_MAX ? int64_t{INT32_MAX} + 1 : end;
   }
 
-  // Requires: at most 65,536 caller columns.
+  // For a band that is not finer than the page: each of its columns shows a caller column, so the loop runs over the
+  // band columns [column, end). The columns of a run are counted from `left` in the band and from `first` in the
+  // caller.
   template <class Paint>
-  void ForEachTableRunFrom(int64_t column, int32_t first, int64_t end, int32_t left, int32_t right, Paint paint) const {
+  void ForEachDecimatedRun(int32_t column, int32_t end, int32_t left, int32_t first, Paint paint) const {
     uint16_t indices[kMaxRunPixels];
-    bool some = true;
-    while (some && column < right) {
-      ColumnRun run{static_cast<int32_t>(column - left), 0, 0, indices};
-      some = false;  // until the run is full
-      map->ForEachTablePage(column, right, [&](int64_t page) {
-        if (page >= end) return false;
-        if (run.count == kMaxRunPixels) {
-          some = true;
-          return false;
-        }
-        if (run.count == 0) run.callerColumn = static_cast<int32_t>(page - first);
-        indices[run.count++] = static_cast<uint16_t>(page - first - run.callerColumn);
-        return true;
-      });
-      if (run.count != 0) paint(static_cast<const ColumnRun&>(run));
-      column += run.count;
-    }
-  }
-
-  // For a band that is not finer than the page: its columns are consecutive and each has a caller column, so the loop
-  // runs over band columns.
-  template <class Paint>
-  void ForEachDecimatedRun(int32_t first, int32_t count, int32_t bandColumns, Paint paint) const {
-    if (EndOf(first, count) <= 0) return;
-    int32_t column = map->FirstBandFrom(MaxOf(first, 0));
-    const int32_t endColumn = MinOf(map->EndBandOf(EndOf(first, count)), bandColumns);
-    uint16_t indices[kMaxRunPixels];
-    while (column < endColumn) {
+    while (column < end) {
       const int32_t start = map->PageOf(column);
-      ColumnRun run{column, start - first, 0, indices};
-      map->ForEachPage(column, endColumn, [&](int32_t page) {
+      ColumnRun run{WrapSubtract(column, left), WrapSubtract(start, first), 0, indices};
+      map->ForEachPage(column, end, [&](int32_t page) {
         if (run.count == kMaxRunPixels || page - start > UINT16_MAX) return false;
         indices[run.count++] = static_cast<uint16_t>(page - start);
         return true;

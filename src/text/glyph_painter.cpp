@@ -165,14 +165,17 @@ Rect ReachedLimits(const BandView& band, const KeptMapping& mapping, const Rect&
   const int64_t a = map.a(), b = map.b();
   if (b == 0 || band.rect.left >= band.rect.right || band.rect.top >= band.rect.bottom) return Rect{0, 0, 0, 0};
   Rect reached = limits;
-  const auto cut = [](int32_t& low, int32_t& high, int64_t first, int64_t end) {
+  // Cuts [low, high) to the page pixels of the band pixels [bandFirst, bandEnd). Both mappings round, one to the
+  // nearest pixel and the other within each inch, so two band pixels and a page pixel more on either side are enough.
+  // No mapped coordinate overflows, because the limits do not begin before row and column -32,768 of the band.
+  const auto cut = [&](int32_t& low, int32_t& high, int32_t bandFirst, int32_t bandEnd) {
+    const int64_t first = (int64_t{bandFirst} - 2) * a / b - 1;
+    const int64_t end = (int64_t{bandEnd} + 2) * a / b + 2;
     if (first > low) low = first < high ? static_cast<int32_t>(first) : high;
     if (end < high) high = end > low ? static_cast<int32_t>(end) : low;
   };
-  // Rows are rounded, so two band rows more on either side are enough. Neither these rows nor the columns of the table
-  // overflow, because the limits do not begin before row and column -32,768 of the band.
-  cut(reached.top, reached.bottom, (int64_t{band.rect.top} - 2) * a / b, (int64_t{band.rect.bottom} + 2) * a / b + 1);
-  cut(reached.left, reached.right, map.TablePageOf(band.rect.left), map.TablePageOf(int64_t{band.rect.right} - 1) + 1);
+  cut(reached.top, reached.bottom, band.rect.top, band.rect.bottom);
+  cut(reached.left, reached.right, band.rect.left, band.rect.right);
   return reached;
 }
 

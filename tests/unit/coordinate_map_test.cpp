@@ -89,9 +89,10 @@ TEST(CoordinateMap, PageOfIsTheInverseOfMapKept) {
     SCOPED_TRACE(r);
     const BuiltMap map(r);
     if (!map.Decimates()) continue;
-    for (int32_t band = 0; band < 3 * r.b + 2; ++band) {
+    for (int32_t band = -2 * r.b - 1; band < 3 * r.b + 2; ++band) {
       const int32_t page = map.PageOf(band);
-      ASSERT_EQ(band, map.MapKept(page));
+      ASSERT_EQ(band, TableColumn(map, page));
+      ASSERT_EQ(band < 0 ? -1 : band, map.MapKept(page));
       ASSERT_EQ(band, map.FirstBandFrom(page));
       ASSERT_EQ(band + 1, map.FirstBandFrom(page + 1));
     }
