@@ -1,8 +1,8 @@
 // The page printer for systems that have none of the libraries qnvtool needs: its own font, PPM and PGM files, and no
 // rasteriser but the one it loads. Prints on Windows what it prints natively, so that the pages can be compared.
-#include "qnvtool/bmp_writer.h"
-#include "qnvtool/cmd_make_picture.h"
-#include "qnvtool/cmd_print.h"
+#include "qnvtool/cli/cmd_make_picture.h"
+#include "qnvtool/cli/cmd_print.h"
+#include "qnvtool/output/bmp_writer.h"
 #include "tools/bmp_file.h"
 #include "tools/synthetic_font.h"
 

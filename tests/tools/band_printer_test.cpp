@@ -1,5 +1,5 @@
 // Pages painted band by band.
-#include "qnvtool/band_printer.h"
+#include "qnvtool/paint/band_printer.h"
 
 #include <gtest/gtest.h>
 
@@ -8,9 +8,9 @@
 #include <string>
 
 #include "bmp_file.h"
-#include "qnvtool/bmp_reader.h"
-#include "qnvtool/sample_pictures.h"
-#include "qnvtool/text_layout.h"
+#include "qnvtool/cli/sample_pictures.h"
+#include "qnvtool/input/bmp_reader.h"
+#include "qnvtool/layout/text_layout.h"
 #include "synthetic_font.h"
 #include "tool_errors.h"
 

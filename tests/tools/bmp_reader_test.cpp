@@ -1,13 +1,13 @@
 // BMP files of every kind as bitmaps of the rasteriser, what is said of bad ones, and the files that the tool writes
 // itself.
-#include "qnvtool/bmp_reader.h"
+#include "qnvtool/input/bmp_reader.h"
 
 #include <gtest/gtest.h>
 
 #include <string>
 
 #include "bmp_file.h"
-#include "qnvtool/bmp_writer.h"
+#include "qnvtool/output/bmp_writer.h"
 #include "support/test_device.h"
 #include "tool_errors.h"
 

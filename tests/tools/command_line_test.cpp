@@ -1,9 +1,9 @@
 // Values of options, and what is made from the descriptions of options.
-#include "qnvtool/command_line.h"
+#include "qnvtool/cli/command_line.h"
 
 #include <gtest/gtest.h>
 
-#include "qnvtool/help_text.h"
+#include "qnvtool/cli/help_text.h"
 #include "tool_errors.h"
 
 namespace qnv::test {

@@ -1,13 +1,13 @@
 // Figure files as pages, and what is said of mistakes in them.
-#include "qnvtool/figures.h"
+#include "qnvtool/layout/figures.h"
 
 #include <gtest/gtest.h>
 
 #include <string>
 
 #include "qnvdrv10.h"
-#include "qnvtool/bmp_writer.h"
-#include "qnvtool/sample_pictures.h"
+#include "qnvtool/cli/sample_pictures.h"
+#include "qnvtool/output/bmp_writer.h"
 #include "synthetic_font.h"
 #include "tool_errors.h"
 

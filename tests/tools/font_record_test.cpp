@@ -1,9 +1,9 @@
 // Font records, read back by the library itself.
-#include "qnvtool/font_record.h"
+#include "qnvtool/text/font_record.h"
 
 #include <gtest/gtest.h>
 
-#include "qnvtool/text_lines.h"
+#include "qnvtool/layout/text_lines.h"
 #include "support/test_device.h"
 #include "synthetic_font.h"
 

@@ -5,13 +5,13 @@
 #include <string>
 
 #include "bmp_file.h"
-#include "qnvtool/bmp_reader.h"
-#include "qnvtool/device_choice.h"
-#include "qnvtool/kept_rows.h"
-#include "qnvtool/picture_layout.h"
-#include "qnvtool/picture_strips.h"
-#include "qnvtool/text_layout.h"
-#include "qnvtool/text_lines.h"
+#include "qnvtool/input/bmp_reader.h"
+#include "qnvtool/layout/picture_layout.h"
+#include "qnvtool/layout/text_layout.h"
+#include "qnvtool/layout/text_lines.h"
+#include "qnvtool/paint/device_choice.h"
+#include "qnvtool/paint/kept_rows.h"
+#include "qnvtool/paint/picture_strips.h"
 #include "synthetic_font.h"
 #include "tool_errors.h"
 

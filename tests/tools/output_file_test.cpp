@@ -1,5 +1,5 @@
 // Files that are complete or not there, and the names that they may have.
-#include "qnvtool/output_file.h"
+#include "qnvtool/base/output_file.h"
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -9,9 +9,9 @@
 #include <fstream>
 #include <iterator>
 
-#include "qnvtool/output_names.h"
-#include "qnvtool/picture_writer.h"
-#include "qnvtool/png_writer.h"
+#include "qnvtool/output/output_names.h"
+#include "qnvtool/output/picture_writer.h"
+#include "qnvtool/output/png_writer.h"
 #include "tool_errors.h"
 
 namespace qnv::test {

@@ -1,5 +1,5 @@
 // Picture files of both formats.
-#include "qnvtool/picture_writer.h"
+#include "qnvtool/output/picture_writer.h"
 
 #include <gtest/gtest.h>
 #include <png.h>
@@ -10,7 +10,7 @@
 #include <iterator>
 #include <utility>
 
-#include "qnvtool/png_writer.h"
+#include "qnvtool/output/png_writer.h"
 #include "tool_errors.h"
 
 namespace qnv::test {

@@ -1,5 +1,5 @@
 // Figures as spans, and spans in the encodings of QNVOutput.
-#include "qnvtool/span_region.h"
+#include "qnvtool/layout/span_region.h"
 
 #include <gtest/gtest.h>
 
@@ -8,7 +8,7 @@
 #include <set>
 #include <string>
 
-#include "qnvtool/span_list.h"
+#include "qnvtool/paint/span_list.h"
 #include "support/test_device.h"
 
 namespace qnv::test {

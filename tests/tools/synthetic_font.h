@@ -3,7 +3,7 @@
 
 #include <memory>
 
-#include "qnvtool/font_shelf.h"
+#include "qnvtool/text/font_shelf.h"
 
 namespace qnv::test {
 

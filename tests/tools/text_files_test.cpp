@@ -3,9 +3,9 @@
 
 #include <string>
 
-#include "qnvtool/line_breaker.h"
-#include "qnvtool/text_blocks.h"
-#include "qnvtool/utf8.h"
+#include "qnvtool/base/utf8.h"
+#include "qnvtool/layout/text_blocks.h"
+#include "qnvtool/text/line_breaker.h"
 #include "tool_errors.h"
 
 namespace qnv::test {

@@ -5,7 +5,7 @@
 
 #include <string>
 
-#include "qnvtool/tool_error.h"
+#include "qnvtool/base/tool_error.h"
 
 namespace qnv::test {
 

@@ -1,8 +1,8 @@
 // qnvtool: its commands, with fonts, PNG files and the library that it is linked with.
-#include "cmd_make_picture.h"
-#include "cmd_print.h"
-#include "freetype_font.h"
-#include "png_writer.h"
+#include "qnvtool/cli/cmd_make_picture.h"
+#include "qnvtool/cli/cmd_print.h"
+#include "qnvtool/output/png_writer.h"
+#include "qnvtool/text/freetype_font.h"
 
 namespace qnv::tool {
 namespace {

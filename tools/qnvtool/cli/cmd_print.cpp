@@ -1,0 +1,196 @@
+// The options of `qnvtool print`, and their translation into a print job.
+#include "qnvtool/cli/cmd_print.h"
+
+#include <memory>
+
+#include "qnvtool/base/tool_error.h"
+#include "qnvtool/layout/figures.h"
+
+namespace qnv::tool {
+namespace {
+
+// The values of the command line, some of them still to be parsed.
+struct PrintArguments {
+  PrintOptions options;
+  std::string paper = "a4";
+  std::string device = "color";
+  std::string type = "auto";
+  std::string scale;
+  int dpi = 0;
+  bool fit = false;
+  bool noHeader = false;
+};
+
+// For the shell completion.
+constexpr const char* kFontNames = "serif sans monospace";
+constexpr const char* kFontFiles = "ttf|otf|ttc|pfb";
+
+const std::string kFooter = std::string(
+                                "Every file begins a new page. In text files an empty line ends a paragraph, '#',\n"
+                                "'##' and '###' begin headings, '- ' begins a list item, and lines indented by four\n"
+                                "spaces or a tab are set as they are, in the font for listings. Scripts that join\n"
+                                "letters or run from right to left come out letter by letter.\n\n") +
+                            kFigureFormatHelp + "\n" + kExitCodesHelp;
+
+// Parses the remaining values and prints.
+void Run(PrintArguments& arguments, const PrintParts& parts) {
+  PrintOptions& options = arguments.options;
+  options.paper = ParsePaper(arguments.paper);
+  options.device = ParseDevice(arguments.device, arguments.dpi);
+  if (!arguments.scale.empty()) options.scale = ParseScale(arguments.scale);
+  options.header = !arguments.noHeader;
+  options.type = arguments.type == "bmp"    ? FileType::kBmp
+                 : arguments.type == "text" ? FileType::kText
+                 : arguments.type == "fig"  ? FileType::kFigures
+                                            : FileType::kAuto;
+  Print(options, parts);
+}
+
+}  // namespace
+
+Command PrintCommand(const PrintParts& parts) {
+  auto arguments = std::make_shared<PrintArguments>();
+  PrintOptions& options = arguments->options;
+  const std::string page = "Page";
+  const std::string text = "Text";
+  const std::string device = "Device";
+  Command command{.name = "print",
+                  .summary = "Print BMP, text and figure files to pictures of pages",
+                  .footer = kFooter,
+                  .options = {},
+                  .run = [arguments, parts] { Run(*arguments, parts); }};
+  command.options = {
+      {.names = "files",
+       .placeholder = "FILE",
+       .help = "Files to print, '-' being standard input",
+       .value = Words{&options.files},
+       .required = true,
+       .fileTypes = "*"},
+      {.names = "-o,--out",
+       .placeholder = "OUT.png",
+       .help = "Picture of the page; of several pages OUT-01.png, OUT-02.png and so on. Names ending in .ppm or .pgm "
+               "give those formats, '-' writes PPM or PGM to standard output",
+       .value = Text{&options.out},
+       .required = true,
+       .fileTypes = "png|ppm|pgm"},
+      {.names = "--format",
+       .placeholder = "FORMAT",
+       .help = "Format of all pictures, whatever their names end in: png, ppm (color), pgm (gray)",
+       .value = OneOf{&options.format, {"png", "ppm", "pgm"}}},
+      {.names = "--keep-going",
+       .placeholder = "",
+       .help = "Report files that cannot be used, print the others, and end with exit code 2; without it nothing is "
+               "printed then",
+       .value = Flag{&options.keepGoing}},
+      {.names = "--type",
+       .placeholder = "TYPE",
+       .help = "What the files are: auto (by name, then by content), bmp, text, fig",
+       .value = OneOf{&arguments->type, {"auto", "bmp", "text", "fig"}}},
+      {.names = "-q,--quiet", .placeholder = "", .help = "No progress bar and no notes", .value = Flag{&options.quiet}},
+
+      {.names = "--paper",
+       .placeholder = "SIZE",
+       .help = "a4, letter, or a size such as 100x150mm (default a4)",
+       .value = Text{&arguments->paper},
+       .group = page,
+       .completions = "a4 letter"},
+      {.names = "--dpi",
+       .placeholder = "N",
+       .help = "Resolution that documents are laid out at, 20 to 4800 (default 300)",
+       .value = WholeNumber{&arguments->dpi, kMinDpi, kMaxDpi},
+       .group = page},
+      {.names = "--margin",
+       .placeholder = "MM",
+       .help = "White on all sides (default 20)",
+       .value = Decimal{&options.marginMm, 0, 1000},
+       .group = page},
+      {.names = "--no-header",
+       .placeholder = "",
+       .help = "No line with file name and page number",
+       .value = Flag{&arguments->noHeader},
+       .group = page},
+      {.names = "--fit",
+       .placeholder = "",
+       .help = "Images as large as the page allows (default)",
+       .value = Flag{&arguments->fit},
+       .group = page},
+      {.names = "--scale",
+       .placeholder = "X",
+       .help = "Images at a factor of their own size (72 dpi where the file gives none), or 'pixels': one page pixel "
+               "for each "
+               "image pixel",
+       .value = Text{&arguments->scale},
+       .group = page,
+       .excludes = "--fit",
+       .completions = "pixels"},
+
+      {.names = "--font",
+       .placeholder = "FONT",
+       .help = "Font file or fontconfig name of the text (default serif)",
+       .value = Text{&options.bodyFont},
+       .group = text,
+       .completions = kFontNames,
+       .fileTypes = kFontFiles},
+      {.names = "--heading-font",
+       .placeholder = "FONT",
+       .help = "The same for headings and headers (default sans:bold)",
+       .value = Text{&options.headingFont},
+       .group = text,
+       .completions = kFontNames,
+       .fileTypes = kFontFiles},
+      {.names = "--listing-font",
+       .placeholder = "FONT",
+       .help = "The same for listings (default monospace)",
+       .value = Text{&options.listingFont},
+       .group = text,
+       .completions = kFontNames,
+       .fileTypes = kFontFiles},
+      {.names = "--size",
+       .placeholder = "PT",
+       .help = "Size of the text in points, 2 to 200 (default 11)",
+       .value = Decimal{&options.points, 2, 200},
+       .group = text},
+      {.names = "--verbatim",
+       .placeholder = "",
+       .help = "Keep all lines of text files as they are, as listings",
+       .value = Flag{&options.verbatim},
+       .group = text},
+
+      {.names = "--device",
+       .placeholder = "DEVICE",
+       .help = "color (24 bits), gray (8 bits), dual (color with a plane of tags), or scaled:A/B, scaled-gray:A/B: "
+               "laid out "
+               "at A dpi, printed at B dpi (default color)",
+       .value = Text{&arguments->device},
+       .group = device,
+       .completions = "color gray dual scaled: scaled-gray:"},
+      {.names = "--band-rows",
+       .placeholder = "N",
+       .help = "Rows of a band, 0 for whole pages (default 256). The picture does not depend on it",
+       .value = WholeNumber{&options.bandRows, 0, 1000000},
+       .group = device},
+      {.names = "--library",
+       .placeholder = "FILE",
+       .help = "Rasteriser to load instead of the linked one",
+       .value = Text{&options.library},
+       .group = device,
+       .fileTypes = "so"},
+      {.names = "--tags",
+       .placeholder = "FILE.png",
+       .help =
+           "Write the tag plane of --device dual: pale gray = graphics, text and paper (tag 1), red = images (tag 3), "
+           "yellow = cells of opaque text over images (tag 0); .pgm files hold the tags themselves",
+       .value = Text{&options.tags},
+       .group = device,
+       .fileTypes = "png|pgm"},
+      {.names = "--overlay",
+       .placeholder = "FILE.png",
+       .help = "Write the page with its image areas tinted red (--device dual)",
+       .value = Text{&options.overlay},
+       .group = device,
+       .fileTypes = "png|ppm"},
+  };
+  return command;
+}
+
+}  // namespace qnv::tool

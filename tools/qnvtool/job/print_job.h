@@ -1,0 +1,53 @@
+// Prints files to pictures of pages: the work of `qnvtool print`.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "qnvtool/layout/paper.h"
+#include "qnvtool/layout/picture_layout.h"
+#include "qnvtool/output/picture_writer.h"
+#include "qnvtool/paint/device_choice.h"
+#include "qnvtool/paint/rasteriser.h"
+#include "qnvtool/text/font_shelf.h"
+
+namespace qnv::tool {
+
+enum class FileType { kAuto, kBmp, kText, kFigures };
+
+struct PrintOptions {
+  std::vector<std::string> files;
+  std::string out;     // "-": standard output
+  std::string format;  // of all pictures: "png", "ppm", "pgm"; empty: as the names say
+  bool keepGoing = false;
+  FileType type = FileType::kAuto;
+  Paper paper;
+  double marginMm = 20;
+  DeviceChoice device;
+  int bandRows = 256;  // 0: whole pages
+  PictureScale scale;
+  std::string bodyFont = "serif";
+  std::string headingFont = "sans:bold";
+  std::string listingFont = "monospace";
+  double points = 11;
+  bool verbatim = false;
+  bool header = true;
+  std::string tags;     // tag plane as a picture; empty: none
+  std::string overlay;  // pages with image areas tinted; empty: none
+  std::string library;  // empty: the linked one
+  bool quiet = false;
+};
+
+// The parts that need libraries of the system, or this project's own. A program passes those that it is built with.
+struct PrintParts {
+  FontShelf (*openFonts)(const PrintOptions& options) = nullptr;
+  Rasteriser (*linked)() = nullptr;                                                               // may be absent
+  std::unique_ptr<PictureWriter> (*createPng)(const std::string&, const PictureForm&) = nullptr;  // may be absent
+};
+
+// Lays out every file, then prints the pages. Nothing is written when a name of an output is that of an input, or when
+// a file cannot be used; with keepGoing the files that can be used are printed, each other one is reported on standard
+// error, and the ToolError comes at the end. Throws ToolError, and Interrupted when a signal ends the painting.
+void Print(const PrintOptions& options, const PrintParts& parts);
+
+}  // namespace qnv::tool

@@ -1,0 +1,108 @@
+// Names the files of all pages and finds names that lead to the same file.
+#include "qnvtool/output/output_names.h"
+
+#include <fmt/core.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <set>
+
+#include "qnvtool/base/tool_error.h"
+#ifndef _WIN32
+#include <sys/stat.h>
+#endif
+
+namespace qnv::tool {
+namespace {
+
+namespace fs = std::filesystem;
+
+// Whether the path is a device, a pipe or the like.
+bool IsSpecial(const std::string& path) {
+  std::error_code error;
+  const fs::file_status status = fs::status(path, error);
+  return fs::exists(status) && !fs::is_regular_file(status) && !fs::is_directory(status);
+}
+
+// A set of files. Existing files are compared by device and number, which also finds hard links; all files by their
+// path with links and dots resolved.
+class FileSet {
+ public:
+  // False when the file was in the set already.
+  bool Add(const std::string& path) {
+    bool isNew = paths_.insert(Resolved(path)).second;
+#ifndef _WIN32
+    struct stat file;
+    if (stat(path.c_str(), &file) == 0) isNew = numbers_.insert({file.st_dev, file.st_ino}).second && isNew;
+#endif
+    return isNew;
+  }
+
+  bool Has(const std::string& path) const {
+#ifndef _WIN32
+    struct stat file;
+    if (stat(path.c_str(), &file) == 0 && numbers_.count({file.st_dev, file.st_ino}) != 0) return true;
+#endif
+    return paths_.count(Resolved(path)) != 0;
+  }
+
+ private:
+  // The path in a form that is the same for all spellings of it.
+  static std::string Resolved(const std::string& path) {
+    std::error_code error;
+    fs::path result = fs::weakly_canonical(fs::absolute(path, error), error);
+    if (error) result = fs::path(path).lexically_normal();
+#ifdef _WIN32
+    std::string text = result.string();  // names on Windows are not case-sensitive
+    std::transform(text.begin(), text.end(), text.begin(),
+                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+    return text;
+#else
+    return result.string();
+#endif
+  }
+
+  std::set<std::string> paths_;
+#ifndef _WIN32
+  std::set<std::pair<dev_t, ino_t>> numbers_;
+#endif
+};
+
+}  // namespace
+
+// Inserts the number of the page before the extension.
+std::string PathOfPage(const std::string& path, int page, int pages) {
+  if (pages == 1 || path.empty() || path == "-" || IsSpecial(path)) return path;
+  const auto digits = std::max<std::size_t>(2, fmt::format("{}", pages).size());
+  const fs::path whole(path);
+  fs::path result = whole.parent_path() / whole.stem();
+  result += fmt::format("-{:0{}}", page, digits);
+  result += whole.extension();
+  return result.string();
+}
+
+std::vector<PageNames> NamePages(const PageNames& wanted, int pages, const std::vector<std::string>& inputs) {
+  FileSet read;
+  for (const std::string& input : inputs) {
+    if (!input.empty() && input != "-") read.Add(input);
+  }
+  FileSet written;
+  const auto name = [&](const std::string& path, int page) {
+    std::string result = PathOfPage(path, page, pages);
+    if (result.empty() || result == "-" || IsSpecial(result)) return result;
+    if (read.Has(result)) {
+      throw ToolError(ExitCode::kUsage, fmt::format("{}: is an input file and would be overwritten", result));
+    }
+    if (!written.Add(result)) {
+      throw ToolError(ExitCode::kUsage, fmt::format("{}: named for two different pictures", result));
+    }
+    return result;
+  };
+  std::vector<PageNames> names;
+  for (int page = 1; page <= pages; ++page) {
+    names.push_back({name(wanted.picture, page), name(wanted.tags, page), name(wanted.overlay, page)});
+  }
+  return names;
+}
+
+}  // namespace qnv::tool

@@ -1,0 +1,86 @@
+// Writes PPM and PGM files, and chooses the format of a file.
+#include "qnvtool/output/picture_writer.h"
+
+#include <fmt/core.h>
+
+#include <cctype>
+#include <cstdio>
+#include <filesystem>
+
+#include "qnvtool/base/output_file.h"
+#include "qnvtool/base/tool_error.h"
+
+namespace qnv::tool {
+namespace {
+
+// A binary PNM file: a header in text, then the rows.
+class PnmWriter final : public PictureWriter {
+ public:
+  PnmWriter(const std::string& path, const PictureForm& form) : file_(path), form_(form) {
+    const int kind = form.pixels == PictureForm::Pixels::kColor ? 6 : 5;
+    Write(fmt::format("P{}\n{} {}\n255\n", kind, form.width, form.height));
+  }
+
+  void WriteRows(const uint8_t* first, std::size_t stride, int rows) override {
+    for (int row = 0; row < rows; ++row) {
+      ConvertRow(form_, first + static_cast<std::size_t>(row) * stride, row_);
+      Write(row_);
+    }
+  }
+
+  void Finish() override { file_.Close(); }
+
+ private:
+  template <class Text>
+  void Write(const Text& bytes) {
+    if (std::fwrite(bytes.data(), 1, bytes.size(), file_.get()) != bytes.size()) file_.Fail();
+  }
+
+  OutputFile file_;
+  const PictureForm form_;
+  std::vector<uint8_t> row_;
+};
+
+}  // namespace
+
+void ConvertRow(const PictureForm& form, const uint8_t* row, std::vector<uint8_t>& result) {
+  const auto width = static_cast<std::size_t>(form.width);
+  switch (form.pixels) {
+    case PictureForm::Pixels::kColor:
+      result.resize(width * 3);
+      for (std::size_t i = 0; i < width * 3; i += 3) {
+        result[i] = row[i + 2];
+        result[i + 1] = row[i + 1];
+        result[i + 2] = row[i];
+      }
+      break;
+    case PictureForm::Pixels::kGrayOf3:
+      result.resize(width);
+      for (std::size_t x = 0; x < width; ++x) result[x] = row[3 * x];
+      break;
+    default: result.assign(row, row + width);
+  }
+}
+
+PictureFormat FormatOf(const std::string& path, const std::string& name) {
+  std::string wanted = name;
+  if (wanted.empty()) {
+    if (path == "-") return PictureFormat::kPnm;
+    const std::string extension = std::filesystem::path(path).extension().string();
+    for (const char c : extension.substr(extension.empty() ? 0 : 1)) {
+      wanted += static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+    }
+  }
+  if (wanted == "png") return PictureFormat::kPng;
+  if (wanted == "ppm" || wanted == "pgm" || wanted == "pnm") return PictureFormat::kPnm;
+  throw ToolError(ExitCode::kUsage,
+                  fmt::format("{}: the name says no format that can be written; end it in .png, .ppm or .pgm, or use "
+                              "--format",
+                              path));
+}
+
+std::unique_ptr<PictureWriter> CreatePnmFile(const std::string& path, const PictureForm& form) {
+  return std::make_unique<PnmWriter>(path, form);
+}
+
+}  // namespace qnv::tool

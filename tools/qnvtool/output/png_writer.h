@@ -1,0 +1,14 @@
+// PNG files.
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "qnvtool/output/picture_writer.h"
+
+namespace qnv::tool {
+
+// Creates a PNG file that records the resolution; a tag plane is shown in the colors of the legend.
+std::unique_ptr<PictureWriter> CreatePngFile(const std::string& path, const PictureForm& form);
+
+}  // namespace qnv::tool

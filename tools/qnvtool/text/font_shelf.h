@@ -1,0 +1,34 @@
+// The fonts of a job, opened once for each role and size.
+#pragma once
+
+#include <functional>
+#include <map>
+#include <memory>
+#include <utility>
+
+#include "qnvtool/text/font.h"
+
+namespace qnv::tool {
+
+// What a font is used for.
+enum class FontRole { kBody, kHeading, kListing };
+
+class FontShelf {
+ public:
+  // Opens the glyphs of a role at a size in points.
+  using Opener = std::function<std::unique_ptr<GlyphSource>(FontRole role, double points)>;
+
+  explicit FontShelf(Opener opener) : opener_(std::move(opener)) {}
+
+  std::shared_ptr<Font> Get(FontRole role, double points) {
+    std::shared_ptr<Font>& font = fonts_[{role, points}];
+    if (font == nullptr) font = std::make_shared<Font>(opener_(role, points));
+    return font;
+  }
+
+ private:
+  const Opener opener_;
+  std::map<std::pair<FontRole, double>, std::shared_ptr<Font>> fonts_;
+};
+
+}  // namespace qnv::tool

@@ -1,0 +1,112 @@
+// Breaks lines greedily: a line takes as many characters as fit and then ends at the last place where it may.
+#include "qnvtool/text/line_breaker.h"
+
+namespace qnv::tool {
+namespace {
+
+constexpr char32_t kZeroWidthSpace = 0x200B;
+
+// Characters beside which lines may end without a space.
+bool IsIdeograph(char32_t c) {
+  return (c >= 0x2E80 && c <= 0x9FFF) || (c >= 0xAC00 && c <= 0xD7A3) || (c >= 0xF900 && c <= 0xFAFF) ||
+         (c >= 0xFF01 && c <= 0xFF60) || (c >= 0x20000 && c <= 0x3FFFF);
+}
+
+// Closing punctuation of ideographic text stays on the line of what it closes.
+bool MustFollow(char32_t c) {
+  constexpr std::u32string_view kClosing = U"\u3001\u3002\uFF0C\uFF0E\uFF01\uFF1F\uFF09\u300D\u300F\u3011\u3009";
+  return kClosing.find(c) != std::u32string_view::npos;
+}
+
+bool IsDash(char32_t c) { return c == '-' || c == 0x2010 || c == 0x2013 || c == 0x2014; }
+
+// Whether a line may end between text[at - 1] and text[at]. The caller handles spaces.
+bool BreakBefore(std::u32string_view text, std::size_t at) {
+  const char32_t before = text[at - 1];
+  const char32_t after = text[at];
+  if (before == kSoftHyphen || before == kZeroWidthSpace) return true;
+  if (IsDash(before)) return at >= 2 && text[at - 2] != ' ' && !IsDash(after);  // not after a minus sign
+  return (IsIdeograph(before) || IsIdeograph(after)) && !MustFollow(after);
+}
+
+// Breaks one paragraph.
+class Breaker {
+ public:
+  Breaker(std::u32string_view text, const AdvanceOf& advance, int maxWidth)
+      : text_(text), advance_(advance), maxWidth_(maxWidth), hyphen_(advance('-')) {}
+
+  std::vector<BrokenLine> Run() {
+    std::size_t begin = SkipSpaces(0);
+    while (begin < text_.size()) begin = SkipSpaces(TakeLine(begin));
+    if (!lines_.empty()) lines_.back().last = true;
+    return std::move(lines_);
+  }
+
+ private:
+  std::size_t SkipSpaces(std::size_t at) const {
+    while (at < text_.size() && text_[at] == ' ') ++at;
+    return at;
+  }
+
+  int Width(char32_t c) const { return IsBreakControl(c) ? 0 : advance_(c); }
+
+  // Appends the line that starts at `begin` and returns where it stopped.
+  std::size_t TakeLine(std::size_t begin) {
+    BrokenLine line{begin, begin, false, false, 0, 0};
+    BrokenLine best = line;  // the longest prefix that ends where a line may end
+    std::size_t at = begin;
+    for (; at < text_.size(); ++at) {
+      const char32_t c = text_[at];
+      if (at > begin) NoteBreak(best, line, at, c);
+      const int width = Width(c);
+      if (c != ' ' && line.width + width > maxWidth_ && line.end > begin) break;
+      line.width += width;
+      if (c == ' ') ++line.spaces;
+      line.end = at + 1;
+    }
+    // The rest of the paragraph, or the start of a word that is wider than the line.
+    if (at == text_.size() || best.end == begin) {
+      TrimEnd(line);
+      best = line;
+    }
+    lines_.push_back(best);
+    return best.end;
+  }
+
+  // line: the characters before `at`. Makes it the best line so far if it may end there.
+  void NoteBreak(BrokenLine& best, const BrokenLine& line, std::size_t at, char32_t c) const {
+    if (c != ' ' && !BreakBefore(text_, at)) return;
+    BrokenLine candidate = line;
+    TrimEnd(candidate);
+    if (text_[at - 1] == kSoftHyphen) {
+      candidate.hyphen = true;
+      candidate.width += hyphen_;
+    }
+    if (candidate.width <= maxWidth_ && candidate.end > candidate.begin) best = candidate;
+  }
+
+  // Takes spaces off the end of the line.
+  void TrimEnd(BrokenLine& line) const {
+    while (line.end > line.begin && text_[line.end - 1] == ' ') {
+      --line.end;
+      --line.spaces;
+      line.width -= advance_(' ');
+    }
+  }
+
+  const std::u32string_view text_;
+  const AdvanceOf& advance_;
+  const int maxWidth_;
+  const int hyphen_;
+  std::vector<BrokenLine> lines_;
+};
+
+}  // namespace
+
+bool IsBreakControl(char32_t c) { return c == kSoftHyphen || c == kZeroWidthSpace || c == 0x2060 || c == 0xFEFF; }
+
+std::vector<BrokenLine> BreakLines(std::u32string_view text, const AdvanceOf& advance, int maxWidth) {
+  return Breaker(text, advance, maxWidth).Run();
+}
+
+}  // namespace qnv::tool
