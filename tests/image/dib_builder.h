@@ -7,6 +7,7 @@
 #include <string_view>
 #include <vector>
 
+#include "support/image_place.h"
 #include "support/plane_image.h"
 
 namespace qnv::test {
@@ -146,17 +147,6 @@ inline PictureInks ImageInks(const TestDevice& device, uint16_t bitCount = 24) {
   }
   return inks;
 }
-
-struct ImagePlace {
-  int32_t dstX = 0;
-  int32_t dstY = 0;
-  int32_t dstWidth = 0;
-  int32_t dstHeight = 0;
-  int32_t srcX = 0;
-  int32_t srcY = 0;
-  int32_t srcWidth = 0;
-  int32_t srcHeight = 0;
-};
 
 struct ImageSetup {
   uint32_t rop = SRCCOPY;

@@ -96,14 +96,8 @@ struct ImageCase {
   std::string columns;
   std::string rows;
   BandRect clip = kEverywhere;
-  struct {
-    int32_t left = 0;
-    int32_t top = 0;
-  } band{};
-  struct {
-    int32_t x = 0;
-    int32_t y = 0;
-  } origin{};
+  BandCorner band{};
+  DrawingOrigin origin{};
 };
 
 struct ImageSweep {

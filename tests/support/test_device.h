@@ -13,6 +13,12 @@ namespace qnv::test {
 // The no-op clip of a host: wide enough for every page, still a real rectangle.
 inline constexpr BandRect kEverywhere{-100000, -100000, 100000, 100000};
 
+// The page position of a band's first pixel.
+struct BandCorner {
+  int32_t left = 0;
+  int32_t top = 0;
+};
+
 struct DeviceOptions {
   uint16_t kind = QNV_KIND_RASTER;
   uint16_t bitsPerPixel = 24;

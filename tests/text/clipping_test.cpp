@@ -12,14 +12,8 @@ struct ClipCase {
   int32_t x, y;
   BandRect shown;  // columns and rows of the band in which the text is to be seen
   BandRect clip = kEverywhere;
-  struct {
-    int32_t left = 0;
-    int32_t top = 0;
-  } band{};
-  struct {
-    int32_t x = 0;
-    int32_t y = 0;
-  } origin{};
+  BandCorner band{};
+  DrawingOrigin origin{};
 };
 
 // On a band of 13 x 6.

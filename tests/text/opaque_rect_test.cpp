@@ -22,10 +22,7 @@ struct RectCase {
   BandRect fill;  // both in columns and rows of the band
   BandRect text;
   int32_t count = 1;
-  struct {
-    int32_t x = 0;
-    int32_t y = 0;
-  } origin{};
+  DrawingOrigin origin{};
   std::optional<BandRect> tags{};  // of the rectangle, where they are not below the fill
 };
 

@@ -17,14 +17,8 @@ struct ScaledCase {
   std::string_view columns;
   std::string_view rows;
   BandRect clip = kEverywhere;
-  struct {
-    int32_t left = 0;
-    int32_t top = 0;
-  } band{};
-  struct {
-    int32_t x = 0;
-    int32_t y = 0;
-  } origin{};
+  BandCorner band{};
+  DrawingOrigin origin{};
 };
 
 // On a band of 13 x 6.

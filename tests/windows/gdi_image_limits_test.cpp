@@ -13,11 +13,11 @@ namespace qnv::test {
 namespace {
 
 TEST(GdiImageDifference, OneImageOnEachSide) {
-  constexpr ImageArea kWhole{3, 2, 29, 13, 0, 0, 29, 13};
+  constexpr ImagePlace kWhole{3, 2, 29, 13, 0, 0, 29, 13};
   struct Case {
     Difference why;
     DibForm form;
-    ImageArea area = kWhole;
+    ImagePlace area = kWhole;
     uint16_t depth = 24;
     bool gray = false;
   };

@@ -38,7 +38,7 @@ TEST_P(GdiImages, PartsOfImagesAgree) {
   for (bool topDown : {false, true}) {
     const DibSample dib(GetParam(), {.topDown = topDown, .seed = 8});
     for (unsigned i = 0; i < 48; ++i) {
-      ImageArea area{below(20) - 5, below(14) - 4, 0, 0, below(20), below(9), 0, 0};
+      ImagePlace area{below(20) - 5, below(14) - 4, 0, 0, below(20), below(9), 0, 0};
       area.dstWidth = area.srcWidth = 1 + below(dib.width() - area.srcX);
       area.dstHeight = area.srcHeight = 1 + below(dib.height() - area.srcY);
       if (area.dstX + area.dstWidth <= 0 || area.dstY + area.dstHeight <= 0) continue;
@@ -53,7 +53,7 @@ TEST_P(GdiImages, WholeFactorsAgree) {
     const DibSample dib(GetParam(), {.topDown = topDown, .seed = 9});
     for (int32_t across : {1, 2, 3, 5}) {
       for (int32_t down : {1, 2, 4}) {
-        ImageArea area = WholeImage(dib, 3, 2);
+        ImagePlace area = WholeImage(dib, 3, 2);
         area.dstWidth *= across;
         area.dstHeight *= down;
         for (unsigned mirror : {0u, 1u, 2u, 3u}) {
@@ -146,7 +146,7 @@ TEST(GdiImageRops, EveryCodeAgrees) {
       for (int32_t factor : {1, 2}) {
         // See kPatternWithSource.
         const bool aligned = tiled && threeOperands && RunsUnderWine();
-        const ImageArea area = aligned ? WholeImage(dib, 0, 8, factor) : WholeImage(dib, 3, 5, factor);
+        const ImagePlace area = aligned ? WholeImage(dib, 0, 8, factor) : WholeImage(dib, 3, 5, factor);
         witness.Reset(i);
         ASSERT_TRUE(ImageAgrees(witness, {.dib = &dib, .area = area, .rop = CodeOf(index), .brush = &brush}));
       }
@@ -248,7 +248,7 @@ struct OddRuns {
   const DibForm& form = kRle8Form;
 };
 
-constexpr ImageArea kOddArea = {3, 2, 4, 3, 0, 0, 4, 3};
+constexpr ImagePlace kOddArea = {3, 2, 4, 3, 0, 0, 4, 3};
 
 DibSample OddSample(const RunBytes& data, const DibForm& form = kRle8Form) {
   return DibSample(form, {.width = 4, .height = 3, .seed = 4, .runs = data});

@@ -242,11 +242,11 @@ uint32_t CodeOf(uint8_t index) {
   return uint32_t{index} << 16;
 }
 
-ImageArea WholeImage(const DibSample& dib, int32_t dstX, int32_t dstY, int32_t factor) {
+ImagePlace WholeImage(const DibSample& dib, int32_t dstX, int32_t dstY, int32_t factor) {
   return {dstX, dstY, dib.width() * factor, dib.height() * factor, 0, 0, dib.width(), dib.height()};
 }
 
-ImageArea Mirrored(ImageArea area, unsigned mirror) {
+ImagePlace Mirrored(ImagePlace area, unsigned mirror) {
   const auto turn = [](int32_t* start, int32_t* extent) {
     *start += *extent;
     *extent = -*extent;
@@ -259,7 +259,7 @@ ImageArea Mirrored(ImageArea area, unsigned mirror) {
 }
 
 uint32_t PaintLibraryImage(const Witness& witness, const ImagePair& pair) {
-  const ImageArea& area = pair.area;
+  const ImagePlace& area = pair.area;
   const DRAWMODE mode = MakeDrawMode();
   return QNVStretchDIBits(witness.handle(), 0, area.dstX, area.dstY, area.dstWidth, area.dstHeight, area.srcX,
                           area.srcY, area.srcWidth, area.srcHeight, pair.dib->bits(), pair.dib->info(), nullptr,
@@ -268,7 +268,7 @@ uint32_t PaintLibraryImage(const Witness& witness, const ImagePair& pair) {
 }
 
 int PaintPlatformImage(const Witness& witness, const ImagePair& pair) {
-  const ImageArea& area = pair.area;
+  const ImagePlace& area = pair.area;
   const Selected selected(witness.dc(), {PlatformBrush(pair.brush)}, pair.clip);
   return StretchDIBits(witness.dc(), area.dstX, area.dstY, area.dstWidth, area.dstHeight, area.srcX, area.srcY,
                        area.srcWidth, area.srcHeight, pair.dib->bits(), pair.dib->info(), DIB_RGB_COLORS, pair.rop);
@@ -278,7 +278,7 @@ void PaintImage(const Witness& witness, const ImagePair& pair) {
   EXPECT_EQ(1u, PaintLibraryImage(witness, pair));
   // The platform's turned extent starts with the pixel named, the library's ends before it. Source rows count upwards.
   ImagePair platform = pair;
-  ImageArea& area = platform.area;
+  ImagePlace& area = platform.area;
   if (area.dstWidth < 0) --area.dstX;
   if (area.dstHeight < 0) --area.dstY;
   if (area.srcWidth < 0) --area.srcX;

@@ -14,6 +14,7 @@
 #include <type_traits>
 #include <vector>
 
+#include "support/image_place.h"
 #include "support/plane_image.h"
 #include "support/source_image.h"
 #include "support/test_device.h"
@@ -168,28 +169,17 @@ testing::AssertionResult TransferAgrees(const Witness& witness, const TransferPa
 // The code as the platform publishes it where it has a name for it; the library and today's GDI read the index alone.
 uint32_t CodeOf(uint8_t index);
 
-struct ImageArea {
-  int32_t dstX = 0;  // page coordinates
-  int32_t dstY = 0;
-  int32_t dstWidth = 0;
-  int32_t dstHeight = 0;
-  int32_t srcX = 0;
-  int32_t srcY = 0;
-  int32_t srcWidth = 0;
-  int32_t srcHeight = 0;
-};
-
 // The whole of an image, each pixel `factor` times as wide and as high.
-ImageArea WholeImage(const DibSample& dib, int32_t dstX, int32_t dstY, int32_t factor = 1);
+ImagePlace WholeImage(const DibSample& dib, int32_t dstX, int32_t dstY, int32_t factor = 1);
 
 enum Mirror : unsigned { kTurnDstX = 1, kTurnDstY = 2, kTurnSrcX = 4, kTurnSrcY = 8 };
 
 // The same rectangles with the named extents counted from the other end.
-ImageArea Mirrored(ImageArea area, unsigned mirror);
+ImagePlace Mirrored(ImagePlace area, unsigned mirror);
 
 struct ImagePair {
   const DibSample* dib = nullptr;
-  ImageArea area;
+  ImagePlace area;
   uint32_t rop = SRCCOPY;
   const BrushPair* brush = nullptr;
   BandRect clip = kEverywhere;
