@@ -65,9 +65,8 @@ void ForEachSeen(const PixelAxis& axis, int64_t first, int64_t last, Visit visit
     while (v + step < end && bandOf(v + step) == pixel) step *= 2;
     const int64_t limit = v + step < end ? v + step : end;
     const int64_t next = firstPast(v + step / 2, limit, [&](int64_t point) { return bandOf(point) > pixel; });
-    const int64_t following = next > v ? next : v + 1;
-    visit(static_cast<int32_t>(v), following - v);
-    v = following;
+    visit(static_cast<int32_t>(v), next - v);
+    v = next;
   }
   visitOutside(first > farthest + 1 ? first : farthest + 1, last + 1);
 }
