@@ -46,13 +46,15 @@ uint32_t Device::PolyPixel(int32_t x1, int32_t y1, int32_t x2, int32_t y2, const
   const PixelReach reach = Reach(*a.clip);
   const PixelAxis columns{reach.limits.left, reach.limits.right, reach.band.left, reach.band.right, reach.map};
   const PixelAxis rows{reach.limits.top, reach.limits.bottom, reach.band.top, reach.band.bottom, reach.map};
-  const int32_t originX = state_.origin.x, originY = state_.origin.y;
-  ForEachSeenOfCaller(rows, std::min(y1, y2), std::max(y1, y2), originY, [&](int32_t yDevice, int64_t yCount) {
-    const int32_t y = WrapSubtract(yDevice, originY);
-    ForEachSeenOfCaller(columns, std::min(x1, x2), std::max(x1, x2), originX, [&](int32_t xDevice, int64_t xCount) {
-      RepeatPixel(WrapSubtract(xDevice, originX), y, static_cast<uint64_t>(yCount) * static_cast<uint64_t>(xCount), a);
-    });
-  });
+  const Origin origin = state_.origin;
+  int32_t x, y;
+  int64_t xCount, yCount;
+  for (SeenPoints seenRows(rows, std::min(y1, y2), std::max(y1, y2), origin.y); seenRows.Next(&y, &yCount);) {
+    for (SeenPoints seen(columns, std::min(x1, x2), std::max(x1, x2), origin.x); seen.Next(&x, &xCount);) {
+      RepeatPixel(WrapSubtract(x, origin.x), WrapSubtract(y, origin.y),
+                  static_cast<uint64_t>(yCount) * static_cast<uint64_t>(xCount), a);
+    }
+  }
   return 0;
 }
 

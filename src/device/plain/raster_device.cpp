@@ -30,12 +30,10 @@ void RasterDevice::ClearBand() {
   ClearWords(state_.buffer, WrapAdd(rowBytes, 3) / 4, state_.description.height, 0xFF);
 }
 
-// A null buffer is an empty band, so that every call runs through and paints nothing.
 BandView RasterDevice::BandOf(uint32_t bytesPerPixel) const {
-  BandView band{state_.buffer, state_.stride, state_.bandRect, bytesPerPixel};
-  if (state_.buffer == nullptr) {
-    band.rect = Rect{0, 0, 0, 0};
-  } else if (bytesPerPixel > DescribedBytes()) {
+  BandView band = Band();
+  band.bytesPerPixel = bytesPerPixel;
+  if (state_.buffer != nullptr && bytesPerPixel > DescribedBytes()) {
     // The host allocated the band for fewer bytes a pixel: only what lies in that memory is painted.
     const Rect memory{band.rect.left, band.rect.top,
                       WrapAdd(band.rect.left, static_cast<int32_t>(state_.stride / bytesPerPixel)),

@@ -27,7 +27,10 @@ class RasterDevice : public Device {
   virtual void PaintImageRow(const BltArguments& row) = 0;
 
   // The band, seen in pixels of the described depth.
-  BandView Band() const { return BandOf(DescribedBytes()); }
+  BandView Band() const {
+    const Rect rect = state_.buffer != nullptr ? Rect{state_.bandRect} : Rect{0, 0, 0, 0};
+    return {state_.buffer, state_.stride, rect, DescribedBytes()};
+  }
   // The band, seen in pixels of another depth; limited to what lies in memory of the described size.
   BandView BandOf(uint32_t bytesPerPixel) const;
 
