@@ -32,10 +32,20 @@
  *   - The platform's names (BITMAPINFOHEADER, R2_COPYPEN ...) are declared here only where the platform's
  *     own header has not done so: a host that needs both includes <windows.h> first.
  */
+#if defined(QNVDRV10_H) && defined(QNVDRV10_DECLARES_PLATFORM) && defined(_WINGDI_)
+#error "Include <windows.h> before qnvdrv10.h: it was included between two inclusions of qnvdrv10.h"
+#endif
+
 #ifndef QNVDRV10_H
 #define QNVDRV10_H
 
 #include <stdint.h>
+
+/* The version of this header and of the library built with it. QNVDRV10_VERSION can be compared: 1.2.3 is 10203. */
+#define QNVDRV10_VERSION_MAJOR 0
+#define QNVDRV10_VERSION_MINOR 1
+#define QNVDRV10_VERSION_PATCH 0
+#define QNVDRV10_VERSION (QNVDRV10_VERSION_MAJOR * 10000 + QNVDRV10_VERSION_MINOR * 100 + QNVDRV10_VERSION_PATCH)
 
 #ifdef __cplusplus
 extern "C" {
@@ -198,14 +208,17 @@ typedef struct FONTINFO {
 } FONTINFO;
 
 #ifndef _WINGDI_
+#define QNVDRV10_DECLARES_PLATFORM
 /* The description of a device-independent bitmap: 40 bytes. At 1, 4 and 8 bits the color table follows at byte
  * biSize (four bytes a color: blue, green, red, unused); at 16 bits with BI_BITFIELDS three masks follow at byte 40
  * (red, green, blue; four bytes each, the upper two not used).
  *
  * Run-length data (BI_RLE8, BI_RLE4) has no length here: the host puts 260 + 2 * |biHeight| zero bytes behind the bytes
  * of the document. Nothing beyond them is read, whatever the data holds. An end code as the last two bytes is not
- * enough, because hostile data may skip it. */
-typedef struct BITMAPINFOHEADER {
+ * enough, because hostile data may skip it.
+ *
+ * A compiler that meets <windows.h> after this header stops at its record of the same name and prints this tag. */
+typedef struct include_windows_h_before_qnvdrv10_h {
   uint32_t biSize;         /* 40..4096 at 1, 4 and 8 bits, other values are refused; not used at other depths */
   int32_t biWidth;         /* pixels, 1..32767; other values are refused */
   int32_t biHeight;        /* rows, 1..32767 or negative: top row stored first; other values are refused */
@@ -353,9 +366,10 @@ uint32_t QNV_CALL QNVPolyPixel(DeviceHandle *handle, int32_t x1, int32_t y1, int
                                const DRAWMODE *drawMode, const BandRect *clip);
 
 /* Combines source, pattern and band over a rectangle by a ternary raster operation, whose index is in bits 16..23 of
- * `rop`. `source` is read only when the operation uses the source; `brush` and `drawMode` give the pattern, and a null
- * drawMode keeps the pattern of the call before. A null `clip` paints nothing; a clip of four zeros after the origin is
- * added does not limit. 16-bit result: 1 whatever was painted; 0 when a dual-plane device cannot tag the transfer. */
+ * `rop`. `source` is read only when the operation uses the source; `brush` and `drawMode` give the pattern, and with a
+ * null drawMode a brush that is not solid keeps the pattern of the call before. A null `clip` paints nothing; a clip of
+ * four zeros after the origin is added does not limit. 16-bit result: 1 whatever was painted; 0 when a dual-plane
+ * device cannot tag the transfer. */
 uint32_t QNV_CALL QNVDevBitBlt(DeviceHandle *handle, int32_t destX, int32_t destY, const SourceBitmap *source,
                                int32_t srcX, int32_t srcY, int32_t width, int32_t height, uint32_t rop,
                                const PhysicalBrush *brush, const DRAWMODE *drawMode, const BandRect *clip);
@@ -420,6 +434,59 @@ uint32_t QNV_CALL QNVStretchDIBits(DeviceHandle *handle, uint32_t get, int32_t d
 uint32_t QNV_CALL QNVDevSetDIBitsToDevice(DeviceHandle *handle, int32_t x, int32_t y, uint32_t startScan,
                                           uint32_t numScans, const BandRect *clip, const DRAWMODE *drawMode,
                                           const void *bits, const void *bitmapInfo, const void *conversionInfo);
+
+/* ---- Loading the library by hand ---------------------------------------------------------------------- */
+
+/* The types of the functions, for what GetProcAddress or dlsym returns. */
+typedef DeviceHandle *(QNV_CALL *QNVEnableFunction)(const DeviceDescription *description, const BandRect *bandRect,
+                                                    void *buffer, void *secondBuffer);
+typedef void(QNV_CALL *QNVDisableFunction)(DeviceHandle *handle);
+typedef uint32_t(QNV_CALL *QNVGetDeviceInfoFunction)(const DeviceDescription *description, DeviceSize *result);
+typedef uint32_t(QNV_CALL *QNVControlFunction)(DeviceHandle *handle, uint32_t code, const void *data, void *extra);
+typedef uint32_t(QNV_CALL *QNVColorInfoFunction)(DeviceHandle *handle, uint32_t colour, uint32_t *result);
+typedef uint32_t(QNV_CALL *QNVRealizeObjectFunction)(DeviceHandle *handle, uint32_t kind, const void *input,
+                                                     void *output, const void *extra);
+typedef uint32_t(QNV_CALL *QNVPixelFunction)(DeviceHandle *handle, int32_t x, int32_t y, uint32_t colour,
+                                             const DRAWMODE *drawMode, const BandRect *clip);
+typedef uint32_t(QNV_CALL *QNVPolyPixelFunction)(DeviceHandle *handle, int32_t x1, int32_t y1, int32_t x2, int32_t y2,
+                                                 uint32_t colour, const DRAWMODE *drawMode, const BandRect *clip);
+typedef uint32_t(QNV_CALL *QNVDevBitBltFunction)(DeviceHandle *handle, int32_t destX, int32_t destY,
+                                                 const SourceBitmap *source, int32_t srcX, int32_t srcY, int32_t width,
+                                                 int32_t height, uint32_t rop, const PhysicalBrush *brush,
+                                                 const DRAWMODE *drawMode, const BandRect *clip);
+typedef uint32_t(QNV_CALL *QNVOutputFunction)(DeviceHandle *handle, uint32_t style, uint32_t count,
+                                              const int16_t *points, const PhysicalPen *pen, const PhysicalBrush *brush,
+                                              const DRAWMODE *drawMode, const BandRect *clip);
+typedef int32_t(QNV_CALL *QNVDevExtTextOutFunction)(DeviceHandle *handle, int32_t x, int32_t y, const BandRect *clip,
+                                                    const void *string, int32_t count, const void *fontBase,
+                                                    uint32_t fontOffset, DRAWMODE *drawMode, const void *textXForm,
+                                                    const int16_t *charWidths, const BandRect *opaqueRect,
+                                                    uint32_t options);
+typedef uint32_t(QNV_CALL *QNVStretchDIBitsFunction)(DeviceHandle *handle, uint32_t get, int32_t dstX, int32_t dstY,
+                                                     int32_t dstWidth, int32_t dstHeight, int32_t srcX, int32_t srcY,
+                                                     int32_t srcWidth, int32_t srcHeight, const void *bits,
+                                                     const void *bitmapInfo, const void *conversionInfo, uint32_t rop,
+                                                     const PhysicalBrush *brush, const DRAWMODE *drawMode,
+                                                     const BandRect *clip);
+typedef uint32_t(QNV_CALL *QNVDevSetDIBitsToDeviceFunction)(DeviceHandle *handle, int32_t x, int32_t y,
+                                                            uint32_t startScan, uint32_t numScans, const BandRect *clip,
+                                                            const DRAWMODE *drawMode, const void *bits,
+                                                            const void *bitmapInfo, const void *conversionInfo);
+
+/* The ordinals of the DLL's exports. A published number never changes. */
+#define QNV_ORDINAL_QNVDevBitBlt 1
+#define QNV_ORDINAL_QNVColorInfo 2
+#define QNV_ORDINAL_QNVControl 3
+#define QNV_ORDINAL_QNVDisable 4
+#define QNV_ORDINAL_QNVEnable 5
+#define QNV_ORDINAL_QNVOutput 8
+#define QNV_ORDINAL_QNVPixel 9
+#define QNV_ORDINAL_QNVRealizeObject 10
+#define QNV_ORDINAL_QNVDevExtTextOut 14
+#define QNV_ORDINAL_QNVDevSetDIBitsToDevice 21
+#define QNV_ORDINAL_QNVStretchDIBits 28
+#define QNV_ORDINAL_QNVGetDeviceInfo 100
+#define QNV_ORDINAL_QNVPolyPixel 109
 
 #ifdef __cplusplus
 }

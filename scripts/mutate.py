@@ -47,6 +47,8 @@ REPLACEMENTS = [
 ]
 # Lines without anything that runs: declarations of types, templates, assertions that the compiler checks.
 SKIPPED_LINE = re.compile(r"\s*(#|//|\*|/\*|using |namespace |template|static_assert|class |struct |enum |return;|friend )")
+# The smaller or larger of two values, where < and <= give the same.
+MIN_OR_MAX = re.compile(r"(\S+) [<>]=? (\S+) \? (?:\1 : \2|\2 : \1)\b")
 SKIPPED_FILE = re.compile(r"entry/record_layout\.cpp$")
 
 Mutation = collections.namedtuple("Mutation", "file line column old new text")
@@ -56,6 +58,13 @@ def code_of(line):
     """The line without its comment and with blanks for what stands in quotes."""
     line = re.sub(r'"(\\.|[^"\\])*"|\'(\\.|[^\'\\])\'', lambda m: " " * len(m.group()), line)
     return line.split("//")[0]
+
+
+def only_ties_change(code, match, new):
+    """Whether a comparison that chooses the smaller or larger value changes for equal values only."""
+    old, new = match.group().strip(), new.strip()
+    return (old + new in ("<<=", "<=<", ">>=", ">=>")
+            and any(m.start() <= match.start() < m.end() for m in MIN_OR_MAX.finditer(code)))
 
 
 def all_mutations(files):
@@ -71,6 +80,8 @@ def all_mutations(files):
             if not in_assert and not SKIPPED_LINE.match(code):
                 for pattern, new in REPLACEMENTS:
                     for match in re.finditer(pattern, code):
+                        if only_ties_change(code, match, new):
+                            continue
                         found.append(Mutation(name, number, match.start(), match.group(), new, line.strip()))
             if in_assert and ";" in code:
                 in_assert = False

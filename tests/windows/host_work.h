@@ -6,24 +6,15 @@
 #include <windows.h>
 
 #include <cstdint>
-#include <fstream>
 #include <functional>
 #include <map>
 #include <set>
 #include <string>
 #include <vector>
 
-namespace qnv::test {
+#include "support/published_exports.h"
 
-// Names by number.
-inline std::map<uint32_t, std::string> PublishedExports() {
-  std::ifstream file(QNV_TEST_SOURCE_DIR "/published_exports.txt");
-  std::map<uint32_t, std::string> published;
-  std::string name;
-  for (uint32_t ordinal = 0; file >> ordinal >> name;) published[ordinal] = name;
-  EXPECT_EQ(13u, published.size());
-  return published;
-}
+namespace qnv::test {
 
 // The library that this program is linked with.
 inline HMODULE LinkedLibrary() { return GetModuleHandleA("QNVDRV10.dll"); }
