@@ -8,8 +8,8 @@
 #include <string>
 
 #include "bmp_file.h"
+#include "picture_inputs.h"
 #include "qnvtool/cli/sample_pictures.h"
-#include "qnvtool/input/bmp_reader.h"
 #include "qnvtool/layout/text_layout.h"
 #include "synthetic_font.h"
 #include "tool_errors.h"
@@ -60,19 +60,17 @@ Printed PrintPage(const Page& page, const DeviceChoice& device, int bandRows) {
   return result;
 }
 
-std::shared_ptr<const tool::Dib> Image(uint16_t bits, int32_t width, int32_t height, uint32_t compression = BI_RGB) {
-  const BmpFile file = NoiseBmp(bits, width, height, compression);
-  return std::make_shared<const tool::Dib>(tool::ReadBmp(file.Bytes(), "image"));
+tool::PicturePtr Image(uint16_t bits, int32_t width, int32_t height, uint32_t compression = BI_RGB) {
+  return OpenPicture(NoiseBmp(bits, width, height, compression).Bytes());
 }
 
-Picture Placed(std::shared_ptr<const tool::Dib> dib, tool::Rect place, uint32_t rop = SRCCOPY,
-               tool::Rect clip = {0, 0, 230, 300}) {
-  return {.dib = std::move(dib), .name = "image", .place = place, .clip = clip, .rop = rop};
+Picture Placed(tool::PicturePtr file, tool::Rect place, uint32_t rop = SRCCOPY, tool::Rect clip = {0, 0, 230, 300}) {
+  return {.file = std::move(file), .name = "image", .place = place, .clip = clip, .rop = rop};
 }
 
 // A page with nothing but a picture.
-Page PicturePage(int width, int height, std::shared_ptr<const tool::Dib> dib, tool::Rect place) {
-  return {.width = width, .height = height, .items = {Placed(std::move(dib), place, SRCCOPY, {0, 0, width, height})}};
+Page PicturePage(int width, int height, tool::PicturePtr file, tool::Rect place) {
+  return {.width = width, .height = height, .items = {Placed(std::move(file), place, SRCCOPY, {0, 0, width, height})}};
 }
 
 Figure Filled(tool::SpanRegion region, const Fill& fill, int16_t rop2 = R2_COPYPEN) {
@@ -160,13 +158,13 @@ TEST(BandPrinter, ImagesOfAnyScaleDoNotDependOnTheBands) {
 // Row y of the page shows the source row under its middle.
 TEST(BandPrinter, ImagesComeOutWhereTheyBelong) {
   const DeviceChoice device = Device("color");
-  const auto dib = Image(24, 9, 40);
-  const Printed printed = PrintPage(PicturePage(120, 110, dib, {10, 5, 10 + 90, 5 + 100}), device, 16);
-  const std::size_t stride = tool::DibStride(9, 24);
+  const BmpFile file = NoiseBmp(24, 9, 40);
+  const Printed printed =
+      PrintPage(PicturePage(120, 110, OpenPicture(file.Bytes()), {10, 5, 10 + 90, 5 + 100}), device, 16);
   for (int y = 0; y < 100; ++y) {
     for (int x = 0; x < 90; ++x) {
       const std::size_t stored = static_cast<std::size_t>(39 - y * 40 / 100);
-      const uint8_t* const source = dib->bits.data() + stored * stride + static_cast<std::size_t>(x / 10) * 3;
+      const uint8_t* const source = file.pixels.data() + stored * file.stride() + static_cast<std::size_t>(x / 10) * 3;
       ASSERT_EQ(std::memcmp(printed.At(10 + x, 5 + y), source, 3), 0) << x << ',' << y;
     }
   }
@@ -182,8 +180,7 @@ TEST(BandPrinter, StripsStandInOrder) {
     for (int row = 0; row < 600; ++row) {
       file.pixels.insert(file.pixels.end(), {static_cast<uint8_t>(row), static_cast<uint8_t>(row >> 8), 0, 0});
     }
-    const auto dib = std::make_shared<const tool::Dib>(tool::ReadBmp(file.Bytes(), "x"));
-    const Printed printed = PrintPage(PicturePage(8, 720, dib, {2, 3, 6, 3 + 701}), device, 64);
+    const Printed printed = PrintPage(PicturePage(8, 720, OpenPicture(file.Bytes()), {2, 3, 6, 3 + 701}), device, 64);
     for (int y = 0; y < 701; ++y) {
       const uint8_t* const pixel = printed.At(4, 3 + y);
       const int stored = pixel[0] | pixel[1] << 8;

@@ -23,7 +23,10 @@ using tool::TextLine;
 class Figures : public testing::Test {
  protected:
   std::vector<Page> LayOut(const std::string& text, const std::string& path = "x.fig") {
-    return tool::LayOutFigures({text.begin(), text.end()}, setup_, path);
+    const auto openImage = [](const std::string& file) {
+      return tool::OpenPictures(tool::OpenInput(file), {}, {})->Open(0);
+    };
+    return tool::LayOutFigures({text.begin(), text.end()}, setup_, path, openImage);
   }
 
   std::string FigureErrorOf(const std::string& text) {

@@ -5,7 +5,7 @@
 #include <string>
 
 #include "bmp_file.h"
-#include "qnvtool/input/bmp_reader.h"
+#include "picture_inputs.h"
 #include "qnvtool/layout/picture_layout.h"
 #include "qnvtool/layout/text_layout.h"
 #include "qnvtool/layout/text_lines.h"
@@ -68,14 +68,14 @@ TEST(PictureScale, Parsed) {
 
 class Layout : public testing::Test {
  protected:
-  static std::shared_ptr<const tool::Dib> Image(int width, int height, uint32_t xPerMetre, uint32_t yPerMetre) {
+  static tool::PicturePtr Image(int width, int height, uint32_t xPerMetre, uint32_t yPerMetre) {
     BmpFile file{.width = width, .height = height, .xPixelsPerMetre = xPerMetre, .yPixelsPerMetre = yPerMetre};
     file.pixels.resize(file.stride() * static_cast<std::size_t>(height));
-    return std::make_shared<const tool::Dib>(tool::ReadBmp(file.Bytes(), "x.bmp"));
+    return OpenPicture(file.Bytes());
   }
 
-  tool::Rect PlaceOf(std::shared_ptr<const tool::Dib> dib, const PictureScale& scale) {
-    const Page page = tool::LayOutPicture(std::move(dib), scale, setup_, "x.bmp");
+  tool::Rect PlaceOf(tool::PicturePtr picture, const PictureScale& scale) {
+    const Page page = tool::LayOutPicture(std::move(picture), scale, setup_, "x.bmp");
     return std::get<Picture>(page.items.back()).place;
   }
 

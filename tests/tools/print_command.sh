@@ -40,7 +40,12 @@ printf 'ellipse 5 5 30 20 fill=hatch:cross:#102030\nimage map.bmp 5 30 30 -\n' >
 printf 'caf\xe9' >latin.txt
 printf '\0\1\2' >binary.txt
 head -c 40 photo.bmp >cut.bmp
+head -c 60 photo.bmp >norows.bmp
 head -c 3000 photo.bmp >rows.bmp
+printf 'PK\3\4zip' >zip.bmp
+printf '%%PDF-1.7\n' >doc.txt
+printf 'BMW and OTTO are words.' >words.txt
+cp photo.bmp photo.txt
 small=(--paper 80x60mm --margin 5 --dpi 60)
 
 # What works.
@@ -68,6 +73,22 @@ if [ -e "$bin/libqnvdrv10.so" ]; then
   cmp -s linked.ppm loaded.ppm || fail "the loaded library paints another page than the linked one"
 fi
 
+# What is repaired is said, once.
+expect_note() { # NOTE ARGUMENT...
+  "$tool" "${@:2}" 2>stderr || fail "exit code $? with a note: ${*:2}"
+  [ "$(cat stderr)" = "qnvtool: $1" ] || fail "notes: $(cat stderr) [${*:2}]"
+  "$tool" "${@:2}" -q 2>stderr
+  [ ! -s stderr ] || fail "notes in spite of -q: $(cat stderr)"
+}
+expect_note "rows.bmp: note: 50 of 60 rows are missing or damaged and stay white: the file ends at byte 3000" \
+  print rows.bmp rows.bmp "${small[@]}" -o notes.png
+
+# Files are what they hold, not what their names say.
+expect 0 "" print photo.bmp "${small[@]}" --no-header -o byname.png
+expect 0 "" print photo.txt "${small[@]}" --no-header -o bycontent.png
+cmp -s byname.png bycontent.png || fail "photo.txt is another page than photo.bmp"
+expect 0 "" print words.txt "${small[@]}" -o words.png
+
 # Wrong command lines.
 expect 1 "subcommand is required"
 expect 1 "--out is required" print photo.bmp
@@ -81,7 +102,7 @@ expect 1 "no such font file" print text.txt -o out.png --font ./none.ttf
 expect 1 "out.jpg: the name says no format" print photo.bmp -o out.jpg
 expect 1 "out.pgm: PGM files are gray" print photo.bmp -o out.pgm
 expect 1 "--format jpg: use one of png, ppm, pgm" print photo.bmp -o out.png --format jpg
-expect 1 "--type jpg: use one of auto, bmp, text, fig" print photo.bmp -o out.png --type jpg
+expect 1 "--type jpg: use one of auto, picture, text, fig" print photo.bmp -o out.png --type jpg
 expect 1 "--dpi 0: use a whole number from 20 to 4800" print photo.bmp -o out.png --dpi 0
 expect 1 "--margin nan: use a number from 0 to 1000" print photo.bmp -o out.png --margin nan
 expect 1 "--size inf: use a number from 2 to 200" print photo.bmp -o out.png --size inf
@@ -97,8 +118,10 @@ expect 2 "empty.txt: is empty" print empty.txt -o out.png
 expect 2 "latin.txt: is no UTF-8 text: byte 0xe9 at offset 3" print latin.txt -o out.png
 expect 2 "binary.txt: is no text: zero byte at offset 0" print binary.txt -o out.png
 expect 2 "cut.bmp: header: the file ends at byte 40" print cut.bmp -o out.png
-expect 2 "rows.bmp: pixel rows: " print rows.bmp -o out.png
-expect 2 "text.txt: bfType: " print text.txt -o out.png --type bmp
+expect 2 "norows.bmp: pixel rows: " print norows.bmp -o out.png
+expect 2 "text.txt: is no picture" print text.txt -o out.png --type picture
+expect 2 "zip.bmp: is a zip archive: unpack it first" print zip.bmp -o out.png
+expect 2 "doc.txt: is a PDF document: turn its pages into pictures" print doc.txt -o out.png
 expect 2 ".: is a folder" print . -o out.png
 expect 2 "text.txt: is no scalable font" print text.txt -o out.png --font text.txt
 

@@ -39,10 +39,10 @@ void Run(PrintArguments& arguments, const PrintParts& parts) {
   options.device = ParseDevice(arguments.device, arguments.dpi);
   if (!arguments.scale.empty()) options.scale = ParseScale(arguments.scale);
   options.header = !arguments.noHeader;
-  options.type = arguments.type == "bmp"    ? FileType::kBmp
-                 : arguments.type == "text" ? FileType::kText
-                 : arguments.type == "fig"  ? FileType::kFigures
-                                            : FileType::kAuto;
+  options.type = arguments.type == "picture" ? FileType::kPicture
+                 : arguments.type == "text"  ? FileType::kText
+                 : arguments.type == "fig"   ? FileType::kFigures
+                                             : FileType::kAuto;
   Print(options, parts);
 }
 
@@ -84,8 +84,9 @@ Command PrintCommand(const PrintParts& parts) {
        .value = Flag{&options.keepGoing}},
       {.names = "--type",
        .placeholder = "TYPE",
-       .help = "What the files are: auto (by name, then by content), bmp, text, fig",
-       .value = OneOf{&arguments->type, {"auto", "bmp", "text", "fig"}}},
+       .help = "What the files are: auto (pictures by their content, figures by their name, else text), picture, text, "
+               "fig",
+       .value = OneOf{&arguments->type, {"auto", "picture", "text", "fig"}}},
       {.names = "-q,--quiet", .placeholder = "", .help = "No progress bar and no notes", .value = Flag{&options.quiet}},
 
       {.names = "--paper",

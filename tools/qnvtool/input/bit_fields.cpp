@@ -3,8 +3,6 @@
 
 #include <bit>
 
-#include "qnvtool/input/dib.h"
-
 namespace qnv::tool {
 namespace {
 
@@ -14,6 +12,13 @@ uint8_t Component(uint32_t pixel, uint32_t mask) {
   const uint64_t largest = mask >> shift;
   const uint64_t value = (pixel & mask) >> shift;
   return static_cast<uint8_t>((value * 255 + largest / 2) / largest);
+}
+
+// Reads a pixel and moves past it.
+uint32_t NextPixel(const uint8_t*& from, int bitCount) {
+  uint32_t pixel = 0;
+  for (int shift = 0; shift < bitCount; shift += 8) pixel |= uint32_t{*from++} << shift;
+  return pixel;
 }
 
 // Whether a mask has 2 to 8 bits.
@@ -31,22 +36,24 @@ bool ReadDirectly16(const ColorMasks& masks) {
   return Within2To8Bits(masks.red) && Within2To8Bits(masks.green) && Within2To8Bits(masks.blue);
 }
 
-Bytes ExpandTo32(const Bytes& bits, int width, int height, int bitCount, const ColorMasks& masks) {
-  const std::size_t stride = DibStride(width, bitCount);
-  const std::size_t step = static_cast<std::size_t>(bitCount) / 8;
-  Bytes result;
-  result.reserve(DibStride(width, 32) * static_cast<std::size_t>(height));
-  for (std::size_t row = 0; row < static_cast<std::size_t>(height); ++row) {
-    for (std::size_t column = 0; column < static_cast<std::size_t>(width); ++column) {
-      const std::size_t at = row * stride + column * step;
-      const uint32_t pixel = step == 2 ? U16At(bits, at) : U32At(bits, at);
-      result.push_back(Component(pixel, masks.blue));
-      result.push_back(Component(pixel, masks.green));
-      result.push_back(Component(pixel, masks.red));
-      result.push_back(0);
-    }
+void ExpandRowTo32(const uint8_t* from, int width, int bitCount, const ColorMasks& masks, uint8_t* to) {
+  for (int x = 0; x < width; ++x) {
+    const uint32_t pixel = NextPixel(from, bitCount);
+    *to++ = Component(pixel, masks.blue);
+    *to++ = Component(pixel, masks.green);
+    *to++ = Component(pixel, masks.red);
+    *to++ = 0;
   }
-  return result;
+}
+
+void BlendRow(const uint8_t* from, int width, int bitCount, const ColorMasks& masks, uint32_t alphaMask, uint8_t* to) {
+  for (int x = 0; x < width; ++x) {
+    const uint32_t pixel = NextPixel(from, bitCount);
+    const uint32_t alpha = Component(pixel, alphaMask);
+    *to++ = OverWhite(Component(pixel, masks.blue), alpha);
+    *to++ = OverWhite(Component(pixel, masks.green), alpha);
+    *to++ = OverWhite(Component(pixel, masks.red), alpha);
+  }
 }
 
 }  // namespace qnv::tool

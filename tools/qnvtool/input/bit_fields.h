@@ -3,8 +3,6 @@
 
 #include <cstdint>
 
-#include "qnvtool/base/file_bytes.h"
-
 namespace qnv::tool {
 
 struct ColorMasks {
@@ -24,8 +22,16 @@ bool IsBitRun(uint32_t mask);
 // bits. (It treats a single bit as the top bit of a wider field.) Requires: IsBitRun of each mask.
 bool ReadDirectly16(const ColorMasks& masks);
 
-// Rows of 16 or 32-bit pixels (4-byte aligned) to rows of 32-bit pixels in the 8-8-8 layout. Each component is
-// stretched to 0..255. Requires: IsBitRun of each mask.
-Bytes ExpandTo32(const Bytes& bits, int width, int height, int bitCount, const ColorMasks& masks);
+// A row of 16 or 32-bit pixels to one of 32-bit pixels in the 8-8-8 layout. Each component is stretched to 0..255.
+// Requires: IsBitRun of each mask.
+void ExpandRowTo32(const uint8_t* from, int width, int bitCount, const ColorMasks& masks, uint8_t* to);
+
+// The same to 24-bit pixels, laid over white by their alpha.
+void BlendRow(const uint8_t* from, int width, int bitCount, const ColorMasks& masks, uint32_t alphaMask, uint8_t* to);
+
+// A component over white; alpha 0..255.
+inline uint8_t OverWhite(uint32_t value, uint32_t alpha) {
+  return static_cast<uint8_t>((value * alpha + 255 * (255 - alpha) + 127) / 255);
+}
 
 }  // namespace qnv::tool

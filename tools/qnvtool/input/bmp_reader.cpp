@@ -1,4 +1,4 @@
-// Reads BMP files field by field, from the file header to the pixels, and builds the bitmap that the rasteriser takes.
+// Reads BMP files field by field, from the file header to the pixels.
 #include "qnvtool/input/bmp_reader.h"
 
 #include <fmt/core.h>
@@ -6,10 +6,12 @@
 #include <algorithm>
 #include <array>
 #include <cstdlib>
+#include <utility>
 
 #include "qnvdrv10.h"
 #include "qnvtool/base/tool_error.h"
-#include "qnvtool/input/bit_fields.h"
+#include "qnvtool/input/bmp_rows.h"
+#include "qnvtool/input/decoded_picture.h"
 
 namespace qnv::tool {
 namespace {
@@ -17,11 +19,14 @@ namespace {
 constexpr std::size_t kFileHeader = 14;
 constexpr std::size_t kCoreHeader = 12;
 constexpr std::size_t kInfoHeader = 40;
-constexpr uint32_t kAlphaBitFields = 6;  // BI_BITFIELDS with a fourth mask, which nothing here needs
-
-// End-of-bitmap codes behind the codes of the file, in bytes. A literal takes at most 256 bytes, so in whatever code a
-// truncated file ends, decoding continues at one of these codes.
-constexpr std::size_t kRlePadding = 512;
+constexpr std::size_t kOs2Header = 64;
+constexpr std::size_t kLargestHead = kFileHeader + 124 + 16 + 256 * std::size_t{4};  // headers, masks and table
+constexpr uint32_t kJpeg = 4;                                                        // BI_JPEG
+constexpr uint32_t kPng = 5;                                                         // BI_PNG
+constexpr uint32_t kAlphaBitFields = 6;                                              // BI_BITFIELDS with a fourth mask
+// The same numbers mean other things in OS/2 headers.
+constexpr uint32_t kOs2Huffman = 3;
+constexpr uint32_t kOs2Rle24 = 4;
 
 // The fields of all header generations under the names of the 40-byte one.
 struct Header {
@@ -37,79 +42,126 @@ struct Header {
   uint32_t colors = 0;
 
   bool isCore() const { return size == kCoreHeader; }
-  bool isRle() const { return compression == BI_RLE8 || compression == BI_RLE4; }
-  bool hasTable() const { return bitCount <= 8; }
+  bool isOs2() const { return size == kOs2Header; }
+  bool isRle24() const { return isOs2() && compression == kOs2Rle24; }
+  bool isRle() const { return compression == BI_RLE8 || compression == BI_RLE4 || isRle24(); }
+  bool isEmbedded() const { return !isOs2() && (compression == kJpeg || compression == kPng); }
+  bool hasBitFields() const { return !isOs2() && (compression == BI_BITFIELDS || compression == kAlphaBitFields); }
+  bool hasTable() const { return bitCount <= 8 && !isEmbedded(); }
+};
+
+// A BMP file whose headers are read.
+class BmpPicture final : public PictureFile {
+ public:
+  BmpPicture(BmpPixels pixels, bool isRle, int xPixelsPerMetre, int yPixelsPerMetre, NoteSink notes)
+      : pixels_(std::move(pixels)), isRle_(isRle), notes_(std::move(notes)) {
+    width_ = pixels_.width;
+    height_ = pixels_.height;
+    xPixelsPerMetre_ = xPixelsPerMetre;
+    yPixelsPerMetre_ = yPixelsPerMetre;
+  }
+
+ private:
+  std::shared_ptr<PictureRows> OpenRows() const override {
+    return isRle_ ? OpenRleRows(pixels_, notes_) : OpenBmpRows(pixels_);
+  }
+
+  const BmpPixels pixels_;
+  const bool isRle_;
+  const NoteSink notes_;
 };
 
 // Reads one file. Every step checks that the fields it uses lie inside the file.
 class Reader {
  public:
-  Reader(const Bytes& file, const std::string& name) : file_(file), name_(name) {}
+  Reader(const Input& file, const PictureDecoders& decoders, const NoteSink& notes)
+      : file_(file), head_(file->Head(kLargestHead)), decoders_(decoders), notes_(notes) {}
 
-  Dib Read() {
+  PicturePtr Open() {
     ReadHeaders();
+    if (header_.isEmbedded()) return OpenEmbedded();
     CheckSize();
     CheckPixelForm();
     FindMasks();
     FindTable();
     CheckPixelOffset();
-    dib_.width = header_.width;
-    dib_.height = std::abs(header_.height);
-    dib_.topDown = header_.height < 0;
-    dib_.bitCount = static_cast<int>(header_.bitCount);
-    dib_.compression = header_.compression;
-    dib_.xPixelsPerMetre = std::max(header_.xPixelsPerMetre, 0);
-    dib_.yPixelsPerMetre = std::max(header_.yPixelsPerMetre, 0);
+    NoteProfile();
+    pixels_.file = file_;
+    pixels_.offset = pixelOffset_;
+    pixels_.size = file_->size() - pixelOffset_;
+    pixels_.width = header_.width;
+    pixels_.height = std::abs(header_.height);
+    pixels_.topDown = header_.height < 0;
+    pixels_.bitCount = static_cast<int>(header_.bitCount);
+    pixels_.form.width = header_.width;
+    pixels_.form.bitCount = header_.bitCount == 2 ? 4 : pixels_.bitCount;
     if (header_.isRle()) {
       TakeRleCodes();
     } else {
       TakeRows();
     }
-    WriteInfo();
-    return std::move(dib_);
+    return std::make_shared<const BmpPicture>(std::move(pixels_), header_.isRle(), std::max(header_.xPixelsPerMetre, 0),
+                                              std::max(header_.yPixelsPerMetre, 0), notes_);
   }
 
  private:
   template <class... Args>
   [[noreturn]] void Fail(fmt::format_string<Args...> format, Args&&... args) const {
-    throw ToolError(ExitCode::kBadInput, name_ + ": " + fmt::format(format, std::forward<Args>(args)...));
+    throw ToolError(ExitCode::kBadInput, file_->name() + ": " + fmt::format(format, std::forward<Args>(args)...));
+  }
+
+  void Note(const std::string& note) const {
+    if (notes_) notes_(note);
   }
 
   // Fails unless the file has at least `end` bytes; `field` is what would lie there.
   void Require(std::size_t end, const char* field) const {
-    if (file_.size() < end) Fail("{}: the file ends at byte {}, {} are needed", field, file_.size(), end);
+    if (head_.size() < end) Fail("{}: the file ends at byte {}, {} are needed", field, file_->size(), end);
   }
 
   // The fields of the file header and of the bitmap header, which has two forms.
   void ReadHeaders() {
     Require(2, "bfType");
-    if (!LooksLikeBmp(file_)) Fail("bfType: is no BMP file (it does not begin with \"BM\")");
+    if (head_[0] != 'B' || head_[1] != 'M') Fail("bfType: is no BMP file (it does not begin with \"BM\")");
     Require(kFileHeader, "bfOffBits");
-    pixelOffset_ = U32At(file_, 10);
+    pixelOffset_ = U32At(head_, 10);
     Require(kFileHeader + 4, "biSize");
-    header_.size = U32At(file_, kFileHeader);
+    header_.size = U32At(head_, kFileHeader);
     constexpr std::array<uint32_t, 8> kSizes{12, 16, 40, 52, 56, 64, 108, 124};
     if (std::find(kSizes.begin(), kSizes.end(), header_.size) == kSizes.end()) {
       Fail("biSize: {} bytes is no known header (12, 16, 40, 52, 56, 64, 108 and 124 are)", header_.size);
     }
     Require(kFileHeader + header_.size, "header");
     if (header_.isCore()) {
-      header_.width = U16At(file_, 18);
-      header_.height = U16At(file_, 20);
-      header_.planes = U16At(file_, 22);
-      header_.bitCount = U16At(file_, 24);
+      header_.width = U16At(head_, 18);
+      header_.height = U16At(head_, 20);
+      header_.planes = U16At(head_, 22);
+      header_.bitCount = U16At(head_, 24);
       return;
     }
-    header_.width = I32At(file_, 18);
-    header_.height = I32At(file_, 22);
-    header_.planes = U16At(file_, 26);
-    header_.bitCount = U16At(file_, 28);
+    header_.width = I32At(head_, 18);
+    header_.height = I32At(head_, 22);
+    header_.planes = U16At(head_, 26);
+    header_.bitCount = U16At(head_, 28);
     if (header_.size < kInfoHeader) return;
-    header_.compression = U32At(file_, 30);
-    header_.sizeImage = U32At(file_, 34);
-    header_.xPixelsPerMetre = I32At(file_, 38);
-    header_.yPixelsPerMetre = I32At(file_, 42);
-    header_.colors = U32At(file_, 46);
+    header_.compression = U32At(head_, 30);
+    header_.sizeImage = U32At(head_, 34);
+    header_.xPixelsPerMetre = I32At(head_, 38);
+    header_.yPixelsPerMetre = I32At(head_, 42);
+    header_.colors = U32At(head_, 46);
+  }
+
+  // A PNG or JPEG file lies where the rows would be. What it says counts.
+  PicturePtr OpenEmbedded() {
+    tableOffset_ = kFileHeader + header_.size;
+    CheckPixelOffset();
+    const bool png = header_.compression == kPng;
+    const OpenPicturesOf open = png ? decoders_.png : decoders_.jpeg;
+    const char* const name = png ? "PNG" : "JPEG";
+    if (open == nullptr) Fail("biCompression: is an embedded {} picture, which this program cannot read", name);
+    uint64_t size = file_->size() - pixelOffset_;
+    if (header_.sizeImage != 0) size = std::min<uint64_t>(size, header_.sizeImage);
+    return open(PartOf(file_, pixelOffset_, size), notes_)->Open(0);
   }
 
   void CheckSize() const {
@@ -126,46 +178,46 @@ class Reader {
   // Depth and compression, and whether they fit together.
   void CheckPixelForm() {
     const uint32_t bits = header_.bitCount;
-    constexpr std::array<uint32_t, 6> kDepths{1, 4, 8, 16, 24, 32};
+    constexpr std::array<uint32_t, 7> kDepths{1, 2, 4, 8, 16, 24, 32};
     if (std::find(kDepths.begin(), kDepths.end(), bits) == kDepths.end()) {
-      Fail("biBitCount: {} bits a pixel; 1, 4, 8, 16, 24 and 32 can be printed", bits);
+      Fail("biBitCount: {} bits a pixel; 1, 2, 4, 8, 16, 24 and 32 can be printed", bits);
     }
-    const bool os2 = header_.size == 64;
-    switch (header_.compression) {
-      case BI_RGB: break;
-      case BI_RLE8:
-      case BI_RLE4:
-        if (bits != (header_.compression == BI_RLE8 ? 8u : 4u)) {
-          Fail("biCompression: {} does not go with {} bits a pixel", header_.compression == BI_RLE8 ? "RLE8" : "RLE4",
-               bits);
-        }
-        if (header_.height < 0) Fail("biHeight: {}; RLE pictures cannot be stored top row first", header_.height);
-        break;
-      case BI_BITFIELDS:
-      case kAlphaBitFields:
-        if (os2) Fail("biCompression: {} in an OS/2 header is not supported", header_.compression);
-        if (bits != 16 && bits != 32) Fail("biCompression: bit fields do not go with {} bits a pixel", bits);
-        break;
-      default: Fail("biCompression: {} is not supported (0 to 3 and 6 are)", header_.compression);
+    if (header_.isRle()) {
+      const uint32_t wanted = header_.isRle24() ? 24 : header_.compression == BI_RLE8 ? 8 : 4;
+      if (bits != wanted) Fail("biCompression: RLE{} does not go with {} bits a pixel", wanted, bits);
+      if (header_.height < 0) Fail("biHeight: {}; RLE pictures cannot be stored top row first", header_.height);
+    } else if (header_.hasBitFields()) {
+      if (bits != 16 && bits != 32) Fail("biCompression: bit fields do not go with {} bits a pixel", bits);
+    } else if (header_.isOs2() && header_.compression == kOs2Huffman) {
+      Fail("biCompression: Huffman codes of OS/2 are not supported");
+    } else if (header_.compression != BI_RGB) {
+      Fail("biCompression: {} is not supported (0 to 6 are, in OS/2 headers 0, 1, 2 and 4)", header_.compression);
     }
   }
 
   // Masks follow the 40-byte header; the larger headers hold them at the same place. The color table comes next.
   void FindMasks() {
     tableOffset_ = kFileHeader + header_.size;
-    if (header_.compression != BI_BITFIELDS && header_.compression != kAlphaBitFields) return;
+    if (!header_.hasBitFields()) return;
     const std::size_t masks = kFileHeader + kInfoHeader;
-    if (header_.size == kInfoHeader) tableOffset_ += header_.compression == kAlphaBitFields ? 16 : 12;
+    const bool fourInFile = header_.compression == kAlphaBitFields;
+    if (header_.size == kInfoHeader) tableOffset_ += fourInFile ? 16 : 12;
     Require(masks + 12, "color masks");
-    masks_ = {U32At(file_, masks), U32At(file_, masks + 4), U32At(file_, masks + 8)};
+    pixels_.masks = {U32At(head_, masks), U32At(head_, masks + 4), U32At(head_, masks + 8)};
     constexpr std::array<const char*, 3> kNames{"red", "green", "blue"};
-    const std::array<uint32_t, 3> each{masks_.red, masks_.green, masks_.blue};
+    const std::array<uint32_t, 3> each{pixels_.masks.red, pixels_.masks.green, pixels_.masks.blue};
     for (std::size_t i = 0; i < each.size(); ++i) {
-      if (!IsBitRun(each[i]) || (header_.bitCount == 16 && each[i] > 0xFFFF)) {
+      if (!IsMask(each[i])) {
         Fail("{} mask: {:#x} is no run of bits of a {}-bit pixel", kNames[i], each[i], header_.bitCount);
       }
     }
+    if (header_.size < 56 && !(header_.size == kInfoHeader && fourInFile)) return;
+    Require(masks + 16, "alpha mask");
+    const uint32_t alpha = U32At(head_, masks + 12);
+    if (IsMask(alpha)) pixels_.alphaMask = alpha;
   }
+
+  bool IsMask(uint32_t mask) const { return IsBitRun(mask) && (header_.bitCount == 32 || mask <= 0xFFFF); }
 
   // Reads as many entries as the header says and the space before the pixels holds. Deeper pixels may have a table too,
   // a hint for displays with a palette; it is not read.
@@ -178,14 +230,14 @@ class Reader {
     const std::size_t room = (pixelOffset_ - tableOffset_) / entry;
     if (room == 0) Fail("bfOffBits: {} leaves no room for the color table at byte {}", pixelOffset_, tableOffset_);
     if (room < entries) {
-      dib_.remarks.push_back(fmt::format("biClrUsed: {} colors promised, room for {}", entries, room));
+      Note(fmt::format("biClrUsed: {} colors promised, room for {}", entries, room));
       entries = room;
     }
     Require(tableOffset_ + entries * entry, "color table");
     for (std::size_t i = 0; i < entries; ++i) {
-      const auto at = file_.begin() + static_cast<std::ptrdiff_t>(tableOffset_ + i * entry);
-      table_.insert(table_.end(), at, at + 3);
-      table_.push_back(0);
+      const std::size_t at = tableOffset_ + i * entry;
+      const uint32_t red = head_[at + 2];
+      pixels_.form.table.push_back(red << 16 | U16At(head_, at));
     }
   }
 
@@ -194,89 +246,73 @@ class Reader {
     if (pixelOffset_ < tableOffset_) {
       Fail("bfOffBits: {} lies inside the headers, which end at byte {}", pixelOffset_, tableOffset_);
     }
-    if (pixelOffset_ >= file_.size()) {
-      Fail("bfOffBits: {} lies behind the end of the file at byte {}", pixelOffset_, file_.size());
+    if (pixelOffset_ >= file_->size()) {
+      Fail("bfOffBits: {} lies behind the end of the file at byte {}", pixelOffset_, file_->size());
     }
   }
 
-  // Copies the run-length codes and appends the padding.
+  void NoteProfile() const {
+    constexpr std::size_t kTypeAt = kFileHeader + 56;  // bV5CSType
+    constexpr uint32_t kLinked = 0x4C494E4B;           // "LINK"
+    constexpr uint32_t kEmbedded = 0x4D424544;         // "MBED"
+    if (header_.size != 124) return;
+    const uint32_t type = U32At(head_, kTypeAt);
+    if (type == kLinked || type == kEmbedded) Note("its color profile is not used");
+  }
+
   void TakeRleCodes() {
-    std::size_t size = file_.size() - pixelOffset_;
-    if (header_.sizeImage != 0) {
-      if (header_.sizeImage > size) {
-        dib_.remarks.push_back(
-            fmt::format("biSizeImage: {} bytes of RLE codes promised, the file has {}", header_.sizeImage, size));
-      }
-      size = std::min<std::size_t>(size, header_.sizeImage);
+    if (header_.sizeImage > pixels_.size) {
+      Note(
+          fmt::format("biSizeImage: {} bytes of RLE codes promised, the file has {}", header_.sizeImage, pixels_.size));
+    } else if (header_.sizeImage != 0) {
+      pixels_.size = header_.sizeImage;
     }
-    const auto first = file_.begin() + static_cast<std::ptrdiff_t>(pixelOffset_);
-    dib_.bits.assign(first, first + static_cast<std::ptrdiff_t>(size));
-    if (size % 2 != 0) dib_.bits.push_back(0);  // codes are pairs of bytes
-    for (std::size_t i = 0; i < kRlePadding; i += 2) {
-      dib_.bits.push_back(0);
-      dib_.bits.push_back(1);
-    }
+    if (!header_.isRle24()) pixels_.form.compression = header_.compression;
+    // Longer codes and broken ones are decoded to rows; whoever opens the rows finds out.
   }
 
-  // Copies the rows, converted to 32 bits where the rasteriser cannot read their bit fields.
+  // Chooses what the windows hold: the rows of the file, or what they are converted to.
   void TakeRows() {
-    const std::size_t stride = DibStride(dib_.width, dib_.bitCount);
-    const std::size_t need = stride * static_cast<std::size_t>(dib_.height);
-    const std::size_t have = file_.size() - pixelOffset_;
-    if (have < need) {
-      Fail("pixel rows: {} x {} pixels of {} bits need {} bytes, the file has {} after bfOffBits", dib_.width,
-           dib_.height, dib_.bitCount, need, have);
+    const int there = RowsInFile(pixels_);
+    if (there == 0) {
+      Fail("pixel rows: a row of {} pixels of {} bits needs {} bytes, the file has {} after bfOffBits", pixels_.width,
+           pixels_.bitCount, pixels_.stride(), pixels_.size);
     }
-    const auto first = file_.begin() + static_cast<std::ptrdiff_t>(pixelOffset_);
-    dib_.bits.assign(first, first + static_cast<std::ptrdiff_t>(need));
-    if (header_.compression != BI_BITFIELDS && header_.compression != kAlphaBitFields) return;
-    if (dib_.bitCount == 16 && ReadDirectly16(masks_)) {
-      dib_.compression = BI_BITFIELDS;
+    if (there < pixels_.height) {
+      Note(MissingRowsNote(pixels_.height - there, pixels_.height,
+                           fmt::format("the file ends at byte {}", file_->size())));
+    }
+    if (!header_.hasBitFields()) return;
+    if (pixels_.alphaMask != 0 && HasAlpha(pixels_)) {
+      Note("its alpha channel is laid over white");
+      pixels_.form.bitCount = 24;
       return;
     }
-    if (dib_.bitCount == 16 || masks_ != kMasks888) {
-      dib_.bits = ExpandTo32(dib_.bits, dib_.width, dib_.height, dib_.bitCount, masks_);
-      dib_.bitCount = 32;
+    pixels_.alphaMask = 0;
+    const ColorMasks& masks = pixels_.masks;
+    if (pixels_.bitCount == 16 && ReadDirectly16(masks)) {
+      pixels_.form.compression = BI_BITFIELDS;
+      pixels_.form.masks = {masks.red, masks.green, masks.blue};
+      return;
     }
-    dib_.compression = BI_RGB;
+    pixels_.convert = pixels_.bitCount == 16 || masks != kMasks888;
+    pixels_.form.bitCount = 32;
   }
 
-  // Writes the header, table and masks that the rasteriser gets.
-  void WriteInfo() {
-    Bytes& info = dib_.info;
-    AppendU32(info, kInfoHeader);
-    AppendU32(info, static_cast<uint32_t>(dib_.width));
-    AppendU32(info, static_cast<uint32_t>(dib_.topDown ? -dib_.height : dib_.height));
-    AppendU16(info, 1);
-    AppendU16(info, static_cast<uint32_t>(dib_.bitCount));
-    AppendU32(info, dib_.compression);
-    AppendU32(info, 0);
-    AppendU32(info, static_cast<uint32_t>(dib_.xPixelsPerMetre));
-    AppendU32(info, static_cast<uint32_t>(dib_.yPixelsPerMetre));
-    AppendU32(info, static_cast<uint32_t>(table_.size() / 4));
-    AppendU32(info, 0);
-    info.insert(info.end(), table_.begin(), table_.end());
-    if (dib_.compression == BI_BITFIELDS) {
-      AppendU32(info, masks_.red);
-      AppendU32(info, masks_.green);
-      AppendU32(info, masks_.blue);
-    }
-  }
-
-  const Bytes& file_;
-  const std::string& name_;
+  const Input& file_;
+  const Bytes head_;
+  const PictureDecoders& decoders_;
+  const NoteSink& notes_;
   std::size_t pixelOffset_ = 0;
   std::size_t tableOffset_ = 0;
   Header header_;
-  ColorMasks masks_;
-  Bytes table_;
-  Dib dib_;
+  BmpPixels pixels_;
 };
 
 }  // namespace
 
-bool LooksLikeBmp(const Bytes& file) { return file.size() >= 2 && file[0] == 'B' && file[1] == 'M'; }
-
-Dib ReadBmp(const Bytes& file, const std::string& name) { return Reader(file, name).Read(); }
+PicturePtr OpenBmp(const Input& file, const PictureDecoders& decoders, const NoteSink& notes) {
+  return Reader(file, decoders, notes).Open();
+}
 
 }  // namespace qnv::tool

@@ -1,8 +1,8 @@
-// A device-independent bitmap as the rasteriser takes it.
+// Device-independent bitmaps as the rasteriser takes them.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
-#include <string>
 #include <vector>
 
 #include "qnvtool/base/file_bytes.h"
@@ -12,26 +12,29 @@ namespace qnv::tool {
 // The largest width and height that the rasteriser accepts.
 inline constexpr int kMaxDibSide = 32767;
 
-struct Dib {
-  int width = 0;         // pixels
-  int height = 0;        // rows, always positive
-  bool topDown = false;  // the first stored row is the top one
-  int bitCount = 0;
-  uint32_t compression = 0;
-
-  // Pixels per metre as the file says, 0 when it does not.
-  int xPixelsPerMetre = 0;
-  int yPixelsPerMetre = 0;
-
-  Bytes info;  // BITMAPINFOHEADER, then the color table (4 bytes an entry) or three masks
-  Bytes bits;  // pixel rows or RLE codes, safe to decode to the last row
-
-  std::vector<std::string> remarks;  // faults of the file that reading has repaired, for the user
-};
-
 // Bytes from one stored row to the next.
 inline std::size_t DibStride(int width, int bitCount) {
   return (static_cast<std::size_t>(width) * static_cast<std::size_t>(bitCount) + 31) / 32 * 4;
 }
+
+// How the pixels of a bitmap are stored.
+struct DibForm {
+  int width = 0;  // pixels
+  int bitCount = 24;
+  uint32_t compression = 0;     // BI_RGB, BI_RLE8, BI_RLE4, BI_BITFIELDS
+  std::vector<uint32_t> table;  // colors, 0x00RRGGBB, of pixels of up to 8 bits
+  std::vector<uint32_t> masks;  // red, green and blue of BI_BITFIELDS
+
+  std::size_t stride() const { return DibStride(width, bitCount); }
+};
+
+// A BITMAPINFOHEADER with what follows it. `rows` is negative when the top row is stored first.
+Bytes MakeDibInfo(const DibForm& form, int rows);
+
+// Changes the number of rows.
+void SetDibRows(Bytes& info, int rows);
+
+// A white row: in the lightest color of the table where there is one.
+Bytes WhiteRow(const DibForm& form);
 
 }  // namespace qnv::tool

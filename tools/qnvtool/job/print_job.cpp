@@ -7,57 +7,20 @@
 #include <cctype>
 #include <cstdio>
 #include <filesystem>
+#include <set>
+#include <utility>
 
 #include "qnvtool/base/interruption.h"
 #include "qnvtool/base/progress.h"
 #include "qnvtool/base/tool_error.h"
-#include "qnvtool/base/utf8.h"
-#include "qnvtool/input/bmp_reader.h"
-#include "qnvtool/layout/figures.h"
+#include "qnvtool/job/document.h"
 #include "qnvtool/layout/page_setup.h"
-#include "qnvtool/layout/text_layout.h"
 #include "qnvtool/output/output_names.h"
 #include "qnvtool/paint/band_printer.h"
 #include "qnvtool/paint/rasteriser.h"
 
 namespace qnv::tool {
 namespace {
-
-// The type of a file by its extension, or else by its first bytes.
-FileType TypeOf(const std::string& path, const Bytes& file) {
-  std::string extension = std::filesystem::path(path).extension().string();
-  for (char& c : extension) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-  if (extension == ".bmp" || extension == ".dib") return FileType::kBmp;
-  if (extension == ".fig") return FileType::kFigures;
-  if (extension == ".txt" || extension == ".text" || extension == ".md") return FileType::kText;
-  return LooksLikeBmp(file) ? FileType::kBmp : FileType::kText;
-}
-
-// Lays a file out. Adds the files that it refers to to `inputs`.
-std::vector<Page> LayOut(const std::string& argument, const PageSetup& setup, const PrintOptions& options,
-                         std::vector<std::string>& inputs) {
-  const Bytes file = ReadFile(argument);
-  const std::string path = DisplayName(argument);
-  const std::string name = std::filesystem::path(path).filename().string();
-  const FileType type = options.type == FileType::kAuto ? TypeOf(path, file) : options.type;
-  if (type == FileType::kFigures) {
-    std::vector<Page> pages = LayOutFigures(file, setup, path);
-    for (const Page& page : pages) {
-      for (const auto& item : page.items) {
-        if (const auto* const picture = std::get_if<Picture>(&item)) inputs.push_back(picture->name);
-      }
-    }
-    return pages;
-  }
-  if (type == FileType::kText) {
-    return LayOutText(ParseTextBlocks(DecodeTextFile(file, path), options.verbatim), setup, name);
-  }
-  auto dib = std::make_shared<const Dib>(ReadBmp(file, path));
-  for (const std::string& remark : dib->remarks) {
-    if (!options.quiet) fmt::print(stderr, "qnvtool: {}: note: {}\n", path, remark);
-  }
-  return {LayOutPicture(std::move(dib), options.scale, setup, name)};
-}
 
 // The formats of the pictures.
 struct Formats {
@@ -176,6 +139,70 @@ class PageFiles {
   std::vector<uint8_t> tinted_;
 };
 
+// The pages of all files, one after the other. Those of a short job are kept from the first pass.
+class JobPages {
+ public:
+  explicit JobPages(DocumentOpener& opener) : opener_(opener) {}
+
+  // Counts the pages of a file. Throws ToolError.
+  void Add(const std::string& file) {
+    const std::unique_ptr<Document> document = opener_.Open(file);
+    Source source{file, 0, {}};
+    Page page;
+    while (document->Next(page)) {
+      ThrowIfInterrupted();
+      if (source.count++ == static_cast<int>(source.kept.size()) && kept_ < kMaxKept) {
+        source.kept.push_back(std::move(page));
+        ++kept_;
+      }
+    }
+    if (source.count != static_cast<int>(source.kept.size())) {
+      kept_ -= source.kept.size();
+      source.kept.clear();
+    }
+    count_ += source.count;
+    sources_.push_back(std::move(source));
+  }
+
+  int count() const { return count_; }
+
+  // The next page; false behind the last. Throws ToolError.
+  bool Next(Page& page) {
+    for (; at_ < sources_.size(); ++at_, done_ = 0) {
+      Source& source = sources_[at_];
+      if (done_ == source.count) continue;
+      if (source.count == static_cast<int>(source.kept.size())) {
+        page = std::move(source.kept[static_cast<std::size_t>(done_++)]);
+        return true;
+      }
+      if (done_ == 0) document_ = opener_.Open(source.file);
+      if (!document_->Next(page)) {
+        throw ToolError(ExitCode::kBadInput, fmt::format("{}: became shorter while it was printed", source.file));
+      }
+      if (++done_ == source.count) document_ = nullptr;
+      return true;
+    }
+    return false;
+  }
+
+ private:
+  static constexpr std::size_t kMaxKept = 64;
+
+  struct Source {
+    std::string file;
+    int count = 0;
+    std::vector<Page> kept;  // all or none
+  };
+
+  DocumentOpener& opener_;
+  std::vector<Source> sources_;
+  std::size_t kept_ = 0;
+  int count_ = 0;
+  std::size_t at_ = 0;  // source
+  int done_ = 0;        // pages of it
+  std::unique_ptr<Document> document_;
+};
+
 }  // namespace
 
 void Print(const PrintOptions& options, const PrintParts& parts) {
@@ -184,19 +211,26 @@ void Print(const PrintOptions& options, const PrintParts& parts) {
   FontShelf fonts = parts.openFonts(options);
   const PageSetup setup{MakeSheet(options.paper, options.device.pageDpi, options.marginMm), &fonts, options.points,
                         options.header};
-  std::vector<std::string> inputs = InputsOf(options);
-  std::vector<Page> pages;
+  std::set<std::string> noted;
+  DocumentOpener opener(options, parts.decoders, setup, [&](const std::string& name, const std::string& remark) {
+    const std::string line = fmt::format("qnvtool: {}: note: {}\n", name, remark);
+    if (!options.quiet && noted.insert(line).second) std::fputs(line.c_str(), stderr);
+  });
+  const InterruptionGuard guard;
+  JobPages pages(opener);
   std::size_t unusable = 0;
   for (const std::string& file : options.files) {
     try {
-      for (Page& page : LayOut(file, setup, options, inputs)) pages.push_back(std::move(page));
+      pages.Add(file);
     } catch (const ToolError& error) {
       if (!options.keepGoing || error.code() != ExitCode::kBadInput) throw;
       fmt::print(stderr, "qnvtool: {}\n", error.what());
       ++unusable;
     }
   }
-  const auto pageCount = static_cast<int>(pages.size());
+  std::vector<std::string> inputs = InputsOf(options);
+  inputs.insert(inputs.end(), opener.references().begin(), opener.references().end());
+  const int pageCount = pages.count();
   if (options.out == "-" && formats.picture == PictureFormat::kPng && pageCount > 1) {
     throw ToolError(ExitCode::kUsage,
                     fmt::format("-: a PNG stream holds one page, not {}; use --format ppm", pageCount));
@@ -206,14 +240,14 @@ void Print(const PrintOptions& options, const PrintParts& parts) {
 
   BandPrinter printer(rasteriser, options.device, setup.sheet.width, setup.sheet.height, options.bandRows);
   Progress progress(!options.quiet);
-  const InterruptionGuard guard;
-  const double bands = static_cast<double>(printer.bands()) * static_cast<double>(pages.size());
+  const double bands = static_cast<double>(printer.bands()) * pageCount;
   double done = 0;
-  for (std::size_t i = 0; i < pages.size(); ++i) {
+  Page page;
+  for (std::size_t i = 0; pages.Next(page); ++i) {
     PageFiles files(options.device, parts, formats, names[i], printer.width(), printer.height());
-    printer.Print(pages[i], [&](const BandView& band) {
+    printer.Print(page, [&](const BandView& band) {
       files.Write(band);
-      progress.Show(++done / bands, fmt::format("page {} of {}", i + 1, pages.size()));
+      progress.Show(++done / bands, fmt::format("page {} of {}", i + 1, pageCount));
       ThrowIfInterrupted();
     });
     files.Finish();

@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "qnvtool/input/picture_file.h"
 #include "qnvtool/layout/paper.h"
 #include "qnvtool/layout/picture_layout.h"
 #include "qnvtool/output/picture_writer.h"
@@ -13,7 +14,7 @@
 
 namespace qnv::tool {
 
-enum class FileType { kAuto, kBmp, kText, kFigures };
+enum class FileType { kAuto, kPicture, kText, kFigures };
 
 struct PrintOptions {
   std::vector<std::string> files;
@@ -43,11 +44,14 @@ struct PrintParts {
   FontShelf (*openFonts)(const PrintOptions& options) = nullptr;
   Rasteriser (*linked)() = nullptr;                                                               // may be absent
   std::unique_ptr<PictureWriter> (*createPng)(const std::string&, const PictureForm&) = nullptr;  // may be absent
+  PictureDecoders decoders = {};
 };
 
-// Lays out every file, then prints the pages. Nothing is written when a name of an output is that of an input, or when
-// a file cannot be used; with keepGoing the files that can be used are printed, each other one is reported on standard
-// error, and the ToolError comes at the end. Throws ToolError, and Interrupted when a signal ends the painting.
+// Lays out every file to count its pages, then prints them one by one; pages of long jobs are laid out again for that,
+// so that memory does not grow with their number. Nothing is written when a name of an output is that of an input, or
+// when a file cannot be used; with keepGoing the files that can be used are printed, each other one is reported on
+// standard error, and the ToolError comes at the end. Throws ToolError, and Interrupted when a signal ends the
+// painting.
 void Print(const PrintOptions& options, const PrintParts& parts);
 
 }  // namespace qnv::tool

@@ -12,7 +12,6 @@
 #include "qnvdrv10.h"
 #include "qnvtool/base/tool_error.h"
 #include "qnvtool/base/utf8.h"
-#include "qnvtool/input/bmp_reader.h"
 #include "qnvtool/layout/figure_line.h"
 #include "qnvtool/layout/picture_layout.h"
 #include "qnvtool/layout/text_lines.h"
@@ -38,7 +37,8 @@ auto Named(const Names& names, const std::string& name, const char* option, cons
 // Collects the pages of one file.
 class FigureSetter {
  public:
-  FigureSetter(const PageSetup& setup, const std::string& path) : setup_(setup), path_(path) {
+  FigureSetter(const PageSetup& setup, const std::string& path, const OpenFigureImage& openImage)
+      : setup_(setup), path_(path), openImage_(openImage) {
     pages_.push_back(EmptyPage(setup));
   }
 
@@ -138,13 +138,13 @@ class FigureSetter {
   void Image(const FigureLine& line) {
     line.Expect(5, {"rop"});
     const std::string file = (std::filesystem::path(path_).parent_path() / line.Word(0, "FILE")).string();
-    std::shared_ptr<const Dib>& dib = images_[file];
-    if (dib == nullptr) dib = std::make_shared<const Dib>(ReadBmp(ReadFile(file), file));
+    PicturePtr& image = images_[file];
+    if (image == nullptr) image = openImage_(file);
     const bool freeWidth = line.Word(3, "W") == "-";
     const bool freeHeight = line.Word(4, "H") == "-";
     if (freeWidth && freeHeight) line.Fail("image: only one of W and H can be left open");
-    const double height = freeHeight ? line.Number(3, "W") * PictureAspect(*dib) : line.Number(4, "H");
-    const double width = freeWidth ? height / PictureAspect(*dib) : line.Number(3, "W");
+    const double height = freeHeight ? line.Number(3, "W") * PictureAspect(*image) : line.Number(4, "H");
+    const double width = freeWidth ? height / PictureAspect(*image) : line.Number(3, "W");
     if (!(width > 0 && width <= 2000) || !(height > 0 && height <= 2000)) {
       line.Fail(
           fmt::format("image: would have {:.1f} x {:.1f} mm; each side must be above 0, up to 2000", width, height));
@@ -152,7 +152,7 @@ class FigureSetter {
     const int left = RoundPx(line.Number(1, "X"));
     const int top = RoundPx(line.Number(2, "Y"));
     Picture picture;
-    picture.dib = dib;
+    picture.file = image;
     picture.name = file;
     picture.place = {left, top, left + std::max(1, RoundPx(width)), top + std::max(1, RoundPx(height))};
     if (picture.place.width() > 32767 || picture.place.height() > 32767) line.Fail("image: has too many pixels");
@@ -190,15 +190,17 @@ class FigureSetter {
 
   const PageSetup& setup_;
   const std::string& path_;
+  const OpenFigureImage& openImage_;
   std::vector<Page> pages_;
-  std::map<std::string, std::shared_ptr<const Dib>> images_;
+  std::map<std::string, PicturePtr> images_;
 };
 
 }  // namespace
 
-std::vector<Page> LayOutFigures(const Bytes& file, const PageSetup& setup, const std::string& path) {
+std::vector<Page> LayOutFigures(const Bytes& file, const PageSetup& setup, const std::string& path,
+                                const OpenFigureImage& openImage) {
   DecodeTextFile(file, path);  // only for its check that this is text
-  FigureSetter setter(setup, path);
+  FigureSetter setter(setup, path, openImage);
   const std::string_view text(reinterpret_cast<const char*>(file.data()), file.size());
   int number = 0;
   for (std::size_t begin = 0; begin < text.size();) {

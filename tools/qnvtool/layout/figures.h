@@ -1,6 +1,7 @@
 // Figure files: drawings described line by line, in millimetres.
 #pragma once
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -29,8 +30,12 @@ top left corner of the paper, '#' at the start of a line begins a comment.
   O  copy (default) and or xor notcopy erase min (min: not on scaled devices)
 )";
 
+// Opens the picture of an `image` instruction. Throws ToolError (bad input).
+using OpenFigureImage = std::function<PicturePtr(const std::string& path)>;
+
 // Sets the pages of a figure file. Paths of images are relative to the folder of `path`. Throws ToolError (bad input)
 // that names file, line and field.
-std::vector<Page> LayOutFigures(const Bytes& file, const PageSetup& setup, const std::string& path);
+std::vector<Page> LayOutFigures(const Bytes& file, const PageSetup& setup, const std::string& path,
+                                const OpenFigureImage& openImage);
 
 }  // namespace qnv::tool

@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "qnvtool/base/geometry.h"
-#include "qnvtool/input/dib.h"
+#include "qnvtool/input/picture_file.h"
 #include "qnvtool/layout/span_region.h"
 #include "qnvtool/text/font.h"
 
@@ -64,7 +64,7 @@ struct Figure {
 
 // An image to paint.
 struct Picture {
-  std::shared_ptr<const Dib> dib;
+  PicturePtr file;
   std::string name;           // for messages; in a figure file the path that the image was read from
   Rect place;                 // where the whole picture lies
   Rect clip;                  // the part that is shown

@@ -20,18 +20,19 @@ struct Size {
 };
 
 // The size of the picture in metres, from its resolution.
-Size NaturalSize(const Dib& dib) {
-  const bool x = dib.xPixelsPerMetre > 0;
-  const bool y = dib.yPixelsPerMetre > 0;
-  const double fallback = x ? dib.xPixelsPerMetre : y ? dib.yPixelsPerMetre : kDefaultPixelsPerMetre;
-  return {dib.width / (x ? dib.xPixelsPerMetre : fallback), dib.height / (y ? dib.yPixelsPerMetre : fallback)};
+Size NaturalSize(const PictureFile& picture) {
+  const bool x = picture.xPixelsPerMetre() > 0;
+  const bool y = picture.yPixelsPerMetre() > 0;
+  const double fallback = x ? picture.xPixelsPerMetre() : y ? picture.yPixelsPerMetre() : kDefaultPixelsPerMetre;
+  return {picture.width() / (x ? picture.xPixelsPerMetre() : fallback),
+          picture.height() / (y ? picture.yPixelsPerMetre() : fallback)};
 }
 
 // The size of the picture on the page, in pixels.
-Size PageSize(const Dib& dib, const PictureScale& scale, const Rect& body, int dpi) {
+Size PageSize(const PictureFile& picture, const PictureScale& scale, const Rect& body, int dpi) {
   if (scale.mode == PictureScale::Mode::kPixels)
-    return {static_cast<double>(dib.width), static_cast<double>(dib.height)};
-  const Size natural = NaturalSize(dib);
+    return {static_cast<double>(picture.width()), static_cast<double>(picture.height())};
+  const Size natural = NaturalSize(picture);
   const double factor = scale.mode == PictureScale::Mode::kFactor
                             ? scale.factor * dpi / 0.0254
                             : std::min(body.width() / natural.width, body.height() / natural.height);
@@ -50,15 +51,15 @@ PictureScale ParseScale(const std::string& text) {
   return {PictureScale::Mode::kFactor, factor};
 }
 
-double PictureAspect(const Dib& dib) {
-  const Size natural = NaturalSize(dib);
+double PictureAspect(const PictureFile& picture) {
+  const Size natural = NaturalSize(picture);
   return natural.height / natural.width;
 }
 
-Page LayOutPicture(std::shared_ptr<const Dib> dib, const PictureScale& scale, const PageSetup& setup,
-                   const std::string& name) {
+Page LayOutPicture(PicturePtr picture, const PictureScale& scale, const PageSetup& setup, const std::string& name,
+                   int number) {
   const Rect body = BodyOf(setup);
-  const Size size = PageSize(*dib, scale, body, setup.sheet.dpi);
+  const Size size = PageSize(*picture, scale, body, setup.sheet.dpi);
   if (size.width > kMaxSide || size.height > kMaxSide) {
     throw ToolError(ExitCode::kUsage, fmt::format("{}: would be {:.0f} x {:.0f} pixels large; use a smaller --scale",
                                                   name, size.width, size.height));
@@ -68,13 +69,13 @@ Page LayOutPicture(std::shared_ptr<const Dib> dib, const PictureScale& scale, co
   const int left = body.left + (body.width() - width) / 2;
   const int top = body.top + (body.height() - height) / 2;
   Page page = EmptyPage(setup);
-  AddHeader(page, setup, name, 1);
-  Picture picture;
-  picture.dib = std::move(dib);
-  picture.name = name;
-  picture.place = {left, top, left + width, top + height};
-  picture.clip = body;
-  page.items.emplace_back(std::move(picture));
+  AddHeader(page, setup, name, number);
+  Picture item;
+  item.file = std::move(picture);
+  item.name = name;
+  item.place = {left, top, left + width, top + height};
+  item.clip = body;
+  page.items.emplace_back(std::move(item));
   return page;
 }
 

@@ -22,12 +22,12 @@ struct PictureScale {
 // "pixels" or a factor above 0. Throws ToolError (usage).
 PictureScale ParseScale(const std::string& text);
 
-// A page with the picture in the middle of its body; what does not fit is cut off. Throws ToolError (usage) when it
-// would be too large for the rasteriser.
-Page LayOutPicture(std::shared_ptr<const Dib> dib, const PictureScale& scale, const PageSetup& setup,
-                   const std::string& name);
+// Page `number` of a file, with the picture in the middle of its body; what does not fit is cut off. Throws ToolError
+// (usage) when it would be too large for the rasteriser.
+Page LayOutPicture(PicturePtr picture, const PictureScale& scale, const PageSetup& setup, const std::string& name,
+                   int number = 1);
 
 // Height over width of the picture as its resolution says, for documents that give one of the two.
-double PictureAspect(const Dib& dib);
+double PictureAspect(const PictureFile& picture);
 
 }  // namespace qnv::tool

@@ -3,6 +3,7 @@
 
 #include <fmt/core.h>
 
+#include <algorithm>
 #include <cstring>
 #include <numeric>
 
@@ -182,41 +183,65 @@ void PagePainter::Paint(const ReadyFigure& figure, const Rect& view) const {
   }
 }
 
+// The rows of a strip are in memory at the same time: as many as take some megabytes at 32 bits a pixel.
 PagePainter::ReadyPicture PagePainter::Prepare(const Picture& picture) const {
+  constexpr std::size_t kMaxStripBytes = std::size_t{8} << 20;
   ReadyPicture ready;
   ready.picture = &picture;
-  const int rows = picture.dib->height;
+  ready.maxRows = static_cast<int>(std::max<std::size_t>(kMaxStripBytes / DibStride(picture.file->width(), 32), 1));
+  const int rows = picture.file->height();
   if (device_.isScaled()) {
     const KeptRows kept(device_.pageDpi, device_.bandDpi);
-    ready.strips =
-        CutAtKeptRows(rows, picture.place.top, picture.place.height(), [&](int row) { return kept.Has(row); });
+    const auto isKept = [&](int row) { return kept.Has(row); };
+    ready.strips = CutAtKeptRows(rows, picture.place.top, picture.place.height(), isKept, ready.maxRows);
   } else {
-    ready.strips = CutIntoStrips(rows, picture.place.top, picture.place.height());
+    ready.strips = CutIntoStrips(rows, picture.place.top, picture.place.height(), ready.maxRows);
   }
   return ready;
 }
 
+// Paints the rows that are shown, a window of the picture at a time.
+void PagePainter::PaintUnscaled(const ReadyPicture& ready, const Rect& shown, const BandRect& clip,
+                                const DRAWMODE& mode) const {
+  const Picture& picture = *ready.picture;
+  // Of a scaled device, page rows just outside may be rounded into the band.
+  const int begin = std::max(shown.top - 2, picture.place.top) - picture.place.top;
+  const int end = std::min(shown.bottom + 2, picture.place.bottom) - picture.place.top;
+  for (int row = begin; row < end;) {
+    const DibWindow window = ready.rows->Window(row, std::min(end - row, ready.maxRows));
+    const uint32_t result = rasteriser_.setDIBitsToDevice(handle_, picture.place.left, picture.place.top + window.top,
+                                                          0, static_cast<uint32_t>(window.rows), &clip, &mode,
+                                                          window.bits, window.info, nullptr);
+    // Without a pixel inside clip and band the call has nothing to paint, and says so like an error.
+    const bool isShown =
+        picture.place.top + window.top < shown.bottom && picture.place.top + window.top + window.rows > shown.top;
+    if (!Done(result) && isShown) Refused("QNVDevSetDIBitsToDevice", picture.name);
+    row = window.top + window.rows;
+  }
+}
+
 void PagePainter::Paint(const ReadyPicture& ready, const Rect& view) const {
   const Picture& picture = *ready.picture;
-  const Dib& dib = *picture.dib;
+  const PictureFile& file = *picture.file;
   const Rect shown = Intersect(Intersect(picture.clip, picture.place), view);
-  if (shown.empty()) return;
+  if (shown.empty()) {
+    if (view.top >= picture.place.bottom) ready.rows = nullptr;
+    return;
+  }
+  if (ready.rows == nullptr) ready.rows = file.Rows();
   const BandRect clip{picture.clip.left, picture.clip.top, picture.clip.right, picture.clip.bottom};
   const DRAWMODE mode = PlainMode();
-  if (picture.rop == SRCCOPY && picture.place.width() == dib.width && picture.place.height() == dib.height) {
-    const uint32_t result = rasteriser_.setDIBitsToDevice(handle_, picture.place.left, picture.place.top, 0,
-                                                          static_cast<uint32_t>(dib.height), &clip, &mode,
-                                                          dib.bits.data(), dib.info.data(), nullptr);
-    if (!Done(result)) Refused("QNVDevSetDIBitsToDevice", picture.name);
-    return;
+  if (picture.rop == SRCCOPY && picture.place.width() == file.width() && picture.place.height() == file.height()) {
+    return PaintUnscaled(ready, shown, clip, mode);
   }
   for (const Strip& strip : ready.strips) {
     if (strip.top >= shown.bottom || strip.top + strip.rows <= shown.top) continue;
-    // Source rows count from the bottom of the picture, strips from its top.
-    const int srcY = dib.height - strip.sourceTop - strip.sourceRows;
+    const DibWindow window = ready.rows->Window(strip.sourceTop, strip.sourceRows);
+    // Source rows count from the bottom of the window, strips from the top of the picture.
+    const int srcY = window.rows - (strip.sourceTop - window.top) - strip.sourceRows;
     const uint32_t result = rasteriser_.stretchDIBits(handle_, 0, picture.place.left, strip.top, picture.place.width(),
-                                                      strip.rows, 0, srcY, dib.width, strip.sourceRows, dib.bits.data(),
-                                                      dib.info.data(), nullptr, picture.rop, nullptr, &mode, &clip);
+                                                      strip.rows, 0, srcY, file.width(), strip.sourceRows, window.bits,
+                                                      window.info, nullptr, picture.rop, nullptr, &mode, &clip);
     if (!Done(result)) Refused("QNVStretchDIBits", picture.name);
   }
 }

@@ -35,6 +35,8 @@ class PagePainter {
   struct ReadyPicture {
     const Picture* picture = nullptr;
     std::vector<Strip> strips;
+    int maxRows = 0;                            // of the picture, in memory at a time
+    mutable std::shared_ptr<PictureRows> rows;  // from the first band that shows the picture to the last
   };
   struct ReadyText {
     const TextLine* line = nullptr;
@@ -52,6 +54,7 @@ class PagePainter {
   void Paint(const ReadyText& text, const Rect& view) const;
   void Paint(const ReadyFigure& figure, const Rect& view) const;
   void Paint(const ReadyPicture& picture, const Rect& view) const;
+  void PaintUnscaled(const ReadyPicture& picture, const Rect& shown, const BandRect& clip, const DRAWMODE& mode) const;
   int PaintRun(const TextRun& run, int x, int baseline, DRAWMODE& mode, bool last) const;
 
   const Rasteriser& rasteriser_;

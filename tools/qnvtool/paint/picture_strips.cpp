@@ -27,14 +27,15 @@ int Boundary(int row, int sourceRows, int top, int rows) {
 }  // namespace
 
 // Takes as many rows as are stable at once; a single row always is.
-std::vector<Strip> CutIntoStrips(int sourceRows, int top, int rows) {
+std::vector<Strip> CutIntoStrips(int sourceRows, int top, int rows, int maxRows) {
   constexpr int kMaxRows = 127;
+  maxRows = std::max(maxRows, kMaxRows);
   std::vector<Strip> strips;
   int row = 0;
   while (row < sourceRows) {
     const int begin = Boundary(row, sourceRows, top, rows);
     const auto rowsOf = [&](int count) { return Boundary(row + count, sourceRows, top, rows) - begin; };
-    int count = sourceRows - row;
+    int count = std::min(sourceRows - row, maxRows);
     if (!IsStable(count, rowsOf(count))) {
       count = std::min(count, kMaxRows);
       while (!IsStable(count, rowsOf(count))) --count;  // a single row always is
@@ -45,9 +46,10 @@ std::vector<Strip> CutIntoStrips(int sourceRows, int top, int rows) {
   return strips;
 }
 
-std::vector<Strip> CutAtKeptRows(int sourceRows, int top, int rows, const std::function<bool(int)>& isKept) {
+std::vector<Strip> CutAtKeptRows(int sourceRows, int top, int rows, const std::function<bool(int)>& isKept,
+                                 int maxRows) {
   std::vector<Strip> strips;
-  for (const Strip& strip : CutIntoStrips(sourceRows, top, rows)) {
+  for (const Strip& strip : CutIntoStrips(sourceRows, top, rows, maxRows)) {
     if (strip.rows <= strip.sourceRows) {
       strips.push_back(strip);
       continue;

@@ -4,6 +4,8 @@
 #include <functional>
 #include <vector>
 
+#include "qnvtool/base/geometry.h"
+
 namespace qnv::tool {
 
 // Rows of the picture, counted from its top, and the page rows they are stretched over.
@@ -21,10 +23,13 @@ struct Strip {
 // band shows. In a tall transfer the error can move a row boundary across the middle of a page row in some bands and
 // not in others, so that the page would depend on where the bands lie. The strips are so low that this cannot happen.
 // Strips that cover no page row are left out.
-std::vector<Strip> CutIntoStrips(int sourceRows, int top, int rows);
+//
+// No strip has more than maxRows source rows, which are all in memory when it is painted, or 127 if that is more.
+std::vector<Strip> CutIntoStrips(int sourceRows, int top, int rows, int maxRows = kMaxSide);
 
 // The same for a device that keeps only some page rows and paints an enlarged source row only when the first page
 // row it covers is kept: strips that enlarge are cut into single source rows, each starting at a kept page row.
-std::vector<Strip> CutAtKeptRows(int sourceRows, int top, int rows, const std::function<bool(int)>& isKept);
+std::vector<Strip> CutAtKeptRows(int sourceRows, int top, int rows, const std::function<bool(int)>& isKept,
+                                 int maxRows = kMaxSide);
 
 }  // namespace qnv::tool

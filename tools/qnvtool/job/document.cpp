@@ -1,0 +1,109 @@
+// Opens files by what they hold: pictures, figures, text.
+#include "qnvtool/job/document.h"
+
+#include <algorithm>
+#include <cctype>
+#include <filesystem>
+#include <utility>
+
+#include "qnvtool/base/tool_error.h"
+#include "qnvtool/input/file_kind.h"
+#include "qnvtool/job/text_document.h"
+#include "qnvtool/layout/figures.h"
+#include "qnvtool/layout/picture_layout.h"
+
+namespace qnv::tool {
+namespace {
+
+constexpr std::size_t kMaxFigureFile = std::size_t{64} << 20;  // bytes; such a file is held as a whole
+
+// Pages that are laid out at once.
+class LaidOutPages final : public Document {
+ public:
+  explicit LaidOutPages(std::vector<Page> pages) : pages_(std::move(pages)) {}
+
+  bool Next(Page& page) override {
+    if (next_ == pages_.size()) return false;
+    page = std::move(pages_[next_++]);
+    return true;
+  }
+
+ private:
+  std::vector<Page> pages_;
+  std::size_t next_ = 0;
+};
+
+// A page for each picture of a file.
+class PictureDocument final : public Document {
+ public:
+  PictureDocument(std::unique_ptr<PicturePages> pictures, const PrintOptions& options, const PageSetup& setup,
+                  std::string name)
+      : pictures_(std::move(pictures)), options_(options), setup_(setup), name_(std::move(name)) {}
+
+  bool Next(Page& page) override {
+    if (next_ == pictures_->count()) return false;
+    page = LayOutPicture(pictures_->Open(next_), options_.scale, setup_, name_, next_ + 1);
+    ++next_;
+    return true;
+  }
+
+ private:
+  const std::unique_ptr<PicturePages> pictures_;
+  const PrintOptions& options_;
+  const PageSetup& setup_;
+  const std::string name_;
+  int next_ = 0;
+};
+
+// What a file is to be printed as. Content counts; only figure files, which are texts, are known by their name.
+FileType TypeOf(const InputFile& file) {
+  const FileKind kind = KindOf(file.Head(kHeadBytes));
+  if (kind.isPicture()) return FileType::kPicture;
+  if (kind.form == FileKind::Form::kForeign) {
+    throw ToolError(ExitCode::kBadInput, ForeignFileMessage(file.name(), kind));
+  }
+  std::string extension = std::filesystem::path(file.name()).extension().string();
+  for (char& c : extension) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+  return extension == ".fig" ? FileType::kFigures : FileType::kText;
+}
+
+}  // namespace
+
+DocumentOpener::DocumentOpener(const PrintOptions& options, const PictureDecoders& decoders, const PageSetup& setup,
+                               std::function<void(const std::string&, const std::string&)> note)
+    : options_(options), decoders_(decoders), setup_(setup), note_(std::move(note)) {}
+
+Input DocumentOpener::OpenFile(const std::string& path) {
+  if (const auto found = kept_.find(path); found != kept_.end()) return found->second;
+  Input file = OpenInput(path);
+  std::error_code error;
+  if (path == "-" || !std::filesystem::is_regular_file(path, error)) kept_[path] = file;
+  return file;
+}
+
+NoteSink DocumentOpener::NotesOf(const std::string& name) const {
+  return [this, name](const std::string& remark) { note_(name, remark); };
+}
+
+std::unique_ptr<Document> DocumentOpener::OpenFigures(const Input& file) {
+  const auto openImage = [this](const std::string& path) {
+    references_.push_back(path);
+    return OpenPictures(OpenFile(path), decoders_, NotesOf(path))->Open(0);
+  };
+  return std::make_unique<LaidOutPages>(
+      LayOutFigures(file->All(kMaxFigureFile, "a figure file"), setup_, file->name(), openImage));
+}
+
+std::unique_ptr<Document> DocumentOpener::Open(const std::string& argument) {
+  const Input file = OpenFile(argument);
+  const std::string name = std::filesystem::path(file->name()).filename().string();
+  switch (options_.type == FileType::kAuto ? TypeOf(*file) : options_.type) {
+    case FileType::kPicture:
+      return std::make_unique<PictureDocument>(OpenPictures(file, decoders_, NotesOf(file->name())), options_, setup_,
+                                               name);
+    case FileType::kFigures: return OpenFigures(file);
+    default: return OpenTextDocument(file, options_, setup_, name);
+  }
+}
+
+}  // namespace qnv::tool
