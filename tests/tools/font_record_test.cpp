@@ -3,16 +3,16 @@
 
 #include <gtest/gtest.h>
 
-#include "qnvtool/layout/text_lines.h"
+#include "qnvtool/text/plain_font.h"
 #include "support/test_device.h"
 #include "synthetic_font.h"
 
 namespace qnv::test {
 namespace {
 
-using tool::Font;
 using tool::FontRecord;
 using tool::Glyph;
+using tool::PlainFont;
 
 bool Ink(const Glyph& glyph, int column, int row) {
   if (column < 0 || row < 0 || column >= glyph.columns || row >= glyph.rows) return false;
@@ -42,23 +42,45 @@ void CheckPainted(const FontRecord& record, const void* string, const Glyph& gly
 
 TEST(FontRecord, OneByteCharactersPaintTheirGlyphs) {
   SyntheticFont source(24);
-  Font font(std::make_unique<SyntheticFont>(24));
+  PlainFont font(std::make_unique<SyntheticFont>(24));
   for (const char c : {'A', 'j', '~', '\xE9', '\xFF'}) {
     const auto code = static_cast<uint8_t>(c);
-    CheckPainted(font.latin(), &c, source.Load(code), std::to_string(code).c_str());
+    CheckPainted(*font.latin(), &c, source.Load(code), std::to_string(code).c_str());
   }
 }
 
 TEST(FontRecord, TwoByteCharactersHaveDenseCodesAndPaintTheirGlyphs) {
   SyntheticFont source(19);
-  Font font(std::make_unique<SyntheticFont>(19));
+  PlainFont font(std::make_unique<SyntheticFont>(19));
   const std::u32string text = U"\u20AC\u0416\U0001F600\u03B1";
-  EXPECT_TRUE(font.Wide().empty());
-  for (uint16_t i = 0; i < text.size(); ++i) EXPECT_EQ(font.WideCode(text[i]), i);
-  for (const char32_t c : text) {
-    const uint16_t code = font.WideCode(c);
-    CheckPainted(font.Wide(), &code, source.Load(c), std::to_string(c).c_str());
+  std::vector<tool::TextRun> runs;
+  for (const char32_t c : text) font.Append(runs, c);
+  ASSERT_EQ(runs.size(), 1u);
+  EXPECT_EQ(runs[0].codes, (std::vector<uint16_t>{0, 1, 2, 3}));
+  const auto record = runs[0].sheet->Record();
+  for (uint16_t code = 0; code < text.size(); ++code) {
+    CheckPainted(*record, &code, source.Load(text[code]), std::to_string(code).c_str());
+    EXPECT_EQ(runs[0].widths[code], font.CellOf(text[code]));
   }
+}
+
+// A record that was handed out stays as it is while further characters are used; a full sheet is followed by another.
+TEST(FontRecord, SheetsGrowAndRecordsDoNotChange) {
+  PlainFont font(std::make_unique<SyntheticFont>(9));
+  std::vector<tool::TextRun> runs;
+  font.Append(runs, 0x4E00);
+  const auto first = runs[0].sheet->Record();
+  const tool::Bytes before = first->memory;
+  for (char32_t i = 1; i < tool::GlyphSheet::kMaxGlyphs; ++i) font.Append(runs, 0x4E00 + i);
+  EXPECT_EQ(first->memory, before);
+  ASSERT_EQ(runs.size(), 1u);
+  EXPECT_EQ(runs[0].codes.back(), tool::GlyphSheet::kMaxGlyphs - 1);
+  EXPECT_GT(runs[0].sheet->Record()->memory.size(), before.size());
+  EXPECT_EQ(runs[0].sheet->Record(), runs[0].sheet->Record());
+  font.Append(runs, 0x6000);
+  ASSERT_EQ(runs.size(), 2u);
+  EXPECT_EQ(runs[1].codes, (std::vector<uint16_t>{0}));
+  EXPECT_NE(runs[1].sheet, runs[0].sheet);
 }
 
 TEST(FontRecord, CellsHoldInkThatHangsOut) {
@@ -81,17 +103,17 @@ TEST(FontRecord, CellsReachAsFarAsTheirGlyphs) {
 }
 
 TEST(FontRecord, WidthsAreWhatTheLibraryMeasures) {
-  Font font(std::make_unique<SyntheticFont>(24));
+  PlainFont font(std::make_unique<SyntheticFont>(24));
   const std::string text = "Sphinx of black quartz, judge my vow \xE4\xF6\xFC";
   int expected = 0;
-  for (const char c : text) expected += font.Advance(static_cast<uint8_t>(c));
+  for (const char c : text) expected += font.CellOf(static_cast<uint8_t>(c));
   TestDevice device({});
   DRAWMODE mode = MakeDrawMode();
   const int32_t extent =
       QNVDevExtTextOut(device.handle(), 0, 0, &kEverywhere, text.data(), -static_cast<int32_t>(text.size()),
-                       font.latin().memory.data(), 0, &mode, nullptr, nullptr, nullptr, 0);
+                       font.latin()->memory.data(), 0, &mode, nullptr, nullptr, nullptr, 0);
   EXPECT_EQ(extent & 0xFFFF, expected);
-  EXPECT_EQ(extent >> 16, font.latin().height);
+  EXPECT_EQ(extent >> 16, font.latin()->height);
 }
 
 }  // namespace

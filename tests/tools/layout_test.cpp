@@ -82,7 +82,7 @@ class Layout : public testing::Test {
   // Of the one-byte characters.
   static int WidthOf(const tool::TextRun& run, tool::Font& font) {
     int width = 0;
-    for (const char c : run.latin) width += font.Advance(static_cast<uint8_t>(c));
+    for (const char c : run.latin) width += font.Advance(static_cast<uint8_t>(c)) / tool::kPixel;
     return width;
   }
 
@@ -159,10 +159,21 @@ TEST_F(Layout, HeadingsTakeTextAlong) {
   }
 }
 
-TEST_F(Layout, FormFeedsAndEmptyTextsGivePages) {
-  EXPECT_EQ(tool::LayOutText({}, setup_, "x").size(), 1u);
-  const TextBlock feed{TextBlock::Kind::kPageBreak, 0, 0, {}};
-  EXPECT_EQ(tool::LayOutText({feed, feed}, setup_, "x").size(), 3u);
+TEST_F(Layout, FormFeedsGivePagesButNoneThatIsEmptyAtTheEnds) {
+  struct Case {
+    const char* name;
+    const char32_t* text;
+    std::size_t pages;
+  };
+  const Case cases[] = {
+      {"nothing", U"", 1},         {"only feeds", U"\f\f", 1},    {"between", U"a\fb", 2},
+      {"at the start", U"\fa", 1}, {"at the end", U"a\n\f\n", 1}, {"an empty page between", U"a\f\fb", 3},
+  };
+  for (const Case& c : cases) {
+    for (const bool verbatim : {false, true}) {
+      EXPECT_EQ(tool::LayOutText(tool::ParseTextBlocks(c.text, verbatim), setup_, "x").size(), c.pages) << c.name;
+    }
+  }
 }
 
 TEST_F(Layout, HeadersHoldNameNumberAndRule) {
@@ -170,6 +181,7 @@ TEST_F(Layout, HeadersHoldNameNumberAndRule) {
   const auto pages = tool::LayOutText(tool::ParseTextBlocks(U"a\fb", false), setup_, "na\xC3\xAFve \xE2\x82\xAC.txt");
   ASSERT_EQ(pages.size(), 2u);
   const auto& name = std::get<TextLine>(pages[1].items.at(0));
+  EXPECT_EQ(name.text, U"na\u00EFve \u20AC.txt");
   EXPECT_EQ(name.runs.at(0).latin, "na\xEFve ");
   EXPECT_EQ(name.runs.at(1).codes.size(), 1u);
   EXPECT_EQ(std::get<TextLine>(pages[1].items.at(1)).runs.at(0).latin, "2");

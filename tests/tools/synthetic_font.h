@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "qnvtool/text/font_shelf.h"
+#include "qnvtool/text/plain_font.h"
 
 namespace qnv::test {
 
@@ -45,7 +46,7 @@ class SyntheticFont final : public tool::GlyphSource {
 inline tool::FontShelf SyntheticShelf(int dpi) {
   return tool::FontShelf([dpi](tool::FontRole role, double points) {
     const int size = static_cast<int>(points * dpi / 72) + static_cast<int>(role);
-    return std::make_unique<SyntheticFont>(size < 3 ? 3 : size);
+    return std::make_unique<tool::PlainFont>(std::make_unique<SyntheticFont>(size < 3 ? 3 : size));
   });
 }
 

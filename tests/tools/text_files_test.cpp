@@ -11,7 +11,6 @@
 namespace qnv::test {
 namespace {
 
-using tool::BreakLines;
 using tool::BrokenLine;
 using tool::TextBlock;
 using Kind = TextBlock::Kind;
@@ -85,15 +84,19 @@ TEST(TextBlocks, EmptyLinesBeforeListingsCount) {
 }
 
 TEST(TextBlocks, VerbatimKeepsEverything) {
-  EXPECT_EQ(Shape(tool::ParseTextBlocks(U"# a\n\n\tb\tc\n", true)), "V(# a)V()V(        b       c)");
+  EXPECT_EQ(Shape(tool::ParseTextBlocks(U"# a\n\n\tb\tc\n", true)), "V(# a)V()V(\tb\tc)");
 }
 
 // Every character is ten pixels wide, a space five.
-int Ten(char32_t c) { return c == ' ' ? 5 : 10; }
+std::vector<BrokenLine> Break(const std::u32string& text, int width) {
+  std::vector<int32_t> advances;
+  for (const char32_t c : text) advances.push_back(tool::IsBreakControl(c) ? 0 : c == ' ' ? 5 : 10);
+  return tool::BreakLines(text, advances, tool::PlainBreaks(text), 10, width);
+}
 
 std::vector<std::u32string> Lines(const std::u32string& text, int width) {
   std::vector<std::u32string> lines;
-  for (const BrokenLine& line : BreakLines(text, Ten, width)) {
+  for (const BrokenLine& line : Break(text, width)) {
     lines.push_back(text.substr(line.begin, line.end - line.begin) + (line.hyphen ? U"~" : U""));
   }
   return lines;
@@ -132,7 +135,7 @@ TEST(LineBreaker, WhereLinesEnd) {
 }
 
 TEST(LineBreaker, WidthsAndSpaces) {
-  const auto lines = BreakLines(U"aa bb cc  dd", Ten, 80);
+  const auto lines = Break(U"aa bb cc  dd", 80);
   ASSERT_EQ(lines.size(), 2u);
   EXPECT_EQ(lines[0].width, 70);
   EXPECT_EQ(lines[0].spaces, 2);
@@ -141,7 +144,7 @@ TEST(LineBreaker, WidthsAndSpaces) {
   EXPECT_EQ(lines[1].spaces, 0);
   EXPECT_TRUE(lines[1].last);
 
-  const auto hyphenated = BreakLines(U"abc\u00ADdef", Ten, 45);
+  const auto hyphenated = Break(U"abc\u00ADdef", 45);
   ASSERT_EQ(hyphenated.size(), 2u);
   EXPECT_TRUE(hyphenated[0].hyphen);
   EXPECT_EQ(hyphenated[0].width, 40);
@@ -159,7 +162,7 @@ TEST(LineBreaker, EveryWidthKeepsTheText) {
       U"The well-known \u00ABquick\u00BB brown fox\u00ADtrot \u4E00\u4E01 jumps -- over   the lazy dog.";
   for (int width = 1; width < 700; ++width) {
     std::size_t at = 0;
-    for (const BrokenLine& line : BreakLines(text, Ten, width)) {
+    for (const BrokenLine& line : Break(text, width)) {
       EXPECT_EQ(text.substr(at, line.begin - at).find_first_not_of(U' '), std::u32string::npos) << width;
       ASSERT_GT(line.end, line.begin) << width;
       EXPECT_TRUE(line.width <= width || Visible(text, line) == 1) << width;

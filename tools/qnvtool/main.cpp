@@ -3,6 +3,7 @@
 #include "qnvtool/cli/cmd_print.h"
 #include "qnvtool/output/png_writer.h"
 #include "qnvtool/text/freetype_font.h"
+#include "qnvtool/text/iconv_decoder.h"
 
 namespace qnv::tool {
 namespace {
@@ -13,7 +14,7 @@ FontShelf OpenFonts(const PrintOptions& options) {
     const std::string& name = role == FontRole::kBody      ? options.bodyFont
                               : role == FontRole::kHeading ? options.headingFont
                                                            : options.listingFont;
-    return OpenFreeTypeFont(name, points, options.device.pageDpi);
+    return std::make_unique<PlainFont>(OpenFreeTypeFont(name, points, options.device.pageDpi));
   });
 }
 
@@ -25,6 +26,11 @@ int main(int argc, char** argv) {
   const Program program{.name = "qnvtool",
                         .summary = "prints and inspects with the band rasteriser",
                         .version = QNVTOOL_VERSION,
-                        .commands = {PrintCommand({OpenFonts, LinkedRasteriser, CreatePngFile}), MakePictureCommand()}};
+                        .commands = {PrintCommand({.openFonts = OpenFonts,
+                                                   .linked = LinkedRasteriser,
+                                                   .createPng = CreatePngFile,
+                                                   .decoders = {},
+                                                   .openDecoder = OpenIconvDecoder}),
+                                     MakePictureCommand()}};
   return RunProgram(program, argc, argv);
 }

@@ -19,6 +19,8 @@ struct PrintArguments {
   int dpi = 0;
   bool fit = false;
   bool noHeader = false;
+  bool flow = false;
+  bool verbatim = false;
 };
 
 // For the shell completion.
@@ -28,8 +30,8 @@ constexpr const char* kFontFiles = "ttf|otf|ttc|pfb";
 const std::string kFooter = std::string(
                                 "Every file begins a new page. In text files an empty line ends a paragraph, '#',\n"
                                 "'##' and '###' begin headings, '- ' begins a list item, and lines indented by four\n"
-                                "spaces or a tab are set as they are, in the font for listings. Scripts that join\n"
-                                "letters or run from right to left come out letter by letter.\n\n") +
+                                "spaces or a tab are set as they are, in the font for listings. Other files than\n"
+                                ".txt, .text, .md and .markdown, and standard input, are listings as a whole.\n\n") +
                             kFigureFormatHelp + "\n" + kExitCodesHelp;
 
 // Parses the remaining values and prints.
@@ -43,6 +45,10 @@ void Run(PrintArguments& arguments, const PrintParts& parts) {
                  : arguments.type == "text"  ? FileType::kText
                  : arguments.type == "fig"   ? FileType::kFigures
                                              : FileType::kAuto;
+  options.text.setting = arguments.flow       ? TextOptions::Setting::kFlow
+                         : arguments.verbatim ? TextOptions::Setting::kVerbatim
+                                              : TextOptions::Setting::kByName;
+  options.text.openDecoder = parts.openDecoder;
   Print(options, parts);
 }
 
@@ -151,11 +157,30 @@ Command PrintCommand(const PrintParts& parts) {
        .help = "Size of the text in points, 2 to 200 (default 11)",
        .value = Decimal{&options.points, 2, 200},
        .group = text},
+      {.names = "--flow",
+       .placeholder = "",
+       .help = "Set all texts in paragraphs, whatever their names (default for .txt, .text, .md and .markdown)",
+       .value = Flag{&arguments->flow},
+       .group = text},
       {.names = "--verbatim",
        .placeholder = "",
-       .help = "Keep all lines of text files as they are, as listings",
-       .value = Flag{&options.verbatim},
+       .help = "Set all texts as listings, line by line (default for other names)",
+       .value = Flag{&arguments->verbatim},
+       .group = text,
+       .excludes = "--flow"},
+      {.names = "--line-numbers",
+       .placeholder = "",
+       .help = "Number the lines of listings",
+       .value = Flag{&options.text.lineNumbers},
        .group = text},
+      {.names = "--encoding",
+       .placeholder = "NAME",
+       .help =
+           "What texts are encoded in, by any name that 'iconv -l' lists (default: UTF-8, or UTF-16 and UTF-32 where "
+           "a byte order mark or the zero bytes tell)",
+       .value = Text{&options.text.encoding},
+       .group = text,
+       .completions = "UTF-8 UTF-16 ISO-8859-1 ISO-8859-15 WINDOWS-1252 KOI8-R SHIFT_JIS EUC-JP GB18030 BIG5"},
 
       {.names = "--device",
        .placeholder = "DEVICE",

@@ -8,9 +8,9 @@
 
 #include "qnvtool/base/tool_error.h"
 #include "qnvtool/input/file_kind.h"
-#include "qnvtool/job/text_document.h"
 #include "qnvtool/layout/figures.h"
 #include "qnvtool/layout/picture_layout.h"
+#include "qnvtool/layout/text_document.h"
 
 namespace qnv::tool {
 namespace {
@@ -53,6 +53,24 @@ class PictureDocument final : public Document {
   const PageSetup& setup_;
   const std::string name_;
   int next_ = 0;
+};
+
+// A text, read piece by piece.
+class TextPages final : public Document {
+ public:
+  TextPages(const Input& file, const TextOptions& options, const PageSetup& setup, NoteSink note)
+      : document_(
+            [file, at = uint64_t{0}](uint8_t* to, std::size_t capacity) mutable {
+              const std::size_t count = file->Read(at, to, capacity);
+              at += count;
+              return count;
+            },
+            options, setup, file->name(), std::move(note)) {}
+
+  bool Next(Page& page) override { return document_.Next(page); }
+
+ private:
+  TextDocument document_;
 };
 
 // What a file is to be printed as. Content counts; only figure files, which are texts, are known by their name.
@@ -102,7 +120,7 @@ std::unique_ptr<Document> DocumentOpener::Open(const std::string& argument) {
       return std::make_unique<PictureDocument>(OpenPictures(file, decoders_, NotesOf(file->name())), options_, setup_,
                                                name);
     case FileType::kFigures: return OpenFigures(file);
-    default: return OpenTextDocument(file, options_, setup_, name);
+    default: return std::make_unique<TextPages>(file, options_.text, setup_, NotesOf(file->name()));
   }
 }
 

@@ -207,6 +207,7 @@ class JobPages {
 
 void Print(const PrintOptions& options, const PrintParts& parts) {
   const Formats formats = CheckOutputs(options, parts);
+  CheckEncoding(options.text);
   const Rasteriser rasteriser = ChooseRasteriser(options.library, parts);
   FontShelf fonts = parts.openFonts(options);
   const PageSetup setup{MakeSheet(options.paper, options.device.pageDpi, options.marginMm), &fonts, options.points,

@@ -7,6 +7,7 @@
 #include "qnvtool/input/picture_file.h"
 #include "qnvtool/layout/paper.h"
 #include "qnvtool/layout/picture_layout.h"
+#include "qnvtool/layout/text_document.h"
 #include "qnvtool/output/picture_writer.h"
 #include "qnvtool/paint/device_choice.h"
 #include "qnvtool/paint/rasteriser.h"
@@ -31,7 +32,7 @@ struct PrintOptions {
   std::string headingFont = "sans:bold";
   std::string listingFont = "monospace";
   double points = 11;
-  bool verbatim = false;
+  TextOptions text;
   bool header = true;
   std::string tags;     // tag plane as a picture; empty: none
   std::string overlay;  // pages with image areas tinted; empty: none
@@ -45,6 +46,7 @@ struct PrintParts {
   Rasteriser (*linked)() = nullptr;                                                               // may be absent
   std::unique_ptr<PictureWriter> (*createPng)(const std::string&, const PictureForm&) = nullptr;  // may be absent
   PictureDecoders decoders = {};
+  std::unique_ptr<TextDecoder> (*openDecoder)(const std::string&) = nullptr;  // may be absent
 };
 
 // Lays out every file to count its pages, then prints them one by one; pages of long jobs are laid out again for that,

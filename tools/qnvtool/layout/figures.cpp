@@ -181,9 +181,10 @@ class FigureSetter {
       set.color = color;
       pages_.back().items.emplace_back(std::move(set));
     };
-    if (width <= 0) return add(MakeLine(text, font, left, baseline));
-    for (const BrokenLine& broken : BreakLines(text, AdvancesOf(*font), width)) {
-      add(MakeLine(text, broken, font, left, baseline, width));
+    if (width <= 0) return add(MakeLine(text, *font, left, baseline));
+    const Paragraph paragraph(text, *font, width);
+    for (std::size_t i = 0; i < paragraph.lines(); ++i) {
+      add(paragraph.Line(i, left, baseline, true));
       baseline += font->lineHeight();
     }
   }

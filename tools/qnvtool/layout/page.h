@@ -20,22 +20,19 @@ using Color = uint32_t;
 inline constexpr Color kBlack = 0;
 inline constexpr Color kWhite = 0x00FFFFFF;
 
-// Characters of one kind in a line: Latin-1 goes to the one-byte font, everything else to the two-byte one.
-struct TextRun {
-  std::shared_ptr<Font> font;
-  std::string latin;            // when codes is empty
-  std::vector<uint16_t> codes;  // codes of the two-byte font
-  std::vector<int16_t> widths;  // advance of each of them
-};
-
 // A line of text.
 struct TextLine {
   int left = 0;
   int baseline = 0;
   Color color = kBlack;
-  int breakExtra = 0;  // pixels to distribute over the spaces of the line
-  int breakCount = 0;  // spaces in the line
+  int breakExtra = 0;  // pixels that the rasteriser distributes over the spaces of the one-byte runs
+  int breakCount = 0;  // spaces in these
   std::vector<TextRun> runs;
+  // What the line says, in reading order, and where, for formats that can be searched.
+  std::u32string text;
+  int width = 0;    // pixels from `left`
+  int ascent = 0;   // nominal pixels above the baseline
+  int descent = 0;  // and below
 };
 
 // How a figure is filled.

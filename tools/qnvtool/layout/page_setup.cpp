@@ -5,8 +5,8 @@
 
 #include <algorithm>
 
-#include "qnvtool/base/utf8.h"
 #include "qnvtool/layout/text_lines.h"
+#include "qnvtool/text/text_decoder.h"
 
 namespace qnv::tool {
 namespace {
@@ -26,22 +26,6 @@ int Pixels(const PageSetup& setup, double mm) { return std::max(1, PixelsFromMm(
 
 int HeaderHeight(const PageSetup& setup) {
   return HeaderFont(setup)->lineHeight() + Pixels(setup, kGapMm) + Pixels(setup, kRuleMm) + Pixels(setup, kBelowMm);
-}
-
-// A file name as text. It may hold any bytes that the system allows, not only UTF-8.
-std::u32string NameText(const std::string& name) {
-  try {
-    return DecodeTextFile(Bytes(name.begin(), name.end()), name);
-  } catch (const std::exception&) {
-    return std::u32string(name.size(), U'?');
-  }
-}
-
-// Shortens a text to a width in pixels, with an ellipsis at the end.
-std::u32string CutTo(std::u32string text, Font& font, int width) {
-  if (TextWidth(text, font) <= width) return text;
-  while (!text.empty() && TextWidth(text + U"\u2026", font) > width) text.pop_back();
-  return text + U"\u2026";
 }
 
 }  // namespace
@@ -67,10 +51,11 @@ void AddHeader(Page& page, const PageSetup& setup, const std::string& name, int 
   const int baseline = content.top + font->ascent();
   const std::string digits = fmt::format("{}", number);
   const std::u32string numberText(digits.begin(), digits.end());
-  const int numberWidth = TextWidth(numberText, *font);
-  const std::u32string shown = CutTo(NameText(name), *font, content.width() - numberWidth - font->lineHeight());
-  page.items.emplace_back(MakeLine(shown, font, content.left, baseline));
-  page.items.emplace_back(MakeLine(numberText, font, content.right - numberWidth, baseline));
+  TextLine numberLine = MakeLine(numberText, *font, 0, baseline);
+  numberLine.left = content.right - numberLine.width;
+  const std::u32string shown = CutTo(DecodeUtf8(name), *font, content.width() - numberLine.width - font->lineHeight());
+  page.items.emplace_back(MakeLine(shown, *font, content.left, baseline));
+  page.items.emplace_back(std::move(numberLine));
   const int ruleTop = content.top + font->lineHeight() + Pixels(setup, kGapMm);
   Figure rule;
   rule.region = RectRegion(content.left, ruleTop, content.right, ruleTop + Pixels(setup, kRuleMm));

@@ -1,26 +1,28 @@
 // Parses a text file line by line; a line starts a block, continues the last one, or ends it.
 #include "qnvtool/layout/text_blocks.h"
 
+#include <algorithm>
 #include <string_view>
 
 namespace qnv::tool {
 namespace {
 
-constexpr std::size_t kTabColumns = 8;
+constexpr std::size_t kIndentTab = 8;
 constexpr std::size_t kVerbatimIndent = 4;
 
-// Replaces tabs by spaces and removes spaces at the end.
-std::u32string ExpandTabs(std::u32string_view line) {
+// Replaces the tabs before the first other character by spaces, up to columns of 8.
+std::u32string ExpandIndent(std::u32string_view line) {
   std::u32string result;
-  for (const char32_t c : line) {
-    if (c == '\t') {
-      result.append(kTabColumns - result.size() % kTabColumns, ' ');
-    } else {
-      result.push_back(c);
-    }
+  std::size_t at = 0;
+  for (; at < line.size() && (line[at] == ' ' || line[at] == '\t'); ++at) {
+    result.append(line[at] == ' ' ? 1 : kIndentTab - result.size() % kIndentTab, ' ');
   }
-  while (!result.empty() && result.back() == ' ') result.pop_back();
-  return result;
+  return result.append(line.substr(at));
+}
+
+std::u32string_view TrimEnd(std::u32string_view line) {
+  const std::size_t last = line.find_last_not_of(U" \t");
+  return line.substr(0, last == std::u32string_view::npos ? 0 : last + 1);
 }
 
 std::size_t Indent(std::u32string_view line) {
@@ -39,79 +41,124 @@ bool IsListItem(std::u32string_view line) {
   return line.size() > 2 && (line[0] == '-' || line[0] == '*' || line[0] == U'\u2022') && line[1] == ' ';
 }
 
-// Takes the file line by line; each line is looked at once.
-class Parser {
- public:
-  explicit Parser(bool verbatim) : verbatim_(verbatim) {}
-
-  void Line(std::u32string_view raw) {
-    const std::u32string line = ExpandTabs(raw);
-    if (verbatim_) return Verbatim(line, 0);
-    if (line.empty()) {
-      open_ = false;
-      ++emptyLines_;
-      return;
-    }
-    const std::size_t indent = Indent(line);
-    const std::u32string_view body = std::u32string_view(line).substr(indent);
-    if (indent >= kVerbatimIndent && !open_) return Verbatim(line, kVerbatimIndent);
-    if (const int level = indent == 0 ? HeadingLevel(body) : 0; level != 0) {
-      const std::size_t text = body.find_first_not_of(U' ', static_cast<std::size_t>(level));
-      Start(TextBlock::Kind::kHeading, body.substr(text));
-      blocks_.back().level = level;
-      open_ = false;
-    } else if (IsListItem(body)) {
-      Start(TextBlock::Kind::kListItem, body.substr(2));
-    } else if (open_) {
-      blocks_.back().text += U' ';
-      blocks_.back().text += body;
-    } else {
-      Start(TextBlock::Kind::kParagraph, body);
-    }
-    emptyLines_ = 0;
-  }
-
-  void PageBreak() {
-    blocks_.push_back({TextBlock::Kind::kPageBreak, 0, 0, {}});
-    open_ = false;
-    emptyLines_ = 0;
-  }
-
-  std::vector<TextBlock> Take() { return std::move(blocks_); }
-
- private:
-  void Start(TextBlock::Kind kind, std::u32string_view text) {
-    blocks_.push_back({kind, 0, 0, std::u32string(text)});
-    open_ = true;
-  }
-
-  void Verbatim(const std::u32string& line, std::size_t indent) {
-    blocks_.push_back({TextBlock::Kind::kVerbatim, 0, emptyLines_, line.substr(std::min(indent, line.size()))});
-    open_ = false;
-    emptyLines_ = 0;
-  }
-
-  const bool verbatim_;
-  bool open_ = false;  // the next line may continue the last block
-  int emptyLines_ = 0;
-  std::vector<TextBlock> blocks_;
-};
-
 }  // namespace
 
-std::vector<TextBlock> ParseTextBlocks(const std::u32string& text, bool verbatim) {
-  Parser parser(verbatim);
-  std::size_t begin = 0;
-  while (begin < text.size()) {
-    const std::size_t end = std::min(text.find_first_of(U"\n\f", begin), text.size());
-    const bool formFeed = end < text.size() && text[end] == '\f';
-    // A form feed alone on its line does not count as an empty line too.
-    if (!formFeed || end > begin) parser.Line(std::u32string_view(text).substr(begin, end - begin));
-    if (formFeed) parser.PageBreak();
-    begin = end + 1;
-    if (formFeed && begin < text.size() && text[begin] == '\n') ++begin;
+void TextBlockParser::Add(const TextPiece& piece) {
+  const bool continues = midLine_;
+  midLine_ = piece.end == TextPiece::End::kBound;
+  if (continues) {
+    Continue(piece);
+  } else if (piece.end != TextPiece::End::kFormFeed || !piece.text.empty()) {
+    // A form feed alone on its line is no empty line too.
+    Line(piece);
   }
-  return parser.Take();
+  if (piece.end == TextPiece::End::kFormFeed) PageBreak(piece.line);
+}
+
+void TextBlockParser::Line(const TextPiece& piece) {
+  const std::u32string_view raw = midLine_ ? std::u32string_view(piece.text) : TrimEnd(piece.text);
+  verbatimLine_ = false;
+  if (verbatim_) return Verbatim(std::u32string(raw), piece, false);
+  const std::u32string line = ExpandIndent(raw);
+  if (line.empty()) {
+    Close();
+    ++emptyLines_;
+    return;
+  }
+  const std::size_t indent = Indent(line);
+  const std::u32string_view body = std::u32string_view(line).substr(indent);
+  if (indent >= kVerbatimIndent && !open_) return Verbatim(line.substr(kVerbatimIndent), piece, false);
+  if (const int level = indent == 0 ? HeadingLevel(body) : 0; level != 0) {
+    const std::size_t text = body.find_first_not_of(U' ', static_cast<std::size_t>(level));
+    Start(TextBlock::Kind::kHeading, body.substr(text), piece.line);
+    current_.level = level;
+    Close();
+  } else if (IsListItem(body)) {
+    Start(TextBlock::Kind::kListItem, body.substr(2), piece.line);
+  } else if (open_) {
+    Extend(U" ");
+    Extend(body);
+  } else {
+    Start(TextBlock::Kind::kParagraph, body, piece.line);
+  }
+  emptyLines_ = 0;
+}
+
+// The rest of a line that came in several pieces.
+void TextBlockParser::Continue(const TextPiece& piece) {
+  const std::u32string_view text = midLine_ ? std::u32string_view(piece.text) : TrimEnd(piece.text);
+  if (text.empty()) return;
+  if (open_) {
+    Extend(text);
+  } else if (verbatimLine_) {
+    Verbatim(std::u32string(text), piece, true);
+  } else {
+    Start(TextBlock::Kind::kParagraph, text, piece.line);
+  }
+}
+
+void TextBlockParser::Start(TextBlock::Kind kind, std::u32string_view text, int64_t line) {
+  Close();
+  current_ = {kind, 0, 0, std::u32string(text), line, false};
+  open_ = true;
+}
+
+// Appends to the open block. One that has become too long goes on as a paragraph.
+void TextBlockParser::Extend(std::u32string_view text) {
+  if (current_.text.size() + text.size() > kMaxParagraph) {
+    const int64_t line = current_.line;
+    Start(TextBlock::Kind::kParagraph, {}, line);
+  }
+  // Tabs inside a paragraph are spaces like its line ends.
+  current_.text += text;
+}
+
+void TextBlockParser::Verbatim(std::u32string text, const TextPiece& piece, bool continues) {
+  Close();
+  verbatimLine_ = true;
+  finished_.push_back({TextBlock::Kind::kVerbatim, 0, emptyLines_, std::move(text), piece.line, continues});
+  emptyLines_ = 0;
+}
+
+void TextBlockParser::PageBreak(int64_t line) {
+  Close();
+  finished_.push_back({TextBlock::Kind::kPageBreak, 0, 0, {}, line, false});
+  emptyLines_ = 0;
+}
+
+void TextBlockParser::Close() {
+  if (!open_) return;
+  std::replace(current_.text.begin(), current_.text.end(), U'\t', U' ');
+  finished_.push_back(std::move(current_));
+  open_ = false;
+}
+
+void TextBlockParser::Finish() { Close(); }
+
+bool TextBlockParser::Next(TextBlock& block) {
+  if (finished_.empty()) return false;
+  block = std::move(finished_.front());
+  finished_.pop_front();
+  return true;
+}
+
+std::vector<TextBlock> ParseTextBlocks(const std::u32string& text, bool verbatim) {
+  std::size_t begin = 0;
+  TextReader reader(
+      [&](uint8_t* to, std::size_t capacity) {
+        const auto* const bytes = reinterpret_cast<const uint8_t*>(text.data());
+        const std::size_t count = std::min(capacity, text.size() * sizeof(char32_t) - begin);
+        std::copy_n(bytes + begin, count, to);
+        begin += count;
+        return count;
+      },
+      OpenBuiltInDecoder("UTF-32LE"), "text");
+  TextBlockParser parser(verbatim);
+  for (TextPiece piece; reader.Next(piece);) parser.Add(piece);
+  parser.Finish();
+  std::vector<TextBlock> blocks;
+  for (TextBlock block; parser.Next(block);) blocks.push_back(std::move(block));
+  return blocks;
 }
 
 }  // namespace qnv::tool

@@ -1,4 +1,4 @@
-// Splits the characters of a line into runs of the one-byte and the two-byte font.
+// Breaks paragraphs and makes page items of their lines.
 #include "qnvtool/layout/text_lines.h"
 
 #include <algorithm>
@@ -7,56 +7,59 @@
 namespace qnv::tool {
 namespace {
 
-constexpr std::size_t kMaxRun = 30000;  // characters are counted in 16 bits
-constexpr int kMaxGap = 32767;
-
-// Appends a character to the last run, or to a new one where the font changes.
-void Append(std::vector<TextRun>& runs, char32_t c, const std::shared_ptr<Font>& font) {
-  const bool latin = Font::IsLatin(c);
-  const bool fits = !runs.empty() && runs.back().codes.empty() == latin &&
-                    std::max(runs.back().latin.size(), runs.back().codes.size()) < kMaxRun;
-  if (!fits) runs.push_back({font, {}, {}, {}});
-  TextRun& run = runs.back();
-  if (latin) {
-    run.latin.push_back(static_cast<char>(c));
-  } else {
-    run.codes.push_back(font->WideCode(c));
-    run.widths.push_back(static_cast<int16_t>(font->Advance(c)));
-  }
-}
+constexpr std::u32string_view kEllipsis = U"\u2026";
 
 }  // namespace
 
-AdvanceOf AdvancesOf(Font& font) {
-  return [&font](char32_t c) { return font.Advance(c); };
-}
-
-int TextWidth(std::u32string_view text, Font& font) {
-  int width = 0;
-  for (const char32_t c : text) width += IsBreakControl(c) ? 0 : font.Advance(c);
-  return width;
-}
-
-TextLine MakeLine(std::u32string_view text, const std::shared_ptr<Font>& font, int left, int baseline) {
+TextLine MakeLine(std::u32string_view text, const ShapedText& shaped, const LinePart& part, const Font& font, int left,
+                  int baseline) {
+  LineRuns runs = shaped.Runs(part);
   TextLine line;
   line.left = left;
   line.baseline = baseline;
-  for (const char32_t c : text) {
-    if (!IsBreakControl(c)) Append(line.runs, c, font);
+  line.breakExtra = runs.breakExtra;
+  line.breakCount = runs.breakCount;
+  line.runs = std::move(runs.runs);
+  for (std::size_t i = part.begin; i < part.end; ++i) {
+    if (!IsBreakControl(text[i])) line.text.push_back(text[i]);
   }
+  if (part.hyphen) line.text.push_back(kSoftHyphen);  // so that a search finds the word
+  line.width = runs.width;
+  line.ascent = font.ascent();
+  line.descent = font.descent();
   return line;
 }
 
-TextLine MakeLine(std::u32string_view paragraph, const BrokenLine& broken, const std::shared_ptr<Font>& font, int left,
-                  int baseline, int width) {
-  std::u32string text(paragraph.substr(broken.begin, broken.end - broken.begin));
-  if (broken.hyphen) text.push_back('-');
-  TextLine line = MakeLine(text, font, left, baseline);
-  if (width > broken.width && !broken.last && broken.spaces > 0) {
-    line.breakExtra = std::min(width - broken.width, kMaxGap);
-    line.breakCount = broken.spaces;
+TextLine MakeLine(std::u32string_view text, Font& font, int left, int baseline) {
+  return MakeLine(text, *font.Shape(text, TextForm::kFlow), {0, text.size()}, font, left, baseline);
+}
+
+std::u32string CutTo(std::u32string_view text, Font& font, int width) {
+  const std::unique_ptr<ShapedText> shaped = font.Shape(text, TextForm::kFlow);
+  const int64_t room = int64_t{width} * kPixel;
+  const int64_t ellipsis = font.Shape(kEllipsis, TextForm::kFlow)->advances()[0];
+  int64_t used = 0;
+  std::size_t kept = 0;  // characters that leave room for the ellipsis
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    if (shaped->breaks()[i] != LineBreak::kInside && used + ellipsis <= room) kept = i;
+    used += shaped->advances()[i];
+    if (used > room) return std::u32string(text.substr(0, kept)).append(kEllipsis);
   }
-  return line;
+  return std::u32string(text);
+}
+
+Paragraph::Paragraph(std::u32string_view text, Font& font, int width)
+    : text_(text), font_(font), width_(width), shaped_(font.Shape(text_, TextForm::kFlow)) {
+  lines_ = BreakLines(text_, shaped_->advances(), shaped_->breaks(), font.Advance(U'-'), width * kPixel);
+}
+
+TextLine Paragraph::Line(std::size_t index, int left, int baseline, bool justify) const {
+  const BrokenLine& broken = lines_[index];
+  const int natural = CeilPixels(broken.width);
+  LinePart part{broken.begin, broken.end, broken.hyphen, 0, broken.spaces};
+  if (justify && !broken.last && broken.spaces > 0) part.extra = std::max(0, width_ - natural);
+  if (rightToLeft() && part.extra == 0) left += width_ - natural;
+  return MakeLine(text_, *shaped_, part, font_, left, baseline);
 }
 
 }  // namespace qnv::tool

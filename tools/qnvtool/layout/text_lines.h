@@ -9,17 +9,37 @@
 
 namespace qnv::tool {
 
-// Natural width in pixels.
-int TextWidth(std::u32string_view text, Font& font);
+// Pixels that advances in 1/64 pixels take up.
+inline int CeilPixels(int64_t advance) { return static_cast<int>((advance + kPixel - 1) / kPixel); }
 
-// The advances of a font, for the line breaker.
-AdvanceOf AdvancesOf(Font& font);
+// A part of a text as a line that begins at `left`.
+TextLine MakeLine(std::u32string_view text, const ShapedText& shaped, const LinePart& part, const Font& font, int left,
+                  int baseline);
 
-// A line in one font with its natural width.
-TextLine MakeLine(std::u32string_view text, const std::shared_ptr<Font>& font, int left, int baseline);
+// A whole text as one line in one font with its natural width.
+TextLine MakeLine(std::u32string_view text, Font& font, int left, int baseline);
 
-// A broken line of a paragraph; `width` above 0 justifies it to that many pixels unless it is the last.
-TextLine MakeLine(std::u32string_view paragraph, const BrokenLine& line, const std::shared_ptr<Font>& font, int left,
-                  int baseline, int width);
+// Shortens a text to a width in pixels, with an ellipsis at the end.
+std::u32string CutTo(std::u32string_view text, Font& font, int width);
+
+// A paragraph broken into lines of at most `width` pixels.
+class Paragraph {
+ public:
+  Paragraph(std::u32string_view text, Font& font, int width);
+
+  std::size_t lines() const { return lines_.size(); }
+  bool rightToLeft() const { return shaped_->rightToLeft(); }
+
+  // A line between the edges left and left + width, at the edge where its paragraph begins. Justified lines reach
+  // from edge to edge, except the last one.
+  TextLine Line(std::size_t index, int left, int baseline, bool justify) const;
+
+ private:
+  const std::u32string text_;
+  const Font& font_;
+  const int width_;
+  std::unique_ptr<ShapedText> shaped_;
+  std::vector<BrokenLine> lines_;
+};
 
 }  // namespace qnv::tool

@@ -66,11 +66,13 @@ void PagePainter::Paint(const Rect& view) const {
 uint32_t PagePainter::Physical(Color color) const { return rasteriser_.colorInfo(handle_, color, nullptr); }
 
 PagePainter::ReadyText PagePainter::Prepare(const TextLine& line) const {
-  ReadyText text{&line, Physical(line.color), line.baseline, line.baseline};
+  ReadyText text{&line, Physical(line.color), {}, line.baseline, line.baseline};
   for (const TextRun& run : line.runs) {
-    const FontRecord& font = run.codes.empty() ? run.font->latin() : run.font->Wide();
-    text.top = std::min(text.top, line.baseline - font.ascent);
-    text.bottom = std::max(text.bottom, line.baseline - font.ascent + font.height);
+    text.records.push_back(run.codes.empty() ? run.oneByte : run.sheet->Record());
+    const FontRecord& font = *text.records.back();
+    const int top = line.baseline - run.rise - font.ascent;
+    text.top = std::min(text.top, top);
+    text.bottom = std::max(text.bottom, top + font.height);
   }
   return text;
 }
@@ -85,14 +87,18 @@ void PagePainter::Paint(const ReadyText& text, const Rect& view) const {
   mode.BreakCount = static_cast<int16_t>(line.breakCount);
   mode.BreakErr = 1;  // with this start the line becomes exactly as wide as asked
   int x = line.left;
-  for (const TextRun& run : line.runs) x += PaintRun(run, x, line.baseline, mode, &run == &line.runs.back());
+  for (std::size_t i = 0; i < line.runs.size(); ++i) {
+    const TextRun& run = line.runs[i];
+    x += run.gap;
+    x += PaintRun(run, *text.records[i], x, line.baseline - run.rise, mode, i + 1 == line.runs.size());
+  }
 }
 
 // Paints a run and returns its advance. The remainder of the justification continues from run to run in `mode`. Drawing
 // does not update it, so a run that is followed by another is also measured.
-int PagePainter::PaintRun(const TextRun& run, int x, int baseline, DRAWMODE& mode, bool last) const {
+int PagePainter::PaintRun(const TextRun& run, const FontRecord& font, int x, int baseline, DRAWMODE& mode,
+                          bool last) const {
   if (!run.codes.empty()) {
-    const FontRecord& font = run.font->Wide();
     const int count = static_cast<int>(run.codes.size());
     const int advance = std::accumulate(run.widths.begin(), run.widths.end(), 0);
     const int32_t drawn =
@@ -101,7 +107,6 @@ int PagePainter::PaintRun(const TextRun& run, int x, int baseline, DRAWMODE& mod
     if (drawn == 0 && advance != 0) Refused("QNVDevExtTextOut", "two-byte text");
     return advance;
   }
-  const FontRecord& font = run.font->latin();
   const int count = static_cast<int>(run.latin.size());
   const auto call = [&](int characters) {
     return rasteriser_.extTextOut(handle_, x, baseline - font.ascent, &pageRect_, run.latin.data(), characters,

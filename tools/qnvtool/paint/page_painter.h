@@ -41,6 +41,7 @@ class PagePainter {
   struct ReadyText {
     const TextLine* line = nullptr;
     uint32_t color = 0;
+    std::vector<std::shared_ptr<const FontRecord>> records;  // of each run
     int top = 0;
     int bottom = 0;
   };
@@ -55,7 +56,7 @@ class PagePainter {
   void Paint(const ReadyFigure& figure, const Rect& view) const;
   void Paint(const ReadyPicture& picture, const Rect& view) const;
   void PaintUnscaled(const ReadyPicture& picture, const Rect& shown, const BandRect& clip, const DRAWMODE& mode) const;
-  int PaintRun(const TextRun& run, int x, int baseline, DRAWMODE& mode, bool last) const;
+  int PaintRun(const TextRun& run, const FontRecord& font, int x, int baseline, DRAWMODE& mode, bool last) const;
 
   const Rasteriser& rasteriser_;
   DeviceHandle* const handle_;

@@ -1,57 +1,96 @@
-// A font at one size: the layout asks it for advances, the printer for raster-font records.
+// A font at one size, as the layout sees it: it measures a text, and makes what the rasteriser is called with.
 #pragma once
 
-#include <array>
 #include <memory>
-#include <unordered_map>
+#include <string>
+#include <string_view>
 #include <vector>
 
-#include "qnvtool/text/font_record.h"
+#include "qnvtool/text/glyph_sheet.h"
 
 namespace qnv::tool {
 
-// The source of the glyphs, at one size.
-class GlyphSource {
+// Characters of a line that are painted by one call: one-byte codes or codes of a sheet.
+struct TextRun {
+  int gap = 0;   // pixels from the end of the run before, or the start of the line, to this run; may be negative
+  int rise = 0;  // pixels that its baseline lies above that of the line
+  std::shared_ptr<const FontRecord> oneByte;  // for `latin`
+  std::string latin;                          // when codes is empty
+  std::shared_ptr<const GlyphSheet> sheet;    // for `codes`
+  std::vector<uint16_t> codes;
+  std::vector<int16_t> widths;  // pixels from each cell of `codes` to the next; the last one's is the run's end
+};
+
+// Where a line may end.
+enum class LineBreak : uint8_t {
+  kInside,     // not before this character: it belongs to the cluster of the one before it
+  kForbidden,  // not before this character unless a word is wider than the line
+  kAllowed,
+};
+
+// A part of a text that makes a line.
+struct LinePart {
+  std::size_t begin = 0;  // characters [begin, end)
+  std::size_t end = 0;
+  bool hyphen = false;  // a hyphen is shown at the end
+  int extra = 0;        // pixels to distribute over its spaces
+  int spaces = 0;       // spaces in it
+};
+
+// What paints a line.
+struct LineRuns {
+  std::vector<TextRun> runs;
+  int width = 0;       // pixels, with `extra`
+  int breakExtra = 0;  // pixels that the rasteriser distributes over the spaces of one-byte runs
+  int breakCount = 0;  // spaces in these
+};
+
+// Units of advances in a pixel.
+inline constexpr int kPixel = 64;
+
+// A text in a font: measured, to be cut into lines.
+class ShapedText {
  public:
-  virtual ~GlyphSource() = default;
+  virtual ~ShapedText() = default;
+
+  // For each character the advance of the cluster (what the reader sees as one letter) that begins with it, in 1/64
+  // pixels; 0 for further characters of a cluster and for characters that do not show.
+  const std::vector<int32_t>& advances() const { return advances_; }
+
+  // For each character whether a line may end before it.
+  const std::vector<LineBreak>& breaks() const { return breaks_; }
+
+  // Whether the text as a whole runs from right to left.
+  bool rightToLeft() const { return rightToLeft_; }
+
+  virtual LineRuns Runs(const LinePart& part) const = 0;
+
+ protected:
+  std::vector<int32_t> advances_;
+  std::vector<LineBreak> breaks_;
+  bool rightToLeft_ = false;
+};
+
+enum class TextForm {
+  kFlow,     // as text is read: ligatures, kerning, the direction that the text begins with
+  kColumns,  // as terminals show it: a column for each letter, from left to right
+};
+
+class Font {
+ public:
+  virtual ~Font() = default;
   virtual int ascent() const = 0;      // pixels above the baseline, nominal
   virtual int descent() const = 0;     // pixels below it, positive
   virtual int lineHeight() const = 0;  // pixels from baseline to baseline
-  virtual Glyph Load(char32_t code) = 0;
-};
 
-// Keeps two raster fonts: a one-byte font with all of Latin-1, made at once, and a two-byte font to which every other
-// character is added when it is first used, with the next free code.
-class Font {
- public:
-  explicit Font(std::unique_ptr<GlyphSource> source);
+  // Measures a text of one paragraph. The font must outlive the result.
+  virtual std::unique_ptr<ShapedText> Shape(std::u32string_view text, TextForm form) = 0;
 
-  int ascent() const { return source_->ascent(); }
-  int descent() const { return source_->descent(); }
-  int lineHeight() const { return source_->lineHeight(); }
-
-  static bool IsLatin(char32_t code) { return code >= kFirstLatin && code <= kLastLatin; }
-
-  // Pixels from this character to the next.
-  int Advance(char32_t code);
-
-  // Code of a character in the two-byte font. Requires: !IsLatin(code). At most 65536 characters; further ones
-  // share the last code.
-  uint16_t WideCode(char32_t code);
-
-  const FontRecord& latin() const { return latin_; }
-
-  // The two-byte font with every character used so far; empty when there is none.
-  const FontRecord& Wide();
-
- private:
-  std::unique_ptr<GlyphSource> source_;
-  FontRecord latin_;
-  std::array<int, kLastLatin - kFirstLatin + 1> latinAdvances_{};
-  std::vector<Glyph> wideGlyphs_;
-  std::unordered_map<char32_t, uint16_t> wideCodes_;
-  FontRecord wide_;
-  std::size_t wideBuilt_ = 0;  // glyphs in wide_
+  // Advance of a single character, in 1/64 pixels.
+  int32_t Advance(char32_t code) {
+    const std::u32string_view text(&code, 1);
+    return Shape(text, TextForm::kColumns)->advances()[0];
+  }
 };
 
 }  // namespace qnv::tool

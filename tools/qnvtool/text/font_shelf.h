@@ -15,14 +15,14 @@ enum class FontRole { kBody, kHeading, kListing };
 
 class FontShelf {
  public:
-  // Opens the glyphs of a role at a size in points.
-  using Opener = std::function<std::unique_ptr<GlyphSource>(FontRole role, double points)>;
+  // Opens the font of a role at a size in points.
+  using Opener = std::function<std::unique_ptr<Font>(FontRole role, double points)>;
 
   explicit FontShelf(Opener opener) : opener_(std::move(opener)) {}
 
   std::shared_ptr<Font> Get(FontRole role, double points) {
     std::shared_ptr<Font>& font = fonts_[{role, points}];
-    if (font == nullptr) font = std::make_shared<Font>(opener_(role, points));
+    if (font == nullptr) font = opener_(role, points);
     return font;
   }
 

@@ -96,7 +96,7 @@ class FreeTypeFont final : public GlyphSource {
 
   Glyph Load(char32_t code) override {
     FT_Face face = main_;
-    if (FT_Get_Char_Index(main_, code) == 0 && !Font::IsLatin(code)) {
+    if (FT_Get_Char_Index(main_, code) == 0 && !PlainFont::IsLatin(code)) {
       FT_Face other = Face(MatchCharacter(code));
       if (other != nullptr && FT_Get_Char_Index(other, code) != 0) face = other;
     }

@@ -4,7 +4,7 @@
 #include <memory>
 #include <string>
 
-#include "qnvtool/text/font.h"
+#include "qnvtool/text/plain_font.h"
 
 namespace qnv::tool {
 

@@ -20,7 +20,7 @@ bool MustFollow(char32_t c) {
 
 bool IsDash(char32_t c) { return c == '-' || c == 0x2010 || c == 0x2013 || c == 0x2014; }
 
-// Whether a line may end between text[at - 1] and text[at]. The caller handles spaces.
+// Whether a line may end between text[at - 1] and text[at], neither of which is a space.
 bool BreakBefore(std::u32string_view text, std::size_t at) {
   const char32_t before = text[at - 1];
   const char32_t after = text[at];
@@ -32,8 +32,9 @@ bool BreakBefore(std::u32string_view text, std::size_t at) {
 // Breaks one paragraph.
 class Breaker {
  public:
-  Breaker(std::u32string_view text, const AdvanceOf& advance, int maxWidth)
-      : text_(text), advance_(advance), maxWidth_(maxWidth), hyphen_(advance('-')) {}
+  Breaker(std::u32string_view text, const std::vector<int32_t>& advances, const std::vector<LineBreak>& breaks,
+          int hyphen, int maxWidth)
+      : text_(text), advances_(advances), breaks_(breaks), hyphen_(hyphen), maxWidth_(maxWidth) {}
 
   std::vector<BrokenLine> Run() {
     std::size_t begin = SkipSpaces(0);
@@ -48,21 +49,21 @@ class Breaker {
     return at;
   }
 
-  int Width(char32_t c) const { return IsBreakControl(c) ? 0 : advance_(c); }
-
   // Appends the line that starts at `begin` and returns where it stopped.
   std::size_t TakeLine(std::size_t begin) {
     BrokenLine line{begin, begin, false, false, 0, 0};
     BrokenLine best = line;  // the longest prefix that ends where a line may end
     std::size_t at = begin;
-    for (; at < text_.size(); ++at) {
-      const char32_t c = text_[at];
-      if (at > begin) NoteBreak(best, line, at, c);
-      const int width = Width(c);
-      if (c != ' ' && line.width + width > maxWidth_ && line.end > begin) break;
+    while (at < text_.size()) {
+      if (at > begin && breaks_[at] == LineBreak::kAllowed) NoteBreak(best, line, at);
+      const int32_t width = advances_[at];
+      if (text_[at] != ' ' && line.width + width > maxWidth_ && line.end > begin) break;
       line.width += width;
-      if (c == ' ') ++line.spaces;
-      line.end = at + 1;
+      if (text_[at] == ' ') ++line.spaces;
+      do {
+        ++at;
+      } while (at < text_.size() && breaks_[at] == LineBreak::kInside);
+      line.end = at;
     }
     // The rest of the paragraph, or the start of a word that is wider than the line.
     if (at == text_.size() || best.end == begin) {
@@ -74,8 +75,7 @@ class Breaker {
   }
 
   // line: the characters before `at`. Makes it the best line so far if it may end there.
-  void NoteBreak(BrokenLine& best, const BrokenLine& line, std::size_t at, char32_t c) const {
-    if (c != ' ' && !BreakBefore(text_, at)) return;
+  void NoteBreak(BrokenLine& best, const BrokenLine& line, std::size_t at) const {
     BrokenLine candidate = line;
     TrimEnd(candidate);
     if (text_[at - 1] == kSoftHyphen) {
@@ -90,14 +90,15 @@ class Breaker {
     while (line.end > line.begin && text_[line.end - 1] == ' ') {
       --line.end;
       --line.spaces;
-      line.width -= advance_(' ');
+      line.width -= advances_[line.end];
     }
   }
 
   const std::u32string_view text_;
-  const AdvanceOf& advance_;
-  const int maxWidth_;
+  const std::vector<int32_t>& advances_;
+  const std::vector<LineBreak>& breaks_;
   const int hyphen_;
+  const int maxWidth_;
   std::vector<BrokenLine> lines_;
 };
 
@@ -105,8 +106,17 @@ class Breaker {
 
 bool IsBreakControl(char32_t c) { return c == kSoftHyphen || c == kZeroWidthSpace || c == 0x2060 || c == 0xFEFF; }
 
-std::vector<BrokenLine> BreakLines(std::u32string_view text, const AdvanceOf& advance, int maxWidth) {
-  return Breaker(text, advance, maxWidth).Run();
+std::vector<LineBreak> PlainBreaks(std::u32string_view text) {
+  std::vector<LineBreak> breaks(text.size(), LineBreak::kForbidden);
+  for (std::size_t at = 1; at < text.size(); ++at) {
+    if (text[at] != ' ' && (text[at - 1] == ' ' || BreakBefore(text, at))) breaks[at] = LineBreak::kAllowed;
+  }
+  return breaks;
+}
+
+std::vector<BrokenLine> BreakLines(std::u32string_view text, const std::vector<int32_t>& advances,
+                                   const std::vector<LineBreak>& breaks, int hyphen, int maxWidth) {
+  return Breaker(text, advances, breaks, hyphen, maxWidth).Run();
 }
 
 }  // namespace qnv::tool

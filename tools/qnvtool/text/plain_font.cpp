@@ -1,5 +1,5 @@
-// Builds the raster fonts of one outline font: Latin-1 at once, other characters as they are used.
-#include "qnvtool/text/font.h"
+// Sets characters one after the other.
+#include "qnvtool/text/plain_font.h"
 
 #include <algorithm>
 
@@ -8,44 +8,89 @@
 namespace qnv::tool {
 namespace {
 
-constexpr std::size_t kMaxWideGlyphs = 65536;
 constexpr char32_t kNoBreakSpace = 0xA0;
+constexpr std::size_t kMaxRun = 30000;  // the rasteriser counts characters in 16 bits
+constexpr int kMaxGap = 32767;
+
+class PlainText final : public ShapedText {
+ public:
+  PlainText(PlainFont& font, std::u32string_view text) : font_(font), text_(text) {
+    for (const char32_t c : text) advances_.push_back(IsBreakControl(c) ? 0 : font.CellOf(c) * kPixel);
+    breaks_ = PlainBreaks(text);
+  }
+
+  LineRuns Runs(const LinePart& part) const override {
+    LineRuns line;
+    for (std::size_t i = part.begin; i < part.end; ++i) {
+      if (IsBreakControl(text_[i])) continue;
+      font_.Append(line.runs, text_[i]);
+      line.width += advances_[i] / kPixel;
+    }
+    if (part.hyphen) {
+      font_.Append(line.runs, U'-');
+      line.width += font_.CellOf(U'-');
+    }
+    if (part.extra > 0 && part.spaces > 0) {
+      line.breakExtra = std::min(part.extra, kMaxGap);
+      line.breakCount = part.spaces;
+      line.width += line.breakExtra;
+    }
+    return line;
+  }
+
+ private:
+  PlainFont& font_;
+  const std::u32string text_;
+};
 
 }  // namespace
 
-Font::Font(std::unique_ptr<GlyphSource> source) : source_(std::move(source)) {
+PlainFont::PlainFont(std::unique_ptr<GlyphSource> source) : source_(std::move(source)) {
   std::vector<Glyph> glyphs;
   for (char32_t code = kFirstLatin; code <= kLastLatin; ++code) {
     const bool control = code >= 0x7F && code < kNoBreakSpace;
     // A soft hyphen that is shown is a hyphen; many fonts leave it empty.
     glyphs.push_back(control ? Glyph{} : source_->Load(code == kSoftHyphen ? U'-' : code));
-    latinAdvances_[code - kFirstLatin] = CellWidth(glyphs.back());
+    latinCells_[code - kFirstLatin] = CellWidth(glyphs.back());
   }
-  latin_ = MakeOneByteRecord(glyphs, ascent(), descent());
+  latin_ = std::make_shared<const FontRecord>(MakeOneByteRecord(glyphs, ascent(), descent()));
 }
 
-int Font::Advance(char32_t code) {
-  if (IsLatin(code)) return latinAdvances_[code - kFirstLatin];
-  return CellWidth(wideGlyphs_[WideCode(code)]);
+std::unique_ptr<ShapedText> PlainFont::Shape(std::u32string_view text, TextForm) {
+  return std::make_unique<PlainText>(*this, text);
 }
 
-// A new character is rendered and gets the next code; the record is built again when it is next used.
-uint16_t Font::WideCode(char32_t code) {
-  const auto known = wideCodes_.find(code);
-  if (known != wideCodes_.end()) return known->second;
-  if (wideGlyphs_.size() == kMaxWideGlyphs) return static_cast<uint16_t>(kMaxWideGlyphs - 1);
-  const auto index = static_cast<uint16_t>(wideGlyphs_.size());
-  wideGlyphs_.push_back(source_->Load(code));
-  wideCodes_.emplace(code, index);
-  return index;
+int PlainFont::CellOf(char32_t code) {
+  if (IsLatin(code)) return latinCells_[code - kFirstLatin];
+  return WideOf(code).cell;
 }
 
-const FontRecord& Font::Wide() {
-  if (wideBuilt_ != wideGlyphs_.size()) {
-    wide_ = MakeTwoByteRecord(wideGlyphs_, ascent(), descent());
-    wideBuilt_ = wideGlyphs_.size();
+// A new character is rendered and gets the next code.
+const PlainFont::Wide& PlainFont::WideOf(char32_t code) {
+  const auto known = wide_.find(code);
+  if (known != wide_.end()) return known->second;
+  if (sheet_ == nullptr || sheet_->full()) sheet_ = std::make_shared<GlyphSheet>(ascent(), descent());
+  Glyph glyph = source_->Load(code);
+  const int cell = CellWidth(glyph);
+  return wide_.emplace(code, Wide{sheet_, sheet_->Add(std::move(glyph)), cell}).first->second;
+}
+
+void PlainFont::Append(std::vector<TextRun>& runs, char32_t code) {
+  const bool isLatin = IsLatin(code);
+  const Wide* const wide = isLatin ? nullptr : &WideOf(code);
+  const bool fits = !runs.empty() && runs.back().codes.empty() == isLatin &&
+                    (isLatin || runs.back().sheet == wide->sheet) &&
+                    std::max(runs.back().latin.size(), runs.back().codes.size()) < kMaxRun;
+  if (!fits) runs.emplace_back();
+  TextRun& run = runs.back();
+  if (isLatin) {
+    run.oneByte = latin_;
+    run.latin.push_back(static_cast<char>(code));
+  } else {
+    run.sheet = wide->sheet;
+    run.codes.push_back(wide->code);
+    run.widths.push_back(static_cast<int16_t>(wide->cell));
   }
-  return wide_;
 }
 
 }  // namespace qnv::tool
