@@ -91,6 +91,8 @@ deb_control() {
   control_field Package '^qnvdrv10-dev$' && control_field Version "^${version//./\\.}$" &&
     control_field Architecture "^$(dpkg --print-architecture)$" && control_field Depends '(^|, )libc6 ' &&
     control_field Depends '(^|, )zlib1g ' && control_field Depends '(^|, )libfreetype6 ' &&
+    control_field Depends '(^|, )libharfbuzz0b ' && control_field Depends '(^|, )libfribidi0 ' &&
+    control_field Depends '(^|, )libunibreak[0-9]* ' &&
     control_field Description 'Band rasteriser'
 }
 

@@ -3,7 +3,8 @@
 #
 #   scripts/setup.sh demo      what ./demo needs
 #   scripts/setup.sh check     also what ./check needs: 32-bit, Windows and ARM compilers, test framework, package tools,
-#                              formatter, linter, analyzer, fuzzer, compiler cache (the default)
+#                              formatter, linter, analyzer, fuzzer, compiler cache, fonts of other scripts (the
+#                              default)
 set -euo pipefail
 
 mode=${1:-check}
@@ -11,6 +12,7 @@ mode=${1:-check}
 demo_packages=(
   cmake ninja-build g++ pkg-config
   libpng-dev libfreetype-dev libfontconfig-dev libcli11-dev libfmt-dev
+  libharfbuzz-dev libfribidi-dev libunibreak-dev
   fontconfig fonts-dejavu-core fonts-liberation2
 )
 # g++-12-multilib instead of g++-multilib, because the latter conflicts with every cross compiler. It lacks the link to
@@ -20,6 +22,7 @@ check_packages=(
   dpkg-dev unzip clang llvm lld
   clang-tidy clang-format cppcheck libclang-rt-dev ccache
   g++-aarch64-linux-gnu qemu-user
+  fonts-lohit-deva fonts-droid-fallback
 )
 
 case $mode in

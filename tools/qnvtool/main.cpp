@@ -1,20 +1,30 @@
 // qnvtool: its commands, with fonts, PNG files and the library that it is linked with.
+#include <fmt/core.h>
+
+#include <cstdio>
+
 #include "qnvtool/cli/cmd_make_picture.h"
 #include "qnvtool/cli/cmd_print.h"
 #include "qnvtool/output/png_writer.h"
-#include "qnvtool/text/freetype_font.h"
 #include "qnvtool/text/iconv_decoder.h"
+#include "qnvtool/text/shaped_font.h"
 
 namespace qnv::tool {
 namespace {
 
 // Fonts from font files or from the installed fonts.
 FontShelf OpenFonts(const PrintOptions& options) {
-  return FontShelf([&options](FontRole role, double points) {
+  const auto system = std::make_shared<FontSystem>([quiet = options.quiet](const std::string& note) {
+    if (!quiet) fmt::print(stderr, "qnvtool: note: {}\n", note);
+  });
+  return FontShelf([&options, system](FontRole role, double points) {
     const std::string& name = role == FontRole::kBody      ? options.bodyFont
                               : role == FontRole::kHeading ? options.headingFont
                                                            : options.listingFont;
-    return std::make_unique<PlainFont>(OpenFreeTypeFont(name, points, options.device.pageDpi));
+    const char* const fallback = role == FontRole::kBody      ? "serif"
+                                 : role == FontRole::kHeading ? "sans:bold"
+                                                              : "monospace";
+    return OpenShapedFont(system, name, fallback, points, options.device.pageDpi);
   });
 }
 

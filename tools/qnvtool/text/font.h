@@ -4,6 +4,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include "qnvtool/text/glyph_sheet.h"
@@ -87,10 +88,10 @@ class Font {
   virtual std::unique_ptr<ShapedText> Shape(std::u32string_view text, TextForm form) = 0;
 
   // Advance of a single character, in 1/64 pixels.
-  int32_t Advance(char32_t code) {
-    const std::u32string_view text(&code, 1);
-    return Shape(text, TextForm::kColumns)->advances()[0];
-  }
+  int32_t Advance(char32_t code);
+
+ private:
+  std::unordered_map<char32_t, int32_t> known_;  // advances that were asked for
 };
 
 }  // namespace qnv::tool
