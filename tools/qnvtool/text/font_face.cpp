@@ -5,6 +5,7 @@
 #include <hb-ft.h>
 #include <hb.h>
 
+#include <algorithm>
 #include <cmath>
 #include <utility>
 
@@ -120,7 +121,6 @@ Glyph FontFace::Render(uint32_t index) {
   Glyph glyph;
   if (FT_Load_Glyph(face_, index, FT_LOAD_RENDER | FT_LOAD_TARGET_MONO | FT_LOAD_NO_BITMAP) != 0) return glyph;
   const FT_GlyphSlot slot = face_->glyph;
-  if (slot->bitmap.width == 0 || slot->bitmap.rows == 0) return glyph;
   glyph.left = slot->bitmap_left;
   glyph.top = slot->bitmap_top;
   glyph.columns = static_cast<int>(slot->bitmap.width);
@@ -130,6 +130,8 @@ Glyph FontFace::Render(uint32_t index) {
     const uint8_t* const from = slot->bitmap.buffer + std::ptrdiff_t{row} * slot->bitmap.pitch;
     glyph.bits.insert(glyph.bits.end(), from, from + stride);
   }
+  // The bitmap of a space may have a pixel that is not set.
+  if (std::all_of(glyph.bits.begin(), glyph.bits.end(), [](uint8_t byte) { return byte == 0; })) return {};
   return glyph;
 }
 
