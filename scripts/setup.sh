@@ -11,7 +11,7 @@ mode=${1:-check}
 
 demo_packages=(
   cmake ninja-build g++ pkg-config
-  libpng-dev libfreetype-dev libfontconfig-dev libcli11-dev libfmt-dev
+  libpng-dev libtiff-dev libcups2-dev libfreetype-dev libfontconfig-dev libcli11-dev libfmt-dev
   libharfbuzz-dev libfribidi-dev libunibreak-dev
   fontconfig fonts-dejavu-core fonts-liberation2
 )
@@ -23,6 +23,7 @@ check_packages=(
   clang-tidy clang-format cppcheck libclang-rt-dev ccache
   g++-aarch64-linux-gnu qemu-user
   fonts-lohit-deva fonts-droid-fallback
+  poppler-utils qpdf libtiff-tools pngcheck
 )
 
 case $mode in

@@ -160,6 +160,13 @@ TEST_F(OutputFile, AllNames) {
   EXPECT_EQ(names[0].picture, "a-01.png");
   EXPECT_EQ(names[0].tags, "");
   EXPECT_EQ(names[1].overlay, "c-02.png");
+  // A file that holds all pages keeps its name.
+  const auto whole = tool::NamePages({"a.pdf", "b.png", ""}, 2, {}, {.picture = true});
+  ASSERT_EQ(whole.size(), 2u);
+  EXPECT_EQ(whole[1].picture, "a.pdf");
+  EXPECT_EQ(whole[1].tags, "b-02.png");
+  EXPECT_NE(UsageErrorOf([&] { tool::NamePages({"a.pdf", "a.pdf", ""}, 2, {}, {true, true, false}); }), "");
+  EXPECT_NE(UsageErrorOf([&] { tool::NamePages({"a.pdf", "", ""}, 2, {"a.pdf"}, {.picture = true}); }), "");
 }
 
 }  // namespace

@@ -151,7 +151,17 @@ TEST(PictureWriter, FormatsByName) {
     EXPECT_EQ(tool::FormatOf(name, ""), PictureFormat::kPng) << name;
     EXPECT_EQ(tool::FormatOf(name, "ppm"), PictureFormat::kPnm) << name;
   }
-  for (const char* name : {"a", "ppm", "a.ppm/b", "a.jpg", "a.", ".png", ""}) {
+  const struct {
+    const char* path;
+    PictureFormat format;
+  } documents[] = {{"a.tif", PictureFormat::kTiff}, {"a.TIFF", PictureFormat::kTiff}, {"a.pdf", PictureFormat::kPdf},
+                   {"a.pwg", PictureFormat::kPwg},  {"a.urf", PictureFormat::kUrf},   {"a.ras", PictureFormat::kCups}};
+  for (const auto& c : documents) {
+    EXPECT_EQ(tool::FormatOf(c.path, ""), c.format) << c.path;
+    EXPECT_TRUE(tool::HoldsAllPages(c.format)) << c.path;
+  }
+  EXPECT_EQ(tool::FormatOf("x", "cups"), PictureFormat::kCups);
+  for (const char* name : {"a", "a.cups", "ppm", "a.ppm/b", "a.jpg", "a.", ".png", ""}) {
     EXPECT_THROW(tool::FormatOf(name, ""), tool::ToolError) << name;
     EXPECT_EQ(tool::FormatOf(name, "pgm"), PictureFormat::kPnm) << name;
   }

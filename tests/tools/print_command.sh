@@ -119,7 +119,7 @@ expect 1 "photo.bmp: is an input file" print photo.bmp -o photo.bmp --format png
 expect 1 "no such font file" print text.txt -o out.png --font ./none.ttf
 expect 1 "out.jpg: the name says no format" print photo.bmp -o out.jpg
 expect 1 "out.pgm: PGM files are gray" print photo.bmp -o out.pgm
-expect 1 "--format jpg: use one of png, ppm, pgm" print photo.bmp -o out.png --format jpg
+expect 1 "--format jpg: use one of png, ppm, pgm, tiff, pdf, pwg, urf, cups" print photo.bmp -o out.png --format jpg
 expect 1 "--type jpg: use one of auto, picture, text, fig" print photo.bmp -o out.png --type jpg
 expect 1 "--dpi 0: use a whole number from 20 to 4800" print photo.bmp -o out.png --dpi 0
 expect 1 "--margin nan: use a number from 0 to 1000" print photo.bmp -o out.png --margin nan

@@ -5,6 +5,7 @@
 
 #include "qnvtool/cli/cmd_make_picture.h"
 #include "qnvtool/cli/cmd_print.h"
+#include "qnvtool/output/documents.h"
 #include "qnvtool/output/png_writer.h"
 #include "qnvtool/text/iconv_decoder.h"
 #include "qnvtool/text/shaped_font.h"
@@ -38,7 +39,7 @@ int main(int argc, char** argv) {
                         .version = QNVTOOL_VERSION,
                         .commands = {PrintCommand({.openFonts = OpenFonts,
                                                    .linked = LinkedRasteriser,
-                                                   .createPng = CreatePngFile,
+                                                   .output = {CreatePngFile, CreateDocument},
                                                    .decoders = {},
                                                    .openDecoder = OpenIconvDecoder}),
                                      MakePictureCommand()}};

@@ -9,6 +9,7 @@
 #include <filesystem>
 #include <memory>
 
+#include "qnvtool/base/phase_times.h"
 #include "qnvtool/base/tool_error.h"
 #ifdef _WIN32
 #include <fcntl.h>
@@ -39,6 +40,7 @@ int CloseUnlessStdin(std::FILE* file) { return file == stdin ? 0 : std::fclose(f
 std::string DisplayName(const std::string& path) { return path == "-" ? "standard input" : path; }
 
 Bytes ReadFile(const std::string& name) {
+  const PhaseTimer timer(Phase::kReading);
   std::error_code error;
   if (std::filesystem::is_directory(name, error)) Fail(name, "is a folder, not a file");
   const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(name == "-" ? OpenStdin() : std::fopen(name.c_str(), "rb"),

@@ -9,6 +9,7 @@
 #include <cstring>
 #include <filesystem>
 
+#include "qnvtool/base/phase_times.h"
 #include "qnvtool/base/tool_error.h"
 
 #ifdef _WIN32
@@ -62,6 +63,11 @@ void CannotWrite(const std::string& path, const std::string& why) {
   throw ToolError(ExitCode::kCannotWrite, fmt::format("{}: cannot be written: {}", path, why));
 }
 
+void OutputFile::Write(const void* bytes, std::size_t size) {
+  const PhaseTimer timer(Phase::kWriting);
+  if (std::fwrite(bytes, 1, size, file_) != size) Fail();
+}
+
 void OutputFile::Fail() const { CannotWrite(path_, std::strerror(errno)); }
 
 OutputFile::OutputFile(const std::string& path) : path_(path == "-" ? "standard output" : path) {
@@ -92,18 +98,18 @@ void OutputFile::OpenBesideTarget() {
   int descriptor = -1;
 #ifdef O_TMPFILE
   // The file gets its name through /proc.
-  if (access("/proc/self/fd", X_OK) == 0) descriptor = open(folder.c_str(), O_TMPFILE | O_WRONLY | O_CLOEXEC, 0666);
+  if (access("/proc/self/fd", X_OK) == 0) descriptor = open(folder.c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC, 0666);
 #endif
   if (descriptor < 0) {
-    descriptor = open(unfinished_.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
+    descriptor = open(unfinished_.c_str(), O_RDWR | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
     isNamed_ = descriptor >= 0;
   }
   if (descriptor < 0) return;
   if (replaces) static_cast<void>(fchmod(descriptor, old.st_mode & 07777));
-  file_ = fdopen(descriptor, "wb");
+  file_ = fdopen(descriptor, "w+b");
   if (file_ == nullptr) close(descriptor);
 #else
-  file_ = std::fopen(unfinished_.c_str(), "wb");
+  file_ = std::fopen(unfinished_.c_str(), "w+b");
   isNamed_ = file_ != nullptr;
 #endif
 }
@@ -115,6 +121,7 @@ OutputFile::~OutputFile() {
 }
 
 void OutputFile::Close() {
+  const PhaseTimer timer(Phase::kWriting);
   if (std::fflush(file_) != 0) Fail();
   if (file_ == stdout) return;
 #ifndef _WIN32

@@ -1,6 +1,7 @@
 // Files that the tool writes: complete or not at all.
 #pragma once
 
+#include <cstddef>
 #include <cstdio>
 #include <string>
 
@@ -24,6 +25,12 @@ class OutputFile {
 
   std::FILE* get() const { return file_; }
   const std::string& path() const { return path_; }
+
+  // Whether the file can be read and written at any place: not standard output, devices and pipes.
+  bool isSeekable() const { return !target_.empty(); }
+
+  // Throws ToolError (cannot write).
+  void Write(const void* bytes, std::size_t size);
 
   // Throws ToolError (cannot write) with the reason that errno gives.
   [[noreturn]] void Fail() const;

@@ -1,8 +1,13 @@
 // The options of `qnvtool print`, and their translation into a print job.
 #include "qnvtool/cli/cmd_print.h"
 
+#include <fmt/core.h>
+
+#include <cstdio>
+#include <iterator>
 #include <memory>
 
+#include "qnvtool/base/phase_times.h"
 #include "qnvtool/base/tool_error.h"
 #include "qnvtool/layout/figures.h"
 
@@ -21,6 +26,7 @@ struct PrintArguments {
   bool noHeader = false;
   bool flow = false;
   bool verbatim = false;
+  bool timing = false;
 };
 
 // For the shell completion.
@@ -50,6 +56,7 @@ void Run(PrintArguments& arguments, const PrintParts& parts) {
                                               : TextOptions::Setting::kByName;
   options.text.openDecoder = parts.openDecoder;
   Print(options, parts);
+  if (arguments.timing) fmt::print(stderr, "qnvtool: {}\n", DescribePhases());
 }
 
 }  // namespace
@@ -73,16 +80,23 @@ Command PrintCommand(const PrintParts& parts) {
        .required = true,
        .fileTypes = "*"},
       {.names = "-o,--out",
-       .placeholder = "OUT.png",
-       .help = "Picture of the page; of several pages OUT-01.png, OUT-02.png and so on. Names ending in .ppm or .pgm "
-               "give those formats, '-' writes PPM or PGM to standard output",
+       .placeholder = "OUT",
+       .help = "The pages: OUT.tiff, OUT.pdf, and the raster files OUT.pwg, OUT.urf and OUT.ras hold all of them; of "
+               "OUT.png, OUT.ppm or OUT.pgm there is one for each page, OUT-01.png, OUT-02.png and so on, where there "
+               "are several. '-' writes to standard output, PPM or PGM unless --format says otherwise",
        .value = Text{&options.out},
        .required = true,
-       .fileTypes = "png|ppm|pgm"},
+       .fileTypes = kFormatEndings},
       {.names = "--format",
        .placeholder = "FORMAT",
-       .help = "Format of all pictures, whatever their names end in: png, ppm (color), pgm (gray)",
-       .value = OneOf{&options.format, {"png", "ppm", "pgm"}}},
+       .help = "Format of all pictures, whatever their names end in: png, ppm (color), pgm (gray), tiff, pdf (with "
+               "invisible text, to be searched), pwg (PWG raster), urf (Apple raster), cups (CUPS raster)",
+       .value = OneOf{&options.format, {std::begin(kFormatNames), std::end(kFormatNames)}}},
+      {.names = "--timing",
+       .placeholder = "",
+       .help = "Say on standard error where the time went: reading, layout, rasterising, encoding, writing. Pages are "
+               "compressed on all cores; encoding is what the printing waits for that",
+       .value = Flag{&arguments->timing}},
       {.names = "--keep-going",
        .placeholder = "",
        .help = "Report files that cannot be used, print the others, and end with exit code 2; without it nothing is "

@@ -8,7 +8,7 @@
 #include "qnvtool/layout/paper.h"
 #include "qnvtool/layout/picture_layout.h"
 #include "qnvtool/layout/text_document.h"
-#include "qnvtool/output/picture_writer.h"
+#include "qnvtool/output/job_output.h"
 #include "qnvtool/paint/device_choice.h"
 #include "qnvtool/paint/rasteriser.h"
 #include "qnvtool/text/font_shelf.h"
@@ -20,7 +20,7 @@ enum class FileType { kAuto, kPicture, kText, kFigures };
 struct PrintOptions {
   std::vector<std::string> files;
   std::string out;     // "-": standard output
-  std::string format;  // of all pictures: "png", "ppm", "pgm"; empty: as the names say
+  std::string format;  // of all pictures, one of kFormatNames; empty: as the names say
   bool keepGoing = false;
   FileType type = FileType::kAuto;
   Paper paper;
@@ -43,8 +43,8 @@ struct PrintOptions {
 // The parts that need libraries of the system, or this project's own. A program passes those that it is built with.
 struct PrintParts {
   FontShelf (*openFonts)(const PrintOptions& options) = nullptr;
-  Rasteriser (*linked)() = nullptr;                                                               // may be absent
-  std::unique_ptr<PictureWriter> (*createPng)(const std::string&, const PictureForm&) = nullptr;  // may be absent
+  Rasteriser (*linked)() = nullptr;  // may be absent
+  OutputParts output = {};
   PictureDecoders decoders = {};
   std::unique_ptr<TextDecoder> (*openDecoder)(const std::string&) = nullptr;  // may be absent
 };

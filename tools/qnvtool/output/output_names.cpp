@@ -81,26 +81,28 @@ std::string PathOfPage(const std::string& path, int page, int pages) {
   return result.string();
 }
 
-std::vector<PageNames> NamePages(const PageNames& wanted, int pages, const std::vector<std::string>& inputs) {
+std::vector<PageNames> NamePages(const PageNames& wanted, int pages, const std::vector<std::string>& inputs,
+                                 const WholeJobFiles& whole) {
   FileSet read;
   for (const std::string& input : inputs) {
     if (!input.empty() && input != "-") read.Add(input);
   }
   FileSet written;
-  const auto name = [&](const std::string& path, int page) {
-    std::string result = PathOfPage(path, page, pages);
+  const auto name = [&](const std::string& path, int page, bool holdsAll) {
+    std::string result = holdsAll ? path : PathOfPage(path, page, pages);
     if (result.empty() || result == "-" || IsSpecial(result)) return result;
     if (read.Has(result)) {
       throw ToolError(ExitCode::kUsage, fmt::format("{}: is an input file and would be overwritten", result));
     }
-    if (!written.Add(result)) {
+    if ((page == 1 || !holdsAll) && !written.Add(result)) {
       throw ToolError(ExitCode::kUsage, fmt::format("{}: named for two different pictures", result));
     }
     return result;
   };
   std::vector<PageNames> names;
   for (int page = 1; page <= pages; ++page) {
-    names.push_back({name(wanted.picture, page), name(wanted.tags, page), name(wanted.overlay, page)});
+    names.push_back({name(wanted.picture, page, whole.picture), name(wanted.tags, page, whole.tags),
+                     name(wanted.overlay, page, whole.overlay)});
   }
   return names;
 }

@@ -17,8 +17,16 @@ struct PageNames {
 // page needs, so that names sort in the order of the pages. Devices and pipes keep their name for every page.
 std::string PathOfPage(const std::string& path, int page, int pages);
 
+// Which of the files hold all pages of the job under one name.
+struct WholeJobFiles {
+  bool picture = false;
+  bool tags = false;
+  bool overlay = false;
+};
+
 // The names of all pages. Throws ToolError (usage) when a name is that of one of the `inputs`, or of two pictures. Two
 // names are the same when they lead to the same file, through links or under another spelling of the path.
-std::vector<PageNames> NamePages(const PageNames& wanted, int pages, const std::vector<std::string>& inputs);
+std::vector<PageNames> NamePages(const PageNames& wanted, int pages, const std::vector<std::string>& inputs,
+                                 const WholeJobFiles& whole = {});
 
 }  // namespace qnv::tool

@@ -6,6 +6,7 @@
 #include <cctype>
 #include <cstdio>
 #include <filesystem>
+#include <map>
 
 #include "qnvtool/base/output_file.h"
 #include "qnvtool/base/tool_error.h"
@@ -33,7 +34,7 @@ class PnmWriter final : public PictureWriter {
  private:
   template <class Text>
   void Write(const Text& bytes) {
-    if (std::fwrite(bytes.data(), 1, bytes.size(), file_.get()) != bytes.size()) file_.Fail();
+    file_.Write(bytes.data(), bytes.size());
   }
 
   OutputFile file_;
@@ -71,11 +72,17 @@ PictureFormat FormatOf(const std::string& path, const std::string& name) {
       wanted += static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
     }
   }
-  if (wanted == "png") return PictureFormat::kPng;
-  if (wanted == "ppm" || wanted == "pgm" || wanted == "pnm") return PictureFormat::kPnm;
+  static const std::map<std::string, PictureFormat> formats = {
+      {"png", PictureFormat::kPng},   {"ppm", PictureFormat::kPnm},  {"pgm", PictureFormat::kPnm},
+      {"pnm", PictureFormat::kPnm},   {"tif", PictureFormat::kTiff}, {"tiff", PictureFormat::kTiff},
+      {"pdf", PictureFormat::kPdf},   {"pwg", PictureFormat::kPwg},  {"urf", PictureFormat::kUrf},
+      {"cups", PictureFormat::kCups}, {"ras", PictureFormat::kCups},
+  };
+  const auto found = formats.find(wanted);
+  if (found != formats.end() && (wanted != "cups" || !name.empty())) return found->second;
   throw ToolError(ExitCode::kUsage,
-                  fmt::format("{}: the name says no format that can be written; end it in .png, .ppm or .pgm, or use "
-                              "--format",
+                  fmt::format("{}: the name says no format that can be written; end it in .png, .ppm, .pgm, .tiff, "
+                              ".pdf, .pwg, .urf or .ras, or use --format",
                               path));
 }
 

@@ -41,11 +41,20 @@ class PictureWriter {
 // Converts a row to the byte order of files: red, green, blue, or one byte a pixel.
 void ConvertRow(const PictureForm& form, const uint8_t* row, std::vector<uint8_t>& result);
 
-enum class PictureFormat { kPng, kPnm };
+enum class PictureFormat { kPng, kPnm, kTiff, kPdf, kPwg, kUrf, kCups };
 
-// The format of a file: that of `name` ("png", "ppm", "pgm", "pnm") or, when it is empty, that of the extension of
-// `path`, PNM for "-". Throws ToolError (usage) for an extension without a format.
+// The values of --format, and what the names of files end in.
+inline constexpr const char* kFormatNames[] = {"png", "ppm", "pgm", "tiff", "pdf", "pwg", "urf", "cups"};
+inline constexpr const char* kFormatEndings = "png|ppm|pgm|tif|tiff|pdf|pwg|urf|ras";
+
+// The format of a file: that of `name` (one of kFormatNames) or, when it is empty, that of the extension of `path`, PNM
+// for "-". Throws ToolError (usage) for an extension without a format.
 PictureFormat FormatOf(const std::string& path, const std::string& name);
+
+// Whether a file of this format holds all pages of a job; else each page is a file.
+constexpr bool HoldsAllPages(PictureFormat format) {
+  return format != PictureFormat::kPng && format != PictureFormat::kPnm;
+}
 
 // A binary PPM (color) or PGM file (gray, tags). On standard output ("-") pictures may follow one another.
 std::unique_ptr<PictureWriter> CreatePnmFile(const std::string& path, const PictureForm& form);

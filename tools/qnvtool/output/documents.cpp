@@ -1,0 +1,14 @@
+// Makes the file of the wanted format.
+#include "qnvtool/output/documents.h"
+
+namespace qnv::tool {
+
+std::unique_ptr<PageDocument> CreateDocument(PictureFormat format, const std::string& path, int pages) {
+  switch (format) {
+    case PictureFormat::kPdf: return CreatePdfFile(path);
+    case PictureFormat::kTiff: return CreateTiffFile(path, pages);
+    default: return CreateRasterFile(format, path, pages);
+  }
+}
+
+}  // namespace qnv::tool

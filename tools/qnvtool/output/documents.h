@@ -1,0 +1,23 @@
+// The files that hold all pages of a job: TIFF, PDF, and the raster streams that printers take.
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "qnvtool/output/page_document.h"
+
+namespace qnv::tool {
+
+// Pages as pictures at their resolution, with invisible text.
+std::unique_ptr<PageDocument> CreatePdfFile(const std::string& path);
+
+// Compressed by deflate in strips.
+std::unique_ptr<PageDocument> CreateTiffFile(const std::string& path, int pages);
+
+// PWG raster, Apple raster (URF) or compressed CUPS raster.
+std::unique_ptr<PageDocument> CreateRasterFile(PictureFormat format, const std::string& path, int pages);
+
+// Any of them. Requires: HoldsAllPages(format).
+std::unique_ptr<PageDocument> CreateDocument(PictureFormat format, const std::string& path, int pages);
+
+}  // namespace qnv::tool

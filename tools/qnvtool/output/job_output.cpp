@@ -1,0 +1,141 @@
+// Chooses the formats of a job's files, and passes each band on to those of the page.
+#include "qnvtool/output/job_output.h"
+
+#include <fmt/core.h>
+
+#include <cctype>
+#include <filesystem>
+
+#include "qnvtool/base/phase_times.h"
+#include "qnvtool/base/tool_error.h"
+
+namespace qnv::tool {
+namespace {
+
+// Whether a file is to be a PGM file, which is gray.
+bool NamesPgm(const std::string& path, const std::string& format) {
+  if (!format.empty()) return format == "pgm";
+  std::string extension = std::filesystem::path(path).extension().string();
+  for (char& c : extension) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+  return extension == ".pgm";
+}
+
+}  // namespace
+
+JobOutput::JobOutput(const PageNames& wanted, const std::string& format, const DeviceChoice& device,
+                     const OutputParts& parts)
+    : device_(device), parts_(parts) {
+  Choose(picture_, wanted.picture, format, device.isGray());
+  for (const std::string& extra : {wanted.tags, wanted.overlay}) {
+    if (extra.empty()) continue;
+    if (device.kind != DeviceChoice::Kind::kDual) {
+      throw ToolError(ExitCode::kUsage, "--tags and --overlay need --device dual");
+    }
+    if (extra == "-") throw ToolError(ExitCode::kUsage, "--tags and --overlay write files, not standard output");
+  }
+  if (!wanted.tags.empty()) Choose(tags_, wanted.tags, format, true);
+  if (!wanted.overlay.empty()) Choose(overlay_, wanted.overlay, format, false);
+}
+
+JobOutput::~JobOutput() = default;
+
+void JobOutput::Choose(Kind& kind, const std::string& path, const std::string& format, bool gray) const {
+  kind.wanted = path;
+  kind.format = FormatOf(path, format);
+  const bool canBeWritten =
+      kind.format == PictureFormat::kPnm ||
+      (HoldsAllPages(kind.format) ? parts_.createDocument != nullptr : parts_.createPng != nullptr);
+  if (!canBeWritten) {
+    throw ToolError(ExitCode::kUsage, fmt::format("{}: this program writes .ppm and .pgm files only", path));
+  }
+  if (!gray && NamesPgm(path, format)) {
+    throw ToolError(ExitCode::kUsage, fmt::format("{}: PGM files are gray, the picture has colors; use .ppm", path));
+  }
+}
+
+void JobOutput::Name(int pages, const std::vector<std::string>& inputs) {
+  if (picture_.wanted == "-" && picture_.format == PictureFormat::kPng && pages > 1) {
+    throw ToolError(ExitCode::kUsage, fmt::format("-: a PNG stream holds one page, not {}; use --format ppm", pages));
+  }
+  names_ = NamePages({picture_.wanted, tags_.wanted, overlay_.wanted}, std::max(pages, 1), inputs,
+                     {HoldsAllPages(picture_.format), HoldsAllPages(tags_.format), HoldsAllPages(overlay_.format)});
+}
+
+void JobOutput::Start(Kind& kind, const std::string& path, const PictureForm& form,
+                      const std::vector<PageWord>& words) const {
+  if (path.empty()) return;
+  if (kind.format == PictureFormat::kPnm) {
+    kind.picture = CreatePnmFile(path, form);
+  } else if (kind.format == PictureFormat::kPng) {
+    kind.picture = parts_.createPng(path, form);
+  } else {
+    if (kind.document == nullptr) {
+      kind.document = parts_.createDocument(kind.format, path, static_cast<int>(names_.size()));
+    }
+    kind.picture = kind.document->StartPage(form, words);
+  }
+}
+
+void JobOutput::StartPage(const Page& page, int width, int height) {
+  const PhaseTimer timer(Phase::kEncoding);
+  using Pixels = PictureForm::Pixels;
+  const PageNames& names = names_.at(next_++);
+  PictureForm form{width, height, device_.bandDpi, Pixels::kColor};
+  if (device_.kind == DeviceChoice::Kind::kGray) form.pixels = Pixels::kGray;
+  if (device_.kind == DeviceChoice::Kind::kScaledGray) form.pixels = Pixels::kGrayOf3;
+  std::vector<PageWord> words;
+  if (picture_.format == PictureFormat::kPdf) {
+    words = WordsOf(page);
+    for (PageWord& word : words) {
+      for (int* const value : {&word.left, &word.baseline, &word.width, &word.ascent, &word.descent}) {
+        *value = ScaleRounded(*value, device_.bandDpi, device_.pageDpi);
+      }
+    }
+  }
+  Start(picture_, names.picture, form, words);
+  Start(overlay_, names.overlay, form, {});
+  form.pixels = Pixels::kTags;
+  Start(tags_, names.tags, form, {});
+  width_ = static_cast<std::size_t>(width);
+}
+
+void JobOutput::Write(const BandView& band) {
+  const PhaseTimer timer(Phase::kEncoding);
+  picture_.picture->WriteRows(band.pixels, band.stride, band.rows);
+  if (tags_.picture != nullptr) tags_.picture->WriteRows(band.tags, band.tagStride, band.rows);
+  if (overlay_.picture != nullptr) WriteOverlay(band);
+}
+
+// Mixes the pixels of images with the color that images have in the tag legend.
+void JobOutput::WriteOverlay(const BandView& band) {
+  for (int i = 0; i < band.rows; ++i) {
+    const uint8_t* const pixels = band.pixels + static_cast<std::size_t>(i) * band.stride;
+    const uint8_t* const tags = band.tags + static_cast<std::size_t>(i) * band.tagStride;
+    tinted_.assign(pixels, pixels + width_ * 3);
+    for (std::size_t x = 0; x < width_; ++x) {
+      if (tags[x] != QNV_TAG_IMAGE) continue;
+      for (std::size_t byte = 0; byte < 3; ++byte) {
+        uint8_t& value = tinted_[x * 3 + byte];
+        value = static_cast<uint8_t>((value + (kTagImage >> 8 * byte & 0xFF) + 1) / 2);
+      }
+    }
+    overlay_.picture->WriteRows(tinted_.data(), tinted_.size(), 1);
+  }
+}
+
+void JobOutput::FinishPage() {
+  const PhaseTimer timer(Phase::kEncoding);
+  for (Kind* const kind : {&picture_, &tags_, &overlay_}) {
+    if (kind->picture != nullptr) kind->picture->Finish();
+    kind->picture.reset();
+  }
+}
+
+void JobOutput::Finish() {
+  const PhaseTimer timer(Phase::kEncoding);
+  for (Kind* const kind : {&picture_, &tags_, &overlay_}) {
+    if (kind->document != nullptr) kind->document->Finish();
+  }
+}
+
+}  // namespace qnv::tool

@@ -1,0 +1,38 @@
+// Compresses the rows of a picture on all cores into one zlib stream, as PNG and PDF files hold it.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <vector>
+
+#include "qnvtool/output/picture_writer.h"
+
+namespace qnv::tool {
+
+// The stream holds for each row a byte with the PNG filter "up", then the differences of the row's bytes, as ConvertRow
+// makes them, from those of the row above. It depends neither on the number of cores nor on how many rows are handed
+// over at a time.
+class RowDeflate {
+ public:
+  using Piece = std::vector<uint8_t>;
+
+  // `write` gets the pieces of the stream in order, from the thread that calls WriteRows and Finish. `path` is for
+  // messages.
+  RowDeflate(const PictureForm& form, std::string path, std::function<void(const Piece&)> write);
+  ~RowDeflate();
+  RowDeflate(const RowDeflate&) = delete;
+  RowDeflate& operator=(const RowDeflate&) = delete;
+
+  // The next rows. Throws what `write` throws, and ToolError (cannot write) when there is no memory.
+  void WriteRows(const uint8_t* first, std::size_t stride, int rows);
+
+  // Ends the stream.
+  void Finish();
+
+ private:
+  class State;
+  std::unique_ptr<State> state_;
+};
+
+}  // namespace qnv::tool

@@ -1,0 +1,248 @@
+// Writes TIFF files through libtiff. The strips are compressed here, at the same time on all cores.
+#include <tiffio.h>
+#include <zlib.h>
+
+#include <array>
+#include <cerrno>
+#include <cstdarg>
+#include <cstdio>
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include "qnvtool/base/output_file.h"
+#include "qnvtool/base/phase_times.h"
+#include "qnvtool/output/documents.h"
+#include "qnvtool/output/ordered_tasks.h"
+
+namespace qnv::tool {
+namespace {
+
+using Buffer = std::vector<uint8_t>;
+
+constexpr std::size_t kStripBytes = std::size_t{1} << 20;  // before compression
+constexpr int kLevel = 4;
+
+// The file as libtiff sees it. Failures are kept, because exceptions must not pass through libtiff.
+struct TiffStream {
+  std::FILE* file = nullptr;
+  int error = 0;
+  std::string message;  // of libtiff
+};
+
+TiffStream& StreamOf(thandle_t handle) { return *static_cast<TiffStream*>(handle); }
+
+tmsize_t ReadBytes(thandle_t handle, void* bytes, tmsize_t size) {
+  return static_cast<tmsize_t>(std::fread(bytes, 1, static_cast<std::size_t>(size), StreamOf(handle).file));
+}
+
+tmsize_t WriteBytes(thandle_t handle, void* bytes, tmsize_t size) {
+  TiffStream& stream = StreamOf(handle);
+  const std::size_t written = std::fwrite(bytes, 1, static_cast<std::size_t>(size), stream.file);
+  if (written != static_cast<std::size_t>(size) && stream.error == 0) stream.error = errno;
+  return static_cast<tmsize_t>(written);
+}
+
+toff_t Seek(thandle_t handle, toff_t offset, int whence) {
+  TiffStream& stream = StreamOf(handle);
+  if (fseeko(stream.file, static_cast<off_t>(offset), whence) != 0) {
+    if (stream.error == 0) stream.error = errno;
+    return static_cast<toff_t>(-1);
+  }
+  return static_cast<toff_t>(ftello(stream.file));
+}
+
+toff_t SizeOf(thandle_t handle) {
+  const off_t here = ftello(StreamOf(handle).file);
+  const toff_t size = Seek(handle, 0, SEEK_END);
+  Seek(handle, static_cast<toff_t>(here), SEEK_SET);
+  return size;
+}
+
+int CloseNothing(thandle_t) { return 0; }
+
+void KeepMessage(thandle_t handle, const char*, const char* format, va_list arguments) {
+  if (handle == nullptr || !StreamOf(handle).message.empty()) return;
+  std::array<char, 256> text{};
+  std::vsnprintf(text.data(), text.size(), format, arguments);
+  StreamOf(handle).message = text.data();
+}
+
+// Rows as the file has them: each byte but the first ones of a row as its difference from the pixel before.
+struct Strip {
+  Buffer rows;
+  std::size_t rowSize = 0;
+  std::size_t step = 1;  // bytes of a pixel
+  bool predicted = true;
+};
+
+// The zlib stream of a strip; empty when there is no memory.
+Buffer Compress(Strip strip) {
+  if (strip.predicted) {
+    for (std::size_t row = 0; row < strip.rows.size(); row += strip.rowSize) {
+      for (std::size_t i = strip.rowSize; i-- > strip.step;) {
+        uint8_t& value = strip.rows[row + i];
+        value = static_cast<uint8_t>(value - strip.rows[row + i - strip.step]);
+      }
+    }
+  }
+  uLongf size = compressBound(static_cast<uLong>(strip.rows.size()));
+  Buffer result(size);
+  const int status = compress2(result.data(), &size, strip.rows.data(), static_cast<uLong>(strip.rows.size()), kLevel);
+  result.resize(status == Z_OK ? size : 0);
+  return result;
+}
+
+class TiffDocument final : public PageDocument {
+ public:
+  TiffDocument(const std::string& path, int pages) : file_(path), pages_(pages) {
+    if (!file_.isSeekable()) {
+      copied_ = std::tmpfile();  // libtiff goes back to earlier places
+      if (copied_ == nullptr) file_.Fail();
+    }
+    stream_.file = copied_ != nullptr ? copied_ : file_.get();
+    TIFFSetErrorHandler(nullptr);
+    TIFFSetWarningHandler(nullptr);
+    TIFFSetErrorHandlerExt(KeepMessage);
+    tiff_ = TIFFClientOpen("", "wl", &stream_, ReadBytes, WriteBytes, Seek, CloseNothing, SizeOf, nullptr, nullptr);
+    Check(tiff_ != nullptr);
+  }
+
+  ~TiffDocument() override {
+    if (tiff_ != nullptr) TIFFClose(tiff_);
+    if (copied_ != nullptr) std::fclose(copied_);
+  }
+
+  std::unique_ptr<PictureWriter> StartPage(const PictureForm& form, const std::vector<PageWord>& words) override;
+
+  void Finish() override {
+    TIFFFlush(tiff_);
+    CheckStream();
+    if (copied_ != nullptr) {
+      std::rewind(copied_);
+      Buffer buffer(1 << 16);
+      while (const std::size_t size = std::fread(buffer.data(), 1, buffer.size(), copied_)) {
+        file_.Write(buffer.data(), size);
+      }
+    }
+    file_.Close();
+    // The file is closed, and the destructor must not write to it.
+    stream_.file = nullptr;
+    TIFFCleanup(tiff_);
+    tiff_ = nullptr;
+  }
+
+ private:
+  friend class TiffPicture;
+
+  void CheckStream() const {
+    if (stream_.error != 0) CannotWrite(file_.path(), std::strerror(stream_.error));
+    if (!stream_.message.empty()) CannotWrite(file_.path(), stream_.message);
+  }
+
+  // Throws ToolError (cannot write) with the reason that libtiff met.
+  void Check(bool done) const {
+    CheckStream();
+    if (!done) CannotWrite(file_.path(), "TIFF file");
+  }
+
+  OutputFile file_;
+  const int pages_;
+  int started_ = 0;
+  std::FILE* copied_ = nullptr;  // where the file itself is not seekable
+  TiffStream stream_;
+  TIFF* tiff_ = nullptr;
+};
+
+class TiffPicture final : public PictureWriter {
+ public:
+  TiffPicture(TiffDocument& document, const PictureForm& form) : document_(document), form_(form) {
+    const bool color = form.pixels == PictureForm::Pixels::kColor;
+    strip_.step = color ? 3 : 1;
+    strip_.rowSize = static_cast<std::size_t>(form.width) * strip_.step;
+    strip_.predicted = form.pixels != PictureForm::Pixels::kTags;
+    rowsOfStrip_ = std::max<std::size_t>(kStripBytes / strip_.rowSize, 1);
+    TIFF* const tiff = document.tiff_;
+    TIFFSetField(tiff, TIFFTAG_IMAGEWIDTH, static_cast<uint32_t>(form.width));
+    TIFFSetField(tiff, TIFFTAG_IMAGELENGTH, static_cast<uint32_t>(form.height));
+    TIFFSetField(tiff, TIFFTAG_BITSPERSAMPLE, 8);
+    TIFFSetField(tiff, TIFFTAG_SAMPLESPERPIXEL, color ? 3 : 1);
+    TIFFSetField(tiff, TIFFTAG_COMPRESSION, COMPRESSION_ADOBE_DEFLATE);
+    TIFFSetField(tiff, TIFFTAG_PREDICTOR, strip_.predicted ? PREDICTOR_HORIZONTAL : PREDICTOR_NONE);
+    TIFFSetField(tiff, TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG);
+    TIFFSetField(tiff, TIFFTAG_ORIENTATION, ORIENTATION_TOPLEFT);
+    TIFFSetField(tiff, TIFFTAG_ROWSPERSTRIP, static_cast<uint32_t>(rowsOfStrip_));
+    TIFFSetField(tiff, TIFFTAG_RESOLUTIONUNIT, RESUNIT_INCH);
+    TIFFSetField(tiff, TIFFTAG_XRESOLUTION, static_cast<double>(form.dpi));
+    TIFFSetField(tiff, TIFFTAG_YRESOLUTION, static_cast<double>(form.dpi));
+    TIFFSetField(tiff, TIFFTAG_SUBFILETYPE, FILETYPE_PAGE);
+    TIFFSetField(tiff, TIFFTAG_PAGENUMBER, document.started_++, document.pages_);
+    if (form.pixels == PictureForm::Pixels::kTags) {
+      SetPalette();
+    } else {
+      TIFFSetField(tiff, TIFFTAG_PHOTOMETRIC, color ? PHOTOMETRIC_RGB : PHOTOMETRIC_MINISBLACK);
+    }
+  }
+
+  void WriteRows(const uint8_t* first, std::size_t stride, int rows) override {
+    for (int row = 0; row < rows; ++row) {
+      ConvertRow(form_, first + static_cast<std::size_t>(row) * stride, row_);
+      strip_.rows.insert(strip_.rows.end(), row_.begin(), row_.end());
+      if (strip_.rows.size() == rowsOfStrip_ * strip_.rowSize) StartStrip();
+    }
+  }
+
+  void Finish() override {
+    if (!strip_.rows.empty()) StartStrip();
+    tasks_.Finish();
+    const PhaseTimer timer(Phase::kWriting);
+    document_.Check(TIFFWriteDirectory(document_.tiff_) == 1);
+  }
+
+ private:
+  // Index = tag value, as in PNG files.
+  void SetPalette() {
+    std::array<std::array<uint16_t, 256>, 3> map{};
+    const auto set = [&](std::size_t index, uint32_t rgb) {
+      for (std::size_t i = 0; i < 3; ++i) map[i][index] = static_cast<uint16_t>((rgb >> (16 - 8 * i) & 0xFF) * 257);
+    };
+    set(0, kTagTextCell);
+    set(1, kTagGraphics);
+    set(3, kTagImage);
+    TIFFSetField(document_.tiff_, TIFFTAG_PHOTOMETRIC, PHOTOMETRIC_PALETTE);
+    TIFFSetField(document_.tiff_, TIFFTAG_COLORMAP, map[0].data(), map[1].data(), map[2].data());
+  }
+
+  void StartStrip() {
+    Strip strip = strip_;
+    strip_.rows.clear();
+    tasks_.Start([strip = std::move(strip)] { return Compress(strip); });
+  }
+
+  void WriteStrip(Buffer strip) {
+    if (strip.empty()) CannotWrite(document_.file_.path(), "no memory");
+    const PhaseTimer timer(Phase::kWriting);
+    const auto size = static_cast<tmsize_t>(strip.size());
+    document_.Check(TIFFWriteRawStrip(document_.tiff_, strips_++, strip.data(), size) == size);
+  }
+
+  TiffDocument& document_;
+  const PictureForm form_;
+  std::size_t rowsOfStrip_ = 0;
+  Buffer row_;
+  Strip strip_;          // being filled
+  uint32_t strips_ = 0;  // written
+  OrderedTasks<Buffer> tasks_{[this](Buffer strip) { WriteStrip(std::move(strip)); }};
+};
+
+std::unique_ptr<PictureWriter> TiffDocument::StartPage(const PictureForm& form, const std::vector<PageWord>&) {
+  return std::make_unique<TiffPicture>(*this, form);
+}
+
+}  // namespace
+
+std::unique_ptr<PageDocument> CreateTiffFile(const std::string& path, int pages) {
+  return std::make_unique<TiffDocument>(path, pages);
+}
+
+}  // namespace qnv::tool
