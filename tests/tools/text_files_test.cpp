@@ -1,6 +1,7 @@
 // From the bytes of a text file to lines: decoding, structure, line breaking.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <string>
 
 #include "qnvtool/base/utf8.h"
@@ -74,6 +75,43 @@ TEST(TextBlocks, StructureOfAFile) {
       {"nothing", U"\n \n\t\n", ""},
   };
   for (const Case& c : cases) EXPECT_EQ(Shape(tool::ParseTextBlocks(c.text, false)), c.shape) << c.name;
+}
+
+TEST(TextBlocks, LinesOfIdeographsJoinWithoutSpaces) {
+  const auto blocks = tool::ParseTextBlocks(U"\u65E5\u672C\n  \u8A9E\u3002\nabc\n\u3042\n\uD55C\n\uAD6D\n", false);
+  ASSERT_EQ(blocks.size(), 1u);
+  EXPECT_EQ(blocks[0].text, U"\u65E5\u672C\u8A9E\u3002 abc \u3042 \uD55C \uAD6D");
+}
+
+// A line that comes in pieces is one line; a paragraph that is too long is continued in another one.
+TEST(TextBlocks, LongLinesAndParagraphs) {
+  const std::size_t bound = tool::TextReader::kMaxPiece;
+  std::u32string line(bound - 1, U'x');
+  line += U" y\tz";
+  auto blocks = tool::ParseTextBlocks(U"a\n" + line + U"\nb\n\n    " + line + U"\nc", false);
+  ASSERT_EQ(blocks.size(), 4u);
+  EXPECT_EQ(blocks[0].text, U"a " + std::u32string(bound - 1, U'x') + U" y z b");
+  EXPECT_FALSE(blocks[1].continues);
+  EXPECT_TRUE(blocks[2].continues);
+  EXPECT_EQ(blocks[1].text + blocks[2].text, line);
+  EXPECT_EQ(blocks[2].line, 5);
+  EXPECT_EQ(Shape({blocks[3]}), "P(c)");
+
+  blocks = tool::ParseTextBlocks(line + U"\n", true);
+  ASSERT_EQ(blocks.size(), 2u);
+  EXPECT_EQ(blocks[0].text + blocks[1].text, line);
+  EXPECT_TRUE(blocks[1].continues);
+  blocks = tool::ParseTextBlocks(std::u32string(bound, U'x') + U"\n\nb", true);
+  EXPECT_EQ(blocks.size(), 3u);  // the empty line, but no empty rest of the first one
+
+  std::u32string paragraph;
+  for (int i = 0; i < 30; ++i) paragraph.append(10000, U'x').append(1, U'\n');
+  blocks = tool::ParseTextBlocks(paragraph, false);
+  ASSERT_EQ(blocks.size(), 2u);
+  EXPECT_LE(blocks[0].text.size(), tool::TextBlockParser::kMaxParagraph);
+  EXPECT_EQ(std::count(blocks[0].text.begin(), blocks[0].text.end(), U'x') +
+                std::count(blocks[1].text.begin(), blocks[1].text.end(), U'x'),
+            300000);
 }
 
 TEST(TextBlocks, EmptyLinesBeforeListingsCount) {

@@ -41,6 +41,12 @@ bool IsListItem(std::u32string_view line) {
   return line.size() > 2 && (line[0] == '-' || line[0] == '*' || line[0] == U'\u2022') && line[1] == ' ';
 }
 
+// Letters between which there are no spaces: ideographs, kana, and their punctuation.
+bool IsUnspaced(char32_t c) {
+  return (c >= 0x2E80 && c <= 0x312F) || (c >= 0x31A0 && c <= 0x9FFF) || (c >= 0xF900 && c <= 0xFAFF) ||
+         (c >= 0xFE30 && c <= 0xFE4F) || (c >= 0xFF01 && c <= 0xFF60) || (c >= 0x20000 && c <= 0x3FFFF);
+}
+
 }  // namespace
 
 void TextBlockParser::Add(const TextPiece& piece) {
@@ -76,7 +82,8 @@ void TextBlockParser::Line(const TextPiece& piece) {
   } else if (IsListItem(body)) {
     Start(TextBlock::Kind::kListItem, body.substr(2), piece.line);
   } else if (open_) {
-    Extend(U" ");
+    const bool unspaced = !current_.text.empty() && IsUnspaced(current_.text.back()) && IsUnspaced(body.front());
+    if (!unspaced) Extend(U" ");
     Extend(body);
   } else {
     Start(TextBlock::Kind::kParagraph, body, piece.line);
