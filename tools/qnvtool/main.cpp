@@ -5,6 +5,7 @@
 
 #include "qnvtool/cli/cmd_make_picture.h"
 #include "qnvtool/cli/cmd_print.h"
+#include "qnvtool/ipp/ipp_printer.h"
 #include "qnvtool/output/documents.h"
 #include "qnvtool/output/png_writer.h"
 #include "qnvtool/text/iconv_decoder.h"
@@ -40,6 +41,7 @@ int main(int argc, char** argv) {
                         .commands = {PrintCommand({.openFonts = OpenFonts,
                                                    .linked = LinkedRasteriser,
                                                    .output = {CreatePngFile, CreateDocument},
+                                                   .openPrinter = OpenIppPrinter,
                                                    .decoders = {},
                                                    .openDecoder = OpenIconvDecoder}),
                                      MakePictureCommand()}};

@@ -9,6 +9,7 @@
 
 #include "qnvtool/base/phase_times.h"
 #include "qnvtool/base/tool_error.h"
+#include "qnvtool/ipp/print_to.h"
 #include "qnvtool/layout/figures.h"
 
 namespace qnv::tool {
@@ -17,8 +18,10 @@ namespace {
 // The values of the command line, some of them still to be parsed.
 struct PrintArguments {
   PrintOptions options;
-  std::string paper = "a4";
-  std::string device = "color";
+  std::string paper;
+  std::string device;
+  PrinterOptions printer;
+  bool noWait = false;
   std::string type = "auto";
   std::string scale;
   int dpi = 0;
@@ -43,8 +46,12 @@ const std::string kFooter = std::string(
 // Parses the remaining values and prints.
 void Run(PrintArguments& arguments, const PrintParts& parts) {
   PrintOptions& options = arguments.options;
-  options.paper = ParsePaper(arguments.paper);
-  options.device = ParseDevice(arguments.device, arguments.dpi);
+  PrinterOptions& printer = arguments.printer;
+  if (options.out.empty() && printer.address.empty()) {
+    throw ToolError(ExitCode::kUsage, "--out is required, or --printer");
+  }
+  options.paper = ParsePaper(arguments.paper.empty() ? "a4" : arguments.paper);
+  options.device = ParseDevice(arguments.device.empty() ? "color" : arguments.device, arguments.dpi);
   if (!arguments.scale.empty()) options.scale = ParseScale(arguments.scale);
   options.header = !arguments.noHeader;
   options.type = arguments.type == "picture" ? FileType::kPicture
@@ -55,7 +62,15 @@ void Run(PrintArguments& arguments, const PrintParts& parts) {
                          : arguments.verbatim ? TextOptions::Setting::kVerbatim
                                               : TextOptions::Setting::kByName;
   options.text.openDecoder = parts.openDecoder;
-  Print(options, parts);
+  if (printer.address.empty()) {
+    Print(options, parts);
+  } else {
+    printer.deviceName = arguments.device;
+    printer.dpi = arguments.dpi;
+    printer.hasPaper = !arguments.paper.empty();
+    printer.wait = !arguments.noWait;
+    PrintTo(printer, options, parts);
+  }
   if (arguments.timing) fmt::print(stderr, "qnvtool: {}\n", DescribePhases());
 }
 
@@ -85,13 +100,24 @@ Command PrintCommand(const PrintParts& parts) {
                "OUT.png, OUT.ppm or OUT.pgm there is one for each page, OUT-01.png, OUT-02.png and so on, where there "
                "are several. '-' writes to standard output, PPM or PGM unless --format says otherwise",
        .value = Text{&options.out},
-       .required = true,
        .fileTypes = kFormatEndings},
       {.names = "--format",
        .placeholder = "FORMAT",
        .help = "Format of all pictures, whatever their names end in: png, ppm (color), pgm (gray), tiff, pdf (with "
                "invisible text, to be searched), pwg (PWG raster), urf (Apple raster), cups (CUPS raster)",
        .value = OneOf{&options.format, {std::begin(kFormatNames), std::end(kFormatNames)}}},
+      {.names = "--printer",
+       .placeholder = "ADDRESS",
+       .help = "Send the pages to a printer or a queue, ipp://HOST[:PORT]/PATH or ipps://..., instead of writing them. "
+               "Format (PWG raster, else Apple raster, else PDF), resolution, color and paper are those of the printer "
+               "unless options choose among them. Ctrl-C cancels the job",
+       .value = Text{&arguments->printer.address},
+       .excludes = "--out",
+       .completions = "ipp:// ipps://"},
+      {.names = "--no-wait",
+       .placeholder = "",
+       .help = "Do not wait until the printer has printed the job",
+       .value = Flag{&arguments->noWait}},
       {.names = "--timing",
        .placeholder = "",
        .help = "Say on standard error where the time went: reading, layout, rasterising, encoding, writing. Pages are "

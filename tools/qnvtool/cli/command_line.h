@@ -65,7 +65,7 @@ struct Program {
 
 inline constexpr const char* kExitCodesHelp =
     "Exit codes: 0 done, 1 wrong command line, 2 an input file cannot be used,\n"
-    "3 a result cannot be written, 4 the library cannot be loaded or refuses.\n";
+    "3 a result cannot be written or printed, 4 the library cannot be loaded or refuses.\n";
 
 // Runs the command that the arguments name. "--generate completion" and "--generate man TEMPLATE", which the build of
 // the packages uses, write the shell completion, or the template with each line "@OPTIONS COMMAND@" replaced by the

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "qnvtool/input/picture_file.h"
+#include "qnvtool/ipp/printer.h"
 #include "qnvtool/layout/paper.h"
 #include "qnvtool/layout/picture_layout.h"
 #include "qnvtool/layout/text_document.h"
@@ -45,6 +46,7 @@ struct PrintParts {
   FontShelf (*openFonts)(const PrintOptions& options) = nullptr;
   Rasteriser (*linked)() = nullptr;  // may be absent
   OutputParts output = {};
+  OpenPrinter openPrinter = nullptr;  // may be absent
   PictureDecoders decoders = {};
   std::unique_ptr<TextDecoder> (*openDecoder)(const std::string&) = nullptr;  // may be absent
 };
