@@ -165,6 +165,7 @@ TEST(TextReader, LinesAtEveryCut) {
        "d",
        "1:a|2:b|3:c|4:d|"},
       {"controls go, tabs stay", "a\x01\x1B\x7F\tb", "1:a\tb|"},
+      {"colors of terminals go", "\x1B[1;31mred\x1B[0m [x\x1B]y\x1B[3\nz", "1:red [x]y|2:z|"},
       {"a byte order mark goes",
        "\xEF\xBB\xBF"
        "a\xEF\xBB\xBF",

@@ -7,6 +7,7 @@ namespace {
 constexpr std::size_t kBlock = 1 << 16;     // bytes read at a time
 constexpr std::size_t kExamined = 1 << 12;  // bytes that the encoding is detected from
 constexpr char32_t kByteOrderMark = 0xFEFF;
+constexpr char32_t kEscape = 0x1B;
 constexpr char32_t kReplacement = 0xFFFD;
 
 bool IsLineEnd(char32_t c) { return c == '\n' || c == '\r' || c == 0x85 || c == 0x2028 || c == 0x2029; }
@@ -48,6 +49,17 @@ bool TextReader::Fill() {
   return !decoded_.empty();
 }
 
+// Programs color what they write by control sequences, which end up in logs.
+bool TextReader::IsInSequence(char32_t c) {
+  const Sequence before = sequence_;
+  sequence_ = c == kEscape                                               ? Sequence::kEscape
+              : before == Sequence::kEscape && c == '['                  ? Sequence::kParameters
+              : before == Sequence::kParameters && c >= 0x20 && c < 0x40 ? Sequence::kParameters
+                                                                         : Sequence::kNone;
+  // The letter at the end belongs to the sequence too.
+  return sequence_ != Sequence::kNone || (before == Sequence::kParameters && c >= 0x40 && c < 0x7F);
+}
+
 bool TextReader::Next(TextPiece& piece) {
   piece.text.clear();
   bool any = false;
@@ -61,6 +73,7 @@ bool TextReader::Next(TextPiece& piece) {
     const After after = after_;
     after_ = After::kOther;
     if (c == '\n' && after == After::kReturn) continue;
+    if (IsLineEnd(c) || c == '\f') sequence_ = Sequence::kNone;
     if (IsLineEnd(c)) {
       ++line_;
       if (c == '\r') after_ = After::kReturn;
@@ -77,7 +90,7 @@ bool TextReader::Next(TextPiece& piece) {
     if (c == kInvalid) {
       if (invalid_++ == 0) firstInvalidLine_ = line_;
       piece.text.push_back(kReplacement);
-    } else if (IsKept(c)) {
+    } else if (!IsInSequence(c) && IsKept(c)) {
       piece.text.push_back(c);
     }
     if (piece.text.size() >= kMaxPiece) {

@@ -18,7 +18,7 @@ struct TextPiece {
     kFormFeed,  // with the line end that may follow it
     kBound,     // the line goes on in the next piece
   };
-  std::u32string text;  // with tabs, without other control characters
+  std::u32string text;  // with tabs, without other control characters and the sequences that color terminals
   int64_t line = 0;     // number of the line that the piece belongs to, from 1
   End end = End::kLine;
 };
@@ -43,8 +43,11 @@ class TextReader {
   // The last character, where the next one may belong to it: CR LF is one line end, and a line end behind a form feed
   // is no empty line.
   enum class After { kOther, kReturn, kFormFeed };
+  // Where in a control sequence of terminals, ESC [ parameters letter, the last character was.
+  enum class Sequence { kNone, kEscape, kParameters };
 
   bool Fill();
+  bool IsInSequence(char32_t c);
 
   ByteSource source_;
   std::unique_ptr<TextDecoder> decoder_;
@@ -55,6 +58,7 @@ class TextReader {
   bool started_ = false;
   bool ended_ = false;
   After after_ = After::kOther;
+  Sequence sequence_ = Sequence::kNone;
   int64_t line_ = 1;
   int64_t invalid_ = 0;
   int64_t firstInvalidLine_ = 0;
