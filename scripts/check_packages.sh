@@ -93,6 +93,7 @@ deb_control() {
     control_field Depends '(^|, )zlib1g ' && control_field Depends '(^|, )libfreetype6 ' &&
     control_field Depends '(^|, )libharfbuzz0b ' && control_field Depends '(^|, )libfribidi0 ' &&
     control_field Depends '(^|, )libunibreak[0-9]* ' &&
+    control_field Depends '(^|, )libjpeg62-turbo ' && control_field Depends '(^|, )libtiff6 ' &&
     control_field Description 'Band rasteriser'
 }
 

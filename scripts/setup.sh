@@ -11,7 +11,7 @@ mode=${1:-check}
 
 demo_packages=(
   cmake ninja-build g++ pkg-config
-  libpng-dev libtiff-dev libcups2-dev libfreetype-dev libfontconfig-dev libcli11-dev libfmt-dev
+  libpng-dev libjpeg-dev libtiff-dev libcups2-dev libfreetype-dev libfontconfig-dev libcli11-dev libfmt-dev
   libharfbuzz-dev libfribidi-dev libunibreak-dev
   fontconfig fonts-dejavu-core fonts-liberation2
 )

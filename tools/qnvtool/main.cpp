@@ -1,10 +1,13 @@
-// qnvtool: its commands, with fonts, PNG files and the library that it is linked with.
+// qnvtool: its commands, with fonts, picture formats and the library that it is linked with.
 #include <fmt/core.h>
 
 #include <cstdio>
 
 #include "qnvtool/cli/cmd_make_picture.h"
 #include "qnvtool/cli/cmd_print.h"
+#include "qnvtool/input/jpeg_reader.h"
+#include "qnvtool/input/png_reader.h"
+#include "qnvtool/input/tiff_reader.h"
 #include "qnvtool/ipp/ipp_printer.h"
 #include "qnvtool/output/documents.h"
 #include "qnvtool/output/png_writer.h"
@@ -42,7 +45,7 @@ int main(int argc, char** argv) {
                                                    .linked = LinkedRasteriser,
                                                    .output = {CreatePngFile, CreateDocument},
                                                    .openPrinter = OpenIppPrinter,
-                                                   .decoders = {},
+                                                   .decoders = {OpenPng, OpenJpeg, OpenTiff},
                                                    .openDecoder = OpenIconvDecoder}),
                                      MakePictureCommand()}};
   return RunProgram(program, argc, argv);

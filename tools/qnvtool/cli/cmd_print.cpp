@@ -37,10 +37,12 @@ constexpr const char* kFontNames = "serif sans monospace";
 constexpr const char* kFontFiles = "ttf|otf|ttc|pfb";
 
 const std::string kFooter = std::string(
-                                "Every file begins a new page. In text files an empty line ends a paragraph, '#',\n"
-                                "'##' and '###' begin headings, '- ' begins a list item, and lines indented by four\n"
-                                "spaces or a tab are set as they are, in the font for listings. Other files than\n"
-                                ".txt, .text, .md and .markdown, and standard input, are listings as a whole.\n\n") +
+                                "Every file begins a new page, and so does every picture of a TIFF file. Pictures may\n"
+                                "be BMP, PNG, JPEG or TIFF files of any name. In text files an empty line ends a\n"
+                                "paragraph, '#', '##' and '###' begin headings, '- ' begins a list item, and lines\n"
+                                "indented by four spaces or a tab are set as they are, in the font for listings.\n"
+                                "Other files than .txt, .text, .md and .markdown, and standard input, are listings as\n"
+                                "a whole.\n\n") +
                             kFigureFormatHelp + "\n" + kExitCodesHelp;
 
 // Parses the remaining values and prints.
@@ -83,7 +85,7 @@ Command PrintCommand(const PrintParts& parts) {
   const std::string text = "Text";
   const std::string device = "Device";
   Command command{.name = "print",
-                  .summary = "Print BMP, text and figure files to pictures of pages",
+                  .summary = "Print pictures, text and figure files to pictures of pages",
                   .footer = kFooter,
                   .options = {},
                   .run = [arguments, parts] { Run(*arguments, parts); }};

@@ -15,15 +15,6 @@
 namespace qnv::tool {
 namespace {
 
-// A row of 2-bit pixels to one of 4-bit pixels.
-void WidenTo4(const uint8_t* from, int width, uint8_t* to) {
-  for (std::size_t x = 0; x < static_cast<std::size_t>(width); ++x) {
-    const int index = from[x / 4] >> (6 - x % 4 * 2) & 3;
-    uint8_t& byte = to[x / 2];
-    byte = x % 2 == 0 ? static_cast<uint8_t>(index << 4) : static_cast<uint8_t>(byte | index);
-  }
-}
-
 // Palette indices, one a byte, to a row of the bitmap.
 void PackIndices(const uint8_t* from, int width, int bitCount, uint8_t* to) {
   if (bitCount == 8) {
@@ -108,7 +99,7 @@ class StoredRows final : public WindowedRows {
 
   void Convert(const uint8_t* from, uint8_t* to) const {
     if (pixels_.bitCount == 2) {
-      WidenTo4(from, pixels_.width, to);
+      WidenRowTo4(from, pixels_.width, to);
     } else if (pixels_.alphaMask != 0) {
       BlendRow(from, pixels_.width, pixels_.bitCount, pixels_.masks, pixels_.alphaMask, to);
     } else {

@@ -47,4 +47,12 @@ Bytes WhiteRow(const DibForm& form) {
   return Bytes(form.stride(), static_cast<uint8_t>(byte));
 }
 
+void WidenRowTo4(const uint8_t* from, int width, uint8_t* to) {
+  for (std::size_t x = 0; x < static_cast<std::size_t>(width); ++x) {
+    const int index = from[x / 4] >> (6 - x % 4 * 2) & 3;
+    uint8_t& byte = to[x / 2];
+    byte = x % 2 == 0 ? static_cast<uint8_t>(index << 4) : static_cast<uint8_t>(byte | index);
+  }
+}
+
 }  // namespace qnv::tool

@@ -37,4 +37,7 @@ void SetDibRows(Bytes& info, int rows);
 // A white row: in the lightest color of the table where there is one.
 Bytes WhiteRow(const DibForm& form);
 
+// Converts a row of 2-bit pixels to 4-bit pixels.
+void WidenRowTo4(const uint8_t* from, int width, uint8_t* to);
+
 }  // namespace qnv::tool
