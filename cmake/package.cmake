@@ -116,6 +116,11 @@ endif()
 if(TARGET qnvtool)
   add_dependencies(package_files qnvtool)
   install(TARGETS qnvtool RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT tools)
+  # The filter of print queues lies where the print server looks for it, whatever the prefix is called.
+  add_dependencies(package_files qnvfilter)
+  install(TARGETS qnvfilter RUNTIME DESTINATION lib/cups/filter COMPONENT tools)
+  install(FILES ${PROJECT_SOURCE_DIR}/packaging/cups/qnvdrv10.ppd
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/ppd/qnvdrv10 COMPONENT tools)
   # The program generates the options of its man page and its completion from the descriptions that --help shows.
   configure_file(${PROJECT_SOURCE_DIR}/packaging/qnvtool.1.in ${PROJECT_BINARY_DIR}/qnvtool.1.in @ONLY)
   add_custom_command(OUTPUT ${PROJECT_BINARY_DIR}/qnvtool.1
@@ -153,7 +158,7 @@ elseif(CMAKE_SIZEOF_VOID_P EQUAL 8 AND TARGET qnvtool)
   set(CPACK_DEBIAN_PACKAGE_MAINTAINER "QNVDRV10 developers <developers@qnvdrv10.invalid>")
   set(CPACK_DEBIAN_PACKAGE_SECTION libdevel)
   set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
-  set(CPACK_DEBIAN_PACKAGE_SUGGESTS "cmake, g++, bash-completion")
+  set(CPACK_DEBIAN_PACKAGE_SUGGESTS "cmake, g++, bash-completion, cups-daemon, poppler-utils")
   set(CPACK_PACKAGE_DESCRIPTION_FILE ${PROJECT_SOURCE_DIR}/packaging/description.txt)
 else()
   return()

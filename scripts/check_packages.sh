@@ -58,6 +58,7 @@ example_files() { printf 'examples/%s\n' host.c small_font.h CMakeLists.txt; }
 deb_files() {
   { # relative to /usr
     printf '%s\n' bin/qnvtool include/qnvdrv10.h lib/libqnvdrv10.so lib/libqnvdrv10_static.a
+    printf '%s\n' lib/cups/filter/qnvfilter share/ppd/qnvdrv10/qnvdrv10.ppd
     printf 'share/%s\n' man/man1/qnvtool.1.gz bash-completion/completions/qnvtool doc/qnvdrv10-dev/changelog.gz
     cmake_files
     { documents; example_files; } | sed 's|^|share/doc/qnvdrv10-dev/|'
@@ -77,7 +78,7 @@ holds_exactly() { same_lines "$2" "$(cd "$1" && find . ! -type d -printf '%P\n')
 # All files can be read by everybody and written by root only; only programs and libraries are executable.
 deb_modes() {
   local odd
-  odd=$(dpkg-deb -c "$deb" | grep -vE '^(drwxr-xr-x|-rw-r--r--) root/root |^-rwxr-xr-x root/root .*/usr/bin/' || true)
+  odd=$(dpkg-deb -c "$deb" | grep -vE '^(drwxr-xr-x|-rw-r--r--) root/root |^-rwxr-xr-x root/root .*/usr/(bin|lib/cups/filter)/' || true)
   [ -z "$odd" ] || { echo "$odd"; return 1; }
 }
 

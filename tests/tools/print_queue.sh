@@ -1,0 +1,195 @@
+#!/usr/bin/env bash
+# The filter in a print queue: what comes out has the pixels that went in. A print server of this test's own runs on a
+# free port of this machine.
+#   print_queue.sh QNVTOOL FOLDER-OF-BUILT-FILES
+set -uo pipefail
+
+tool=$(realpath "$1")
+bin=$(realpath "$2")
+root=$(dirname "$(dirname "$(dirname "$(realpath "${BASH_SOURCE[0]}")")")")
+filter=$bin/qnvfilter
+reader=$bin/raster_to_ppm
+work=$(mktemp -d)
+server=
+# shellcheck disable=SC2317
+finish() {
+  [ -z "$server" ] || { kill "$server" 2>/dev/null; wait "$server" 2>/dev/null; }
+  rm -rf "$work"
+}
+trap finish EXIT
+chmod 755 "$work" # the server runs filters as another user
+cd "$work" || exit 1
+failures=0
+
+fail() {
+  echo "FAILED: $1" >&2
+  failures=$((failures + 1))
+}
+
+PATH=$PATH:/usr/sbin
+for program in cupsd lpadmin lp lpstat cupstestppd pdftoppm; do
+  command -v $program >/dev/null || { echo "$program is not installed (scripts/setup.sh check)" >&2; exit 1; }
+done
+server_bin=/usr/lib/cups
+[ -x $server_bin/filter/pdftopdf ] || { echo "cups-filters is not installed (scripts/setup.sh check)" >&2; exit 1; }
+
+"$tool" make-picture photo photo.bmp --width 200 --height 150 || fail "make-picture"
+printf '# Title\n\nSome text.\n' >text.txt
+# make NAME OPTION...: the same pages in all formats, and NAME.ppm, their pixels
+make() {
+  local name=$1 format
+  shift
+  for format in pwg urf ras pdf; do
+    "$tool" print text.txt photo.bmp "$@" -o "$name.$format" || fail "print to $name.$format"
+  done
+  "$tool" print text.txt photo.bmp "$@" -o "$name.png" || fail "print to PNG"
+  "$reader" "$name-01.png" "$name-02.png" >"$name.ppm" || fail "reading PNG"
+}
+make color --paper 80x60mm --margin 5
+make gray --paper 80x60mm --margin 5 --device gray
+make sheet
+make gray-sheet --device gray
+
+# The filter by itself: documents of all kinds, by name and from standard input.
+export PPD=$root/packaging/cups/qnvdrv10.ppd
+for document in color.pwg color.urf color.ras color.pdf gray.pwg gray.urf gray.ras; do
+  "$filter" 1 me title 1 "" $document >out.pwg 2>messages || fail "$document: $(cat messages)"
+  "$reader" out.pwg | cmp - "${document%.*}.ppm" || fail "$document: other pixels come out"
+  [ "$(tr '\n' ' ' <messages)" = "PAGE: 1 1 PAGE: 2 1 " ] || fail "$document: messages: $(cat messages)"
+  "$filter" 1 me title 1 "" <$document 2>/dev/null | cmp - out.pwg || fail "$document: from standard input"
+done
+"$filter" 1 me title 1 "Resolution=600dpi ColorModel=Gray" color.pdf 2>/dev/null >out.pwg || fail "options"
+pdftoppm -gray -r 600 color.pdf >wanted.pgm
+"$reader" out.pwg >out.ppm
+[ "$(head -c 12 out.ppm | sed -n 2p)" = "$(head -c 12 wanted.pgm | sed -n 2p)" ] || fail "resolution of the options"
+for form in "image/urf UNIRAST" "application/vnd.cups-raster 2SaR" "image/pwg-raster RaS2"; do
+  start=$(FINAL_CONTENT_TYPE=${form% *} "$filter" 1 me title 1 "" gray.pwg 2>/dev/null | head -c 7 | tr -d '\0')
+  case $start in
+    "${form#* }"*) ;;
+    *) fail "$form begins with $start" ;;
+  esac
+done
+
+refused() { # TEXT ARGUMENT...
+  local text=$1
+  shift
+  "$filter" "$@" >/dev/null 2>messages && fail "accepted: $*"
+  tail -n 1 messages | grep -qF "ERROR: $text" || fail "no \"$text\": $(cat messages)"
+}
+head -c 50000 color.pdf >cut.pdf
+head -c 5000 color.pwg >cut.pwg
+: >empty
+refused "usage: qnvfilter" 1 me title 1
+refused "the document is neither PDF nor PWG, Apple or CUPS raster" 1 me title 1 "" text.txt
+refused "the document is empty" 1 me title 1 "" empty
+refused "the document cannot be opened: none" 1 me title 1 "" none
+refused "the document cannot be converted: pdftoppm finds it damaged" 1 me title 1 "" cut.pdf
+refused "the document ends within page 1" 1 me title 1 "" cut.pwg
+"$filter" 1 me title 1 "" color.pwg >/dev/full 2>messages && fail "a full disk"
+grep -q "^ERROR: standard output: cannot be written" messages || fail "a full disk: $(cat messages)"
+unset PPD
+refused "Resolution=12: use 20dpi to 4800dpi" 1 me title 1 Resolution=12 color.pdf
+
+# The description of the printer.
+cupstestppd -q -W all "$root/packaging/cups/qnvdrv10.ppd" || fail "$(cupstestppd -W all "$root/packaging/cups/qnvdrv10.ppd")"
+
+# A server with the filter among those of the system.
+mkdir -p root state cache spool/tmp log server/filter
+for folder in "$server_bin"/*/; do
+  name=$(basename "$folder")
+  [ "$name" = filter ] || ln -s "$folder" "server/$name"
+done
+ln -s $server_bin/filter/* server/filter/
+cp "$filter" server/filter/qnvfilter
+port=$((20000 + $$ % 20000))
+while (: </dev/tcp/127.0.0.1/$port) 2>/dev/null; do port=$((port + 1)); done
+cat >cupsd.conf <<CONF
+Listen localhost:$port
+Browsing No
+WebInterface No
+DefaultAuthType None
+<Location />
+  Order allow,deny
+  Allow all
+</Location>
+<Policy default>
+  <Limit All>
+    Order deny,allow
+    Allow all
+  </Limit>
+</Policy>
+CONF
+cat >cups-files.conf <<CONF
+ServerRoot $work/root
+StateDir $work/state
+CacheDir $work/cache
+RequestRoot $work/spool
+TempDir $work/spool/tmp
+ServerBin $work/server
+ErrorLog $work/log/errors
+AccessLog $work/log/accesses
+PageLog $work/log/pages
+FileDevice Yes
+CONF
+cupsd -f -c "$work/cupsd.conf" -s "$work/cups-files.conf" >server.log 2>&1 &
+server=$!
+export CUPS_SERVER=localhost:$port
+for _ in $(seq 200); do
+  lpstat -r 2>/dev/null | grep -q "is running" && break
+  kill -0 $server 2>/dev/null || { echo "cupsd ended: $(cat server.log log/errors)" >&2; exit 1; }
+  sleep 0.05
+done
+for queue in one two; do
+  : >$queue.out
+  chmod 666 $queue.out
+  lpadmin -p $queue -E -v "file://$work/$queue.out" -P "$root/packaging/cups/qnvdrv10.ppd" 2>/dev/null ||
+    fail "lpadmin -p $queue"
+done
+
+# printed ARGUMENT...: prints a document and waits for the end of the job
+printed() {
+  local job
+  job=$(lp "$@" 2>messages | sed 's/request id is \([^ ]*\).*/\1/')
+  [ -n "$job" ] || { fail "lp $*: $(cat messages)"; return; }
+  for _ in $(seq 600); do
+    lpstat -W completed -o 2>/dev/null | grep -q "^$job " && return
+    sleep 0.1
+  done
+  fail "job $job does not end: $(lpstat -p) $(tail -n 5 log/errors)"
+}
+
+printed -d one sheet.pwg
+"$reader" one.out | cmp - sheet.ppm || fail "the queue changes a raster"
+printed -d one -n 2 sheet.pwg
+"$reader" one.out | cmp - <(cat sheet.ppm sheet.ppm) || fail "two copies of a raster"
+printed -d one gray-sheet.pwg
+"$reader" one.out | cmp - gray-sheet.ppm || fail "the queue changes a gray raster"
+# The server's own filter puts PDF pages on the paper of the queue, and repeats them, before the pixels are made.
+printed -d one -n 2 sheet.pdf
+CONTENT_TYPE=application/pdf PPD=$root/packaging/cups/qnvdrv10.ppd $server_bin/filter/pdftopdf 1 me title 2 "" \
+  sheet.pdf >placed.pdf 2>/dev/null || fail "pdftopdf"
+pdftoppm -r 300 placed.pdf placed
+[ "$(echo placed-?.ppm)" = "placed-1.ppm placed-2.ppm placed-3.ppm placed-4.ppm" ] || fail "pages: $(echo placed-*)"
+[ "$(head -c 12 placed-1.ppm | sed -n 2p)" = "2480 3508" ] || fail "A4 in pixels: $(head -c 12 placed-1.ppm)"
+cat placed-?.ppm >wanted.ppm
+"$reader" one.out | cmp - wanted.ppm || fail "the queue changes a PDF document"
+
+# The tool prints to the queue as to any printer.
+"$tool" print text.txt photo.bmp --printer "ipp://localhost:$port/printers/two" 2>messages || fail "$(cat messages)"
+grep -qF "printer two: image/pwg-raster at 300 dpi, color, iso_a4_210x297mm" messages || fail "$(cat messages)"
+"$reader" two.out | cmp - sheet.ppm || fail "other pixels through the queue"
+
+# A class hands jobs to the queue that is free.
+lpadmin -p one -c both && lpadmin -p two -c both && cupsenable both && cupsaccept both || fail "lpadmin -c"
+lpadmin -p one -E && cupsdisable one
+: >one.out
+: >two.out
+printed -d both sheet.pwg
+[ ! -s one.out ] || fail "a job went to the disabled queue"
+"$reader" two.out | cmp - sheet.ppm || fail "other pixels through the class"
+
+if [ "$failures" -ne 0 ]; then
+  echo "$failures checks failed" >&2
+  exit 1
+fi
+echo "all checks passed"
