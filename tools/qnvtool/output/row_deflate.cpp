@@ -11,6 +11,7 @@
 
 #include "qnvtool/base/output_file.h"
 #include "qnvtool/output/ordered_tasks.h"
+#include "qnvtool/output/run_deflate.h"
 
 namespace qnv::tool {
 namespace {
@@ -20,14 +21,14 @@ using Buffer = std::vector<uint8_t>;
 // How a block is compressed depends on how much of it differs from the row above. Seconds of processor time for
 // compressing alone, and kilobytes, for a photograph at 300 dots per inch and a text of one page at 600:
 //
-//     zlib                photograph    text
-//     level 2             0.18  3501    0.24   876
-//     level 3             0.28  3356    0.24   806
-//     level 4             0.30  3333    0.59   471
-//     level 6             1.10  3126    0.61   347
-//     runs only (Z_RLE)   0.14  3504    0.24   427
+//                  photograph    text
+//     zlib 2       0.18  3501    0.24   876
+//     zlib 3       0.28  3356    0.24   806
+//     zlib 4       0.30  3333    0.59   471
+//     zlib 6       1.10  3126    0.61   347
+//     runs only    0.08  3511    0.02   427
 //
-// The filter leaves little but runs of zeros of a page of text. Hatches and patterns need matches with a distance.
+// The filter leaves little but runs of zeros of a page of text. Hatches and patterns need matches at a distance.
 constexpr int kLevel = 4;
 constexpr std::size_t kSameShare = 2;  // runs only, when no more than one part in so many has changes
 
@@ -39,7 +40,7 @@ constexpr uint8_t kFilterUp = 2;                             // a row as its dif
 // took as long as the compression.
 struct Block {
   ~Block() {
-    if (hasMemory) deflateEnd(&stream);
+    if (hasStream) deflateEnd(&stream);
   }
 
   Buffer rows;             // as the device has them
@@ -50,7 +51,8 @@ struct Block {
   uLong adler = 0;  // of the filtered bytes
   std::size_t size = 0;
   z_stream stream{};
-  bool hasMemory = false;
+  bool hasStream = false;
+  bool failed = false;  // no memory
 };
 
 // The bytes of a row as the device has them, and as they are written.
@@ -112,17 +114,20 @@ void Compress(const PictureForm& form, const RowSize& size, Block& block, bool l
   uint8_t* const filtered = block.filtered.data() + block.before * rowSize;
   block.size = block.count * rowSize;
   const std::size_t changes = FilterRows(form, size, block, block.before, block.before + block.count, filtered);
-  const int strategy = changes <= 1000 / kSameShare ? Z_RLE : Z_DEFAULT_STRATEGY;
+  if (changes <= 1000 / kSameShare) {
+    block.adler = DeflateRuns(filtered, block.size, last ? DeflateEnd::kStream : DeflateEnd::kByte, block.compressed);
+    return;
+  }
 
   z_stream& stream = block.stream;
-  if (!block.hasMemory) {
-    block.hasMemory = deflateInit2(&stream, kLevel, Z_DEFLATED, -15, 8, strategy) == Z_OK;
-    if (!block.hasMemory) return;
+  if (!block.hasStream) {
+    block.hasStream = deflateInit2(&stream, kLevel, Z_DEFLATED, -15, 8, Z_DEFAULT_STRATEGY) == Z_OK;
+    block.failed = !block.hasStream;
+    if (block.failed) return;
   }
   deflateReset(&stream);
-  deflateParams(&stream, kLevel, strategy);
   // The row above the first one that is filtered is needed as well.
-  if (strategy != Z_RLE && block.before > 1) {
+  if (block.before > 1) {
     FilterRows(form, size, block, 1, block.before, block.filtered.data() + rowSize);
     const std::size_t known = std::min(kDictionary, (block.before - 1) * rowSize);
     deflateSetDictionary(&stream, filtered - known, static_cast<uInt>(known));
@@ -191,7 +196,7 @@ class RowDeflate::State {
   }
 
   void WriteBlock(const Block& block) {
-    if (!block.hasMemory) CannotWrite(path_, "no memory");
+    if (block.failed) CannotWrite(path_, "no memory");
     if (!block.compressed.empty()) write_(block.compressed);
     adler_ = adler32_combine(adler_, block.adler, static_cast<z_off_t>(block.size));
   }
