@@ -818,7 +818,9 @@ TEST(Pictures, TooLargeOnesAreRefusedBeforeMemoryIsTaken) {
   }
   EXPECT_NE(Try(jpeg).error.find("is a progressive JPEG picture that would take "), std::string::npos);
 
-  TiffSample strip{.bits = 16, .compression = COMPRESSION_LZW};
+  // Rows that are turned are converted to 32 bits a pixel, a strip at a time.
+  TiffSample strip{.photometric = PHOTOMETRIC_MINISBLACK, .bits = 1, .samples = 1, .compression = COMPRESSION_LZW};
+  strip.orientation = 5;
   strip.rowsPerStrip = 30000;
   strip.width = 600;
   strip.height = 30000;
