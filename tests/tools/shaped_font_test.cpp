@@ -209,7 +209,8 @@ TEST_F(ShapedFonts, PartsAreShapedAnew) {
 TEST_F(ShapedFonts, ExtraSpaceIsSpreadAndHyphensEndTheLine) {
   const auto font = Open("DejaVu Sans");
   const std::u32string text = U"a b c d";
-  const auto line = font->Shape(text, TextForm::kFlow)->Runs({0, text.size(), false, 10, 3});
+  const auto line = font->Shape(text, TextForm::kFlow)
+                        ->Runs({0, text.size(), false, (1255 + 1300 + 1126 + 1300 + 3 * 651 + 63) / 64 + 10, 3});
   const int space = 651;
   EXPECT_EQ(CellsOf(line.runs), Placed(*font, {{'a', 0},
                                                {'b', 1255 + space + 3 * 64},
@@ -414,6 +415,60 @@ TEST_F(ShapedPages, LineNumbers) {
   EXPECT_EQ(lines[3].left, text);
   EXPECT_EQ(lines[5].left + lines[5].width, numberEnd);  // one digit in the margin
   EXPECT_LT(lines[5].left, 20);
+}
+
+// Whatever the characters and the width: no character is lost or shown twice, and no line is too wide unless it is one
+// letter.
+TEST_F(ShapedPages, AnyTextIsSetWithoutLoss) {
+  const std::u32string pool =
+      U"ab fi-/ .,() 12 \u00AD\u200B\u00A0\u0301\u0323\u0628\u0650\u0633\u0644\u0627\u0645\u0640 "
+      U"\u05E9\u05DC\u05B8\u05D5 "
+      U"\u0915\u094D\u0937\u093F\u0930 \u1112\u1161\u11AB\uD55C \u65E5\u672C\u3002\u300C\u300D "
+      U"\u200D\u200C\u200E\u200F\u202B"
+      U"\u202C\u2067\u2069\uFE0F\U0001F468\U00013000\uFFFD\uFFFE\U0010FFFF";
+  const auto font = fonts_.Get(tool::FontRole::kBody, 12);
+  uint32_t state = 1;
+  const auto next = [&](std::size_t count) {
+    state = state * 1664525 + 1013904223;
+    return static_cast<std::size_t>(state >> 8) % count;
+  };
+  const auto isKept = [](char32_t c) { return c != ' ' && !tool::IsBreakControl(c); };
+  for (int number = 0; number < 600; ++number) {
+    std::u32string text;
+    for (std::size_t i = next(60); i > 0; --i) text += pool[next(pool.size())];
+    const int width = 1 + static_cast<int>(next(400));
+    const tool::Paragraph paragraph(text, *font, width);
+    const auto shaped = font->Shape(text, TextForm::kFlow);
+    std::u32string shown;
+    std::size_t at = 0;
+    for (std::size_t i = 0; i < paragraph.lines(); ++i) {
+      tool::TextLine line = paragraph.Line(i, 0, 0, true);
+      if (!line.text.empty() && line.text.back() == tool::kSoftHyphen) line.text.pop_back();
+      for (const char32_t c : line.text) {
+        if (isKept(c)) shown += c;
+      }
+      for (const Cell& cell : CellsOf(line.runs)) {
+        const auto record = cell.sheet->Record();
+        const std::size_t first = record->memory[82 + 2] | record->memory[82 + 3] << 8 |
+                                  static_cast<std::size_t>(record->memory[82 + 4]) << 16;
+        ASSERT_LT(82u + cell.code * 6u, first) << number;  // the table ends where the first glyph begins
+      }
+      // The clusters of the line, which its text gives the number of.
+      while (at < text.size() && tool::IsPlainSpace(text, shaped->breaks(), at)) ++at;
+      ASSERT_TRUE(at == text.size() || shaped->breaks()[at] != LineBreak::kInside) << number;
+      int clusters = 0;
+      for (std::size_t kept = 0; kept < line.text.size() && at < text.size(); ++at) {
+        if (tool::IsBreakControl(text[at])) continue;
+        ASSERT_EQ(text[at], line.text[kept]) << number;
+        ++kept;
+        clusters += shaped->breaks()[at] != LineBreak::kInside && shaped->advances()[at] > 0 ? 1 : 0;
+      }
+      while (at < text.size() && (tool::IsBreakControl(text[at]) || shaped->breaks()[at] == LineBreak::kInside)) ++at;
+      EXPECT_TRUE(line.width <= width || clusters <= 1) << number << ": " << line.width << " in " << width;
+    }
+    text.erase(std::remove_if(text.begin(), text.end(), [&](char32_t c) { return !isKept(c); }), text.end());
+    EXPECT_EQ(shown, text) << number;
+  }
 }
 
 // Every pixel of a printed page is ink of the cells, laid over each other at their places.

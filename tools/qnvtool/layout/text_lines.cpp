@@ -55,11 +55,11 @@ Paragraph::Paragraph(std::u32string_view text, Font& font, int width)
 
 TextLine Paragraph::Line(std::size_t index, int left, int baseline, bool justify) const {
   const BrokenLine& broken = lines_[index];
-  const int natural = CeilPixels(broken.width);
   LinePart part{broken.begin, broken.end, broken.hyphen, 0, broken.spaces};
-  if (justify && !broken.last && broken.spaces > 0) part.extra = std::max(0, width_ - natural);
-  if (rightToLeft() && part.extra == 0) left += width_ - natural;
-  return MakeLine(text_, *shaped_, part, font_, left, baseline);
+  if (justify && !broken.last) part.width = width_;
+  TextLine line = MakeLine(text_, *shaped_, part, font_, left, baseline);
+  if (rightToLeft()) line.left += width_ - line.width;
+  return line;
 }
 
 }  // namespace qnv::tool

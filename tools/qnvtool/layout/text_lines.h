@@ -9,9 +9,6 @@
 
 namespace qnv::tool {
 
-// Pixels that advances in 1/64 pixels take up.
-inline int CeilPixels(int64_t advance) { return static_cast<int>((advance + kPixel - 1) / kPixel); }
-
 // A part of a text as a line that begins at `left`.
 TextLine MakeLine(std::u32string_view text, const ShapedText& shaped, const LinePart& part, const Font& font, int left,
                   int baseline);

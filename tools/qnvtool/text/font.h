@@ -34,20 +34,23 @@ struct LinePart {
   std::size_t begin = 0;  // characters [begin, end)
   std::size_t end = 0;
   bool hyphen = false;  // a hyphen is shown at the end
-  int extra = 0;        // pixels to distribute over its spaces
+  int width = 0;        // pixels that it is widened to at its spaces, if it is narrower
   int spaces = 0;       // spaces in it
 };
 
 // What paints a line.
 struct LineRuns {
   std::vector<TextRun> runs;
-  int width = 0;       // pixels, with `extra`
+  int width = 0;       // pixels
   int breakExtra = 0;  // pixels that the rasteriser distributes over the spaces of one-byte runs
   int breakCount = 0;  // spaces in these
 };
 
 // Units of advances in a pixel.
 inline constexpr int kPixel = 64;
+
+// Pixels that advances in 1/64 pixels take up.
+inline int CeilPixels(int64_t advance) { return static_cast<int>((advance + kPixel - 1) / kPixel); }
 
 // A text in a font: measured, to be cut into lines.
 class ShapedText {

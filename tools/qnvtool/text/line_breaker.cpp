@@ -45,7 +45,7 @@ class Breaker {
 
  private:
   std::size_t SkipSpaces(std::size_t at) const {
-    while (at < text_.size() && text_[at] == ' ') ++at;
+    while (at < text_.size() && IsPlainSpace(text_, breaks_, at)) ++at;
     return at;
   }
 
@@ -57,9 +57,10 @@ class Breaker {
     while (at < text_.size()) {
       if (at > begin && breaks_[at] == LineBreak::kAllowed) NoteBreak(best, line, at);
       const int32_t width = advances_[at];
-      if (text_[at] != ' ' && line.width + width > maxWidth_ && line.end > begin) break;
+      // What takes no room stays with the letter before it, even where that is wider than the line.
+      if (!IsPlainSpace(text_, breaks_, at) && width > 0 && line.width + width > maxWidth_ && line.end > begin) break;
       line.width += width;
-      if (text_[at] == ' ') ++line.spaces;
+      if (IsPlainSpace(text_, breaks_, at)) ++line.spaces;
       do {
         ++at;
       } while (at < text_.size() && breaks_[at] == LineBreak::kInside);
@@ -85,12 +86,16 @@ class Breaker {
     if (candidate.width <= maxWidth_ && candidate.end > candidate.begin) best = candidate;
   }
 
-  // Takes spaces off the end of the line.
+  // Takes spaces off the end of the line, with what takes no room behind them.
   void TrimEnd(BrokenLine& line) const {
-    while (line.end > line.begin && text_[line.end - 1] == ' ') {
-      --line.end;
-      --line.spaces;
-      line.width -= advances_[line.end];
+    for (std::size_t end = line.end; end > line.begin; --end) {
+      if (IsPlainSpace(text_, breaks_, end - 1)) {
+        line.end = end - 1;
+        --line.spaces;
+        line.width -= advances_[line.end];
+      } else if (advances_[end - 1] != 0) {
+        break;
+      }
     }
   }
 
@@ -105,6 +110,10 @@ class Breaker {
 }  // namespace
 
 bool IsBreakControl(char32_t c) { return c == kSoftHyphen || c == kZeroWidthSpace || c == 0x2060 || c == 0xFEFF; }
+
+bool IsPlainSpace(std::u32string_view text, const std::vector<LineBreak>& breaks, std::size_t at) {
+  return text[at] == ' ' && (at + 1 == text.size() || breaks[at + 1] != LineBreak::kInside);
+}
 
 std::vector<LineBreak> PlainBreaks(std::u32string_view text) {
   std::vector<LineBreak> breaks(text.size(), LineBreak::kForbidden);

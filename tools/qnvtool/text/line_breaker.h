@@ -32,6 +32,9 @@ std::vector<BrokenLine> BreakLines(std::u32string_view text, const std::vector<i
 // hyphens (U+00AD) and zero-width spaces, and around ideographs, but not at no-break spaces.
 std::vector<LineBreak> PlainBreaks(std::u32string_view text);
 
+// Whether there is a space without marks at text[at]. Only such spaces are left out at the ends of lines and widened.
+bool IsPlainSpace(std::u32string_view text, const std::vector<LineBreak>& breaks, std::size_t at);
+
 // Characters that control breaking and are never shown, apart from the hyphen at the end of a line.
 bool IsBreakControl(char32_t c);
 

@@ -30,8 +30,8 @@ class PlainText final : public ShapedText {
       font_.Append(line.runs, U'-');
       line.width += font_.CellOf(U'-');
     }
-    if (part.extra > 0 && part.spaces > 0) {
-      line.breakExtra = std::min(part.extra, kMaxGap);
+    if (part.width > line.width && part.spaces > 0) {
+      line.breakExtra = std::min(part.width - line.width, kMaxGap);
       line.breakCount = part.spaces;
       line.width += line.breakExtra;
     }

@@ -211,26 +211,31 @@ class ShapedParagraph final : public ShapedText {
     if (part.hyphen) pieces.push_back(HyphenAfter(pieces));
     PutInVisualOrder(pieces);
 
+    int64_t natural = 0;
+    for (const Item& piece : pieces) {
+      for (const PlacedGlyph& glyph : piece.glyphs) natural += glyph.advance;
+    }
+    const int missing = part.spaces == 0 ? 0 : std::max(0, part.width - CeilPixels(natural));
     RunBuilder builder;
     int64_t pen = 0;
     int spaces = 0;
     for (const Item& piece : pieces) {
       for (const PlacedGlyph& glyph : piece.glyphs) {
+        if (missing != 0 && glyph.cluster != kHyphenCluster && IsPlainSpace(text_, breaks_, glyph.cluster)) {
+          const int64_t extra = missing;
+          pen += (extra * (spaces + 1) / part.spaces - extra * spaces / part.spaces) * kPixel;
+          ++spaces;
+        }
         const SheetGlyph& bitmap = font_.Bitmap(*piece.face, glyph.index);
         if (bitmap.sheet != nullptr) {
           builder.Add(bitmap, RoundToPixels(pen + glyph.x) + bitmap.left, RoundToPixels(glyph.y));
         }
         pen += glyph.advance;
-        if (part.extra > 0 && part.spaces > 0 && glyph.cluster < text_.size() && text_[glyph.cluster] == ' ') {
-          const int64_t extra = part.extra;
-          pen += (extra * (spaces + 1) / part.spaces - extra * spaces / part.spaces) * kPixel;
-          ++spaces;
-        }
       }
     }
     LineRuns line;
     line.runs = builder.Take();
-    line.width = static_cast<int>((pen + kPixel - 1) / kPixel);
+    line.width = CeilPixels(pen);
     return line;
   }
 
