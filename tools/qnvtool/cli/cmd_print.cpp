@@ -212,7 +212,7 @@ Command PrintCommand(const PrintParts& parts) {
        .excludes = "--flow"},
       {.names = "--line-numbers",
        .placeholder = "",
-       .help = "Number the lines of listings",
+       .help = "Number the lines of texts that are listings as a whole",
        .value = Flag{&options.text.lineNumbers},
        .group = text},
       {.names = "--encoding",

@@ -16,7 +16,7 @@ struct TextOptions {
     kVerbatim,
   };
   Setting setting = Setting::kByName;
-  bool lineNumbers = false;      // of verbatim texts
+  bool lineNumbers = false;      // of texts that are verbatim as a whole
   std::string encoding = {};     // empty: detected
   OpenDecoder openDecoder = {};  // for encodings that are not built in; may be empty
 };
