@@ -3,6 +3,7 @@
 
 #include <cstdio>
 
+#include "qnvtool/calls/call_commands.h"
 #include "qnvtool/cli/cmd_make_picture.h"
 #include "qnvtool/cli/cmd_print.h"
 #include "qnvtool/input/jpeg_reader.h"
@@ -38,15 +39,18 @@ FontShelf OpenFonts(const PrintOptions& options) {
 
 int main(int argc, char** argv) {
   using namespace qnv::tool;
-  const Program program{.name = "qnvtool",
-                        .summary = "prints and inspects with the band rasteriser",
-                        .version = QNVTOOL_VERSION,
-                        .commands = {PrintCommand({.openFonts = OpenFonts,
-                                                   .linked = LinkedRasteriser,
-                                                   .output = {CreatePngFile, CreateDocument},
-                                                   .openPrinter = OpenIppPrinter,
-                                                   .decoders = {OpenPng, OpenJpeg, OpenTiff},
-                                                   .openDecoder = OpenIconvDecoder}),
-                                     MakePictureCommand()}};
+  Program program{.name = "qnvtool",
+                  .summary = "prints and inspects with the band rasteriser",
+                  .version = QNVTOOL_VERSION,
+                  .commands = {PrintCommand({.openFonts = OpenFonts,
+                                             .linked = LinkedRasteriser,
+                                             .output = {CreatePngFile, CreateDocument},
+                                             .openPrinter = OpenIppPrinter,
+                                             .decoders = {OpenPng, OpenJpeg, OpenTiff},
+                                             .openDecoder = OpenIconvDecoder}),
+                               MakePictureCommand()}};
+  for (Command& command : CallCommands({LinkedRasteriser, CreatePngFile})) {
+    program.commands.push_back(std::move(command));
+  }
   return RunProgram(program, argc, argv);
 }

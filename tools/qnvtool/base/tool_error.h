@@ -12,6 +12,7 @@ enum class ExitCode : int {
   kBadInput = 2,     // an input file cannot be read or is not what it says
   kCannotWrite = 3,  // a result file cannot be written
   kLibrary = 4,      // the rasteriser cannot be loaded, or refuses a call
+  kDiffers = 5,      // what was compared is not the same
 };
 
 class ToolError : public std::runtime_error {

@@ -1,0 +1,117 @@
+// Makes the calls of a call file again, on any library, and compares results and bands with those in the file.
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "calls/call_file.h"
+#include "calls/device_shape.h"
+#include "calls/invoke.h"
+#include "calls/memory_reads.h"
+
+namespace qnv::calls {
+
+// A device while the file is replayed.
+struct PlayedDevice {
+  DeviceHandle* handle = nullptr;
+  DeviceShape shape;
+  std::vector<uint8_t> band, tags;  // empty: the host gave none
+};
+
+// What differs from the file.
+struct Difference {
+  std::size_t call = 0;
+  std::string what;
+};
+
+struct PlayOptions {
+  bool compare = true;         // results, outputs, and the checksums that the file has
+  bool stopAtFirst = true;     // at the first difference
+  std::size_t end = SIZE_MAX;  // calls from here on are not made
+};
+
+struct PlayReport {
+  bool completed = false;  // false: `error` says why the replay ended early
+  std::string error;       // the file cannot be replayed: with the place in the file
+  std::vector<Difference> differences;
+  std::size_t made = 0;      // calls
+  std::size_t skipped = 0;   // calls whose memory was too large to be kept
+  std::size_t compared = 0;  // checksums of bands
+  uint64_t nanoseconds = 0;  // in calls, without what is done between them
+};
+
+class Player {
+ public:
+  // file, functions: outlive the player.
+  Player(const CallFile& file, const Functions& functions);
+  ~Player();
+  Player(const Player&) = delete;
+  Player& operator=(const Player&) = delete;
+
+  // A call that was just made.
+  struct MadeCall {
+    std::size_t call;
+    const StoredCall& stored;
+    const Slots& slots;
+    uintptr_t result;
+    uint64_t nanoseconds;
+  };
+  // Called before each call (after the contents of bands are set) and after it. False ends the replay.
+  struct Watcher {
+    std::function<bool(std::size_t call, const StoredCall&, const Slots&)> before;
+    std::function<bool(const MadeCall&)> after;
+  };
+
+  PlayReport Play(const PlayOptions& options);
+  PlayReport Play(const PlayOptions& options, const Watcher& watcher);
+
+  // Devices by number; null before the call that makes them and for numbers that the file does not have.
+  const PlayedDevice* Device(uint32_t number) const;
+
+ private:
+  struct Region {
+    int64_t first = 0;
+    std::vector<uint8_t> memory;
+    bool tooLarge = false;
+  };
+  // A call with its arguments in place. The handle is filled in when it is made.
+  struct Prepared {
+    std::size_t call;
+    const FileItem* item;
+    StoredCall stored;
+    Slots slots;
+    SourceBitmap source;
+    LogicalBrush brush;
+    bool skipped;
+  };
+
+  bool Prepare(const FileItem& item, std::size_t call, Prepared* prepared, std::string* error);
+  bool PlacePointer(const StoredPointer& pointer, uintptr_t* slot, Limit* limit);
+  bool PlaceArgument(std::size_t index, Prepared* prepared, Limit* limits, Limit* nestedRecord, Limit* nestedBits,
+                     uint8_t* scratch);
+  const Region* RegionOf(uint32_t image);
+  const Bytes* RowsOf(const StoredPointer& pointer);
+  bool FindBandSizes(std::string* error);
+  void Follow(const StoredCall& call, const Slots& slots);
+  bool Compare(const Prepared& prepared, uintptr_t result, std::string* what) const;
+  bool CompareBands(const StoredCall& call, bool before, std::string* what, PlayReport* report) const;
+  void End();
+
+  const CallFile& file_;
+  const Functions& functions_;
+  std::vector<PlayedDevice> devices_;  // by number; 0 is not used
+  std::vector<DeviceShape> shapes_;    // the same, as the calls that are prepared leave them
+  std::vector<uint64_t> bandBytes_, tagBytes_;
+  std::map<uint32_t, Region> regions_;  // by root image
+  std::map<std::pair<std::pair<uint32_t, int64_t>, std::pair<uint64_t, uint64_t>>, Bytes> rows_;
+  uint8_t output_[sizeof(PhysicalBrush)];
+  DRAWMODE textMode_;
+  uint16_t badHandle_ = 0;
+};
+
+}  // namespace qnv::calls

@@ -1,0 +1,43 @@
+# Calls on file: the library that writes, reads and replays them, for every target, and the recorder.
+#
+# Blocks are compressed by zstd where its library is installed for the target, which is the development machine's own.
+# Elsewhere they are stored as they are, and only such files can be read.
+file(GLOB calls_sources CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/calls/*.cpp)
+add_library(calls STATIC ${calls_sources})
+target_include_directories(calls PUBLIC ${PROJECT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/include)
+target_link_libraries(calls PRIVATE qnv_options)
+set_target_properties(calls PROPERTIES POSITION_INDEPENDENT_CODE ON CXX_VISIBILITY_PRESET hidden
+  VISIBILITY_INLINES_HIDDEN ON)
+target_compile_options(calls PRIVATE ${QNV_PROGRAM_OPTIONS})
+qnv_unity(calls 20)
+# Built for what uses it; without tests and tools nothing does.
+set_target_properties(calls PROPERTIES EXCLUDE_FROM_ALL ON)
+
+set(QNV_ZSTD OFF)
+if(CMAKE_SIZEOF_VOID_P EQUAL 8 AND NOT CMAKE_CROSSCOMPILING AND NOT QNV_SANITIZERS STREQUAL "memory")
+  find_path(QNV_ZSTD_DIR zstd.h)
+  find_library(QNV_ZSTD_LIBRARY zstd)
+  if(QNV_ZSTD_DIR AND QNV_ZSTD_LIBRARY)
+    set(QNV_ZSTD ON)
+    target_compile_definitions(calls PRIVATE QNV_ZSTD)
+    target_link_libraries(calls PRIVATE ${QNV_ZSTD_LIBRARY})
+  endif()
+endif()
+
+# The recorder: a drop-in with the exports and ordinals of the library, from the same export list.
+file(GLOB recorder_sources CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/recorder/*.cpp)
+add_library(qnvrec SHARED ${recorder_sources})
+target_link_libraries(qnvrec PRIVATE calls qnv_options ${CMAKE_DL_LIBS})
+target_include_directories(qnvrec PRIVATE ${PROJECT_SOURCE_DIR})
+target_compile_options(qnvrec PRIVATE ${QNV_PROGRAM_OPTIONS})
+set_target_properties(qnvrec PROPERTIES CXX_VISIBILITY_PRESET hidden VISIBILITY_INLINES_HIDDEN ON EXCLUDE_FROM_ALL ON)
+if(WIN32)
+  file(READ ${PROJECT_SOURCE_DIR}/src/entry/qnvdrv10.def recorder_exports)
+  string(REPLACE "QNVDRV10.dll" "QNVREC.dll" recorder_exports "${recorder_exports}")
+  file(CONFIGURE OUTPUT ${PROJECT_BINARY_DIR}/qnvrec.def CONTENT "${recorder_exports}" @ONLY)
+  target_sources(qnvrec PRIVATE ${PROJECT_BINARY_DIR}/qnvrec.def)
+  set_target_properties(qnvrec PROPERTIES PREFIX "" OUTPUT_NAME QNVREC ARCHIVE_OUTPUT_NAME qnvrec)
+else()
+  target_link_options(qnvrec PRIVATE
+    -Wl,--version-script=${PROJECT_BINARY_DIR}/qnvdrv10.map -Wl,--exclude-libs,ALL -Wl,-z,relro,-z,now)
+endif()

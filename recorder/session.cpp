@@ -1,0 +1,122 @@
+// Loads the real library and records what passes.
+#include "recorder/session.h"
+
+#include <atomic>
+#include <chrono>
+#include <cstdio>
+#include <mutex>
+#include <new>
+
+#include "recorder/platform.h"
+#include "recorder/settings.h"
+
+namespace qnv::recorder {
+namespace {
+
+using namespace calls;
+
+std::atomic<const Session*> current{nullptr};
+std::mutex startLock;
+// Neither is ever freed: threads of the host may still be inside a call when the process ends.
+Session* started = nullptr;
+
+template <class T>
+bool Resolve(T& function, void* library, const char* name, std::string* error) {
+  function = reinterpret_cast<T>(FindSymbol(library, name));
+  if (function == nullptr) *error = std::string("the library does not export ") + name;
+  return function != nullptr;
+}
+
+bool ResolveAll(Functions& functions, void* library, std::string* error) {
+  return Resolve(functions.enable, library, "QNVEnable", error) &&
+         Resolve(functions.disable, library, "QNVDisable", error) &&
+         Resolve(functions.getDeviceInfo, library, "QNVGetDeviceInfo", error) &&
+         Resolve(functions.control, library, "QNVControl", error) &&
+         Resolve(functions.colorInfo, library, "QNVColorInfo", error) &&
+         Resolve(functions.realizeObject, library, "QNVRealizeObject", error) &&
+         Resolve(functions.pixel, library, "QNVPixel", error) &&
+         Resolve(functions.polyPixel, library, "QNVPolyPixel", error) &&
+         Resolve(functions.bitBlt, library, "QNVDevBitBlt", error) &&
+         Resolve(functions.output, library, "QNVOutput", error) &&
+         Resolve(functions.extTextOut, library, "QNVDevExtTextOut", error) &&
+         Resolve(functions.stretchDIBits, library, "QNVStretchDIBits", error) &&
+         Resolve(functions.setDIBitsToDevice, library, "QNVDevSetDIBitsToDevice", error);
+}
+
+void StopInChild() {
+  // The file belongs to the parent.
+  if (started != nullptr) started->capture = nullptr;
+}
+
+Session* Start() {
+  auto* const session = new Session();
+  const Settings settings = ReadSettings();
+  std::string error;
+  void* library = nullptr;
+  for (const std::string& path : settings.libraries) {
+    library = OpenLibrary(path, &error);
+    if (library != nullptr) break;
+  }
+  session->isLoaded = library != nullptr && ResolveAll(session->functions, library, &error);
+  if (!session->isLoaded) {
+    Tell("qnvrec: no library to record: " + error);
+    return session;
+  }
+  if (settings.file.empty()) return session;
+  std::FILE* const file = std::fopen(settings.file.c_str(), "wb");
+  if (file == nullptr) {
+    Tell("qnvrec: cannot write " + settings.file + "; nothing is recorded");
+    return session;
+  }
+  session->capture = new CallCapture(file, {settings.hashEveryCall, settings.flushEveryCall});
+  session->capture->Note("recorder", "1");
+  OnFork(StopInChild);
+  return session;
+}
+
+uint64_t NanosecondsSince(std::chrono::steady_clock::time_point start) {
+  return static_cast<uint64_t>(
+      std::chrono::duration_cast<std::chrono::nanoseconds>(std::chrono::steady_clock::now() - start).count());
+}
+
+}  // namespace
+
+const Session& CurrentSession() {
+  const Session* session = current.load(std::memory_order_acquire);
+  if (session != nullptr) [[likely]] {
+    return *session;
+  }
+  const std::lock_guard locked(startLock);
+  if (started == nullptr) {
+    started = Start();
+    current.store(started, std::memory_order_release);
+  }
+  return *started;
+}
+
+uintptr_t RecordedCall(const Session& session, Function function, const Slots& slots) {
+  PendingCall call;
+  bool kept = false;
+  // Without memory the call is made, but not kept.
+  try {
+    session.capture->Before(function, slots, ThreadNumber(), &call);
+    kept = true;
+  } catch (const std::bad_alloc&) {
+  }
+  const auto start = std::chrono::steady_clock::now();
+  const uintptr_t result = Invoke(session.functions, function, slots);
+  const uint64_t nanoseconds = NanosecondsSince(start);
+  try {
+    if (kept) session.capture->After(slots, result, nanoseconds, &call);
+  } catch (const std::bad_alloc&) {
+  }
+  return result;
+}
+
+void EndOfProcess() {
+  // Other threads of the process may be gone already, one of them with the lock.
+  if (started == nullptr || started->capture == nullptr || !started->capture->IsFree()) return;
+  started->capture->Close();
+}
+
+}  // namespace qnv::recorder

@@ -1,0 +1,10 @@
+// The list of the commands over call files.
+#include "qnvtool/calls/call_commands.h"
+
+namespace qnv::tool {
+
+std::vector<Command> CallCommands(const CallParts& parts) {
+  return {ReplayCommand(parts), InfoCommand(), DumpCommand(), RenderCommand(parts), TimeCommand(parts)};
+}
+
+}  // namespace qnv::tool

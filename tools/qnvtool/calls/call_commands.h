@@ -1,0 +1,29 @@
+// The commands over call files. Each is in a file of its own and is listed here.
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "qnvtool/cli/command_line.h"
+#include "qnvtool/output/picture_writer.h"
+#include "qnvtool/paint/rasteriser.h"
+
+namespace qnv::tool {
+
+// What the commands need of the program.
+struct CallParts {
+  std::function<Rasteriser()> linkedRasteriser;
+  std::function<std::unique_ptr<PictureWriter>(const std::string&, const PictureForm&)> createPng;
+};
+
+std::vector<Command> CallCommands(const CallParts& parts);
+
+Command ReplayCommand(const CallParts& parts);
+Command InfoCommand();
+Command DumpCommand();
+Command RenderCommand(const CallParts& parts);
+Command TimeCommand(const CallParts& parts);
+
+}  // namespace qnv::tool

@@ -1,0 +1,40 @@
+// Call files and libraries as commands name them.
+#include "qnvtool/calls/call_input.h"
+
+#include <fmt/core.h>
+
+#include <cstdio>
+
+#include "qnvtool/base/tool_error.h"
+
+namespace qnv::tool {
+
+calls::CallFile ReadCallFile(const std::string& path) {
+  calls::CallFile file;
+  const calls::CallFile::Status status = calls::CallFile::ReadFrom(path, &file);
+  if (status.error == calls::FileError::kTruncated) {
+    fmt::print(stderr, "{}: at byte {}: {}; the {} calls before it are used\n", path, status.offset, status.message,
+               file.CallCount());
+  } else if (status.error != calls::FileError::kNone) {
+    throw ToolError(ExitCode::kBadInput, fmt::format("{}: at byte {}: {}", path, status.offset, status.message));
+  }
+  return file;
+}
+
+CalledLibrary OpenCalledLibrary(const std::string& path, const CallParts& parts) {
+  CalledLibrary library;
+  library.rasteriser = path.empty() ? parts.linkedRasteriser() : LoadRasteriser(path);
+  library.name = path.empty() ? "the built-in library" : path;
+  const Rasteriser& r = library.rasteriser;
+  library.functions = {r.enable,        r.disable,       r.getDeviceInfo,    r.control, r.colorInfo,
+                       r.realizeObject, r.pixel,         r.polyPixel,        r.bitBlt,  r.output,
+                       r.extTextOut,    r.stretchDIBits, r.setDIBitsToDevice};
+  return library;
+}
+
+std::string PlaceOf(const calls::CallFile& file, std::size_t call) {
+  const calls::FileItem& item = file.CallItem(call);
+  return fmt::format("block at {}, item at byte {}", item.blockOffset, item.position);
+}
+
+}  // namespace qnv::tool

@@ -1,0 +1,27 @@
+// Opens the call files and libraries that a command names.
+#pragma once
+
+#include <string>
+
+#include "calls/call_file.h"
+#include "calls/invoke.h"
+#include "qnvtool/calls/call_commands.h"
+
+namespace qnv::tool {
+
+// Reads a call file. Of a file that was cut off, what is complete is used, and one line on standard error says so.
+// Throws ToolError (bad input) with the offset for every other defect.
+calls::CallFile ReadCallFile(const std::string& path);
+
+// A library by path, or the linked one for an empty path, with its functions as calls/ takes them.
+struct CalledLibrary {
+  Rasteriser rasteriser;
+  calls::Functions functions;
+  std::string name;  // for messages
+};
+CalledLibrary OpenCalledLibrary(const std::string& path, const CallParts& parts);
+
+// "block at 24, item at byte 7" of a call.
+std::string PlaceOf(const calls::CallFile& file, std::size_t call);
+
+}  // namespace qnv::tool

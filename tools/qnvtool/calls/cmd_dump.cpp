@@ -1,0 +1,127 @@
+// `qnvtool dump`: the calls of a file as text for people, or one JSON object a call.
+#include <fmt/core.h>
+
+#include <algorithm>
+#include <cctype>
+#include <cstdio>
+#include <memory>
+
+#include "qnvtool/base/tool_error.h"
+#include "qnvtool/calls/call_commands.h"
+#include "qnvtool/calls/call_input.h"
+#include "qnvtool/calls/describe_call.h"
+
+namespace qnv::tool {
+namespace {
+
+struct DumpArguments {
+  std::string file, call, rop, color;
+  int device = 0, from = 0, count = 2000000000;
+  bool json = false;
+};
+
+std::string Lower(std::string text) {
+  std::transform(text.begin(), text.end(), text.begin(),
+                 [](char c) { return static_cast<char>(std::tolower(static_cast<unsigned char>(c))); });
+  return text;
+}
+
+bool Holds(const std::string& text, const std::string& part) {
+  return Lower(text).find(Lower(part)) != std::string::npos;
+}
+
+bool IsWanted(const DumpArguments& a, const calls::StoredCall& call, const std::vector<DescribedField>& fields) {
+  if (a.device != 0 && call.Device() != static_cast<uint32_t>(a.device)) return false;
+  if (!a.call.empty() && !Holds(calls::EntryPointOf(call.function).name, a.call)) return false;
+  const auto anyField = [&](const std::string& name, const std::string& part) {
+    return std::any_of(fields.begin(), fields.end(), [&](const DescribedField& field) {
+      return (name.empty() || field.name == name) && Holds(field.text, part);
+    });
+  };
+  if (!a.rop.empty() && !anyField("rop", a.rop)) return false;
+  return a.color.empty() || anyField("", a.color);
+}
+
+void PrintText(std::size_t number, const calls::StoredCall& call, const std::vector<DescribedField>& fields) {
+  const calls::EntryPoint& entry = calls::EntryPointOf(call.function);
+  std::string line = fmt::format("{} {}(", number, entry.name);
+  bool first = true;
+  for (const DescribedField& field : fields) {
+    line += fmt::format("{}{}={}", first ? "" : ", ", field.name, field.text);
+    first = false;
+  }
+  line += ")";
+  if (entry.result == calls::Result::kHandle) {
+    line += call.result == 0 ? " = refused" : fmt::format(" = device {}", call.result);
+  } else if (entry.result == calls::Result::kSigned) {
+    line += fmt::format(" = {}", static_cast<int32_t>(call.result));
+  } else if (entry.result != calls::Result::kNothing) {
+    line += fmt::format(" = 0x{:X}", call.result);
+  }
+  fmt::print("{} [{} ns]\n", line, call.nanoseconds);
+}
+
+void PrintJson(std::size_t number, const calls::StoredCall& call, const std::vector<DescribedField>& fields) {
+  const calls::EntryPoint& entry = calls::EntryPointOf(call.function);
+  std::string line =
+      fmt::format("{{\"call\":{},\"function\":{},\"thread\":{}", number, JsonText(entry.name), call.thread);
+  for (const DescribedField& field : fields) {
+    line += fmt::format(",{}:{}", JsonText(field.name), field.isNumber ? field.text : JsonText(field.text));
+  }
+  fmt::print("{},\"returned\":{},\"ns\":{}}}\n", line, call.result, call.nanoseconds);
+}
+
+}  // namespace
+
+Command DumpCommand() {
+  auto arguments = std::make_shared<DumpArguments>();
+  DumpArguments& a = *arguments;
+  Command command{.name = "dump", .summary = "Show the calls of a call file", .options = {}, .run = {}};
+  command.options = {
+      {.names = "file",
+       .placeholder = "FILE.qnv",
+       .help = "Call file",
+       .value = Text{&a.file},
+       .required = true,
+       .fileTypes = "qnv"},
+      {.names = "--json", .placeholder = "", .help = "One JSON object a line", .value = Flag{&a.json}},
+      {.names = "--call",
+       .placeholder = "NAME",
+       .help = "Only functions whose name holds NAME",
+       .value = Text{&a.call}},
+      {.names = "--device",
+       .placeholder = "N",
+       .help = "Only calls of this device",
+       .value = WholeNumber{&a.device, 1, 1000000000}},
+      {.names = "--rop",
+       .placeholder = "NAME",
+       .help = "Only calls whose raster code holds NAME, as it is shown",
+       .value = Text{&a.rop}},
+      {.names = "--color",
+       .placeholder = "TEXT",
+       .help = "Only calls with a field that holds TEXT, such as 0x00FF00",
+       .value = Text{&a.color}},
+      {.names = "--from", .placeholder = "N", .help = "First call", .value = WholeNumber{&a.from, 0, 2000000000}},
+      {.names = "--count",
+       .placeholder = "N",
+       .help = "How many calls to show",
+       .value = WholeNumber{&a.count, 0, 2000000000}},
+  };
+  command.run = [arguments] {
+    const calls::CallFile file = ReadCallFile(arguments->file);
+    calls::StoredCall call;
+    int shown = 0;
+    for (std::size_t i = static_cast<std::size_t>(arguments->from); i < file.CallCount(); ++i) {
+      if (shown == arguments->count) break;
+      file.DecodeCall(file.CallItem(i), &call);
+      const auto fields = DescribeArguments(file, call);
+      if (!IsWanted(*arguments, call, fields)) continue;
+      ++shown;
+      (arguments->json ? PrintJson : PrintText)(i, call, fields);
+    }
+    if (std::fflush(stdout) != 0) throw ToolError(ExitCode::kCannotWrite, "standard output: cannot be written");
+  };
+  return command;
+}
+
+}  // namespace qnv::tool

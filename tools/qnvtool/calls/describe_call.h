@@ -1,0 +1,27 @@
+// Calls in words: arguments by name, codes and flags by the names of the interface.
+#pragma once
+
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "calls/call_file.h"
+
+namespace qnv::tool {
+
+// An argument, or a part of a record, as text; isNumber: may stand in JSON without quotes.
+struct DescribedField {
+  std::string name, text;
+  bool isNumber = false;
+};
+
+std::vector<DescribedField> DescribeArguments(const calls::CallFile& file, const calls::StoredCall& call);
+
+// "SRCCOPY", or the formula in reverse Polish form that the code stands for.
+std::string RasterCodeName(uint32_t rop);
+std::string Rop2Name(int rop2);
+
+// `text` between quotes, as JSON takes it.
+std::string JsonText(const std::string& text);
+
+}  // namespace qnv::tool
