@@ -277,7 +277,11 @@ uint32_t CallCapture::Output(const Slots& slots, uintptr_t result, const Pending
       return call.device != 0 && slots.at[2] != 0 ? writer_.Blob(slots.Pointer<void>(2), sizeof(uint32_t)) : 0;
     case Function::kRealizeObject: {
       const std::size_t bytes = call.device == 0 ? 0 : RealisedBytes(slots, static_cast<uint32_t>(result));
-      return bytes == 0 ? 0 : writer_.Blob(slots.Pointer<void>(3), bytes);
+      if (bytes == 0) return 0;
+      uint8_t realised[sizeof(PhysicalBrush)];
+      std::memcpy(realised, slots.Pointer<void>(3), bytes);
+      ForgetAddress(realised, bytes);
+      return writer_.Blob(realised, bytes);
     }
     case Function::kDevExtTextOut: {
       const bool measures = static_cast<int16_t>(slots.Low16(5)) <= 0;

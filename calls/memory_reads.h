@@ -129,6 +129,12 @@ inline std::size_t BrushBytes(const void* brush) {
 // Bytes that QNVRealizeObject has written, by its arguments and its result.
 std::size_t RealisedBytes(const Slots& slots, uint32_t result);
 
+// The color of a realised pattern brush is made from the address of its bitmap and means nothing: sets it to 0.
+// realised: what QNVRealizeObject has written, `bytes` of it.
+inline void ForgetAddress(uint8_t* realised, std::size_t bytes) {
+  if (bytes >= kSolidBrushBytes && ReadAs<uint16_t>(realised) == BS_PATTERN) std::memset(realised + 8, 0, 4);
+}
+
 // Bytes of the data of an escape.
 inline std::size_t EscapeBytes(uint16_t code) {
   return code == QNV_SET_ORIGIN ? sizeof(DrawingOrigin) : code == QNV_SET_BAND_RECT ? sizeof(BandRect) : 0;

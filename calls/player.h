@@ -98,7 +98,7 @@ class Player {
   const Bytes* RowsOf(const StoredPointer& pointer);
   bool FindBandSizes(std::string* error);
   void Follow(const StoredCall& call, const Slots& slots);
-  bool Compare(const Prepared& prepared, uintptr_t result, std::string* what) const;
+  bool Compare(const Prepared& prepared, uintptr_t result, std::string* what);
   bool CompareBands(const StoredCall& call, bool before, std::string* what, PlayReport* report) const;
   void End();
 
