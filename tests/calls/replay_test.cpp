@@ -1,0 +1,192 @@
+// Recorded pages, made again.
+#include <gtest/gtest.h>
+
+#include "calls/hash.h"
+#include "calls/recording.h"
+
+namespace qnv::test {
+namespace {
+
+using calls::CallFile;
+using calls::FileError;
+using calls::Player;
+using calls::PlayReport;
+
+CallFile FileOf(const calls::Bytes& bytes) {
+  CallFile file;
+  const CallFile::Status status = CallFile::Read(bytes.data(), bytes.size(), &file);
+  EXPECT_EQ(status.error, FileError::kNone) << status.offset << ": " << status.message;
+  return file;
+}
+
+TEST(Replay, PaintsWhatWasPainted) {
+  for (const SampleDevice& device : kSampleDevices) {
+    const CallFile file = FileOf(RecordSamplePage("replay", device.description, device.tagPlane, {true, false}));
+    Player player(file, LinkedFunctions());
+    // Twice, because a replay must leave nothing behind.
+    for (int run = 0; run < 2; ++run) {
+      const PlayReport report = player.Play({});
+      EXPECT_EQ(report.error, "") << device.name;
+      for (const calls::Difference& difference : report.differences) {
+        ADD_FAILURE() << device.name << ", call " << difference.call << ": " << difference.what;
+      }
+      EXPECT_TRUE(report.completed) << device.name;
+      EXPECT_EQ(report.made, file.CallCount()) << device.name;
+      EXPECT_EQ(report.skipped, 0u);
+      // 49 drawing calls and the three ends of bands, on the dual-plane device with the tags.
+      EXPECT_EQ(report.compared, device.tagPlane ? 104u : 52u) << device.name;
+    }
+  }
+}
+
+// What a library with a defect does is found at the call that shows it.
+uint32_t WrongPixel(DeviceHandle* handle, int32_t x, int32_t y, uint32_t color, const DRAWMODE* mode,
+                    const BandRect* clip) {
+  return QNVPixel(handle, x, y, color ^ 0x00010000, mode, clip);
+}
+uint32_t WrongColor(DeviceHandle* handle, uint32_t color, uint32_t* result) {
+  const uint32_t physical = QNVColorInfo(handle, color, result);
+  if (result != nullptr) ++*result;
+  return physical;
+}
+
+TEST(Replay, FindsTheFirstDifference) {
+  const CallFile file = FileOf(RecordSamplePage("differs", kSampleDevices[0].description, false, {true, false}));
+  calls::Functions wrong = LinkedFunctions();
+  wrong.colorInfo = WrongColor;
+  {
+    Player player(file, wrong);
+    const PlayReport report = player.Play({});
+    ASSERT_EQ(report.differences.size(), 1u);
+    EXPECT_FALSE(report.completed);
+    EXPECT_EQ(report.differences[0].call, 3u);
+    EXPECT_EQ(report.differences[0].what, "QNVColorInfo: what it writes differs");
+  }
+  wrong = LinkedFunctions();
+  wrong.pixel = WrongPixel;
+  {
+    // R2_NOT does not depend on the color, so nothing differs.
+    Player player(file, wrong);
+    EXPECT_TRUE(player.Play({}).differences.empty());
+  }
+}
+
+TEST(Replay, TellsABandThatDiffers) {
+  RecordedHost host("band");
+  const DeviceDescription description{QNV_KIND_RASTER, 24, 300, 8, 4, 300};
+  const BandRect rect{0, 0, 8, 4};
+  uint8_t band[24 * 4] = {};
+  DeviceHandle* const device = QNV_RECORDED_CALL(host, enable, kEnable, &description, &rect, band, nullptr);
+  QNV_RECORDED_CALL(host, control, kControl, device, QNV_CLEAR_BAND, nullptr, nullptr);
+  DRAWMODE mode{};
+  mode.Rop2 = R2_COPYPEN;
+  QNV_RECORDED_CALL(host, pixel, kPixel, device, 1, 1, 0x00112233, &mode, &rect);
+  QNV_RECORDED_CALL(host, disable, kDisable, device);
+  const CallFile file = FileOf(host.Finish());
+  calls::Functions wrong = LinkedFunctions();
+  wrong.pixel = WrongPixel;
+  Player player(file, wrong);
+  const PlayReport report = player.Play({});
+  ASSERT_EQ(report.differences.size(), 1u);
+  EXPECT_EQ(report.differences[0].call, 3u);
+  EXPECT_EQ(report.differences[0].what.substr(0, 32), "QNVDisable: the band before the ");
+}
+
+TEST(Replay, GivesPixelsToWatchers) {
+  const CallFile file = FileOf(RecordSamplePage("watch", kSampleDevices[2].description, true, {}));
+  Player player(file, LinkedFunctions());
+  std::size_t made = 0, planes = 0;
+  Player::Watcher watcher;
+  watcher.after = [&](const Player::MadeCall& call) {
+    EXPECT_EQ(call.call, made);
+    ++made;
+    const calls::PlayedDevice* const device = player.Device(1);
+    if (device != nullptr && device->band.size() > 61 * 3 * 24 && device->tags.size() > 61 * 24) ++planes;
+    return call.call != 30;
+  };
+  const PlayReport report = player.Play({}, watcher);
+  EXPECT_TRUE(report.completed);
+  EXPECT_EQ(made, 31u);
+  EXPECT_EQ(planes, 29u);  // all but the two calls before the device
+}
+
+// Files whose numbers do not fit are refused before the library sees them.
+class BadFile : public ::testing::Test {
+ protected:
+  // Records one call on a device of 8 x 4 gray pixels and returns the file with the blob number `blob` cut to `bytes`.
+  template <class Calls>
+  static std::string ErrorOf(const Calls& makeCalls, std::size_t cutTo, std::size_t blobBytes) {
+    RecordedHost host("bad");
+    const DeviceDescription description{QNV_KIND_RASTER, 8, 300, 8, 4, 300};
+    const BandRect rect{0, 0, 8, 4};
+    uint8_t band[8 * 4] = {};
+    DeviceHandle* const device = QNV_RECORDED_CALL(host, enable, kEnable, &description, &rect, band, nullptr);
+    makeCalls(host, device, rect);
+    QNV_RECORDED_CALL(host, disable, kDisable, device);
+    CallFile file = FileOf(host.Finish());
+    bool found = false;
+    for (uint32_t i = 1; i <= file.BlobCount(); ++i) {
+      if (file.Blob(i).bytes != blobBytes) continue;
+      const_cast<calls::BlobView&>(file.Blob(i)).bytes = cutTo;
+      found = true;
+    }
+    EXPECT_TRUE(found);
+    Player player(file, LinkedFunctions());
+    const PlayReport report = player.Play({});
+    EXPECT_FALSE(report.completed);
+    return report.error.substr(report.error.find(": ") + 2);
+  }
+};
+
+TEST_F(BadFile, WithAShortRecord) {
+  DRAWMODE mode{};
+  mode.Rop2 = R2_COPYPEN;
+  EXPECT_EQ(
+      ErrorOf([&](RecordedHost& host, DeviceHandle* device,
+                  const BandRect& rect) { QNV_RECORDED_CALL(host, pixel, kPixel, device, 1, 1, 0, &mode, &rect); },
+              41, 42),
+      "QNVPixel reads memory that the file does not hold");
+}
+
+TEST_F(BadFile, WithAShortSpanList) {
+  DRAWMODE mode{};
+  const int16_t points[] = {0, 1, 2, 1, 2, 1, 2};
+  EXPECT_EQ(ErrorOf(
+                [&](RecordedHost& host, DeviceHandle* device, const BandRect& rect) {
+                  QNV_RECORDED_CALL(host, output, kOutput, device, OS_ROW_SPANS, 3, points, nullptr, nullptr, &mode,
+                                    &rect);
+                },
+                13, 14),
+            "QNVOutput reads memory that the file does not hold");
+}
+
+TEST_F(BadFile, WithShortRows) {
+  DRAWMODE mode{};
+  const uint8_t pixels[7 * 3] = {};
+  const SourceBitmap source{0, 7, 3, 7, 1, 8, pixels};
+  EXPECT_EQ(ErrorOf(
+                [&](RecordedHost& host, DeviceHandle* device, const BandRect& rect) {
+                  QNV_RECORDED_CALL(host, bitBlt, kDevBitBlt, device, 0, 0, &source, 0, 0, 7, 3, SRCCOPY, nullptr,
+                                    &mode, &rect);
+                },
+                20, 21),
+            "QNVDevBitBlt reads memory that the file does not hold");
+}
+
+TEST_F(BadFile, WithAShortColorTable) {
+  const struct {
+    BITMAPINFOHEADER header;
+    uint8_t colors[2][4];
+  } picture{{40, 8, 2, 1, 1, 0, 0, 0, 0, 2, 0}, {}};
+  const uint8_t bits[8] = {};
+  EXPECT_EQ(ErrorOf(
+                [&](RecordedHost& host, DeviceHandle* device, const BandRect& rect) {
+                  QNV_RECORDED_CALL(host, stretchDIBits, kStretchDIBits, device, 0, 0, 0, 8, 2, 0, 0, 8, 2, bits,
+                                    static_cast<const void*>(&picture), nullptr, SRCCOPY, nullptr, nullptr, &rect);
+                },
+                47, 48),
+            "QNVStretchDIBits reads memory that the file does not hold");
+}
+
+}  // namespace
+}  // namespace qnv::test
