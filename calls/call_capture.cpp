@@ -22,6 +22,13 @@ bool IsEndOfBand(Function function, const Slots& slots) {
 
 }  // namespace
 
+CallCapture::CallCapture(std::FILE* file, const CaptureOptions& options)
+    : writer_(file), options_(options), checker_([this](const Finding& finding) {
+        writer_.Found(static_cast<uint32_t>(finding.mistake), finding.call, static_cast<uint32_t>(finding.function),
+                      static_cast<uint32_t>(finding.argument));
+        options_.check(finding);
+      }) {}
+
 void CallCapture::Note(const std::string& key, const std::string& text) {
   const std::lock_guard locked(mutex_);
   writer_.Note(key, text);
@@ -234,6 +241,7 @@ void CallCapture::Before(Function function, const Slots& slots, uint64_t thread,
   call->function = function;
   call->device = device != nullptr ? device->number : 0;
   call->flags = 0;
+  if (options_.check) checker_.Before(writer_.Calls(), function, slots, call->device);
   if (function == Function::kDevExtTextOut && device != nullptr) ReadTextShape(slots, Limit(), &text_);
   if (device != nullptr) {
     if (entry.draws && !device->isKnown) KeepContents(*device);
@@ -307,6 +315,10 @@ void CallCapture::After(const Slots& slots, uintptr_t result, uint64_t nanosecon
     device.band = slots.Pointer<void>(2);
     device.tags = device.shape.dualPlane ? slots.Pointer<void>(3) : nullptr;
     devices_[result] = device;
+  }
+  if (options_.check) {
+    const uint32_t device = call->function == Function::kEnable ? newDevice : call->device;
+    checker_.After(call->function, slots, device, static_cast<uint32_t>(result));
   }
   uint64_t bandAfter = 0, tagsAfter = 0;
   if (Device* const device = call->device != 0 && call->function != Function::kDisable ? Find(slots.at[0]) : nullptr;

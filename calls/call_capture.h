@@ -7,6 +7,7 @@
 #include <unordered_map>
 
 #include "calls/call_writer.h"
+#include "calls/checker.h"
 #include "calls/device_shape.h"
 #include "calls/font_memory.h"
 
@@ -15,6 +16,8 @@ namespace qnv::calls {
 struct CaptureOptions {
   bool hashEveryCall = false;   // a checksum of the band after every drawing call, not only at the end of a band
   bool flushEveryCall = false;  // every call is its own block: nothing is lost when the host ends suddenly
+  // Checks every call: the findings go into the file and to this function, which must make no calls itself.
+  std::function<void(const Finding&)> check = {};
 };
 
 // A call between Before and After.
@@ -31,7 +34,7 @@ struct PendingCall {
 class CallCapture {
  public:
   // Takes the file.
-  CallCapture(std::FILE* file, const CaptureOptions& options) : writer_(file), options_(options) {}
+  CallCapture(std::FILE* file, const CaptureOptions& options);
 
   void Note(const std::string& key, const std::string& text);
   // thread: any number that tells threads apart.
@@ -76,6 +79,7 @@ class CallCapture {
   CallWriter writer_;
   const CaptureOptions options_;
   FontMemory fonts_;
+  CallChecker checker_;
   std::unordered_map<uintptr_t, Device> devices_;
   std::unordered_map<uint64_t, uint32_t> threads_;
   uint32_t deviceCount_ = 0;

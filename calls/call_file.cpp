@@ -154,6 +154,17 @@ bool CallFile::ReadItems(const Bytes& raw, uint64_t blockOffset, Status* status)
         items_.push_back(item);
         break;
       }
+      case ItemKind::kFinding: {
+        ByteReader finding(payload, size);
+        StoredFinding stored;
+        stored.mistake = finding.Number32();
+        stored.call = finding.Number();
+        stored.function = finding.Number32();
+        stored.argument = finding.Number32();
+        // Optional: what cannot be read is left out.
+        if (finding.ok()) findings_.push_back(stored);
+        break;
+      }
       default:
         if (kind < kFirstOptionalItem) return fail(FileError::kNewer, "its kind is not known");
     }

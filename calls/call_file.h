@@ -62,6 +62,12 @@ struct StoredImage {
   std::size_t firstPiece = 0, pieces = 0;
 };
 
+// What the checker said when the file was recorded.
+struct StoredFinding {
+  uint32_t mistake = 0, function = 0, argument = 0;
+  uint64_t call = 0;
+};
+
 struct StoredPiece {
   int64_t offset;
   uint32_t blob;
@@ -110,6 +116,7 @@ class CallFile {
   std::size_t ImageCount() const { return images_.size() - 1; }
   const StoredPiece& Piece(std::size_t i) const { return pieces_[i]; }
   const std::vector<std::pair<std::string, std::string>>& Notes() const { return notes_; }
+  const std::vector<StoredFinding>& Findings() const { return findings_; }
   uint32_t PointerBytes() const { return pointerBytes_; }
   const char* System() const { return system_ == 2 ? "windows" : system_ == 1 ? "linux" : "unknown"; }
   std::size_t BlockCount() const { return blocks_.size(); }
@@ -134,6 +141,7 @@ class CallFile {
   std::vector<FileItem> items_;
   std::vector<std::size_t> calls_;
   std::vector<std::pair<std::string, std::string>> notes_;
+  std::vector<StoredFinding> findings_;
   uint32_t pointerBytes_ = 0, system_ = 0, devices_ = 0;
   uint64_t rawBytes_ = 0;
 };

@@ -128,6 +128,15 @@ void CallWriter::Note(const std::string& key, const std::string& text) {
   Append(ItemKind::kNote, item_.data(), item_.size());
 }
 
+void CallWriter::Found(uint32_t mistake, uint64_t call, uint32_t function, uint32_t argument) {
+  item_.clear();
+  AppendNumber(item_, mistake);
+  AppendNumber(item_, call);
+  AppendNumber(item_, function);
+  AppendNumber(item_, argument);
+  Append(ItemKind::kFinding, item_.data(), item_.size());
+}
+
 void CallWriter::Call(const uint8_t* payload, std::size_t bytes) {
   Append(ItemKind::kCall, payload, bytes);
   ++calls_;

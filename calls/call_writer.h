@@ -50,6 +50,8 @@ class CallWriter {
   // The memory of a device's band (plane 0) or tag plane (1) is now this blob.
   void Band(uint32_t device, uint32_t plane, uint32_t blob);
   void Note(const std::string& key, const std::string& text);
+  // What the checker found; numbers as Finding has them.
+  void Found(uint32_t mistake, uint64_t call, uint32_t function, uint32_t argument);
   void Call(const uint8_t* payload, std::size_t bytes);
 
   // Writes what has been collected as a block.

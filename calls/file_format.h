@@ -22,7 +22,7 @@ inline constexpr uint32_t kMaxBlockBytes = uint32_t{1} << 30;
 enum class BlockKind : uint8_t { kItems = 1, kIndex = 2 };
 enum class Codec : uint8_t { kStored = 0, kZstd = 1 };
 
-enum class ItemKind : uint8_t { kBlob = 1, kImage = 2, kBand = 3, kCall = 4, kNote = 5 };
+enum class ItemKind : uint8_t { kBlob = 1, kImage = 2, kBand = 3, kCall = 4, kNote = 5, kFinding = 128 };
 // Kinds from here on may be skipped by readers that do not know them.
 inline constexpr uint8_t kFirstOptionalItem = 128;
 

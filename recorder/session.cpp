@@ -48,6 +48,14 @@ void StopInChild() {
   if (started != nullptr) started->capture = nullptr;
 }
 
+// The first findings of each kind, so that a mistake that is made everywhere does not hide the others.
+void TellFinding(const Finding& finding) {
+  constexpr int kMaxTold = 20;
+  static int told[kMistakeCount + 1];  // under the lock of the capture
+  int& count = told[static_cast<std::size_t>(finding.mistake)];
+  if (count++ < kMaxTold) Tell("qnvrec: " + Describe(finding));
+}
+
 Session* Start() {
   auto* const session = new Session();
   const Settings settings = ReadSettings();
@@ -68,7 +76,9 @@ Session* Start() {
     Tell("qnvrec: cannot write " + settings.file + "; nothing is recorded");
     return session;
   }
-  session->capture = new CallCapture(file, {settings.hashEveryCall, settings.flushEveryCall});
+  CaptureOptions options{settings.hashEveryCall, settings.flushEveryCall};
+  if (settings.check) options.check = TellFinding;
+  session->capture = new CallCapture(file, options);
   session->capture->Note("recorder", "1");
   OnFork(StopInChild);
   return session;

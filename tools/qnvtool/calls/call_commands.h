@@ -21,6 +21,7 @@ struct CallParts {
 std::vector<Command> CallCommands(const CallParts& parts);
 
 Command ReplayCommand(const CallParts& parts);
+Command CheckCommand(const CallParts& parts);
 Command InfoCommand();
 Command DumpCommand();
 Command RenderCommand(const CallParts& parts);

@@ -16,33 +16,35 @@ namespace {
 
 struct RenderArguments {
   std::string file, out, tags, library;
-  int device = 1, dpi = 0;
+  int device = 1, page = 1;
 };
 
 constexpr int64_t kMaxPixels = int64_t{1} << 30;
 
-// The page as far as bands covered it. Bands that lie above one that came before begin a new page; only the first page
-// is kept.
+// One of the pages of a device, as far as bands covered it. A band that does not lie below the one before it begins a
+// new page.
 struct Page {
   int64_t left = 0, top = 0, width = 0, height = 0;
   uint32_t pixelBytes = 0;
   std::vector<uint8_t> pixels, tags;
+  int wanted = 1, current = 0;
+  int64_t lastTop = 0;
   bool begun = false, ended = false;
 
   void Add(const calls::PlayedDevice& device) {
     const PlaneSize size = SizeOf(device);
     if (ended || size.width == 0 || size.height == 0 || device.band.empty()) return;
     const BandRect& rect = device.shape.rect;
+    if (current == 0 || rect.top <= lastTop) ++current;
+    lastTop = rect.top;
+    ended = current > wanted;
+    if (current != wanted) return;
     if (!begun) {
       left = rect.left;
       top = rect.top;
       width = size.width;
       pixelBytes = device.shape.PixelBytes();
       begun = true;
-    }
-    if (rect.top < top + height - size.height && height != 0 && rect.top <= top) {
-      ended = true;  // the next page
-      return;
     }
     const int64_t first = int64_t{rect.top} - top, end = first + size.height;
     if (first < 0 || end * width > kMaxPixels || rect.left != left || size.width != width) {
@@ -76,6 +78,7 @@ void Render(const RenderArguments& a, const CallParts& parts) {
   const CalledLibrary library = OpenCalledLibrary(a.library, parts);
   calls::Player player(file, library.functions);
   Page page;
+  page.wanted = a.page;
   PictureForm form;
   bool painted = false;
   const auto endBand = [&](const calls::StoredCall& call) {
@@ -109,7 +112,8 @@ void Render(const RenderArguments& a, const CallParts& parts) {
     last.arguments[0].number = wanted + 1;
     endBand(last);
   }
-  if (!page.begun) throw ToolError(ExitCode::kBadInput, fmt::format("{}: device {} painted nothing", a.file, wanted));
+  if (!page.begun)
+    throw ToolError(ExitCode::kBadInput, fmt::format("{}: device {} painted no page {}", a.file, wanted, a.page));
   form.width = static_cast<int>(page.width);
   form.height = static_cast<int>(page.height);
   const auto write = [&](const std::string& path, const std::vector<uint8_t>& plane, std::size_t rowBytes) {
@@ -140,7 +144,7 @@ Command RenderCommand(const CallParts& parts) {
        .fileTypes = "qnv"},
       {.names = "-o,--out",
        .placeholder = "FILE",
-       .help = "Picture of the first page: .png, .ppm or .pgm",
+       .help = "Picture of the page: .png, .ppm or .pgm",
        .value = Text{&a.out},
        .required = true,
        .fileTypes = "png|ppm|pgm"},
@@ -153,6 +157,10 @@ Command RenderCommand(const CallParts& parts) {
        .placeholder = "N",
        .help = "Device, in the order in which they were made (default 1)",
        .value = WholeNumber{&a.device, 1, 1000000000}},
+      {.names = "--page",
+       .placeholder = "N",
+       .help = "Page, where the bands of several follow one another (default 1)",
+       .value = WholeNumber{&a.page, 1, 1000000}},
       {.names = "--library",
        .placeholder = "FILE",
        .help = "Library to make the calls (default: the built-in one)",
