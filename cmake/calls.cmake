@@ -30,7 +30,10 @@ add_library(qnvrec SHARED ${recorder_sources})
 target_link_libraries(qnvrec PRIVATE calls qnv_options ${CMAKE_DL_LIBS})
 target_include_directories(qnvrec PRIVATE ${PROJECT_SOURCE_DIR})
 target_compile_options(qnvrec PRIVATE ${QNV_PROGRAM_OPTIONS})
-set_target_properties(qnvrec PROPERTIES CXX_VISIBILITY_PRESET hidden VISIBILITY_INLINES_HIDDEN ON EXCLUDE_FROM_ALL ON)
+set_target_properties(qnvrec PROPERTIES CXX_VISIBILITY_PRESET hidden VISIBILITY_INLINES_HIDDEN ON)
+if(QNV_SANITIZERS OR NOT QNV_TESTS)
+  set_target_properties(qnvrec PROPERTIES EXCLUDE_FROM_ALL ON)
+endif()
 if(WIN32)
   file(READ ${PROJECT_SOURCE_DIR}/src/entry/qnvdrv10.def recorder_exports)
   string(REPLACE "QNVDRV10.dll" "QNVREC.dll" recorder_exports "${recorder_exports}")
@@ -40,4 +43,16 @@ if(WIN32)
 else()
   target_link_options(qnvrec PRIVATE
     -Wl,--version-script=${PROJECT_BINARY_DIR}/qnvdrv10.map -Wl,--exclude-libs,ALL -Wl,-z,relro,-z,now)
+endif()
+
+# The recorder exports what the library exports.
+if(QNV_TESTS AND NOT QNV_SANITIZERS)
+  if(WIN32)
+    set(recorder_format pe)
+  else()
+    set(recorder_format elf)
+  endif()
+  add_test(NAME recorder_exports COMMAND ${CMAKE_COMMAND}
+    -D FORMAT=${recorder_format} -D LIBRARY=$<TARGET_FILE:qnvrec> -D NM=${CMAKE_NM} -D OBJDUMP=${CMAKE_OBJDUMP}
+    -D PUBLISHED=${PROJECT_SOURCE_DIR}/tests/published_exports.txt -P ${PROJECT_SOURCE_DIR}/cmake/check_exports.cmake)
 endif()

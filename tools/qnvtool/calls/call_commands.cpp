@@ -4,8 +4,8 @@
 namespace qnv::tool {
 
 std::vector<Command> CallCommands(const CallParts& parts) {
-  return {ReplayCommand(parts), CheckCommand(parts),  InfoCommand(),
-          DumpCommand(),        RenderCommand(parts), TimeCommand(parts)};
+  return {RecordCommand(), ReplayCommand(parts), CheckCommand(parts),  DiffCommand(),
+          InfoCommand(),   DumpCommand(),        RenderCommand(parts), TimeCommand(parts)};
 }
 
 }  // namespace qnv::tool

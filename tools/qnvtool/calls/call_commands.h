@@ -22,6 +22,8 @@ std::vector<Command> CallCommands(const CallParts& parts);
 
 Command ReplayCommand(const CallParts& parts);
 Command CheckCommand(const CallParts& parts);
+Command RecordCommand();
+Command DiffCommand();
 Command InfoCommand();
 Command DumpCommand();
 Command RenderCommand(const CallParts& parts);

@@ -1,0 +1,135 @@
+#!/usr/bin/env bash
+# The commands over call files, and the recorder, as a user calls them: results, messages and exit codes.
+#   call_commands.sh QNVTOOL FOLDER-OF-BUILT-FILES
+set -uo pipefail
+
+tool=$1
+bin=$2
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+cd "$work" || exit 1
+failures=0
+
+fail() {
+  echo "FAILED: $1" >&2
+  failures=$((failures + 1))
+}
+
+# expect CODE OUTPUT ERROR ARGUMENT...: the exit code, a line of standard output and one of standard error that hold
+# these texts; an empty ERROR allows none.
+expect() {
+  local code=$1 output=$2 error=$3
+  shift 3
+  "$tool" "$@" >stdout 2>stderr
+  local got=$?
+  [ "$got" -eq "$code" ] || fail "exit code $got instead of $code: $* ($(cat stderr))"
+  [ -z "$output" ] || grep -qF -- "$output" stdout || fail "no \"$output\" on standard output: $* ($(head -5 stdout))"
+  if [ -n "$error" ]; then
+    grep -qF -- "$error" stderr || fail "no \"$error\" on standard error: $* ($(cat stderr))"
+  else
+    [ ! -s stderr ] || fail "unexpected message $(cat stderr) [$*]"
+  fi
+}
+
+# A whole page of the example host, recorded: the host's picture is not changed, the calls replay, and the rendered page
+# is that picture.
+"$bin/example_host" plain.bmp || fail "example_host"
+expect 0 "host.qnv: 830 calls, 1 devices," "" record --hash --check -o host.qnv -- "$bin/example_host" host.bmp
+grep -qF "0 mistakes" stdout || fail "the example host makes mistakes: $(cat stdout)"
+cmp -s plain.bmp host.bmp || fail "the recorder changed the picture"
+expect 0 "830 calls," "" replay host.qnv
+grep -qF "441 checksums compared, 0 differences" stdout || fail "replay: $(cat stdout)"
+expect 0 "0 mistakes" "" check host.qnv
+expect 0 "830 calls, no difference" "" replay host.qnv --against "$bin/libqnvdrv10.so"
+expect 0 "830 calls compared, 0 differences" "" diff host.qnv host.qnv
+expect 0 "device 1: kind 1, 24 bits, 600 x 96 at 72/72 dpi; 829 calls, 9 painted bands" "" info host.qnv
+expect 0 "830 calls; best of 2 runs:" "" time host.qnv --runs 2
+expect 0 "0 QNVEnable(description=kind 1, 24 bits, 600 x 96 at 72/72 dpi, bandRect=(0, 0, 600, 96)" "" \
+  dump host.qnv --count 1
+expect 0 '{"call":1,"function":"QNVControl","thread":1,"device":1,"code":"QNV_SET_BAND_RECT","data":"(0, 0, 600, 96)"' "" \
+  dump host.qnv --json --from 1 --count 1
+expect 0 "QNV_CLEAR_BAND" "" dump host.qnv --call control
+[ "$(grep -c . stdout)" -eq "$(grep -c QNVControl stdout)" ] || fail "dump --call shows other calls"
+expect 0 "" "" render host.qnv -o host.ppm
+# The BMP file holds the same rows, blue first.
+if ! python3 - host.ppm host.bmp <<'EOF'
+import sys
+ppm, bmp = open(sys.argv[1], 'rb').read(), open(sys.argv[2], 'rb').read()
+assert int.from_bytes(bmp[22:26], 'little', signed=True) == -840
+assert ppm.startswith(b'P6\n600 840\n255\n'), ppm[:20]
+pixels = ppm[-600 * 840 * 3:]
+offset = int.from_bytes(bmp[10:14], 'little')
+for y in range(840):
+    row = bmp[offset + y * 1800:offset + (y + 1) * 1800]
+    rgb = bytearray(1800)
+    rgb[0::3], rgb[1::3], rgb[2::3] = row[2::3], row[1::3], row[0::3]
+    assert rgb == pixels[y * 1800:(y + 1) * 1800], y
+EOF
+then
+  fail "the rendered page is not the picture of the host"
+fi
+
+# Pages of the tool itself, on every device: they replay, have no mistakes, and render to what was printed.
+printf 'rect 10 10 60 40 fill=hatch:cross:#102030 line=#ff0000:2\nellipse 30 30 50 20 fill=#00a0c0\n' >page.fig
+printf 'text 20 120 14 "Calls on file"\nimage map.bmp 20 130 60 -\n' >>page.fig
+"$tool" make-picture map map.bmp --width 100 --height 70 || fail "make-picture"
+for device in color gray dual scaled:200/100 scaled:300/200 scaled-gray:200/100; do
+  dpi=()
+  case $device in *:*) ;; *) dpi=(--dpi 100) ;; esac
+  tags=()
+  [ "$device" != dual ] || tags=(--tags tags.pgm)
+  QNVREC_FILE=page.qnv QNVREC_HASH=call QNVREC_LIBRARY=$bin/libqnvdrv10.so \
+    "$tool" print page.fig -q --device "$device" "${dpi[@]}" "${tags[@]}" --band-rows 64 -o printed.ppm \
+    --library "$bin/libqnvrec.so" || fail "print on $device"
+  expect 0 " 0 differences" "" replay page.qnv
+  expect 0 " 0 mistakes" "" check page.qnv
+  expect 0 "" "" render page.qnv -o rendered.ppm
+  case $device in
+    scaled*) ;; # the tool paints rows beside the page there, which it does not print
+    *) cmp -s printed.ppm rendered.ppm || fail "the rendered page differs from the printed one on $device" ;;
+  esac
+  if [ "$device" = dual ]; then
+    expect 0 "" "" render page.qnv -o rendered.ppm --tags rendered.pgm
+    cmp -s tags.pgm rendered.pgm || fail "the rendered tags differ"
+  else
+    expect 1 "" "device 1 has no tag plane" render page.qnv -o rendered.ppm --tags rendered.pgm
+  fi
+done
+
+# Without a file nothing is recorded and nothing is different.
+QNVREC_LIBRARY=$bin/libqnvdrv10.so LD_PRELOAD=$bin/libqnvrec.so "$bin/example_host" off.bmp || fail "recorder off"
+cmp -s plain.bmp off.bmp || fail "the recorder changed the picture while off"
+# The .ini file beside the recorder is named after it.
+mkdir ini && cp "$bin/libqnvrec.so" ini/libqnvdrv10.so && cp "$bin/libqnvdrv10.so" ini/libqnvdrv10_real.so
+printf '; recorder\nfile = ini/%%p.qnv\r\nhash=call\n' >ini/libqnvdrv10.ini
+LD_LIBRARY_PATH=$work/ini LD_PRELOAD=$work/ini/libqnvdrv10.so "$bin/example_host" ini.bmp || fail "host with .ini"
+expect 0 "830 calls compared, 0 differences" "" diff ini/[0-9]*.qnv host.qnv
+# A recorder without a library says so.
+QNVREC_LIBRARY=/nowhere.so LD_PRELOAD=$bin/libqnvrec.so "$bin/example_host" none.bmp 2>stderr
+[ $? -eq 3 ] || fail "the host did not notice the missing library"
+grep -qF "qnvrec: no library to record: " stderr || fail "no word of the missing library: $(cat stderr)"
+QNVREC_FILE=/nowhere/x.qnv QNVREC_LIBRARY=$bin/libqnvdrv10.so LD_PRELOAD=$bin/libqnvrec.so \
+  "$bin/example_host" none.bmp 2>stderr || fail "a file that cannot be written stops the host"
+grep -qF "qnvrec: cannot write /nowhere/x.qnv; nothing is recorded" stderr || fail "cannot write: $(cat stderr)"
+
+# A host that ends without a word: with --flush every call before is there.
+expect 2 "" "made no calls that could be recorded" record -o nothing.qnv -- true
+head -c 6000 host.qnv >cut.qnv
+head -c 20 host.qnv >header.qnv
+expect 0 "0 differences" "header.qnv: at byte 20: the file ends inside its header; the 0 calls before it are used" \
+  replay header.qnv
+expect 0 "" "cut.qnv: at byte 6000: the file ends inside the block at 24" info cut.qnv
+printf 'QNVCALLS\2\0\0\0\10\1\0\0........' >newer.qnv
+for command in replay info dump check time; do
+  expect 2 "" "newer.qnv: at byte 8: version 2 is newer than 1" "$command" newer.qnv
+  expect 2 "" "plain.bmp: at byte 0: this is no call file" "$command" plain.bmp
+  expect 2 "" "none.qnv: at byte 0: the file cannot be opened" "$command" none.qnv
+done
+expect 2 "" "this is no call file" diff host.qnv plain.bmp
+expect 2 "" "this is no call file" render plain.bmp -o x.png
+expect 1 "" "host.qnv has 1 devices" render host.qnv -o x.png --device 2
+expect 2 "" "device 1 painted no page 2" render host.qnv -o x.png --page 2
+expect 4 "" "no such library file" replay host.qnv --library nowhere.so
+expect 5 "call 0: QNVEnable and QNVGetDeviceInfo" "host.qnv and page.qnv differ" diff host.qnv page.qnv
+
+[ "$failures" -eq 0 ] || exit 1
