@@ -11,7 +11,6 @@ namespace qnv::calls {
 namespace {
 
 constexpr std::size_t kChunk = 512;  // calls that are prepared at a time
-constexpr uint64_t kMaxPlaneBytes = uint64_t{1} << 30;
 
 // What pointers lead to that the library does not follow.
 const uint8_t kUnreadMemory[64] = {};
@@ -49,7 +48,7 @@ const PlayedDevice* Player::Device(uint32_t number) const {
 }
 
 // The bands get all the memory that the rectangles of the file ever ask for.
-bool Player::FindBandSizes(std::string* error) {
+bool Player::FindBandSizes(uint64_t maxPlaneBytes, std::string* error) {
   bandBytes_.assign(devices_.size(), 0);
   tagBytes_.assign(devices_.size(), 0);
   std::vector<DeviceShape> shapes(devices_.size());
@@ -85,7 +84,7 @@ bool Player::FindBandSizes(std::string* error) {
     }
     bandBytes_[number] = std::max(bandBytes_[number], shapes[number].MaxBandBytes(shapes[number].rect));
     tagBytes_[number] = std::max(tagBytes_[number], shapes[number].MaxTagBytes(shapes[number].rect));
-    if (bandBytes_[number] > kMaxPlaneBytes || tagBytes_[number] > kMaxPlaneBytes) {
+    if (bandBytes_[number] > maxPlaneBytes || tagBytes_[number] > maxPlaneBytes) {
       *error = Place(file_.CallItem(i)) + ": a band of " + std::to_string(bandBytes_[number]) + " bytes is too large";
       return false;
     }
@@ -343,7 +342,7 @@ PlayReport Player::Play(const PlayOptions& options, const Watcher& watcher) {
   PlayReport report;
   End();
   std::fill(shapes_.begin(), shapes_.end(), DeviceShape{});
-  if (!FindBandSizes(&report.error)) return report;
+  if (!FindBandSizes(options.maxPlaneBytes, &report.error)) return report;
   // Prepared calls hold records that their slots point to, so they do not move.
   std::vector<Prepared> chunk(std::min(kChunk, file_.Items().size()));
   std::size_t call = 0;

@@ -30,9 +30,10 @@ struct Difference {
 };
 
 struct PlayOptions {
-  bool compare = true;         // results, outputs, and the checksums that the file has
-  bool stopAtFirst = true;     // at the first difference
-  std::size_t end = SIZE_MAX;  // calls from here on are not made
+  bool compare = true;                         // results, outputs, and the checksums that the file has
+  bool stopAtFirst = true;                     // at the first difference
+  uint64_t maxPlaneBytes = uint64_t{1} << 30;  // files that ask for larger bands are refused
+  std::size_t end = SIZE_MAX;                  // calls from here on are not made
 };
 
 struct PlayReport {
@@ -96,7 +97,7 @@ class Player {
                      uint8_t* scratch);
   const Region* RegionOf(uint32_t image);
   const Bytes* RowsOf(const StoredPointer& pointer);
-  bool FindBandSizes(std::string* error);
+  bool FindBandSizes(uint64_t maxPlaneBytes, std::string* error);
   void Follow(const StoredCall& call, const Slots& slots);
   bool Compare(const Prepared& prepared, uintptr_t result, std::string* what);
   bool CompareBands(const StoredCall& call, bool before, std::string* what, PlayReport* report) const;

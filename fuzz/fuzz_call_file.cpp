@@ -1,0 +1,64 @@
+// Fuzz target: call files. The input is the contents of a block, or, where it begins as a file does, a whole file. What
+// can be read is replayed and checked; calls that need more than the file holds must be refused before they are made.
+#include <cstring>
+#include <vector>
+
+#include "calls/call_file.h"
+#include "calls/checker.h"
+#include "calls/hash.h"
+#include "calls/player.h"
+
+namespace {
+
+constexpr uint64_t kMaxBytes = uint64_t{1} << 24;
+constexpr std::size_t kMaxCalls = 200;
+
+// A file of one block that is not compressed.
+qnv::calls::Bytes FileOf(const uint8_t* items, std::size_t size) {
+  using qnv::calls::AppendLittle;
+  qnv::calls::Bytes bytes(qnv::calls::kFileMagic, qnv::calls::kFileMagic + 8);
+  AppendLittle(bytes, qnv::calls::kFileVersion);
+  AppendLittle(bytes, uint32_t{0x0108});
+  AppendLittle(bytes, qnv::calls::Hash64(bytes.data(), bytes.size()));
+  const std::size_t block = bytes.size();
+  bytes.insert(bytes.end(), {'Q', 'B', 'L', 'K', 1, 0, 0, 0});
+  AppendLittle(bytes, static_cast<uint32_t>(size));
+  AppendLittle(bytes, static_cast<uint32_t>(size));
+  AppendLittle(bytes, qnv::calls::Hash64(items, size, qnv::calls::Hash64(bytes.data() + block, 16)));
+  bytes.insert(bytes.end(), items, items + size);
+  return bytes;
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, std::size_t size) {
+  using namespace qnv::calls;
+  static const Functions functions{
+      QNVEnable,        QNVDisable,       QNVGetDeviceInfo,       QNVControl,   QNVColorInfo,
+      QNVRealizeObject, QNVPixel,         QNVPolyPixel,           QNVDevBitBlt, QNVOutput,
+      QNVDevExtTextOut, QNVStretchDIBits, QNVDevSetDIBitsToDevice};
+  const bool isFile = size >= 4 && std::memcmp(data, kFileMagic, 4) == 0;
+  const Bytes bytes = isFile ? Bytes(data, data + size) : FileOf(data, size);
+  CallFile file;
+  const CallFile::Status status = CallFile::Read(bytes.data(), bytes.size(), &file, kMaxBytes);
+  if (status.error != FileError::kNone && status.error != FileError::kTruncated) return 0;
+  CallChecker checker([](const Finding&) {});
+  Player player(file, functions);
+  Player::Watcher watcher;
+  watcher.before = [&](std::size_t call, const StoredCall& stored, const Slots& slots) {
+    checker.Before(call, stored.function, slots, stored.Device());
+    return true;
+  };
+  watcher.after = [&](const Player::MadeCall& made) {
+    const bool isNew = made.stored.function == Function::kEnable;
+    checker.After(made.stored.function, made.slots, isNew ? made.stored.result : made.stored.Device(),
+                  static_cast<uint32_t>(made.result));
+    return true;
+  };
+  PlayOptions options;
+  options.stopAtFirst = false;
+  options.maxPlaneBytes = kMaxBytes;
+  options.end = kMaxCalls;
+  player.Play(options, watcher);
+  return 0;
+}
