@@ -23,7 +23,7 @@ bool IsEndOfBand(Function function, const Slots& slots) {
 }  // namespace
 
 CallCapture::CallCapture(std::FILE* file, const CaptureOptions& options)
-    : writer_(file), options_(options), checker_([this](const Finding& finding) {
+    : writer_(file, options.compress), options_(options), checker_([this](const Finding& finding) {
         writer_.Found(static_cast<uint32_t>(finding.mistake), finding.call, static_cast<uint32_t>(finding.function),
                       static_cast<uint32_t>(finding.argument));
         options_.check(finding);

@@ -16,6 +16,7 @@ namespace qnv::calls {
 struct CaptureOptions {
   bool hashEveryCall = false;   // a checksum of the band after every drawing call, not only at the end of a band
   bool flushEveryCall = false;  // every call is its own block: nothing is lost when the host ends suddenly
+  bool compress = true;         // blocks that every build can read are not compressed
   // Checks every call: the findings go into the file and to this function, which must make no calls itself.
   std::function<void(const Finding&)> check = {};
 };

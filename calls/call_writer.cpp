@@ -31,7 +31,7 @@ uint32_t BlobIndex::Find(uint64_t hash, std::size_t bytes, bool* isNew) {
   return count_;
 }
 
-CallWriter::CallWriter(std::FILE* file) : file_(file), failed_(file == nullptr) {
+CallWriter::CallWriter(std::FILE* file, bool compress) : file_(file), compress_(compress), failed_(file == nullptr) {
   uint8_t header[kFileHeaderBytes];
   std::memcpy(header, kFileMagic, sizeof kFileMagic);
   uint8_t* at = PutLittle(header + sizeof kFileMagic, kFileVersion);
@@ -55,7 +55,12 @@ void CallWriter::Write(const void* bytes, std::size_t count) {
 }
 
 void CallWriter::WriteBlock(BlockKind kind, const Bytes& raw) {
-  const Codec codec = CompressBlock(raw, &stored_);
+  Codec codec = Codec::kStored;
+  if (compress_) {
+    codec = CompressBlock(raw, &stored_);
+  } else {
+    stored_ = raw;
+  }
   uint8_t header[kBlockHeaderBytes];
   std::memcpy(header, kBlockMagic, sizeof kBlockMagic);
   uint8_t* at = header + sizeof kBlockMagic;

@@ -38,7 +38,7 @@ struct ImagePiece {
 class CallWriter {
  public:
   // Takes the file, which may be null: then nothing is written and Failed is true.
-  explicit CallWriter(std::FILE* file);
+  explicit CallWriter(std::FILE* file, bool compress = true);
   ~CallWriter() { Close(); }
   CallWriter(const CallWriter&) = delete;
   CallWriter& operator=(const CallWriter&) = delete;
@@ -73,6 +73,7 @@ class CallWriter {
   void Write(const void* bytes, std::size_t count);
 
   std::FILE* file_;
+  const bool compress_;
   bool failed_ = false;
   uint64_t offset_ = 0;
   Bytes raw_, stored_, item_;

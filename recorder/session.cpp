@@ -76,7 +76,7 @@ Session* Start() {
     Tell("qnvrec: cannot write " + settings.file + "; nothing is recorded");
     return session;
   }
-  CaptureOptions options{settings.hashEveryCall, settings.flushEveryCall};
+  CaptureOptions options{settings.hashEveryCall, settings.flushEveryCall, settings.compress};
   if (settings.check) options.check = TellFinding;
   session->capture = new CallCapture(file, options);
   session->capture->Note("recorder", "1");

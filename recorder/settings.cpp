@@ -70,6 +70,7 @@ Settings ReadSettings() {
   settings.hashEveryCall = value("QNVREC_HASH", "hash") == "call";
   settings.flushEveryCall = value("QNVREC_FLUSH", "flush") == "call";
   settings.check = value("QNVREC_CHECK", "check") == "1";
+  settings.compress = value("QNVREC_COMPRESS", "compress") != "0";
   return settings;
 }
 

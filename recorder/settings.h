@@ -7,6 +7,7 @@
 //   hash     QNVREC_HASH     "call": a checksum of the band after every drawing call, not only at the end of a band
 //   flush    QNVREC_FLUSH    "call": every call is written at once, for hosts that crash
 //   check    QNVREC_CHECK    "1": the calls are checked as well
+//   compress QNVREC_COMPRESS "0": blocks are not compressed, so that every build can read them
 #pragma once
 
 #include <string>
@@ -20,6 +21,7 @@ struct Settings {
   bool hashEveryCall = false;
   bool flushEveryCall = false;
   bool check = false;
+  bool compress = true;
 };
 
 Settings ReadSettings();

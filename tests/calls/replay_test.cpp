@@ -1,6 +1,7 @@
 // Recorded pages, made again.
 #include <gtest/gtest.h>
 
+#include "calls/checker.h"
 #include "calls/hash.h"
 #include "calls/recording.h"
 
@@ -108,6 +109,47 @@ TEST(Replay, GivesPixelsToWatchers) {
   EXPECT_TRUE(report.completed);
   EXPECT_EQ(made, 31u);
   EXPECT_EQ(planes, 29u);  // all but the two calls before the device
+}
+
+// The demo document on every device, in bands, as the tool printed it once: on every build the same results, and the
+// same bands after every drawing call. The files are replaced only when a page is meant to change.
+TEST(Replay, PaintsTheRecordedPages) {
+  const struct {
+    const char* name;
+    std::size_t calls, checksums;
+    uint64_t hash;  // of the file
+  } pages[] = {
+      {"color", 653, 286, 0x2AC3338D4B402EC2},        {"gray", 653, 286, 0x951816D04A88FA96},
+      {"dual", 653, 572, 0xE7E704B587384365},         {"scaled-120-60", 955, 589, 0xDD15CE2F2B93D1B4},
+      {"scaled-90-60", 958, 590, 0xC68A563DEFECF7D0}, {"scaled-gray-120-60", 955, 589, 0x028EB8FF1AF450CE},
+  };
+  for (const auto& page : pages) {
+    const calls::Bytes bytes = ReadAll(std::string(QNV_TEST_SOURCE_DIR) + "/calls/pages/" + page.name + ".qnv");
+    ASSERT_EQ(calls::Hash64(bytes.data(), bytes.size()), page.hash) << page.name;
+    const CallFile file = FileOf(bytes);
+    Player player(file, LinkedFunctions());
+    std::size_t mistakes = 0;
+    calls::CallChecker checker([&](const calls::Finding&) { ++mistakes; });
+    Player::Watcher watcher;
+    watcher.before = [&](std::size_t call, const calls::StoredCall& stored, const calls::Slots& slots) {
+      checker.Before(call, stored.function, slots, stored.Device());
+      return true;
+    };
+    watcher.after = [&](const Player::MadeCall& made) {
+      const bool isNew = made.stored.function == calls::Function::kEnable;
+      checker.After(made.stored.function, made.slots, isNew ? made.stored.result : made.stored.Device(),
+                    static_cast<uint32_t>(made.result));
+      return true;
+    };
+    const PlayReport report = player.Play({}, watcher);
+    EXPECT_TRUE(report.completed) << page.name << ": " << report.error;
+    for (const calls::Difference& difference : report.differences) {
+      ADD_FAILURE() << page.name << ", call " << difference.call << ": " << difference.what;
+    }
+    EXPECT_EQ(report.made, page.calls) << page.name;
+    EXPECT_EQ(report.compared, page.checksums) << page.name;
+    EXPECT_EQ(mistakes, 0u) << page.name;
+  }
 }
 
 // Files whose numbers do not fit are refused before the library sees them.
