@@ -26,10 +26,10 @@ using tool::TextLine;
 
 TEST(Paper, NamesAndSizes) {
   EXPECT_EQ(tool::ParsePaper("A4").heightMm, 297);
-  EXPECT_EQ(tool::ParsePaper("letter").widthMm, 215.9);
+  EXPECT_DOUBLE_EQ(tool::ParsePaper("letter").widthMm, 215.9);
   EXPECT_EQ(tool::ParsePaper("100x62.5mm").heightMm, 62.5);
   for (const char* bad :
-       {"", "a5", "100x100", "100x100mmm", "x100mm", "100xmm", "1x100mm", "100x9999mm", "nanxnanmm"}) {
+       {"", "a55", "100x100", "100x100mmm", "x100mm", "100xmm", "1x100mm", "100x9999mm", "nanxnanmm"}) {
     EXPECT_NE(UsageErrorOf([&] { tool::ParsePaper(bad); }), "") << bad;
   }
 }
@@ -75,7 +75,8 @@ class Layout : public testing::Test {
   }
 
   tool::Rect PlaceOf(tool::PicturePtr picture, const PictureScale& scale) {
-    const Page page = tool::LayOutPicture(std::move(picture), scale, setup_, "x.bmp");
+    const Page page =
+        tool::LayOutPicture(std::move(picture), {scale, {}}, setup_, "x.bmp", 1, [](const std::string&) {});
     return std::get<Picture>(page.items.back()).place;
   }
 

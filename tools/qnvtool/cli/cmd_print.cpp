@@ -54,7 +54,7 @@ void Run(PrintArguments& arguments, const PrintParts& parts) {
   }
   options.paper = ParsePaper(arguments.paper.empty() ? "a4" : arguments.paper);
   options.device = ParseDevice(arguments.device.empty() ? "color" : arguments.device, arguments.dpi);
-  if (!arguments.scale.empty()) options.scale = ParseScale(arguments.scale);
+  if (!arguments.scale.empty()) options.pictures.scale = ParseScale(arguments.scale);
   options.header = !arguments.noHeader;
   options.type = arguments.type == "picture" ? FileType::kPicture
                  : arguments.type == "text"  ? FileType::kText

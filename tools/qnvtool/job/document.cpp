@@ -37,12 +37,16 @@ class LaidOutPages final : public Document {
 class PictureDocument final : public Document {
  public:
   PictureDocument(std::unique_ptr<PicturePages> pictures, const PrintOptions& options, const PageSetup& setup,
-                  std::string name)
-      : pictures_(std::move(pictures)), options_(options), setup_(setup), name_(std::move(name)) {}
+                  std::string name, NoteSink note)
+      : pictures_(std::move(pictures)),
+        options_(options),
+        setup_(setup),
+        name_(std::move(name)),
+        note_(std::move(note)) {}
 
   bool Next(Page& page) override {
     if (next_ == pictures_->count()) return false;
-    page = LayOutPicture(pictures_->Open(next_), options_.scale, setup_, name_, next_ + 1);
+    page = LayOutPicture(pictures_->Open(next_), options_.pictures, setup_, name_, next_ + 1, note_);
     ++next_;
     return true;
   }
@@ -52,6 +56,7 @@ class PictureDocument final : public Document {
   const PrintOptions& options_;
   const PageSetup& setup_;
   const std::string name_;
+  const NoteSink note_;
   int next_ = 0;
 };
 
@@ -118,7 +123,7 @@ std::unique_ptr<Document> DocumentOpener::Open(const std::string& argument) {
   switch (options_.type == FileType::kAuto ? TypeOf(*file) : options_.type) {
     case FileType::kPicture:
       return std::make_unique<PictureDocument>(OpenPictures(file, decoders_, NotesOf(file->name())), options_, setup_,
-                                               name);
+                                               name, NotesOf(file->name()));
     case FileType::kFigures: return OpenFigures(file);
     default: return std::make_unique<TextPages>(file, options_.text, setup_, NotesOf(file->name()));
   }

@@ -28,7 +28,7 @@ struct PrintOptions {
   double marginMm = 20;
   DeviceChoice device;
   int bandRows = 256;  // 0: whole pages
-  PictureScale scale;
+  PictureStyle pictures;
   std::string bodyFont = "serif";
   std::string headingFont = "sans:bold";
   std::string listingFont = "monospace";

@@ -5,9 +5,10 @@
 
 #include <cctype>
 #include <cmath>
-#include <cstdio>
+#include <optional>
 
 #include "qnvtool/base/tool_error.h"
+#include "qnvtool/layout/paper_names.h"
 
 namespace qnv::tool {
 namespace {
@@ -22,19 +23,20 @@ std::string Lower(std::string text) {
 
 Paper ParsePaper(const std::string& text) {
   const std::string name = Lower(text);
-  if (name == "a4") return {210, 297};
-  if (name == "letter") return {215.9, 279.4};
-  Paper paper;
-  int end = 0;
-  const int fields = std::sscanf(name.c_str(), "%lfx%lfmm%n", &paper.widthMm, &paper.heightMm, &end);
-  if (fields != 2 || end == 0 || name[static_cast<std::size_t>(end)] != '\0') {
-    throw ToolError(ExitCode::kUsage, fmt::format("--paper {}: use a4, letter or WIDTHxHEIGHTmm", text));
+  const std::optional<Paper> named = PaperOfName(name);
+  const std::optional<Paper> paper = named ? named : PaperOfSize(name);
+  if (!paper) {
+    throw ToolError(
+        ExitCode::kUsage,
+        fmt::format("--paper {}: use a name such as a4, letter or jis_b5, or a size in mm or in, for example "
+                    "100x150mm or 8.5x11in",
+                    text));
   }
-  const auto inRange = [](double side) { return side >= 5 && side <= 2000; };
-  if (!inRange(paper.widthMm) || !inRange(paper.heightMm)) {
-    throw ToolError(ExitCode::kUsage, fmt::format("--paper {}: each side must have 5 to 2000 mm", text));
+  const auto inRange = [](double side) { return side >= 5 && side <= 3000; };
+  if (!inRange(paper->widthMm) || !inRange(paper->heightMm)) {
+    throw ToolError(ExitCode::kUsage, fmt::format("--paper {}: each side must have 5 to 3000 mm", text));
   }
-  return paper;
+  return *paper;
 }
 
 int PixelsFromMm(double mm, int dpi) { return static_cast<int>(std::lround(mm * dpi / 25.4)); }

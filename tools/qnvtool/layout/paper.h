@@ -12,8 +12,8 @@ struct Paper {
   double heightMm = 297;
 };
 
-// Parses "a4", "letter" (any case) or "WxHmm", for example "100x150mm". Throws ToolError (usage) for anything else and
-// for sides outside 5..2000 mm.
+// Parses a name of paper_names.h (any case) or a size in mm or in, for example "100x150mm". Throws ToolError (usage)
+// for anything else and for sides outside 5..3000 mm.
 Paper ParsePaper(const std::string& text);
 
 // Millimetres to pixels at `dpi`, to the nearest pixel.

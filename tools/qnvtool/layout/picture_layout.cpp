@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
+#include <string_view>
 
 #include "qnvtool/base/tool_error.h"
 
@@ -33,9 +34,10 @@ Size PageSize(const PictureFile& picture, const PictureScale& scale, const Rect&
   if (scale.mode == PictureScale::Mode::kPixels)
     return {static_cast<double>(picture.width()), static_cast<double>(picture.height())};
   const Size natural = NaturalSize(picture);
-  const double factor = scale.mode == PictureScale::Mode::kFactor
-                            ? scale.factor * dpi / 0.0254
-                            : std::min(body.width() / natural.width, body.height() / natural.height);
+  const double across = body.width() / natural.width, down = body.height() / natural.height;
+  const double factor = scale.mode == PictureScale::Mode::kFactor ? scale.factor * dpi / 0.0254
+                        : scale.mode == PictureScale::Mode::kFill ? std::max(across, down)
+                                                                  : std::min(across, down);
   return {natural.width * factor, natural.height * factor};
 }
 
@@ -56,18 +58,42 @@ double PictureAspect(const PictureFile& picture) {
   return natural.height / natural.width;
 }
 
-Page LayOutPicture(PicturePtr picture, const PictureScale& scale, const PageSetup& setup, const std::string& name,
-                   int number) {
+Alignment ParseAlignment(const std::string& text) {
+  Alignment alignment;
+  const std::size_t dash = text.find('-');
+  const std::string_view first = std::string_view(text).substr(0, dash);
+  const std::string_view second = dash == std::string::npos ? first : std::string_view(text).substr(dash + 1);
+  if (first == "top" || first == "bottom") alignment.y = first == "top" ? 0 : 1;
+  if (second == "left" || second == "right") alignment.x = second == "left" ? 0 : 1;
+  const bool vertical = alignment.y != 0.5, horizontal = alignment.x != 0.5;
+  if (text != "center" && (dash == std::string::npos ? !vertical && !horizontal : !vertical || !horizontal)) {
+    throw ToolError(ExitCode::kUsage,
+                    fmt::format("--align {}: use center, top, bottom, left, right, top-left, top-right, bottom-left or "
+                                "bottom-right",
+                                text));
+  }
+  return alignment;
+}
+
+Page LayOutPicture(PicturePtr picture, const PictureStyle& style, const PageSetup& setup, const std::string& name,
+                   int number, const NoteSink& note) {
   const Rect body = BodyOf(setup);
-  const Size size = PageSize(*picture, scale, body, setup.sheet.dpi);
+  const Size size = PageSize(*picture, style.scale, body, setup.sheet.dpi);
   if (size.width > kMaxSide || size.height > kMaxSide) {
     throw ToolError(ExitCode::kUsage, fmt::format("{}: would be {:.0f} x {:.0f} pixels large; use a smaller --scale",
                                                   name, size.width, size.height));
   }
   const int width = std::max(1, static_cast<int>(std::lround(size.width)));
   const int height = std::max(1, static_cast<int>(std::lround(size.height)));
-  const int left = body.left + (body.width() - width) / 2;
-  const int top = body.top + (body.height() - height) / 2;
+  if (style.scale.mode != PictureScale::Mode::kFill && (width > body.width() || height > body.height())) {
+    const auto percent = [](int whole, int shown) { return 100.0 * std::min(shown, whole) / whole; };
+    note(
+        fmt::format("the picture is cropped: {:.0f} % of its width and {:.0f} % of its height fit on the page; --fit "
+                    "shows all of it",
+                    percent(width, body.width()), percent(height, body.height())));
+  }
+  const int left = body.left + static_cast<int>((body.width() - width) * style.alignment.x);
+  const int top = body.top + static_cast<int>((body.height() - height) * style.alignment.y);
   Page page = EmptyPage(setup);
   AddHeader(page, setup, name, number);
   Picture item;
