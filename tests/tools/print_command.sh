@@ -55,7 +55,7 @@ expect 0 "" --version
 expect 0 "" print "${small[@]}" photo.bmp text.txt drawing.fig -o pages.png
 for page in pages-01.png pages-02.png pages-03.png; do [ -s $page ] || fail "$page is missing"; done
 for device in gray dual scaled:60/30 scaled-gray:60/40; do
-  expect 0 "" print "${small[@]}" photo.bmp map.bmp -o "dev.png" --device $device
+  expect 0 "" print "${small[@]}" photo.bmp map.bmp -q -o "dev.png" --device $device
   [ -s dev-02.png ] || fail "no second page on $device"
   rm -f dev-01.png dev-02.png
 done
@@ -107,11 +107,39 @@ expect 0 "" print "${small[@]}" source.c -o source.ppm
 "$tool" print "${small[@]}" source.c -o numbered.ppm --line-numbers -q
 ! cmp -s source.ppm numbered.ppm || fail "no line numbers"
 
+# Which pages, how many times, how many on a sheet, and which way round.
+printf '%s\f' one two three four five >five.txt
+size_of() { sed -n 2p "$1"; } # of a PPM file
+"$tool" print "${small[@]}" five.txt -o chosen.ppm --pages 2,4- -q && [ -s chosen-03.ppm ] && [ ! -e chosen-04.ppm ] ||
+  fail "--pages 2,4- of five pages does not give three"
+"$tool" print "${small[@]}" five.txt -o whole.ppm -q && cmp -s whole-02.ppm chosen-01.ppm &&
+  cmp -s whole-05.ppm chosen-03.ppm || fail "--pages changes the pages that it chooses"
+"$tool" print "${small[@]}" five.txt five.txt -o twice.ppm -q --pages 5-6 --copies 2 &&
+  cmp -s twice-01.ppm whole-05.ppm && cmp -s twice-02.ppm whole-01.ppm && cmp -s twice-03.ppm whole-05.ppm && cmp -s twice-04.ppm whole-01.ppm ||
+  fail "two copies of pages 5 and 6 of two files"
+"$tool" print --paper a6 --dpi 72 five.txt -o sheet.ppm -q --n-up 2 && [ "$(size_of sheet-03.ppm)" = "420 298" ] &&
+  [ ! -e sheet-04.ppm ] || fail "five pages, two on each sheet: $(ls sheet*)"
+"$tool" print photo.bmp --paper a6 --dpi 72 -o turned.ppm -q --orientation auto &&
+  [ "$(size_of turned.ppm)" = "420 298" ] || fail "a wide picture does not turn its sheet"
+"$tool" print five.txt --paper a6 --dpi 72 -o turned.ppm -q --orientation landscape --pages 1 &&
+  [ "$(size_of turned.ppm)" = "420 298" ] || fail "--orientation landscape"
+"$tool" print photo.bmp "${small[@]}" -o notes.ppm --scale 10 2>stderr
+grep -q "photo.bmp: note: the picture is cropped: " stderr || fail "no note about a cropped picture: $(cat stderr)"
+"$tool" print photo.bmp --device scaled:72/36 --paper 100x100mm -o notes.ppm 2>stderr
+grep -q "note: of 72 rows and columns 36 are kept" stderr || fail "no note about dropped rows: $(cat stderr)"
+expect 1 "--pages: chooses none of the 5 pages" print five.txt -o out.png --pages 7-
+expect 1 "--pages 0: use page numbers from 1 on" print five.txt -o out.png --pages 0
+expect 1 "--n-up 3: use one of 1, 2, 4, 6, 9" print five.txt -o out.png --n-up 3
+expect 1 "--copies 0: use a whole number from 1 to 9999" print five.txt -o out.png --copies 0
+expect 1 "--scale excludes --crop" print photo.bmp -o out.png --scale 2 --crop
+expect 1 "--align middle: use center, top" print photo.bmp -o out.png --align middle
+expect 1 "--orientation up: use one of paper, portrait, landscape, auto" print photo.bmp -o out.png --orientation up
+
 # Wrong command lines.
 expect 1 "subcommand is required"
 expect 1 "--out is required" print photo.bmp
 expect 1 "files is required" print -o out.png
-expect 1 "--paper a7: use a4" print photo.bmp -o out.png --paper a7
+expect 1 "--paper a77: use a name such as a4" print photo.bmp -o out.png --paper a77
 expect 1 "--margin 100: leaves nothing" print photo.bmp -o out.png --paper 80x60mm --margin 100
 expect 1 "--device color3:" print photo.bmp -o out.png --device color3
 expect 1 "--tags and --overlay need --device dual" print photo.bmp -o out.png --tags tags.png
@@ -126,7 +154,7 @@ expect 1 "--margin nan: use a number from 0 to 1000" print photo.bmp -o out.png 
 expect 1 "--encoding none: is unknown; 'iconv -l' lists the names" print text.txt -o out.png --encoding none
 expect 1 "--flow excludes --verbatim" print text.txt -o out.png --verbatim --flow
 expect 1 "--size inf: use a number from 2 to 200" print photo.bmp -o out.png --size inf
-expect 1 "--paper nanx20mm: each side must have 5 to 2000 mm" print photo.bmp -o out.png --paper nanx20mm
+expect 1 "--paper nanx20mm: each side must have 5 to 3000 mm" print photo.bmp -o out.png --paper nanx20mm
 expect 1 "--width 0: use a whole number from 1 to 8000" make-picture photo out.png --width 0
 expect 1 "--scale nan:" print photo.bmp -o out.png --scale nan
 expect 1 "--scale 0:" print photo.bmp -o out.png --scale 0

@@ -17,13 +17,13 @@ namespace {
 
 using tool::TextPiece;
 
-const uint8_t* Data(const std::string& bytes) { return reinterpret_cast<const uint8_t*>(bytes.data()); }
+const uint8_t* EncodedBytes(const std::string& bytes) { return reinterpret_cast<const uint8_t*>(bytes.data()); }
 
 // Decodes in blocks of `block` bytes. Faulty sequences come out as '?'.
 std::u32string Decode(tool::TextDecoder& decoder, const std::string& bytes, std::size_t block) {
   std::u32string out;
   for (std::size_t at = 0; at < bytes.size(); at += block) {
-    decoder.Decode(Data(bytes) + at, std::min(block, bytes.size() - at), false, out);
+    decoder.Decode(EncodedBytes(bytes) + at, std::min(block, bytes.size() - at), false, out);
   }
   decoder.Decode(nullptr, 0, true, out);
   std::replace(out.begin(), out.end(), tool::kInvalid, U'?');
@@ -94,7 +94,7 @@ TEST(TextDecoder, OtherEncodingsThroughIconv) {
   EXPECT_EQ(tool::OpenIconvDecoder("no-such-encoding"), nullptr);
 }
 
-std::string Detect(const std::string& bytes) { return tool::DetectEncoding(Data(bytes), bytes.size(), "x.txt"); }
+std::string Detect(const std::string& bytes) { return tool::DetectEncoding(EncodedBytes(bytes), bytes.size(), "x.txt"); }
 
 TEST(TextDecoder, Detection) {
   const auto with = [](const char* text, std::size_t size) { return std::string(text, size); };
@@ -123,7 +123,7 @@ TEST(TextDecoder, Detection) {
 tool::ByteSource SourceOf(const std::string& bytes, std::size_t block) {
   return [&bytes, block, at = std::size_t{0}](uint8_t* to, std::size_t capacity) mutable {
     const std::size_t count = std::min({capacity, block, bytes.size() - at});
-    std::copy_n(Data(bytes) + at, count, to);
+    std::copy_n(EncodedBytes(bytes) + at, count, to);
     at += count;
     return count;
   };

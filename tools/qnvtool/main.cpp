@@ -18,19 +18,19 @@
 namespace qnv::tool {
 namespace {
 
-// Fonts from font files or from the installed fonts.
-FontShelf OpenFonts(const PrintOptions& options) {
+// Fonts from font files or from the installed fonts, for pages of a resolution.
+FontShelf OpenFonts(const PrintOptions& options, int dpi) {
   const auto system = std::make_shared<FontSystem>([quiet = options.quiet](const std::string& note) {
     if (!quiet) fmt::print(stderr, "qnvtool: note: {}\n", note);
   });
-  return FontShelf([&options, system](FontRole role, double points) {
+  return FontShelf([&options, system, dpi](FontRole role, double points) {
     const std::string& name = role == FontRole::kBody      ? options.bodyFont
                               : role == FontRole::kHeading ? options.headingFont
                                                            : options.listingFont;
     const char* const fallback = role == FontRole::kBody      ? "serif"
                                  : role == FontRole::kHeading ? "sans:bold"
                                                               : "monospace";
-    return OpenShapedFont(system, name, fallback, points, options.device.pageDpi);
+    return OpenShapedFont(system, name, fallback, points, dpi);
   });
 }
 

@@ -26,6 +26,11 @@ struct PrintArguments {
   std::string scale;
   int dpi = 0;
   bool fit = false;
+  bool crop = false;
+  std::string alignment = "center";
+  std::string orientation = "paper";
+  std::string pages;
+  std::string pagesOnSheet = "1";
   bool noHeader = false;
   bool flow = false;
   bool verbatim = false;
@@ -55,6 +60,14 @@ void Run(PrintArguments& arguments, const PrintParts& parts) {
   options.paper = ParsePaper(arguments.paper.empty() ? "a4" : arguments.paper);
   options.device = ParseDevice(arguments.device.empty() ? "color" : arguments.device, arguments.dpi);
   if (!arguments.scale.empty()) options.pictures.scale = ParseScale(arguments.scale);
+  if (arguments.crop) options.pictures.scale.mode = PictureScale::Mode::kFill;
+  options.pictures.alignment = ParseAlignment(arguments.alignment);
+  options.orientation = arguments.orientation == "portrait"    ? PageOrientation::kPortrait
+                        : arguments.orientation == "landscape" ? PageOrientation::kLandscape
+                        : arguments.orientation == "auto"      ? PageOrientation::kAuto
+                                                               : PageOrientation::kAsGiven;
+  if (!arguments.pages.empty()) options.pages = PageRanges(arguments.pages);
+  options.pagesOnSheet = arguments.pagesOnSheet[0] - '0';
   options.header = !arguments.noHeader;
   options.type = arguments.type == "picture" ? FileType::kPicture
                  : arguments.type == "text"  ? FileType::kText
@@ -139,7 +152,7 @@ Command PrintCommand(const PrintParts& parts) {
 
       {.names = "--paper",
        .placeholder = "SIZE",
-       .help = "a4, letter, or a size such as 100x150mm (default a4)",
+       .help = "a4, letter, any other name that printers know, or a size such as 100x150mm or 8.5x11in (default a4)",
        .value = Text{&arguments->paper},
        .group = page,
        .completions = "a4 letter"},
@@ -166,12 +179,46 @@ Command PrintCommand(const PrintParts& parts) {
       {.names = "--scale",
        .placeholder = "X",
        .help = "Images at a factor of their own size (72 dpi where the file gives none), or 'pixels': one page pixel "
-               "for each "
-               "image pixel",
+               "for each image pixel",
        .value = Text{&arguments->scale},
        .group = page,
        .excludes = "--fit",
        .completions = "pixels"},
+      {.names = "--crop",
+       .placeholder = "",
+       .help = "Images as small as covers the page, cut off at its edges",
+       .value = Flag{&arguments->crop},
+       .group = page,
+       .excludes = "--fit --scale"},
+      {.names = "--align",
+       .placeholder = "PLACE",
+       .help = "Where images lie on the page: center (default), top, bottom, left, right, top-left, top-right, "
+               "bottom-left, bottom-right",
+       .value = Text{&arguments->alignment},
+       .group = page,
+       .completions = "center top bottom left right top-left top-right bottom-left bottom-right"},
+      {.names = "--orientation",
+       .placeholder = "SIDE",
+       .help =
+           "portrait, landscape, paper (as --paper says, default) or auto: sheets of pictures are turned where that "
+           "shows them larger",
+       .value = OneOf{&arguments->orientation, {"paper", "portrait", "landscape", "auto"}},
+       .group = page},
+      {.names = "--pages",
+       .placeholder = "LIST",
+       .help = "Pages to print, counted over all files, for example 2-5,8 or 10- (default all)",
+       .value = Text{&arguments->pages},
+       .group = page},
+      {.names = "--n-up",
+       .placeholder = "N",
+       .help = "Pages on each sheet: 1, 2, 4, 6 or 9 (default 1)",
+       .value = OneOf{&arguments->pagesOnSheet, {"1", "2", "4", "6", "9"}},
+       .group = page},
+      {.names = "--copies",
+       .placeholder = "N",
+       .help = "Prints all sheets N times, 1 to 9999 (default 1)",
+       .value = WholeNumber{&options.copies, 1, 9999},
+       .group = page},
 
       {.names = "--font",
        .placeholder = "FONT",

@@ -75,7 +75,8 @@ void AddOption(CLI::App& app, const Option& option) {
   if (!option.placeholder.empty()) added->type_name(option.placeholder);
   if (!option.group.empty()) added->group(option.group);
   if (option.required) added->required();
-  if (!option.excludes.empty()) added->excludes(app.get_option(option.excludes));
+  std::istringstream excluded(option.excludes);
+  for (std::string other; excluded >> other;) added->excludes(app.get_option(other));
 }
 
 void AddCommand(CLI::App& app, const Command& command) {

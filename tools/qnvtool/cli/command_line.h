@@ -41,7 +41,7 @@ struct Option {
   std::variant<Flag, Text, Words, WholeNumber, Decimal, OneOf> value;
   std::string group = {};  // heading in help; empty: the general ones
   bool required = false;
-  std::string excludes = {};     // name of an option of the same command, described earlier
+  std::string excludes = {};     // names of options of the same command, described earlier
   std::string completions = {};  // for Text: words that complete it, separated by spaces
   std::string fileTypes = {};    // for Text: extensions of files that complete it, "png|ppm"; "*": any file
 };

@@ -37,16 +37,21 @@ class LaidOutPages final : public Document {
 class PictureDocument final : public Document {
  public:
   PictureDocument(std::unique_ptr<PicturePages> pictures, const PrintOptions& options, const PageSetup& setup,
-                  std::string name, NoteSink note)
+                  const PageSetup& turned, std::string name, NoteSink note)
       : pictures_(std::move(pictures)),
         options_(options),
         setup_(setup),
+        turned_(turned),
         name_(std::move(name)),
         note_(std::move(note)) {}
 
   bool Next(Page& page) override {
     if (next_ == pictures_->count()) return false;
-    page = LayOutPicture(pictures_->Open(next_), options_.pictures, setup_, name_, next_ + 1, note_);
+    PicturePtr picture = pictures_->Open(next_);
+    // In landscape when the other is portrait, or the other way round.
+    const double onItsSide = (PictureAspect(*picture) - 1) * (setup_.sheet.height - setup_.sheet.width);
+    const bool turn = options_.orientation == PageOrientation::kAuto && options_.pagesOnSheet == 1 && onItsSide < 0;
+    page = LayOutPicture(std::move(picture), options_.pictures, turn ? turned_ : setup_, name_, next_ + 1, note_);
     ++next_;
     return true;
   }
@@ -55,6 +60,7 @@ class PictureDocument final : public Document {
   const std::unique_ptr<PicturePages> pictures_;
   const PrintOptions& options_;
   const PageSetup& setup_;
+  const PageSetup& turned_;
   const std::string name_;
   const NoteSink note_;
   int next_ = 0;
@@ -94,7 +100,11 @@ FileType TypeOf(const InputFile& file) {
 
 DocumentOpener::DocumentOpener(const PrintOptions& options, const PictureDecoders& decoders, const PageSetup& setup,
                                std::function<void(const std::string&, const std::string&)> note)
-    : options_(options), decoders_(decoders), setup_(setup), note_(std::move(note)) {}
+    : options_(options), decoders_(decoders), setup_(setup), turned_(setup), note_(std::move(note)) {
+  Sheet& sheet = turned_.sheet;
+  std::swap(sheet.width, sheet.height);
+  sheet.content = {sheet.content.top, sheet.content.left, sheet.content.bottom, sheet.content.right};
+}
 
 Input DocumentOpener::OpenFile(const std::string& path) {
   if (const auto found = kept_.find(path); found != kept_.end()) return found->second;
@@ -123,7 +133,7 @@ std::unique_ptr<Document> DocumentOpener::Open(const std::string& argument) {
   switch (options_.type == FileType::kAuto ? TypeOf(*file) : options_.type) {
     case FileType::kPicture:
       return std::make_unique<PictureDocument>(OpenPictures(file, decoders_, NotesOf(file->name())), options_, setup_,
-                                               name, NotesOf(file->name()));
+                                               turned_, name, NotesOf(file->name()));
     case FileType::kFigures: return OpenFigures(file);
     default: return std::make_unique<TextPages>(file, options_.text, setup_, NotesOf(file->name()));
   }

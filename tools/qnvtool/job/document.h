@@ -48,6 +48,7 @@ class DocumentOpener {
   const PrintOptions& options_;
   const PictureDecoders& decoders_;
   const PageSetup& setup_;
+  PageSetup turned_;  // the same with the sheet on its other side
   const std::function<void(const std::string&, const std::string&)> note_;
   std::map<std::string, Input> kept_;  // by path
   std::vector<std::string> references_;

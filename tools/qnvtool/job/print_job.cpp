@@ -5,6 +5,7 @@
 
 #include <cstdio>
 #include <filesystem>
+#include <memory>
 #include <set>
 
 #include "qnvtool/base/interruption.h"
@@ -13,6 +14,7 @@
 #include "qnvtool/base/tool_error.h"
 #include "qnvtool/job/document.h"
 #include "qnvtool/job/job_pages.h"
+#include "qnvtool/layout/imposition.h"
 #include "qnvtool/layout/page_setup.h"
 #include "qnvtool/output/job_output.h"
 #include "qnvtool/paint/band_printer.h"
@@ -38,22 +40,34 @@ Rasteriser ChooseRasteriser(const std::string& library, const PrintParts& parts)
   return parts.linked();
 }
 
+Paper OrientedPaper(const Paper& paper, PageOrientation orientation) {
+  const bool turn = (orientation == PageOrientation::kPortrait && paper.widthMm > paper.heightMm) ||
+                    (orientation == PageOrientation::kLandscape && paper.widthMm < paper.heightMm);
+  return turn ? Paper{paper.heightMm, paper.widthMm} : paper;
+}
+
 }  // namespace
 
 void Print(const PrintOptions& options, const PrintParts& parts) {
   JobOutput output({options.out, options.tags, options.overlay}, options.format, options.device, parts.output);
   CheckEncoding(options.text);
   const Rasteriser rasteriser = ChooseRasteriser(options.library, parts);
-  FontShelf fonts = parts.openFonts(options);
-  const PageSetup setup{MakeSheet(options.paper, options.device.pageDpi, options.marginMm), &fonts, options.points,
-                        options.header};
+  const Imposition imposition(OrientedPaper(options.paper, options.orientation), options.device.pageDpi,
+                              options.marginMm, options.pagesOnSheet);
+  FontShelf fonts = parts.openFonts(options, imposition.pageSheet().dpi);
+  const PageSetup setup{imposition.pageSheet(), &fonts, options.points, options.header};
   std::set<std::string> noted;
-  DocumentOpener opener(options, parts.decoders, setup, [&](const std::string& name, const std::string& remark) {
+  const auto note = [&](const std::string& name, const std::string& remark) {
     const std::string line = fmt::format("qnvtool: {}: note: {}\n", name, remark);
     if (!options.quiet && noted.insert(line).second) std::fputs(line.c_str(), stderr);
-  });
+  };
+  if (options.device.pageDpi > options.device.bandDpi) {
+    note("--device", fmt::format("of {} rows and columns {} are kept, so that thinner lines may be missing",
+                                 options.device.pageDpi, options.device.bandDpi));
+  }
+  DocumentOpener opener(options, parts.decoders, setup, note);
   const InterruptionGuard guard;
-  JobPages pages(opener);
+  JobPages pages(opener, imposition, options.pages, options.copies);
   std::size_t unusable = 0;
   for (const std::string& file : options.files) {
     try {
@@ -64,22 +78,31 @@ void Print(const PrintOptions& options, const PrintParts& parts) {
       ++unusable;
     }
   }
+  if (pages.count() == 0 && unusable != options.files.size()) {
+    throw ToolError(ExitCode::kUsage, fmt::format("--pages: chooses none of the {} pages", pages.found()));
+  }
   std::vector<std::string> inputs = InputsOf(options);
   inputs.insert(inputs.end(), opener.references().begin(), opener.references().end());
-  const int pageCount = pages.count();
-  output.Name(pageCount, inputs);
+  const int sheetCount = pages.count();
+  output.Name(sheetCount, inputs);
 
-  BandPrinter printer(rasteriser, options.device, setup.sheet.width, setup.sheet.height, options.bandRows);
+  std::unique_ptr<BandPrinter> printer;  // for sheets of the size of the present one
+  int width = 0, height = 0;
   Progress progress(!options.quiet);
-  const double bands = static_cast<double>(printer.bands()) * pageCount;
-  double done = 0;
-  Page page;
-  for (int number = 1; pages.Next(page); ++number) {
-    output.StartPage(page, printer.width(), printer.height());
+  Page sheet;
+  for (int number = 1; pages.Next(sheet); ++number) {
+    if (printer == nullptr || sheet.width != width || sheet.height != height) {
+      width = sheet.width;
+      height = sheet.height;
+      printer = std::make_unique<BandPrinter>(rasteriser, options.device, width, height, options.bandRows);
+    }
+    output.StartPage(sheet, printer->width(), printer->height());
     const PhaseTimer timer(Phase::kRasterising);
-    printer.Print(page, [&](const BandView& band) {
+    int bands = 0;
+    printer->Print(sheet, [&](const BandView& band) {
       output.Write(band);
-      progress.Show(++done / bands, fmt::format("page {} of {}", number, pageCount));
+      const double share = static_cast<double>(++bands) / printer->bands();
+      progress.Show((number - 1 + share) / sheetCount, fmt::format("page {} of {}", number, sheetCount));
       ThrowIfInterrupted();
     });
     output.FinishPage();

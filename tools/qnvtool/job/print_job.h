@@ -6,6 +6,7 @@
 
 #include "qnvtool/input/picture_file.h"
 #include "qnvtool/ipp/printer.h"
+#include "qnvtool/layout/page_ranges.h"
 #include "qnvtool/layout/paper.h"
 #include "qnvtool/layout/picture_layout.h"
 #include "qnvtool/layout/text_document.h"
@@ -18,6 +19,13 @@ namespace qnv::tool {
 
 enum class FileType { kAuto, kPicture, kText, kFigures };
 
+enum class PageOrientation {
+  kAsGiven,  // as the paper's size says
+  kPortrait,
+  kLandscape,
+  kAuto,  // sheets of pictures are turned where that shows them larger; as given for others
+};
+
 struct PrintOptions {
   std::vector<std::string> files;
   std::string out;     // "-": standard output
@@ -26,6 +34,10 @@ struct PrintOptions {
   FileType type = FileType::kAuto;
   Paper paper;
   double marginMm = 20;
+  PageOrientation orientation = PageOrientation::kAsGiven;
+  PageRanges pages;
+  int pagesOnSheet = 1;  // 1, 2, 4, 6 or 9
+  int copies = 1;
   DeviceChoice device;
   int bandRows = 256;  // 0: whole pages
   PictureStyle pictures;
@@ -43,7 +55,7 @@ struct PrintOptions {
 
 // The parts that need libraries of the system, or this project's own. A program passes those that it is built with.
 struct PrintParts {
-  FontShelf (*openFonts)(const PrintOptions& options) = nullptr;
+  FontShelf (*openFonts)(const PrintOptions& options, int dpi) = nullptr;
   Rasteriser (*linked)() = nullptr;  // may be absent
   OutputParts output = {};
   OpenPrinter openPrinter = nullptr;  // may be absent
