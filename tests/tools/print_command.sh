@@ -249,6 +249,17 @@ expect 0 "" print - "${small[@]}" -o input.png --no-header <photo.bmp
 expect 0 "" print photo.bmp "${small[@]}" -o named.png --no-header
 cmp -s input.png named.png || fail "standard input prints another page than the file"
 expect 2 "standard input: is empty" print - -o out.png </dev/null
+# A printed page is printed again as it is, from a file, from a pipe, and under a wrong name.
+again=(--paper 80x60mm --margin 0 --dpi 60 --no-header --scale pixels)
+expect 0 "" print photo.bmp "${small[@]}" --no-header -o first.ppm
+cp input.png input.txt
+expect 0 "" print input.png "${again[@]}" -o second.ppm
+expect 0 "" print input.txt "${again[@]}" -o third.ppm
+cat input.png | "$tool" print - "${again[@]}" -o fourth.ppm || fail "a PNG picture through a pipe"
+for page in second third fourth; do cmp -s first.ppm $page.ppm || fail "the $page print is not the first"; done
+printf 'image input.png 0 0 80 60\n' >again.fig
+expect 0 "" print again.fig "${again[@]}" -o fifth.ppm
+cmp -s first.ppm fifth.ppm || fail "a PNG picture in a figure file is another one"
 "$tool" make-picture photo - --width 90 --height 60 | cmp -s - photo.bmp || fail "make-picture to standard output"
 "$tool" print photo.bmp "${small[@]}" -o - --format png --no-header | cmp -s - named.png || fail "PNG on standard output"
 expect 1 "-: a PNG stream holds one page, not 2" print photo.bmp map.bmp "${small[@]}" -o - --format png
