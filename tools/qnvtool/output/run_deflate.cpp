@@ -52,7 +52,7 @@ const std::array<LengthCode, kMaxRun + 1>& LengthCodes() {
 // How many bytes from `at` on are equal to `value`.
 std::size_t RunLength(const uint8_t* at, const uint8_t* end, uint8_t value) {
   const uint8_t* const begin = at;
-  const uint64_t pattern = 0x0101010101010101 * value;
+  const uint64_t pattern = uint64_t{0x0101010101010101} * value;
   constexpr std::size_t kStep = 4 * sizeof pattern;
   for (uint64_t words[4]; static_cast<std::size_t>(end - at) >= kStep; at += kStep) {
     std::memcpy(words, at, kStep);
