@@ -100,6 +100,27 @@ done
 "$tool" print "${small[@]}" latin.txt -o latin.ppm 2>notes || fail "a text with a faulty byte"
 grep -qF "latin.txt: note: 1 sequence of bytes is no character" notes || fail "note of a faulty byte: $(cat notes)"
 
+# A font that is not there is replaced, and a script that no font has is named; --quiet says neither.
+printf 'a \xf0\x93\x80\x80 b\n' >glyphs.txt
+"$tool" print "${small[@]}" glyphs.txt -o glyphs.ppm --font "No Such Font" 2>notes || fail "a font that is replaced"
+grep -qE '^qnvtool: note: font "No Such Font" is not installed; .+ is used$' notes &&
+  grep -qF "note: no installed font has Egyptian hieroglyphs (such as U+13000); boxes stand for it" notes &&
+  [ "$(wc -l <notes)" -eq 2 ] || fail "notes about fonts: $(cat notes)"
+expect 0 "" print "${small[@]}" glyphs.txt -o glyphs.ppm --font "No Such Font" -q
+
+# Standard input is a listing unless --flow says otherwise.
+printf 'a\nb\n' >lines
+cp lines lines.c && cp lines lines.txt
+standard_input_as() { # NAME [OPTION]: prints what the file of the name prints without the option
+  "$tool" print "${small[@]}" -q --no-header "$1" -o - --format ppm >by-name.ppm
+  "$tool" print "${small[@]}" -q --no-header - "${@:2}" -o - --format ppm <lines >by-input.ppm
+  [ -s by-name.ppm ] && cmp -s by-name.ppm by-input.ppm || fail "standard input is not set as $*"
+}
+standard_input_as lines.c
+standard_input_as lines.txt --flow
+cp by-name.ppm flow.ppm && standard_input_as lines.c --verbatim
+! cmp -s by-name.ppm flow.ppm || fail "lines.c and lines.txt give the same page"
+
 # Listings have numbers on request; a form feed at the end gives no page.
 printf 'int a;\n\f\n' >source.c
 expect 0 "" print "${small[@]}" source.c -o source.ppm
