@@ -39,6 +39,12 @@ void CallCapture::Close() {
   writer_.Close();
 }
 
+void CallCapture::ForgetContents(const DeviceHandle* handle) {
+  const std::lock_guard locked(mutex_);
+  Device* const device = Find(reinterpret_cast<uintptr_t>(handle));
+  if (device != nullptr) device->isKnown = false;
+}
+
 bool CallCapture::Failed() {
   const std::lock_guard locked(mutex_);
   return writer_.Failed();
@@ -241,7 +247,7 @@ void CallCapture::Before(Function function, const Slots& slots, uint64_t thread,
   call->function = function;
   call->device = device != nullptr ? device->number : 0;
   call->flags = 0;
-  if (options_.check) checker_.Before(writer_.Calls(), function, slots, call->device);
+  if (options_.check) checker_.Before(static_cast<std::size_t>(writer_.Calls()), function, slots, call->device);
   if (function == Function::kDevExtTextOut && device != nullptr) ReadTextShape(slots, Limit(), &text_);
   if (device != nullptr) {
     if (entry.draws && !device->isKnown) KeepContents(*device);

@@ -42,6 +42,8 @@ class CallCapture {
   void Before(Function function, const Slots& slots, uint64_t thread, PendingCall* call);
   // result: the slot that Invoke returns.
   void After(const Slots& slots, uintptr_t result, uint64_t nanoseconds, PendingCall* call);
+  // The host has changed the memory of the device by itself: it is kept again before the next drawing call.
+  void ForgetContents(const DeviceHandle* handle);
   // Ends the file. Later calls are not kept.
   void Close();
   bool Failed();

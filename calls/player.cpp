@@ -47,6 +47,12 @@ const PlayedDevice* Player::Device(uint32_t number) const {
   return number < devices_.size() && devices_[number].handle != nullptr ? &devices_[number] : nullptr;
 }
 
+void Player::SetContents(uint32_t number, const PlayedDevice& from) {
+  PlayedDevice& device = devices_[number];
+  if (device.band.size() == from.band.size()) std::copy(from.band.begin(), from.band.end(), device.band.begin());
+  if (device.tags.size() == from.tags.size()) std::copy(from.tags.begin(), from.tags.end(), device.tags.begin());
+}
+
 // The bands get all the memory that the rectangles of the file ever ask for.
 bool Player::FindBandSizes(uint64_t maxPlaneBytes, std::string* error) {
   bandBytes_.assign(devices_.size(), 0);
@@ -381,6 +387,7 @@ PlayReport Player::Play(const PlayOptions& options, const Watcher& watcher) {
         ++report.skipped;
         continue;
       }
+      if (options.keep && !options.keep(prepared.call)) continue;
       const StoredCall& stored = prepared.stored;
       Slots& slots = prepared.slots;
       const EntryPoint& entry = EntryPointOf(stored.function);

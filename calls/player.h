@@ -30,10 +30,11 @@ struct Difference {
 };
 
 struct PlayOptions {
-  bool compare = true;                         // results, outputs, and the checksums that the file has
-  bool stopAtFirst = true;                     // at the first difference
-  uint64_t maxPlaneBytes = uint64_t{1} << 30;  // files that ask for larger bands are refused
-  std::size_t end = SIZE_MAX;                  // calls from here on are not made
+  bool compare = true;                              // results, outputs, and the checksums that the file has
+  bool stopAtFirst = true;                          // at the first difference
+  uint64_t maxPlaneBytes = uint64_t{1} << 30;       // files that ask for larger bands are refused
+  std::function<bool(std::size_t call)> keep = {};  // calls for which it is false are not made
+  std::size_t end = SIZE_MAX;                       // calls from here on are not made
 };
 
 struct PlayReport {
@@ -73,6 +74,8 @@ class Player {
 
   // Devices by number; null before the call that makes them and for numbers that the file does not have.
   const PlayedDevice* Device(uint32_t number) const;
+  // Gives the planes of a device other contents, of the same size, while a watcher runs.
+  void SetContents(uint32_t number, const PlayedDevice& from);
 
  private:
   struct Region {

@@ -5,6 +5,7 @@ set -uo pipefail
 
 tool=$1
 bin=$2
+include=$(cd "$(dirname "${BASH_SOURCE[0]}")/../../include" && pwd)
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 cd "$work" || exit 1
@@ -95,6 +96,54 @@ for device in color gray dual scaled:200/100 scaled:300/200 scaled-gray:200/100;
     expect 1 "" "device 1 has no tag plane" render page.qnv -o rendered.ppm --tags rendered.pgm
   fi
 done
+
+# A part of the calls: a range, and what changes a rectangle, whose pixels are then the same as on the whole page.
+expect 0 "range.qnv: " "" trim host.qnv -o range.qnv --from 400 --count 30 --hash
+expect 0 " 0 differences" "" replay range.qnv
+expect 0 "rect.qnv: " "" trim host.qnv -o rect.qnv --rect 100,100,200,260
+expect 0 " 0 differences" "" replay rect.qnv
+expect 0 "" "" render rect.qnv -o rect.ppm
+"$tool" info rect.qnv | grep -q '^trimmed: [1-9][0-9]* of 830 calls$' || fail "info of a trimmed file"
+if ! python3 - host.ppm rect.ppm range.qnv <<'EOF'
+import sys
+a, b = (open(name, 'rb').read()[-600 * 840 * 3:] for name in sys.argv[1:3])
+rows = range(100, 260)
+assert all(a[(y * 600 + 100) * 3:(y * 600 + 200) * 3] == b[(y * 600 + 100) * 3:(y * 600 + 200) * 3] for y in rows)
+assert a != b
+assert any(a[(y * 600 + 100) * 3:(y * 600 + 200) * 3] != b'\xff' * 300 for y in rows)
+EOF
+then
+  fail "the rectangle of the trimmed page differs, or the rest does not"
+fi
+expect 1 "" "--rect: LEFT,TOP,RIGHT,BOTTOM is expected, not 1,2,3" trim host.qnv -o x.qnv --rect 1,2,3
+expect 1 "" "the libraries do not differ" trim host.qnv -o x.qnv --until-differs
+
+# A library with a defect: spans of one color are not painted. Every other function is that of the real one.
+cat >defect.c <<'EOF'
+#define _GNU_SOURCE
+#include <dlfcn.h>
+#include "qnvdrv10.h"
+uint32_t QNVOutput(DeviceHandle *handle, uint32_t style, uint32_t count, const int16_t *points, const PhysicalPen *pen,
+                   const PhysicalBrush *brush, const DRAWMODE *drawMode, const BandRect *clip) {
+  uint32_t (*real)(DeviceHandle *, uint32_t, uint32_t, const int16_t *, const PhysicalPen *, const PhysicalBrush *,
+                   const DRAWMODE *, const BandRect *);
+  *(void **)&real = dlsym(RTLD_NEXT, "QNVOutput");
+  if (brush != 0 && brush->style == BS_SOLID && brush->colour == 0xC0A000) return 1;
+  return real(handle, style, count, points, pen, brush, drawMode, clip);
+}
+EOF
+"${CC:-cc}" -shared -fPIC -I"$include" defect.c -o defect.so -Wl,--no-as-needed -L"$bin" -lqnvdrv10 -Wl,-rpath,"$bin" || fail "defect.c"
+"$tool" print page.fig -q --paper 100x150mm --dpi 100 -o defect.ppm --library defect.so || fail "print with a defect"
+QNVREC_FILE=page.qnv QNVREC_LIBRARY=$bin/libqnvdrv10.so \
+  "$tool" print page.fig -q --paper 100x150mm --dpi 100 -o whole.ppm --library "$bin/libqnvrec.so" || fail "print"
+expect 5 "the bands differ" "and defect.so differ at call" replay page.qnv --against defect.so --pictures differs
+[ -s differs-a.png ] && [ -s differs-b.png ] || fail "no pictures of the difference"
+cmp -s differs-a.png differs-b.png && fail "the pictures of the difference are equal"
+expect 5 "the band before the call has the checksum" "does not do what was recorded" replay page.qnv --library defect.so
+expect 0 "few.qnv: " "" trim page.qnv -o few.qnv --until-differs --against defect.so
+grep -qF "1 of them drawing calls" stdout || fail "more than one call shows the difference: $(cat stdout)"
+expect 0 "brush=solid 0xC0A000" "" dump few.qnv --call output --color 0xC0A000
+expect 5 "the bands differ" "differ at call" replay few.qnv --against defect.so
 
 # Without a file nothing is recorded and nothing is different.
 QNVREC_LIBRARY=$bin/libqnvdrv10.so LD_PRELOAD=$bin/libqnvrec.so "$bin/example_host" off.bmp || fail "recorder off"

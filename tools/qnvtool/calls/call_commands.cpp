@@ -4,7 +4,7 @@
 namespace qnv::tool {
 
 std::vector<Command> CallCommands(const CallParts& parts) {
-  return {RecordCommand(), ReplayCommand(parts), CheckCommand(parts),  DiffCommand(),
+  return {RecordCommand(), ReplayCommand(parts), CheckCommand(parts),  DiffCommand(),     TrimCommand(parts),
           InfoCommand(),   DumpCommand(),        RenderCommand(parts), TimeCommand(parts)};
 }
 

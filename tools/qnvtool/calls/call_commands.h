@@ -24,6 +24,7 @@ Command ReplayCommand(const CallParts& parts);
 Command CheckCommand(const CallParts& parts);
 Command RecordCommand();
 Command DiffCommand();
+Command TrimCommand(const CallParts& parts);
 Command InfoCommand();
 Command DumpCommand();
 Command RenderCommand(const CallParts& parts);

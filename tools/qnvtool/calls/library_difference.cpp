@@ -26,7 +26,7 @@ bool MayEndBand(const calls::StoredCall& call) {
 // The state before each call that may end a band and after the calls [from, to), and the results of all calls up to
 // `to`.
 std::vector<Trace> TraceOf(const calls::CallFile& file, const calls::Functions& functions, std::size_t from,
-                           std::size_t to, std::string* error) {
+                           std::size_t to, const std::function<bool(std::size_t)>& keep, std::string* error) {
   std::vector<Trace> traces;
   calls::Player player(file, functions);
   const auto hash = [&](const calls::StoredCall& call, Trace* trace) {
@@ -52,7 +52,7 @@ std::vector<Trace> TraceOf(const calls::CallFile& file, const calls::Functions& 
     traces.push_back(trace);
     return true;
   };
-  const calls::PlayReport report = player.Play({.compare = false}, watcher);
+  const calls::PlayReport report = player.Play({.compare = false, .keep = keep}, watcher);
   *error = report.error;
   return traces;
 }
@@ -78,13 +78,13 @@ bool FirstDifference(const std::vector<Trace>& a, const std::vector<Trace>& b, s
 }  // namespace
 
 LibraryDifference CompareLibraries(const calls::CallFile& file, const calls::Functions& first,
-                                   const calls::Functions& second) {
+                                   const calls::Functions& second, const std::function<bool(std::size_t call)>& keep) {
   LibraryDifference difference;
   std::size_t coarse = 0;
   {
-    const auto a = TraceOf(file, first, SIZE_MAX, SIZE_MAX, &difference.error);
+    const auto a = TraceOf(file, first, SIZE_MAX, SIZE_MAX, keep, &difference.error);
     if (!difference.error.empty()) return difference;
-    const auto b = TraceOf(file, second, SIZE_MAX, SIZE_MAX, &difference.error);
+    const auto b = TraceOf(file, second, SIZE_MAX, SIZE_MAX, keep, &difference.error);
     if (!difference.error.empty() || !FirstDifference(a, b, &coarse, &difference.what)) return difference;
   }
   // The call lies behind the last end of a band of the same device.
@@ -96,8 +96,8 @@ LibraryDifference CompareLibraries(const calls::CallFile& file, const calls::Fun
     file.DecodeCall(file.CallItem(i), &call);
     if (MayEndBand(call) && call.Device() == device) from = i;
   }
-  const auto a = TraceOf(file, first, from, coarse + 1, &difference.error);
-  const auto b = TraceOf(file, second, from, coarse + 1, &difference.error);
+  const auto a = TraceOf(file, first, from, coarse + 1, keep, &difference.error);
+  const auto b = TraceOf(file, second, from, coarse + 1, keep, &difference.error);
   difference.found = FirstDifference(a, b, &difference.call, &difference.what);
   return difference;
 }
