@@ -232,7 +232,7 @@ void CallChecker::CheckText(const Slots& slots, const Device& device) {
     const auto* const base = slots.Pointer<uint8_t>(kTextFont);
     for (int32_t i = 0; i < shape.characters && !overlaps; ++i) {
       const uint32_t entry = shape.EntryAt(shape.IndexOf(string, i));
-      const GlyphRange glyph = GlyphOf(shape, base + entry);
+      const GlyphRange glyph = GlyphOf(shape, PlaceAt(base, entry));
       overlaps =
           glyph.bytes != 0 && glyph.first < entry + shape.EntryBytes() && glyph.first + glyph.bytes > shape.fontOffset;
     }
@@ -301,7 +301,7 @@ void CallChecker::CheckImage(const Slots& slots, const Device& device) {
     for (uint64_t at = 0; at < range.bytes; at += rowBytes) {
       for (int32_t x = 0; x < shape.width; ++x) {
         const uint32_t bit = static_cast<uint32_t>(x) * shape.bitCount;
-        const uint8_t byte = bits[static_cast<std::size_t>(range.first) + at + bit / 8];
+        const uint8_t byte = *PlaceAt(bits, range.first + static_cast<int64_t>(at + bit / 8));
         const uint32_t index = byte >> (8 - shape.bitCount - bit % 8) & ((1u << shape.bitCount) - 1);
         maxIndex = std::max(maxIndex, index);
       }

@@ -200,7 +200,7 @@ bool DibBitsRange(const DibShape& shape, const ImageRequest& request, const void
   const uint64_t lastRow = (static_cast<uint64_t>(shape.width) * shape.bitCount + 7) / 8;
   range->first = static_cast<std::ptrdiff_t>(static_cast<uint64_t>(low) * rowBytes);
   range->bytes = static_cast<std::size_t>(static_cast<uint64_t>(high - low - 1) * rowBytes + lastRow);
-  return limit.Holds(static_cast<const uint8_t*>(bits) + range->first, range->bytes);
+  return limit.Holds(PlaceAt(bits, range->first), range->bytes);
 }
 
 SourceFields ReadSourceFields(const void* record) {
@@ -282,7 +282,7 @@ bool ReadTextShape(const Slots& slots, const Limit& font, TextShape* shape) {
   if (slots.at[kFontBase] == 0 || slots.at[kMode] == 0 || (slots.at[kString] == 0 && count != 0)) return true;
   shape->reads = true;
   shape->fontOffset = slots.Low16(kFontOffset);
-  const uint8_t* const record = slots.Pointer<uint8_t>(kFontBase) + shape->fontOffset;
+  const uint8_t* const record = PlaceAt(slots.Pointer<void>(kFontBase), shape->fontOffset);
   if (!font.Holds(record, kFontRecordBytes)) return false;
   const auto info = ReadAs<FONTINFO>(record);
   shape->characters = count < 0 ? -count : count;
@@ -316,16 +316,16 @@ bool TextSuffices(const Slots& slots, const Limit* limits) {
   const uint8_t* const string = slots.Pointer<uint8_t>(kString);
   const uint8_t* const base = slots.Pointer<uint8_t>(kFontBase);
   for (int32_t i = 0; i < shape.characters; ++i) {
-    const uint8_t* const entry = base + shape.EntryAt(shape.IndexOf(string, i));
+    const uint8_t* const entry = PlaceAt(base, shape.EntryAt(shape.IndexOf(string, i)));
     if (!limits[kFontBase].Holds(entry, shape.EntryBytes())) return false;
     const GlyphRange glyph = GlyphOf(shape, entry);
-    if (glyph.bytes != 0 && !limits[kFontBase].Holds(base + glyph.first, glyph.bytes)) return false;
+    if (glyph.bytes != 0 && !limits[kFontBase].Holds(PlaceAt(base, glyph.first), glyph.bytes)) return false;
   }
   return true;
 }
 
 bool RangeHolds(const Limit& limit, const void* bits, const SourceRange& range) {
-  return limit.Holds(static_cast<const uint8_t*>(bits) + range.first, range.Bytes());
+  return limit.Holds(PlaceAt(bits, range.first), range.Bytes());
 }
 
 }  // namespace

@@ -40,6 +40,11 @@ T ReadAs(const void* at) {
   return value;
 }
 
+// A place at a distance from a pointer, which may itself lie outside any memory: only the place need be there.
+inline const uint8_t* PlaceAt(const void* pointer, int64_t distance) {
+  return reinterpret_cast<const uint8_t*>(reinterpret_cast<uintptr_t>(pointer) + static_cast<uintptr_t>(distance));
+}
+
 // Memory behind a pointer, as a distance from it.
 struct Range {
   std::ptrdiff_t first = 0;

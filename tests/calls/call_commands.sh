@@ -145,6 +145,28 @@ grep -qF "1 of them drawing calls" stdout || fail "more than one call shows the 
 expect 0 "brush=solid 0xC0A000" "" dump few.qnv --call output --color 0xC0A000
 expect 5 "the bands differ" "differ at call" replay few.qnv --against defect.so
 
+# The same calls as a program, which shows the defect as well, and so does the whole page of the host.
+expect 0 "" "" to-c few.qnv -o few.c
+"${CC:-cc}" -std=c99 -Wall -Wextra -Werror -I"$include" few.c -o few -L"$bin" -lqnvdrv10 -Wl,-rpath,"$bin" || fail "few.c"
+mkdir right wrong page-bands
+(cd right && ../few >../stdout) || fail "few: $(cat stdout)"
+(cd wrong && LD_PRELOAD=../defect.so ../few >../stdout) || fail "few with a defect: $(cat stdout)"
+[ "$(ls right)" = "$(ls wrong)" ] && [ -n "$(ls right)" ] || fail "the programs write different bands"
+diff -rq right wrong >stdout && fail "the program does not show the defect"
+expect 0 "" "" to-c host.qnv -o page.c
+"${CC:-cc}" -std=c99 -Wall -Wextra -Werror -I"$include" page.c -o page -L"$bin" -lqnvdrv10 -Wl,-rpath,"$bin" || fail "page.c"
+(cd page-bands && ../page >../stdout) || fail "page: $(cat stdout)"
+# Its last band is the end of the page: 72 rows of the 96 in memory.
+if ! python3 - host.ppm page-bands/band-1-829.pnm <<'EOF'
+import sys
+page, band = (open(name, 'rb').read() for name in sys.argv[1:3])
+assert band.startswith(b'P6\n600 96\n255\n')
+assert page[-72 * 1800:] == band[-96 * 1800:][:72 * 1800]
+EOF
+then
+  fail "the program paints another page"
+fi
+
 # Without a file nothing is recorded and nothing is different.
 QNVREC_LIBRARY=$bin/libqnvdrv10.so LD_PRELOAD=$bin/libqnvrec.so "$bin/example_host" off.bmp || fail "recorder off"
 cmp -s plain.bmp off.bmp || fail "the recorder changed the picture while off"

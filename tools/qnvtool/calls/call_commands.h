@@ -24,6 +24,7 @@ Command ReplayCommand(const CallParts& parts);
 Command CheckCommand(const CallParts& parts);
 Command RecordCommand();
 Command DiffCommand();
+Command ToCCommand(const CallParts& parts);
 Command TrimCommand(const CallParts& parts);
 Command InfoCommand();
 Command DumpCommand();
