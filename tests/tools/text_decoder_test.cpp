@@ -94,7 +94,9 @@ TEST(TextDecoder, OtherEncodingsThroughIconv) {
   EXPECT_EQ(tool::OpenIconvDecoder("no-such-encoding"), nullptr);
 }
 
-std::string Detect(const std::string& bytes) { return tool::DetectEncoding(EncodedBytes(bytes), bytes.size(), "x.txt"); }
+std::string Detect(const std::string& bytes) {
+  return tool::DetectEncoding(EncodedBytes(bytes), bytes.size(), "x.txt");
+}
 
 TEST(TextDecoder, Detection) {
   const auto with = [](const char* text, std::size_t size) { return std::string(text, size); };
