@@ -113,7 +113,8 @@ class RowsBitmap {
 
   void Read(PageSource& source, int rows) {
     bits_.assign(stride_ * static_cast<std::size_t>(rows), 0);
-    for (int i = 0; i < 4; ++i) info_[static_cast<std::size_t>(8 + i)] = static_cast<uint8_t>(rows >> 8 * i);
+    constexpr std::size_t kHeightField = 8;
+    for (std::size_t i = 0; i < 4; ++i) info_[kHeightField + i] = static_cast<uint8_t>(rows >> 8 * i);
     for (int row = rows - 1; row >= 0; --row) {
       source.ReadRow(row_.data());
       uint8_t* const target = bits_.data() + static_cast<std::size_t>(row) * stride_;

@@ -87,6 +87,7 @@ std::array<uint8_t, kCount> CodeLengths(std::array<uint32_t, kCount> counts, int
     std::stable_sort(symbols.begin(), symbols.end(), [&](auto a, auto b) { return counts[a] < counts[b]; });
     // Leaves come first, then inner nodes in the order of their weights: the two lightest are at the front of either.
     std::vector<Node> nodes;
+    nodes.reserve(2 * symbols.size());
     for (const std::size_t symbol : symbols) nodes.push_back({counts[symbol], 0});
     const std::size_t leaves = nodes.size();
     std::size_t leaf = 0, inner = leaves;
@@ -271,7 +272,10 @@ uint32_t DeflateRuns(const uint8_t* bytes, std::size_t size, DeflateEnd end, std
     runCodes[run] = {code.bits | uint32_t{length.extra} << code.count, code.count + length.extraBits + 1};
   }
 
-  uint64_t bits = 3 + 14 + 3 * kLengthSymbols + 14 * description.size() + 64 + 5 * 8;
+  // At most: the header, the lengths of codes, the tokens, the end.
+  constexpr std::size_t kHeaderBits = 3 + 14 + 3 * kLengthSymbols;
+  constexpr std::size_t kEndBits = 64;
+  uint64_t bits = kHeaderBits + (kMaxLengthCodeBits + std::size_t{7}) * description.size() + kEndBits;
   for (std::size_t symbol = 0; symbol < kSymbols; ++symbol) {
     bits += uint64_t{tokens.counts[symbol]} * (lengths[symbol] + (symbol > kEndOfBlock ? 6u : 0u));
   }
