@@ -24,7 +24,7 @@ check_packages=(
   g++-aarch64-linux-gnu qemu-user
   fonts-lohit-deva fonts-droid-fallback
   poppler-utils qpdf libtiff-tools pngcheck
-  cups-ipp-utils dbus-daemon cups-daemon cups-client cups-filters
+  cups-ipp-utils dbus-daemon cups-daemon cups-core-drivers cups-client cups-filters
 )
 
 case $mode in

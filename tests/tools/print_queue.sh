@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# The filter in a print queue: what comes out has the pixels that went in. A print server of this test's own runs on a
-# free port of this machine.
+# The filter in a print queue: what comes out has the pixels that went in. Print servers of this test's own run on
+# free ports of this machine.
 #   print_queue.sh QNVTOOL FOLDER-OF-BUILT-FILES
 set -uo pipefail
 
@@ -10,10 +10,11 @@ root=$(dirname "$(dirname "$(dirname "$(realpath "${BASH_SOURCE[0]}")")")")
 filter=$bin/qnvfilter
 reader=$bin/raster_to_ppm
 work=$(mktemp -d)
-server=
+servers=()
 # shellcheck disable=SC2317
 finish() {
-  [ -z "$server" ] || { kill "$server" 2>/dev/null; wait "$server" 2>/dev/null; }
+  local pid
+  for pid in "${servers[@]}"; do kill "$pid" 2>/dev/null; wait "$pid" 2>/dev/null; done
   rm -rf "$work"
 }
 trap finish EXIT
@@ -31,7 +32,7 @@ for program in cupsd lpadmin lp lpstat cupstestppd pdftoppm; do
   command -v $program >/dev/null || { echo "$program is not installed (scripts/setup.sh check)" >&2; exit 1; }
 done
 server_bin=/usr/lib/cups
-[ -x $server_bin/filter/pdftopdf ] || { echo "cups-filters is not installed (scripts/setup.sh check)" >&2; exit 1; }
+[ -x $server_bin/filter/pdftopdf ] && [ -x $server_bin/filter/gziptoany ] || { echo "a filter is not installed (scripts/setup.sh check)" >&2; exit 1; }
 
 "$tool" make-picture photo photo.bmp --width 200 --height 150 || fail "make-picture"
 printf '# Title\n\nSome text.\n' >text.txt
@@ -93,17 +94,23 @@ refused "Resolution=12: use 20dpi to 4800dpi" 1 me title 1 Resolution=12 color.p
 # The description of the printer.
 cupstestppd -q -W all "$root/packaging/cups/qnvdrv10.ppd" || fail "$(cupstestppd -W all "$root/packaging/cups/qnvdrv10.ppd")"
 
-# A server with the filter among those of the system.
-mkdir -p root state cache spool/tmp log server/filter
+# The programs of the servers: the filter among those of the system.
+mkdir -p programs/filter
 for folder in "$server_bin"/*/; do
   name=$(basename "$folder")
-  [ "$name" = filter ] || ln -s "$folder" "server/$name"
+  [ "$name" = filter ] || ln -s "$folder" "programs/$name"
 done
-ln -s $server_bin/filter/* server/filter/
-cp "$filter" server/filter/qnvfilter
+ln -s $server_bin/filter/* programs/filter/
+cp "$filter" programs/filter/qnvfilter
 port=$((20000 + $$ % 20000))
-while (: </dev/tcp/127.0.0.1/$port) 2>/dev/null; do port=$((port + 1)); done
-cat >cupsd.conf <<CONF
+
+# start_server NAME: starts a server; $CUPS_SERVER and $port are its own then, and $errors is its log.
+start_server() {
+  local folder=$work/$1
+  mkdir -p "$folder"/{root,state,cache,spool/tmp,log}
+  port=$((port + 1))
+  while (: </dev/tcp/127.0.0.1/$port) 2>/dev/null; do port=$((port + 1)); done
+  cat >"$folder/cupsd.conf" <<CONF
 Listen localhost:$port
 Browsing No
 WebInterface No
@@ -119,28 +126,34 @@ DefaultAuthType None
   </Limit>
 </Policy>
 CONF
-# Builds with sanitizers cannot look for leaks as the user that the server runs filters as.
-cat >cups-files.conf <<CONF
+  # Builds with sanitizers cannot look for leaks as the user that the server runs filters as.
+  cat >"$folder/cups-files.conf" <<CONF
 SetEnv ASAN_OPTIONS detect_leaks=0
-ServerRoot $work/root
-StateDir $work/state
-CacheDir $work/cache
-RequestRoot $work/spool
-TempDir $work/spool/tmp
-ServerBin $work/server
-ErrorLog $work/log/errors
-AccessLog $work/log/accesses
-PageLog $work/log/pages
+ServerRoot $folder/root
+StateDir $folder/state
+CacheDir $folder/cache
+RequestRoot $folder/spool
+TempDir $folder/spool/tmp
+ServerBin $work/programs
+ErrorLog $folder/log/errors
+AccessLog $folder/log/accesses
+PageLog $folder/log/pages
 FileDevice Yes
 CONF
-cupsd -f -c "$work/cupsd.conf" -s "$work/cups-files.conf" >server.log 2>&1 &
-server=$!
-export CUPS_SERVER=localhost:$port
-for _ in $(seq 200); do
-  lpstat -r 2>/dev/null | grep -q "is running" && break
-  kill -0 $server 2>/dev/null || { echo "cupsd ended: $(cat server.log log/errors)" >&2; exit 1; }
-  sleep 0.05
-done
+  errors=$folder/log/errors
+  cupsd -f -c "$folder/cupsd.conf" -s "$folder/cups-files.conf" >"$folder/output" 2>&1 &
+  servers+=($!)
+  export CUPS_SERVER=localhost:$port
+  for _ in $(seq 200); do
+    lpstat -r 2>/dev/null | grep -q "is running" && return
+    kill -0 "${servers[-1]}" 2>/dev/null || break
+    sleep 0.05
+  done
+  echo "cupsd does not run: $(cat "$folder/output" "$errors")" >&2
+  exit 1
+}
+
+start_server host
 for queue in one two; do
   : >$queue.out
   chmod 666 $queue.out
@@ -156,10 +169,10 @@ printed() {
   [ -n "$job" ] || { fail "lp $*: $(cat messages)"; return; }
   for _ in $(seq 600); do
     lpstat -W completed -o 2>/dev/null | grep -q "^$job " || { sleep 0.1; continue; }
-    grep -q "\[Job ${job##*-}\] Job stopped due to filter errors" log/errors && break
+    grep -q "\[Job ${job##*-}\] Job stopped due to filter errors" "$errors" && break
     return
   done
-  fail "job $job does not end or fails: $(lpstat -p) $(grep -F "[Job ${job##*-}]" log/errors | grep -v envp | tail -n 20)"
+  fail "job $job does not end or fails: $(lpstat -p) $(grep -F "[Job ${job##*-}]" "$errors" | grep -v envp | tail -n 20)"
 }
 
 printed -d one sheet.pwg
@@ -184,13 +197,29 @@ grep -qF "printer two: image/pwg-raster at 300 dpi, color, iso_a4_210x297mm" mes
 "$reader" two.out | cmp - sheet.ppm || fail "other pixels through the queue"
 
 # A class hands jobs to the queue that is free.
-lpadmin -p one -c both && lpadmin -p two -c both && cupsenable both && cupsaccept both || fail "lpadmin -c"
-lpadmin -p one -E && cupsdisable one
-: >one.out
-: >two.out
-printed -d both sheet.pwg
-[ ! -s one.out ] || fail "a job went to the disabled queue"
-"$reader" two.out | cmp - sheet.ppm || fail "other pixels through the class"
+make_class() { # CLASS QUEUE QUEUE
+  lpadmin -p "$2" -c "$1" && lpadmin -p "$3" -c "$1" && cupsenable "$1" && cupsaccept "$1" || fail "class $1"
+}
+# class_prints CLASS DISABLED: the job goes to the other queue, whose device gets the pixels
+class_prints() {
+  cupsdisable "$2" || fail "cupsdisable $2"
+  : >one.out
+  : >two.out
+  printed -d "$1" sheet.pwg
+  [ ! -s one.out ] || fail "a job of the class $1 went to the disabled queue"
+  "$reader" two.out | cmp - sheet.ppm || fail "other pixels through the class $1"
+}
+make_class both one two
+class_prints both one
+cupsenable one || fail "cupsenable"
+
+# The same with queues of another server, whose filters do the work.
+host=ipp://localhost:$port/printers
+start_server front
+lpadmin -p host1 -E -v "$host/one" -m raw 2>/dev/null && lpadmin -p host2 -E -v "$host/two" -m raw 2>/dev/null ||
+  fail "queues of another server"
+make_class farm host1 host2
+class_prints farm host1
 
 if [ "$failures" -ne 0 ]; then
   echo "$failures checks failed" >&2
