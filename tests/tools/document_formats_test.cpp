@@ -11,7 +11,6 @@
 #include <string>
 #include <vector>
 
-#include "qnvtool/layout/page_words.h"
 #include "qnvtool/layout/text_lines.h"
 #include "qnvtool/output/documents.h"
 #include "qnvtool/output/pdf_text.h"
@@ -230,22 +229,6 @@ TEST(DocumentFormats, CompleteOrNotThere) {
   }
 }
 
-TEST(DocumentFormats, WordsOfPages) {
-  const std::unique_ptr<tool::Font> font = std::make_unique<tool::PlainFont>(std::make_unique<SyntheticFont>(20));
-  tool::Page page;
-  page.items.emplace_back(tool::MakeLine(U"ab c\u20ACd", *font, 100, 50));
-  page.items.emplace_back(tool::MakeLine(U" \u00A0 ", *font, 7, 90));
-  page.items.emplace_back(tool::Figure());
-  const std::vector<tool::PageWord> words = tool::WordsOf(page);
-  ASSERT_EQ(words.size(), 1u);
-  EXPECT_TRUE(words[0].text == U"ab c\u20ACd");
-  EXPECT_EQ(words[0].left, 100);
-  EXPECT_EQ(words[0].baseline, 50);
-  EXPECT_EQ(words[0].width, std::get<tool::TextLine>(page.items[0]).width);
-  EXPECT_EQ(words[0].ascent, 20);
-  EXPECT_EQ(words[0].descent, 6);
-}
-
 TEST(DocumentFormats, InvisibleText) {
   tool::PdfText text;
   EXPECT_EQ(text.Draw({}, 100, 1), "");
@@ -254,6 +237,9 @@ TEST(DocumentFormats, InvisibleText) {
   EXPECT_EQ(drawn, "BT 3 Tr\n200.00 Tz 1 0 0 1 5.000 10.000 Tm /T0 10.000 Tf <000100> Tj\nET\n");
   EXPECT_EQ(text.fonts(), 1u);
   EXPECT_EQ(text.CodesOf(0), 2u);
+  // Characters that are read from the right stand from the left, as they do in the picture.
+  const std::string turned = text.Draw({{U"ab", 10, 80, 20, 15, 5, true}}, 100, 1);
+  EXPECT_EQ(turned, "BT 3 Tr\n100.00 Tz 1 0 0 1 10.000 20.000 Tm /T0 20.000 Tf <0100> Tj\nET\n");
   // A second font begins behind 256 characters; a word may need both.
   std::u32string many;
   for (char32_t c = 0x400; c < 0x400 + 254; ++c) many.push_back(c);

@@ -28,11 +28,13 @@ struct TextLine {
   int breakExtra = 0;  // pixels that the rasteriser distributes over the spaces of the one-byte runs
   int breakCount = 0;  // spaces in these
   std::vector<TextRun> runs;
-  // What the line says, in reading order, and where, for formats that can be searched.
+  // What the line says, in reading order, and where, for formats that can be searched. A soft hyphen at the end stands
+  // for a hyphen that the text does not have.
   std::u32string text;
-  int width = 0;    // pixels from `left`
-  int ascent = 0;   // nominal pixels above the baseline
-  int descent = 0;  // and below
+  std::vector<CharacterPlace> places;  // of each character, from `left`
+  int width = 0;                       // pixels from `left`
+  int ascent = 0;                      // nominal pixels above the baseline
+  int descent = 0;                     // and below
 };
 
 // How a figure is filled.

@@ -8,7 +8,7 @@
 
 namespace qnv::tool {
 
-// A line of text in page pixels.
+// A word in page pixels. It has no spaces.
 struct PageWord {
   std::u32string text;  // in reading order
   int left = 0;
@@ -16,9 +16,10 @@ struct PageWord {
   int width = 0;
   int ascent = 0;  // of its font
   int descent = 0;
+  bool rightToLeft = false;
 };
 
-// Lines without letters are left out.
+// In the order in which they are read.
 std::vector<PageWord> WordsOf(const Page& page);
 
 }  // namespace qnv::tool

@@ -21,9 +21,15 @@ TextLine MakeLine(std::u32string_view text, const ShapedText& shaped, const Line
   line.breakCount = runs.breakCount;
   line.runs = std::move(runs.runs);
   for (std::size_t i = part.begin; i < part.end; ++i) {
-    if (!IsBreakControl(text[i])) line.text.push_back(text[i]);
+    if (IsBreakControl(text[i])) continue;
+    line.text.push_back(text[i]);
+    line.places.push_back(runs.places[i - part.begin]);
   }
-  if (part.hyphen) line.text.push_back(kSoftHyphen);  // so that a search finds the word
+  if (part.hyphen && !line.text.empty()) {
+    const bool leftwards = line.places.back().left < line.places.front().left;
+    line.text.push_back(kSoftHyphen);
+    line.places.push_back({leftwards ? 0 : line.places.back().right, leftwards ? line.places.back().left : runs.width});
+  }
   line.width = runs.width;
   line.ascent = font.ascent();
   line.descent = font.descent();

@@ -44,7 +44,10 @@ std::string PdfText::Draw(const std::vector<PageWord>& words, int height, double
       if (!codes.empty()) result += fmt::format(" /{} {:.3f} Tf <{}> Tj", PdfFontName(font), size, codes);
       codes.clear();
     };
-    for (const char32_t c : word.text) {
+    // Programs turn what is read from the right, so the characters have to stand as they do in the picture.
+    std::u32string visible = word.text;
+    if (word.rightToLeft) std::reverse(visible.begin(), visible.end());
+    for (const char32_t c : visible) {
       const std::size_t index = IndexOf(c);
       if (index / kFontSize != font) show();
       font = index / kFontSize;

@@ -38,12 +38,19 @@ struct LinePart {
   int spaces = 0;       // spaces in it
 };
 
+// The part of a line that a character takes up, in pixels from the start of the line: that of its cluster.
+struct CharacterPlace {
+  int left = 0;
+  int right = 0;
+};
+
 // What paints a line.
 struct LineRuns {
   std::vector<TextRun> runs;
-  int width = 0;       // pixels
-  int breakExtra = 0;  // pixels that the rasteriser distributes over the spaces of one-byte runs
-  int breakCount = 0;  // spaces in these
+  int width = 0;                       // pixels
+  int breakExtra = 0;                  // pixels that the rasteriser distributes over the spaces of one-byte runs
+  int breakCount = 0;                  // spaces in these
+  std::vector<CharacterPlace> places;  // of each character
 };
 
 // Units of advances in a pixel.

@@ -35,10 +35,31 @@ class PlainText final : public ShapedText {
       line.breakCount = part.spaces;
       line.width += line.breakExtra;
     }
+    line.places = Places(part, line);
     return line;
   }
 
  private:
+  // Spreads the extra pixels over the spaces as the rasteriser does.
+  std::vector<CharacterPlace> Places(const LinePart& part, const LineRuns& line) const {
+    std::vector<CharacterPlace> places;
+    int x = 0;
+    int error = 1;
+    for (std::size_t i = part.begin; i < part.end; ++i) {
+      const int left = x;
+      x += advances_[i] / kPixel;
+      places.push_back({left, x});
+      if (text_[i] != ' ' || line.breakCount == 0) continue;
+      x += line.breakExtra / line.breakCount;
+      error -= line.breakExtra % line.breakCount;
+      if (error < 1) {
+        ++x;
+        error += line.breakCount;
+      }
+    }
+    return places;
+  }
+
   PlainFont& font_;
   const std::u32string text_;
 };

@@ -217,6 +217,8 @@ class ShapedParagraph final : public ShapedText {
     }
     const int missing = part.spaces == 0 ? 0 : std::max(0, part.width - CeilPixels(natural));
     RunBuilder builder;
+    LineRuns line;
+    line.places.resize(part.end - part.begin, {-1, -1});
     int64_t pen = 0;
     int spaces = 0;
     for (const Item& piece : pieces) {
@@ -231,9 +233,16 @@ class ShapedParagraph final : public ShapedText {
           builder.Add(bitmap, RoundToPixels(pen + glyph.x) + bitmap.left, RoundToPixels(glyph.y));
         }
         pen += glyph.advance;
+        if (glyph.cluster == kHyphenCluster) continue;
+        // Of several glyphs of a cluster the first begins it and the last ends it.
+        CharacterPlace& place = line.places[glyph.cluster - part.begin];
+        if (place.left < 0) place.left = std::max(0, RoundToPixels(pen - glyph.advance));
+        place.right = std::max(place.left, RoundToPixels(pen));
       }
     }
-    LineRuns line;
+    for (std::size_t i = 0; i < line.places.size(); ++i) {
+      if (line.places[i].left < 0) line.places[i] = i == 0 ? CharacterPlace{} : line.places[i - 1];
+    }
     line.runs = builder.Take();
     line.width = CeilPixels(pen);
     return line;
