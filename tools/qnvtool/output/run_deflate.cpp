@@ -279,7 +279,7 @@ uint32_t DeflateRuns(const uint8_t* bytes, std::size_t size, DeflateEnd end, std
   for (std::size_t symbol = 0; symbol < kSymbols; ++symbol) {
     bits += uint64_t{tokens.counts[symbol]} * (lengths[symbol] + (symbol > kEndOfBlock ? 6u : 0u));
   }
-  result.resize(bits / 8 + 8);
+  result.resize(static_cast<std::size_t>(bits / 8) + 8);
   BitWriter writer(result.data());
   constexpr uint32_t kDynamicCodes = 2;
   writer.Write(end == DeflateEnd::kStream ? 1 : 0, 1);
