@@ -756,6 +756,19 @@ TEST(TiffReader, EveryPictureIsAPage) {
   EXPECT_TRUE(notes.empty());
 }
 
+// What comes before the break is printed.
+TEST(TiffReader, DirectoriesMayBreakOff) {
+  FileBytes file = TiffBytes({{}, {}, {}});
+  file.resize(file.size() - 600);  // in the rows of the third picture, whose directory follows them
+  std::vector<std::string> notes;
+  const auto pictures = tool::OpenPictures(tool::InputOf(file, "x.tif"), kDecoders,
+                                           [&](const std::string& note) { notes.push_back(note); });
+  EXPECT_EQ(pictures->count(), 2);
+  ASSERT_EQ(notes.size(), 1u);
+  EXPECT_TRUE(notes[0].starts_with("of its pictures only the first 2 can be read: ")) << notes[0];
+  ExpectColors(ReadWhole(file, kDecoders), [](int x, int y) { return TiffSample{}.Color(x, y); });
+}
+
 TEST(TiffReader, FilesMayBreakOffAnywhere) {
   for (const TiffSample& file :
        {TiffSample{}, TiffSample{.compression = COMPRESSION_LZW}, TiffSample{.tile = 16}, TiffSample{.bits = 16},

@@ -386,7 +386,7 @@ class TiffPages final : public PicturePages {
     } while (directories_.size() + others.size() < kMaxPages && TIFFReadDirectory(session.get()) == 1);
     if (directories_.empty()) directories_ = std::move(others);
     if (!session.error().empty() && notes) {
-      notes(fmt::format("only its first {} pictures can be read: {}", directories_.size(), session.error()));
+      notes(fmt::format("of its pictures only the first {} can be read: {}", directories_.size(), session.error()));
     }
   }
 
