@@ -33,7 +33,7 @@ bmp_header() {
 
 # The address sanitizer reserves memory of its own, far more than the limits.
 limited=true
-! ldd "$tool" | grep -q libasan || limited=false
+[ "$(ldd "$tool" | grep -c libasan)" -eq 0 ] || limited=false
 
 # The limit counts what the program allocates, stacks included, but no code and no files.
 prints_in() { # MB OUT ARGUMENT...
