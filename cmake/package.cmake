@@ -112,6 +112,14 @@ else()
   install(FILES ${changelog} DESTINATION ${qnv_install_docdir} RENAME changelog.gz COMPONENT development)
 endif()
 
+# ---- Recorder -----------------------------------------------------------------------------------------------------
+if(WIN32 OR QNV_TOOLS)
+  add_dependencies(package_files qnvrec)
+  install(TARGETS qnvrec
+    RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT tools
+    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT tools)
+endif()
+
 # ---- Tools -------------------------------------------------------------------------------------------------------
 if(TARGET qnvtool)
   add_dependencies(package_files qnvtool)

@@ -18,7 +18,7 @@ program=$(command -v clang-format-14 || command -v clang-format) || {
   echo "format: clang-format is not installed: run scripts/setup.sh check" >&2
   exit 1
 }
-mapfile -t files < <(find src tests tools bench fuzz -name '*.cpp' -o -name '*.h' | sort)
+mapfile -t files < <(find src calls recorder tests tools bench fuzz -name '*.cpp' -o -name '*.h' | sort)
 [ ${#files[@]} -gt 0 ] || exit 1
 if [ $# -eq 0 ]; then
   "$program" -i --style=file "${files[@]}"
