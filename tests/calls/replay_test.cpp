@@ -1,6 +1,9 @@
 // Recorded pages, made again.
 #include <gtest/gtest.h>
 
+#include <map>
+#include <thread>
+
 #include "calls/checker.h"
 #include "calls/hash.h"
 #include "calls/recording.h"
@@ -150,6 +153,54 @@ TEST(Replay, PaintsTheRecordedPages) {
     EXPECT_EQ(report.compared, page.checksums) << page.name;
     EXPECT_EQ(mistakes, 0u) << page.name;
   }
+}
+
+// Four threads, each with devices of its own: the calls of each device are in order, and paint what they painted.
+TEST(Replay, KeepsTheOrderOfEachDevice) {
+  constexpr int kThreads = 4, kDevices = 3, kPixels = 400;
+  calls::Bytes bytes;
+  {
+    RecordedHost host("threads", {.hashEveryCall = true});
+    std::vector<std::thread> threads;
+    for (int t = 0; t < kThreads; ++t) {
+      threads.emplace_back([&host, t] {
+        for (int d = 0; d < kDevices; ++d) {
+          const DeviceDescription description{QNV_KIND_RASTER, 24, 300, 40, 10, 300};
+          const BandRect rect{0, 0, 40, 10};
+          std::vector<uint8_t> band(120 * 10);
+          DeviceHandle* const device =
+              QNV_RECORDED_CALL(host, enable, kEnable, &description, &rect, band.data(), nullptr);
+          DRAWMODE mode{};
+          mode.Rop2 = R2_COPYPEN;
+          // The color counts the calls.
+          for (int i = 0; i < kPixels; ++i) {
+            QNV_RECORDED_CALL(host, pixel, kPixel, device, i % 40, i / 40, static_cast<uint32_t>(i << 4 | t), &mode,
+                              &rect);
+          }
+          QNV_RECORDED_CALL(host, disable, kDisable, device);
+        }
+      });
+    }
+    for (std::thread& thread : threads) thread.join();
+    bytes = host.Finish();
+  }
+  const CallFile file = FileOf(bytes);
+  ASSERT_EQ(file.DeviceCount(), static_cast<uint32_t>(kThreads * kDevices));
+  ASSERT_EQ(file.CallCount(), static_cast<std::size_t>(kThreads * kDevices * (kPixels + 2)));
+  std::map<uint32_t, uint32_t> next, color;
+  calls::StoredCall call;
+  for (std::size_t i = 0; i < file.CallCount(); ++i) {
+    file.DecodeCall(file.CallItem(i), &call);
+    if (call.function != calls::Function::kPixel) continue;
+    const uint32_t device = call.Device();
+    EXPECT_EQ(call.arguments[3].number >> 4, next[device]++) << "device " << device;
+    const auto [first, isNew] = color.try_emplace(device, call.arguments[3].number & 15);
+    EXPECT_EQ(first->second, call.arguments[3].number & 15) << "device " << device;
+  }
+  Player player(file, LinkedFunctions());
+  const PlayReport report = player.Play({});
+  EXPECT_TRUE(report.completed) << (report.differences.empty() ? report.error : report.differences[0].what);
+  EXPECT_EQ(report.compared, static_cast<std::size_t>(kThreads * kDevices * (kPixels + 1)));
 }
 
 // Files whose numbers do not fit are refused before the library sees them.
