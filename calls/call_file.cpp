@@ -257,12 +257,15 @@ bool CallFile::DecodeCall(const FileItem& item, StoredCall* call) const {
   ByteReader reader(item.payload, item.bytes);
   const uint8_t function = reader.Byte();
   if (!reader.ok() || function >= kFunctionCount) return false;
-  *call = StoredCall{};
   call->function = static_cast<Function>(function);
+  // Only what the call has is set: the whole record is large, and this runs for every call of a replay.
+  call->output = 0;
+  call->bandBefore = call->tagsBefore = call->bandAfter = call->tagsAfter = 0;
   call->thread = reader.Number32();
   const EntryPoint& entry = EntryPointOf(call->function);
   for (std::size_t i = 0; i < entry.argumentCount; ++i) {
     StoredArgument& argument = call->arguments[i];
+    argument = StoredArgument{};
     switch (entry.arguments[i].type) {
       case Type::kHandle:
         argument.number = reader.Number32();

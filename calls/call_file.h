@@ -37,7 +37,7 @@ struct StoredArgument {
   uint32_t nestedRecord = 0;  // blob of the source bitmap behind a logical brush
 };
 
-struct StoredCall {
+struct StoredCall {  // of the arguments, only as many as the function has are meant
   Function function = Function::kEnable;
   uint32_t thread = 0;
   StoredArgument arguments[kMaxArguments];
@@ -126,6 +126,8 @@ class CallFile {
   // Items of a file that was read can always be decoded.
   bool DecodeCall(const FileItem& item, StoredCall* call) const;
   bool DecodeBand(const FileItem& item, StoredBand* band) const;
+  // The function of a call, without decoding the rest.
+  static Function FunctionOf(const FileItem& item) { return static_cast<Function>(item.payload[0]); }
 
  private:
   bool ReadItems(const Bytes& raw, uint64_t blockOffset, Status* status);

@@ -60,6 +60,8 @@ bool Player::FindBandSizes(uint64_t maxPlaneBytes, std::string* error) {
   std::vector<DeviceShape> shapes(devices_.size());
   StoredCall call;
   for (std::size_t i = 0; i < file_.CallCount(); ++i) {
+    const Function function = CallFile::FunctionOf(file_.CallItem(i));
+    if (function != Function::kEnable && function != Function::kControl) continue;
     file_.DecodeCall(file_.CallItem(i), &call);
     const auto record = [&](std::size_t argument, std::size_t bytes) -> const uint8_t* {
       const StoredPointer& pointer = call.arguments[argument].pointer;
