@@ -650,7 +650,7 @@ FileBytes TiffBytes(const std::vector<TiffSample>& pages, int thumbnail = -1) {
     TIFFWriteDirectory(tiff);
   }
   TIFFClose(tiff);
-  const tool::Bytes bytes = tool::ReadFile(path);
+  const tool::Bytes bytes = tool::OpenInput(path)->All(std::size_t{1} << 30, "a test");
   std::remove(path.c_str());
   return bytes;
 }

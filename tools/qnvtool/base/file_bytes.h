@@ -1,4 +1,4 @@
-// A whole file in memory, and little-endian fields of it.
+// Bytes in memory, and little-endian fields of them.
 #pragma once
 
 #include <cstddef>
@@ -10,11 +10,7 @@ namespace qnv::tool {
 
 using Bytes = std::vector<uint8_t>;
 
-// Reads a file, "-" being standard input. Throws ToolError (bad input) naming the file when it cannot be opened or
-// read, is a folder, is empty, or has more than one gigabyte.
-Bytes ReadFile(const std::string& path);
-
-// The name of the file in messages.
+// The name of a file in messages, "-" being standard input.
 std::string DisplayName(const std::string& path);
 
 // Little-endian fields. Requires: offset + the size of the field <= bytes.size().
