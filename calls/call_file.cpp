@@ -44,7 +44,8 @@ CallFile::Status CallFile::Read(const uint8_t* bytes, std::size_t count, CallFil
     return Failure(error, offset, std::move(message));
   };
   const std::size_t magic = std::min(count, sizeof kFileMagic);
-  if (std::memcmp(bytes, kFileMagic, magic) != 0) return fail(FileError::kDamaged, 0, "this is no call file");
+  if (magic != 0 && std::memcmp(bytes, kFileMagic, magic) != 0)
+    return fail(FileError::kDamaged, 0, "this is no call file");
   if (count < kFileHeaderBytes) return fail(FileError::kTruncated, count, "the file ends inside its header");
   const uint32_t version = GetLittle<uint32_t>(bytes + 8);
   if (version > kFileVersion) {

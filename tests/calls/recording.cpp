@@ -124,7 +124,7 @@ calls::Bytes RecordSamplePage(const std::string& name, const DeviceDescription& 
     if (bandNumber != 0) QNV_RECORDED_CALL(host, control, kControl, device, QNV_CLEAR_BAND, nullptr, nullptr);
     QNV_RECORDED_CALL(host, control, kControl, device, 0x2077, &origin, &size);
     const int16_t banded[] = {4, 2, 50, 3, 9, 20, 30, 4};
-    const int16_t records[] = {5, 2, 1, 30, 3, 2, 9, 40, 50, 0, 2, 7, 8};
+    const int16_t records[] = {5, 2, 1, 30, 3, 2, 9, 40, 2, 7, 8};
     const int16_t deltas[] = {25, 4, 50, 0x0201, 0x7F80};
     QNV_RECORDED_CALL(host, output, kOutput, device, OS_BANDED_SPANS, 1, banded, nullptr, &brushes[1], &mode, &clip);
     QNV_RECORDED_CALL(host, output, kOutput, device, OS_ROW_RECORDS, 3, records, &pen, nullptr, &mode, &clip);
