@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "qnvtool/base/interruption.h"
+#include "qnvtool/base/phase_times.h"
 #include "qnvtool/base/temporary_file.h"
 #include "qnvtool/base/tool_error.h"
 #ifdef _WIN32
@@ -46,6 +47,7 @@ class RegularFile final : public InputFile {
   }
 
   std::size_t Read(uint64_t offset, void* to, std::size_t count) const override {
+    const PhaseTimer timer(Phase::kReading);
     OpenFile again(nullptr, std::fclose);
     if (file_ == nullptr) again = OpenFile(std::fopen(path_.c_str(), "rb"), std::fclose);
     std::FILE* const file = file_ != nullptr ? file_.get() : again.get();
