@@ -206,7 +206,7 @@ void CallChecker::CheckSpans(const Slots& slots) {
   bool fits = true;
   switch (style) {
     case OS_BEGINNSCAN:
-    case OS_ENDNSCAN: break;
+    case OS_ENDNSCAN:
     case OS_SCANLINES:
     case OS_SCANLINES + 100:
     case OS_ROW_SPANS: break;

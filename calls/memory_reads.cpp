@@ -161,7 +161,8 @@ RleExtent MeasureRle(const DibShape& shape, const void* bits, const Limit& limit
       const int32_t pixels = std::min<int32_t>(second, shape.width - column);
       // The pixels of an eight-bit literal that do not fit are read as codes, as the library does.
       const int32_t data = fourBit ? (second + 1) / 2 : pixels;
-      const std::size_t padded = static_cast<std::size_t>(data + (data & 1));
+      const int32_t padding = data & 1;
+      const std::size_t padded = static_cast<std::size_t>(data) + static_cast<std::size_t>(padding);
       const bool last = row == shape.height - 1 && column + pixels >= shape.width;
       if (!touch(last ? static_cast<std::size_t>(fourBit ? (pixels + 1) / 2 : pixels) : padded)) return extent;
       note(begin + at, pixels, false);

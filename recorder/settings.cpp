@@ -47,7 +47,7 @@ Settings ReadSettings() {
   const bool hasEnding = dot != std::string::npos && (slash == std::string::npos || dot > slash);
   const auto ini = ReadIni((hasEnding ? own.substr(0, dot) : own) + ".ini");
   const auto value = [&](const char* variable, const char* key) -> std::string {
-    const std::string set = EnvironmentOf(variable);
+    std::string set = EnvironmentOf(variable);
     if (!set.empty()) return set;
     const auto found = ini.find(key);
     return found == ini.end() ? "" : found->second;

@@ -53,8 +53,9 @@ std::string DifferenceOf(const calls::CallFile& a, const calls::StoredCall& x, c
       continue;
     }
     const std::string first = inWords(a, x, i), second = inWords(b, y, i);
-    return fmt::format("{}, {}: {}", entry.name, entry.arguments[i].name,
-                       first == second ? first + " with other contents" : first + " and " + second);
+    if (first == second)
+      return fmt::format("{}, {}: {} with other contents", entry.name, entry.arguments[i].name, first);
+    return fmt::format("{}, {}: {} and {}", entry.name, entry.arguments[i].name, first, second);
   }
   const uint32_t mask = entry.result == calls::Result::kLow16 ? 0xFFFF : UINT32_MAX;
   if ((x.result & mask) != (y.result & mask)) {

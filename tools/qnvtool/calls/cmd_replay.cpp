@@ -47,13 +47,13 @@ void ReplayAgainstLibrary(const calls::CallFile& file, const ReplayArguments& a,
   }
   fmt::print("call {} ({}): {}\n", difference.call, PlaceOf(file, difference.call), difference.what);
   if (!a.pictures.empty()) {
-    for (const auto& [functions, name] : {std::pair{&first.functions, "-a.png"}, {&second.functions, "-b.png"}}) {
-      calls::Player player(file, *functions);
+    for (const CalledLibrary* const library : {&first, &second}) {
+      const std::string picture = a.pictures + (library == &first ? "-a.png" : "-b.png");
+      calls::Player player(file, library->functions);
       player.Play({.compare = false}, {.before = {}, .after = [&](const calls::Player::MadeCall& made) {
                                          if (made.call != difference.call) return true;
                                          const calls::PlayedDevice* const device = player.Device(made.stored.Device());
-                                         if (device != nullptr)
-                                           WriteDevicePicture(*device, false, a.pictures + name, parts);
+                                         if (device != nullptr) WriteDevicePicture(*device, false, picture, parts);
                                          return false;
                                        }});
     }

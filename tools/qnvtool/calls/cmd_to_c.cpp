@@ -134,7 +134,7 @@ class CProgram {
   // Memory of pieces, put together when the program starts.
   std::string ImageName(uint32_t image) {
     const uint32_t root = file_.Image(image).root;
-    const std::string name = fmt::format("image{}", root);
+    std::string name = fmt::format("image{}", root);
     if (!images_.insert(root).second) return name;
     int64_t end = 1;
     std::string setUp;
@@ -156,7 +156,7 @@ class CProgram {
   }
 
   std::string RowsName(const calls::StoredPointer& pointer) {
-    const std::string name = fmt::format("rows{}_{}_{}", pointer.number, pointer.rowBytes, pointer.stride);
+    std::string name = fmt::format("rows{}_{}_{}", pointer.number, pointer.rowBytes, pointer.stride);
     if (!rows_.insert(name).second) return name;
     DefineBlob(pointer.number);
     const uint64_t rows = file_.Blob(pointer.number).bytes / pointer.rowBytes;
