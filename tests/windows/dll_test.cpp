@@ -11,7 +11,6 @@
 #include <fstream>
 #include <iterator>
 #include <map>
-#include <regex>
 #include <set>
 #include <string>
 #include <vector>
@@ -269,11 +268,8 @@ TEST_F(DllFile, NamesTheProductAndTheProjectsVersion) {
   std::vector<uint8_t> resource(GetFileVersionInfoSizeA(path_.c_str(), &unused));
   ASSERT_FALSE(resource.empty()) << "the file has no version resource";
   ASSERT_TRUE(GetFileVersionInfoA(path_.c_str(), 0, static_cast<DWORD>(resource.size()), resource.data()));
-  std::ifstream file(QNV_TEST_SOURCE_DIR "/../CMakeLists.txt");
-  const std::string text(std::istreambuf_iterator<char>(file), {});
-  std::smatch match;
-  ASSERT_TRUE(std::regex_search(text, match, std::regex("project\\(QNVDRV10 VERSION ([0-9]+)\\.([0-9]+)\\.([0-9]+)")));
-  const std::string version = match.format("$1.$2.$3");
+  constexpr uint32_t kMajor = QNVDRV10_VERSION_MAJOR, kMinor = QNVDRV10_VERSION_MINOR, kPatch = QNVDRV10_VERSION_PATCH;
+  const std::string version = std::to_string(kMajor) + "." + std::to_string(kMinor) + "." + std::to_string(kPatch);
 
   void* value = nullptr;
   UINT size = 0;
@@ -289,8 +285,8 @@ TEST_F(DllFile, NamesTheProductAndTheProjectsVersion) {
   ASSERT_TRUE(VerQueryValueA(resource.data(), "\\", &value, &size));
   ASSERT_GE(size, sizeof(VS_FIXEDFILEINFO));
   const auto* fixed = static_cast<const VS_FIXEDFILEINFO*>(value);
-  EXPECT_EQ(std::stoul(match[1]) << 16 | std::stoul(match[2]), fixed->dwFileVersionMS);
-  EXPECT_EQ(std::stoul(match[3]), HIWORD(fixed->dwFileVersionLS));
+  EXPECT_EQ(kMajor << 16 | kMinor, fixed->dwFileVersionMS);
+  EXPECT_EQ(kPatch, HIWORD(fixed->dwFileVersionLS));
   EXPECT_EQ(fixed->dwFileVersionMS, fixed->dwProductVersionMS);
   EXPECT_EQ(fixed->dwFileVersionLS, fixed->dwProductVersionLS);
 }
