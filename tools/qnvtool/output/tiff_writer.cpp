@@ -21,7 +21,7 @@ namespace {
 using Buffer = std::vector<uint8_t>;
 
 constexpr std::size_t kStripBytes = std::size_t{1} << 20;  // before compression
-constexpr int kLevel = 4;
+constexpr int kDeflateLevel = 4;
 
 // The file as libtiff sees it. Failures are kept, because exceptions must not pass through libtiff.
 struct TiffStream {
@@ -88,7 +88,8 @@ Buffer Compress(Strip strip) {
   }
   uLongf size = compressBound(static_cast<uLong>(strip.rows.size()));
   Buffer result(size);
-  const int status = compress2(result.data(), &size, strip.rows.data(), static_cast<uLong>(strip.rows.size()), kLevel);
+  const int status =
+      compress2(result.data(), &size, strip.rows.data(), static_cast<uLong>(strip.rows.size()), kDeflateLevel);
   result.resize(status == Z_OK ? size : 0);
   return result;
 }
