@@ -9,6 +9,7 @@
 #include "qnvtool/base/tool_error.h"
 #include "qnvtool/calls/call_commands.h"
 #include "qnvtool/calls/call_input.h"
+#include "qnvtool/calls/call_options.h"
 
 namespace qnv::tool {
 namespace {
@@ -57,12 +58,7 @@ Command CheckCommand(const CallParts& parts) {
                   .footer = "Exit code 5: something was found. docs/host-mistakes.md explains the numbers.\n",
                   .options = {},
                   .run = {}};
-  command.options = {{.names = "file",
-                      .placeholder = "FILE.qnv",
-                      .help = "Call file",
-                      .value = Text{&arguments->file},
-                      .required = true,
-                      .fileTypes = "qnv"},
+  command.options = {CallFileArgument(&arguments->file),
                      {.names = "--show",
                       .placeholder = "N",
                       .help = "How many calls to list for each mistake (default 10)",

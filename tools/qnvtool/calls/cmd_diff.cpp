@@ -6,6 +6,7 @@
 #include "qnvtool/base/tool_error.h"
 #include "qnvtool/calls/call_commands.h"
 #include "qnvtool/calls/call_input.h"
+#include "qnvtool/calls/call_options.h"
 #include "qnvtool/calls/describe_call.h"
 
 namespace qnv::tool {
@@ -102,18 +103,8 @@ Command DiffCommand() {
                   .footer = "Exit code 5: something differs. Times, threads and places in memory are not compared.\n",
                   .options = {},
                   .run = {}};
-  command.options = {{.names = "first",
-                      .placeholder = "FILE.qnv",
-                      .help = "Call file",
-                      .value = Text{&a.first},
-                      .required = true,
-                      .fileTypes = "qnv"},
-                     {.names = "second",
-                      .placeholder = "FILE.qnv",
-                      .help = "Call file",
-                      .value = Text{&a.second},
-                      .required = true,
-                      .fileTypes = "qnv"},
+  command.options = {CallFileArgument(&a.first, "first"),
+                     CallFileArgument(&a.second, "second"),
                      {.names = "--show",
                       .placeholder = "N",
                       .help = "How many differing calls to list (default 10)",

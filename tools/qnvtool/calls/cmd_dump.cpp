@@ -9,6 +9,7 @@
 #include "qnvtool/base/tool_error.h"
 #include "qnvtool/calls/call_commands.h"
 #include "qnvtool/calls/call_input.h"
+#include "qnvtool/calls/call_options.h"
 #include "qnvtool/calls/describe_call.h"
 
 namespace qnv::tool {
@@ -78,12 +79,7 @@ Command DumpCommand() {
   DumpArguments& a = *arguments;
   Command command{.name = "dump", .summary = "Show the calls of a call file", .options = {}, .run = {}};
   command.options = {
-      {.names = "file",
-       .placeholder = "FILE.qnv",
-       .help = "Call file",
-       .value = Text{&a.file},
-       .required = true,
-       .fileTypes = "qnv"},
+      CallFileArgument(&a.file),
       {.names = "--json", .placeholder = "", .help = "One JSON object a line", .value = Flag{&a.json}},
       {.names = "--call",
        .placeholder = "NAME",

@@ -9,6 +9,7 @@
 
 #include "qnvtool/calls/call_commands.h"
 #include "qnvtool/calls/call_input.h"
+#include "qnvtool/calls/call_options.h"
 #include "qnvtool/calls/describe_call.h"
 
 namespace qnv::tool {
@@ -80,12 +81,7 @@ void PrintInfo(const std::string& path, const calls::CallFile& file) {
 Command InfoCommand() {
   auto path = std::make_shared<std::string>();
   Command command{.name = "info", .summary = "Say what a call file holds", .options = {}, .run = {}};
-  command.options = {{.names = "file",
-                      .placeholder = "FILE.qnv",
-                      .help = "Call file",
-                      .value = Text{path.get()},
-                      .required = true,
-                      .fileTypes = "qnv"}};
+  command.options = {CallFileArgument(path.get())};
   command.run = [path] { PrintInfo(*path, ReadCallFile(*path)); };
   return command;
 }

@@ -15,6 +15,7 @@
 #include "qnvtool/base/tool_error.h"
 #include "qnvtool/calls/call_commands.h"
 #include "qnvtool/calls/call_input.h"
+#include "qnvtool/calls/call_options.h"
 
 namespace qnv::tool {
 namespace {
@@ -123,12 +124,7 @@ Command RecordCommand() {
        .help = "Program that is linked with the library, or loads it, and its arguments",
        .value = Words{&a.program},
        .required = true},
-      {.names = "-o,--out",
-       .placeholder = "FILE.qnv",
-       .help = "Call file to write",
-       .value = Text{&a.out},
-       .required = true,
-       .fileTypes = "qnv"},
+      CallFileOut(&a.out),
       {.names = "--library",
        .placeholder = "FILE",
        .help = "Library that makes the calls (default: the one beside this program)",
@@ -139,10 +135,7 @@ Command RecordCommand() {
        .help = "Recorder (default: the one beside this program)",
        .value = Text{&a.recorder},
        .fileTypes = "so"},
-      {.names = "--hash",
-       .placeholder = "",
-       .help = "A checksum of the band after every drawing call",
-       .value = Flag{&a.hash}},
+      HashOption(&a.hash),
       {.names = "--flush",
        .placeholder = "",
        .help = "Write every call at once, for programs that crash",

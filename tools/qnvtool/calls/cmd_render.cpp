@@ -9,6 +9,7 @@
 #include "qnvtool/base/tool_error.h"
 #include "qnvtool/calls/call_commands.h"
 #include "qnvtool/calls/call_input.h"
+#include "qnvtool/calls/call_options.h"
 #include "qnvtool/calls/plane_picture.h"
 
 namespace qnv::tool {
@@ -136,12 +137,7 @@ Command RenderCommand(const CallParts& parts) {
   RenderArguments& a = *arguments;
   Command command{.name = "render", .summary = "Paint the page of a call file as a picture", .options = {}, .run = {}};
   command.options = {
-      {.names = "file",
-       .placeholder = "FILE.qnv",
-       .help = "Call file",
-       .value = Text{&a.file},
-       .required = true,
-       .fileTypes = "qnv"},
+      CallFileArgument(&a.file),
       {.names = "-o,--out",
        .placeholder = "FILE",
        .help = "Picture of the page: .png, .ppm or .pgm",
@@ -161,11 +157,7 @@ Command RenderCommand(const CallParts& parts) {
        .placeholder = "N",
        .help = "Page, where the bands of several follow one another (default 1)",
        .value = WholeNumber{&a.page, 1, 1000000}},
-      {.names = "--library",
-       .placeholder = "FILE",
-       .help = "Library to make the calls (default: the built-in one)",
-       .value = Text{&a.library},
-       .fileTypes = "so|dll"},
+      LibraryOption(&a.library),
   };
   command.run = [arguments, parts] { Render(*arguments, parts); };
   return command;

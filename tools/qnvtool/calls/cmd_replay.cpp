@@ -9,6 +9,7 @@
 #include "qnvtool/base/tool_error.h"
 #include "qnvtool/calls/call_commands.h"
 #include "qnvtool/calls/call_input.h"
+#include "qnvtool/calls/call_options.h"
 #include "qnvtool/calls/library_difference.h"
 #include "qnvtool/calls/plane_picture.h"
 
@@ -72,22 +73,10 @@ Command ReplayCommand(const CallParts& parts) {
                   .options = {},
                   .run = {}};
   command.options = {
-      {.names = "file",
-       .placeholder = "FILE.qnv",
-       .help = "Call file",
-       .value = Text{&arguments->file},
-       .required = true,
-       .fileTypes = "qnv"},
-      {.names = "--library",
-       .placeholder = "FILE",
-       .help = "Library to make the calls (default: the built-in one)",
-       .value = Text{&arguments->library},
-       .fileTypes = "so|dll"},
-      {.names = "--against",
-       .placeholder = "FILE",
-       .help = "Compare with this library, call by call, instead of with the file",
-       .value = Text{&arguments->against},
-       .fileTypes = "so|dll"},
+      CallFileArgument(&arguments->file),
+      LibraryOption(&arguments->library),
+      LibraryOption(&arguments->against, "--against",
+                    "Compare with this library, call by call, instead of with the file"),
       {.names = "--pictures",
        .placeholder = "PREFIX",
        .help = "With --against: write the two bands after the call that differs as PREFIX-a.png and PREFIX-b.png",

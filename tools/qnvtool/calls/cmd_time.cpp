@@ -9,6 +9,7 @@
 #include "qnvtool/base/tool_error.h"
 #include "qnvtool/calls/call_commands.h"
 #include "qnvtool/calls/call_input.h"
+#include "qnvtool/calls/call_options.h"
 
 namespace qnv::tool {
 namespace {
@@ -62,17 +63,8 @@ Command TimeCommand(const CallParts& parts) {
   TimeArguments& a = *arguments;
   Command command{.name = "time", .summary = "Measure the calls of a call file", .options = {}, .run = {}};
   command.options = {
-      {.names = "file",
-       .placeholder = "FILE.qnv",
-       .help = "Call file",
-       .value = Text{&a.file},
-       .required = true,
-       .fileTypes = "qnv"},
-      {.names = "--library",
-       .placeholder = "FILE",
-       .help = "Library to make the calls (default: the built-in one)",
-       .value = Text{&a.library},
-       .fileTypes = "so|dll"},
+      CallFileArgument(&a.file),
+      LibraryOption(&a.library),
       {.names = "--runs",
        .placeholder = "N",
        .help = "How often to replay; the best time of each call counts (default 5)",

@@ -11,6 +11,7 @@
 #include "qnvtool/base/tool_error.h"
 #include "qnvtool/calls/call_commands.h"
 #include "qnvtool/calls/call_input.h"
+#include "qnvtool/calls/call_options.h"
 
 namespace qnv::tool {
 namespace {
@@ -297,12 +298,7 @@ Command ToCCommand(const CallParts& parts) {
                   .footer = "For reports of defects; trim the file first.\n",
                   .options = {},
                   .run = {}};
-  command.options = {{.names = "file",
-                      .placeholder = "FILE.qnv",
-                      .help = "Call file",
-                      .value = Text{&arguments->file},
-                      .required = true,
-                      .fileTypes = "qnv"},
+  command.options = {CallFileArgument(&arguments->file),
                      {.names = "-o,--out",
                       .placeholder = "FILE.c",
                       .help = "Program to write",

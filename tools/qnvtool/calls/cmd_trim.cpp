@@ -12,6 +12,7 @@
 #include "qnvtool/base/tool_error.h"
 #include "qnvtool/calls/call_commands.h"
 #include "qnvtool/calls/call_input.h"
+#include "qnvtool/calls/call_options.h"
 #include "qnvtool/calls/library_difference.h"
 #include "qnvtool/calls/plane_picture.h"
 
@@ -253,18 +254,8 @@ Command TrimCommand(const CallParts& parts) {
       .options = {},
       .run = {}};
   command.options = {
-      {.names = "file",
-       .placeholder = "FILE.qnv",
-       .help = "Call file",
-       .value = Text{&a.file},
-       .required = true,
-       .fileTypes = "qnv"},
-      {.names = "-o,--out",
-       .placeholder = "FILE.qnv",
-       .help = "Call file to write",
-       .value = Text{&a.out},
-       .required = true,
-       .fileTypes = "qnv"},
+      CallFileArgument(&a.file),
+      CallFileOut(&a.out),
       {.names = "--from", .placeholder = "N", .help = "First call", .value = WholeNumber{&a.from, 0, 2000000000}},
       {.names = "--count", .placeholder = "N", .help = "How many calls", .value = WholeNumber{&a.count, 0, 2000000000}},
       {.names = "--rect",
@@ -280,20 +271,9 @@ Command TrimCommand(const CallParts& parts) {
        .help = "As few calls as still show a difference between --library and --against",
        .value = Flag{&a.untilDiffers},
        .excludes = "--rect"},
-      {.names = "--library",
-       .placeholder = "FILE",
-       .help = "Library to make the calls (default: the built-in one)",
-       .value = Text{&a.library},
-       .fileTypes = "so|dll"},
-      {.names = "--against",
-       .placeholder = "FILE",
-       .help = "The other library of --until-differs (default: the built-in one)",
-       .value = Text{&a.against},
-       .fileTypes = "so|dll"},
-      {.names = "--hash",
-       .placeholder = "",
-       .help = "A checksum of the band after every drawing call",
-       .value = Flag{&a.hash}},
+      LibraryOption(&a.library),
+      LibraryOption(&a.against, "--against", "The other library of --until-differs (default: the built-in one)"),
+      HashOption(&a.hash),
       {.names = "--stored",
        .placeholder = "",
        .help = "No compression, for readers without it",

@@ -6,14 +6,11 @@
 #include <memory>
 #include <string>
 
+#include "qnvtool/base/note_sink.h"
 #include "qnvtool/input/dib.h"
 #include "qnvtool/input/input_file.h"
 
 namespace qnv::tool {
-
-// Takes remarks for the user, one line each, about what was changed or repaired in a file. They may come again when
-// the file is read again.
-using NoteSink = std::function<void(const std::string&)>;
 
 // Some rows of a picture as a bitmap of their own.
 struct DibWindow {

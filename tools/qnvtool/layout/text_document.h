@@ -4,6 +4,7 @@
 #include <functional>
 #include <string>
 
+#include "qnvtool/base/note_sink.h"
 #include "qnvtool/layout/text_layout.h"
 #include "qnvtool/text/text_reader.h"
 
@@ -23,9 +24,6 @@ struct TextOptions {
 
 // Throws ToolError (usage) unless the encoding of the options can be opened.
 void CheckEncoding(const TextOptions& options);
-
-// Takes a line for the user about the text.
-using NoteSink = std::function<void(const std::string&)>;
 
 // The memory that it needs does not depend on the length of the text.
 class TextDocument {
