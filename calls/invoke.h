@@ -7,25 +7,9 @@
 #include <utility>
 
 #include "calls/entry_points.h"
+#include "calls/functions.h"
 
 namespace qnv::calls {
-
-// The functions of one library, in the order of the table.
-struct Functions {
-  decltype(&QNVEnable) enable;
-  decltype(&QNVDisable) disable;
-  decltype(&QNVGetDeviceInfo) getDeviceInfo;
-  decltype(&QNVControl) control;
-  decltype(&QNVColorInfo) colorInfo;
-  decltype(&QNVRealizeObject) realizeObject;
-  decltype(&QNVPixel) pixel;
-  decltype(&QNVPolyPixel) polyPixel;
-  decltype(&QNVDevBitBlt) bitBlt;
-  decltype(&QNVOutput) output;
-  decltype(&QNVDevExtTextOut) extTextOut;
-  decltype(&QNVStretchDIBits) stretchDIBits;
-  decltype(&QNVDevSetDIBitsToDevice) setDIBitsToDevice;
-};
 
 // The arguments of a call: pointers as they are, numbers of 32 bits without a sign in the low half.
 struct Slots {

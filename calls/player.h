@@ -49,7 +49,7 @@ struct PlayReport {
 
 class Player {
  public:
-  // file, functions: outlive the player.
+  // file: outlives the player.
   Player(const CallFile& file, const Functions& functions);
   ~Player();
   Player(const Player&) = delete;
@@ -107,7 +107,7 @@ class Player {
   void End();
 
   const CallFile& file_;
-  const Functions& functions_;
+  const Functions functions_;
   std::vector<PlayedDevice> devices_;  // by number; 0 is not used
   std::vector<DeviceShape> shapes_;    // the same, as the calls that are prepared leave them
   std::vector<uint64_t> bandBytes_, tagBytes_;

@@ -20,27 +20,12 @@ std::mutex startLock;
 // Neither is ever freed: threads of the host may still be inside a call when the process ends.
 Session* started = nullptr;
 
-template <class T>
-bool Resolve(T& function, void* library, const char* name, std::string* error) {
-  function = reinterpret_cast<T>(FindSymbol(library, name));
-  if (function == nullptr) *error = std::string("the library does not export ") + name;
-  return function != nullptr;
-}
-
 bool ResolveAll(Functions& functions, void* library, std::string* error) {
-  return Resolve(functions.enable, library, "QNVEnable", error) &&
-         Resolve(functions.disable, library, "QNVDisable", error) &&
-         Resolve(functions.getDeviceInfo, library, "QNVGetDeviceInfo", error) &&
-         Resolve(functions.control, library, "QNVControl", error) &&
-         Resolve(functions.colorInfo, library, "QNVColorInfo", error) &&
-         Resolve(functions.realizeObject, library, "QNVRealizeObject", error) &&
-         Resolve(functions.pixel, library, "QNVPixel", error) &&
-         Resolve(functions.polyPixel, library, "QNVPolyPixel", error) &&
-         Resolve(functions.bitBlt, library, "QNVDevBitBlt", error) &&
-         Resolve(functions.output, library, "QNVOutput", error) &&
-         Resolve(functions.extTextOut, library, "QNVDevExtTextOut", error) &&
-         Resolve(functions.stretchDIBits, library, "QNVStretchDIBits", error) &&
-         Resolve(functions.setDIBitsToDevice, library, "QNVDevSetDIBitsToDevice", error);
+  return ForEachFunction(functions, [&](const char* name, auto& function) {
+    function = reinterpret_cast<std::remove_reference_t<decltype(function)>>(FindSymbol(library, name));
+    if (function == nullptr) *error = std::string("the library does not export ") + name;
+    return function != nullptr;
+  });
 }
 
 void StopInChild() {

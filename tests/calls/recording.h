@@ -12,13 +12,7 @@
 
 namespace qnv::test {
 
-inline const calls::Functions& LinkedFunctions() {
-  static const calls::Functions functions{
-      QNVEnable,        QNVDisable,       QNVGetDeviceInfo,       QNVControl,   QNVColorInfo,
-      QNVRealizeObject, QNVPixel,         QNVPolyPixel,           QNVDevBitBlt, QNVOutput,
-      QNVDevExtTextOut, QNVStretchDIBits, QNVDevSetDIBitsToDevice};
-  return functions;
-}
+using calls::LinkedFunctions;
 
 // A path in the folder of test results; the process number keeps programs that run at the same time apart.
 std::string ResultPath(const std::string& name);

@@ -23,12 +23,8 @@ calls::CallFile ReadCallFile(const std::string& path) {
 
 CalledLibrary OpenCalledLibrary(const std::string& path, const CallParts& parts) {
   CalledLibrary library;
-  library.rasteriser = path.empty() ? parts.linkedRasteriser() : LoadRasteriser(path);
+  library.functions = path.empty() ? parts.linkedRasteriser() : LoadRasteriser(path);
   library.name = path.empty() ? "the built-in library" : path;
-  const Rasteriser& r = library.rasteriser;
-  library.functions = {r.enable,        r.disable,       r.getDeviceInfo,    r.control, r.colorInfo,
-                       r.realizeObject, r.pixel,         r.polyPixel,        r.bitBlt,  r.output,
-                       r.extTextOut,    r.stretchDIBits, r.setDIBitsToDevice};
   return library;
 }
 

@@ -13,10 +13,9 @@ namespace qnv::tool {
 // Throws ToolError (bad input) with the offset for every other defect.
 calls::CallFile ReadCallFile(const std::string& path);
 
-// A library by path, or the linked one for an empty path, with its functions as calls/ takes them.
+// A library by path, or the linked one for an empty path.
 struct CalledLibrary {
-  Rasteriser rasteriser;
-  calls::Functions functions;
+  Rasteriser functions;
   std::string name;  // for messages
 };
 CalledLibrary OpenCalledLibrary(const std::string& path, const CallParts& parts);

@@ -3,21 +3,6 @@
 
 namespace qnv::tool {
 
-Rasteriser LinkedRasteriser() {
-  return {QNVEnable,
-          QNVDisable,
-          QNVGetDeviceInfo,
-          QNVControl,
-          QNVColorInfo,
-          QNVRealizeObject,
-          QNVPixel,
-          QNVPolyPixel,
-          QNVDevBitBlt,
-          QNVOutput,
-          QNVDevExtTextOut,
-          QNVStretchDIBits,
-          QNVDevSetDIBitsToDevice,
-          nullptr};
-}
+Rasteriser LinkedRasteriser() { return {calls::LinkedFunctions(), nullptr}; }
 
 }  // namespace qnv::tool

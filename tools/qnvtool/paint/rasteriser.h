@@ -5,25 +5,11 @@
 #include <memory>
 #include <string>
 
-#include "qnvdrv10.h"
+#include "calls/functions.h"
 
 namespace qnv::tool {
 
-struct Rasteriser {
-  decltype(&QNVEnable) enable;
-  decltype(&QNVDisable) disable;
-  decltype(&QNVGetDeviceInfo) getDeviceInfo;
-  decltype(&QNVControl) control;
-  decltype(&QNVColorInfo) colorInfo;
-  decltype(&QNVRealizeObject) realizeObject;
-  decltype(&QNVPixel) pixel;
-  decltype(&QNVPolyPixel) polyPixel;
-  decltype(&QNVDevBitBlt) bitBlt;
-  decltype(&QNVOutput) output;
-  decltype(&QNVDevExtTextOut) extTextOut;
-  decltype(&QNVStretchDIBits) stretchDIBits;
-  decltype(&QNVDevSetDIBitsToDevice) setDIBitsToDevice;
-
+struct Rasteriser : calls::Functions {
   // Keeps a loaded library open as long as any copy of the table lives; null for the linked one.
   std::shared_ptr<void> library;
 };
