@@ -20,18 +20,6 @@ std::string ResultPath(const std::string& name) {
   return std::string(QNV_TEST_OUTPUT_DIR) + "/" + name + "-" + std::to_string(process) + ".qnv";
 }
 
-calls::Bytes ReadAll(const std::string& path) {
-  calls::Bytes bytes;
-  std::FILE* const file = std::fopen(path.c_str(), "rb");
-  if (file == nullptr) return bytes;
-  uint8_t buffer[4096];
-  for (std::size_t read; (read = std::fread(buffer, 1, sizeof buffer, file)) != 0;) {
-    bytes.insert(bytes.end(), buffer, buffer + read);
-  }
-  std::fclose(file);
-  return bytes;
-}
-
 namespace {
 
 constexpr int kSampleHeight = 8;

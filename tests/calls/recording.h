@@ -7,6 +7,7 @@
 
 #include "calls/call_capture.h"
 #include "calls/call_file.h"
+#include "calls/exact_replay.h"
 #include "calls/invoke.h"
 #include "calls/player.h"
 
@@ -16,7 +17,6 @@ using calls::LinkedFunctions;
 
 // A path in the folder of test results; the process number keeps programs that run at the same time apart.
 std::string ResultPath(const std::string& name);
-calls::Bytes ReadAll(const std::string& path);
 
 class RecordedHost {
  public:

@@ -22,6 +22,7 @@ TEST(MulDiv, RoundsHalvesAwayFromZero) {
       {"negative below half", -1, 1, 3, 0},
       {"negative divisor", 19, 360, -720, -10},
       {"both negative", -19, 360, -720, 10},
+      {"negative divisor, far from a half", 100, 1, -3, -33},
       {"zero divisor", 5, 5, 0, -1},
       {"zero over zero", 0, 0, 0, -1},
       {"product beyond 32 bits", INT32_MAX, 1000, 1000, INT32_MAX},
