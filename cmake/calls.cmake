@@ -24,7 +24,8 @@ if(CMAKE_SIZEOF_VOID_P EQUAL 8 AND NOT CMAKE_CROSSCOMPILING AND NOT QNV_SANITIZE
   endif()
 endif()
 
-# The recorder: a drop-in with the exports and ordinals of the library, from the same export list.
+# The recorder: a drop-in with the exports and ordinals of the library, from the same export list, and a function of
+# its own that hosts look up by name.
 file(GLOB recorder_sources CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/recorder/*.cpp)
 add_library(qnvrec SHARED ${recorder_sources})
 target_link_libraries(qnvrec PRIVATE calls qnv_options ${CMAKE_DL_LIBS})
@@ -37,15 +38,19 @@ endif()
 if(WIN32)
   file(READ ${PROJECT_SOURCE_DIR}/src/entry/qnvdrv10.def recorder_exports)
   string(REPLACE "QNVDRV10.dll" "QNVREC.dll" recorder_exports "${recorder_exports}")
+  string(APPEND recorder_exports "  QNVRecOnFinding          @200\n")
   file(CONFIGURE OUTPUT ${PROJECT_BINARY_DIR}/qnvrec.def CONTENT "${recorder_exports}" @ONLY)
   target_sources(qnvrec PRIVATE ${PROJECT_BINARY_DIR}/qnvrec.def)
   set_target_properties(qnvrec PROPERTIES PREFIX "" OUTPUT_NAME QNVREC ARCHIVE_OUTPUT_NAME qnvrec)
 else()
+  file(READ ${PROJECT_BINARY_DIR}/qnvdrv10.map recorder_exports)
+  string(REPLACE "global:" "global:\n    QNVRecOnFinding;" recorder_exports "${recorder_exports}")
+  file(CONFIGURE OUTPUT ${PROJECT_BINARY_DIR}/qnvrec.map CONTENT "${recorder_exports}" @ONLY)
   target_link_options(qnvrec PRIVATE
-    -Wl,--version-script=${PROJECT_BINARY_DIR}/qnvdrv10.map -Wl,--exclude-libs,ALL -Wl,-z,relro,-z,now)
+    -Wl,--version-script=${PROJECT_BINARY_DIR}/qnvrec.map -Wl,--exclude-libs,ALL -Wl,-z,relro,-z,now)
 endif()
 
-# The recorder exports what the library exports.
+# The recorder exports what the library exports, and its own function.
 if(QNV_TESTS AND NOT QNV_SANITIZERS)
   if(WIN32)
     set(recorder_format pe)
@@ -54,5 +59,5 @@ if(QNV_TESTS AND NOT QNV_SANITIZERS)
   endif()
   add_test(NAME recorder_exports COMMAND ${CMAKE_COMMAND}
     -D FORMAT=${recorder_format} -D LIBRARY=$<TARGET_FILE:qnvrec> -D NM=${CMAKE_NM} -D OBJDUMP=${CMAKE_OBJDUMP}
-    -D PUBLISHED=${PROJECT_SOURCE_DIR}/tests/published_exports.txt -P ${PROJECT_SOURCE_DIR}/cmake/check_exports.cmake)
+    -D PUBLISHED=${PROJECT_SOURCE_DIR}/tests/published_exports.txt "-DADDED=200 QNVRecOnFinding" -P ${PROJECT_SOURCE_DIR}/cmake/check_exports.cmake)
 endif()

@@ -50,7 +50,7 @@ install(CODE "
       \"\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_LIBDIR}/$<TARGET_FILE_NAME:qnvdrv10_static>\"
       COMMAND_ERROR_IS_FATAL ANY)
   endif()" COMPONENT development)
-install(FILES ${PROJECT_SOURCE_DIR}/include/qnvdrv10.h
+install(FILES ${PROJECT_SOURCE_DIR}/include/qnvdrv10.h ${PROJECT_SOURCE_DIR}/include/qnvrec.h
   DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT development)
 
 foreach(kind IN ITEMS Shared Static)

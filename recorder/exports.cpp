@@ -1,5 +1,5 @@
 // The thirteen functions as the library exports them. Each passes its call on unchanged; when something is recorded, by
-// way of the recorder.
+// way of the recorder. And what hosts can ask of the recorder itself.
 #include <cstddef>
 #include <utility>
 
@@ -45,6 +45,10 @@ R Pass(R (*calls::Functions::*member)(P...), Function function, A... arguments) 
 using qnv::calls::Function;
 using qnv::calls::Functions;
 using qnv::recorder::Pass;
+
+QNV_ENTRY uint32_t QNVRecOnFinding(QNVFindingCallback* callback, void* context) {
+  return qnv::recorder::SetFindingCallback(callback, context) ? 1 : 0;
+}
 
 QNV_ENTRY DeviceHandle* QNVEnable(const DeviceDescription* description, const BandRect* bandRect, void* buffer,
                                   void* secondBuffer) {

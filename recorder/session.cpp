@@ -33,10 +33,33 @@ void StopInChild() {
   if (started != nullptr) started->capture = nullptr;
 }
 
-// The first findings of each kind, so that a mistake that is made everywhere does not hide the others.
+// The host's callback. Its lock is held while it runs, so that it may go away once it is removed. A callback may set
+// another one.
+std::recursive_mutex callbackLock;
+QNVFindingCallback* findingCallback = nullptr;
+void* callbackContext = nullptr;
+
+void CallBack(const Finding& finding) {
+  const std::lock_guard locked(callbackLock);
+  if (findingCallback == nullptr) return;
+  const EntryPoint& entry = EntryPointOf(finding.function);
+  const MistakeText& text = TextOf(finding.mistake);
+  const QNVFinding told{.size = sizeof told,
+                        .mistake = static_cast<uint32_t>(finding.mistake),
+                        .call = finding.call,
+                        .function = entry.name,
+                        .argument = entry.arguments[finding.argument].name,
+                        .wrong = text.wrong,
+                        .advice = text.advice};
+  findingCallback(&told, callbackContext);
+}
+
+// To the callback, and in words the first findings of each kind, so that a mistake that is made everywhere does not
+// hide the others.
 void TellFinding(const Finding& finding) {
   constexpr int kMaxTold = 20;
   static int told[kMistakeCount + 1];  // under the lock of the capture
+  CallBack(finding);
   int& count = told[static_cast<std::size_t>(finding.mistake)];
   if (count++ < kMaxTold) Tell("qnvrec: " + Describe(finding));
 }
@@ -64,6 +87,7 @@ Session* Start() {
   CaptureOptions options{settings.hashEveryCall, settings.flushEveryCall, settings.compress};
   if (settings.check) options.check = TellFinding;
   session->capture = new CallCapture(file, options);
+  session->checks = settings.check;
   session->capture->Note("recorder", "1");
   OnFork(StopInChild);
   return session;
@@ -106,6 +130,13 @@ uintptr_t RecordedCall(const Session& session, Function function, const Slots& s
   } catch (const std::bad_alloc&) {
   }
   return result;
+}
+
+bool SetFindingCallback(QNVFindingCallback* callback, void* context) {
+  const std::lock_guard locked(callbackLock);
+  findingCallback = callback;
+  callbackContext = context;
+  return CurrentSession().checks;
 }
 
 void EndOfProcess() {

@@ -57,7 +57,7 @@ example_files() { printf 'examples/%s\n' host.c small_font.h CMakeLists.txt; }
 
 deb_files() {
   { # relative to /usr
-    printf '%s\n' bin/qnvtool include/qnvdrv10.h lib/libqnvdrv10.so lib/libqnvdrv10_static.a lib/libqnvrec.so
+    printf '%s\n' bin/qnvtool include/qnvdrv10.h include/qnvrec.h lib/libqnvdrv10.so lib/libqnvdrv10_static.a lib/libqnvrec.so
     printf '%s\n' lib/cups/filter/qnvfilter share/ppd/qnvdrv10/qnvdrv10.ppd
     printf 'share/%s\n' man/man1/qnvtool.1.gz bash-completion/completions/qnvtool doc/qnvdrv10-dev/changelog.gz
     cmake_files
@@ -66,7 +66,7 @@ deb_files() {
 }
 
 zip_files() {
-  printf '%s\n' bin/QNVDRV10.dll bin/QNVDRV10.dll.debug bin/QNVREC.dll include/qnvdrv10.h CHANGELOG.md
+  printf '%s\n' bin/QNVDRV10.dll bin/QNVDRV10.dll.debug bin/QNVREC.dll include/qnvdrv10.h include/qnvrec.h CHANGELOG.md
   printf 'lib/%s\n' QNVDRV10.lib QNVDRV10.def libqnvdrv10.dll.a libqnvdrv10_static.a
   cmake_files
   documents

@@ -183,6 +183,48 @@ QNVREC_FILE=/nowhere/x.qnv QNVREC_LIBRARY=$bin/libqnvdrv10.so LD_PRELOAD=$bin/li
   "$bin/example_host" none.bmp 2>stderr || fail "a file that cannot be written stops the host"
 grep -qF "qnvrec: cannot write /nowhere/x.qnv; nothing is recorded" stderr || fail "cannot write: $(cat stderr)"
 
+# A host may be told of its mistakes while it runs.
+cat >asks.c <<'EOF'
+#define _GNU_SOURCE
+#include <dlfcn.h>
+#include <stdio.h>
+#include <string.h>
+
+#include "qnvrec.h"
+
+static void told(const QNVFinding *finding, void *context) {
+  printf("%u %d call %d %s %s %s, %zu %zu\n", finding->mistake, finding->size == sizeof *finding, (int)finding->call,
+         finding->function, finding->argument, (const char *)context, strlen(finding->wrong), strlen(finding->advice));
+}
+
+int main(void) {
+  static unsigned char band[30 * 10];
+  DeviceDescription description = {QNV_KIND_RASTER, 24, 300, 10, 10, 300};
+  BandRect rect = {0, 0, 10, 10};
+  DeviceHandle *device = QNVEnable(&description, &rect, band, 0);
+  QNVRecOnFindingFunction on_finding = (QNVRecOnFindingFunction)dlsym(RTLD_DEFAULT, "QNVRecOnFinding");
+  if (on_finding == 0) return puts("not recorded") < 0;
+  printf("checked: %u\n", on_finding(told, (void *)"first"));
+  QNVDevBitBlt(device, 0, 0, 0, 0, 0, 9, 9, 0x00000042, 0, 0, 0);
+  on_finding(told, (void *)"second");
+  QNVDisable(device);
+  QNVControl(device, QNV_CLEAR_BAND, 0, 0);
+  on_finding(0, 0);
+  QNVControl(device, QNV_CLEAR_BAND, 0, 0);
+  return 0;
+}
+EOF
+"${CC:-cc}" -I"$include" asks.c -o asks -L"$bin" -lqnvdrv10 -Wl,-rpath,"$bin" || fail "asks.c"
+[ "$(./asks)" = "not recorded" ] || fail "a host without the recorder finds its function"
+expect 0 "checked: 0" "" record -o asks.qnv -- ./asks
+grep -q "call [0-9]" stdout && fail "findings without checks: $(cat stdout)"
+QNVREC_FILE=asks.qnv QNVREC_CHECK=1 QNVREC_LIBRARY=$bin/libqnvdrv10.so LD_PRELOAD=$bin/libqnvrec.so ./asks >stdout 2>stderr
+expected='checked: 1
+2 1 call 1 QNVDevBitBlt clip first, 54 67
+1 1 call 3 QNVControl handle second, 78 103'
+[ "$(cat stdout)" = "$expected" ] || fail "the host is told: $(cat stdout)"
+expect 5 "5 calls, 3 mistakes" "the host makes mistakes" check asks.qnv
+
 # A host that ends without a word: with --flush every call before is there.
 expect 2 "" "made no calls that could be recorded" record -o nothing.qnv -- true
 head -c 6000 host.qnv >cut.qnv

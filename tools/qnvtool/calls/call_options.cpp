@@ -36,4 +36,11 @@ Option HashOption(bool* given) {
           .value = Flag{given}};
 }
 
+Option StoredOption(bool* given) {
+  return {.names = "--stored",
+          .placeholder = "",
+          .help = "No compression, for readers without it",
+          .value = Flag{given}};
+}
+
 }  // namespace qnv::tool

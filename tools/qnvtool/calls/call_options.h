@@ -21,4 +21,7 @@ Option LibraryOption(std::string* path, const std::string& name, const std::stri
 // --hash: of every drawing call.
 Option HashOption(bool* given);
 
+// --stored: blocks that are not compressed.
+Option StoredOption(bool* given);
+
 }  // namespace qnv::tool

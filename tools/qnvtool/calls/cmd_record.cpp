@@ -23,7 +23,7 @@ namespace {
 struct RecordArguments {
   std::vector<std::string> program;
   std::string out, library, recorder;
-  bool hash = false, flush = false, check = false;
+  bool hash = false, flush = false, check = false, stored = false;
 };
 
 // A library beside the program or in the folder of libraries that belongs to it.
@@ -59,6 +59,7 @@ void Run(const RecordArguments& a, const std::string& recorder, const std::strin
     setenv("QNVREC_HASH", a.hash ? "call" : "", 1);
     setenv("QNVREC_FLUSH", a.flush ? "call" : "", 1);
     setenv("QNVREC_CHECK", a.check ? "1" : "", 1);
+    setenv("QNVREC_COMPRESS", a.stored ? "0" : "", 1);
     std::vector<char*> arguments;
     for (const std::string& argument : a.program) arguments.push_back(const_cast<char*>(argument.c_str()));
     arguments.push_back(nullptr);
@@ -136,6 +137,7 @@ Command RecordCommand() {
        .value = Text{&a.recorder},
        .fileTypes = "so"},
       HashOption(&a.hash),
+      StoredOption(&a.stored),
       {.names = "--flush",
        .placeholder = "",
        .help = "Write every call at once, for programs that crash",

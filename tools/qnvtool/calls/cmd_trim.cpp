@@ -274,10 +274,7 @@ Command TrimCommand(const CallParts& parts) {
       LibraryOption(&a.library),
       LibraryOption(&a.against, "--against", "The other library of --until-differs (default: the built-in one)"),
       HashOption(&a.hash),
-      {.names = "--stored",
-       .placeholder = "",
-       .help = "No compression, for readers without it",
-       .value = Flag{&a.stored}},
+      StoredOption(&a.stored),
   };
   command.run = [arguments, parts] { Trim(*arguments, parts); };
   return command;
