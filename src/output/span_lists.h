@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
+#include <type_traits>
 
 #include "output/scratch_buffer.h"
 #include "output/span_painter.h"
@@ -70,6 +71,15 @@ class SpanLists {
   // From caller coordinates to band pixels.
   int32_t MappedX(int32_t x) const { return mapping_.ToBand(WrapAdd(x, origin_.x)); }
   int32_t MappedY(int32_t y) const { return mapping_.ToBand(WrapAdd(y, origin_.y)); }
+  // How many of the rows from yStart on need no look, because they lie above the limits.
+  int32_t RowsAbove(int32_t yStart, int32_t count) const {
+    if constexpr (std::is_same_v<Mapping, PlainMapping>) {
+      const int64_t first = int64_t{yStart} + origin_.y;
+      if (first < INT32_MIN) return 0;  // its number wraps: it lies far below
+      return static_cast<int32_t>(std::clamp<int64_t>(limits_.top - first, 0, count));
+    }
+    return 0;
+  }
   bool RowInside(int32_t y) const { return limits_.top <= y && y < limits_.bottom; }
 
   // left, right: caller coordinates, the origin not yet added.
@@ -138,7 +148,7 @@ class SpanLists {
   // Style 305. The y of the first row, then one word pair (left, right) for each row.
   void RowSpans(SpanWords words, uint16_t count) {
     const int32_t yStart = words.At(0);
-    for (int32_t row = 0; row < count; ++row) {
+    for (int32_t row = RowsAbove(yStart, count); row < count; ++row) {
       const int32_t y = MappedY(yStart + row);
       if (y >= limits_.bottom) return;
       if (RowInside(y)) PaintSpan(y, Clipped(words.At(1 + 2 * row), words.At(2 + 2 * row)));

@@ -52,11 +52,12 @@ int32_t RunOneByte(const FontRecord& font, const uint8_t* string, int32_t count,
   int16_t error = *justification.breakError;  // when it falls below 1, a break gets one more pixel
   int32_t total = 0;
   int32_t walked = n;
-  // Where every step is the same and nothing is painted, the advance is a product.
-  const bool equalSteps = !font.IsVariablePitch() && justification.breakExtra == 0;
-  if (equalSteps && (!drawing || std::is_same_v<PaintGlyph, NoGlyphs>)) {
+  // Where nothing is painted or justified, the advance is a sum.
+  if (justification.breakExtra == 0 && (!drawing || std::is_same_v<PaintGlyph, NoGlyphs>)) {
     walked = 0;
-    total = WrapMultiply(n, font.FixedWidth() + justification.characterExtra);
+    total = font.IsVariablePitch()
+                ? WrapAdd(font.TableWidthOf(string, n), WrapMultiply(n, justification.characterExtra))
+                : WrapMultiply(n, font.FixedWidth() + justification.characterExtra);
   }
   for (int32_t i = 0; i < walked; ++i) {
     const uint16_t index = font.IndexOf(string[i]);

@@ -223,6 +223,8 @@ TEST(RowSpans, Lists) {
           {"the walk ends after count rows", 2, {0, /**/ 0, 1, /**/ 0, 2, /**/ 0, 3}, {{0, 0, 1, 1}, {0, 1, 2, 2}}},
           {"count 0", 0, {0, 0, 13}},
           {"the first row below the band", 3, {6}},
+          {"all rows above the band", 3, {-3, /**/ 0, 13, /**/ 0, 13, /**/ 0, 13}},
+          {"the numbers of the rows wrap", 3, {-1, 0, 13, 0, 13, 0, 13}, {}, kEverywhere, {.originY = INT32_MIN}},
       });
 }
 
