@@ -37,17 +37,7 @@ class FontRecord {
   uint16_t TableWidth(uint16_t index) const { return Read<uint16_t>(Entry(index)); }
   // The widths of n one-byte characters, added up. It is all that a text beside the band needs, and documents have much
   // more of that than of any other: every band gets the whole page.
-  int32_t TableWidthOf(const uint8_t* string, int32_t n) const {
-    const uint32_t first = info_.dfFirstChar, last = info_.dfLastChar, other = info_.dfDefaultChar;
-    const uint8_t* const widths = Entry(0);
-    const std::size_t entryBytes = HasShortTable() ? 4 : 6;
-    uint32_t sum = 0;
-    for (int32_t i = 0; i < n; ++i) {
-      const uint32_t code = string[i];
-      sum += Read<uint16_t>(widths + entryBytes * (code < first || code > last ? other : code - first));
-    }
-    return static_cast<int32_t>(sum);
-  }
+  int32_t TableWidthOf(const uint8_t* string, int32_t n) const;
   // The bits of a glyph: columns of eight pixels, Height() bytes each, bit 0x80 leftmost.
   const uint8_t* Glyph(uint16_t index) const {
     const uint8_t* offset = Entry(index) + 2;
