@@ -1,7 +1,7 @@
 // Reads call files. Everything here may be damaged or written by somebody hostile.
 #include "calls/call_file.h"
 
-#include <cstdio>
+#include <algorithm>
 
 #include "calls/block_codec.h"
 #include "calls/hash.h"
@@ -15,6 +15,25 @@ CallFile::Status Failure(FileError error, uint64_t offset, std::string message) 
 
 std::string Number(uint64_t value) { return std::to_string(value); }
 
+// What a file may hold uncompressed.
+constexpr uint64_t kMaxFileBytes = uint64_t{1} << 33;
+// Calls, blobs or images of a file that is read in parts.
+constexpr uint64_t kMaxItems = uint64_t{1} << 26;
+
+// The footer at `at`, behind which nothing may follow.
+CallFile::Status ReadFooter(FileBytes& bytes, uint64_t at) {
+  const uint64_t size = bytes.Size();
+  if (size - at < kFooterBytes) return Failure(FileError::kTruncated, size, "the file ends inside its footer");
+  const uint8_t* const footer = bytes.At(at, kFooterBytes);
+  if (footer == nullptr || std::memcmp(footer + 8, kFooterMagic, sizeof kFooterMagic) != 0) {
+    return Failure(FileError::kDamaged, at, "the footer is damaged");
+  }
+  if (size - at > kFooterBytes) {
+    return Failure(FileError::kDamaged, at + kFooterBytes, "something follows the footer");
+  }
+  return {};
+}
+
 }  // namespace
 
 uint32_t StoredCall::Device() const {
@@ -23,96 +42,227 @@ uint32_t StoredCall::Device() const {
   return arguments[0].number < 2 ? 0 : arguments[0].number - 1;
 }
 
-CallFile::Status CallFile::ReadFrom(const std::string& path, CallFile* file) {
-  std::FILE* const opened = std::fopen(path.c_str(), "rb");
-  if (opened == nullptr) return Failure(FileError::kDamaged, 0, "the file cannot be opened");
-  Bytes bytes;
-  uint8_t buffer[65536];
-  for (std::size_t read; (read = std::fread(buffer, 1, sizeof buffer, opened)) != 0;) {
-    bytes.insert(bytes.end(), buffer, buffer + read);
-  }
-  const bool failed = std::ferror(opened) != 0;
-  std::fclose(opened);
-  if (failed) return Failure(FileError::kDamaged, bytes.size(), "the file cannot be read");
-  return Read(bytes.data(), bytes.size(), file);
+CallFile::Status CallFile::Read(const uint8_t* bytes, std::size_t count, CallFile* file, uint64_t maxBytes) {
+  FileBytes memory(bytes, count);
+  return ReadAll(memory, file, maxBytes);
 }
 
-CallFile::Status CallFile::Read(const uint8_t* bytes, std::size_t count, CallFile* file, uint64_t maxBytes) {
+CallFile::Status CallFile::ReadFrom(const std::string& path, CallFile* file) {
+  FileBytes disk(path);
+  if (!disk.IsOpen()) {
+    *file = CallFile();
+    return Failure(FileError::kDamaged, 0, "the file cannot be opened");
+  }
+  return ReadAll(disk, file, kMaxFileBytes);
+}
+
+CallFile::Status CallFile::ReadAll(FileBytes& bytes, CallFile* file, uint64_t maxBytes) {
   *file = CallFile();
-  const auto fail = [&](FileError error, uint64_t offset, std::string message) {
-    if (error != FileError::kTruncated) *file = CallFile();
-    return Failure(error, offset, std::move(message));
-  };
-  const std::size_t magic = std::min(count, sizeof kFileMagic);
-  if (magic != 0 && std::memcmp(bytes, kFileMagic, magic) != 0)
-    return fail(FileError::kDamaged, 0, "this is no call file");
-  if (count < kFileHeaderBytes) return fail(FileError::kTruncated, count, "the file ends inside its header");
-  const uint32_t version = GetLittle<uint32_t>(bytes + 8);
-  if (version > kFileVersion) {
-    return fail(FileError::kNewer, 8, "version " + Number(version) + " is newer than " + Number(kFileVersion));
-  }
-  if (version == 0 || GetLittle<uint64_t>(bytes + 16) != Hash64(bytes, 16)) {
-    return fail(FileError::kDamaged, 8, "the header is damaged");
-  }
-  file->pointerBytes_ = bytes[12];
-  file->system_ = bytes[13];
-  std::size_t at = kFileHeaderBytes;
-  for (bool indexed = false;;) {
-    if (indexed) {
-      if (count - at < kFooterBytes) return fail(FileError::kTruncated, count, "the file ends inside its footer");
-      if (std::memcmp(bytes + at + 8, kFooterMagic, sizeof kFooterMagic) != 0) {
-        return fail(FileError::kDamaged, at, "the footer is damaged");
-      }
-      if (count - at > kFooterBytes)
-        return fail(FileError::kDamaged, at + kFooterBytes, "something follows the footer");
-      return {};
-    }
-    if (count - at < kBlockHeaderBytes) return fail(FileError::kTruncated, count, "the file ends without an index");
-    const uint8_t* const header = bytes + at;
-    if (std::memcmp(header, kBlockMagic, sizeof kBlockMagic) != 0) {
-      return fail(FileError::kDamaged, at, "a block is expected here");
-    }
-    const uint32_t stored = GetLittle<uint32_t>(header + 8), raw = GetLittle<uint32_t>(header + 12);
-    if (raw > kMaxBlockBytes || stored > kMaxBlockBytes) {
-      return fail(FileError::kDamaged, at + 8, "a block claims to have " + Number(std::max(raw, stored)) + " bytes");
-    }
-    if (count - at - kBlockHeaderBytes < stored) {
-      return fail(FileError::kTruncated, count, "the file ends inside the block at " + Number(at));
-    }
-    const uint8_t* const data = header + kBlockHeaderBytes;
-    if (GetLittle<uint64_t>(header + 16) != Hash64(data, stored, Hash64(header, 16))) {
-      return fail(FileError::kDamaged, at, "the checksum of the block does not fit");
-    }
-    const uint8_t kind = header[4], codec = header[5];
-    if (codec > static_cast<uint8_t>(Codec::kZstd)) {
-      return fail(FileError::kNewer, at + 5, "compression " + Number(codec) + " is not known");
-    }
-    if (codec == static_cast<uint8_t>(Codec::kZstd) && !HasZstd()) {
-      return fail(FileError::kNewer, at + 5, "this build reads no compressed blocks");
-    }
-    file->rawBytes_ += raw;
-    if (file->rawBytes_ > maxBytes) return fail(FileError::kDamaged, at, "the blocks have too many bytes");
-    Bytes block;
-    if (!DecompressBlock(static_cast<Codec>(codec), data, stored, raw, &block)) {
-      return fail(FileError::kDamaged, at + kBlockHeaderBytes, "the block cannot be decompressed");
-    }
-    if (kind == static_cast<uint8_t>(BlockKind::kItems)) {
-      file->blocks_.push_back(std::move(block));
-      Status status;
-      if (!file->ReadItems(file->blocks_.back(), at, &status)) {
-        return fail(status.error, status.offset, status.message);
-      }
-    } else if (kind == static_cast<uint8_t>(BlockKind::kIndex)) {
-      ByteReader index(block.data(), block.size());
+  Status status = ReadHeader(bytes, file);
+  uint64_t at = kFileHeaderBytes;
+  for (bool indexed = false; status.error == FileError::kNone && !indexed;) {
+    Block block;
+    status = file->ReadBlock(bytes, at, maxBytes, &block);
+    if (status.error != FileError::kNone) break;
+    if (block.kind == BlockKind::kIndex) {
+      ByteReader index(block.data.data(), block.data.size());
       if (index.Number() != file->CallCount() || index.Number() != file->BlobCount() || !index.ok()) {
-        return fail(FileError::kDamaged, at, "the index does not fit the blocks");
+        status = Failure(FileError::kDamaged, at, "the index does not fit the blocks");
       }
       indexed = true;
     } else {
-      return fail(FileError::kNewer, at + 4, "blocks of kind " + Number(kind) + " are not known");
+      file->blocks_.push_back(std::move(block.data));
+      if (!file->ReadItems(file->blocks_.back(), at, &status)) break;
     }
-    at += kBlockHeaderBytes + stored;
+    at = block.end;
   }
+  if (status.error == FileError::kNone) status = ReadFooter(bytes, at);
+  if (status.error != FileError::kNone && status.error != FileError::kTruncated) *file = CallFile();
+  return status;
+}
+
+CallFile::Status CallFile::ReadHeader(FileBytes& bytes, CallFile* file) {
+  const auto there = static_cast<std::size_t>(std::min<uint64_t>(bytes.Size(), kFileHeaderBytes));
+  const uint8_t* const header = bytes.At(0, there);
+  if (header == nullptr) return Failure(FileError::kDamaged, 0, "the file cannot be read");
+  if (std::memcmp(header, kFileMagic, std::min(there, sizeof kFileMagic)) != 0) {
+    return Failure(FileError::kDamaged, 0, "this is no call file");
+  }
+  if (there < kFileHeaderBytes) return Failure(FileError::kTruncated, there, "the file ends inside its header");
+  const uint32_t version = GetLittle<uint32_t>(header + 8);
+  if (version > kFileVersion) {
+    return Failure(FileError::kNewer, 8, "version " + Number(version) + " is newer than " + Number(kFileVersion));
+  }
+  if (version == 0 || GetLittle<uint64_t>(header + 16) != Hash64(header, 16)) {
+    return Failure(FileError::kDamaged, 8, "the header is damaged");
+  }
+  file->pointerBytes_ = header[12];
+  file->system_ = header[13];
+  return {};
+}
+
+CallFile::Status CallFile::ReadBlock(FileBytes& bytes, uint64_t at, uint64_t maxBytes, Block* block) {
+  const uint64_t size = bytes.Size();
+  if (at > size || size - at < kBlockHeaderBytes) {
+    return Failure(FileError::kTruncated, size, "the file ends without an index");
+  }
+  const auto unreadable = [at] { return Failure(FileError::kDamaged, at, "the file cannot be read"); };
+  const uint8_t* const header = bytes.At(at, kBlockHeaderBytes);
+  if (header == nullptr) return unreadable();
+  if (std::memcmp(header, kBlockMagic, sizeof kBlockMagic) != 0) {
+    return Failure(FileError::kDamaged, at, "a block is expected here");
+  }
+  const uint8_t kind = header[4], codec = header[5];
+  const uint32_t stored = GetLittle<uint32_t>(header + 8), raw = GetLittle<uint32_t>(header + 12);
+  const uint64_t sum = GetLittle<uint64_t>(header + 16), seed = Hash64(header, 16);
+  if (raw > kMaxBlockBytes || stored > kMaxBlockBytes) {
+    return Failure(FileError::kDamaged, at + 8, "a block claims to have " + Number(std::max(raw, stored)) + " bytes");
+  }
+  if (size - at - kBlockHeaderBytes < stored) {
+    return Failure(FileError::kTruncated, size, "the file ends inside the block at " + Number(at));
+  }
+  const uint8_t* const data = bytes.At(at + kBlockHeaderBytes, stored);
+  if (data == nullptr) return unreadable();
+  if (sum != Hash64(data, stored, seed)) {
+    return Failure(FileError::kDamaged, at, "the checksum of the block does not fit");
+  }
+  if (codec > static_cast<uint8_t>(Codec::kZstd)) {
+    return Failure(FileError::kNewer, at + 5, "compression " + Number(codec) + " is not known");
+  }
+  if (codec == static_cast<uint8_t>(Codec::kZstd) && !HasZstd()) {
+    return Failure(FileError::kNewer, at + 5, "this build reads no compressed blocks");
+  }
+  rawBytes_ += raw;
+  if (rawBytes_ > maxBytes) return Failure(FileError::kDamaged, at, "the blocks have too many bytes");
+  if (kind != static_cast<uint8_t>(BlockKind::kItems) && kind != static_cast<uint8_t>(BlockKind::kIndex)) {
+    return Failure(FileError::kNewer, at + 4, "blocks of kind " + Number(kind) + " are not known");
+  }
+  block->kind = static_cast<BlockKind>(kind);
+  block->end = at + kBlockHeaderBytes + stored;
+  if (!DecompressBlock(static_cast<Codec>(codec), data, stored, raw, &block->data)) {
+    return Failure(FileError::kDamaged, at + kBlockHeaderBytes, "the block cannot be decompressed");
+  }
+  return {};
+}
+
+// A part of a file: the index says where the blocks are. Blobs and images keep their numbers; those that were not read
+// are empty.
+CallFile::Status CallFile::ReadPart(FileBytes& bytes, std::size_t first, std::size_t count, CallFile* file) {
+  *file = CallFile();
+  Status status = ReadHeader(bytes, file);
+  if (status.error == FileError::kNone) status = file->ReadWanted(bytes, first, count);
+  if (status.error != FileError::kNone) *file = CallFile();
+  return status;
+}
+
+CallFile::Status CallFile::ReadIndex(FileBytes& bytes, std::vector<BlockPlace>* places) {
+  const uint64_t size = bytes.Size();
+  const uint8_t* const footer = size < kFooterBytes ? nullptr : bytes.At(size - kFooterBytes, kFooterBytes);
+  if (footer == nullptr || std::memcmp(footer + 8, kFooterMagic, sizeof kFooterMagic) != 0) {
+    return Failure(FileError::kTruncated, size, "the file has no index");
+  }
+  const uint64_t at = GetLittle<uint64_t>(footer);
+  Block block;
+  const Status status = ReadBlock(bytes, at, kMaxFileBytes, &block);
+  if (status.error != FileError::kNone) return status;
+  const auto damaged = Failure(FileError::kDamaged, at, "the index is damaged");
+  ByteReader reader(block.data.data(), block.data.size());
+  const uint64_t calls = reader.Number(), blobs = reader.Number(), images = reader.Number(), count = reader.Number();
+  // Every number takes at least a byte somewhere in the file.
+  if (block.kind != BlockKind::kIndex || block.end != size - kFooterBytes ||
+      std::max({calls, blobs, images}) > kMaxItems || count > block.data.size()) {
+    return damaged;
+  }
+  BlockPlace before{kFileHeaderBytes, 0, 1, 1};
+  for (uint64_t i = 0; i <= count; ++i) {
+    BlockPlace place{at, calls, blobs + 1, images + 1};
+    if (i < count) place = {reader.Number(), reader.Number(), reader.Number(), reader.Number()};
+    if (!reader.ok() || place.offset < before.offset || place.firstCall < before.firstCall ||
+        place.firstBlob < before.firstBlob || place.firstImage < before.firstImage) {
+      return damaged;
+    }
+    places->push_back(place);
+    before = place;
+  }
+  return {};
+}
+
+CallFile::Status CallFile::ReadPlace(FileBytes& bytes, const BlockPlace& place, const BlockPlace& next) {
+  Block block;
+  Status status = ReadBlock(bytes, place.offset, kMaxFileBytes, &block);
+  if (status.error != FileError::kNone) return status;
+  part_.call = place.firstCall;
+  part_.blob = static_cast<std::size_t>(place.firstBlob);
+  part_.image = static_cast<std::size_t>(place.firstImage);
+  blocks_.push_back(std::move(block.data));
+  if (block.kind != BlockKind::kItems || !ReadItems(blocks_.back(), place.offset, &status)) {
+    if (status.error == FileError::kNone) status = Failure(FileError::kDamaged, place.offset, "the index is damaged");
+  } else if (part_.call != next.firstCall || part_.blob != next.firstBlob || part_.image != next.firstImage) {
+    status = Failure(FileError::kDamaged, place.offset, "the index does not fit the block");
+  }
+  return status;
+}
+
+CallFile::Status CallFile::ReadWanted(FileBytes& bytes, std::size_t first, std::size_t count) {
+  std::vector<BlockPlace> places;
+  Status status = ReadIndex(bytes, &places);
+  if (status.error != FileError::kNone) return status;
+  const BlockPlace& all = places.back();
+  isPart_ = true;
+  part_.first = firstCall_ = static_cast<std::size_t>(std::min<uint64_t>(first, all.firstCall));
+  part_.end = part_.first + static_cast<std::size_t>(std::min<uint64_t>(count, all.firstCall - part_.first));
+  blobs_.resize(static_cast<std::size_t>(all.firstBlob));
+  images_.resize(static_cast<std::size_t>(all.firstImage));
+  // The devices of earlier calls are not known: any number may be one.
+  devices_ = UINT32_MAX - 1;
+
+  std::vector<bool> isRead(places.size());
+  const auto read = [&](std::size_t place) {
+    if (isRead[place]) return;
+    isRead[place] = true;
+    if (status.error == FileError::kNone) status = ReadPlace(bytes, places[place], places[place + 1]);
+  };
+  for (std::size_t i = 0; i + 1 < places.size(); ++i) {
+    if (places[i].firstCall < part_.end && places[i + 1].firstCall > part_.first) read(i);
+  }
+  // The block that holds a blob or an image is the last one that begins at or before its number.
+  const auto readHolding = [&](uint64_t BlockPlace::*number, uint32_t wanted) {
+    const auto behind = std::upper_bound(places.begin(), places.end() - 1, wanted,
+                                         [=](uint32_t w, const BlockPlace& place) { return w < place.*number; });
+    if (wanted != 0 && behind != places.begin()) read(static_cast<std::size_t>(behind - places.begin() - 1));
+  };
+  const auto readBlob = [&](uint32_t blob) { readHolding(&BlockPlace::firstBlob, blob); };
+  const auto readPointer = [&](const StoredPointer& pointer) {
+    if (pointer.tag == PointerTag::kBlob || pointer.tag == PointerTag::kRows) readBlob(pointer.number);
+    if (pointer.tag != PointerTag::kImage) return;
+    for (uint32_t image = pointer.number; image != 0 && status.error == FileError::kNone; image = Image(image).parent) {
+      readHolding(&BlockPlace::firstImage, image);
+      const StoredImage pieces = Image(image);
+      for (std::size_t i = 0; i < pieces.pieces; ++i) readBlob(Piece(pieces.firstPiece + i).blob);
+    }
+  };
+  StoredCall call;
+  for (std::size_t i = part_.first; i < EndCall() && status.error == FileError::kNone; ++i) {
+    DecodeCall(CallItem(i), &call);
+    readBlob(call.output);
+    for (std::size_t k = 0; k < EntryPointOf(call.function).argumentCount; ++k) {
+      const StoredArgument& argument = call.arguments[k];
+      readPointer(argument.pointer);
+      if (argument.isRecord) readBlob(argument.record);
+      if (argument.isNestedRecord) readBlob(argument.nestedRecord);
+    }
+  }
+  return status;
+}
+
+bool CallFile::AddBlob(const BlobView& blob) {
+  if (!isPart_) {
+    blobs_.push_back(blob);
+    return true;
+  }
+  if (part_.blob >= blobs_.size()) return false;
+  blobs_[part_.blob++] = blob;
+  return true;
 }
 
 bool CallFile::ReadItems(const Bytes& raw, uint64_t blockOffset, Status* status) {
@@ -131,7 +281,9 @@ bool CallFile::ReadItems(const Bytes& raw, uint64_t blockOffset, Status* status)
     const FileItem item{static_cast<ItemKind>(kind), payload, static_cast<uint32_t>(bytes), blockOffset, position};
     const auto size = static_cast<std::size_t>(bytes);
     switch (item.kind) {
-      case ItemKind::kBlob: blobs_.push_back({payload, size}); break;
+      case ItemKind::kBlob:
+        if (!AddBlob({payload, size})) return fail(FileError::kDamaged, "the index knows of no such blob");
+        break;
       case ItemKind::kImage:
         if (!AddImage(ByteReader(payload, size))) return fail(FileError::kDamaged, "this image cannot be read");
         break;
@@ -139,15 +291,21 @@ bool CallFile::ReadItems(const Bytes& raw, uint64_t blockOffset, Status* status)
         if (!AddNote(ByteReader(payload, size))) return fail(FileError::kDamaged, "this note cannot be read");
         break;
       case ItemKind::kBand: {
+        if (isPart_) break;
         StoredBand band;
         if (!DecodeBand(item, &band)) return fail(FileError::kDamaged, "these contents of a band cannot be read");
         items_.push_back(item);
         break;
       }
       case ItemKind::kCall: {
+        if (isPart_ && (part_.call < part_.first || part_.call >= part_.end)) {
+          ++part_.call;
+          break;
+        }
+        ++part_.call;
         StoredCall call;
         if (!DecodeCall(item, &call)) return fail(FileError::kDamaged, "this call cannot be read");
-        if (call.function == Function::kEnable && call.result != 0) {
+        if (!isPart_ && call.function == Function::kEnable && call.result != 0) {
           if (call.result != devices_ + 1) return fail(FileError::kDamaged, "its device is not the next one");
           ++devices_;
         }
@@ -176,8 +334,8 @@ bool CallFile::ReadItems(const Bytes& raw, uint64_t blockOffset, Status* status)
 bool CallFile::AddImage(ByteReader reader) {
   StoredImage image;
   image.parent = reader.Number32();
-  const auto number = static_cast<uint32_t>(images_.size());
-  if (image.parent >= number) return false;
+  const auto number = static_cast<uint32_t>(isPart_ ? part_.image : images_.size());
+  if (image.parent >= number || (isPart_ && number >= images_.size())) return false;
   image.root = image.parent == 0 ? number : images_[image.parent].root;
   image.firstPiece = pieces_.size();
   const uint64_t count = reader.Number();
@@ -192,7 +350,11 @@ bool CallFile::AddImage(ByteReader reader) {
     pieces_.push_back({offset, blob});
   }
   image.pieces = pieces_.size() - image.firstPiece;
-  images_.push_back(image);
+  if (isPart_) {
+    images_[part_.image++] = image;
+  } else {
+    images_.push_back(image);
+  }
   return reader.ok() && reader.Left() == 0;
 }
 

@@ -9,6 +9,7 @@
 
 #include "calls/encoding.h"
 #include "calls/entry_points.h"
+#include "calls/file_bytes.h"
 #include "calls/file_format.h"
 
 namespace qnv::calls {
@@ -105,9 +106,15 @@ class CallFile {
   static Status Read(const uint8_t* bytes, std::size_t count, CallFile* file, uint64_t maxBytes = uint64_t{1} << 33);
   // The same from a file on disk. A file that cannot be opened is kDamaged at 0.
   static Status ReadFrom(const std::string& path, CallFile* file);
+  // The calls [first, first + count) of a file that has an index, and what they name; other blocks are neither read nor
+  // checked. Fewer where the file has fewer. A file without index is kTruncated. A part can be looked at, not replayed.
+  static Status ReadPart(FileBytes& bytes, std::size_t first, std::size_t count, CallFile* file);
 
+  // Calls that were read: [FirstCall(), EndCall()). The first is 0 unless this is a part.
+  std::size_t FirstCall() const { return firstCall_; }
+  std::size_t EndCall() const { return firstCall_ + calls_.size(); }
   std::size_t CallCount() const { return calls_.size(); }
-  const FileItem& CallItem(std::size_t call) const { return items_[calls_[call]]; }
+  const FileItem& CallItem(std::size_t call) const { return items_[calls_[call - firstCall_]]; }
   const std::vector<FileItem>& Items() const { return items_; }
   // Number 0 is an empty blob.
   const BlobView& Blob(uint32_t number) const { return blobs_[number]; }
@@ -130,7 +137,25 @@ class CallFile {
   static Function FunctionOf(const FileItem& item) { return static_cast<Function>(item.payload[0]); }
 
  private:
+  // A block, checked and decompressed.
+  struct Block {
+    BlockKind kind;
+    Bytes data;
+    uint64_t end;  // offset of what follows
+  };
+  // Where the calls, blobs and images of a block begin.
+  struct BlockPlace {
+    uint64_t offset, firstCall, firstBlob, firstImage;
+  };
+  static Status ReadAll(FileBytes& bytes, CallFile* file, uint64_t maxBytes);
+  static Status ReadHeader(FileBytes& bytes, CallFile* file);
+  Status ReadBlock(FileBytes& bytes, uint64_t at, uint64_t maxBytes, Block* block);
+  // The last place is that of the index itself.
+  Status ReadIndex(FileBytes& bytes, std::vector<BlockPlace>* places);
+  Status ReadPlace(FileBytes& bytes, const BlockPlace& place, const BlockPlace& next);
+  Status ReadWanted(FileBytes& bytes, std::size_t first, std::size_t count);
   bool ReadItems(const Bytes& raw, uint64_t blockOffset, Status* status);
+  bool AddBlob(const BlobView& blob);
   bool AddImage(ByteReader reader);
   bool AddNote(ByteReader reader);
   bool DecodePointer(ByteReader& reader, Memory memory, StoredArgument* argument) const;
@@ -146,6 +171,15 @@ class CallFile {
   std::vector<StoredFinding> findings_;
   uint32_t pointerBytes_ = 0, system_ = 0, devices_ = 0;
   uint64_t rawBytes_ = 0;
+  std::size_t firstCall_ = 0;
+  // While a part is read: the calls that are wanted, and the numbers of the next call, blob and image of a block.
+  struct Part {
+    std::size_t first = 0, end = 0;
+    uint64_t call = 0;
+    std::size_t blob = 0, image = 0;
+  };
+  bool isPart_ = false;
+  Part part_;
 };
 
 }  // namespace qnv::calls

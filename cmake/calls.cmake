@@ -8,6 +8,8 @@ target_include_directories(calls PUBLIC ${PROJECT_SOURCE_DIR} ${PROJECT_SOURCE_D
 target_link_libraries(calls PRIVATE qnv_options)
 set_target_properties(calls PROPERTIES POSITION_INDEPENDENT_CODE ON CXX_VISIBILITY_PRESET hidden
   VISIBILITY_INLINES_HIDDEN ON)
+# Files larger than 2 GB on 32-bit systems too.
+target_compile_definitions(calls PRIVATE _FILE_OFFSET_BITS=64)
 target_compile_options(calls PRIVATE ${QNV_PROGRAM_OPTIONS})
 qnv_unity(calls 20)
 # Built for what uses it; without tests and tools nothing does.

@@ -33,17 +33,25 @@ qnv::calls::Bytes FileOf(const uint8_t* items, std::size_t size) {
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, std::size_t size) {
   using namespace qnv::calls;
-  static const Functions functions{
-      QNVEnable,        QNVDisable,       QNVGetDeviceInfo,       QNVControl,   QNVColorInfo,
-      QNVRealizeObject, QNVPixel,         QNVPolyPixel,           QNVDevBitBlt, QNVOutput,
-      QNVDevExtTextOut, QNVStretchDIBits, QNVDevSetDIBitsToDevice};
   const bool isFile = size >= 4 && std::memcmp(data, kFileMagic, 4) == 0;
   const Bytes bytes = isFile ? Bytes(data, data + size) : FileOf(data, size);
   CallFile file;
   const CallFile::Status status = CallFile::Read(bytes.data(), bytes.size(), &file, kMaxBytes);
+  // A file that can be read whole can be read in part, with the same calls.
+  if (isFile) {
+    FileBytes memory(bytes.data(), bytes.size());
+    CallFile part;
+    const CallFile::Status partly = CallFile::ReadPart(memory, data[size - 1] % 4, data[size / 2], &part);
+    if (status.error == FileError::kNone && partly.error == FileError::kNone) {
+      for (std::size_t i = part.FirstCall(); i < part.EndCall(); ++i) {
+        const FileItem &one = part.CallItem(i), &other = file.CallItem(i);
+        if (one.bytes != other.bytes || std::memcmp(one.payload, other.payload, one.bytes) != 0) __builtin_trap();
+      }
+    }
+  }
   if (status.error != FileError::kNone && status.error != FileError::kTruncated) return 0;
   CallChecker checker([](const Finding&) {});
-  Player player(file, functions);
+  Player player(file, LinkedFunctions());
   Player::Watcher watcher;
   watcher.before = [&](std::size_t call, const StoredCall& stored, const Slots& slots) {
     checker.Before(call, stored.function, slots, stored.Device());

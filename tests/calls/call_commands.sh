@@ -97,6 +97,15 @@ for device in color gray dual scaled:200/100 scaled:300/200 scaled-gray:200/100;
   fi
 done
 
+# A part of a file is shown as it is in the whole; only the blocks that hold it are read.
+"$tool" dump host.qnv >dump.txt || fail "dump"
+expect 0 "" "" dump host.qnv --from 400 --count 30
+sed -n 401,430p dump.txt | cmp - stdout || fail "dump of a part"
+expect 0 "" "" dump host.qnv --from 600 --call ExtText --count 2
+sed -n '601,$p' dump.txt | grep ExtText | head -n 2 | cmp - stdout || fail "dump of chosen calls of a part"
+expect 0 "" "" dump host.qnv --from 830
+[ ! -s stdout ] || fail "dump beyond the last call"
+
 # A part of the calls: a range, and what changes a rectangle, whose pixels are then the same as on the whole page.
 expect 0 "range.qnv: " "" trim host.qnv -o range.qnv --from 400 --count 30 --hash
 expect 0 " 0 differences" "" replay range.qnv

@@ -236,5 +236,133 @@ TEST(CallFile, HoldsEqualMemoryOnce) {
   EXPECT_EQ(file.CallCount(), 71u);
 }
 
+// What a call names, as bytes: blobs, and the pieces of images.
+calls::Bytes NamedBy(const CallFile& file, std::size_t number) {
+  calls::Bytes bytes;
+  const auto add = [&](uint32_t blob) {
+    const calls::BlobView& view = file.Blob(blob);
+    calls::AppendNumber(bytes, view.bytes);
+    bytes.insert(bytes.end(), view.data, view.data + view.bytes);
+  };
+  calls::StoredCall call;
+  EXPECT_TRUE(file.DecodeCall(file.CallItem(number), &call));
+  add(call.output);
+  for (std::size_t i = 0; i < calls::EntryPointOf(call.function).argumentCount; ++i) {
+    const calls::StoredArgument& argument = call.arguments[i];
+    if (argument.isRecord) add(argument.record);
+    if (argument.isNestedRecord) add(argument.nestedRecord);
+    if (argument.pointer.tag == calls::PointerTag::kBlob || argument.pointer.tag == calls::PointerTag::kRows) {
+      add(argument.pointer.number);
+    }
+    if (argument.pointer.tag != calls::PointerTag::kImage) continue;
+    for (uint32_t image = argument.pointer.number; image != 0; image = file.Image(image).parent) {
+      for (std::size_t k = 0; k < file.Image(image).pieces; ++k) {
+        const calls::StoredPiece& piece = file.Piece(file.Image(image).firstPiece + k);
+        calls::AppendNumber(bytes, static_cast<uint64_t>(piece.offset));
+        add(piece.blob);
+      }
+    }
+  }
+  return bytes;
+}
+
+TEST(CallFilePart, HoldsWhatItsCallsName) {
+  const calls::Bytes page = ReadAll(QNV_TEST_SOURCE_DIR "/calls/pages/dual.qnv");
+  for (const calls::Bytes& bytes : {SmallFile(), page}) {
+    CallFile whole;
+    ASSERT_EQ(CallFile::Read(bytes.data(), bytes.size(), &whole).error, FileError::kNone);
+    const std::size_t calls = whole.CallCount();
+    const std::pair<std::size_t, std::size_t> ranges[] = {{0, 1},         {0, calls},   {calls / 2, 7}, {calls - 1, 1},
+                                                          {calls - 1, 9}, {calls, 5},   {calls + 3, 5}, {3, 0},
+                                                          {5, SIZE_MAX},  {SIZE_MAX, 1}};
+    for (const auto& [first, count] : ranges) {
+      calls::FileBytes memory(bytes.data(), bytes.size());
+      CallFile part;
+      const CallFile::Status status = CallFile::ReadPart(memory, first, count, &part);
+      ASSERT_EQ(status.error, FileError::kNone) << status.message;
+      EXPECT_EQ(part.FirstCall(), std::min(first, calls));
+      EXPECT_EQ(part.CallCount(), std::min(count, calls - std::min(first, calls))) << first << ", " << count;
+      for (std::size_t i = part.FirstCall(); i < part.EndCall(); ++i) {
+        ASSERT_EQ(part.CallItem(i).bytes, whole.CallItem(i).bytes) << i;
+        ASSERT_EQ(std::memcmp(part.CallItem(i).payload, whole.CallItem(i).payload, part.CallItem(i).bytes), 0) << i;
+        ASSERT_EQ(NamedBy(part, i), NamedBy(whole, i)) << i;
+      }
+    }
+  }
+}
+
+TEST(CallFilePart, ReadsOnlyTheBlocksItNeeds) {
+  calls::Bytes bytes = SmallFile();
+  const Blocks blocks = BlocksOf(bytes);
+  // A block in the middle is damaged: calls before it are read, those in it and those that name it are not.
+  const std::size_t damaged = blocks.ends.size() / 2;
+  bytes[blocks.ends[damaged] - 1] ^= 1;
+  std::size_t readable = 0, refused = 0;
+  for (std::size_t call = 0; call < blocks.calls.back(); ++call) {
+    calls::FileBytes memory(bytes.data(), bytes.size());
+    CallFile part;
+    const CallFile::Status status = CallFile::ReadPart(memory, call, 1, &part);
+    if (status.error == FileError::kNone) {
+      EXPECT_EQ(part.CallCount(), 1u) << call;
+      ++readable;
+      continue;
+    }
+    EXPECT_EQ(status.error, FileError::kDamaged) << call;
+    EXPECT_EQ(status.offset, blocks.ends[damaged - 1]) << call;
+    EXPECT_EQ(part.CallCount(), 0u) << call;
+    ++refused;
+  }
+  EXPECT_EQ(readable + refused, blocks.calls.back());
+  EXPECT_GE(readable, blocks.calls[damaged - 1]);
+  EXPECT_GE(refused, 1u);
+}
+
+TEST(CallFilePart, NeedsAnIndexThatFits) {
+  const calls::Bytes bytes = SmallFile();
+  const auto read = [](const calls::Bytes& file) {
+    calls::FileBytes memory(file.data(), file.size());
+    CallFile part;
+    return CallFile::ReadPart(memory, 2, 3, &part);
+  };
+  for (std::size_t size = 0; size < bytes.size(); ++size) {
+    const calls::Bytes cut(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(size));
+    ASSERT_EQ(read(cut).error, FileError::kTruncated) << size;
+  }
+  // Another place of the index, and another index with a good checksum.
+  calls::Bytes moved = bytes;
+  moved[moved.size() - calls::kFooterBytes] ^= 1;
+  EXPECT_EQ(read(moved).error, FileError::kDamaged);
+  const std::size_t index = BlocksOf(bytes).ends.back();
+  for (std::size_t at = index + calls::kBlockHeaderBytes; at < bytes.size() - calls::kFooterBytes; ++at) {
+    calls::Bytes changed = bytes;
+    changed[at] ^= 1;
+    EXPECT_EQ(read(changed).message, "the checksum of the block does not fit") << at;
+    calls::PutLittle(changed.data() + index + 16,
+                     calls::Hash64(changed.data() + index + calls::kBlockHeaderBytes,
+                                   changed.size() - calls::kFooterBytes - index - calls::kBlockHeaderBytes,
+                                   calls::Hash64(changed.data() + index, 16)));
+    // Some of the numbers are not needed for these calls; none of them may do harm.
+    const CallFile::Status status = read(changed);
+    EXPECT_TRUE(status.error == FileError::kNone || status.error == FileError::kDamaged) << at;
+  }
+}
+
+TEST(CallFilePart, IsReadFromDisk) {
+  const std::string path = ResultPath("part");
+  std::FILE* const out = std::fopen(path.c_str(), "wb");
+  const calls::Bytes bytes = SmallFile();
+  ASSERT_EQ(std::fwrite(bytes.data(), 1, bytes.size(), out), bytes.size());
+  std::fclose(out);
+  {
+    calls::FileBytes disk(path);
+    ASSERT_TRUE(disk.IsOpen());
+    CallFile part;
+    EXPECT_EQ(CallFile::ReadPart(disk, 4, 2, &part).error, FileError::kNone);
+    EXPECT_EQ(part.CallCount(), 2u);
+  }
+  std::remove(path.c_str());
+  EXPECT_FALSE(calls::FileBytes(path).IsOpen());
+}
+
 }  // namespace
 }  // namespace qnv::test

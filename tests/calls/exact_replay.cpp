@@ -1,3 +1,4 @@
+// Replays a call file with all its checks, and reads the bytes of a file.
 #include "calls/exact_replay.h"
 
 #include <gtest/gtest.h>

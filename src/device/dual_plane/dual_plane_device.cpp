@@ -42,7 +42,7 @@ void DualPlaneDevice::ClearBand() {
   ClearWords(state_.buffer, WrapMultiply(WrapAdd(width, 1), 3) / 4, state_.description.height, 0xFF);
   ClearWords(tagBuffer_, WrapAdd(width, 3) / 4, state_.description.height, QNV_TAG_GRAPHICS);
   // From here to the next image every tag is QNV_TAG_GRAPHICS, so that nothing has to be tagged.
-  if (tagBuffer_ != nullptr) planeUniform_ = true;
+  planeUniform_ = true;
 }
 
 }  // namespace qnv

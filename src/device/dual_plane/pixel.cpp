@@ -19,9 +19,7 @@ uint32_t DualPlaneDevice::Pixel(int32_t x, int32_t y, const PixelArguments& a) {
 // Tags may reach pixels outside the clip: coordinates left of or above 0 widen it, and a clip of four zeros does not
 // limit tags. So PolyPixel visits everything in the band.
 PixelReach DualPlaneDevice::Reach(const Rect&) const {
-  const bool hasMemory = state_.buffer != nullptr || tagBuffer_ != nullptr;
-  const Rect limits = hasMemory ? state_.bandRect : Rect{0, 0, 0, 0};
-  return {limits, limits, nullptr};
+  return {state_.bandRect, state_.bandRect, nullptr};
 }
 
 }  // namespace qnv

@@ -155,10 +155,9 @@ bool TagTransferOn(const TagPlane& plane, uint8_t callersTag, const BltArguments
     case TagAction::kFill: FillTagRect(plane, tag, a.destX, a.destY, a.width, a.height, *a.clip); return true;
     case TagAction::kSource: return TagFromSource(plane, tag, a, rule.skip);
     case TagAction::kBrush: return TagFromBrush(plane, QNV_TAG_GRAPHICS, a, rule.skip);
-    case TagAction::kBrushThenSource:
-      return TagFromBrush(plane, QNV_TAG_GRAPHICS, a, 0) && TagFromSource(plane, tag, a, rule.skip);
+    case TagAction::kBrushThenSource: break;
   }
-  return false;
+  return TagFromBrush(plane, QNV_TAG_GRAPHICS, a, 0) && TagFromSource(plane, tag, a, rule.skip);
 }
 
 }  // namespace qnv

@@ -21,6 +21,16 @@ calls::CallFile ReadCallFile(const std::string& path) {
   return file;
 }
 
+calls::CallFile ReadCallFile(const std::string& path, std::size_t first, std::size_t count) {
+  calls::FileBytes bytes(path);
+  calls::CallFile part;
+  if (bytes.IsOpen() && calls::CallFile::ReadPart(bytes, first, count, &part).error == calls::FileError::kNone) {
+    return part;
+  }
+  // Damage, too, is described by who reads the whole file.
+  return ReadCallFile(path);
+}
+
 CalledLibrary OpenCalledLibrary(const std::string& path, const CallParts& parts) {
   CalledLibrary library;
   library.functions = path.empty() ? parts.linkedRasteriser() : LoadRasteriser(path);

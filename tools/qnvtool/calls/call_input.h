@@ -12,6 +12,8 @@ namespace qnv::tool {
 // Reads a call file. Of a file that was cut off, what is complete is used, and one line on standard error says so.
 // Throws ToolError (bad input) with the offset for every other defect.
 calls::CallFile ReadCallFile(const std::string& path);
+// At least the calls [first, first + count) of it, with what they name: of a file with an index no more than that.
+calls::CallFile ReadCallFile(const std::string& path, std::size_t first, std::size_t count);
 
 // A library by path, or the linked one for an empty path.
 struct CalledLibrary {

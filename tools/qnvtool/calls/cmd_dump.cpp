@@ -104,10 +104,15 @@ Command DumpCommand() {
        .value = WholeNumber{&a.count, 0, 2000000000}},
   };
   command.run = [arguments] {
-    const calls::CallFile file = ReadCallFile(arguments->file);
+    // Which calls are shown is known before the file is read, unless they are chosen by what is in them.
+    const bool chooses = arguments->device != 0 || !arguments->call.empty() || !arguments->rop.empty() ||
+                         !arguments->color.empty();
+    const auto from = static_cast<std::size_t>(arguments->from);
+    const calls::CallFile file =
+        ReadCallFile(arguments->file, from, chooses ? SIZE_MAX : static_cast<std::size_t>(arguments->count));
     calls::StoredCall call;
     int shown = 0;
-    for (std::size_t i = static_cast<std::size_t>(arguments->from); i < file.CallCount(); ++i) {
+    for (std::size_t i = std::max(from, file.FirstCall()); i < file.EndCall(); ++i) {
       if (shown == arguments->count) break;
       file.DecodeCall(file.CallItem(i), &call);
       const auto fields = DescribeArguments(file, call);
