@@ -20,6 +20,10 @@ if(QNV_SANITIZERS)
 endif()
 
 add_library(qnvdrv10_static STATIC $<TARGET_OBJECTS:qnvdrv10_objects>)
+if(NOT WIN32)
+  # The name that -lqnvdrv10 finds with -static.
+  set_target_properties(qnvdrv10_static PROPERTIES OUTPUT_NAME qnvdrv10)
+endif()
 target_include_directories(qnvdrv10_static PUBLIC $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include>)
 
 add_library(qnvdrv10 SHARED $<TARGET_OBJECTS:qnvdrv10_objects>)
@@ -39,6 +43,8 @@ if(WIN32)
       $<TARGET_FILE:qnvdrv10>
     VERBATIM)
 else()
+  # Hosts ask for libqnvdrv10.so.0, so that a later library with another interface can be installed beside it.
+  set_target_properties(qnvdrv10 PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR})
   # The exports are listed once, in the module definition, also for builds that are not for Windows.
   file(STRINGS ${qnv_def_file} qnv_exports REGEX "^ +QNV[A-Za-z]+ +@")
   list(TRANSFORM qnv_exports REPLACE "^ +(QNV[A-Za-z]+) +@.*" "\\1")

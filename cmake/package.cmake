@@ -1,5 +1,6 @@
 # What is delivered: the version resource, the second import library, `cmake --install`, and the packages of cpack.
-# Components: runtime (the library), development (what hosts are compiled with), tools (qnvtool).
+# Components: runtime (the library), development (what hosts are compiled with), tools (the programs). Each is a Debian
+# package of its own; the zip for Windows has all of them.
 add_library(QNVDRV10::shared ALIAS qnvdrv10)
 add_library(QNVDRV10::dll ALIAS qnvdrv10)
 add_library(QNVDRV10::static ALIAS qnvdrv10_static)
@@ -24,20 +25,29 @@ set(CMAKE_SKIP_INSTALL_ALL_DEPENDENCY ON)
 
 include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
-set(qnv_install_cmakedir ${CMAKE_INSTALL_LIBDIR}/cmake/QNVDRV10)
-if(WIN32)
-  set(qnv_install_docdir .)
-else()
-  set(qnv_package_name qnvdrv10-dev)
-  set(qnv_install_docdir ${CMAKE_INSTALL_DATADIR}/doc/${qnv_package_name})
+if(NOT WIN32 AND TARGET qnvtool AND CMAKE_LIBRARY_ARCHITECTURE AND CMAKE_INSTALL_LIBDIR STREQUAL "lib")
+  # Where Debian has libraries of each architecture, for all prefixes.
+  set(CMAKE_INSTALL_LIBDIR lib/${CMAKE_LIBRARY_ARCHITECTURE})
 endif()
+set(qnv_install_cmakedir ${CMAKE_INSTALL_LIBDIR}/cmake/QNVDRV10)
+set(qnv_components runtime development tools)
+set(qnv_package_runtime libqnvdrv10-${PROJECT_VERSION_MAJOR})
+set(qnv_package_development libqnvdrv10-dev)
+set(qnv_package_tools qnvtool)
+foreach(component IN LISTS qnv_components)
+  if(WIN32)
+    set(qnv_docdir_${component} .)
+  else()
+    set(qnv_docdir_${component} ${CMAKE_INSTALL_DATADIR}/doc/${qnv_package_${component}})
+  endif()
+endforeach()
 
 # ---- Library, header, CMake package ------------------------------------------------------------------------------
 set_target_properties(qnvdrv10 PROPERTIES EXPORT_NAME shared)
 set_target_properties(qnvdrv10_static PROPERTIES EXPORT_NAME static)
 install(TARGETS qnvdrv10 EXPORT QNVDRV10SharedTargets
   RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT runtime
-  LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT runtime
+  LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT runtime NAMELINK_COMPONENT development
   ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development
   INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 install(TARGETS qnvdrv10_static EXPORT QNVDRV10StaticTargets
@@ -64,6 +74,13 @@ write_basic_package_version_file(${PROJECT_BINARY_DIR}/QNVDRV10ConfigVersion.cma
 install(FILES ${PROJECT_BINARY_DIR}/QNVDRV10Config.cmake ${PROJECT_BINARY_DIR}/QNVDRV10ConfigVersion.cmake
   DESTINATION ${qnv_install_cmakedir} COMPONENT development)
 
+if(NOT WIN32)
+  file(RELATIVE_PATH qnv_pc_to_prefix /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
+  string(REGEX REPLACE "/$" "" qnv_pc_to_prefix "${qnv_pc_to_prefix}")
+  configure_file(${PROJECT_SOURCE_DIR}/packaging/qnvdrv10.pc.in ${PROJECT_BINARY_DIR}/qnvdrv10.pc @ONLY)
+  install(FILES ${PROJECT_BINARY_DIR}/qnvdrv10.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
+endif()
+
 if(WIN32)
   install(FILES $<TARGET_FILE:qnvdrv10>.debug DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT development)
   install(FILES ${qnv_def_file} DESTINATION ${CMAKE_INSTALL_LIBDIR} RENAME QNVDRV10.def COMPONENT development)
@@ -84,12 +101,40 @@ if(WIN32)
 endif()
 
 # ---- Documents and example ---------------------------------------------------------------------------------------
-install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs DESTINATION ${qnv_install_docdir} COMPONENT development
-  FILES_MATCHING PATTERN *.md PATTERN *.png)
+if(WIN32)
+  install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs DESTINATION . COMPONENT development
+    FILES_MATCHING PATTERN *.md PATTERN *.png)
+else()
+  # The guide to the programs comes with them.
+  install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs DESTINATION ${qnv_docdir_development} COMPONENT development
+    FILES_MATCHING PATTERN *.md PATTERN *.png PATTERN printing.md EXCLUDE)
+  install(FILES ${PROJECT_SOURCE_DIR}/docs/printing.md DESTINATION ${qnv_docdir_tools}/docs COMPONENT tools)
+  # The guides refer to the headers as they lie beside them in the sources.
+  file(RELATIVE_PATH header_folder /${qnv_docdir_development}/include /${CMAKE_INSTALL_INCLUDEDIR})
+  file(MAKE_DIRECTORY ${PROJECT_BINARY_DIR}/packages/include)
+  foreach(header IN ITEMS qnvdrv10.h qnvrec.h)
+    set(header_link ${PROJECT_BINARY_DIR}/packages/include/${header})
+    file(CREATE_LINK ${header_folder}/${header} ${header_link} SYMBOLIC)
+    install(FILES ${header_link} DESTINATION ${qnv_docdir_development}/include COMPONENT development)
+  endforeach()
+endif()
 install(FILES ${PROJECT_SOURCE_DIR}/examples/host.c ${PROJECT_SOURCE_DIR}/examples/small_font.h
-  DESTINATION ${qnv_install_docdir}/examples COMPONENT development)
+  DESTINATION ${qnv_docdir_development}/examples COMPONENT development)
 install(FILES ${PROJECT_SOURCE_DIR}/packaging/example.cmake
-  DESTINATION ${qnv_install_docdir}/examples RENAME CMakeLists.txt COMPONENT development)
+  DESTINATION ${qnv_docdir_development}/examples RENAME CMakeLists.txt COMPONENT development)
+
+# qnv_joined(result name part...): a text of several parts
+function(qnv_joined result name)
+  set(text)
+  foreach(part IN LISTS ARGN)
+    set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${part})
+    file(READ ${part} content)
+    string(APPEND text "${content}")
+  endforeach()
+  file(CONFIGURE OUTPUT ${PROJECT_BINARY_DIR}/packages/${name} CONTENT "${text}" @ONLY)
+  set(${result} ${PROJECT_BINARY_DIR}/packages/${name} PARENT_SCOPE)
+endfunction()
+set(parts ${PROJECT_SOURCE_DIR}/packaging/copyright)
 
 # qnv_compressed(result source): compresses a file, to the same bytes on every machine
 function(qnv_compressed result source)
@@ -105,11 +150,26 @@ function(qnv_compressed result source)
   set(${result} ${output} PARENT_SCOPE)
 endfunction()
 
+# What every package has: what it is for, what changed, and whose it is.
 if(WIN32)
-  install(FILES ${PROJECT_SOURCE_DIR}/CHANGELOG.md DESTINATION ${qnv_install_docdir} COMPONENT development)
+  install(FILES ${PROJECT_SOURCE_DIR}/CHANGELOG.md DESTINATION . COMPONENT development)
+  install(FILES ${PROJECT_SOURCE_DIR}/packaging/readme/windows.md DESTINATION . RENAME README.md COMPONENT development)
+  qnv_joined(copyright COPYRIGHT.txt ${parts}/library ${parts}/options ${parts}/windows)
+  install(FILES ${copyright} DESTINATION . COMPONENT development)
 else()
   qnv_compressed(changelog ${PROJECT_SOURCE_DIR}/CHANGELOG.md)
-  install(FILES ${changelog} DESTINATION ${qnv_install_docdir} RENAME changelog.gz COMPONENT development)
+  qnv_joined(copyright_runtime copyright ${parts}/library)
+  set(copyright_development ${copyright_runtime})
+  qnv_joined(copyright_tools copyright_tools ${parts}/library ${parts}/options)
+  foreach(component IN LISTS qnv_components)
+    if(component STREQUAL "tools" AND NOT TARGET qnvtool)
+      continue()
+    endif()
+    set(to DESTINATION ${qnv_docdir_${component}} COMPONENT ${component})
+    install(FILES ${changelog} ${to} RENAME changelog.gz)
+    install(FILES ${copyright_${component}} ${to} RENAME copyright)
+    install(FILES ${PROJECT_SOURCE_DIR}/packaging/readme/${component}.md ${to} RENAME README.md)
+  endforeach()
 endif()
 
 # ---- Recorder -----------------------------------------------------------------------------------------------------
@@ -144,6 +204,9 @@ if(TARGET qnvtool)
   add_dependencies(package_files tool_completion)
   qnv_compressed(man_page ${PROJECT_BINARY_DIR}/qnvtool.1)
   install(FILES ${man_page} DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT tools)
+  configure_file(${PROJECT_SOURCE_DIR}/packaging/qnvfilter.8.in ${PROJECT_BINARY_DIR}/qnvfilter.8 @ONLY)
+  qnv_compressed(man_page ${PROJECT_BINARY_DIR}/qnvfilter.8)
+  install(FILES ${man_page} DESTINATION ${CMAKE_INSTALL_MANDIR}/man8 COMPONENT tools)
   install(FILES ${completion}
     DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions RENAME qnvtool COMPONENT tools)
 endif()
@@ -161,13 +224,31 @@ if(WIN32)
   set(CPACK_PACKAGE_FILE_NAME QNVDRV10-${PROJECT_VERSION}-win32)
 elseif(CMAKE_SIZEOF_VOID_P EQUAL 8 AND TARGET qnvtool)
   set(CPACK_GENERATOR DEB)
+  set(CPACK_DEB_COMPONENT_INSTALL ON)
+  set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "")  # each description begins with its own
+  set(CPACK_COMPONENTS_ALL ${qnv_components})
   set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
-  set(CPACK_DEBIAN_PACKAGE_NAME ${qnv_package_name})
   set(CPACK_DEBIAN_PACKAGE_MAINTAINER "QNVDRV10 developers <developers@qnvdrv10.invalid>")
-  set(CPACK_DEBIAN_PACKAGE_SECTION libdevel)
   set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
-  set(CPACK_DEBIAN_PACKAGE_SUGGESTS "cmake, g++, bash-completion, cups-daemon, poppler-utils")
-  set(CPACK_PACKAGE_DESCRIPTION_FILE ${PROJECT_SOURCE_DIR}/packaging/description.txt)
+  set(CPACK_DEBIAN_RUNTIME_PACKAGE_SECTION libs)
+  # What packages of programs that are linked with the library depend on.
+  file(WRITE ${PROJECT_BINARY_DIR}/packages/shlibs
+    "libqnvdrv10 ${PROJECT_VERSION_MAJOR} ${qnv_package_runtime} (>= ${PROJECT_VERSION})\n")
+  set(CPACK_DEBIAN_RUNTIME_PACKAGE_CONTROL_EXTRA ${PROJECT_BINARY_DIR}/packages/shlibs)
+  set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
+  set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "${qnv_package_runtime} (= ${PROJECT_VERSION})")
+  set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SUGGESTS "cmake, gcc | g++, pkg-config, qnvtool")
+  set(CPACK_DEBIAN_TOOLS_PACKAGE_SECTION text)
+  set(CPACK_DEBIAN_TOOLS_PACKAGE_RECOMMENDS "${qnv_package_runtime}, fonts-dejavu-core | fonts-liberation2, poppler-utils")
+  set(CPACK_DEBIAN_TOOLS_PACKAGE_SUGGESTS "bash-completion, cups-daemon, ${qnv_package_development}")
+  foreach(component IN LISTS qnv_components)
+    string(TOUPPER ${component} upper)
+    set(CPACK_DEBIAN_${upper}_PACKAGE_NAME ${qnv_package_${component}})
+    file(READ ${PROJECT_SOURCE_DIR}/packaging/description/${component} text)
+    set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS
+      ${PROJECT_SOURCE_DIR}/packaging/description/${component})
+    string(STRIP "${text}" CPACK_DEBIAN_${upper}_DESCRIPTION)
+  endforeach()
 else()
   return()
 endif()

@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <map>
 
+#include "qnvdrv10.h"
 #include "recorder/platform.h"
 
 namespace qnv::recorder {
@@ -60,7 +61,8 @@ Settings ReadSettings() {
 #ifdef _WIN32
     settings.libraries = {folder + "QNVDRV10_REAL.dll", folder + "QNVDRV10.dll"};
 #else
-    settings.libraries = {folder + "libqnvdrv10_real.so", folder + "libqnvdrv10.so"};
+    settings.libraries = {folder + "libqnvdrv10_real.so", folder + "libqnvdrv10.so",
+                          folder + "libqnvdrv10.so." + std::to_string(QNVDRV10_VERSION_MAJOR)};
 #endif
   }
   settings.file = value("QNVREC_FILE", "file");

@@ -2,7 +2,7 @@
 // it. The environment comes first.
 //
 //   library  QNVREC_LIBRARY  path of the library that makes the calls. Default: beside the recorder, QNVDRV10_REAL.dll
-//                            or libqnvdrv10_real.so, else QNVDRV10.dll or libqnvdrv10.so
+//                            or libqnvdrv10_real.so, else QNVDRV10.dll, libqnvdrv10.so or libqnvdrv10.so.0
 //   file     QNVREC_FILE     the call file to write; %p becomes the number of the process. Empty: nothing is recorded
 //   hash     QNVREC_HASH     "call": a checksum of the band after every drawing call, not only at the end of a band
 //   flush    QNVREC_FLUSH    "call": every call is written at once, for hosts that crash

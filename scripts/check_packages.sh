@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Makes both packages, installs each into an empty folder, and uses them as their users would.
+# Makes all packages, installs them into empty folders, and uses them as their users would.
 #
 #   scripts/check_packages.sh [LINUX_TREE [WIN32_TREE]]
 #
@@ -34,13 +34,13 @@ needs() {
 same_lines() { diff -U 0 <(sort -u <<<"$1") <(sort -u <<<"$2"); }
 
 # ---- Making ---------------------------------------------------------------------------------------------------------
-make_package() { # TREE PATTERN: leaves the path of the package in $work/made
+make_packages() { # TREE COUNT PATTERN: leaves the paths of the packages in $work/made
   local packages=()
-  rm -f "$1"/packages/$2
+  rm -f "$1"/packages/*.deb "$1"/packages/*.zip
   cmake --build "$1" --target package_files example_host || return 1
   (cd "$1" && cpack) || return 1
-  packages=("$1"/packages/$2)
-  [ ${#packages[@]} -eq 1 ] && needs "${packages[0]}" && echo "${packages[0]}" >"$work/made"
+  packages=("$1"/packages/$3)
+  [ ${#packages[@]} -eq "$2" ] && needs "${packages[@]}" && printf '%s\n' "${packages[@]}" >"$work/made"
 }
 
 # ---- Contents -------------------------------------------------------------------------------------------------------
@@ -55,18 +55,34 @@ cmake_files() {
 
 example_files() { printf 'examples/%s\n' host.c small_font.h CMakeLists.txt; }
 
-deb_files() {
+runtime_package=libqnvdrv10-${version%%.*}
+deb_packages=("$runtime_package" libqnvdrv10-dev qnvtool)
+library_folder=lib/$(dpkg-architecture -qDEB_HOST_MULTIARCH)
+soname=libqnvdrv10.so.${version%%.*}
+
+deb_files() { # PACKAGE
   { # relative to /usr
-    printf '%s\n' bin/qnvtool include/qnvdrv10.h include/qnvrec.h lib/libqnvdrv10.so lib/libqnvdrv10_static.a lib/libqnvrec.so
-    printf '%s\n' lib/cups/filter/qnvfilter share/ppd/qnvdrv10/qnvdrv10.ppd
-    printf 'share/%s\n' man/man1/qnvtool.1.gz bash-completion/completions/qnvtool doc/qnvdrv10-dev/changelog.gz
-    cmake_files
-    { documents; example_files; } | sed 's|^|share/doc/qnvdrv10-dev/|'
+    printf "share/doc/$1/%s\n" README.md copyright changelog.gz
+    case $1 in
+      "$runtime_package") printf "$library_folder/%s\n" "$soname" "libqnvdrv10.so.$version" ;;
+      libqnvdrv10-dev)
+        printf '%s\n' include/qnvdrv10.h include/qnvrec.h
+        printf "$library_folder/%s\n" libqnvdrv10.so libqnvdrv10.a pkgconfig/qnvdrv10.pc
+        cmake_files | sed "s|^lib/|$library_folder/|"
+        { documents | grep -v '/printing\.md$'; example_files; printf 'include/%s\n' qnvdrv10.h qnvrec.h; } | sed "s|^|share/doc/$1/|"
+        ;;
+      qnvtool)
+        printf '%s\n' bin/qnvtool "$library_folder/libqnvrec.so" share/doc/qnvtool/docs/printing.md
+        printf '%s\n' lib/cups/filter/qnvfilter share/ppd/qnvdrv10/qnvdrv10.ppd
+        printf 'share/%s\n' man/man1/qnvtool.1.gz man/man8/qnvfilter.8.gz bash-completion/completions/qnvtool
+        ;;
+    esac
   } | sed 's|^|usr/|'
 }
 
 zip_files() {
-  printf '%s\n' bin/QNVDRV10.dll bin/QNVDRV10.dll.debug bin/QNVREC.dll include/qnvdrv10.h include/qnvrec.h CHANGELOG.md
+  printf '%s\n' bin/QNVDRV10.dll bin/QNVDRV10.dll.debug bin/QNVREC.dll include/qnvdrv10.h include/qnvrec.h
+  printf '%s\n' README.md COPYRIGHT.txt CHANGELOG.md
   printf 'lib/%s\n' QNVDRV10.lib QNVDRV10.def libqnvdrv10.dll.a libqnvdrv10_static.a
   cmake_files
   documents
@@ -75,27 +91,65 @@ zip_files() {
 
 holds_exactly() { same_lines "$2" "$(cd "$1" && find . ! -type d -printf '%P\n')"; } # FOLDER FILES
 
-# All files can be read by everybody and written by root only; only programs and libraries are executable.
-deb_modes() {
+deb_holds() { holds_exactly "$work/$1" "$(deb_files "$1")"; } # PACKAGE
+
+# All files can be read by everybody and written by root only; only programs are executable.
+deb_modes() { # PACKAGE
   local odd
-  odd=$(dpkg-deb -c "$deb" | grep -vE '^(drwxr-xr-x|-rw-r--r--) root/root |^-rwxr-xr-x root/root .*/usr/(bin|lib/cups/filter)/' || true)
+  odd=$(dpkg-deb -c "${deb[$1]}" |
+    grep -vE '^(drwxr-xr-x|-rw-r--r--|lrwxrwxrwx) root/root |^-rwxr-xr-x root/root .*/usr/(bin|lib/cups/filter)/' || true)
   [ -z "$odd" ] || { echo "$odd"; return 1; }
 }
 
-control_field() { # FIELD PATTERN
-  local value
-  value=$(dpkg-deb -f "$deb" "$1")
-  grep -qE -- "$2" <<<"$value" || { echo "$1: $value"; return 1; }
+deb_control() { # PACKAGE FIELD=PATTERN...
+  local package=$1 value field
+  shift
+  for field in "Package=^$package\$" "Version=^${version//./\\.}\$" "Architecture=^$(dpkg --print-architecture)\$" \
+    Maintainer=. "Description=^[A-Z].{20,70}\$" "$@"; do
+    value=$(dpkg-deb -f "${deb[$package]}" "${field%%=*}")
+    grep -qE -- "${field#*=}" <<<"$value" || { echo "${field%%=*}: $value"; return 1; }
+  done
 }
 
-deb_control() {
-  control_field Package '^qnvdrv10-dev$' && control_field Version "^${version//./\\.}$" &&
-    control_field Architecture "^$(dpkg --print-architecture)$" && control_field Depends '(^|, )libc6 ' &&
-    control_field Depends '(^|, )zlib1g ' && control_field Depends '(^|, )libfreetype6 ' &&
-    control_field Depends '(^|, )libharfbuzz0b ' && control_field Depends '(^|, )libfribidi0 ' &&
-    control_field Depends '(^|, )libunibreak[0-9]* ' &&
-    control_field Depends '(^|, )libjpeg62-turbo ' && control_field Depends '(^|, )libtiff6 ' &&
-    control_field Description 'Band rasteriser'
+# Debian's own tool finds all that the packages depend on.
+can_be_installed() { # FILE...
+  local said
+  said=$(apt-get -s -o APT::Get::Show-User-Simulation-Note=false install "$@") || { echo "$said"; return 1; }
+  same_lines "$(printf '%s\n' "${deb_packages[@]}")" "$(sed -n 's/^Inst \([^ ]*\) ('"$version"' .*/\1/p' <<<"$said")"
+}
+
+# FILE: paragraphs of fields as Debian's format 1.0 has them, and every licence that a paragraph names has its text.
+copyright_is_readable() {
+  python3 - "$1" <<'CODE'
+import re, sys
+text = open(sys.argv[1], encoding='utf-8').read()
+paragraphs = []
+for block in re.split(r'\n\s*\n', text.strip()):
+    fields = {}
+    for line in block.split('\n'):
+        if re.match(r'[A-Z][A-Za-z-]*:', line):
+            name, _, value = line.partition(':')
+            assert name not in fields, f'{name} twice in a paragraph'
+            fields[name] = value.strip()
+        else:
+            assert line.startswith(' ') and fields, f'neither a field nor a continued one: {line!r}'
+            fields[name] += '\n' + line[1:]
+    paragraphs.append(fields)
+header, *rest = paragraphs
+assert header['Format'] == 'https://www.debian.org/doc/packaging-manuals/copyright-format/1.0/', header
+files = [p for p in rest if 'Files' in p]
+texts = {p['License'].split('\n')[0]: p['License'] for p in rest if 'Files' not in p}
+assert files and files[0]['Files'] == '*', 'the first paragraph is not about all files'
+for paragraph in files:
+    assert paragraph['Copyright'], paragraph
+    for name in paragraph['License'].split(' and '):
+        assert '\n' in texts.get(name, ''), f'no text of the licence {name}'
+assert 'No licence has been chosen yet' in texts['none-chosen-yet'], texts
+CODE
+}
+
+dead_links_are_found() {
+  mkdir -p "$work/dead" && echo '[gone](gone.md)' >"$work/dead/page.md" && ! "$root/scripts/check_links.py" "$work/dead"
 }
 
 # No file contains the name of the folder where it was built. Compressed files are unpacked for this.
@@ -109,11 +163,15 @@ no_machine_paths() {
 
 no_search_paths() {
   local file entries
-  for file in "$deb_root"/usr/bin/qnvtool "$deb_root"/usr/lib/libqnvdrv10.so; do
+  for file in "$deb_root/usr/bin/qnvtool" "$installed_library" "$deb_root/usr/$library_folder/libqnvrec.so"; do
     entries=$(readelf -d "$file")
     grep -qF '(NEEDED)' <<<"$entries" || { echo "$file: not read"; return 1; }
     ! grep -E '\(R(UN)?PATH\)' <<<"$entries" || return 1
   done
+}
+
+has_soname() { # FILE SONAME
+  same_lines "$2" "$(readelf -d "$1" | sed -n 's/.*(SONAME).*\[\(.*\)\]/\1/p')"
 }
 
 component_holds() { # TREE COMPONENT FILES
@@ -163,7 +221,7 @@ prints_through_library() {
   local print=("$tool" print "$work/photo.bmp" --paper 60x40mm --margin 5 --dpi 90 -q)
   "$tool" make-picture photo "$work/photo.bmp" --width 60 --height 40 &&
     "${print[@]}" -o "$work/linked.ppm" &&
-    "${print[@]}" -o "$work/loaded.ppm" --library "$deb_root/usr/lib/libqnvdrv10.so" &&
+    "${print[@]}" -o "$work/loaded.ppm" --library "$installed_library" &&
     needs "$work/linked.ppm" && cmp "$work/linked.ppm" "$work/loaded.ppm"
 }
 
@@ -249,25 +307,78 @@ loads_from() { # PROGRAM LIBRARY: the installed shared object, not one of the bu
   ldd "$1" | grep -F "=> $2 "
 }
 
+# The compiler with the options of pkg-config, which looks into the installation only.
+by_pkg_config() { # PROGRAM [--static]
+  local options
+  options=$(PKG_CONFIG_LIBDIR=$deb_root/usr/$library_folder/pkgconfig pkg-config ${2-} --cflags --libs qnvdrv10) || return 1
+  # shellcheck disable=SC2086
+  gcc -std=c99 -Wall -Wextra -Werror ${2:+-static} "$examples/host.c" $options -o "$1"
+}
+
+pkg_config_version() {
+  [ "$(PKG_CONFIG_LIBDIR=$deb_root/usr/$library_folder/pkgconfig pkg-config --modversion qnvdrv10)" = "$version" ]
+}
+
+needs_soname() { # PROGRAM
+  same_lines "$(printf '%s\n' libc.so.6 "$soname")" "$(readelf -d "$1" | sed -n 's/.*(NEEDED).*\[\(.*\)\]/\1/p')"
+}
+
+# A program runs where only the package of the library is installed.
+runs_with_runtime_package() { # PROGRAM
+  ! LD_LIBRARY_PATH='' "$1" "$work/none.bmp" && [ ! -e "$work/none.bmp" ] &&
+    paints env "LD_LIBRARY_PATH=$work/$runtime_package/usr/$library_folder" "$1"
+}
+
+is_static() { # PROGRAM
+  local entries
+  entries=$(readelf -d "$1")
+  ! grep -F '(NEEDED)' <<<"$entries"
+}
+
+# The installed tool finds the installed recorder and library.
+records() {
+  (cd "$work" && env "LD_LIBRARY_PATH=$deb_root/usr/$library_folder" "$tool" record -o calls.qnv -- \
+    "$work/by-pkg-config" recorded.bmp) && cmp "$work/reference.bmp" "$work/recorded.bmp" &&
+    "$tool" replay "$work/calls.qnv" --library "$installed_library"
+}
+
 # ---- The checks -----------------------------------------------------------------------------------------------------
 echo "examples/host.c"
 for compiler in gcc clang "$mingw_c"; do
   check "compiled as C99 without a warning by $compiler" example_compiles "$compiler"
 done
 
-echo "Debian package"
+check "documents: a dead link is found" dead_links_are_found
+
+echo "Debian packages"
 deb_root=$work/deb
 zip_top=$work/zip
-check "made" make_package "$linux_tree" 'qnvdrv10-dev_*.deb' || finish
-deb=$(cat "$work/made")
-check "installed into an empty folder" dpkg-deb -x "$deb" "$deb_root" || finish
+installed_library=$deb_root/usr/$library_folder/$soname
+check "made" make_packages "$linux_tree" ${#deb_packages[@]} '*.deb' || finish
+declare -A deb
+while read -r file; do deb[$(dpkg-deb -f "$file" Package)]=$file; done <"$work/made"
+for package in "${deb_packages[@]}"; do
+  check "$package: unpacked into an empty folder" dpkg-deb -x "${deb[$package]-}" "$work/$package" || finish
+  check "$package: holds what it should, and nothing else" deb_holds "$package"
+  check "$package: owners and permissions" deb_modes "$package"
+  check "$package: whose it is, in Debian's format" copyright_is_readable "$work/$package/usr/share/doc/$package/copyright"
+  check "$package: no path of this machine in any file" no_machine_paths "$work/$package"
+  dpkg-deb -x "${deb[$package]}" "$deb_root" || finish
+done
 tool=$deb_root/usr/bin/qnvtool
-check "holds what it should, and nothing else" holds_exactly "$deb_root" "$(deb_files)"
-check "owners and permissions" deb_modes
-check "control details" deb_control
-check "no path of this machine in any file" no_machine_paths "$deb_root"
+check "$runtime_package: control details" deb_control "$runtime_package" Section='^libs$' Depends='(^|, )libc6 '
+check "$runtime_package: what programs depend on" test \
+  "$(dpkg-deb -I "${deb[$runtime_package]}" shlibs)" = "libqnvdrv10 ${version%%.*} $runtime_package (>= $version)"
+check "libqnvdrv10-dev: control details" deb_control libqnvdrv10-dev Section='^libdevel$' \
+  "Depends=^$runtime_package \(= ${version//./\\.}\)\$"
+check "qnvtool: control details" deb_control qnvtool Section='^text$' \
+  Depends='(^|, )'{libc6,zlib1g,libcups2,libfreetype6,libharfbuzz0b,libfribidi0,libunibreak'[0-9]*',libjpeg62-turbo,libtiff6,libpng16-16,libfontconfig1,libzstd1}' ' \
+  Recommends="(^|, )$runtime_package(,|\$)"
+check "apt can install all of them" can_be_installed "${deb[@]}"
 check "no library search path" no_search_paths
-check "component runtime alone" component_holds "$linux_tree" runtime lib/libqnvdrv10.so
+check "links of the documents lead to files" "$root/scripts/check_links.py" "$deb_root"
+check "soname" has_soname "$installed_library" "$soname"
+check "component runtime alone" component_holds "$linux_tree" runtime "$(deb_files "$runtime_package" | sed 's|^usr/||')"
 check "qnvtool runs and tells its version" tool_says_version
 check "the man page has the options of --help" man_page_is_true
 check "the completion has the options of --help" completion_is_true
@@ -275,9 +386,19 @@ check "the completion completes" completion_works
 check "qnvtool prints the same page through the installed library" prints_through_library
 
 check "build tree: the example paints its page" "$linux_tree/bin/example_host" "$work/reference.bmp" || finish
-examples=$deb_root/usr/share/doc/qnvdrv10-dev/examples
+examples=$deb_root/usr/share/doc/libqnvdrv10-dev/examples
+check "pkg-config: version" pkg_config_version
+if check "pkg-config, shared: the example is compiled" by_pkg_config "$work/by-pkg-config"; then
+  check "pkg-config, shared: needs the library by its soname" needs_soname "$work/by-pkg-config"
+  check "pkg-config, shared: the same page, without the development package" runs_with_runtime_package "$work/by-pkg-config"
+  check "qnvtool records it with the installed recorder" records
+fi
+if check "pkg-config, static: the example is compiled" by_pkg_config "$work/by-pkg-config-static" --static; then
+  check "pkg-config, static: needs no library" is_static "$work/by-pkg-config-static"
+  check "pkg-config, static: the same page" paints "$work/by-pkg-config-static"
+fi
 if check "example: configured and built" configure_and_build "$examples" "$work/linux" "$deb_root/usr"; then
-  check "example: loads the installed library" loads_from "$work/linux/host" "$deb_root/usr/lib/libqnvdrv10.so"
+  check "example: loads the installed library" loads_from "$work/linux/host" "$installed_library"
   check "example, shared: the same page" paints "$work/linux/host"
   check "example, static: needs the C library only" needs_c_library_only "$work/linux/host_static"
   check "example, static: the same page" paints "$work/linux/host_static"
@@ -288,12 +409,14 @@ if check "C++ test program: configured and built" \
 fi
 
 echo "Windows package"
-check "made" make_package "$win32_tree" 'QNVDRV10-*-win32.zip' || finish
+check "made" make_packages "$win32_tree" 1 'QNVDRV10-*-win32.zip' || finish
 check "named after its version" test "$(cat "$work/made")" = "$win32_tree/packages/QNVDRV10-$version-win32.zip"
 check "unpacked into an empty folder" unzip -q "$(cat "$work/made")" -d "$zip_top" || finish
 zip_root=$zip_top/QNVDRV10-$version-win32
 check "holds what it should, and nothing else" holds_exactly "$zip_root" "$(zip_files)"
 check "no path of this machine in any file" no_machine_paths "$zip_root"
+check "links of the documents lead to files" "$root/scripts/check_links.py" "$zip_root"
+check "whose it is, in Debian's format" copyright_is_readable "$zip_root/COPYRIGHT.txt"
 check "component runtime alone" component_holds "$win32_tree" runtime bin/QNVDRV10.dll
 check "version resource" version_resource
 check "symbols beside the DLL" symbols_beside_dll

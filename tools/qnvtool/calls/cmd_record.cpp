@@ -26,13 +26,23 @@ struct RecordArguments {
   bool hash = false, flush = false, check = false, stored = false;
 };
 
-// A library beside the program or in the folder of libraries that belongs to it.
-std::string BesideProgram(const std::string& name) {
+#define QNVTOOL_TEXT_OF(number) #number
+#define QNVTOOL_TEXT(macro) QNVTOOL_TEXT_OF(macro)
+
+// Programs ask for the second name; the first is there where programs are compiled.
+constexpr const char* kLibraryNames[] = {"libqnvdrv10.so", "libqnvdrv10.so." QNVTOOL_TEXT(QNVDRV10_VERSION_MAJOR)};
+constexpr const char* kRecorderNames[] = {"libqnvrec.so"};
+
+// The first of these libraries that is beside the program or in a folder of libraries that belongs to it.
+template <std::size_t count>
+std::string BesideProgram(const char* const (&names)[count]) {
   std::error_code error;
   const auto program = std::filesystem::read_symlink("/proc/self/exe", error);
-  for (const char* folder : {".", "../lib"}) {
-    const auto path = (program.parent_path() / folder / name).lexically_normal();
-    if (std::filesystem::is_regular_file(path, error)) return path.string();
+  for (const char* folder : {".", "../lib", "../lib/" QNVTOOL_LIBRARY_ARCHITECTURE}) {
+    for (const char* name : names) {
+      const auto path = (program.parent_path() / folder / name).lexically_normal();
+      if (std::filesystem::is_regular_file(path, error)) return path.string();
+    }
   }
   return "";
 }
@@ -89,8 +99,8 @@ void Run(const RecordArguments&, const std::string&, const std::string&, const s
 #endif
 
 void Record(const RecordArguments& a) {
-  const std::string recorder = a.recorder.empty() ? BesideProgram("libqnvrec.so") : a.recorder;
-  const std::string library = a.library.empty() ? BesideProgram("libqnvdrv10.so") : a.library;
+  const std::string recorder = a.recorder.empty() ? BesideProgram(kRecorderNames) : a.recorder;
+  const std::string library = a.library.empty() ? BesideProgram(kLibraryNames) : a.library;
   if (recorder.empty()) throw ToolError(ExitCode::kLibrary, "libqnvrec.so is not beside the program: use --recorder");
   if (library.empty()) throw ToolError(ExitCode::kLibrary, "libqnvdrv10.so is not beside the program: use --library");
   const std::string out = std::filesystem::absolute(a.out).string();
