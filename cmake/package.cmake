@@ -101,13 +101,9 @@ if(WIN32)
 endif()
 
 # ---- Documents and example ---------------------------------------------------------------------------------------
-if(WIN32)
-  install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs DESTINATION . COMPONENT development
-    FILES_MATCHING PATTERN *.md PATTERN *.png)
-else()
-  # The guide to the programs comes with them.
-  install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs DESTINATION ${qnv_docdir_development} COMPONENT development
-    FILES_MATCHING PATTERN *.md PATTERN *.png PATTERN printing.md EXCLUDE)
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs DESTINATION ${qnv_docdir_development} COMPONENT development
+  FILES_MATCHING PATTERN *.md PATTERN *.png)
+if(NOT WIN32)
   install(FILES ${PROJECT_SOURCE_DIR}/docs/printing.md DESTINATION ${qnv_docdir_tools}/docs COMPONENT tools)
   # The guides refer to the headers as they lie beside them in the sources.
   file(RELATIVE_PATH header_folder /${qnv_docdir_development}/include /${CMAKE_INSTALL_INCLUDEDIR})
@@ -184,6 +180,8 @@ endif()
 if(TARGET qnvtool)
   add_dependencies(package_files qnvtool)
   install(TARGETS qnvtool RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT tools)
+endif()
+if(TARGET qnvfilter)
   # The filter of print queues lies where the print server looks for it, whatever the prefix is called.
   add_dependencies(package_files qnvfilter)
   install(TARGETS qnvfilter RUNTIME DESTINATION lib/cups/filter COMPONENT tools)
@@ -220,6 +218,9 @@ set(CPACK_STRIP_FILES ON)
 set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
   OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
 if(WIN32)
+  if(NOT TARGET qnvtool)
+    return()
+  endif()
   set(CPACK_GENERATOR ZIP)
   set(CPACK_PACKAGE_FILE_NAME QNVDRV10-${PROJECT_VERSION}-win32)
 elseif(CMAKE_SIZEOF_VOID_P EQUAL 8 AND TARGET qnvtool)

@@ -69,7 +69,7 @@ deb_files() { # PACKAGE
         printf '%s\n' include/qnvdrv10.h include/qnvrec.h
         printf "$library_folder/%s\n" libqnvdrv10.so libqnvdrv10.a pkgconfig/qnvdrv10.pc
         cmake_files | sed "s|^lib/|$library_folder/|"
-        { documents | grep -v '/printing\.md$'; example_files; printf 'include/%s\n' qnvdrv10.h qnvrec.h; } | sed "s|^|share/doc/$1/|"
+        { documents; example_files; printf 'include/%s\n' qnvdrv10.h qnvrec.h; } | sed "s|^|share/doc/$1/|"
         ;;
       qnvtool)
         printf '%s\n' bin/qnvtool "$library_folder/libqnvrec.so" share/doc/qnvtool/docs/printing.md
@@ -81,7 +81,7 @@ deb_files() { # PACKAGE
 }
 
 zip_files() {
-  printf '%s\n' bin/QNVDRV10.dll bin/QNVDRV10.dll.debug bin/QNVREC.dll include/qnvdrv10.h include/qnvrec.h
+  printf '%s\n' bin/QNVDRV10.dll bin/QNVDRV10.dll.debug bin/QNVREC.dll bin/qnvtool.exe include/qnvdrv10.h include/qnvrec.h
   printf '%s\n' README.md COPYRIGHT.txt CHANGELOG.md
   printf 'lib/%s\n' QNVDRV10.lib QNVDRV10.def libqnvdrv10.dll.a libqnvdrv10_static.a
   cmake_files
@@ -146,6 +146,15 @@ for paragraph in files:
         assert '\n' in texts.get(name, ''), f'no text of the licence {name}'
 assert 'No licence has been chosen yet' in texts['none-chosen-yet'], texts
 CODE
+}
+
+# Files that documents link to are in the same package. The README of the library has no links.
+links_lead_to_files() { # PACKAGE
+  if [ "$1" = "$runtime_package" ]; then
+    ! grep -E '\]\(' "$work/$1/usr/share/doc/$1/README.md"
+  else
+    "$root/scripts/check_links.py" "$work/$1"
+  fi
 }
 
 dead_links_are_found() {
@@ -228,13 +237,13 @@ prints_through_library() {
 # ---- Windows files --------------------------------------------------------------------------------------------------
 published() { sed -n 's/^\([0-9]*\) \(QNV[A-Za-z]*\)\r\{0,1\}$/\1 \2/p' "$root/tests/published_exports.txt"; }
 
-version_resource() {
+version_resource() { # FILE DESCRIPTION
   local resource
-  resource=$($mingw-windres -i "$zip_root/bin/QNVDRV10.dll" -O rc) || return 1
+  resource=$($mingw-windres -i "$zip_root/bin/$1" -O rc) || return 1
   local line
   for line in "FILEVERSION ${version//./, }, 0" "PRODUCTVERSION ${version//./, }, 0" \
     "\"ProductVersion\", \"$version\"" "\"FileVersion\", \"$version\"" '"ProductName", "QNVDRV10"' \
-    '"FileDescription", "Band rasteriser"' '"OriginalFilename", "QNVDRV10.dll"'; do
+    "\"FileDescription\", \"$2\"" "\"OriginalFilename\", \"$1\""; do
     grep -qF -- "$line" <<<"$resource" || { echo "no $line in: $resource"; return 1; }
   done
 }
@@ -263,12 +272,103 @@ binds_right() { # PROGRAM FEWEST
   ! grep -vxFf <(published) <<<"$bound"
 }
 
-needs_system_only() { # PROGRAM: imports from the two system libraries and nothing else
-  same_lines $'KERNEL32.dll\nmsvcrt.dll' "$($mingw-objdump -p "$1" | tr -d '\r' | sed -n 's/.*DLL Name: //p')"
+needs_only() { # PROGRAM LIBRARY...: imports from these and nothing else
+  local program=$1
+  shift
+  same_lines "$(printf '%s\n' "$@")" "$($mingw-objdump -p "$program" | tr -d '\r' | sed -n 's/.*DLL Name: //p')"
 }
+needs_system_only() { needs_only "$1" KERNEL32.dll msvcrt.dll; } # PROGRAM
 
 # PROGRAM
 needs_c_library_only() { same_lines libc.so.6 "$(readelf -d "$1" | sed -n 's/.*(NEEDED).*\[\(.*\)\]/\1/p')"; }
+
+# ---- qnvtool.exe ----------------------------------------------------------------------------------------------------
+# It runs in the folder $work/windows, its own from the unpacked zip.
+windows_tool() { (cd "$work/windows" && LC_ALL=C.UTF-8 QNV_WINE_TIMEOUT=120 "$wine" "$zip_root/bin/qnvtool.exe" "$@"); }
+
+windows_tool_says_version() { [ "$(windows_tool --version | tr -d '\r')" = "qnvtool $version" ]; }
+
+# OPTION...: figures and pictures as qnvtool of the Debian package prints them. The pixels of PNG files are compared, as
+# their compression is that of another zlib.
+prints_as_linux() {
+  local format options=(drawing.fig photo.bmp map.bmp --no-header --dpi 100 -q "$@")
+  for format in ppm png pdf; do
+    rm -f "$work/windows"/{page,linux}*
+    windows_tool print "${options[@]}" -o "page.$format" &&
+      (cd "$work/windows" && "$tool" print "${options[@]}" -o "linux.$format") || return 1
+    case $format in
+      ppm) cmp "$work/windows/linux-01.ppm" "$work/windows/page-01.ppm" &&
+        cmp "$work/windows/linux-03.ppm" "$work/windows/page-03.ppm" ;;
+      png) pngcheck -q "$work/windows"/page-0[123].png &&
+        cmp <(pixels "$work/windows"/linux-0[123].png) <(pixels "$work/windows"/page-0[123].png) ;;
+      pdf) cmp <(pdftoppm -r 100 "$work/windows/linux.pdf") <(pdftoppm -r 100 "$work/windows/page.pdf") ;;
+    esac || return 1
+  done
+}
+
+pixels() { # PNG...
+  "$linux_tree/bin/raster_to_ppm" "$@" | tee "$work/pixels"
+  needs "$work/pixels" >&2
+}
+
+makes_same_pictures() {
+  local kind
+  for kind in photo map; do
+    windows_tool make-picture $kind $kind.bmp --width 200 --height 150 &&
+      "$tool" make-picture $kind "$work/same.bmp" --width 200 --height 150 &&
+      cmp "$work/same.bmp" "$work/windows/$kind.bmp" || return 1
+  done
+}
+
+# Two lines of the same letters have the same ink, one of dashes has less.
+prints_text() {
+  local ink=() line
+  for line in MMMM MMMM $'MMMM\nMMMM' ----; do
+    printf '%s\n' "$line" >"$work/windows/text.c"
+    windows_tool print text.c --paper 80x40mm --margin 5 --dpi 150 --no-header --device gray -q -o text.pgm || return 1
+    ink+=("$(tail -c +16 "$work/windows/text.pgm" | tr -d '\377' | wc -c)")
+  done
+  echo "ink: ${ink[*]}"
+  [ "${ink[0]}" -ge 200 ] && [ "${ink[0]}" -eq "${ink[1]}" ] && [ "${ink[2]}" -eq $((2 * ink[0])) ] &&
+    [ "${ink[3]}" -gt 0 ] && [ "${ink[3]}" -lt "${ink[0]}" ]
+}
+
+windows_refuses() { # CODE TEXT ARGUMENT...
+  local wanted=$1 text=$2 said code
+  shift 2
+  said=$(windows_tool "$@" 2>&1 | tr -d '\r'; exit "${PIPESTATUS[0]}")
+  code=$?
+  [ $code -eq "$wanted" ] && grep -qxF -- "qnvtool: $text" <<<"$said" || { echo "$code: $said"; return 1; }
+}
+
+refuses_what_it_lacks() {
+  local only="this build does not write that format, only PPM, PGM, PNG, PDF"
+  (cd "$work/windows" && "$tool" print photo.bmp --paper 20x20mm --margin 1 --dpi 50 -q -o in.png &&
+    "$tool" print photo.bmp --paper 20x20mm --margin 1 --dpi 50 -q -o in.tiff) || return 1
+  printf '\xff\xd8\xff\xe0\x00\x10JFIF' >"$work/windows/in.jpg"
+  local without="which this program was built without a reader for"
+  windows_refuses 2 "in.png: is a PNG picture, $without" print in.png -o out.png &&
+    windows_refuses 2 "in.tiff: is a TIFF picture, $without" print in.tiff -o out.png &&
+    windows_refuses 2 "in.jpg: is a JPEG picture, $without" print in.jpg -o out.png &&
+    windows_refuses 1 "out.tiff: $only" print photo.bmp -o out.tiff &&
+    windows_refuses 1 "out.pwg: $only" print photo.bmp -o out.pwg &&
+    windows_refuses 1 "--printer: this program sends nothing" print photo.bmp --printer ipp://localhost/x &&
+    windows_refuses 1 "--encoding KOI8-R: is unknown; this program knows UTF-8, UTF-16LE, UTF-16BE, UTF-32LE, UTF-32BE \
+and ISO-8859-1" print text.c --encoding KOI8-R -o out.png &&
+    windows_refuses 1 "text.c: this build takes the names of installed fonts, no files" print text.c --font text.c -o out.png &&
+    windows_refuses 1 "record runs under Linux; elsewhere put the recorder before the library yourself" \
+      record -o calls.qnv -- host.exe && [ ! -e "$work/windows/out.png" ]
+}
+
+# The delivered recorder in the place of the library, which has the other name then; qnvtool.exe replays what it wrote.
+records_on_windows() {
+  local folder=$work/windows-record
+  mkdir -p "$folder" && cp "$1" "$folder/host.exe" && cp "$zip_root/bin/QNVDRV10.dll" "$folder/QNVDRV10_REAL.dll" &&
+    cp "$zip_root/bin/QNVREC.dll" "$folder/QNVDRV10.dll" && printf 'file = calls.qnv\r\n' >"$folder/QNVDRV10.ini" &&
+    (cd "$folder" && "$wine" host.exe page.bmp) && cmp "$work/reference.bmp" "$folder/page.bmp" &&
+    cp "$folder/calls.qnv" "$work/windows" && windows_tool replay calls.qnv >"$work/replayed" &&
+    grep -F ' 0 differences' "$work/replayed"
+}
 
 # ---- Consumers ------------------------------------------------------------------------------------------------------
 configure_and_build() { # SOURCES BUILD PREFIX OPTION...
@@ -362,6 +462,7 @@ for package in "${deb_packages[@]}"; do
   check "$package: holds what it should, and nothing else" deb_holds "$package"
   check "$package: owners and permissions" deb_modes "$package"
   check "$package: whose it is, in Debian's format" copyright_is_readable "$work/$package/usr/share/doc/$package/copyright"
+  check "$package: links of the documents lead to files" links_lead_to_files "$package"
   check "$package: no path of this machine in any file" no_machine_paths "$work/$package"
   dpkg-deb -x "${deb[$package]}" "$deb_root" || finish
 done
@@ -376,7 +477,6 @@ check "qnvtool: control details" deb_control qnvtool Section='^text$' \
   Recommends="(^|, )$runtime_package(,|\$)"
 check "apt can install all of them" can_be_installed "${deb[@]}"
 check "no library search path" no_search_paths
-check "links of the documents lead to files" "$root/scripts/check_links.py" "$deb_root"
 check "soname" has_soname "$installed_library" "$soname"
 check "component runtime alone" component_holds "$linux_tree" runtime "$(deb_files "$runtime_package" | sed 's|^usr/||')"
 check "qnvtool runs and tells its version" tool_says_version
@@ -409,6 +509,7 @@ if check "C++ test program: configured and built" \
 fi
 
 echo "Windows package"
+check "a reader of PNG files" cmake --build "$linux_tree" --target raster_to_ppm
 check "made" make_packages "$win32_tree" 1 'QNVDRV10-*-win32.zip' || finish
 check "named after its version" test "$(cat "$work/made")" = "$win32_tree/packages/QNVDRV10-$version-win32.zip"
 check "unpacked into an empty folder" unzip -q "$(cat "$work/made")" -d "$zip_top" || finish
@@ -418,11 +519,25 @@ check "no path of this machine in any file" no_machine_paths "$zip_root"
 check "links of the documents lead to files" "$root/scripts/check_links.py" "$zip_root"
 check "whose it is, in Debian's format" copyright_is_readable "$zip_root/COPYRIGHT.txt"
 check "component runtime alone" component_holds "$win32_tree" runtime bin/QNVDRV10.dll
-check "version resource" version_resource
+check "version resources" eval 'version_resource QNVDRV10.dll "Band rasteriser" &&
+  version_resource qnvtool.exe "Page printer"'
 check "symbols beside the DLL" symbols_beside_dll
 check "libqnvdrv10.dll.a: the published functions" import_symbols libqnvdrv10.dll.a
 check "QNVDRV10.lib: the published functions" import_symbols QNVDRV10.lib
 check "DLL: needs the system's libraries only" needs_system_only "$zip_root/bin/QNVDRV10.dll"
+
+mkdir "$work/windows" &&
+  grep -v '^text' "$root/examples/demo/figures.fig" >"$work/windows/drawing.fig"
+check "qnvtool.exe: needs the system's libraries and the DLL beside it only" needs_only "$zip_root/bin/qnvtool.exe" \
+  KERNEL32.dll msvcrt.dll GDI32.dll QNVDRV10.dll
+check "qnvtool.exe: imports by the published names" binds_right "$zip_root/bin/qnvtool.exe" 13
+check "qnvtool.exe: tells its version" windows_tool_says_version
+check "qnvtool.exe: makes the same pictures" makes_same_pictures
+check "qnvtool.exe: prints the same pixels" prints_as_linux
+check "qnvtool.exe: prints the same pixels, gray" prints_as_linux --device gray
+check "qnvtool.exe: prints the same pixels, two pages a sheet" prints_as_linux --n-up 2 --copies 3
+check "qnvtool.exe: prints text" prints_text
+check "qnvtool.exe: says what it lacks" refuses_what_it_lacks
 
 check "build tree: the same page under Wine" paints "$wine" "$win32_tree/bin/example_host.exe"
 if check "example: configured and built" \
@@ -430,6 +545,7 @@ if check "example: configured and built" \
   check "example: the DLL beside it is the delivered one" cmp "$zip_root/bin/QNVDRV10.dll" "$work/win32/QNVDRV10.dll"
   check "example: imports by the published names" binds_right "$work/win32/host.exe" 8
   check "example, DLL: the same page" paints "$wine" "$work/win32/host.exe"
+  check "QNVREC.dll records it, qnvtool.exe replays it" records_on_windows "$work/win32/host.exe"
   check "example, static: needs the system's libraries only" needs_system_only "$work/win32/host_static.exe"
   check "example, static: the same page" paints "$wine" "$work/win32/host_static.exe"
 fi

@@ -18,7 +18,7 @@ demo_packages=(
 # g++-12-multilib instead of g++-multilib, because the latter conflicts with every cross compiler. It lacks the link to
 # the headers of the kernel, whose folder is therefore given in the preset linux-x86.
 check_packages=(
-  binutils googletest g++-12-multilib g++-mingw-w64-i686-posix
+  binutils googletest g++-12-multilib g++-mingw-w64-i686-posix libz-mingw-w64-dev
   dpkg-dev unzip clang llvm lld
   clang-tidy clang-format cppcheck libclang-rt-dev ccache
   g++-aarch64-linux-gnu qemu-user

@@ -92,13 +92,14 @@ void Run(const RecordArguments& a, const std::string& recorder, const std::strin
 
 #else
 
-void Run(const RecordArguments&, const std::string&, const std::string&, const std::string&) {
-  throw ToolError(ExitCode::kUsage, "record runs under Linux; elsewhere put the recorder before the library yourself");
-}
+void Run(const RecordArguments&, const std::string&, const std::string&, const std::string&) {}
 
 #endif
 
 void Record(const RecordArguments& a) {
+#ifndef __linux__
+  throw ToolError(ExitCode::kUsage, "record runs under Linux; elsewhere put the recorder before the library yourself");
+#endif
   const std::string recorder = a.recorder.empty() ? BesideProgram(kRecorderNames) : a.recorder;
   const std::string library = a.library.empty() ? BesideProgram(kLibraryNames) : a.library;
   if (recorder.empty()) throw ToolError(ExitCode::kLibrary, "libqnvrec.so is not beside the program: use --recorder");

@@ -3,8 +3,10 @@
 
 #include <fmt/core.h>
 
+#include <algorithm>
 #include <cctype>
 #include <filesystem>
+#include <utility>
 
 #include "qnvtool/base/phase_times.h"
 #include "qnvtool/base/tool_error.h"
@@ -20,7 +22,24 @@ bool NamesPgm(const std::string& path, const std::string& format) {
   return extension == ".pgm";
 }
 
+// The names of the formats that a program writes: "PPM, PGM, PNG".
+std::string WrittenFormats(const OutputParts& parts) {
+  std::string names = "PPM, PGM";
+  for (const auto& [format, name] : {std::pair{PictureFormat::kPng, "PNG"}, std::pair{PictureFormat::kTiff, "TIFF"},
+                                     std::pair{PictureFormat::kPdf, "PDF"}}) {
+    if (parts.CanWrite(format)) names += fmt::format(", {}", name);
+  }
+  return names;
+}
+
 }  // namespace
+
+bool OutputParts::CanWrite(PictureFormat format) const {
+  if (format == PictureFormat::kPnm) return true;
+  if (format == PictureFormat::kPng) return createPng != nullptr;
+  return createDocument != nullptr &&
+         (documents.empty() || std::find(documents.begin(), documents.end(), format) != documents.end());
+}
 
 JobOutput::JobOutput(const PageNames& wanted, const std::string& format, const DeviceChoice& device,
                      const OutputParts& parts)
@@ -42,11 +61,9 @@ JobOutput::~JobOutput() = default;
 void JobOutput::Choose(Kind& kind, const std::string& path, const std::string& format, bool gray) const {
   kind.wanted = path;
   kind.format = FormatOf(path, format);
-  const bool canBeWritten =
-      kind.format == PictureFormat::kPnm ||
-      (HoldsAllPages(kind.format) ? parts_.createDocument != nullptr : parts_.createPng != nullptr);
-  if (!canBeWritten) {
-    throw ToolError(ExitCode::kUsage, fmt::format("{}: this program writes .ppm and .pgm files only", path));
+  if (!parts_.CanWrite(kind.format)) {
+    throw ToolError(ExitCode::kUsage,
+                    fmt::format("{}: this build does not write that format, only {}", path, WrittenFormats(parts_)));
   }
   if (!gray && NamesPgm(path, format)) {
     throw ToolError(ExitCode::kUsage, fmt::format("{}: PGM files are gray, the picture has colors; use .ppm", path));

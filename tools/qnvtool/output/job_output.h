@@ -21,6 +21,9 @@ struct OutputParts {
   // `pages`: of the job.
   std::function<std::unique_ptr<PageDocument>(PictureFormat, const std::string& path, int pages)> createDocument =
       nullptr;
+  std::vector<PictureFormat> documents = {};  // that createDocument makes; empty: all there are
+
+  bool CanWrite(PictureFormat format) const;
 };
 
 class JobOutput {
