@@ -61,7 +61,7 @@ void WriteSampleBmps(const std::string& folder) {
   write("rle8.bmp", Runs(8));
 }
 
-tool::FontShelf OpenFonts(const tool::PrintOptions&, int dpi) { return SyntheticShelf(dpi); }
+tool::FontShelf OpenFonts(const tool::PrintOptions&, int dpi, tool::NoteSink) { return SyntheticShelf(dpi); }
 
 }  // namespace
 }  // namespace qnv::test

@@ -9,8 +9,10 @@
 
 #include "bmp_file.h"
 #include "picture_inputs.h"
+#include "qnvtool/base/tool_error.h"
 #include "qnvtool/cli/sample_pictures.h"
 #include "qnvtool/layout/text_layout.h"
+#include "qnvtool/paint/band_pipeline.h"
 #include "synthetic_font.h"
 #include "tool_errors.h"
 
@@ -40,21 +42,26 @@ struct Printed {
   }
 };
 
-Printed PrintPage(const Page& page, const DeviceChoice& device, int bandRows) {
-  BandPrinter printer(tool::LinkedRasteriser(), device, page.width, page.height, bandRows);
-  Printed result{printer.width(), printer.height(), device.bandBytesPerPixel(), {}, {}};
-  int next = 0;
+// Adds the rows of a band.
+void Append(const tool::BandView& band, Printed& result) {
   const auto append = [](std::vector<uint8_t>& rows, const uint8_t* first, std::size_t stride, int row, int bytes) {
     first += static_cast<std::size_t>(row) * stride;
     rows.insert(rows.end(), first, first + bytes);
   };
+  for (int i = 0; i < band.rows; ++i) {
+    append(result.pixels, band.pixels, band.stride, i, result.width * result.bytesPerPixel);
+    if (band.tags != nullptr) append(result.tags, band.tags, band.tagStride, i, result.width);
+  }
+}
+
+Printed PrintPage(const Page& page, const DeviceChoice& device, int bandRows) {
+  BandPrinter printer(tool::LinkedRasteriser(), device, page.width, page.height, bandRows);
+  Printed result{printer.width(), printer.height(), device.bandBytesPerPixel(), {}, {}};
+  int next = 0;
   printer.Print(page, [&](const tool::BandView& band) {
     EXPECT_EQ(band.top, next);
     next += band.rows;
-    for (int i = 0; i < band.rows; ++i) {
-      append(result.pixels, band.pixels, band.stride, i, result.width * result.bytesPerPixel);
-      if (band.tags != nullptr) append(result.tags, band.tags, band.tagStride, i, result.width);
-    }
+    Append(band, result);
   });
   EXPECT_EQ(next, result.height);
   return result;
@@ -138,6 +145,71 @@ TEST(BandPrinter, ThePictureDoesNotDependOnTheBands) {
       const Printed banded = PrintPage(page, device, bandRows);
       EXPECT_TRUE(banded == whole) << device.name << " in bands of " << bandRows << " rows";
     }
+  }
+}
+
+// Pages of several sizes, with the same picture on two of them, on several threads.
+TEST(BandPipeline, ThePicturesDoNotDependOnTheThreads) {
+  for (const char* name : {"color", "gray", "dual", "scaled:120/77"}) {
+    const DeviceChoice device = Device(name);
+    tool::FontShelf fonts = SyntheticShelf(device.pageDpi);
+    const Page full = FullPage(device, fonts);
+    const tool::PicturePtr image = Image(24, 50, 70);
+    const std::vector<Page> pages = {full, PicturePage(130, 170, image, {10, 20, 110, 160}), full,
+                                     PicturePage(230, 300, image, {0, 0, 230, 300}),
+                                     Page{.width = 90, .height = 40, .items = {}}};
+    for (const int threads : {1, 2, 3, 8}) {
+      for (const int bandRows : {7, 64, 0}) {
+        std::vector<Printed> printed;
+        tool::Workers workers(threads);
+        const tool::Rasteriser rasteriser = tool::LinkedRasteriser();
+        tool::BandPipeline pipeline(workers, rasteriser, device, bandRows, [&](const tool::PaintedBand& band) {
+          if (band.index == 0) printed.push_back({band.width, band.height, device.bandBytesPerPixel(), {}, {}});
+          Append(band.view, printed.back());
+        });
+        for (const Page& page : pages) pipeline.Print(page);
+        pipeline.Finish();
+        ASSERT_EQ(printed.size(), pages.size());
+        for (std::size_t i = 0; i < pages.size(); ++i) {
+          EXPECT_TRUE(printed[i] == PrintPage(pages[i], device, 0))
+              << name << ": page " << i << " in bands of " << bandRows << " rows by " << threads << " threads";
+        }
+      }
+    }
+  }
+}
+
+// What a sink or a band throws ends the work of all threads, and the caller gets it.
+TEST(BandPipeline, FailuresReachTheCaller) {
+  const DeviceChoice device = Device("color");
+  const tool::Rasteriser rasteriser = tool::LinkedRasteriser();
+  const Page page = PicturePage(200, 800, Image(24, 50, 70), {10, 20, 110, 760});
+  for (const int threads : {1, 2, 8}) {
+    tool::Workers workers(threads);
+    int bands = 0;
+    const auto print = [&] {
+      tool::BandPipeline pipeline(workers, rasteriser, device, 16, [&](const tool::PaintedBand&) {
+        if (++bands == 9) throw tool::ToolError(tool::ExitCode::kCannotWrite, "full");
+      });
+      for (int i = 0; i < 3; ++i) pipeline.Print(page);
+      pipeline.Finish();
+    };
+    try {
+      print();
+      ADD_FAILURE() << "nothing was thrown";
+    } catch (const tool::ToolError& error) {
+      EXPECT_STREQ(error.what(), "full");
+    }
+    EXPECT_EQ(bands, 9);
+
+    tool::Rasteriser refusing = rasteriser;
+    refusing.control = [](DeviceHandle*, uint32_t, const void*, void*) { return uint32_t{0}; };
+    tool::BandPipeline pipeline(workers, refusing, device, 16, [&](const tool::PaintedBand&) {});
+    const auto printRefused = [&] {
+      pipeline.Print(page);
+      pipeline.Finish();
+    };
+    EXPECT_THROW(printRefused(), tool::ToolError) << threads;
   }
 }
 

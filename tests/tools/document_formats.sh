@@ -94,7 +94,7 @@ grep -qF "photo.pdf: is an input file" stderr || fail "message: $(cat stderr)"
 
 # --timing: one line with all phases.
 "$tool" print text.txt --dpi 60 -o timed.png --timing 2>stderr || fail "--timing"
-grep -qE '^qnvtool: reading [0-9.]+ ms, layout [0-9.]+ ms, rasterising [0-9.]+ ms, encoding [0-9.]+ ms, writing [0-9.]+ ms, .*together [0-9.]+ ms$' stderr ||
+grep -qE '^qnvtool: reading [0-9.]+ ms, layout [0-9.]+ ms, rasterising [0-9.]+ ms, encoding [0-9.]+ ms, writing [0-9.]+ ms, .*together [0-9.]+ ms, elapsed [0-9.]+ ms$' stderr ||
   fail "--timing: $(cat stderr)"
 
 if [ "$failures" -ne 0 ]; then

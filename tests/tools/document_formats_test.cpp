@@ -70,7 +70,8 @@ std::vector<NoisePage> SomePages() {
 }
 
 void WriteDocument(PictureFormat format, const std::string& path, const std::vector<NoisePage>& pages, int bandRows) {
-  const auto document = tool::CreateDocument(format, path, static_cast<int>(pages.size()));
+  tool::Workers workers(2);
+  const auto document = tool::CreateDocument(format, path, static_cast<int>(pages.size()), workers);
   for (const NoisePage& page : pages) {
     const auto picture = document->StartPage(page.form, {});
     for (int y = 0; y < page.form.height; y += bandRows) {
@@ -216,7 +217,8 @@ TEST(DocumentFormats, CompleteOrNotThere) {
     const std::string path = DocumentFile("unfinished");
     std::ofstream(path) << "old";
     {
-      const auto document = tool::CreateDocument(format, path, 1);
+      tool::Workers workers(2);
+      const auto document = tool::CreateDocument(format, path, 1, workers);
       const auto picture = document->StartPage(pages[0].form, {});
       picture->WriteRows(pages[0].rows.data(), pages[0].stride, 30);
       picture->Finish();

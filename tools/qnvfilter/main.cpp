@@ -226,7 +226,7 @@ void Filter(const std::string& path, const JobOptions& options, int copies) {
   std::unique_ptr<PageSource> source = OpenPages(path, pdf);
   if (path.empty() || !source->isRaster()) copies = 1;
   constexpr int kUnknown = 0;  // pages
-  const auto output = tool::CreateDocument(FormatOfQueue(), "-", kUnknown);
+  const auto output = tool::CreateRasterFile(FormatOfQueue(), "-", kUnknown);
   int page = 0;
   for (int copy = 1; copy <= copies; ++copy) {
     if (copy > 1) source = OpenPages(path, pdf);

@@ -1,7 +1,5 @@
 // qnvtool: its commands, with fonts, picture formats and the library that it is linked with.
-#include <fmt/core.h>
-
-#include <cstdio>
+#include <utility>
 
 #include "qnvtool/calls/call_commands.h"
 #include "qnvtool/cli/cmd_make_picture.h"
@@ -19,10 +17,8 @@ namespace qnv::tool {
 namespace {
 
 // Fonts from font files or from the installed fonts, for pages of a resolution.
-FontShelf OpenFonts(const PrintOptions& options, int dpi) {
-  const auto system = std::make_shared<FontSystem>([quiet = options.quiet](const std::string& note) {
-    if (!quiet) fmt::print(stderr, "qnvtool: note: {}\n", note);
-  });
+FontShelf OpenFonts(const PrintOptions& options, int dpi, NoteSink note) {
+  const auto system = std::make_shared<FontSystem>(std::move(note));
   return FontShelf([&options, system, dpi](FontRole role, double points) {
     const std::string& name = role == FontRole::kBody      ? options.bodyFont
                               : role == FontRole::kHeading ? options.headingFont
@@ -44,7 +40,7 @@ int main(int argc, char** argv) {
                   .version = QNVTOOL_VERSION,
                   .commands = {PrintCommand({.openFonts = OpenFonts,
                                              .linked = LinkedRasteriser,
-                                             .output = {CreatePngFile, CreateDocument},
+                                             .output = {CreatePngFileWith, CreateDocument},
                                              .openPrinter = OpenIppPrinter,
                                              .decoders = {OpenPng, OpenJpeg, OpenTiff},
                                              .openDecoder = OpenIconvDecoder}),

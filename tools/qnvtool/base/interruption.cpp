@@ -1,12 +1,16 @@
 // Notes signals for the program to look at; handlers do nothing else.
 #include "qnvtool/base/interruption.h"
 
+#include <atomic>
 #include <csignal>
 
 namespace qnv::tool {
 namespace {
 
-volatile std::sig_atomic_t noted = 0;
+std::atomic<int> noted = 0;
+static_assert(std::atomic<int>::is_always_lock_free);  // for the handler
+
+std::atomic<int> guards = 0;
 
 #ifdef _WIN32
 constexpr int kSignals[] = {SIGINT, SIGTERM};
@@ -23,6 +27,7 @@ extern "C" void NoteSignal(int signal) {
 }  // namespace
 
 InterruptionGuard::InterruptionGuard() {
+  if (guards++ != 0) return;
   noted = 0;
   for (const int signal : kSignals) {
     // Signals that the caller ignores (nohup, background jobs of a shell) stay ignored.
@@ -31,13 +36,15 @@ InterruptionGuard::InterruptionGuard() {
 }
 
 InterruptionGuard::~InterruptionGuard() {
+  if (--guards != 0) return;
   for (const int signal : kSignals) {
     if (std::signal(signal, SIG_DFL) == SIG_IGN) std::signal(signal, SIG_IGN);
   }
 }
 
 void ThrowIfInterrupted() {
-  if (noted != 0) throw Interrupted{noted};
+  const int signal = noted;
+  if (signal != 0) throw Interrupted{signal};
 }
 
 int EndBySignal(int signal) {

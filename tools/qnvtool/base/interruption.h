@@ -10,6 +10,7 @@ struct Interrupted {
 };
 
 // For its lifetime SIGINT, SIGTERM and SIGHUP are noted instead of ending the program. A second signal ends it at once.
+// Guards may lie inside one another, on several threads.
 class InterruptionGuard {
  public:
   InterruptionGuard();

@@ -4,6 +4,7 @@
 #include <fmt/core.h>
 
 #include <array>
+#include <atomic>
 #include <utility>
 
 namespace qnv::tool {
@@ -11,50 +12,63 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-constexpr int kOther = kPhases;  // outside of all phases
-constexpr std::array<const char*, kPhases + 1> kNames = {"reading", "layout",  "rasterising", "encoding",
-                                                         "writing", "sending", "other"};
+constexpr int kOther = kPhases;  // outside of all phases, of the main thread
+constexpr int kNothing = -1;     // the same, of other threads, and while a thread waits
+constexpr std::array<const char*, kPhases + 1> kNames = {"reading", "layout", "rasterising", "encoding", "writing",
+                                                         "sending", "",       "other"};
 
-struct Times {
-  std::array<Clock::duration, kPhases + 1> spent{};
+struct Totals {
+  std::array<std::atomic<int64_t>, kPhases + 1> spent{};  // nanoseconds
   const Clock::time_point start = Clock::now();
-  Clock::time_point since = start;  // when the present phase began or was last counted
-  int present = kOther;
 };
 
-Times& TheTimes() {
-  static Times times;
-  return times;
+Totals& TheTotals() {
+  static Totals totals;
+  return totals;
 }
+
+struct ThreadTimes {
+  Clock::time_point since;  // when the present phase began or was last counted
+  int present = kNothing;
+};
+
+thread_local ThreadTimes times;
 
 // Counts the time up to now for the present phase. Returns that phase.
 int Switch(int phase) {
-  Times& times = TheTimes();
   const Clock::time_point now = Clock::now();
-  times.spent[static_cast<std::size_t>(times.present)] += now - times.since;
+  if (times.present != kNothing) {
+    const int64_t spent = std::chrono::nanoseconds(now - times.since).count();
+    TheTotals().spent[static_cast<std::size_t>(times.present)].fetch_add(spent, std::memory_order_relaxed);
+  }
   times.since = now;
   return std::exchange(times.present, phase);
 }
 
-// The program starts here, not where the first phase begins.
-[[maybe_unused]] const Times& started = TheTimes();
+// The program starts here, on the main thread, not where the first phase begins.
+[[maybe_unused]] const bool started = [] {
+  times = {TheTotals().start, kOther};
+  return true;
+}();
 
 }  // namespace
 
-PhaseTimer::PhaseTimer(Phase phase) : outer_(Switch(static_cast<int>(phase))) {}
+PhaseTimer::PhaseTimer(Phase phase) : outer_(Switch(phase == Phase::kWaiting ? kNothing : static_cast<int>(phase))) {}
 
 PhaseTimer::~PhaseTimer() { Switch(outer_); }
 
 std::string DescribePhases() {
-  const auto milliseconds = [](Clock::duration time) {
-    return std::chrono::duration<double, std::milli>(time).count();
-  };
-  Switch(TheTimes().present);
+  Switch(times.present);
   std::string line;
+  double together = 0;
   for (std::size_t i = 0; i < kNames.size(); ++i) {
-    line += fmt::format("{} {:.1f} ms, ", kNames[i], milliseconds(TheTimes().spent[i]));
+    if (*kNames[i] == '\0') continue;
+    const double spent = static_cast<double>(TheTotals().spent[i].load()) / 1e6;
+    together += spent;
+    line += fmt::format("{} {:.1f} ms, ", kNames[i], spent);
   }
-  return line + fmt::format("together {:.1f} ms", milliseconds(TheTimes().since - TheTimes().start));
+  const std::chrono::duration<double, std::milli> elapsed = times.since - TheTotals().start;
+  return line + fmt::format("together {:.1f} ms, elapsed {:.1f} ms", together, elapsed.count());
 }
 
 }  // namespace qnv::tool

@@ -6,11 +6,11 @@
 
 namespace qnv::tool {
 
-enum class Phase { kReading, kLayout, kRasterising, kEncoding, kWriting, kSending };
-inline constexpr int kPhases = 6;
+enum class Phase { kReading, kLayout, kRasterising, kEncoding, kWriting, kSending, kWaiting };
+inline constexpr int kPhases = 7;
 
-// While it lives, the time of the main thread counts for `phase`; the phase around it, if any, pauses. Costs two looks
-// at the clock, so it is for whole files, bands and writes, not for pixels. Only for the main thread.
+// While it lives, the time of this thread counts for `phase`; the phase around it, if any, pauses. Costs two looks at
+// the clock, so it is for whole files, bands and writes, not for pixels.
 class PhaseTimer {
  public:
   explicit PhaseTimer(Phase phase);
@@ -22,7 +22,9 @@ class PhaseTimer {
   const int outer_;
 };
 
-// One line: the milliseconds of every phase, of what no phase counts ("other"), and of the program up to now.
+// One line: the milliseconds of every phase, those of all threads added up, and of what the main thread spent outside
+// of all phases ("other"); their sum ("together"); and how long the program runs ("elapsed"). A thread that waits for
+// others, without work, counts for nothing.
 std::string DescribePhases();
 
 }  // namespace qnv::tool

@@ -7,6 +7,7 @@
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
+#include <mutex>
 #include <utility>
 
 #include "qnvtool/base/tool_error.h"
@@ -56,11 +57,19 @@ void TemporaryFile::Fail() const {
 }
 
 #ifdef _WIN32
+// Threads take turns, because place and access are two calls.
+std::mutex& FileTurn() {
+  static std::mutex turn;
+  return turn;
+}
+
 void TemporaryFile::Write(uint64_t offset, const void* from, std::size_t count) {
+  const std::lock_guard<std::mutex> lock(FileTurn());
   if (!Seek(file_, offset) || std::fwrite(from, 1, count, file_) != count) Fail();
 }
 
 std::size_t ReadAt(std::FILE* file, uint64_t offset, void* to, std::size_t count) {
+  const std::lock_guard<std::mutex> lock(FileTurn());
   if (!Seek(file, offset)) return count + 1;
   const std::size_t got = std::fread(to, 1, count, file);
   return std::ferror(file) != 0 ? count + 1 : got;

@@ -10,6 +10,7 @@
 #include "qnvtool/base/phase_times.h"
 #include "qnvtool/base/tool_error.h"
 #include "qnvtool/ipp/print_to.h"
+#include "qnvtool/job/print_job.h"
 #include "qnvtool/layout/figures.h"
 
 namespace qnv::tool {
@@ -36,6 +37,8 @@ struct PrintArguments {
   bool verbatim = false;
   bool timing = false;
 };
+
+constexpr int kMaxJobs = 256;
 
 // For the shell completion.
 constexpr const char* kFontNames = "serif sans monospace";
@@ -135,14 +138,21 @@ Command PrintCommand(const PrintParts& parts) {
        .value = Flag{&arguments->noWait}},
       {.names = "--timing",
        .placeholder = "",
-       .help = "Say on standard error where the time went: reading, layout, rasterising, encoding, writing. Pages are "
-               "compressed on all cores; encoding is what the printing waits for that",
+       .help =
+           "Say on standard error where the time went: reading, layout, rasterising, encoding, writing, each added up "
+           "over all threads, and how long it took",
        .value = Flag{&arguments->timing}},
       {.names = "--keep-going",
        .placeholder = "",
        .help = "Report files that cannot be used, print the others, and end with exit code 2; without it nothing is "
                "printed then",
        .value = Flag{&options.keepGoing}},
+      {.names = "--jobs",
+       .placeholder = "N",
+       .help =
+           "Threads that paint and compress at the same time, 1 to 256 (default: one for each core). What is written "
+           "does not depend on it",
+       .value = WholeNumber{&options.jobs, 1, kMaxJobs}},
       {.names = "--type",
        .placeholder = "TYPE",
        .help = "What the files are: auto (pictures by their content, figures by their name, else text), picture, text, "

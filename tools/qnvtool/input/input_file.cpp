@@ -5,6 +5,7 @@
 #include <sys/stat.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -32,7 +33,7 @@ using OpenFile = std::unique_ptr<std::FILE, int (*)(std::FILE*)>;
 
 // Files that stay open; a document may show more pictures than a program may have open files.
 constexpr int kMaxOpen = 200;
-int openFiles = 0;
+std::atomic<int> openFiles = 0;
 
 // A file that can be read at any place.
 class RegularFile final : public InputFile {

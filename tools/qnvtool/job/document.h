@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "qnvtool/input/picture_file.h"
-#include "qnvtool/job/print_job.h"
+#include "qnvtool/job/print_options.h"
 #include "qnvtool/layout/page_setup.h"
 
 namespace qnv::tool {

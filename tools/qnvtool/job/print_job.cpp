@@ -5,19 +5,12 @@
 
 #include <cstdio>
 #include <filesystem>
-#include <memory>
-#include <set>
+#include <utility>
 
 #include "qnvtool/base/interruption.h"
-#include "qnvtool/base/phase_times.h"
 #include "qnvtool/base/progress.h"
 #include "qnvtool/base/tool_error.h"
-#include "qnvtool/job/document.h"
-#include "qnvtool/job/job_pages.h"
-#include "qnvtool/layout/imposition.h"
-#include "qnvtool/layout/page_setup.h"
-#include "qnvtool/output/job_output.h"
-#include "qnvtool/paint/band_printer.h"
+#include "qnvtool/paint/band_pipeline.h"
 #include "qnvtool/paint/rasteriser.h"
 
 namespace qnv::tool {
@@ -48,70 +41,76 @@ Paper OrientedPaper(const Paper& paper, PageOrientation orientation) {
 
 }  // namespace
 
-void Print(const PrintOptions& options, const PrintParts& parts) {
-  JobOutput output({options.out, options.tags, options.overlay}, options.format, options.device, parts.output);
+PrintJob::PrintJob(const PrintOptions& options, const PrintParts& parts, Workers& workers, NotePrinter& notes)
+    : options_(options),
+      workers_(workers),
+      output_({options.out, options.tags, options.overlay}, options.format, options.device, parts.output, workers) {
   CheckEncoding(options.text);
-  const Rasteriser rasteriser = ChooseRasteriser(options.library, parts);
-  const Imposition imposition(OrientedPaper(options.paper, options.orientation), options.device.pageDpi,
-                              options.marginMm, options.pagesOnSheet);
-  FontShelf fonts = parts.openFonts(options, imposition.pageSheet().dpi);
-  const PageSetup setup{imposition.pageSheet(), &fonts, options.points, options.header};
-  std::set<std::string> noted;
-  const auto note = [&](const std::string& name, const std::string& remark) {
-    const std::string line = fmt::format("qnvtool: {}: note: {}\n", name, remark);
-    if (!options.quiet && noted.insert(line).second) std::fputs(line.c_str(), stderr);
-  };
+  rasteriser_ = ChooseRasteriser(options.library, parts);
+  imposition_.emplace(OrientedPaper(options.paper, options.orientation), options.device.pageDpi, options.marginMm,
+                      options.pagesOnSheet);
+  fonts_.emplace(parts.openFonts(options, imposition_->pageSheet().dpi,
+                                 [&notes](const std::string& remark) { notes.Show("", remark); }));
+  setup_ = {imposition_->pageSheet(), &*fonts_, options.points, options.header};
   if (options.device.pageDpi > options.device.bandDpi) {
-    note("--device", fmt::format("of {} rows and columns {} are kept, so that thinner lines may be missing",
-                                 options.device.pageDpi, options.device.bandDpi));
+    notes.Show("--device", fmt::format("of {} rows and columns {} are kept, so that thinner lines may be missing",
+                                       options.device.pageDpi, options.device.bandDpi));
   }
-  DocumentOpener opener(options, parts.decoders, setup, note);
-  const InterruptionGuard guard;
-  JobPages pages(opener, imposition, options.pages, options.copies);
-  std::size_t unusable = 0;
+  opener_.emplace(options, parts.decoders, setup_,
+                  [&notes](const std::string& name, const std::string& remark) { notes.Show(name, remark); });
+  pages_.emplace(*opener_, *imposition_, options.pages, options.copies);
   for (const std::string& file : options.files) {
     try {
-      pages.Add(file);
+      pages_->Add(file);
     } catch (const ToolError& error) {
       if (!options.keepGoing || error.code() != ExitCode::kBadInput) throw;
       fmt::print(stderr, "qnvtool: {}\n", error.what());
-      ++unusable;
+      ++unusable_;
     }
   }
-  if (pages.count() == 0 && unusable != options.files.size()) {
-    throw ToolError(ExitCode::kUsage, fmt::format("--pages: chooses none of the {} pages", pages.found()));
+  if (pages_->count() == 0 && unusable_ != options.files.size()) {
+    throw ToolError(ExitCode::kUsage, fmt::format("--pages: chooses none of the {} pages", pages_->found()));
   }
-  std::vector<std::string> inputs = InputsOf(options);
-  inputs.insert(inputs.end(), opener.references().begin(), opener.references().end());
-  const int sheetCount = pages.count();
-  output.Name(sheetCount, inputs);
+  inputs_ = InputsOf(options);
+  inputs_.insert(inputs_.end(), opener_->references().begin(), opener_->references().end());
+  output_.Name(pages_->count());
+}
 
-  std::unique_ptr<BandPrinter> printer;  // for sheets of the size of the present one
-  int width = 0, height = 0;
-  Progress progress(!options.quiet);
-  Page sheet;
-  for (int number = 1; pages.Next(sheet); ++number) {
-    if (printer == nullptr || sheet.width != width || sheet.height != height) {
-      width = sheet.width;
-      height = sheet.height;
-      printer = std::make_unique<BandPrinter>(rasteriser, options.device, width, height, options.bandRows);
+PrintJob::~PrintJob() = default;
+
+void PrintJob::Paint(const ProgressSink& progress) {
+  int number = 0;  // of the sheet
+  BandPipeline pipeline(workers_, *rasteriser_, options_.device, options_.bandRows, [&](const PaintedBand& band) {
+    if (band.index == 0) {
+      output_.StartPage(*band.page, band.width, band.height);
+      ++number;
     }
-    output.StartPage(sheet, printer->width(), printer->height());
-    const PhaseTimer timer(Phase::kRasterising);
-    int bands = 0;
-    printer->Print(sheet, [&](const BandView& band) {
-      output.Write(band);
-      const double share = static_cast<double>(++bands) / printer->bands();
-      progress.Show((number - 1 + share) / sheetCount, fmt::format("page {} of {}", number, sheetCount));
-      ThrowIfInterrupted();
-    });
-    output.FinishPage();
-  }
-  output.Finish();
-  if (unusable != 0) {
+    output_.Write(band.view);
+    progress(number, static_cast<double>(band.index + 1) / band.bands);
+    ThrowIfInterrupted();
+    if (band.index + 1 == band.bands) output_.FinishPage();
+  });
+  for (Page sheet; pages_->Next(sheet);) pipeline.Print(std::move(sheet));
+  pipeline.Finish();
+  output_.Finish();
+  if (unusable_ != 0) {
     throw ToolError(ExitCode::kBadInput,
-                    fmt::format("{} of {} files could not be used", unusable, options.files.size()));
+                    fmt::format("{} of {} files could not be used", unusable_, options_.files.size()));
   }
+}
+
+void Print(const PrintOptions& options, const PrintParts& parts) {
+  const InterruptionGuard guard;
+  Workers workers(options.jobs > 0 ? options.jobs : CoreCount());
+  NotePrinter notes(options.quiet);
+  PrintJob job(options, parts, workers, notes);
+  FileClaims claims;
+  for (const std::string& input : job.inputs()) claims.AddInput(input);
+  claims.AddOutputs(job.outputs());
+  Progress progress(!options.quiet);
+  job.Paint([&](int sheet, double share) {
+    progress.Show((sheet - 1 + share) / job.sheets(), fmt::format("page {} of {}", sheet, job.sheets()));
+  });
 }
 
 }  // namespace qnv::tool

@@ -1,73 +1,60 @@
 // Prints files to pictures of pages: the work of `qnvtool print`.
 #pragma once
 
+#include <functional>
+#include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
-#include "qnvtool/input/picture_file.h"
-#include "qnvtool/ipp/printer.h"
-#include "qnvtool/layout/page_ranges.h"
-#include "qnvtool/layout/paper.h"
-#include "qnvtool/layout/picture_layout.h"
-#include "qnvtool/layout/text_document.h"
+#include "qnvtool/base/note_printer.h"
+#include "qnvtool/base/workers.h"
+#include "qnvtool/job/document.h"
+#include "qnvtool/job/job_pages.h"
+#include "qnvtool/job/print_options.h"
+#include "qnvtool/layout/imposition.h"
 #include "qnvtool/output/job_output.h"
-#include "qnvtool/paint/device_choice.h"
-#include "qnvtool/paint/rasteriser.h"
-#include "qnvtool/text/font_shelf.h"
 
 namespace qnv::tool {
 
-enum class FileType { kAuto, kPicture, kText, kFigures };
+// Files that are printed to pages under one name. Nothing is written before Paint.
+class PrintJob {
+ public:
+  // Lays out every file to count the pages; those of long jobs are laid out again by Paint, so that memory does not
+  // grow with their number. With keepGoing, files that cannot be used are reported on standard error. Everything named
+  // must outlive the object. Throws ToolError, and Interrupted, as all of these.
+  PrintJob(const PrintOptions& options, const PrintParts& parts, Workers& workers, NotePrinter& notes);
+  ~PrintJob();
+  PrintJob(const PrintJob&) = delete;
+  PrintJob& operator=(const PrintJob&) = delete;
 
-enum class PageOrientation {
-  kAsGiven,  // as the paper's size says
-  kPortrait,
-  kLandscape,
-  kAuto,  // sheets of pictures are turned where that shows them larger; as given for others
+  int sheets() const { return pages_->count(); }  // of all copies
+  const std::vector<std::string>& inputs() const { return inputs_; }
+  const std::vector<PageNames>& outputs() const { return output_.names(); }
+
+  // Called with the sheet that is being written, counted from 1, and the part of it that is done, 0..1.
+  using ProgressSink = std::function<void(int sheet, double share)>;
+
+  // Paints and writes all sheets. With keepGoing the ToolError about files that cannot be used comes at the end.
+  void Paint(const ProgressSink& progress);
+
+ private:
+  const PrintOptions& options_;
+  Workers& workers_;
+  JobOutput output_;
+  std::optional<Rasteriser> rasteriser_;
+  std::optional<Imposition> imposition_;
+  std::optional<FontShelf> fonts_;
+  PageSetup setup_;
+  std::optional<DocumentOpener> opener_;
+  std::optional<JobPages> pages_;
+  std::vector<std::string> inputs_;
+  std::size_t unusable_ = 0;  // files
 };
 
-struct PrintOptions {
-  std::vector<std::string> files;
-  std::string out;     // "-": standard output
-  std::string format;  // of all pictures, one of kFormatNames; empty: as the names say
-  bool keepGoing = false;
-  FileType type = FileType::kAuto;
-  Paper paper;
-  double marginMm = 20;
-  PageOrientation orientation = PageOrientation::kAsGiven;
-  PageRanges pages;
-  int pagesOnSheet = 1;  // 1, 2, 4, 6 or 9
-  int copies = 1;
-  DeviceChoice device;
-  int bandRows = 256;  // 0: whole pages
-  PictureStyle pictures;
-  std::string bodyFont = "serif";
-  std::string headingFont = "sans:bold";
-  std::string listingFont = "monospace";
-  double points = 11;
-  TextOptions text;
-  bool header = true;
-  std::string tags;     // tag plane as a picture; empty: none
-  std::string overlay;  // pages with image areas tinted; empty: none
-  std::string library;  // empty: the linked one
-  bool quiet = false;
-};
-
-// The parts that need libraries of the system, or this project's own. A program passes those that it is built with.
-struct PrintParts {
-  FontShelf (*openFonts)(const PrintOptions& options, int dpi) = nullptr;
-  Rasteriser (*linked)() = nullptr;  // may be absent
-  OutputParts output = {};
-  OpenPrinter openPrinter = nullptr;  // may be absent
-  PictureDecoders decoders = {};
-  std::unique_ptr<TextDecoder> (*openDecoder)(const std::string&) = nullptr;  // may be absent
-};
-
-// Lays out every file to count its pages, then prints them one by one; pages of long jobs are laid out again for that,
-// so that memory does not grow with their number. Nothing is written when a name of an output is that of an input, or
-// when a file cannot be used; with keepGoing the files that can be used are printed, each other one is reported on
-// standard error, and the ToolError comes at the end. Throws ToolError, and Interrupted when a signal ends the
-// painting.
+// Prints one job. Nothing is written when a name of an output is that of an input, or when a file cannot be used; with
+// keepGoing the files that can be used are printed, each other one is reported on standard error, and the ToolError
+// comes at the end. Throws ToolError, and Interrupted when a signal ends the painting.
 void Print(const PrintOptions& options, const PrintParts& parts);
 
 }  // namespace qnv::tool

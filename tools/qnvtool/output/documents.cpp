@@ -3,10 +3,11 @@
 
 namespace qnv::tool {
 
-std::unique_ptr<PageDocument> CreateDocument(PictureFormat format, const std::string& path, int pages) {
+std::unique_ptr<PageDocument> CreateDocument(PictureFormat format, const std::string& path, int pages,
+                                             Workers& workers) {
   switch (format) {
-    case PictureFormat::kPdf: return CreatePdfFile(path);
-    case PictureFormat::kTiff: return CreateTiffFile(path, pages);
+    case PictureFormat::kPdf: return CreatePdfFile(path, workers);
+    case PictureFormat::kTiff: return CreateTiffFile(path, pages, workers);
     default: return CreateRasterFile(format, path, pages);
   }
 }

@@ -42,8 +42,8 @@ bool OutputParts::CanWrite(PictureFormat format) const {
 }
 
 JobOutput::JobOutput(const PageNames& wanted, const std::string& format, const DeviceChoice& device,
-                     const OutputParts& parts)
-    : device_(device), parts_(parts) {
+                     const OutputParts& parts, Workers& workers)
+    : device_(device), parts_(parts), workers_(workers) {
   Choose(picture_, wanted.picture, format, device.isGray());
   for (const std::string& extra : {wanted.tags, wanted.overlay}) {
     if (extra.empty()) continue;
@@ -70,12 +70,12 @@ void JobOutput::Choose(Kind& kind, const std::string& path, const std::string& f
   }
 }
 
-void JobOutput::Name(int pages, const std::vector<std::string>& inputs) {
+void JobOutput::Name(int pages) {
   if (picture_.wanted == "-" && picture_.format == PictureFormat::kPng && pages > 1) {
     throw ToolError(ExitCode::kUsage, fmt::format("-: a PNG stream holds one page, not {}; use --format ppm", pages));
   }
-  names_ = NamePages({picture_.wanted, tags_.wanted, overlay_.wanted}, std::max(pages, 1), inputs,
-                     {HoldsAllPages(picture_.format), HoldsAllPages(tags_.format), HoldsAllPages(overlay_.format)});
+  names_ = AllPageNames({picture_.wanted, tags_.wanted, overlay_.wanted}, std::max(pages, 1),
+                        {HoldsAllPages(picture_.format), HoldsAllPages(tags_.format), HoldsAllPages(overlay_.format)});
 }
 
 void JobOutput::Start(Kind& kind, const std::string& path, const PictureForm& form,
@@ -84,10 +84,10 @@ void JobOutput::Start(Kind& kind, const std::string& path, const PictureForm& fo
   if (kind.format == PictureFormat::kPnm) {
     kind.picture = CreatePnmFile(path, form);
   } else if (kind.format == PictureFormat::kPng) {
-    kind.picture = parts_.createPng(path, form);
+    kind.picture = parts_.createPng(workers_, path, form);
   } else {
     if (kind.document == nullptr) {
-      kind.document = parts_.createDocument(kind.format, path, static_cast<int>(names_.size()));
+      kind.document = parts_.createDocument(kind.format, path, static_cast<int>(names_.size()), workers_);
     }
     kind.picture = kind.document->StartPage(form, words);
   }

@@ -2,11 +2,11 @@
 // both, in files of their own or in one file for all pages.
 #pragma once
 
-#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
 
+#include "qnvtool/base/workers.h"
 #include "qnvtool/output/output_names.h"
 #include "qnvtool/output/page_document.h"
 #include "qnvtool/output/picture_writer.h"
@@ -17,10 +17,10 @@ namespace qnv::tool {
 
 // The writers that need libraries of the system. A program passes those that it is built with.
 struct OutputParts {
-  std::function<std::unique_ptr<PictureWriter>(const std::string& path, const PictureForm&)> createPng = nullptr;
+  std::unique_ptr<PictureWriter> (*createPng)(Workers&, const std::string& path, const PictureForm&) = nullptr;
   // `pages`: of the job.
-  std::function<std::unique_ptr<PageDocument>(PictureFormat, const std::string& path, int pages)> createDocument =
-      nullptr;
+  std::unique_ptr<PageDocument> (*createDocument)(PictureFormat, const std::string& path, int pages,
+                                                  Workers&) = nullptr;
   std::vector<PictureFormat> documents = {};  // that createDocument makes; empty: all there are
 
   bool CanWrite(PictureFormat format) const;
@@ -30,13 +30,15 @@ class JobOutput {
  public:
   // `format`: of all files; empty: as the names say. Everything named must outlive the object. Throws ToolError (usage)
   // for names and formats that do not fit together.
-  JobOutput(const PageNames& wanted, const std::string& format, const DeviceChoice& device, const OutputParts& parts);
+  JobOutput(const PageNames& wanted, const std::string& format, const DeviceChoice& device, const OutputParts& parts,
+            Workers& workers);
   ~JobOutput();
   JobOutput(const JobOutput&) = delete;
   JobOutput& operator=(const JobOutput&) = delete;
 
-  // Names the files of all pages. Throws ToolError (usage) as NamePages does.
-  void Name(int pages, const std::vector<std::string>& inputs);
+  // Names the files of all pages. Throws ToolError (usage) when they do not fit into the format.
+  void Name(int pages);
+  const std::vector<PageNames>& names() const { return names_; }
 
   // The next page, with a picture of this size. Throws ToolError (cannot write), as all of these.
   void StartPage(const Page& page, int width, int height);
@@ -61,6 +63,7 @@ class JobOutput {
 
   const DeviceChoice& device_;
   const OutputParts& parts_;
+  Workers& workers_;
   Kind picture_;
   Kind tags_;
   Kind overlay_;

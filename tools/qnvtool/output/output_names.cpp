@@ -24,9 +24,35 @@ bool IsSpecial(const std::string& path) {
   return fs::exists(status) && !fs::is_regular_file(status) && !fs::is_directory(status);
 }
 
+}  // namespace
+
+// Inserts the number of the page before the extension.
+std::string PathOfPage(const std::string& path, int page, int pages) {
+  if (pages == 1 || path.empty() || path == "-" || IsSpecial(path)) return path;
+  const auto digits = std::max<std::size_t>(2, fmt::format("{}", pages).size());
+  const fs::path whole(path);
+  fs::path result = whole.parent_path() / whole.stem();
+  result += fmt::format("-{:0{}}", page, digits);
+  result += whole.extension();
+  return result.string();
+}
+
+std::vector<PageNames> AllPageNames(const PageNames& wanted, int pages, const WholeJobFiles& whole) {
+  std::vector<PageNames> names;
+  names.reserve(static_cast<std::size_t>(pages));
+  for (int page = 1; page <= pages; ++page) {
+    const auto name = [&](const std::string& path, bool holdsAll) {
+      return holdsAll ? path : PathOfPage(path, page, pages);
+    };
+    names.push_back(
+        {name(wanted.picture, whole.picture), name(wanted.tags, whole.tags), name(wanted.overlay, whole.overlay)});
+  }
+  return names;
+}
+
 // A set of files. Existing files are compared by device and number, which also finds hard links; all files by their
 // path with links and dots resolved.
-class FileSet {
+class FileClaims::FileSet {
  public:
   // False when the file was in the set already.
   bool Add(const std::string& path) {
@@ -68,42 +94,41 @@ class FileSet {
 #endif
 };
 
-}  // namespace
+FileClaims::FileClaims() : read_(std::make_unique<FileSet>()), written_(std::make_unique<FileSet>()) {}
 
-// Inserts the number of the page before the extension.
-std::string PathOfPage(const std::string& path, int page, int pages) {
-  if (pages == 1 || path.empty() || path == "-" || IsSpecial(path)) return path;
-  const auto digits = std::max<std::size_t>(2, fmt::format("{}", pages).size());
-  const fs::path whole(path);
-  fs::path result = whole.parent_path() / whole.stem();
-  result += fmt::format("-{:0{}}", page, digits);
-  result += whole.extension();
-  return result.string();
+FileClaims::~FileClaims() = default;
+
+void FileClaims::AddInput(const std::string& path) {
+  if (!path.empty() && path != "-") read_->Add(path);
+}
+
+void FileClaims::AddOutput(const std::string& path) {
+  if (path.empty() || path == "-" || IsSpecial(path)) return;
+  if (read_->Has(path)) {
+    throw ToolError(ExitCode::kUsage, fmt::format("{}: is an input file and would be overwritten", path));
+  }
+  if (!written_->Add(path)) {
+    throw ToolError(ExitCode::kUsage, fmt::format("{}: named for two different pictures", path));
+  }
+}
+
+void FileClaims::AddOutputs(const std::vector<PageNames>& pages) {
+  const PageNames* before = nullptr;
+  for (const PageNames& page : pages) {
+    for (std::string PageNames::*const kind : {&PageNames::picture, &PageNames::tags, &PageNames::overlay}) {
+      const bool holdsAll = before != nullptr && before->*kind == page.*kind;
+      if (!holdsAll) AddOutput(page.*kind);
+    }
+    before = &page;
+  }
 }
 
 std::vector<PageNames> NamePages(const PageNames& wanted, int pages, const std::vector<std::string>& inputs,
                                  const WholeJobFiles& whole) {
-  FileSet read;
-  for (const std::string& input : inputs) {
-    if (!input.empty() && input != "-") read.Add(input);
-  }
-  FileSet written;
-  const auto name = [&](const std::string& path, int page, bool holdsAll) {
-    std::string result = holdsAll ? path : PathOfPage(path, page, pages);
-    if (result.empty() || result == "-" || IsSpecial(result)) return result;
-    if (read.Has(result)) {
-      throw ToolError(ExitCode::kUsage, fmt::format("{}: is an input file and would be overwritten", result));
-    }
-    if ((page == 1 || !holdsAll) && !written.Add(result)) {
-      throw ToolError(ExitCode::kUsage, fmt::format("{}: named for two different pictures", result));
-    }
-    return result;
-  };
-  std::vector<PageNames> names;
-  for (int page = 1; page <= pages; ++page) {
-    names.push_back({name(wanted.picture, page, whole.picture), name(wanted.tags, page, whole.tags),
-                     name(wanted.overlay, page, whole.overlay)});
-  }
+  FileClaims claims;
+  for (const std::string& input : inputs) claims.AddInput(input);
+  std::vector<PageNames> names = AllPageNames(wanted, pages, whole);
+  claims.AddOutputs(names);
   return names;
 }
 

@@ -1,6 +1,7 @@
 // The names of the files that a job writes. They are checked before anything is painted.
 #pragma once
 
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -24,8 +25,32 @@ struct WholeJobFiles {
   bool overlay = false;
 };
 
-// The names of all pages. Throws ToolError (usage) when a name is that of one of the `inputs`, or of two pictures. Two
-// names are the same when they lead to the same file, through links or under another spelling of the path.
+// The names of all pages.
+std::vector<PageNames> AllPageNames(const PageNames& wanted, int pages, const WholeJobFiles& whole = {});
+
+// The files that a run reads and writes. Two names are the same when they lead to the same file, through links or under
+// another spelling of the path. Standard input and output, devices and pipes do not count.
+class FileClaims {
+ public:
+  FileClaims();
+  ~FileClaims();
+  FileClaims(const FileClaims&) = delete;
+  FileClaims& operator=(const FileClaims&) = delete;
+
+  void AddInput(const std::string& path);
+
+  // Requires: all inputs were added. Throws ToolError (usage) when the file is an input or was added before.
+  void AddOutput(const std::string& path);
+  void AddOutputs(const std::vector<PageNames>& pages);
+
+ private:
+  class FileSet;
+  const std::unique_ptr<FileSet> read_;
+  const std::unique_ptr<FileSet> written_;
+};
+
+// The names of all pages, checked. Throws ToolError (usage) when a name is that of one of the `inputs`, or of two
+// pictures.
 std::vector<PageNames> NamePages(const PageNames& wanted, int pages, const std::vector<std::string>& inputs,
                                  const WholeJobFiles& whole = {});
 

@@ -21,7 +21,7 @@ constexpr int kFonts = 3;  // the dictionary of all fonts, which all pages refer
 
 class PdfDocument final : public PageDocument {
  public:
-  explicit PdfDocument(const std::string& path) : file_(path) {
+  PdfDocument(const std::string& path, Workers& workers) : file_(path), workers_(workers) {
     // The bytes of the comment show programs that the file is binary.
     Write("%PDF-1.4\n%\xE2\xE3\xCF\xD3\n");
   }
@@ -107,6 +107,7 @@ class PdfDocument final : public PageDocument {
   }
 
   OutputFile file_;
+  Workers& workers_;
   std::size_t position_ = 0;
   std::vector<std::size_t> offsets_ = {0, 0, 0, 0};  // of the objects, by number
   std::vector<int> pages_;
@@ -131,7 +132,7 @@ class PdfPicture final : public PictureWriter {
         form.width, form.height, ColorSpaceOf(form.pixels), form.pixels == PictureForm::Pixels::kColor ? 3 : 1,
         form.width, lengthObject_));
     begin_ = document_.position_;
-    data_.emplace(form, document_.file_.path(),
+    data_.emplace(document_.workers_, form, document_.file_.path(),
                   [this](const RowDeflate::Piece& piece) { document_.Write(piece.data(), piece.size()); });
   }
 
@@ -172,6 +173,8 @@ std::unique_ptr<PictureWriter> PdfDocument::StartPage(const PictureForm& form, c
 
 }  // namespace
 
-std::unique_ptr<PageDocument> CreatePdfFile(const std::string& path) { return std::make_unique<PdfDocument>(path); }
+std::unique_ptr<PageDocument> CreatePdfFile(const std::string& path, Workers& workers) {
+  return std::make_unique<PdfDocument>(path, workers);
+}
 
 }  // namespace qnv::tool

@@ -1,9 +1,11 @@
-// Writes PNG files without libpng, which compresses on one core and so took nine tenths of the time of printing a page.
+// Writes PNG files without libpng, which compresses on one core only and so took nine tenths of the time of printing a
+// page.
 #include "qnvtool/output/png_writer.h"
 
 #include <zlib.h>
 
 #include <cmath>
+#include <optional>
 #include <vector>
 
 #include "qnvtool/base/output_file.h"
@@ -20,10 +22,12 @@ void AppendBig32(Buffer& buffer, uint32_t value) {
 
 class PngWriter final : public PictureWriter {
  public:
-  PngWriter(const std::string& path, const PictureForm& form) : file_(path), form_(form) {
+  // `workers`: null for threads of its own, one for each core.
+  PngWriter(Workers* workers, const std::string& path, const PictureForm& form) : file_(path), form_(form) {
+    if (workers == nullptr) workers = &ownWorkers_.emplace(CoreCount());
     WriteHeader();
-    data_ =
-        std::make_unique<RowDeflate>(form, file_.path(), [this](const Buffer& piece) { WriteChunk("IDAT", piece); });
+    data_ = std::make_unique<RowDeflate>(*workers, form, file_.path(),
+                                         [this](const Buffer& piece) { WriteChunk("IDAT", piece); });
   }
 
   void WriteRows(const uint8_t* first, std::size_t stride, int rows) override { data_->WriteRows(first, stride, rows); }
@@ -85,13 +89,18 @@ class PngWriter final : public PictureWriter {
 
   OutputFile file_;
   const PictureForm form_;
+  std::optional<Workers> ownWorkers_;
   std::unique_ptr<RowDeflate> data_;
 };
 
 }  // namespace
 
 std::unique_ptr<PictureWriter> CreatePngFile(const std::string& path, const PictureForm& form) {
-  return std::make_unique<PngWriter>(path, form);
+  return std::make_unique<PngWriter>(nullptr, path, form);
+}
+
+std::unique_ptr<PictureWriter> CreatePngFileWith(Workers& workers, const std::string& path, const PictureForm& form) {
+  return std::make_unique<PngWriter>(&workers, path, form);
 }
 
 }  // namespace qnv::tool

@@ -1,5 +1,5 @@
-// The rows are cut into blocks, which are filtered and compressed at the same time on all cores. Each block is a part
-// of one deflate stream: it ends on a byte boundary and may refer to the end of the block before.
+// The rows are cut into blocks, which are filtered and compressed at the same time by several threads. Each block is a
+// part of one deflate stream: it ends on a byte boundary and may refer to the end of the block before.
 #include "qnvtool/output/row_deflate.h"
 
 #include <zlib.h>
@@ -9,8 +9,9 @@
 #include <string>
 #include <utility>
 
+#include "qnvtool/base/ordered_tasks.h"
 #include "qnvtool/base/output_file.h"
-#include "qnvtool/output/ordered_tasks.h"
+#include "qnvtool/base/phase_times.h"
 #include "qnvtool/output/run_deflate.h"
 
 namespace qnv::tool {
@@ -147,8 +148,11 @@ void Compress(const PictureForm& form, const RowSize& size, Block& block, bool l
 
 class RowDeflate::State {
  public:
-  State(const PictureForm& form, std::string path, std::function<void(const Piece&)> write)
-      : form_(form), path_(std::move(path)), write_(std::move(write)) {
+  State(Workers& workers, const PictureForm& form, std::string path, std::function<void(const Piece&)> write)
+      : form_(form),
+        path_(std::move(path)),
+        write_(std::move(write)),
+        tasks_(workers, workers.count(), [this](const Block* block) { WriteBlock(*block); }) {
     const auto width = static_cast<std::size_t>(form.width);
     const bool color = form.pixels == PictureForm::Pixels::kColor;
     size_.raw = width * (color || form.pixels == PictureForm::Pixels::kGrayOf3 ? 3 : 1);
@@ -156,7 +160,8 @@ class RowDeflate::State {
     blockRows_ = (kBlock + size_.converted) / (1 + size_.converted);
     keptRows_ = kDictionary / (1 + size_.converted) + 2;
     // One more than are compressed at a time, to be filled meanwhile.
-    for (std::size_t i = 0; i <= tasks_.maxRunning(); ++i) blocks_.push_back(std::make_unique<Block>());
+    for (std::size_t i = 0; i <= static_cast<std::size_t>(workers.count()); ++i)
+      blocks_.push_back(std::make_unique<Block>());
     constexpr uint8_t kMethod = 0x78;         // deflate with a window of 32 KB
     constexpr uint8_t kLevelAndCheck = 0x5E;  // a fast level; makes the two bytes a multiple of 31
     write_({kMethod, kLevelAndCheck});
@@ -190,6 +195,7 @@ class RowDeflate::State {
     next.count = 0;
     next.rows.assign(block.rows.end() - static_cast<std::ptrdiff_t>(next.before * size_.raw), block.rows.end());
     tasks_.Start([form = form_, size = size_, &block, last]() -> const Block* {
+      const PhaseTimer timer(Phase::kEncoding);
       Compress(form, size, block, last);
       return &block;
     });
@@ -210,11 +216,12 @@ class RowDeflate::State {
   std::vector<std::unique_ptr<Block>> blocks_;  // used in turn
   std::size_t filling_ = 0;                     // the one that collects rows
   uLong adler_ = adler32(0, nullptr, 0);        // of all blocks written
-  OrderedTasks<const Block*> tasks_{[this](const Block* block) { WriteBlock(*block); }};
+  OrderedTasks<const Block*> tasks_;
 };
 
-RowDeflate::RowDeflate(const PictureForm& form, std::string path, std::function<void(const Piece&)> write)
-    : state_(std::make_unique<State>(form, std::move(path), std::move(write))) {}
+RowDeflate::RowDeflate(Workers& workers, const PictureForm& form, std::string path,
+                       std::function<void(const Piece&)> write)
+    : state_(std::make_unique<State>(workers, form, std::move(path), std::move(write))) {}
 
 RowDeflate::~RowDeflate() = default;
 

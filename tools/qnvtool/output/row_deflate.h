@@ -1,4 +1,4 @@
-// Compresses the rows of a picture on all cores into one zlib stream, as PNG and PDF files hold it.
+// Compresses the rows of a picture on several threads into one zlib stream, as PNG and PDF files hold it.
 #pragma once
 
 #include <cstdint>
@@ -6,12 +6,13 @@
 #include <memory>
 #include <vector>
 
+#include "qnvtool/base/workers.h"
 #include "qnvtool/output/picture_writer.h"
 
 namespace qnv::tool {
 
 // The stream holds for each row a byte with the PNG filter "up", then the differences of the row's bytes, as ConvertRow
-// makes them, from those of the row above. It depends neither on the number of cores nor on how many rows are handed
+// makes them, from those of the row above. It depends neither on the number of threads nor on how many rows are handed
 // over at a time.
 class RowDeflate {
  public:
@@ -19,7 +20,7 @@ class RowDeflate {
 
   // `write` gets the pieces of the stream in order, from the thread that calls WriteRows and Finish. `path` is for
   // messages.
-  RowDeflate(const PictureForm& form, std::string path, std::function<void(const Piece&)> write);
+  RowDeflate(Workers& workers, const PictureForm& form, std::string path, std::function<void(const Piece&)> write);
   ~RowDeflate();
   RowDeflate(const RowDeflate&) = delete;
   RowDeflate& operator=(const RowDeflate&) = delete;

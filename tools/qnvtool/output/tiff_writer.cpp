@@ -1,4 +1,4 @@
-// Writes TIFF files through libtiff. The strips are compressed here, at the same time on all cores.
+// Writes TIFF files through libtiff. The strips are compressed here, by several threads at the same time.
 #include <tiffio.h>
 #include <zlib.h>
 
@@ -7,13 +7,14 @@
 #include <cstdarg>
 #include <cstdio>
 #include <cstring>
+#include <mutex>
 #include <string>
 #include <vector>
 
+#include "qnvtool/base/ordered_tasks.h"
 #include "qnvtool/base/output_file.h"
 #include "qnvtool/base/phase_times.h"
 #include "qnvtool/output/documents.h"
-#include "qnvtool/output/ordered_tasks.h"
 
 namespace qnv::tool {
 namespace {
@@ -96,15 +97,18 @@ Buffer Compress(Strip strip) {
 
 class TiffDocument final : public PageDocument {
  public:
-  TiffDocument(const std::string& path, int pages) : file_(path), pages_(pages) {
+  TiffDocument(const std::string& path, int pages, Workers& workers) : file_(path), pages_(pages), workers_(workers) {
     if (!file_.isSeekable()) {
       copied_ = std::tmpfile();  // libtiff goes back to earlier places
       if (copied_ == nullptr) file_.Fail();
     }
     stream_.file = copied_ != nullptr ? copied_ : file_.get();
-    TIFFSetErrorHandler(nullptr);
-    TIFFSetWarningHandler(nullptr);
-    TIFFSetErrorHandlerExt(KeepMessage);
+    static std::once_flag isSet;  // for the whole program
+    std::call_once(isSet, [] {
+      TIFFSetErrorHandler(nullptr);
+      TIFFSetWarningHandler(nullptr);
+      TIFFSetErrorHandlerExt(KeepMessage);
+    });
     tiff_ = TIFFClientOpen("", "wl", &stream_, ReadBytes, WriteBytes, Seek, CloseNothing, SizeOf, nullptr, nullptr);
     Check(tiff_ != nullptr);
   }
@@ -149,6 +153,7 @@ class TiffDocument final : public PageDocument {
 
   OutputFile file_;
   const int pages_;
+  Workers& workers_;
   int started_ = 0;
   std::FILE* copied_ = nullptr;  // where the file itself is not seekable
   TiffStream stream_;
@@ -157,7 +162,10 @@ class TiffDocument final : public PageDocument {
 
 class TiffPicture final : public PictureWriter {
  public:
-  TiffPicture(TiffDocument& document, const PictureForm& form) : document_(document), form_(form) {
+  TiffPicture(TiffDocument& document, const PictureForm& form)
+      : document_(document),
+        form_(form),
+        tasks_(document.workers_, document.workers_.count(), [this](Buffer strip) { WriteStrip(std::move(strip)); }) {
     const bool color = form.pixels == PictureForm::Pixels::kColor;
     strip_.step = color ? 3 : 1;
     strip_.rowSize = static_cast<std::size_t>(form.width) * strip_.step;
@@ -217,7 +225,10 @@ class TiffPicture final : public PictureWriter {
   void StartStrip() {
     Strip strip = strip_;
     strip_.rows.clear();
-    tasks_.Start([strip = std::move(strip)] { return Compress(strip); });
+    tasks_.Start([strip = std::move(strip)] {
+      const PhaseTimer timer(Phase::kEncoding);
+      return Compress(strip);
+    });
   }
 
   void WriteStrip(Buffer strip) {
@@ -233,7 +244,7 @@ class TiffPicture final : public PictureWriter {
   Buffer row_;
   Strip strip_;          // being filled
   uint32_t strips_ = 0;  // written
-  OrderedTasks<Buffer> tasks_{[this](Buffer strip) { WriteStrip(std::move(strip)); }};
+  OrderedTasks<Buffer> tasks_;
 };
 
 std::unique_ptr<PictureWriter> TiffDocument::StartPage(const PictureForm& form, const std::vector<PageWord>&) {
@@ -242,8 +253,8 @@ std::unique_ptr<PictureWriter> TiffDocument::StartPage(const PictureForm& form, 
 
 }  // namespace
 
-std::unique_ptr<PageDocument> CreateTiffFile(const std::string& path, int pages) {
-  return std::make_unique<TiffDocument>(path, pages);
+std::unique_ptr<PageDocument> CreateTiffFile(const std::string& path, int pages, Workers& workers) {
+  return std::make_unique<TiffDocument>(path, pages, workers);
 }
 
 }  // namespace qnv::tool

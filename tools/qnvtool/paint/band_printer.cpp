@@ -6,7 +6,6 @@
 #include <numeric>
 
 #include "qnvtool/base/tool_error.h"
-#include "qnvtool/paint/page_painter.h"
 
 namespace qnv::tool {
 namespace {
@@ -83,21 +82,33 @@ void BandPrinter::Control(uint32_t code, const void* data) const {
 // Every item of the page is painted into every band that it touches.
 void BandPrinter::Print(const Page& page, const Sink& sink) {
   const PagePainter painter(rasteriser_, handle_, device_, page);
+  for (int index = 0; index < bands(); ++index) sink(PrintBand(painter, index));
+}
+
+Rect BandPrinter::ViewOf(int index) const {
+  const int top = index * bandRows_;
+  const Extent extent = ExtentOf(top, std::min(bandRows_, height_ - top));
+  const auto onPage = [&](int value) { return ScaleRounded(value, device_.pageDpi, device_.bandDpi); };
+  return {0, onPage(extent.top), onPage(width_), onPage(extent.bottom)};
+}
+
+BandView BandPrinter::PrintBand(const PagePainter& page, int index) {
+  const int top = index * bandRows_;
+  const int rows = std::min(bandRows_, height_ - top);
+  const Extent extent = ExtentOf(top, rows);
   const DrawingOrigin origin{0, 0};
+  const BandRect rect{0, extent.top, width_, extent.bottom};
   Control(QNV_SET_ORIGIN, &origin);
-  for (int top = 0; top < height_; top += bandRows_) {
-    const int rows = std::min(bandRows_, height_ - top);
-    const Extent extent = ExtentOf(top, rows);
-    const BandRect rect{0, extent.top, width_, extent.bottom};
-    Control(QNV_SET_BAND_RECT, &rect);
-    Control(QNV_CLEAR_BAND, nullptr);
-    const auto onPage = [&](int value) { return ScaleRounded(value, device_.pageDpi, device_.bandDpi); };
-    painter.Paint({0, onPage(extent.top), onPage(width_), onPage(extent.bottom)});
-    // Rows above the band proper.
-    const std::size_t skipped = static_cast<std::size_t>(top - extent.top);
-    sink({top, rows, band_.data() + skipped * stride_, stride_,
-          tags_.empty() ? nullptr : tags_.data() + skipped * tagStride_, tagStride_});
-  }
+  Control(QNV_SET_BAND_RECT, &rect);
+  Control(QNV_CLEAR_BAND, nullptr);
+  page.Paint(handle_, ViewOf(index));
+  const std::size_t skipped = static_cast<std::size_t>(top - extent.top);  // rows above the band proper
+  return {top,
+          rows,
+          band_.data() + skipped * stride_,
+          stride_,
+          tags_.empty() ? nullptr : tags_.data() + skipped * tagStride_,
+          tagStride_};
 }
 
 }  // namespace qnv::tool

@@ -7,6 +7,7 @@
 
 #include "qnvtool/layout/page.h"
 #include "qnvtool/paint/device_choice.h"
+#include "qnvtool/paint/page_painter.h"
 #include "qnvtool/paint/rasteriser.h"
 
 namespace qnv::tool {
@@ -37,8 +38,19 @@ class BandPrinter {
   int height() const { return height_; }
   int bands() const { return (height_ + bandRows_ - 1) / bandRows_; }
 
+  std::size_t bandBytes() const { return band_.size() + tags_.size(); }
+
   // Paints a page and passes its bands to `sink`, from the top of the page to the bottom.
   void Print(const Page& page, const Sink& sink);
+
+  // For preparing a PagePainter.
+  DeviceHandle* device() const { return handle_; }
+
+  // The page rows that band `index` shows.
+  Rect ViewOf(int index) const;
+
+  // Paints a band. The result is valid until the next call.
+  BandView PrintBand(const PagePainter& page, int index);
 
  private:
   // Rows of the picture that the memory holds for a band; the sink gets those in the middle.

@@ -50,23 +50,32 @@ Color WeaveColor(const Fill& fill, int row, int column) {
 
 PagePainter::PagePainter(const Rasteriser& rasteriser, DeviceHandle* handle, const DeviceChoice& device,
                          const Page& page)
-    : rasteriser_(rasteriser), handle_(handle), device_(device), pageRect_{0, 0, page.width, page.height} {
+    : rasteriser_(rasteriser), device_(device), pageRect_{0, 0, page.width, page.height} {
   items_.reserve(page.items.size());
   for (const auto& item : page.items) {
-    std::visit([this](const auto& one) { items_.emplace_back(Prepare(one)); }, item);
+    std::visit([&](const auto& one) { items_.emplace_back(Prepare(handle, one)); }, item);
   }
 }
 
-void PagePainter::Paint(const Rect& view) const {
+void PagePainter::Paint(DeviceHandle* handle, const Rect& view) const {
   for (const auto& item : items_) {
-    std::visit([&](const auto& one) { Paint(one, view); }, item);
+    std::visit([&](const auto& one) { Paint(handle, one, view); }, item);
   }
 }
 
-uint32_t PagePainter::Physical(Color color) const { return rasteriser_.colorInfo(handle_, color, nullptr); }
+bool PagePainter::ShowsPicture(const Rect& view) const {
+  return std::any_of(items_.begin(), items_.end(), [&](const auto& item) {
+    const auto* const picture = std::get_if<ReadyPicture>(&item);
+    return picture != nullptr && !ShownPart(*picture, view).empty();
+  });
+}
 
-PagePainter::ReadyText PagePainter::Prepare(const TextLine& line) const {
-  ReadyText text{&line, Physical(line.color), {}, line.baseline, line.baseline};
+uint32_t PagePainter::Physical(DeviceHandle* handle, Color color) const {
+  return rasteriser_.colorInfo(handle, color, nullptr);
+}
+
+PagePainter::ReadyText PagePainter::Prepare(DeviceHandle* handle, const TextLine& line) const {
+  ReadyText text{&line, Physical(handle, line.color), Physical(handle, kWhite), {}, line.baseline, line.baseline};
   for (const TextRun& run : line.runs) {
     text.records.push_back(run.codes.empty() ? run.oneByte : run.sheet->Record());
     const FontRecord& font = *text.records.back();
@@ -77,12 +86,12 @@ PagePainter::ReadyText PagePainter::Prepare(const TextLine& line) const {
   return text;
 }
 
-void PagePainter::Paint(const ReadyText& text, const Rect& view) const {
+void PagePainter::Paint(DeviceHandle* handle, const ReadyText& text, const Rect& view) const {
   if (!MayTouch(text.top, text.bottom, view)) return;
   const TextLine& line = *text.line;
   DRAWMODE mode = PlainMode();
   mode.TextColor = text.color;
-  mode.bkColor = Physical(kWhite);
+  mode.bkColor = text.background;
   mode.TBreakExtra = static_cast<int16_t>(line.breakExtra);
   mode.BreakCount = static_cast<int16_t>(line.breakCount);
   mode.BreakErr = 1;  // with this start the line becomes exactly as wide as asked
@@ -90,26 +99,25 @@ void PagePainter::Paint(const ReadyText& text, const Rect& view) const {
   for (std::size_t i = 0; i < line.runs.size(); ++i) {
     const TextRun& run = line.runs[i];
     x += run.gap;
-    x += PaintRun(run, *text.records[i], x, line.baseline - run.rise, mode, i + 1 == line.runs.size());
+    x += PaintRun(handle, run, *text.records[i], x, line.baseline - run.rise, mode, i + 1 == line.runs.size());
   }
 }
 
 // Paints a run and returns its advance. The remainder of the justification continues from run to run in `mode`. Drawing
 // does not update it, so a run that is followed by another is also measured.
-int PagePainter::PaintRun(const TextRun& run, const FontRecord& font, int x, int baseline, DRAWMODE& mode,
-                          bool last) const {
+int PagePainter::PaintRun(DeviceHandle* handle, const TextRun& run, const FontRecord& font, int x, int baseline,
+                          DRAWMODE& mode, bool last) const {
   if (!run.codes.empty()) {
     const int count = static_cast<int>(run.codes.size());
     const int advance = std::accumulate(run.widths.begin(), run.widths.end(), 0);
-    const int32_t drawn =
-        rasteriser_.extTextOut(handle_, x, baseline - font.ascent, &pageRect_, run.codes.data(), count,
-                               font.memory.data(), 0, &mode, nullptr, run.widths.data(), nullptr, 0);
+    const int32_t drawn = rasteriser_.extTextOut(handle, x, baseline - font.ascent, &pageRect_, run.codes.data(), count,
+                                                 font.memory.data(), 0, &mode, nullptr, run.widths.data(), nullptr, 0);
     if (drawn == 0 && advance != 0) Refused("QNVDevExtTextOut", "two-byte text");
     return advance;
   }
   const int count = static_cast<int>(run.latin.size());
   const auto call = [&](int characters) {
-    return rasteriser_.extTextOut(handle_, x, baseline - font.ascent, &pageRect_, run.latin.data(), characters,
+    return rasteriser_.extTextOut(handle, x, baseline - font.ascent, &pageRect_, run.latin.data(), characters,
                                   font.memory.data(), 0, &mode, nullptr, nullptr, nullptr, 0);
   };
   if (call(count) == 0 && count != 0) Refused("QNVDevExtTextOut", "text");
@@ -117,8 +125,8 @@ int PagePainter::PaintRun(const TextRun& run, const FontRecord& font, int x, int
 }
 
 // Realises a fill as a solid, hatched or pattern brush.
-PhysicalBrush PagePainter::RealiseBrush(const Fill& fill) const {
-  LogicalBrush logical{BS_SOLID, fill.color, 0, Physical(fill.background)};
+PhysicalBrush PagePainter::RealiseBrush(DeviceHandle* handle, const Fill& fill) const {
+  LogicalBrush logical{BS_SOLID, fill.color, 0, Physical(handle, fill.background)};
   uint8_t bytes[8 * 8 * 3] = {};
   SourceBitmap bitmap{0, 8, 8, 0, 1, 0, bytes};
   if (fill.kind == Fill::Kind::kHatch) {
@@ -134,7 +142,7 @@ PhysicalBrush PagePainter::RealiseBrush(const Fill& fill) const {
     bitmap.bmBitsPixel = static_cast<uint8_t>(step * 8);
     bitmap.bmWidthBytes = static_cast<uint16_t>(8 * step);
     for (int i = 0; i < 64; ++i) {
-      const uint32_t color = Physical(WeaveColor(fill, i / 8, i % 8));
+      const uint32_t color = Physical(handle, WeaveColor(fill, i / 8, i % 8));
       for (int byte = 0; byte < step; ++byte) bytes[i * step + byte] = static_cast<uint8_t>(color >> 8 * byte);
     }
   }
@@ -144,13 +152,13 @@ PhysicalBrush PagePainter::RealiseBrush(const Fill& fill) const {
   }
   PhysicalBrush brush;
   std::memset(&brush, 0, sizeof brush);
-  if (rasteriser_.realizeObject(handle_, OBJ_BRUSH, &logical, &brush, nullptr) == 0) {
+  if (rasteriser_.realizeObject(handle, OBJ_BRUSH, &logical, &brush, nullptr) == 0) {
     Refused("QNVRealizeObject", "a brush");
   }
   return brush;
 }
 
-PagePainter::ReadyFigure PagePainter::Prepare(const Figure& figure) const {
+PagePainter::ReadyFigure PagePainter::Prepare(DeviceHandle* handle, const Figure& figure) const {
   ReadyFigure ready;
   std::memset(&ready.pen, 0, sizeof ready.pen);
   std::memset(&ready.brush, 0, sizeof ready.brush);
@@ -158,17 +166,17 @@ PagePainter::ReadyFigure PagePainter::Prepare(const Figure& figure) const {
   ready.usesPen = fill.kind == Fill::Kind::kPen;
   if (ready.usesPen) {
     const LogicalPen pen{PS_SOLID, 1, 1, fill.color};
-    if (rasteriser_.realizeObject(handle_, OBJ_PEN, &pen, &ready.pen, nullptr) == 0) {
+    if (rasteriser_.realizeObject(handle, OBJ_PEN, &pen, &ready.pen, nullptr) == 0) {
       Refused("QNVRealizeObject", "a pen");
     }
   } else {
-    ready.brush = RealiseBrush(fill);
+    ready.brush = RealiseBrush(handle, fill);
   }
   ready.mode = PlainMode();
   ready.mode.Rop2 = figure.rop2;
   ready.mode.bkMode = fill.opaque ? OPAQUE : TRANSPARENT;
-  ready.mode.TextColor = Physical(fill.color);
-  ready.mode.bkColor = Physical(fill.background);
+  ready.mode.TextColor = Physical(handle, fill.color);
+  ready.mode.bkColor = Physical(handle, fill.background);
   const SpanRegion region = Clip(figure.region, {0, 0, pageRect_.right, pageRect_.bottom});
   // Where page rows and band rows differ, only banded spans paint every band row of a figure exactly once.
   const uint16_t style = device_.isScaled() ? uint16_t{OS_BANDED_SPANS} : ShortestStyle(region);
@@ -178,18 +186,18 @@ PagePainter::ReadyFigure PagePainter::Prepare(const Figure& figure) const {
   return ready;
 }
 
-void PagePainter::Paint(const ReadyFigure& figure, const Rect& view) const {
+void PagePainter::Paint(DeviceHandle* handle, const ReadyFigure& figure, const Rect& view) const {
   if (!MayTouch(figure.top, figure.bottom, view)) return;
   for (const SpanList& list : figure.lists) {
     const uint32_t result =
-        rasteriser_.output(handle_, list.style, list.count, list.words.data(), figure.usesPen ? &figure.pen : nullptr,
+        rasteriser_.output(handle, list.style, list.count, list.words.data(), figure.usesPen ? &figure.pen : nullptr,
                            figure.usesPen ? nullptr : &figure.brush, &figure.mode, &pageRect_);
     if (!Done(result)) Refused("QNVOutput", fmt::format("a figure in style {}", list.style));
   }
 }
 
 // The rows of a strip are in memory at the same time: as many as take some megabytes at 32 bits a pixel.
-PagePainter::ReadyPicture PagePainter::Prepare(const Picture& picture) const {
+PagePainter::ReadyPicture PagePainter::Prepare(DeviceHandle*, const Picture& picture) const {
   constexpr std::size_t kMaxStripBytes = std::size_t{8} << 20;
   ReadyPicture ready;
   ready.picture = &picture;
@@ -206,17 +214,17 @@ PagePainter::ReadyPicture PagePainter::Prepare(const Picture& picture) const {
 }
 
 // Paints the rows that are shown, a window of the picture at a time.
-void PagePainter::PaintUnscaled(const ReadyPicture& ready, const Rect& shown, const BandRect& clip,
-                                const DRAWMODE& mode) const {
+void PagePainter::PaintUnscaled(DeviceHandle* handle, const ReadyPicture& ready, const Rect& shown,
+                                const BandRect& clip, const DRAWMODE& mode) const {
   const Picture& picture = *ready.picture;
   // Of a scaled device, page rows just outside may be rounded into the band.
   const int begin = std::max(shown.top - 2, picture.place.top) - picture.place.top;
   const int end = std::min(shown.bottom + 2, picture.place.bottom) - picture.place.top;
   for (int row = begin; row < end;) {
     const DibWindow window = ready.rows->Window(row, std::min(end - row, ready.maxRows));
-    const uint32_t result = rasteriser_.setDIBitsToDevice(handle_, picture.place.left, picture.place.top + window.top,
-                                                          0, static_cast<uint32_t>(window.rows), &clip, &mode,
-                                                          window.bits, window.info, nullptr);
+    const uint32_t result = rasteriser_.setDIBitsToDevice(handle, picture.place.left, picture.place.top + window.top, 0,
+                                                          static_cast<uint32_t>(window.rows), &clip, &mode, window.bits,
+                                                          window.info, nullptr);
     // Without a pixel inside clip and band the call has nothing to paint, and says so like an error.
     const bool isShown =
         picture.place.top + window.top < shown.bottom && picture.place.top + window.top + window.rows > shown.top;
@@ -225,26 +233,31 @@ void PagePainter::PaintUnscaled(const ReadyPicture& ready, const Rect& shown, co
   }
 }
 
-void PagePainter::Paint(const ReadyPicture& ready, const Rect& view) const {
+Rect PagePainter::ShownPart(const ReadyPicture& ready, const Rect& view) {
+  return Intersect(Intersect(ready.picture->clip, ready.picture->place), view);
+}
+
+void PagePainter::Paint(DeviceHandle* handle, const ReadyPicture& ready, const Rect& view) const {
   const Picture& picture = *ready.picture;
   const PictureFile& file = *picture.file;
-  const Rect shown = Intersect(Intersect(picture.clip, picture.place), view);
+  const Rect shown = ShownPart(ready, view);
   if (shown.empty()) {
-    if (view.top >= picture.place.bottom) ready.rows = nullptr;
+    // Only a view with pictures may touch the rows of others.
+    if (view.top >= picture.place.bottom && ShowsPicture(view)) ready.rows = nullptr;
     return;
   }
   if (ready.rows == nullptr) ready.rows = file.Rows();
   const BandRect clip{picture.clip.left, picture.clip.top, picture.clip.right, picture.clip.bottom};
   const DRAWMODE mode = PlainMode();
   if (picture.rop == SRCCOPY && picture.place.width() == file.width() && picture.place.height() == file.height()) {
-    return PaintUnscaled(ready, shown, clip, mode);
+    return PaintUnscaled(handle, ready, shown, clip, mode);
   }
   for (const Strip& strip : ready.strips) {
     if (strip.top >= shown.bottom || strip.top + strip.rows <= shown.top) continue;
     const DibWindow window = ready.rows->Window(strip.sourceTop, strip.sourceRows);
     // Source rows count from the bottom of the window, strips from the top of the picture.
     const int srcY = window.rows - (strip.sourceTop - window.top) - strip.sourceRows;
-    const uint32_t result = rasteriser_.stretchDIBits(handle_, 0, picture.place.left, strip.top, picture.place.width(),
+    const uint32_t result = rasteriser_.stretchDIBits(handle, 0, picture.place.left, strip.top, picture.place.width(),
                                                       strip.rows, 0, srcY, file.width(), strip.sourceRows, window.bits,
                                                       window.info, nullptr, picture.rop, nullptr, &mode, &clip);
     if (!Done(result)) Refused("QNVStretchDIBits", picture.name);

@@ -13,12 +13,18 @@ namespace qnv::tool {
 
 class PagePainter {
  public:
-  // Realises pens and brushes and encodes spans once for all bands. Everything named must outlive the painter.
+  // Realises pens and brushes and encodes spans once for all bands, with a device of this kind. Everything named but
+  // the device must outlive the painter.
   PagePainter(const Rasteriser& rasteriser, DeviceHandle* handle, const DeviceChoice& device, const Page& page);
 
-  // Calls the rasteriser for every item that touches `view`, the part of the page that the band shows. Throws
-  // ToolError (library) when a call is refused.
-  void Paint(const Rect& view) const;
+  // Calls the rasteriser for every item that touches `view`, the part of the page that the band of the device shows.
+  // Throws ToolError (library) when a call is refused. Several threads may call it, each with a device of its own, but
+  // views that show pictures must be painted one after the other, as the files are read; from the top of the page to
+  // the bottom is fastest.
+  void Paint(DeviceHandle* handle, const Rect& view) const;
+
+  // Whether a part of a picture is in `view`.
+  bool ShowsPicture(const Rect& view) const;
 
  private:
   // Items with everything that is the same for all bands: realised objects, encoded spans, strips, physical colors.
@@ -41,25 +47,28 @@ class PagePainter {
   struct ReadyText {
     const TextLine* line = nullptr;
     uint32_t color = 0;
+    uint32_t background = 0;
     std::vector<std::shared_ptr<const FontRecord>> records;  // of each run
     int top = 0;
     int bottom = 0;
   };
 
-  ReadyText Prepare(const TextLine& line) const;
-  ReadyFigure Prepare(const Figure& figure) const;
-  ReadyPicture Prepare(const Picture& picture) const;
-  PhysicalBrush RealiseBrush(const Fill& fill) const;
-  uint32_t Physical(Color color) const;
+  ReadyText Prepare(DeviceHandle* handle, const TextLine& line) const;
+  ReadyFigure Prepare(DeviceHandle* handle, const Figure& figure) const;
+  ReadyPicture Prepare(DeviceHandle* handle, const Picture& picture) const;
+  PhysicalBrush RealiseBrush(DeviceHandle* handle, const Fill& fill) const;
+  uint32_t Physical(DeviceHandle* handle, Color color) const;
 
-  void Paint(const ReadyText& text, const Rect& view) const;
-  void Paint(const ReadyFigure& figure, const Rect& view) const;
-  void Paint(const ReadyPicture& picture, const Rect& view) const;
-  void PaintUnscaled(const ReadyPicture& picture, const Rect& shown, const BandRect& clip, const DRAWMODE& mode) const;
-  int PaintRun(const TextRun& run, const FontRecord& font, int x, int baseline, DRAWMODE& mode, bool last) const;
+  static Rect ShownPart(const ReadyPicture& picture, const Rect& view);
+  void Paint(DeviceHandle* handle, const ReadyText& text, const Rect& view) const;
+  void Paint(DeviceHandle* handle, const ReadyFigure& figure, const Rect& view) const;
+  void Paint(DeviceHandle* handle, const ReadyPicture& picture, const Rect& view) const;
+  void PaintUnscaled(DeviceHandle* handle, const ReadyPicture& picture, const Rect& shown, const BandRect& clip,
+                     const DRAWMODE& mode) const;
+  int PaintRun(DeviceHandle* handle, const TextRun& run, const FontRecord& font, int x, int baseline, DRAWMODE& mode,
+               bool last) const;
 
   const Rasteriser& rasteriser_;
-  DeviceHandle* const handle_;
   const DeviceChoice& device_;
   const BandRect pageRect_;
   std::vector<std::variant<ReadyText, ReadyFigure, ReadyPicture>> items_;
