@@ -1,0 +1,216 @@
+// Everything about the current call: arguments, what it changed, what the checker found, its pictures.
+import { Fragment } from 'preact';
+import type { Argument, CallAnswer, Finding } from '../engine/contract';
+import { revealRect, showPageEdge, step } from '../model/actions';
+import { formatCount, formatTime } from '../model/format';
+import { activeFile, useApp } from '../model/state';
+import { EnginePicture } from './engine_picture';
+
+function Findings({ findings }: { findings: Finding[] }) {
+  return (
+    <>
+      {findings.map((finding, index) => (
+        <div key={index} class="finding">
+          <b>
+            Mistake {finding.mistake}
+            {finding.argument && (
+              <>
+                {' '}
+                in <code>{finding.argument}</code>
+              </>
+            )}
+          </b>
+          <p>{finding.wrong}</p>
+          <p class="advice">{finding.advice}</p>
+        </div>
+      ))}
+    </>
+  );
+}
+
+const Color = ({ color }: { color: string | undefined }) =>
+  color ? <i class="swatch" style={{ background: color }} title={color} /> : null;
+
+function ArgumentRows({ argument, answer, file }: { argument: Argument; answer: CallAnswer; file: number }) {
+  const picture = answer.pictures.find(({ id }) => id === argument.picture);
+  return (
+    <>
+      <tr>
+        <th scope="row">
+          {argument.name}
+          <span class="type">{argument.type}</span>
+        </th>
+        <td>
+          <Color color={argument.color} />
+          <span class="value">{argument.text}</span>
+          {argument.formula && <div class="formula">{argument.formula}</div>}
+          {argument.flags && argument.flags.length > 0 && (
+            <div class="chips">
+              {argument.flags.map((flag) => (
+                <span key={flag} class="chip">
+                  {flag}
+                </span>
+              ))}
+            </div>
+          )}
+          {argument.fields && argument.fields.length > 0 && (
+            <dl class="fields">
+              {argument.fields.map((field) => (
+                <Fragment key={field.name}>
+                  <dt>{field.name}</dt>
+                  <dd>
+                    <Color color={field.color} />
+                    {field.text}
+                  </dd>
+                </Fragment>
+              ))}
+            </dl>
+          )}
+          {picture && (
+            <EnginePicture
+              file={file}
+              question={{ d: 'picture', call: answer.call, id: picture.id }}
+              label={picture.label || picture.what}
+              room={220}
+            />
+          )}
+        </td>
+      </tr>
+    </>
+  );
+}
+
+function Changed({ answer, file }: { answer: CallAnswer; file: number }) {
+  const { rect, pixels, tags } = answer.changed;
+  if (!rect || (pixels === 0 && tags === 0)) {
+    return (
+      <section class="part">
+        <h3>Changed</h3>
+        <p class="muted">Nothing on the page.</p>
+      </section>
+    );
+  }
+  return (
+    <section class="part">
+      <h3>Changed</h3>
+      <p>
+        <b>{formatCount(pixels)}</b> {pixels === 1 ? 'pixel' : 'pixels'}
+        {tags > 0 && (
+          <>
+            {' '}
+            and <b>{formatCount(tags)}</b> {tags === 1 ? 'tag' : 'tags'}
+          </>
+        )}{' '}
+        in <span class="mono">({rect.join(', ')})</span>{' '}
+        <button type="button" class="link" onClick={() => revealRect(rect)}>
+          Show on page
+        </button>
+      </p>
+      <div class="change-pictures">
+        {(['before', 'after', 'outline'] as const).map((which) => (
+          <EnginePicture
+            key={which}
+            file={file}
+            question={{ d: 'change', call: answer.call, which }}
+            label={{ before: 'Before', after: 'After', outline: 'Outline' }[which]}
+            room={108}
+          />
+        ))}
+      </div>
+    </section>
+  );
+}
+
+export function CallPanel() {
+  const file = useApp(activeFile);
+  const call = useApp((state) => state.call);
+  const answer = useApp((state) => state.answer);
+  const error = useApp((state) => state.answerError);
+  if (!file) return null;
+  const shown = error ? null : answer;
+  const page = shown && shown.page >= 0 ? file.summary.pages[shown.page] : undefined;
+  const named = new Set(shown?.arguments.map(({ picture }) => picture));
+  const others = shown?.pictures.filter(({ id }) => !named.has(id)) ?? [];
+  return (
+    <div class="call-panel" data-call={shown?.call ?? ''} aria-busy={shown?.call !== call}>
+      <header class="call-head">
+        <h2>
+          <span class="muted">{call}</span> {shown?.function ?? ''}
+        </h2>
+        <div class="buttons">
+          <button type="button" title="First call of the page (Home)" aria-label="First call" onClick={() => showPageEdge('first')}>
+            ⇤
+          </button>
+          <button type="button" title="Previous call (←)" aria-label="Previous call" onClick={() => step(-1, 'call')}>
+            ‹
+          </button>
+          <button type="button" title="Next call (→)" aria-label="Next call" onClick={() => step(1, 'call')}>
+            ›
+          </button>
+          <button type="button" title="Last call of the page (End)" aria-label="Last call" onClick={() => showPageEdge('last')}>
+            ⇥
+          </button>
+        </div>
+      </header>
+      {error && (
+        <p class="notice notice-bad" role="alert">
+          {error}
+        </p>
+      )}
+      {shown && (
+        <>
+          <dl class="facts">
+            <div>
+              <dt>Time</dt>
+              <dd>{formatTime(shown.ns)}</dd>
+            </div>
+            <div>
+              <dt>Result</dt>
+              <dd class="mono">{String(shown.result)}</dd>
+            </div>
+            <div>
+              <dt>Device</dt>
+              <dd>{shown.device > 0 ? shown.device : '–'}</dd>
+            </div>
+            <div>
+              <dt>Page, band</dt>
+              <dd>{page ? `${page.page + 1}, ${shown.band + 1} of ${page.bands.length}` : '–'}</dd>
+            </div>
+          </dl>
+          <Findings findings={shown.findings} />
+          <section class="part">
+            <h3>Arguments</h3>
+            <table class="arguments">
+              <tbody>
+                {shown.arguments.map((argument) => (
+                  <ArgumentRows key={`${shown.call}/${argument.name}`} argument={argument} answer={shown} file={file.number} />
+                ))}
+              </tbody>
+            </table>
+          </section>
+          {others.length > 0 && (
+            <section class="part">
+              <h3>Pictures</h3>
+              <div class="pictures-grid">
+                {others.map((picture) => (
+                  <EnginePicture
+                    key={picture.id}
+                    file={file.number}
+                    question={{ d: 'picture', call: shown.call, id: picture.id }}
+                    label={picture.label || picture.what}
+                    room={others.length > 2 ? 72 : 220}
+                  />
+                ))}
+              </div>
+            </section>
+          )}
+          <Changed answer={shown} file={file.number} />
+          <section class="part">
+            <h3>As text</h3>
+            <p class="whole-line">{shown.line}</p>
+          </section>
+        </>
+      )}
+    </div>
+  );
+}

@@ -1,0 +1,385 @@
+// One picture of a page: what is to be painted, from state and tiles, and what pointer and keys do on it.
+import type { Page, Rect } from '../engine/contract';
+import { differences, engine, fail, setFilterRect, showPixel } from '../model/actions';
+import { sentence } from '../model/format';
+import { type Camera, type OpenFile, type State, store } from '../model/state';
+import { type Size, centered, fit, keepInSight, nextScale, show, zoomAt } from './camera';
+import { cursor, moveCursor } from './cursor';
+import { heatArrivals, heatMap } from './heat_layer';
+import { type Colors, Painting, kRuler, readColors } from './painting';
+import { type Tile, type TilePlace, Tiles, kTileSize } from './tiles';
+
+const kClickDistance = 4; // CSS pixels; a longer way is a drag
+const kMaxDifferences = 1000;
+
+// The call that a file shows: that of the list, or its own end when the other page is complete.
+function callOf(state: State, file: OpenFile, page: Page | undefined): number {
+  const active = state.files[state.active];
+  if (!active || file === active) return state.call;
+  const activePage = active.summary.pages[state.page];
+  if (page && activePage && state.call >= activePage.lastCall) return page.lastCall;
+  return Math.min(state.call, file.columns.count - 1);
+}
+
+export class PageCanvas {
+  private readonly context: CanvasRenderingContext2D;
+  private readonly tiles: Tiles;
+  private view: Size = { width: 0, height: 0 };
+  private density = 1;
+  private colors: Colors;
+  private frame = 0;
+  private drag: { x: number; y: number; camera: Camera; moved: boolean; from: { x: number; y: number } } | null = null;
+  private readonly undo: (() => void)[] = [];
+  private seen: State = store.state;
+  private exact = true; // the last painting showed the current call everywhere
+
+  constructor(
+    private readonly canvas: HTMLCanvasElement,
+    private readonly index: number,
+  ) {
+    this.context = canvas.getContext('2d') as CanvasRenderingContext2D;
+    this.colors = readColors(canvas);
+    this.tiles = new Tiles(
+      engine,
+      () => this.plan(),
+      (message) => fail(sentence(message)),
+    );
+    const resize = new ResizeObserver(() => this.resize());
+    resize.observe(canvas);
+    const onState = () => {
+      if (store.state.theme !== this.seen.theme) this.readColors();
+      // Not painted until the next frame.
+      if (store.state.call !== this.seen.call || store.state.page !== this.seen.page) this.exact = false;
+      this.seen = store.state;
+      const file = this.file();
+      if (file) this.tiles.keepOnly(file.number, this.call());
+      this.plan();
+    };
+    const dark = matchMedia('(prefers-color-scheme: dark)');
+    const onDark = () => this.readColors();
+    dark.addEventListener('change', onDark);
+    this.undo.push(
+      () => resize.disconnect(),
+      store.subscribe(onState),
+      cursor.subscribe(() => this.plan()),
+      heatArrivals.subscribe(() => this.plan()),
+      () => dark.removeEventListener('change', onDark),
+      () => cancelAnimationFrame(this.frame),
+    );
+    this.listen('pointerdown', (event) => this.press(event));
+    this.listen('pointermove', (event) => this.move(event));
+    this.listen('pointerup', (event) => this.release(event));
+    this.listen('pointercancel', () => (this.drag = null));
+    this.listen('pointerleave', () => moveCursor(this.index, undefined, -1, 0, null));
+    this.listen('dblclick', (event) => this.zoom(1, this.place(event)));
+    this.listen('wheel', (event) => this.wheel(event), { passive: false });
+    this.listen('keydown', (event) => this.key(event));
+    this.listen('blur', () => moveCursor(this.index, undefined, -1, 0, null));
+  }
+
+  close(): void {
+    for (const undo of this.undo) undo();
+  }
+
+  isPainted(): boolean {
+    return this.exact;
+  }
+
+  // ---- What it shows
+
+  private file(): OpenFile | undefined {
+    return store.state.files[this.index];
+  }
+
+  private page(): Page | undefined {
+    return this.file()?.summary.pages[store.state.page];
+  }
+
+  private call(): number {
+    const file = this.file();
+    return file ? callOf(store.state, file, this.page()) : 0;
+  }
+
+  camera(): Camera {
+    const page = this.page();
+    if (!page) return { scale: 1, x: 0, y: 0 };
+    return store.state.camera ?? fit(page, this.view);
+  }
+
+  private setCamera(camera: Camera): void {
+    const page = this.page();
+    if (page) store.set({ camera: keepInSight(camera, page, this.view) });
+  }
+
+  zoom(direction: 1 | -1, at?: { x: number; y: number }): void {
+    this.zoomTo(nextScale(this.camera().scale, direction), at);
+  }
+
+  // Around a place on the screen: the pointer's, else the cursor of the keys, else the middle.
+  zoomTo(scale: number, at?: { x: number; y: number }): void {
+    const camera = this.camera();
+    const pixel = cursor.state.at ?? store.state.pixel;
+    const middle = { x: this.view.width / 2, y: this.view.height / 2 };
+    let around = at ?? middle;
+    if (!at && pixel) {
+      const x = (pixel.x + 0.5 - camera.x) * camera.scale;
+      const y = (pixel.y + 0.5 - camera.y) * camera.scale;
+      if (x >= 0 && y >= 0 && x < this.view.width && y < this.view.height) around = { x, y };
+    }
+    this.setCamera(zoomAt(camera, scale, around.x, around.y));
+  }
+
+  reveal(rect: Rect): void {
+    this.setCamera(show(rect, this.view));
+  }
+
+  // ---- Painting
+
+  private readColors(): void {
+    this.colors = readColors(this.canvas);
+    this.plan();
+  }
+
+  private resize(): void {
+    this.density = devicePixelRatio || 1;
+    const box = this.canvas.getBoundingClientRect();
+    this.canvas.width = Math.max(1, Math.round(box.width * this.density));
+    this.canvas.height = Math.max(1, Math.round(box.height * this.density));
+    this.view = { width: Math.max(1, box.width - kRuler), height: Math.max(1, box.height - kRuler) };
+    this.paint(); // at once: a resized canvas is empty
+  }
+
+  private plan(): void {
+    cancelAnimationFrame(this.frame);
+    this.frame = requestAnimationFrame(() => this.paint());
+  }
+
+  // The tiles in sight, right ones or older ones, coarser ones where there are none. Says whether all are right.
+  private forTiles(page: Page, plane: 'color' | 'tags', draw: (tile: Tile) => void): boolean {
+    const file = this.file();
+    if (!file) return true;
+    const camera = this.camera();
+    const call = this.call();
+    const deepest = Math.ceil(Math.log2(Math.max(page.width, page.height) / kTileSize));
+    const wanted = Math.floor(Math.log2(1 / (camera.scale * this.density)) + 0.01);
+    const level = Math.max(0, Math.min(Math.max(0, deepest), wanted));
+    const place = { file: file.number, page: page.page, plane };
+    const whole: TilePlace = { ...place, level: Math.max(0, deepest), column: 0, row: 0 };
+    let exact = true;
+    const span = kTileSize * 2 ** level;
+    const first = (from: number, start: number) => Math.max(0, Math.floor((from - start) / span));
+    const last = (to: number, start: number, size: number) =>
+      Math.min(Math.ceil(size / span) - 1, Math.floor((to - start) / span));
+    const rows: TilePlace[] = [];
+    for (let row = first(camera.y, page.top); row <= last(camera.y + this.view.height / camera.scale, page.top, page.height); row++) {
+      for (let column = first(camera.x, page.left); column <= last(camera.x + this.view.width / camera.scale, page.left, page.width); column++) {
+        rows.push({ ...place, level, column, row });
+      }
+    }
+    const found = rows.map((tilePlace) => {
+      const tile = this.tiles.get(tilePlace, call, page);
+      if (!tile) exact = false;
+      return tile ?? this.tiles.stale(tilePlace);
+    });
+    // The coarsest tile shows all of the page; it is drawn below what is missing.
+    if (found.some((tile) => !tile) && level < whole.level) {
+      const coarse = this.tiles.get(whole, call, page) ?? this.tiles.stale(whole);
+      if (coarse) draw(coarse);
+    }
+    for (const tile of found) if (tile) draw(tile);
+    return exact;
+  }
+
+  private paint(): void {
+    const { state } = store;
+    const file = this.file();
+    const page = this.page();
+    const camera = this.camera();
+    const painting = new Painting(this.context, camera, this.view, this.density, this.colors);
+    if (!file || !page) {
+      painting.clear({ left: 0, top: 0, width: 0, height: 0 });
+      this.exact = true;
+      return;
+    }
+    painting.clear(page);
+    const colorTiles: Tile[] = [];
+    let exact = this.forTiles(page, 'color', (tile) => {
+      painting.tile(tile);
+      colorTiles.push(tile);
+    });
+    const device = file.summary.devices.find(({ number }) => number === page.device);
+    if (state.tags && device?.hasTags) {
+      exact = this.forTiles(page, 'tags', (tile) => painting.tile(tile, state.tagOpacity)) && exact;
+    }
+    const heat = heatMap(file, page, state.heat);
+    if (heat) painting.image(heat.canvas, page.left, page.top, page.width, page.height, 0.75);
+    for (const tile of colorTiles) painting.bytes(tile, page, device?.kind === 'plain8');
+    if (state.grid) painting.grid(page);
+    if (state.grid) painting.bandEdges(page.bands.slice(1).map((band) => band.top), page);
+    this.paintMarks(painting, state, file, page);
+    painting.rulers(page, cursor.state.file === this.index ? cursor.state.at : null);
+    this.exact = exact;
+    this.canvas.dataset['call'] = exact ? String(this.call()) : '';
+    this.canvas.dataset['scale'] = String(camera.scale);
+  }
+
+  private paintMarks(painting: Painting, state: State, file: OpenFile, page: Page): void {
+    const { colors } = this;
+    const isActive = state.files[state.active] === file;
+    if (state.files.length === 2) {
+      const all = differences(state.compare);
+      let drawn = 0;
+      all.forEach(({ page: number, rect }, index) => {
+        if (number !== state.page || drawn++ > kMaxDifferences) return;
+        painting.frame(rect, colors.difference, { thick: index === state.difference });
+      });
+    }
+    if (state.filter.rect && state.filter.page === state.page) {
+      painting.frame(state.filter.rect, colors.pixel, { dashed: true });
+    }
+    if (cursor.state.rect) painting.frame(cursor.state.rect, colors.pixel, { dashed: true });
+    const { answer } = state;
+    const changed = answer?.changed.rect;
+    if (state.outline && isActive && changed && answer.call === state.call && answer.page === page.page) {
+      painting.frame(changed, colors.mark);
+    }
+    if (state.pixel && state.pixel.page === page.page) {
+      const { x, y } = state.pixel;
+      painting.frame([x, y, x + 1, y + 1], colors.pixel, { thick: true });
+    }
+    const { at, byKeys, file: index } = cursor.state;
+    if (at && byKeys && index === this.index) painting.frame([at.x, at.y, at.x + 1, at.y + 1], colors.mark);
+  }
+
+  // ---- Pointer and keys
+
+  private listen<Name extends keyof HTMLElementEventMap>(
+    name: Name,
+    handler: (event: HTMLElementEventMap[Name]) => void,
+    options?: AddEventListenerOptions,
+  ): void {
+    this.canvas.addEventListener(name, handler, options);
+    this.undo.push(() => this.canvas.removeEventListener(name, handler, options));
+  }
+
+  // Relative to the picture, without rulers.
+  private place(event: MouseEvent): { x: number; y: number } {
+    const box = this.canvas.getBoundingClientRect();
+    return { x: event.clientX - box.left - kRuler, y: event.clientY - box.top - kRuler };
+  }
+
+  private pixelAt(place: { x: number; y: number }): { x: number; y: number } | null {
+    const page = this.page();
+    if (!page || place.x < 0 || place.y < 0) return null;
+    const camera = this.camera();
+    const x = Math.floor(camera.x + place.x / camera.scale);
+    const y = Math.floor(camera.y + place.y / camera.scale);
+    const isInside = x >= page.left && y >= page.top && x < page.left + page.width && y < page.top + page.height;
+    return isInside ? { x, y } : null;
+  }
+
+  private press(event: PointerEvent): void {
+    if (event.button !== 0 && event.button !== 1) return;
+    this.canvas.setPointerCapture(event.pointerId);
+    this.drag = { x: event.clientX, y: event.clientY, camera: this.camera(), moved: false, from: this.place(event) };
+  }
+
+  private move(event: PointerEvent): void {
+    const at = this.place(event);
+    const pixel = this.pixelAt(at);
+    const { state } = cursor;
+    if (pixel?.x !== state.at?.x || pixel?.y !== state.at?.y || state.file !== this.index) {
+      moveCursor(this.index, this.file(), store.state.page, this.call(), pixel);
+    }
+    if (!this.drag) return;
+    const dx = event.clientX - this.drag.x;
+    const dy = event.clientY - this.drag.y;
+    if (Math.hypot(dx, dy) >= kClickDistance) this.drag.moved = true;
+    if (!this.drag.moved) return;
+    if (store.state.isDrawingRect) {
+      cursor.set({ rect: this.rectBetween(this.drag.from, at) });
+    } else {
+      const { camera } = this.drag;
+      this.setCamera({ scale: camera.scale, x: camera.x - dx / camera.scale, y: camera.y - dy / camera.scale });
+    }
+  }
+
+  private release(event: PointerEvent): void {
+    const { drag } = this;
+    this.drag = null;
+    if (!drag) return;
+    if (store.state.isDrawingRect) {
+      cursor.set({ rect: null });
+      if (drag.moved) setFilterRect(this.rectBetween(drag.from, this.place(event)));
+      return;
+    }
+    const pixel = this.pixelAt(this.place(event));
+    if (!drag.moved && event.button === 0 && pixel) this.pick(pixel);
+  }
+
+  private pick(pixel: { x: number; y: number }): void {
+    if (store.state.active !== this.index) store.set({ active: this.index, matches: null });
+    void showPixel(pixel.x, pixel.y);
+  }
+
+  // Cut to the page; at least one pixel.
+  private rectBetween(from: { x: number; y: number }, to: { x: number; y: number }): Rect | null {
+    const page = this.page();
+    if (!page) return null;
+    const camera = this.camera();
+    const within = (value: number, start: number, size: number) =>
+      Math.max(start, Math.min(start + size - 1, Math.floor(value)));
+    const x = [from.x, to.x].map((value) => within(camera.x + value / camera.scale, page.left, page.width));
+    const y = [from.y, to.y].map((value) => within(camera.y + value / camera.scale, page.top, page.height));
+    return [Math.min(...x), Math.min(...y), Math.max(...x) + 1, Math.max(...y) + 1];
+  }
+
+  private wheel(event: WheelEvent): void {
+    event.preventDefault();
+    if (event.deltaY === 0) return;
+    if (event.shiftKey) {
+      const camera = this.camera();
+      this.setCamera({ ...camera, y: camera.y + event.deltaY / camera.scale });
+      return;
+    }
+    this.zoom(event.deltaY < 0 ? 1 : -1, this.place(event));
+  }
+
+  private key(event: KeyboardEvent): void {
+    const page = this.page();
+    if (!page || event.ctrlKey || event.metaKey || event.altKey) return;
+    const by = event.shiftKey ? 10 : 1;
+    const direction = { ArrowLeft: [-by, 0], ArrowRight: [by, 0], ArrowUp: [0, -by], ArrowDown: [0, by] }[event.key];
+    if (direction) {
+      event.preventDefault();
+      event.stopPropagation();
+      const camera = this.camera();
+      const middle = {
+        x: Math.floor(camera.x + this.view.width / 2 / camera.scale),
+        y: Math.floor(camera.y + this.view.height / 2 / camera.scale),
+      };
+      const from = cursor.state.at ?? store.state.pixel;
+      const at = from
+        ? { x: from.x + (direction[0] as number), y: from.y + (direction[1] as number) }
+        : middle;
+      const inside = {
+        x: Math.max(page.left, Math.min(page.left + page.width - 1, at.x)),
+        y: Math.max(page.top, Math.min(page.top + page.height - 1, at.y)),
+      };
+      moveCursor(this.index, this.file(), store.state.page, this.call(), inside, true);
+      this.follow(inside);
+    } else if (event.key === 'Enter') {
+      event.preventDefault();
+      if (cursor.state.at) this.pick(cursor.state.at);
+    }
+  }
+
+  // Moves the view when the cursor of the keys leaves it.
+  private follow(pixel: { x: number; y: number }): void {
+    const camera = this.camera();
+    const x = (pixel.x + 0.5 - camera.x) * camera.scale;
+    const y = (pixel.y + 0.5 - camera.y) * camera.scale;
+    if (x >= 0 && y >= 0 && x < this.view.width && y < this.view.height) return;
+    this.setCamera(centered(camera.scale, pixel.x, pixel.y, this.view));
+  }
+}
