@@ -5,11 +5,16 @@ import type { Engine } from '../engine/contract';
 const kMaxGap = 12;
 const kMaxKept = 20_000;
 
-// "17 QNVPixel(device=1, x=3) = 0x0 [90 ns]": the list has number, function and time in columns of their own.
+// "17 QNVPixel(device=1, x=3) = 0x0 [90 ns]": the list has number, function and time in columns of their own, and its
+// rows are too short for the device, which is the same in most.
 export function argumentsOf(line: string): string {
   const from = line.indexOf('(');
   const body = line.replace(/ \[\d+ ns\]$/, '');
-  return from < 0 ? body : body.slice(from + 1).replace(/\)( = .*)?$/, '$1');
+  if (from < 0) return body;
+  return body
+    .slice(from + 1)
+    .replace(/\)( = .*)?$/, '$1')
+    .replace(/^device=\d+(, |$)/, '');
 }
 
 // Groups of neighbouring calls, as [first, count].

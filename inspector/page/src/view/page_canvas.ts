@@ -220,7 +220,8 @@ export class PageCanvas {
     painting.rulers(page, cursor.state.file === this.index ? cursor.state.at : null);
     this.exact = exact;
     this.canvas.dataset['call'] = exact ? String(this.call()) : '';
-    this.canvas.dataset['scale'] = String(camera.scale);
+    // Where page pixels are on the canvas, for tests.
+    this.canvas.dataset['camera'] = `${camera.scale},${camera.x},${camera.y},${kRuler}`;
   }
 
   private paintMarks(painting: Painting, state: State, file: OpenFile, page: Page): void {

@@ -65,8 +65,9 @@ test('a call is found among others, or the one after it', () => {
 });
 
 test('the list shows the arguments of a line', () => {
-  assert.equal(argumentsOf('17 QNVPixel(device=1, clip=(0, 1)) = 0x0 [90 ns]'), 'device=1, clip=(0, 1) = 0x0');
-  assert.equal(argumentsOf('3 QNVDisable(device=1) [5 ns]'), 'device=1');
+  assert.equal(argumentsOf('17 QNVPixel(device=1, clip=(0, 1)) = 0x0 [90 ns]'), 'clip=(0, 1) = 0x0');
+  assert.equal(argumentsOf('3 QNVDisable(device=1) [5 ns]'), '');
+  assert.equal(argumentsOf('0 QNVEnable(description=kind 1) = device 1 [5 ns]'), 'description=kind 1 = device 1');
   assert.equal(argumentsOf('cut off'), 'cut off');
 });
 
