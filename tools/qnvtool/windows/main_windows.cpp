@@ -1,10 +1,7 @@
 // qnvtool for Windows: what can be done with this project's own code, zlib and the fonts of the system.
-#include <fmt/core.h>
-
-#include <cstdio>
 #include <memory>
-#include <set>
 #include <string>
+#include <utility>
 
 #include "qnvtool/calls/call_commands.h"
 #include "qnvtool/cli/cmd_make_picture.h"
@@ -16,12 +13,8 @@
 namespace qnv::tool {
 namespace {
 
-FontShelf OpenFonts(const PrintOptions& options, int dpi) {
-  const auto noted = std::make_shared<std::set<std::string>>();
-  const NoteSink note = [noted, quiet = options.quiet](const std::string& text) {
-    if (!quiet && noted->insert(text).second) fmt::print(stderr, "qnvtool: note: {}\n", text);
-  };
-  return FontShelf([&options, note, dpi](FontRole role, double points) {
+FontShelf OpenFonts(const PrintOptions& options, int dpi, NoteSink note) {
+  return FontShelf([&options, note = std::move(note), dpi](FontRole role, double points) {
     const std::string& name = role == FontRole::kBody      ? options.bodyFont
                               : role == FontRole::kHeading ? options.headingFont
                                                            : options.listingFont;
@@ -29,8 +22,8 @@ FontShelf OpenFonts(const PrintOptions& options, int dpi) {
   });
 }
 
-std::unique_ptr<PageDocument> CreatePdfDocument(PictureFormat, const std::string& path, int) {
-  return CreatePdfFile(path);
+std::unique_ptr<PageDocument> CreatePdfDocument(PictureFormat, const std::string& path, int, Workers& workers) {
+  return CreatePdfFile(path, workers);
 }
 
 }  // namespace
@@ -43,7 +36,7 @@ int main(int argc, char** argv) {
                   .version = QNVTOOL_VERSION,
                   .commands = {PrintCommand({.openFonts = OpenFonts,
                                              .linked = LinkedRasteriser,
-                                             .output = {.createPng = CreatePngFile,
+                                             .output = {.createPng = CreatePngFileWith,
                                                         .createDocument = CreatePdfDocument,
                                                         .documents = {PictureFormat::kPdf}}}),
                                MakePictureCommand()}};
