@@ -80,7 +80,7 @@ for device in color gray dual scaled:200/100 scaled:300/200 scaled-gray:200/100;
   tags=()
   [ "$device" != dual ] || tags=(--tags tags.pgm)
   QNVREC_FILE=page.qnv QNVREC_HASH=call QNVREC_LIBRARY=$bin/libqnvdrv10.so \
-    "$tool" print page.fig -q --device "$device" "${dpi[@]}" "${tags[@]}" --band-rows 64 -o printed.ppm \
+    "$tool" print page.fig -q --jobs 1 --device "$device" "${dpi[@]}" "${tags[@]}" --band-rows 64 -o printed.ppm \
     --library "$bin/libqnvrec.so" || fail "print on $device"
   expect 0 " 0 differences" "" replay page.qnv
   expect 0 " 0 mistakes" "" check page.qnv
