@@ -360,6 +360,17 @@ and ISO-8859-1" print text.c --encoding KOI8-R -o out.png &&
       record -o calls.qnv -- host.exe && [ ! -e "$work/windows/out.png" ]
 }
 
+# Names of all alphabets, of an input, an image of a figure file, and outputs.
+takes_all_names() {
+  mkdir -p "$work/windows/größe" && cp "$work/windows/photo.bmp" "$work/windows/größe/写真.bmp" &&
+    echo 'image 写真.bmp 5 5 20 -' >"$work/windows/größe/ü.fig" &&
+    windows_tool print größe/写真.bmp größe/ü.fig --paper 60x40mm --margin 5 --dpi 100 -q -o größe/été.png &&
+    windows_tool print größe/写真.bmp --paper 60x40mm --margin 5 --dpi 100 -q -o größe/été.pdf &&
+    (cd "$work/windows" && "$tool" print größe/写真.bmp größe/ü.fig --paper 60x40mm --margin 5 --dpi 100 --no-header -q -o names.png) &&
+    same_lines $'été-01.png\nété-02.png\nété.pdf\nü.fig\n写真.bmp' "$(cd "$work/windows/größe" && ls)" &&
+    cmp <(pixels "$work/windows/größe/été-02.png") <(pixels "$work/windows/names-02.png")
+}
+
 # The delivered recorder in the place of the library, which has the other name then; qnvtool.exe replays what it wrote.
 records_on_windows() {
   local folder=$work/windows-record
@@ -538,6 +549,7 @@ check "qnvtool.exe: prints the same pixels, gray" prints_as_linux --device gray
 check "qnvtool.exe: prints the same pixels, two pages a sheet" prints_as_linux --n-up 2 --copies 3
 check "qnvtool.exe: prints text" prints_text
 check "qnvtool.exe: says what it lacks" refuses_what_it_lacks
+check "qnvtool.exe: takes file names of all alphabets" takes_all_names
 
 check "build tree: the same page under Wine" paints "$wine" "$win32_tree/bin/example_host.exe"
 if check "example: configured and built" \

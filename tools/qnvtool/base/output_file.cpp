@@ -9,6 +9,7 @@
 #include <cstring>
 #include <filesystem>
 
+#include "qnvtool/base/file_names.h"
 #include "qnvtool/base/phase_times.h"
 #include "qnvtool/base/tool_error.h"
 
@@ -76,7 +77,7 @@ OutputFile::OutputFile(const std::string& path) : path_(path == "-" ? "standard 
     return;
   }
   std::error_code error;
-  const fs::file_status status = fs::status(path, error);
+  const fs::file_status status = fs::status(PathOf(path), error);
   if (fs::exists(status) && !fs::is_regular_file(status)) {
     file_ = std::fopen(path.c_str(), "wb");
   } else {
@@ -87,9 +88,10 @@ OutputFile::OutputFile(const std::string& path) : path_(path == "-" ? "standard 
 
 // Opens a file in the folder of the target. On failure file_ stays null and errno says why.
 void OutputFile::OpenBesideTarget() {
-  const fs::path target = FollowLinks(path_);
-  target_ = target.string();
-  unfinished_ = (target.parent_path() / fmt::format(".{}.{}.part", target.filename().string(), ProcessId())).string();
+  const fs::path target = FollowLinks(PathOf(path_));
+  target_ = FileNameOf(target);
+  const std::string name = fmt::format(".{}.{}.part", FileNameOf(target.filename()), ProcessId());
+  unfinished_ = FileNameOf(target.parent_path() / PathOf(name));
 #ifndef _WIN32
   struct stat old;
   const bool replaces = stat(target_.c_str(), &old) == 0;
@@ -117,7 +119,7 @@ void OutputFile::OpenBesideTarget() {
 OutputFile::~OutputFile() {
   if (file_ != nullptr && file_ != stdout) std::fclose(file_);
   std::error_code error;
-  if (isNamed_) fs::remove(unfinished_, error);
+  if (isNamed_) fs::remove(PathOf(unfinished_), error);
 }
 
 void OutputFile::Close() {
@@ -137,7 +139,7 @@ void OutputFile::Close() {
   if (std::fclose(file) != 0) Fail();
   if (target_.empty()) return;
   std::error_code error;
-  fs::rename(unfinished_, target_, error);
+  fs::rename(PathOf(unfinished_), PathOf(target_), error);
   if (error) CannotWrite(path_, error.message());
   isNamed_ = false;
 }

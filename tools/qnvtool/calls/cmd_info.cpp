@@ -7,6 +7,7 @@
 #include <set>
 #include <unordered_map>
 
+#include "qnvtool/base/file_names.h"
 #include "qnvtool/calls/call_commands.h"
 #include "qnvtool/calls/call_input.h"
 #include "qnvtool/calls/call_options.h"
@@ -17,7 +18,7 @@ namespace {
 
 void PrintInfo(const std::string& path, const calls::CallFile& file) {
   std::error_code error;
-  const auto bytes = std::filesystem::file_size(path, error);
+  const auto bytes = std::filesystem::file_size(PathOf(path), error);
   uint64_t blobBytes = 0;
   for (uint32_t i = 1; i <= file.BlobCount(); ++i) blobBytes += file.Blob(i).bytes;
   fmt::print("{}: {} bytes, {} blocks, {} bytes uncompressed\n", path, error ? 0 : bytes, file.BlockCount(),

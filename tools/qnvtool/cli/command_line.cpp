@@ -5,6 +5,7 @@
 #include <CLI/Config.hpp>
 #include <CLI/Formatter.hpp>
 #include <cstdio>
+#include <filesystem>
 #include <fstream>
 #include <memory>
 #include <new>
@@ -127,6 +128,8 @@ int RunProgram(const Program& program, int argc, char** argv) {
     return complain(error.what(), error.code());
   } catch (const Interrupted& interrupted) {
     return EndBySignal(interrupted.signal);
+  } catch (const std::filesystem::filesystem_error& error) {  // a name in another encoding than the system's
+    return complain(error.what(), ExitCode::kBadInput);
   } catch (const std::bad_alloc&) {
     return complain("not enough memory", ExitCode::kBadInput);
   }

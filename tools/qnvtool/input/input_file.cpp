@@ -13,6 +13,7 @@
 #include <utility>
 #include <vector>
 
+#include "qnvtool/base/file_names.h"
 #include "qnvtool/base/interruption.h"
 #include "qnvtool/base/phase_times.h"
 #include "qnvtool/base/temporary_file.h"
@@ -173,7 +174,7 @@ Bytes InputFile::All(std::size_t limit, const char* what) const {
 
 Input OpenInput(const std::string& path) {
   std::error_code error;
-  if (std::filesystem::is_directory(path, error)) Unreadable(path, "is a folder, not a file");
+  if (std::filesystem::is_directory(PathOf(path), error)) Unreadable(path, "is a folder, not a file");
   const std::string name = DisplayName(path);
   OpenFile file = path == "-" ? OpenStdin() : OpenFile(std::fopen(path.c_str(), "rb"), std::fclose);
   if (file == nullptr) Unreadable(name, std::strerror(errno));

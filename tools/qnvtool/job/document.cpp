@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <utility>
 
+#include "qnvtool/base/file_names.h"
 #include "qnvtool/base/tool_error.h"
 #include "qnvtool/input/file_kind.h"
 #include "qnvtool/layout/figures.h"
@@ -91,7 +92,7 @@ FileType TypeOf(const InputFile& file) {
   if (kind.form == FileKind::Form::kForeign) {
     throw ToolError(ExitCode::kBadInput, ForeignFileMessage(file.name(), kind));
   }
-  std::string extension = std::filesystem::path(file.name()).extension().string();
+  std::string extension = FileNameOf(PathOf(file.name()).extension());
   for (char& c : extension) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
   return extension == ".fig" ? FileType::kFigures : FileType::kText;
 }
@@ -110,7 +111,7 @@ Input DocumentOpener::OpenFile(const std::string& path) {
   if (const auto found = kept_.find(path); found != kept_.end()) return found->second;
   Input file = OpenInput(path);
   std::error_code error;
-  if (path == "-" || !std::filesystem::is_regular_file(path, error)) kept_[path] = file;
+  if (path == "-" || !std::filesystem::is_regular_file(PathOf(path), error)) kept_[path] = file;
   return file;
 }
 
@@ -129,7 +130,7 @@ std::unique_ptr<Document> DocumentOpener::OpenFigures(const Input& file) {
 
 std::unique_ptr<Document> DocumentOpener::Open(const std::string& argument) {
   const Input file = OpenFile(argument);
-  const std::string name = std::filesystem::path(file->name()).filename().string();
+  const std::string name = FileNameOf(PathOf(file->name()).filename());
   switch (options_.type == FileType::kAuto ? TypeOf(*file) : options_.type) {
     case FileType::kPicture:
       return std::make_unique<PictureDocument>(OpenPictures(file, decoders_, NotesOf(file->name())), options_, setup_,

@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <utility>
 
+#include "qnvtool/base/file_names.h"
 #include "qnvtool/base/interruption.h"
 #include "qnvtool/base/progress.h"
 #include "qnvtool/base/tool_error.h"
@@ -21,7 +22,7 @@ std::vector<std::string> InputsOf(const PrintOptions& options) {
   std::vector<std::string> inputs = options.files;
   std::error_code error;
   for (const std::string& font : {options.bodyFont, options.headingFont, options.listingFont}) {
-    if (std::filesystem::exists(font, error)) inputs.push_back(font);  // else a name for fontconfig
+    if (std::filesystem::exists(PathOf(font), error)) inputs.push_back(font);  // else a name for fontconfig
   }
   if (!options.library.empty()) inputs.push_back(options.library);
   return inputs;

@@ -10,6 +10,7 @@
 #include <string_view>
 
 #include "qnvdrv10.h"
+#include "qnvtool/base/file_names.h"
 #include "qnvtool/base/tool_error.h"
 #include "qnvtool/base/utf8.h"
 #include "qnvtool/layout/figure_line.h"
@@ -137,7 +138,7 @@ class FigureSetter {
   // image: a file is read once, however often it is shown.
   void Image(const FigureLine& line) {
     line.Expect(5, {"rop"});
-    const std::string file = (std::filesystem::path(path_).parent_path() / line.Word(0, "FILE")).string();
+    const std::string file = FileNameOf(PathOf(path_).parent_path() / PathOf(line.Word(0, "FILE")));
     PicturePtr& image = images_[file];
     if (image == nullptr) image = openImage_(file);
     const bool freeWidth = line.Word(3, "W") == "-";

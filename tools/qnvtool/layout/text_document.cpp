@@ -7,6 +7,7 @@
 #include <cctype>
 #include <filesystem>
 
+#include "qnvtool/base/file_names.h"
 #include "qnvtool/base/tool_error.h"
 
 namespace qnv::tool {
@@ -14,7 +15,7 @@ namespace {
 
 bool IsVerbatim(const TextOptions& options, const std::string& path) {
   if (options.setting != TextOptions::Setting::kByName) return options.setting == TextOptions::Setting::kVerbatim;
-  std::string extension = std::filesystem::path(path).extension().string();
+  std::string extension = FileNameOf(PathOf(path).extension());
   for (char& c : extension) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
   return extension != ".txt" && extension != ".text" && extension != ".md" && extension != ".markdown";
 }
@@ -32,7 +33,7 @@ std::unique_ptr<TextDecoder> DecoderOf(const TextOptions& options) {
                                                       "UTF-32BE and ISO-8859-1"));
 }
 
-std::string FileName(const std::string& path) { return std::filesystem::path(path).filename().string(); }
+std::string FileName(const std::string& path) { return FileNameOf(PathOf(path).filename()); }
 
 }  // namespace
 

@@ -8,6 +8,7 @@
 #include <filesystem>
 #include <utility>
 
+#include "qnvtool/base/file_names.h"
 #include "qnvtool/base/phase_times.h"
 #include "qnvtool/base/tool_error.h"
 
@@ -17,7 +18,7 @@ namespace {
 // Whether a file is to be a PGM file, which is gray.
 bool NamesPgm(const std::string& path, const std::string& format) {
   if (!format.empty()) return format == "pgm";
-  std::string extension = std::filesystem::path(path).extension().string();
+  std::string extension = FileNameOf(PathOf(path).extension());
   for (char& c : extension) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
   return extension == ".pgm";
 }

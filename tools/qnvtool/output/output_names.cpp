@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <set>
 
+#include "qnvtool/base/file_names.h"
 #include "qnvtool/base/tool_error.h"
 #ifndef _WIN32
 #include <sys/stat.h>
@@ -20,7 +21,7 @@ namespace fs = std::filesystem;
 // Whether the path is a device, a pipe or the like.
 bool IsSpecial(const std::string& path) {
   std::error_code error;
-  const fs::file_status status = fs::status(path, error);
+  const fs::file_status status = fs::status(PathOf(path), error);
   return fs::exists(status) && !fs::is_regular_file(status) && !fs::is_directory(status);
 }
 
@@ -30,11 +31,11 @@ bool IsSpecial(const std::string& path) {
 std::string PathOfPage(const std::string& path, int page, int pages) {
   if (pages == 1 || path.empty() || path == "-" || IsSpecial(path)) return path;
   const auto digits = std::max<std::size_t>(2, fmt::format("{}", pages).size());
-  const fs::path whole(path);
+  const fs::path whole = PathOf(path);
   fs::path result = whole.parent_path() / whole.stem();
   result += fmt::format("-{:0{}}", page, digits);
   result += whole.extension();
-  return result.string();
+  return FileNameOf(result);
 }
 
 std::vector<PageNames> AllPageNames(const PageNames& wanted, int pages, const WholeJobFiles& whole) {
@@ -76,15 +77,15 @@ class FileClaims::FileSet {
   // The path in a form that is the same for all spellings of it.
   static std::string Resolved(const std::string& path) {
     std::error_code error;
-    fs::path result = fs::weakly_canonical(fs::absolute(path, error), error);
-    if (error) result = fs::path(path).lexically_normal();
+    fs::path result = fs::weakly_canonical(fs::absolute(PathOf(path), error), error);
+    if (error) result = PathOf(path).lexically_normal();
 #ifdef _WIN32
-    std::string text = result.string();  // names on Windows are not case-sensitive
+    std::string text = FileNameOf(result);  // names on Windows are not case-sensitive
     std::transform(text.begin(), text.end(), text.begin(),
                    [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
     return text;
 #else
-    return result.string();
+    return FileNameOf(result);
 #endif
   }
 

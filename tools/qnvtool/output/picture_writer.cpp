@@ -8,6 +8,7 @@
 #include <filesystem>
 #include <map>
 
+#include "qnvtool/base/file_names.h"
 #include "qnvtool/base/output_file.h"
 #include "qnvtool/base/tool_error.h"
 
@@ -67,7 +68,7 @@ PictureFormat FormatOf(const std::string& path, const std::string& name) {
   std::string wanted = name;
   if (wanted.empty()) {
     if (path == "-") return PictureFormat::kPnm;
-    const std::string extension = std::filesystem::path(path).extension().string();
+    const std::string extension = FileNameOf(PathOf(path).extension());
     for (const char c : extension.substr(extension.empty() ? 0 : 1)) {
       wanted += static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
     }

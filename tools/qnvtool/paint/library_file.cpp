@@ -5,6 +5,7 @@
 
 #include <filesystem>
 
+#include "qnvtool/base/file_names.h"
 #include "qnvtool/base/tool_error.h"
 
 #ifdef _WIN32
@@ -25,7 +26,7 @@ namespace {
 #ifdef _WIN32
 
 std::shared_ptr<void> OpenLibrary(const std::string& path) {
-  const HMODULE opened = LoadLibraryW(std::filesystem::absolute(path).c_str());
+  const HMODULE opened = LoadLibraryW(std::filesystem::absolute(PathOf(path)).c_str());
   if (opened == nullptr) CannotLoad(path, fmt::format("error {} of the system", GetLastError()));
   return {opened, [](void* library) { FreeLibrary(static_cast<HMODULE>(library)); }};
 }

@@ -6,13 +6,14 @@
 #include <filesystem>
 #include <type_traits>
 
+#include "qnvtool/base/file_names.h"
 #include "qnvtool/base/tool_error.h"
 #include "qnvtool/paint/library_file.h"
 
 namespace qnv::tool {
 Rasteriser LoadRasteriser(const std::string& path) {
   std::error_code error;
-  if (!std::filesystem::is_regular_file(path, error)) {
+  if (!std::filesystem::is_regular_file(PathOf(path), error)) {
     throw ToolError(ExitCode::kLibrary, fmt::format("{}: no such library file", path));
   }
   Rasteriser table{};

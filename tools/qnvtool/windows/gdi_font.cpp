@@ -10,6 +10,7 @@
 #include <string>
 #include <utility>
 
+#include "qnvtool/base/file_names.h"
 #include "qnvtool/base/tool_error.h"
 #include "qnvtool/text/plain_font.h"
 
@@ -40,7 +41,7 @@ std::string Narrow(const std::wstring& text) {
 
 FontWish ParseName(const std::string& name) {
   std::error_code error;
-  if (std::filesystem::is_regular_file(name, error)) {
+  if (std::filesystem::is_regular_file(PathOf(name), error)) {
     throw ToolError(ExitCode::kUsage, fmt::format("{}: this build takes the names of installed fonts, no files", name));
   }
   std::istringstream words(name);
