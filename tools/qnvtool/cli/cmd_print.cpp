@@ -124,6 +124,11 @@ Command PrintCommand(const PrintParts& parts) {
        .help = "Format of all pictures, whatever their names end in: png, ppm (color), pgm (gray), tiff, pdf (with "
                "invisible text, to be searched), pwg (PWG raster), urf (Apple raster), cups (CUPS raster)",
        .value = OneOf{&options.format, {std::begin(kFormatNames), std::end(kFormatNames)}}},
+      {.names = "--compression",
+       .placeholder = "N",
+       .help = "How PNG, TIFF and PDF files are compressed: 0 (not at all), 1 (fast) to 9 (small); the pixels are the "
+               "same. Default: fast, by a way that is chosen for each part of a page",
+       .value = WholeNumber{&options.compression, 0, kMaxCompression}},
       {.names = "--printer",
        .placeholder = "ADDRESS",
        .help = "Send the pages to a printer or a queue, ipp://HOST[:PORT]/PATH or ipps://..., instead of writing them. "

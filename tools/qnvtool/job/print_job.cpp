@@ -45,7 +45,8 @@ Paper OrientedPaper(const Paper& paper, PageOrientation orientation) {
 PrintJob::PrintJob(const PrintOptions& options, const PrintParts& parts, Workers& workers, NotePrinter& notes)
     : options_(options),
       workers_(workers),
-      output_({options.out, options.tags, options.overlay}, options.format, options.device, parts.output, workers) {
+      output_({options.out, options.tags, options.overlay}, options.format, options.device, parts.output,
+              options.compression, workers) {
   CheckEncoding(options.text);
   rasteriser_ = ChooseRasteriser(options.library, parts);
   imposition_.emplace(OrientedPaper(options.paper, options.orientation), options.device.pageDpi, options.marginMm,

@@ -30,6 +30,7 @@ struct PrintOptions {
   std::vector<std::string> files;
   std::string out;     // "-": standard output
   std::string format;  // of all pictures, one of kFormatNames; empty: as the names say
+  int compression = kDefaultCompression;
   bool keepGoing = false;
   FileType type = FileType::kAuto;
   Paper paper;

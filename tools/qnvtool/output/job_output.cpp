@@ -43,8 +43,8 @@ bool OutputParts::CanWrite(PictureFormat format) const {
 }
 
 JobOutput::JobOutput(const PageNames& wanted, const std::string& format, const DeviceChoice& device,
-                     const OutputParts& parts, Workers& workers)
-    : device_(device), parts_(parts), workers_(workers) {
+                     const OutputParts& parts, int compression, Workers& workers)
+    : device_(device), parts_(parts), compression_(compression), workers_(workers) {
   Choose(picture_, wanted.picture, format, device.isGray());
   for (const std::string& extra : {wanted.tags, wanted.overlay}) {
     if (extra.empty()) continue;
@@ -55,6 +55,16 @@ JobOutput::JobOutput(const PageNames& wanted, const std::string& format, const D
   }
   if (!wanted.tags.empty()) Choose(tags_, wanted.tags, format, true);
   if (!wanted.overlay.empty()) Choose(overlay_, wanted.overlay, format, false);
+  bool hasLevels = false;
+  for (const Kind* const kind : {&picture_, &tags_, &overlay_}) {
+    hasLevels = hasLevels || (!kind->wanted.empty() && HasCompressionLevels(kind->format));
+  }
+  if (compression != kDefaultCompression && !hasLevels) {
+    throw ToolError(ExitCode::kUsage, picture_.format == PictureFormat::kPnm
+                                          ? "--compression: PPM and PGM files are not compressed; PNG, TIFF and PDF are"
+                                          : "--compression: raster files have one way of compression, without levels; "
+                                            "PNG, TIFF and PDF files have them");
+  }
 }
 
 JobOutput::~JobOutput() = default;
@@ -98,7 +108,7 @@ void JobOutput::StartPage(const Page& page, int width, int height) {
   const PhaseTimer timer(Phase::kEncoding);
   using Pixels = PictureForm::Pixels;
   const PageNames& names = names_.at(next_++);
-  PictureForm form{width, height, device_.bandDpi, Pixels::kColor};
+  PictureForm form{width, height, device_.bandDpi, Pixels::kColor, compression_};
   if (device_.kind == DeviceChoice::Kind::kGray) form.pixels = Pixels::kGray;
   if (device_.kind == DeviceChoice::Kind::kScaledGray) form.pixels = Pixels::kGrayOf3;
   std::vector<PageWord> words;

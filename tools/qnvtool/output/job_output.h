@@ -28,10 +28,11 @@ struct OutputParts {
 
 class JobOutput {
  public:
-  // `format`: of all files; empty: as the names say. Everything named must outlive the object. Throws ToolError (usage)
-  // for names and formats that do not fit together.
+  // `format`: of all files; empty: as the names say. `compression`: level in the formats that have levels, or
+  // kDefaultCompression. Everything named must outlive the object. Throws ToolError (usage) for names, formats and
+  // levels that do not fit together.
   JobOutput(const PageNames& wanted, const std::string& format, const DeviceChoice& device, const OutputParts& parts,
-            Workers& workers);
+            int compression, Workers& workers);
   ~JobOutput();
   JobOutput(const JobOutput&) = delete;
   JobOutput& operator=(const JobOutput&) = delete;
@@ -63,6 +64,7 @@ class JobOutput {
 
   const DeviceChoice& device_;
   const OutputParts& parts_;
+  const int compression_;
   Workers& workers_;
   Kind picture_;
   Kind tags_;

@@ -8,6 +8,11 @@
 
 namespace qnv::tool {
 
+// Levels of compression are those of zlib: 0 stores, 1 is fast, 9 small. The default is chosen for each part of a
+// picture.
+inline constexpr int kDefaultCompression = -1;
+inline constexpr int kMaxCompression = 9;
+
 // The size of a picture and the form of its rows.
 struct PictureForm {
   enum class Pixels {
@@ -20,6 +25,7 @@ struct PictureForm {
   int height = 0;
   int dpi = 0;  // recorded in files whose format has a place for it
   Pixels pixels = Pixels::kColor;
+  int compression = kDefaultCompression;  // in files whose format has levels
 };
 
 // Colors of the tag legend, 0xRRGGBB: cells of opaque text, graphics and paper, images.
@@ -54,6 +60,11 @@ PictureFormat FormatOf(const std::string& path, const std::string& name);
 // Whether a file of this format holds all pages of a job; else each page is a file.
 constexpr bool HoldsAllPages(PictureFormat format) {
   return format != PictureFormat::kPng && format != PictureFormat::kPnm;
+}
+
+// Whether files of this format can be compressed more or less.
+constexpr bool HasCompressionLevels(PictureFormat format) {
+  return format == PictureFormat::kPng || format == PictureFormat::kTiff || format == PictureFormat::kPdf;
 }
 
 // A binary PPM (color) or PGM file (gray, tags). On standard output ("-") pictures may follow one another.

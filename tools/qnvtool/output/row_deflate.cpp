@@ -30,7 +30,7 @@ using Buffer = std::vector<uint8_t>;
 //     runs only    0.08  3511    0.02   427
 //
 // The filter leaves little but runs of zeros of a page of text. Hatches and patterns need matches at a distance.
-constexpr int kLevel = 4;
+constexpr int kLevel = 4;              // where the user chooses none
 constexpr std::size_t kSameShare = 2;  // runs only, when no more than one part in so many has changes
 
 constexpr std::size_t kBlock = std::size_t{512} * 1024;      // bytes of filtered rows; smaller ones compress worse
@@ -115,14 +115,16 @@ void Compress(const PictureForm& form, const RowSize& size, Block& block, bool l
   uint8_t* const filtered = block.filtered.data() + block.before * rowSize;
   block.size = block.count * rowSize;
   const std::size_t changes = FilterRows(form, size, block, block.before, block.before + block.count, filtered);
-  if (changes <= 1000 / kSameShare) {
+  const bool hasLevel = form.compression != kDefaultCompression;
+  if (!hasLevel && changes <= 1000 / kSameShare) {
     block.adler = DeflateRuns(filtered, block.size, last ? DeflateEnd::kStream : DeflateEnd::kByte, block.compressed);
     return;
   }
 
   z_stream& stream = block.stream;
   if (!block.hasStream) {
-    block.hasStream = deflateInit2(&stream, kLevel, Z_DEFLATED, -15, 8, Z_DEFAULT_STRATEGY) == Z_OK;
+    block.hasStream =
+        deflateInit2(&stream, hasLevel ? form.compression : kLevel, Z_DEFLATED, -15, 8, Z_DEFAULT_STRATEGY) == Z_OK;
     block.failed = !block.hasStream;
     if (block.failed) return;
   }

@@ -11,6 +11,7 @@
 
 namespace qnv::tool {
 
+// Without a level, parts that differ little from the rows above are written as runs only, others at a fast level.
 // The stream holds for each row a byte with the PNG filter "up", then the differences of the row's bytes, as ConvertRow
 // makes them, from those of the row above. It depends neither on the number of threads nor on how many rows are handed
 // over at a time.

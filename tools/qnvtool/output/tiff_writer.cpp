@@ -22,7 +22,7 @@ namespace {
 using Buffer = std::vector<uint8_t>;
 
 constexpr std::size_t kStripBytes = std::size_t{1} << 20;  // before compression
-constexpr int kDeflateLevel = 4;
+constexpr int kDeflateLevel = 4;                           // where the user chooses none
 
 // The file as libtiff sees it. Failures are kept, because exceptions must not pass through libtiff.
 struct TiffStream {
@@ -75,6 +75,7 @@ struct Strip {
   std::size_t rowSize = 0;
   std::size_t step = 1;  // bytes of a pixel
   bool predicted = true;
+  int level = kDeflateLevel;
 };
 
 // The zlib stream of a strip; empty when there is no memory.
@@ -90,7 +91,7 @@ Buffer Compress(Strip strip) {
   uLongf size = compressBound(static_cast<uLong>(strip.rows.size()));
   Buffer result(size);
   const int status =
-      compress2(result.data(), &size, strip.rows.data(), static_cast<uLong>(strip.rows.size()), kDeflateLevel);
+      compress2(result.data(), &size, strip.rows.data(), static_cast<uLong>(strip.rows.size()), strip.level);
   result.resize(status == Z_OK ? size : 0);
   return result;
 }
@@ -170,6 +171,7 @@ class TiffPicture final : public PictureWriter {
     strip_.step = color ? 3 : 1;
     strip_.rowSize = static_cast<std::size_t>(form.width) * strip_.step;
     strip_.predicted = form.pixels != PictureForm::Pixels::kTags;
+    if (form.compression != kDefaultCompression) strip_.level = form.compression;
     rowsOfStrip_ = std::max<std::size_t>(kStripBytes / strip_.rowSize, 1);
     TIFF* const tiff = document.tiff_;
     TIFFSetField(tiff, TIFFTAG_IMAGEWIDTH, static_cast<uint32_t>(form.width));
