@@ -21,6 +21,6 @@ set -x
 . ./commands
 { set +x; } 2>/dev/null
 
-for file in page-01.png page-02.png gray.pgm tags.png overlay.png image.png scaled.png; do
+for file in page-01.png page-02.png gray.pgm tags.png overlay.png image.png scaled.png each/photo.pdf each/sample.pdf; do
   [ -s "out/$file" ] || { echo "README.md's commands left no out/$file" >&2; exit 1; }
 done

@@ -126,18 +126,26 @@ void OutputFile::Close() {
   const PhaseTimer timer(Phase::kWriting);
   if (std::fflush(file_) != 0) Fail();
   if (file_ == stdout) return;
+  bool isDone = false;
 #ifndef _WIN32
   if (!target_.empty() && !isNamed_) {
     const std::string descriptor = fmt::format("/proc/self/fd/{}", fileno(file_));
-    unlink(unfinished_.c_str());  // left by a process of the same number
-    if (linkat(AT_FDCWD, descriptor.c_str(), AT_FDCWD, unfinished_.c_str(), AT_SYMLINK_FOLLOW) != 0) Fail();
-    isNamed_ = true;
+    const auto link = [&](const std::string& name) {
+      return linkat(AT_FDCWD, descriptor.c_str(), AT_FDCWD, name.c_str(), AT_SYMLINK_FOLLOW) == 0;
+    };
+    if (link(target_)) {
+      isDone = true;
+    } else {                        // only renaming replaces a file
+      unlink(unfinished_.c_str());  // left by a process of the same number
+      if (!link(unfinished_)) Fail();
+      isNamed_ = true;
+    }
   }
 #endif
   std::FILE* const file = file_;
   file_ = nullptr;
   if (std::fclose(file) != 0) Fail();
-  if (target_.empty()) return;
+  if (target_.empty() || isDone) return;
   std::error_code error;
   fs::rename(PathOf(unfinished_), PathOf(target_), error);
   if (error) CannotWrite(path_, error.message());

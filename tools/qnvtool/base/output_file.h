@@ -11,8 +11,9 @@ namespace qnv::tool {
 [[noreturn]] void CannotWrite(const std::string& path, const std::string& why);
 
 // A file that gets its name in Close(), when all of it is written. Until then an older file of that name stays as it
-// is, however the program ends. On Linux the new file has no name before, so that nothing is left behind; elsewhere a
-// killed program leaves a file named ".NAME.PROCESS.part". Devices and pipes are written directly. Where the path is a
+// is, however the program ends. On Linux the new file has no name before, so that nothing is left behind, except that a
+// program that is killed in the moment of replacing an older file, or anywhere on other systems, may leave a file named
+// ".NAME.PROCESS.part". Devices and pipes are written directly. Where the path is a
 // symbolic link, the file that it leads to is replaced. The path "-" means standard output, which must not be a
 // terminal and stays open.
 class OutputFile {

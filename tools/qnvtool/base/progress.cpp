@@ -17,8 +17,11 @@ constexpr const char* kEraseLine = "\r\033[K";
 
 Progress::Progress(bool enabled) : enabled_(enabled && isatty(STDERR_FILENO) != 0) {}
 
-Progress::~Progress() {
+Progress::~Progress() { Clear(); }
+
+void Progress::Clear() {
   if (shown_) std::fputs(kEraseLine, stderr);
+  shown_ = false;
 }
 
 // The line is erased and written again.

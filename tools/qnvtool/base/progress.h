@@ -18,6 +18,9 @@ class Progress {
   // second.
   void Show(double done, const std::string& label);
 
+  // Removes the bar, for other lines; Show draws it again.
+  void Clear();
+
  private:
   using Clock = std::chrono::steady_clock;
   const bool enabled_;

@@ -9,7 +9,10 @@
 
 #include "qnvtool/base/phase_times.h"
 #include "qnvtool/base/tool_error.h"
+#include "qnvtool/cli/manifest.h"
 #include "qnvtool/ipp/print_to.h"
+#include "qnvtool/job/each_file.h"
+#include "qnvtool/job/many_jobs.h"
 #include "qnvtool/job/print_job.h"
 #include "qnvtool/layout/figures.h"
 
@@ -36,6 +39,10 @@ struct PrintArguments {
   bool flow = false;
   bool verbatim = false;
   bool timing = false;
+  bool each = false;
+  std::string manifest;
+  std::string shard;
+  std::string report;
 };
 
 constexpr int kMaxJobs = 256;
@@ -53,13 +60,9 @@ const std::string kFooter = std::string(
                                 "a whole.\n\n") +
                             kFigureFormatHelp + "\n" + kExitCodesHelp;
 
-// Parses the remaining values and prints.
-void Run(PrintArguments& arguments, const PrintParts& parts) {
-  PrintOptions& options = arguments.options;
-  PrinterOptions& printer = arguments.printer;
-  if (options.out.empty() && printer.address.empty()) {
-    throw ToolError(ExitCode::kUsage, "--out is required, or --printer");
-  }
+// Parses the values that are still to be parsed.
+PrintOptions OptionsOf(const PrintArguments& arguments, const PrintParts& parts) {
+  PrintOptions options = arguments.options;
   options.paper = ParsePaper(arguments.paper.empty() ? "a4" : arguments.paper);
   options.device = ParseDevice(arguments.device.empty() ? "color" : arguments.device, arguments.dpi);
   if (!arguments.scale.empty()) options.pictures.scale = ParseScale(arguments.scale);
@@ -80,45 +83,81 @@ void Run(PrintArguments& arguments, const PrintParts& parts) {
                          : arguments.verbatim ? TextOptions::Setting::kVerbatim
                                               : TextOptions::Setting::kByName;
   options.text.openDecoder = parts.openDecoder;
-  if (printer.address.empty()) {
-    Print(options, parts);
+  return options;
+}
+
+std::vector<Option> PrintOptionList(PrintArguments* arguments);
+
+// Prints every job by itself.
+void RunMany(const PrintArguments& arguments, const PrintParts& parts) {
+  RunOptions run{.threads = arguments.options.jobs,
+                 .keepGoing = arguments.options.keepGoing,
+                 .quiet = arguments.options.quiet,
+                 .report = arguments.report,
+                 .inputs = {},
+                 .newFolder = {}};
+  // A copy of the arguments takes the values of one job after the other.
+  PrintArguments one = arguments;
+  const std::vector<Option> options = PrintOptionList(&one);
+  const JobReader reader{options, [&] { one = arguments; }, [&] { return OptionsOf(one, parts); }};
+  if (!arguments.each) {
+    if (arguments.manifest != "-") run.inputs.push_back(arguments.manifest);
+    return PrintMany(ReadManifest(arguments.manifest, ParseShard(arguments.shard), reader), run, parts);
+  }
+  PrintMany(JobsOfFiles(OptionsOf(arguments, parts), DescribeValues(options), run.newFolder), run, parts);
+}
+
+void Run(const PrintArguments& arguments, const PrintParts& parts) {
+  const bool many = arguments.each || !arguments.manifest.empty();
+  const PrinterOptions& asked = arguments.printer;
+  const auto refuse = [](bool condition, const char* message) {
+    if (condition) throw ToolError(ExitCode::kUsage, message);
+  };
+  refuse(!arguments.manifest.empty() && !arguments.options.files.empty(),
+         "--manifest names the files to print; the command line cannot name further ones");
+  refuse(!arguments.manifest.empty() && !arguments.options.out.empty(),
+         "--manifest names the outputs; the command line cannot give --out");
+  refuse(arguments.manifest.empty() && arguments.options.files.empty(), "files is required");
+  refuse(!many && !arguments.report.empty(), "--report needs --manifest or --each");
+  refuse(arguments.manifest.empty() && !arguments.shard.empty(), "--shard needs --manifest");
+  refuse(many && !asked.address.empty(), "--printer takes one job; --each and --manifest write files");
+  refuse(arguments.manifest.empty() && arguments.options.out.empty() && asked.address.empty(),
+         "--out is required, or --printer");
+  if (many) {
+    RunMany(arguments, parts);
+  } else if (asked.address.empty()) {
+    Print(OptionsOf(arguments, parts), parts);
   } else {
+    PrinterOptions printer = asked;
     printer.deviceName = arguments.device;
     printer.dpi = arguments.dpi;
     printer.hasPaper = !arguments.paper.empty();
     printer.wait = !arguments.noWait;
-    PrintTo(printer, options, parts);
+    PrintTo(printer, OptionsOf(arguments, parts), parts);
   }
   if (arguments.timing) fmt::print(stderr, "qnvtool: {}\n", DescribePhases());
 }
 
-}  // namespace
-
-Command PrintCommand(const PrintParts& parts) {
-  auto arguments = std::make_shared<PrintArguments>();
+std::vector<Option> PrintOptionList(PrintArguments* arguments) {
   PrintOptions& options = arguments->options;
   const std::string page = "Page";
   const std::string text = "Text";
   const std::string device = "Device";
-  Command command{.name = "print",
-                  .summary = "Print pictures, text and figure files to pictures of pages",
-                  .footer = kFooter,
-                  .options = {},
-                  .run = [arguments, parts] { Run(*arguments, parts); }};
-  command.options = {
+  return {
       {.names = "files",
        .placeholder = "FILE",
-       .help = "Files to print, '-' being standard input",
+       .help = "Files to print, '-' being standard input; required without --manifest",
        .value = Words{&options.files},
-       .required = true,
-       .fileTypes = "*"},
+       .fileTypes = "*",
+       .ofRun = true},
       {.names = "-o,--out",
        .placeholder = "OUT",
        .help = "The pages: OUT.tiff, OUT.pdf, and the raster files OUT.pwg, OUT.urf and OUT.ras hold all of them; of "
                "OUT.png, OUT.ppm or OUT.pgm there is one for each page, OUT-01.png, OUT-02.png and so on, where there "
                "are several. '-' writes to standard output, PPM or PGM unless --format says otherwise",
        .value = Text{&options.out},
-       .fileTypes = kFormatEndings},
+       .fileTypes = kFormatEndings,
+       .ofRun = true},
       {.names = "--format",
        .placeholder = "FORMAT",
        .help = "Format of all pictures, whatever their names end in: png, ppm (color), pgm (gray), tiff, pdf (with "
@@ -136,34 +175,71 @@ Command PrintCommand(const PrintParts& parts) {
                "unless options choose among them. Ctrl-C cancels the job",
        .value = Text{&arguments->printer.address},
        .excludes = "--out",
-       .completions = "ipp:// ipps://"},
+       .completions = "ipp:// ipps://",
+       .ofRun = true},
       {.names = "--no-wait",
        .placeholder = "",
        .help = "Do not wait until the printer has printed the job",
-       .value = Flag{&arguments->noWait}},
+       .value = Flag{&arguments->noWait},
+       .ofRun = true},
       {.names = "--timing",
        .placeholder = "",
        .help =
            "Say on standard error where the time went: reading, layout, rasterising, encoding, writing, each added up "
            "over all threads, and how long it took",
-       .value = Flag{&arguments->timing}},
+       .value = Flag{&arguments->timing},
+       .ofRun = true},
+      {.names = "--each",
+       .placeholder = "",
+       .help = "Print every file by itself. OUT is a folder, such as out/, which is made when it is missing and takes "
+               "NAME.FORMAT for each file (--format is needed), or holds {name}, {file} (the name with its ending), "
+               "{folder} or {number}. A table of the files ends the run",
+       .value = Flag{&arguments->each},
+       .ofRun = true},
+      {.names = "--manifest",
+       .placeholder = "JOBS.jsonl",
+       .help = "Print the jobs that the lines of this file name, each a JSON object with input (a file or an array of "
+               "files), output, and other options of this command by their long names; '-' is standard input. Options "
+               "of the command line count for all jobs that do not give them",
+       .value = Text{&arguments->manifest},
+       .excludes = "--each",
+       .fileTypes = "jsonl|json",
+       .ofRun = true},
+      {.names = "--shard",
+       .placeholder = "K/N",
+       .help = "Of the manifest, print line K and every Nth line after it, so that N machines share the work",
+       .value = Text{&arguments->shard},
+       .ofRun = true},
+      {.names = "--report",
+       .placeholder = "FILE",
+       .help = "With --each or --manifest: add a line of JSON for each job that ended, and leave out those that the "
+               "file says are done while inputs, options and outputs are the same",
+       .value = Text{&arguments->report},
+       .fileTypes = "jsonl|json",
+       .ofRun = true},
       {.names = "--keep-going",
        .placeholder = "",
        .help = "Report files that cannot be used, print the others, and end with exit code 2; without it nothing is "
                "printed then",
-       .value = Flag{&options.keepGoing}},
+       .value = Flag{&options.keepGoing},
+       .ofRun = true},
       {.names = "--jobs",
        .placeholder = "N",
        .help =
            "Threads that paint and compress at the same time, 1 to 256 (default: one for each core). What is written "
            "does not depend on it",
-       .value = WholeNumber{&options.jobs, 1, kMaxJobs}},
+       .value = WholeNumber{&options.jobs, 1, kMaxJobs},
+       .ofRun = true},
       {.names = "--type",
        .placeholder = "TYPE",
        .help = "What the files are: auto (pictures by their content, figures by their name, else text), picture, text, "
                "fig",
        .value = OneOf{&arguments->type, {"auto", "picture", "text", "fig"}}},
-      {.names = "-q,--quiet", .placeholder = "", .help = "No progress bar and no notes", .value = Flag{&options.quiet}},
+      {.names = "-q,--quiet",
+       .placeholder = "",
+       .help = "No progress bar, no notes and no table",
+       .value = Flag{&options.quiet},
+       .ofRun = true},
 
       {.names = "--paper",
        .placeholder = "SIZE",
@@ -320,7 +396,17 @@ Command PrintCommand(const PrintParts& parts) {
        .group = device,
        .fileTypes = "png|ppm"},
   };
-  return command;
+}
+
+}  // namespace
+
+Command PrintCommand(const PrintParts& parts) {
+  auto arguments = std::make_shared<PrintArguments>();
+  return {.name = "print",
+          .summary = "Print pictures, text and figure files to pictures of pages",
+          .footer = kFooter,
+          .options = PrintOptionList(arguments.get()),
+          .run = [arguments, parts] { Run(*arguments, parts); }};
 }
 
 }  // namespace qnv::tool

@@ -44,6 +44,7 @@ struct Option {
   std::string excludes = {};     // names of options of the same command, described earlier
   std::string completions = {};  // for Text: words that complete it, separated by spaces
   std::string fileTypes = {};    // for Text: extensions of files that complete it, "png|ppm"; "*": any file
+  bool ofRun = false;            // concerns a run of many jobs as a whole, so that a manifest may not set it for one
 };
 
 // A command, such as "print".

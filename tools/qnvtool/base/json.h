@@ -1,0 +1,31 @@
+// JSON values, as manifests and reports of jobs hold them.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace qnv::tool {
+
+struct JsonValue {
+  enum class Kind { kNull, kFalse, kTrue, kNumber, kString, kArray, kObject };
+  Kind kind = Kind::kNull;
+  std::string text;                                        // UTF-8; of a number as it is written
+  std::vector<JsonValue> items;                            // of an array
+  std::vector<std::pair<std::string, JsonValue>> members;  // of an object, each name once
+
+  bool isString() const { return kind == Kind::kString; }
+  // The member of this name; null where there is none.
+  const JsonValue* Find(std::string_view name) const;
+};
+
+// Parses one value, which must be all that the text holds. On a mistake returns nothing and says in `error` what is
+// wrong and at which byte, counted from 1.
+std::optional<JsonValue> ParseJson(std::string_view text, std::string& error);
+
+// A string in quotes. Bytes that are no UTF-8 stay as they are.
+std::string JsonText(std::string_view text);
+
+}  // namespace qnv::tool
