@@ -25,6 +25,7 @@ check_packages=(
   fonts-lohit-deva fonts-droid-fallback
   poppler-utils qpdf libtiff-tools pngcheck
   cups-ipp-utils dbus-daemon cups-daemon cups-core-drivers cups-client cups-filters
+  parallel openssh-client openssh-server
 )
 
 case $mode in
