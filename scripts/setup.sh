@@ -3,8 +3,8 @@
 #
 #   scripts/setup.sh demo      what ./demo needs
 #   scripts/setup.sh check     also what ./check needs: 32-bit, Windows and ARM compilers, test framework, package tools,
-#                              formatter, linter, analyzer, fuzzer, compiler cache, fonts of other scripts (the
-#                              default)
+#                              formatter, linter, analyzer, fuzzer, compiler cache, fonts of other scripts, Chromium
+#                              and Node.js (the default)
 set -euo pipefail
 
 mode=${1:-check}
@@ -26,7 +26,12 @@ check_packages=(
   poppler-utils qpdf libtiff-tools pngcheck
   cups-ipp-utils dbus-daemon cups-daemon cups-core-drivers cups-client cups-filters
   parallel openssh-client openssh-server
+  chromium
 )
+# The page of the inspector is built and tested with any Node.js from 18.15 on.
+if ! command -v node >/dev/null || ! command -v npm >/dev/null; then
+  check_packages+=(nodejs npm)
+fi
 
 case $mode in
   demo) wanted=("${demo_packages[@]}") ;;

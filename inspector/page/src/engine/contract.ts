@@ -42,7 +42,7 @@ export interface Summary {
   notes: [string, string][];
   devices: Device[];
   pages: Page[];
-  mistakes: { number: number; wrong: string; advice: string }[];
+  mistakes: { number: number; wrong: string; advice: string; count?: number }[];
   totalNs: number;
   truncated: string; // a sentence when the file was not closed, else empty
 }
@@ -109,6 +109,8 @@ export interface CallAnswer {
   band: number;
   ns: number;
   result: number | string;
+  made?: boolean; // false: left out by the replay
+  differs?: boolean; // the replay gave another result or another band than was recorded
   line: string;
   arguments: Argument[];
   findings: Finding[];
@@ -120,6 +122,7 @@ export interface Painter {
   call: number;
   value: number[];
   tag: number | null;
+  tagBefore?: number | null;
   before: number[];
   line: string;
 }
@@ -131,7 +134,7 @@ export interface PixelAnswer {
 
 export interface HeatAnswer {
   max: number;
-  values: string; // base64 of columns x rows floats
+  values: string; // base64 of columns x rows floats: ns of a cell, or how often its pixels were written
 }
 
 export interface CostsAnswer {

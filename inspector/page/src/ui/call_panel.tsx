@@ -2,7 +2,7 @@
 import { Fragment } from 'preact';
 import type { Argument, CallAnswer, Finding } from '../engine/contract';
 import { revealRect, showPageEdge, step } from '../model/actions';
-import { formatCount, formatTime } from '../model/format';
+import { formatCount, formatTime, sentence } from '../model/format';
 import { activeFile, useApp } from '../model/state';
 import { EnginePicture } from './engine_picture';
 
@@ -20,8 +20,8 @@ function Findings({ findings }: { findings: Finding[] }) {
               </>
             )}
           </b>
-          <p>{finding.wrong}</p>
-          <p class="advice">{finding.advice}</p>
+          <p>{sentence(finding.wrong)}</p>
+          <p class="advice">{sentence(finding.advice)}</p>
         </div>
       ))}
     </>
@@ -177,6 +177,10 @@ export function CallPanel() {
               <dd>{page ? `${page.page + 1}, ${shown.band + 1} of ${page.bands.length}` : '–'}</dd>
             </div>
           </dl>
+          {shown.made === false && <p class="notice notice-warn">The replay leaves this call out.</p>}
+          {shown.differs && (
+            <p class="notice notice-bad">The replay gives another result, or another band, than was recorded.</p>
+          )}
           <Findings findings={shown.findings} />
           <section class="part">
             <h3>Arguments</h3>

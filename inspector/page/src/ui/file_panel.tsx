@@ -1,7 +1,7 @@
 // What the file holds: where it comes from, its devices and pages, and what its host did wrong.
 import { kDiffers, kHasFindings } from '../engine/contract';
 import { setFilter, showPage } from '../model/actions';
-import { describeDevice, formatCount, formatTime } from '../model/format';
+import { describeDevice, formatCount, formatTime, sentence } from '../model/format';
 import { activeFile, useApp } from '../model/state';
 import { useMemo } from 'preact/hooks';
 
@@ -19,12 +19,13 @@ export function FilePanel() {
   }, [file]);
   if (!file) return null;
   const { summary } = file;
+  const found = summary.mistakes.filter(({ count = 0 }) => count > 0);
   return (
     <div class="file-panel">
       <header class="call-head">
         <h2 class="file-name">{file.name}</h2>
       </header>
-      {summary.truncated !== '' && <p class="notice notice-warn">{summary.truncated}</p>}
+      {summary.truncated !== '' && <p class="notice notice-warn">{sentence(summary.truncated)}</p>}
       {counts.differs > 0 && (
         <p class="notice notice-bad">
           {formatCount(counts.differs)} {counts.differs === 1 ? 'call gives' : 'calls give'} another result here than was
@@ -55,15 +56,17 @@ export function FilePanel() {
       </dl>
       <section class="part">
         <h3>Findings</h3>
-        {summary.mistakes.length === 0 ? (
+        {counts.findings === 0 ? (
           <p class="muted">The checker found nothing wrong.</p>
         ) : (
           <>
-            {summary.mistakes.map((mistake) => (
+            {found.map((mistake) => (
               <div key={mistake.number} class="finding">
-                <b>Mistake {mistake.number}</b>
-                <p>{mistake.wrong}</p>
-                <p class="advice">{mistake.advice}</p>
+                <b>
+                  Mistake {mistake.number}, {formatCount(mistake.count ?? 0)} {mistake.count === 1 ? 'time' : 'times'}
+                </b>
+                <p>{sentence(mistake.wrong)}</p>
+                <p class="advice">{sentence(mistake.advice)}</p>
               </div>
             ))}
             <button type="button" onClick={() => setFilter({ findings: true })}>

@@ -14,12 +14,12 @@ export function Legend() {
   const map = heatMap(file, page, heat);
   const text = (share: number) => {
     const value = heatValue(heat, share, map?.max ?? 0);
-    if (heat === 'time') return formatTime(value);
+    if (heat === 'time') return value < 10 ? `${Number(value.toPrecision(2))} ns` : formatTime(value);
     return `${Number(value.toPrecision(2))}×`;
   };
   return (
     <aside class="legend" aria-label="Heat map legend">
-      <h2>{heat === 'time' ? 'Time of the calls, by place' : 'How often pixels were written'}</h2>
+      <h2>{heat === 'time' ? 'Time of the calls, for each pixel' : 'How often pixels were written'}</h2>
       <div class="legend-bar" style={{ background: heatGradient }} />
       <div class="legend-scale">
         {map ? [0, 0.5, 1].map((share) => <span key={share}>{text(share)}</span>) : <span>computing…</span>}

@@ -28,7 +28,14 @@ function Entry({ painter, isNow }: { painter: Painter; isNow: boolean }) {
         <span class="painter-head">
           <span class="row-number">{painter.call}</span>
           <b>{name}</b>
-          {painter.tag !== null && <span class="chip">tag {painter.tag}</span>}
+          {painter.tag !== null && (
+            <span class="chip">
+              tag{' '}
+              {painter.tagBefore !== undefined && painter.tagBefore !== null && painter.tagBefore !== painter.tag
+                ? `${painter.tagBefore} → ${painter.tag}`
+                : painter.tag}
+            </span>
+          )}
         </span>
         <span class="painter-values">
           <Value bytes={painter.before} /> <span class="muted">→</span> <Value bytes={painter.value} />

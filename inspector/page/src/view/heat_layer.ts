@@ -37,9 +37,12 @@ export function heatMap(file: OpenFile, page: Page, what: Heat): HeatMap | null 
   const rows = Math.max(1, Math.ceil(page.height / cell));
   engine
     .ask<HeatAnswer>(file.number, { q: 'heat', page: page.page, what, columns, rows })
-    .then(({ max, values }) => {
+    .then((answer) => {
+      // Time is shown a pixel, so that it does not depend on the size of the cells.
+      const values = decodeFloats(answer.values).map((value) => (what === 'time' ? value / (cell * cell) : value));
+      const max = values.reduce((most, value) => Math.max(most, value), 0);
       const canvas = new OffscreenCanvas(columns, rows);
-      const pixels = heatPixels(what, decodeFloats(values), max);
+      const pixels = heatPixels(what, values, max);
       canvas.getContext('2d')?.putImageData(new ImageData(pixels, columns, rows), 0, 0);
       entry.map = { what, max, canvas };
     })
