@@ -1,6 +1,6 @@
 // The page's side of the engine: a queue of requests to the worker. Requests wait here, not in the worker, so that one
 // that is no longer wanted (its signal is aborted) costs nothing.
-import type { DrawQuestion, Engine, Pixels, Question } from './contract';
+import { Abandoned, type DrawQuestion, type Engine, type Pixels, type Question } from './contract';
 import type { Job, Request, Response, Result } from './messages';
 import EngineWorker from './worker?worker&inline';
 
@@ -13,12 +13,6 @@ interface Waiting {
   signal: AbortSignal | undefined;
   resolve: (result: Result) => void;
   reject: (error: Error) => void;
-}
-
-export class Abandoned extends Error {
-  constructor() {
-    super('no longer wanted');
-  }
 }
 
 export class WorkerEngine implements Engine {

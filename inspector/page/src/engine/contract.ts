@@ -189,6 +189,13 @@ export const kHasFindings = 2;
 export const kSkipped = 4;
 export const kDiffers = 8;
 
+// What a request fails with whose signal was aborted before it was sent.
+export class Abandoned extends Error {
+  constructor() {
+    super('no longer wanted');
+  }
+}
+
 // What the page asks. The real one runs in a worker (client.ts).
 export interface Engine {
   // The number of the file. Fails with a sentence for people.

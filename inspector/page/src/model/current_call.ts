@@ -1,6 +1,5 @@
 // Asks about the current call whenever it is another one, for the panel and for the outline on the picture.
-import { Abandoned } from '../engine/client';
-import type { CallAnswer } from '../engine/contract';
+import { Abandoned, type CallAnswer } from '../engine/contract';
 import { engine } from './actions';
 import { sentence } from './format';
 import { activeFile, store } from './state';

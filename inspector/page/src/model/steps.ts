@@ -39,6 +39,20 @@ export function nextStop(
   return null;
 }
 
+// Functions that tell or prepare something and leave every band as it is.
+const kQuietFunctions = ['QNVGetDeviceInfo', 'QNVColorInfo', 'QNVRealizeObject'];
+
+// The last call up to `call` after which a page may look different than before; -1 when there is none.
+export function lastPainting(columns: Columns, call: number): number {
+  const isQuiet = (at: number) => {
+    const name = columns.functions[columns.function[at] ?? 0] ?? '';
+    return ((columns.flags[at] ?? 0) & kDraws) === 0 && kQuietFunctions.includes(name);
+  };
+  let at = call;
+  while (at >= 0 && isQuiet(at)) at--;
+  return at;
+}
+
 // The index of `call` in ascending `calls`, or of the first one after it.
 export function indexOfCall(calls: Uint32Array, call: number): number {
   let low = 0;

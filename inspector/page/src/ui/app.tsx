@@ -24,6 +24,7 @@ function ErrorLine() {
 
 export function App() {
   const isOpen = useApp((state) => state.files.length > 0);
+  const hasTwo = useApp((state) => state.files.length === 2);
   return (
     <div
       class="app"
@@ -37,7 +38,7 @@ export function App() {
       <ErrorLine />
       {isOpen ? (
         <>
-          <main class="main">
+          <main class="main" data-two={hasTwo}>
             <CallList />
             <PageView />
             <SidePanel />

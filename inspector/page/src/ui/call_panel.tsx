@@ -1,10 +1,13 @@
 // Everything about the current call: arguments, what it changed, what the checker found, its pictures.
 import { Fragment } from 'preact';
+import { useState } from 'preact/hooks';
 import type { Argument, CallAnswer, Finding } from '../engine/contract';
 import { revealRect, showPageEdge, step } from '../model/actions';
 import { formatCount, formatTime, sentence } from '../model/format';
 import { activeFile, useApp } from '../model/state';
 import { EnginePicture } from './engine_picture';
+
+const kLongText = 600; // characters
 
 function Findings({ findings }: { findings: Finding[] }) {
   return (
@@ -31,18 +34,34 @@ function Findings({ findings }: { findings: Finding[] }) {
 const Color = ({ color }: { color: string | undefined }) =>
   color ? <i class="swatch" style={{ background: color }} title={color} /> : null;
 
+// Strings and lists may be long; the rest of them is a click away.
+function Value({ text }: { text: string }) {
+  const [isWhole, setWhole] = useState(false);
+  const isLong = text.length > kLongText + 60;
+  return (
+    <>
+      <span class="value">{isLong && !isWhole ? `${text.slice(0, kLongText)}…` : text}</span>
+      {isLong && (
+        <button type="button" class="link" onClick={() => setWhole(!isWhole)}>
+          {isWhole ? 'Less' : `All ${formatCount(text.length)} characters`}
+        </button>
+      )}
+    </>
+  );
+}
+
 function ArgumentRows({ argument, answer, file }: { argument: Argument; answer: CallAnswer; file: number }) {
   const picture = answer.pictures.find(({ id }) => id === argument.picture);
   return (
     <>
       <tr>
-        <th scope="row">
+        <th scope="row" title={argument.type}>
           {argument.name}
-          <span class="type">{argument.type}</span>
+          {argument.type.includes('*') && <span class="type">{argument.type}</span>}
         </th>
         <td>
           <Color color={argument.color} />
-          <span class="value">{argument.text}</span>
+          <Value text={argument.text} />
           {argument.formula && <div class="formula">{argument.formula}</div>}
           {argument.flags && argument.flags.length > 0 && (
             <div class="chips">
@@ -211,7 +230,9 @@ export function CallPanel() {
           <Changed answer={shown} file={file.number} />
           <section class="part">
             <h3>As text</h3>
-            <p class="whole-line">{shown.line}</p>
+            <p class="whole-line">
+              <Value key={shown.call} text={shown.line} />
+            </p>
           </section>
         </>
       )}

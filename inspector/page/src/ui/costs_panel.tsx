@@ -1,7 +1,6 @@
 // Where the time goes: by function, and the slowest calls.
 import { useEffect, useState } from 'preact/hooks';
-import { Abandoned } from '../engine/client';
-import type { CostsAnswer } from '../engine/contract';
+import { Abandoned, type CostsAnswer } from '../engine/contract';
 import { engine, showCall } from '../model/actions';
 import { formatCount, formatTime, sentence, shortFunction } from '../model/format';
 import { activeFile, useApp } from '../model/state';

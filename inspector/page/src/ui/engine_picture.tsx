@@ -1,8 +1,7 @@
 // A picture that the engine makes for a call: a brush, a source, glyphs, or what the call changed. Small ones are
 // enlarged by whole numbers.
 import { useEffect, useRef, useState } from 'preact/hooks';
-import { Abandoned } from '../engine/client';
-import type { DrawQuestion } from '../engine/contract';
+import { Abandoned, type DrawQuestion } from '../engine/contract';
 import { engine } from '../model/actions';
 import { sentence } from '../model/format';
 

@@ -1,6 +1,5 @@
 // The pixel under the pointer, or where the arrow keys have moved to, and what it holds after the current call.
-import { Abandoned } from '../engine/client';
-import type { PixelAnswer } from '../engine/contract';
+import { Abandoned, type PixelAnswer } from '../engine/contract';
 import { engine } from '../model/actions';
 import { type OpenFile } from '../model/state';
 import { Store } from '../model/store';

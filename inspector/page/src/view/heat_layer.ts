@@ -1,6 +1,5 @@
 // The heat map of a page, asked for once and kept until another page or file is shown.
-import { Abandoned } from '../engine/client';
-import type { HeatAnswer, Page } from '../engine/contract';
+import { Abandoned, type HeatAnswer, type Page } from '../engine/contract';
 import { engine, fail } from '../model/actions';
 import { decodeFloats } from '../model/columns';
 import { sentence } from '../model/format';

@@ -1,13 +1,14 @@
-// One picture of a page: what is to be painted, from state and tiles, and what pointer and keys do on it.
-import type { Page, Rect } from '../engine/contract';
+// One picture of a page: what is to be painted, from state and regions, and what pointer and keys do on it.
+import type { Device, Page, Rect } from '../engine/contract';
 import { differences, engine, fail, setFilterRect, showPixel } from '../model/actions';
 import { sentence } from '../model/format';
 import { type Camera, type OpenFile, type State, store } from '../model/state';
+import { lastPainting } from '../model/steps';
 import { type Size, centered, fit, keepInSight, nextScale, show, zoomAt } from './camera';
 import { cursor, moveCursor } from './cursor';
 import { heatArrivals, heatMap } from './heat_layer';
 import { type Colors, Painting, kRuler, readColors } from './painting';
-import { type Tile, type TilePlace, Tiles, kTileSize } from './tiles';
+import { type Region, Regions, partInSight } from './regions';
 
 const kClickDistance = 4; // CSS pixels; a longer way is a drag
 const kMaxDifferences = 1000;
@@ -23,7 +24,8 @@ function callOf(state: State, file: OpenFile, page: Page | undefined): number {
 
 export class PageCanvas {
   private readonly context: CanvasRenderingContext2D;
-  private readonly tiles: Tiles;
+  private readonly colorRegions: Regions;
+  private readonly tagRegions: Regions;
   private view: Size = { width: 0, height: 0 };
   private density = 1;
   private colors: Colors;
@@ -39,11 +41,10 @@ export class PageCanvas {
   ) {
     this.context = canvas.getContext('2d') as CanvasRenderingContext2D;
     this.colors = readColors(canvas);
-    this.tiles = new Tiles(
-      engine,
-      () => this.plan(),
-      (message) => fail(sentence(message)),
-    );
+    const arrived = () => this.plan();
+    const failed = (message: string) => fail(sentence(message));
+    this.colorRegions = new Regions(engine, 'color', arrived, failed);
+    this.tagRegions = new Regions(engine, 'tags', arrived, failed);
     const resize = new ResizeObserver(() => this.resize());
     resize.observe(canvas);
     const onState = () => {
@@ -51,8 +52,7 @@ export class PageCanvas {
       // Not painted until the next frame.
       if (store.state.call !== this.seen.call || store.state.page !== this.seen.page) this.exact = false;
       this.seen = store.state;
-      const file = this.file();
-      if (file) this.tiles.keepOnly(file.number, this.call());
+      this.request(); // at once, not only with the next frame
       this.plan();
     };
     const dark = matchMedia('(prefers-color-scheme: dark)');
@@ -154,40 +154,25 @@ export class PageCanvas {
     this.frame = requestAnimationFrame(() => this.paint());
   }
 
-  // The tiles in sight, right ones or older ones, coarser ones where there are none. Says whether all are right.
-  private forTiles(page: Page, plane: 'color' | 'tags', draw: (tile: Tile) => void): boolean {
+  private request(): void {
+    const page = this.page();
+    if (!page || this.view.width === 0) return;
+    this.forRegions(this.colorRegions, page, () => undefined);
+    if (store.state.tags && this.device(page)?.hasTags) this.forRegions(this.tagRegions, page, () => undefined);
+  }
+
+  private device(page: Page): Device | undefined {
+    return this.file()?.summary.devices.find(({ number }) => number === page.device);
+  }
+
+  // Draws what is in sight of a plane, or what was, and says whether it is right.
+  private forRegions(regions: Regions, page: Page, draw: (region: Region) => void): boolean {
     const file = this.file();
-    if (!file) return true;
-    const camera = this.camera();
-    const call = this.call();
-    const deepest = Math.ceil(Math.log2(Math.max(page.width, page.height) / kTileSize));
-    const wanted = Math.floor(Math.log2(1 / (camera.scale * this.density)) + 0.01);
-    const level = Math.max(0, Math.min(Math.max(0, deepest), wanted));
-    const place = { file: file.number, page: page.page, plane };
-    const whole: TilePlace = { ...place, level: Math.max(0, deepest), column: 0, row: 0 };
-    let exact = true;
-    const span = kTileSize * 2 ** level;
-    const first = (from: number, start: number) => Math.max(0, Math.floor((from - start) / span));
-    const last = (to: number, start: number, size: number) =>
-      Math.min(Math.ceil(size / span) - 1, Math.floor((to - start) / span));
-    const rows: TilePlace[] = [];
-    for (let row = first(camera.y, page.top); row <= last(camera.y + this.view.height / camera.scale, page.top, page.height); row++) {
-      for (let column = first(camera.x, page.left); column <= last(camera.x + this.view.width / camera.scale, page.left, page.width); column++) {
-        rows.push({ ...place, level, column, row });
-      }
-    }
-    const found = rows.map((tilePlace) => {
-      const tile = this.tiles.get(tilePlace, call, page);
-      if (!tile) exact = false;
-      return tile ?? this.tiles.stale(tilePlace);
-    });
-    // The coarsest tile shows all of the page; it is drawn below what is missing.
-    if (found.some((tile) => !tile) && level < whole.level) {
-      const coarse = this.tiles.get(whole, call, page) ?? this.tiles.stale(whole);
-      if (coarse) draw(coarse);
-    }
-    for (const tile of found) if (tile) draw(tile);
-    return exact;
+    const part = partInSight(this.camera(), page, this.view, this.density);
+    if (!file || !part) return true;
+    const region = regions.get(file.number, page.page, lastPainting(file.columns, this.call()), part);
+    for (const one of region ? [region] : regions.before()) draw(one);
+    return region !== undefined;
   }
 
   private paint(): void {
@@ -202,18 +187,18 @@ export class PageCanvas {
       return;
     }
     painting.clear(page);
-    const colorTiles: Tile[] = [];
-    let exact = this.forTiles(page, 'color', (tile) => {
-      painting.tile(tile);
-      colorTiles.push(tile);
+    let region: Region | undefined;
+    let exact = this.forRegions(this.colorRegions, page, (one) => {
+      painting.region(one);
+      region = one;
     });
-    const device = file.summary.devices.find(({ number }) => number === page.device);
+    const device = this.device(page);
     if (state.tags && device?.hasTags) {
-      exact = this.forTiles(page, 'tags', (tile) => painting.tile(tile, state.tagOpacity)) && exact;
+      exact = this.forRegions(this.tagRegions, page, (one) => painting.region(one, state.tagOpacity)) && exact;
     }
     const heat = heatMap(file, page, state.heat);
     if (heat) painting.image(heat.canvas, page.left, page.top, page.width, page.height, 0.75);
-    for (const tile of colorTiles) painting.bytes(tile, page, device?.kind === 'plain8');
+    if (region) painting.bytes(region, page, device?.kind === 'plain8');
     if (state.grid) painting.grid(page);
     if (state.grid) painting.bandEdges(page.bands.slice(1).map((band) => band.top), page);
     this.paintMarks(painting, state, file, page);

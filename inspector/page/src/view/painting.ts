@@ -1,8 +1,8 @@
-// Draws one view of a page onto its canvas: tiles, overlays, grid, rulers and marks, from plain values.
+// Draws one view of a page onto its canvas: regions, overlays, grid, rulers and marks, from plain values.
 import type { Rect } from '../engine/contract';
 import type { Camera } from '../model/state';
 import { type PageBox, type Size, kBytesScale, kGridScale, rulerStep } from './camera';
-import type { Tile } from './tiles';
+import type { Region } from './regions';
 
 export const kRuler = 20; // CSS pixels, at the left and at the top
 
@@ -80,8 +80,8 @@ export class Painting {
     context.globalAlpha = 1;
   }
 
-  tile(tile: Tile, opacity = 1): void {
-    this.image(tile.canvas, tile.left, tile.top, tile.width, tile.height, opacity);
+  region(region: Region, opacity = 1): void {
+    this.image(region.canvas, region.left, region.top, region.width, region.height, opacity);
   }
 
   private box(rect: Rect, draw: (x: number, y: number, width: number, height: number) => void): void {
@@ -150,21 +150,21 @@ export class Painting {
     context.stroke();
   }
 
-  // The bytes of every pixel of the tile in band byte order, where there is room for them.
-  bytes(tile: Tile, page: PageBox, isGray: boolean): void {
-    if (this.camera.scale < kBytesScale || tile.width !== tile.canvas.width) return;
+  // The bytes of every pixel of the region in band byte order, where there is room for them.
+  bytes(region: Region, page: PageBox, isGray: boolean): void {
+    if (this.camera.scale < kBytesScale || region.width !== region.canvas.width) return;
     const { context, density, camera } = this;
     const visible = this.visible(page);
     context.font = `${12 * density}px ui-monospace, monospace`;
     context.textAlign = 'center';
     context.textBaseline = 'middle';
-    const right = Math.min(visible[2], tile.left + tile.width);
-    const bottom = Math.min(visible[3], tile.top + tile.height);
+    const right = Math.min(visible[2], region.left + region.width);
+    const bottom = Math.min(visible[3], region.top + region.height);
     const middle = (camera.scale * density) / 2;
-    for (let y = Math.max(visible[1], tile.top); y < bottom; y++) {
-      for (let x = Math.max(visible[0], tile.left); x < right; x++) {
-        const at = ((y - tile.top) * tile.width + (x - tile.left)) * 4;
-        const [red = 0, green = 0, blue = 0, alpha = 0] = tile.data.subarray(at, at + 4);
+    for (let y = Math.max(visible[1], region.top); y < bottom; y++) {
+      for (let x = Math.max(visible[0], region.left); x < right; x++) {
+        const at = ((y - region.top) * region.width + (x - region.left)) * 4;
+        const [red = 0, green = 0, blue = 0, alpha = 0] = region.data.subarray(at, at + 4);
         if (alpha === 0) continue;
         context.fillStyle = red * 0.299 + green * 0.587 + blue * 0.114 > 140 ? '#000' : '#fff';
         (isGray ? [blue] : [blue, green, red]).forEach((value, index, all) => {
@@ -202,7 +202,7 @@ export class Painting {
     context.rect(ruler, 0, width, ruler);
     context.clip();
     context.beginPath();
-    for (let x = Math.ceil((page.left - step) / step) * step; x <= page.left + page.width; x += step) {
+    for (let x = Math.ceil(page.left / step) * step; x <= page.left + page.width; x += step) {
       const at = this.x(x) + 0.5;
       if (at < -100 || at > width) continue;
       context.moveTo(at, ruler * 0.55);
@@ -216,7 +216,7 @@ export class Painting {
     context.rect(0, ruler, ruler, height);
     context.clip();
     context.beginPath();
-    for (let y = Math.ceil((page.top - step) / step) * step; y <= page.top + page.height; y += step) {
+    for (let y = Math.ceil(page.top / step) * step; y <= page.top + page.height; y += step) {
       const at = this.y(y) + 0.5;
       if (at < -100 || at > height + 100) continue;
       context.moveTo(ruler * 0.55, at);

@@ -4,14 +4,14 @@ import { test } from 'node:test';
 import { kDiffers, kDraws, kHasFindings } from '../../src/engine/contract';
 import { decodeCalls, decodeColumns, decodeFloats } from '../../src/model/columns';
 import { LineCache, argumentsOf, runsOf } from '../../src/model/lines';
-import { indexOfCall, nextStop } from '../../src/model/steps';
+import { indexOfCall, lastPainting, nextStop } from '../../src/model/steps';
 import { StandIn } from '../support/stand_in';
 
 const base64 = (array: { buffer: ArrayBufferLike }) => Buffer.from(array.buffer).toString('base64');
 
 // Calls 0 and 1 on no page, 2 to 4 in band 0, 5 and 6 in band 1 of page 0, 7 on page 1.
 const columns = decodeColumns({
-  functions: ['QNVEnable', 'QNVDisable'],
+  functions: ['QNVColorInfo', 'QNVControl'],
   function: base64(new Uint8Array([0, 0, 1, 1, 1, 1, 1, 1])),
   device: base64(new Uint16Array([0, 0, 1, 1, 1, 1, 1, 300])),
   page: base64(new Int16Array([-1, -1, 0, 0, 0, 0, 0, 1])),
@@ -57,6 +57,10 @@ test('steps stop at the next call of the kind', () => {
 test('steps stay within the calls of a page', () => {
   assert.equal(nextStop(columns, 6, 1, 'drawing', 2, 6), null);
   assert.equal(nextStop(columns, 2, -1, 'call', 2, 6), null);
+});
+
+test('calls that paint nothing do not make another picture', () => {
+  assert.deepEqual([0, 1, 2].map((call) => lastPainting(columns, call)), [-1, -1, 2]);
 });
 
 test('a call is found among others, or the one after it', () => {
