@@ -4,12 +4,12 @@
 #include <chrono>
 #include <cstdint>
 #include <functional>
-#include <map>
 #include <memory>
 #include <string>
 #include <vector>
 
 #include "calls/call_file.h"
+#include "calls/call_placer.h"
 #include "calls/device_shape.h"
 #include "calls/invoke.h"
 #include "calls/memory_reads.h"
@@ -33,6 +33,7 @@ struct PlayOptions {
   bool compare = true;                              // results, outputs, and the checksums that the file has
   bool stopAtFirst = true;                          // at the first difference
   uint64_t maxPlaneBytes = uint64_t{1} << 30;       // files that ask for larger bands are refused
+  uint64_t maxAllBytes = UINT64_MAX;                // of all devices at a time
   std::function<bool(std::size_t call)> keep = {};  // calls for which it is false are not made
   std::size_t end = SIZE_MAX;                       // calls from here on are not made
 };
@@ -78,44 +79,18 @@ class Player {
   void SetContents(uint32_t number, const PlayedDevice& from);
 
  private:
-  struct Region {
-    int64_t first = 0;
-    std::vector<uint8_t> memory;
-    bool tooLarge = false;
-  };
-  // A call with its arguments in place. The handle is filled in when it is made.
-  struct Prepared {
-    std::size_t call;
-    const FileItem* item;
-    StoredCall stored;
-    Slots slots;
-    SourceBitmap source;
-    LogicalBrush brush;
-    bool skipped;
-  };
-
-  bool Prepare(const FileItem& item, std::size_t call, Prepared* prepared, std::string* error);
-  bool PlacePointer(const StoredPointer& pointer, uintptr_t* slot, Limit* limit);
-  bool PlaceArgument(std::size_t index, Prepared* prepared, Limit* limits, Limit* nestedRecord, Limit* nestedBits,
-                     uint8_t* scratch);
-  const Region* RegionOf(uint32_t image);
-  const Bytes* RowsOf(const StoredPointer& pointer);
+  bool Prepare(const FileItem& item, std::size_t call, PlacedCall* prepared, std::string* error);
   bool FindBandSizes(uint64_t maxPlaneBytes, std::string* error);
-  void Follow(const StoredCall& call, const Slots& slots);
-  bool Compare(const Prepared& prepared, uintptr_t result, std::string* what);
+  bool Compare(const PlacedCall& prepared, uintptr_t result, std::string* what);
   bool CompareBands(const StoredCall& call, bool before, std::string* what, PlayReport* report) const;
   void End();
 
   const CallFile& file_;
   const Functions functions_;
+  CallPlacer placer_;
   std::vector<PlayedDevice> devices_;  // by number; 0 is not used
   std::vector<DeviceShape> shapes_;    // the same, as the calls that are prepared leave them
   std::vector<uint64_t> bandBytes_, tagBytes_;
-  std::map<uint32_t, Region> regions_;  // by root image
-  std::map<std::pair<std::pair<uint32_t, int64_t>, std::pair<uint64_t, uint64_t>>, Bytes> rows_;
-  uint8_t output_[sizeof(PhysicalBrush)];
-  DRAWMODE textMode_;
-  uint16_t badHandle_ = 0;
 };
 
 }  // namespace qnv::calls

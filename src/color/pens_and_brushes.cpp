@@ -2,6 +2,8 @@
 // hatches and patterns.
 #include "color/pens_and_brushes.h"
 
+#include <cstddef>
+
 #include "color/color_forms.h"
 #include "color/hatch_table.h"
 

@@ -3,11 +3,11 @@
 
 #include <memory>
 
+#include "calls/describe_call.h"
 #include "qnvtool/base/tool_error.h"
 #include "qnvtool/calls/call_commands.h"
 #include "qnvtool/calls/call_input.h"
 #include "qnvtool/calls/call_options.h"
-#include "qnvtool/calls/describe_call.h"
 
 namespace qnv::tool {
 namespace {
@@ -46,7 +46,7 @@ std::string DifferenceOf(const calls::CallFile& a, const calls::StoredCall& x, c
     return fmt::format("{} and {}", entry.name, calls::EntryPointOf(y.function).name);
   }
   const auto inWords = [&](const calls::CallFile& file, const calls::StoredCall& call, std::size_t i) {
-    return DescribeArguments(file, call)[i].text;
+    return calls::DescribeArguments(file, call)[i].text;
   };
   for (std::size_t i = 0; i < entry.argumentCount; ++i) {
     if (x.arguments[i].number == y.arguments[i].number &&

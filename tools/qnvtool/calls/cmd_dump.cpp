@@ -6,11 +6,11 @@
 #include <cstdio>
 #include <memory>
 
+#include "calls/describe_call.h"
 #include "qnvtool/base/tool_error.h"
 #include "qnvtool/calls/call_commands.h"
 #include "qnvtool/calls/call_input.h"
 #include "qnvtool/calls/call_options.h"
-#include "qnvtool/calls/describe_call.h"
 
 namespace qnv::tool {
 namespace {
@@ -31,11 +31,11 @@ bool Holds(const std::string& text, const std::string& part) {
   return Lower(text).find(Lower(part)) != std::string::npos;
 }
 
-bool IsWanted(const DumpArguments& a, const calls::StoredCall& call, const std::vector<DescribedField>& fields) {
+bool IsWanted(const DumpArguments& a, const calls::StoredCall& call, const std::vector<calls::DescribedField>& fields) {
   if (a.device != 0 && call.Device() != static_cast<uint32_t>(a.device)) return false;
   if (!a.call.empty() && !Holds(calls::EntryPointOf(call.function).name, a.call)) return false;
   const auto anyField = [&](const std::string& name, const std::string& part) {
-    return std::any_of(fields.begin(), fields.end(), [&](const DescribedField& field) {
+    return std::any_of(fields.begin(), fields.end(), [&](const calls::DescribedField& field) {
       return (name.empty() || field.name == name) && Holds(field.text, part);
     });
   };
@@ -43,31 +43,17 @@ bool IsWanted(const DumpArguments& a, const calls::StoredCall& call, const std::
   return a.color.empty() || anyField("", a.color);
 }
 
-void PrintText(std::size_t number, const calls::StoredCall& call, const std::vector<DescribedField>& fields) {
-  const calls::EntryPoint& entry = calls::EntryPointOf(call.function);
-  std::string line = fmt::format("{} {}(", number, entry.name);
-  bool first = true;
-  for (const DescribedField& field : fields) {
-    line += fmt::format("{}{}={}", first ? "" : ", ", field.name, field.text);
-    first = false;
-  }
-  line += ")";
-  if (entry.result == calls::Result::kHandle) {
-    line += call.result == 0 ? " = refused" : fmt::format(" = device {}", call.result);
-  } else if (entry.result == calls::Result::kSigned) {
-    line += fmt::format(" = {}", static_cast<int32_t>(call.result));
-  } else if (entry.result != calls::Result::kNothing) {
-    line += fmt::format(" = 0x{:X}", call.result);
-  }
-  fmt::print("{} [{} ns]\n", line, call.nanoseconds);
+void PrintText(std::size_t number, const calls::StoredCall& call, const std::vector<calls::DescribedField>& fields) {
+  fmt::print("{}\n", calls::DescribeCall(number, call, fields));
 }
 
-void PrintJson(std::size_t number, const calls::StoredCall& call, const std::vector<DescribedField>& fields) {
+void PrintJson(std::size_t number, const calls::StoredCall& call, const std::vector<calls::DescribedField>& fields) {
   const calls::EntryPoint& entry = calls::EntryPointOf(call.function);
   std::string line =
-      fmt::format("{{\"call\":{},\"function\":{},\"thread\":{}", number, JsonText(entry.name), call.thread);
-  for (const DescribedField& field : fields) {
-    line += fmt::format(",{}:{}", JsonText(field.name), field.isNumber ? field.text : JsonText(field.text));
+      fmt::format("{{\"call\":{},\"function\":{},\"thread\":{}", number, calls::JsonText(entry.name), call.thread);
+  for (const calls::DescribedField& field : fields) {
+    line +=
+        fmt::format(",{}:{}", calls::JsonText(field.name), field.isNumber ? field.text : calls::JsonText(field.text));
   }
   fmt::print("{},\"returned\":{},\"ns\":{}}}\n", line, call.result, call.nanoseconds);
 }
@@ -115,7 +101,7 @@ Command DumpCommand() {
     for (std::size_t i = std::max(from, file.FirstCall()); i < file.EndCall(); ++i) {
       if (shown == arguments->count) break;
       file.DecodeCall(file.CallItem(i), &call);
-      const auto fields = DescribeArguments(file, call);
+      const auto fields = calls::DescribeArguments(file, call);
       if (!IsWanted(*arguments, call, fields)) continue;
       ++shown;
       (arguments->json ? PrintJson : PrintText)(i, call, fields);

@@ -7,11 +7,11 @@
 #include <set>
 #include <unordered_map>
 
+#include "calls/describe_call.h"
 #include "qnvtool/base/file_names.h"
 #include "qnvtool/calls/call_commands.h"
 #include "qnvtool/calls/call_input.h"
 #include "qnvtool/calls/call_options.h"
-#include "qnvtool/calls/describe_call.h"
 
 namespace qnv::tool {
 namespace {
@@ -45,7 +45,7 @@ void PrintInfo(const std::string& path, const calls::CallFile& file) {
     kind.nanoseconds += call.nanoseconds;
     threads.insert(call.thread);
     if (call.function == calls::Function::kEnable && call.result != 0) {
-      descriptions[call.result] = DescribeArguments(file, call)[0].text +
+      descriptions[call.result] = calls::DescribeArguments(file, call)[0].text +
                                   (call.arguments[3].pointer.tag != calls::PointerTag::kNull ? ", tag plane" : "");
     }
     if (const uint32_t device = call.Device(); device != 0) {
@@ -53,7 +53,7 @@ void PrintInfo(const std::string& path, const calls::CallFile& file) {
       if ((call.flags & calls::kHasBandBefore) != 0) ++bands[device];
       // Equal arguments are equal text.
       std::string arguments;
-      for (const DescribedField& field : DescribeArguments(file, call)) arguments += field.text + ",";
+      for (const calls::DescribedField& field : calls::DescribeArguments(file, call)) arguments += field.text + ",";
       for (std::size_t j = 0; j < calls::EntryPointOf(call.function).argumentCount; ++j) {
         arguments += fmt::format("{},", call.arguments[j].pointer.number);
       }

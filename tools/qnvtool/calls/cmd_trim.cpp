@@ -9,6 +9,7 @@
 #include "calls/call_capture.h"
 #include "calls/hash.h"
 #include "calls/player.h"
+#include "calls/state_calls.h"
 #include "qnvtool/base/tool_error.h"
 #include "qnvtool/calls/call_commands.h"
 #include "qnvtool/calls/call_input.h"
@@ -30,7 +31,7 @@ class CallList {
  public:
   explicit CallList(const calls::CallFile& file) : draws_(file.CallCount()), keep_(file.CallCount()) {
     calls::StoredCall call;
-    std::map<uint32_t, std::size_t> lastMode;
+    std::map<uint32_t, calls::StateCalls> states;
     for (std::size_t i = 0; i < file.CallCount(); ++i) {
       file.DecodeCall(file.CallItem(i), &call);
       const calls::EntryPoint& entry = calls::EntryPointOf(call.function);
@@ -38,18 +39,11 @@ class CallList {
       // Devices, bands and origins stay; records are stored with the calls that use them.
       keep_[i] = call.function == calls::Function::kEnable || call.function == calls::Function::kDisable ||
                  call.function == calls::Function::kControl;
-      if (!entry.draws) continue;
-      const uint32_t device = call.Device();
-      for (std::size_t a = 0; a < entry.argumentCount; ++a) {
-        if (entry.arguments[a].memory != calls::Memory::kDrawMode) continue;
-        const bool paintsPattern = call.function == calls::Function::kDevBitBlt ||
-                                   call.function == calls::Function::kOutput ||
-                                   call.function == calls::Function::kStretchDIBits;
-        if (call.arguments[a].pointer.tag != calls::PointerTag::kNull) {
-          if (paintsPattern) lastMode[device] = i;
-        } else if (const auto found = lastMode.find(device); paintsPattern && found != lastMode.end()) {
-          patternOf_[i] = found->second;
-        }
+      if (call.function == calls::Function::kEnable) {
+        states.emplace(call.result, calls::StateCalls(call.arguments[3].pointer.tag != calls::PointerTag::kNull));
+      } else if (const auto state = states.find(call.Device()); state != states.end()) {
+        if (calls::StateCalls::TakesEarlierPattern(call)) patternOf_[i] = state->second.PatternCalls();
+        state->second.After(i, call);
       }
     }
   }
@@ -57,11 +51,12 @@ class CallList {
   bool Draws(std::size_t call) const { return draws_[call]; }
   bool IsKept(std::size_t call) const { return keep_[call]; }
   std::size_t size() const { return keep_.size(); }
-  // Keeps a call, and the one whose pattern it paints with.
+  // Keeps a call, and those whose pattern it paints with.
   void Keep(std::size_t call) {
     keep_[call] = true;
     const auto found = patternOf_.find(call);
-    if (found != patternOf_.end()) Keep(found->second);
+    if (found == patternOf_.end()) return;
+    for (const std::size_t earlier : found->second) keep_[earlier] = true;
   }
   std::size_t DrawCount() const {
     std::size_t count = 0;
@@ -71,7 +66,7 @@ class CallList {
 
  private:
   std::vector<bool> draws_, keep_;
-  std::map<std::size_t, std::size_t> patternOf_;
+  std::map<std::size_t, std::vector<std::size_t>> patternOf_;
 };
 
 void Require(const calls::PlayReport& report, const std::string& path) {

@@ -1,17 +1,11 @@
 // Turns stored calls into text.
-#include "qnvtool/calls/describe_call.h"
-
-#include <fmt/core.h>
+#include "calls/describe_call.h"
 
 #include "calls/memory_reads.h"
+#include "calls/text.h"
 
-namespace qnv::tool {
+namespace qnv::calls {
 namespace {
-
-using calls::BlobView;
-using calls::Memory;
-using calls::PointerTag;
-using calls::ReadAs;
 
 struct NamedCode {
   uint32_t code;
@@ -41,7 +35,7 @@ std::string SpanStyleName(uint32_t style) {
     case OS_NIBBLE_DELTAS: return "OS_NIBBLE_DELTAS";
     case OS_BEGINNSCAN: return "OS_BEGINNSCAN";
     case OS_ENDNSCAN: return "OS_ENDNSCAN";
-    default: return fmt::format("{}", style);
+    default: return Text(style);
   }
 }
 
@@ -50,7 +44,7 @@ std::string EscapeName(uint32_t code) {
     case QNV_SET_ORIGIN: return "QNV_SET_ORIGIN";
     case QNV_SET_BAND_RECT: return "QNV_SET_BAND_RECT";
     case QNV_CLEAR_BAND: return "QNV_CLEAR_BAND";
-    default: return fmt::format("0x{:X}", code);
+    default: return Text("0x", Hex{code});
   }
 }
 
@@ -59,22 +53,22 @@ std::string TextOptionNames(uint32_t options) {
   if ((options & ETO_OPAQUE) != 0) names += "ETO_OPAQUE";
   if ((options & ETO_CLIPPED) != 0) names += names.empty() ? "ETO_CLIPPED" : "|ETO_CLIPPED";
   const uint32_t others = options & 0xFFFF & ~uint32_t{ETO_OPAQUE | ETO_CLIPPED};
-  if (names.empty() || others != 0) names += fmt::format("{}0x{:X}", names.empty() ? "" : "|", others);
+  if (names.empty() || others != 0) names += Text(names.empty() ? "0x" : "|0x", Hex{others});
   return names;
 }
 
-std::string Color(uint32_t color) { return fmt::format("0x{:06X}", color); }
+std::string Color(uint32_t color) { return Text("0x", Hex{color, 6}); }
 
 const char* const kHatchNames[] = {"HS_HORIZONTAL", "HS_VERTICAL", "HS_FDIAGONAL",
                                    "HS_BDIAGONAL",  "HS_CROSS",    "HS_DIAGCROSS"};
 const char* const kBrushStyles[] = {"solid", "hollow", "hatched", "pattern"};
 
 std::string DescribeBitmap(const BlobView& blob) {
-  if (blob.bytes < sizeof(calls::SourceFields)) return "cut off";
-  calls::SourceFields fields;
+  if (blob.bytes < sizeof(SourceFields)) return "cut off";
+  SourceFields fields;
   std::memcpy(&fields, blob.data, sizeof fields);
-  return fmt::format("{} x {}, {} bits, {} bytes a row", fields.width, fields.height, fields.planes * fields.bitsPixel,
-                     fields.widthBytes);
+  return Text(fields.width, " x ", fields.height, ", ", fields.planes * fields.bitsPixel, " bits, ", fields.widthBytes,
+              " bytes a row");
 }
 
 // The record in a blob of at least `bytes`; null when it is shorter.
@@ -87,26 +81,25 @@ std::string DescribeRecord(Memory memory, const BlobView& blob) {
       if ((record = RecordOf(blob, sizeof(BandRect))) == nullptr) break;
       {
         const auto r = ReadAs<BandRect>(record);
-        return fmt::format("({}, {}, {}, {})", r.left, r.top, r.right, r.bottom);
+        return Text("(", r.left, ", ", r.top, ", ", r.right, ", ", r.bottom, ")");
       }
     case Memory::kDescription:
       if ((record = RecordOf(blob, sizeof(DeviceDescription))) == nullptr) break;
       {
         const auto d = ReadAs<DeviceDescription>(record);
-        return fmt::format("kind {}, {} bits, {} x {} at {}/{} dpi", uint16_t{d.kind}, uint16_t{d.bitsPerPixel},
-                           uint32_t{d.width}, uint32_t{d.height}, uint16_t{d.resolutionA}, uint16_t{d.resolutionB});
+        return Text("kind ", d.kind, ", ", d.bitsPerPixel, " bits, ", d.width, " x ", d.height, " at ", d.resolutionA,
+                    "/", d.resolutionB, " dpi");
       }
     case Memory::kDrawMode:
     case Memory::kTextDrawMode:
       if ((record = RecordOf(blob, sizeof(DRAWMODE))) == nullptr) break;
       {
         const auto m = ReadAs<DRAWMODE>(record);
-        std::string text =
-            fmt::format("{}, {}, text {}, background {}", Rop2Name(m.Rop2),
-                        m.bkMode == OPAQUE ? "opaque" : "transparent", Color(m.TextColor), Color(m.bkColor));
+        std::string text = Text(Rop2Name(m.Rop2), m.bkMode == OPAQUE ? ", opaque" : ", transparent", ", text ",
+                                Color(m.TextColor), ", background ", Color(m.bkColor));
         if (m.TBreakExtra != 0 || m.BreakCount != 0 || m.CharacterExtra != 0) {
-          text += fmt::format(", extra {} over {} breaks (error {}), {} a character", int16_t{m.TBreakExtra},
-                              int16_t{m.BreakCount}, int16_t{m.BreakErr}, int16_t{m.CharacterExtra});
+          text += Text(", extra ", m.TBreakExtra, " over ", m.BreakCount, " breaks (error ", m.BreakErr, "), ",
+                       m.CharacterExtra, " a character");
         }
         return text;
       }
@@ -114,36 +107,36 @@ std::string DescribeRecord(Memory memory, const BlobView& blob) {
       if ((record = RecordOf(blob, sizeof(PhysicalPen))) == nullptr) break;
       {
         const auto p = ReadAs<PhysicalPen>(record);
-        return fmt::format("{} {}", p.style == PS_NULL ? "null" : "solid", Color(p.colour));
+        return Text(p.style == PS_NULL ? "null " : "solid ", Color(p.colour));
       }
     case Memory::kBrush:
-      if ((record = RecordOf(blob, calls::kSolidBrushBytes)) == nullptr) break;
+      if ((record = RecordOf(blob, kSolidBrushBytes)) == nullptr) break;
       {
         const auto style = ReadAs<uint16_t>(record), hatch = ReadAs<uint16_t>(record + 2);
         const auto depth = ReadAs<uint16_t>(record + 4);
-        std::string text = style <= BS_PATTERN ? kBrushStyles[style] : fmt::format("style {}", style);
-        if (style == BS_HATCHED) text += fmt::format(" {}", hatch < 6 ? kHatchNames[hatch] : "unknown");
-        if (style == BS_PATTERN) text += fmt::format(" of {} bits", depth);
+        std::string text = style <= BS_PATTERN ? kBrushStyles[style] : Text("style ", style);
+        if (style == BS_HATCHED) text += Text(" ", hatch < 6 ? kHatchNames[hatch] : "unknown");
+        if (style == BS_PATTERN) text += Text(" of ", depth, " bits");
         return text + " " + Color(ReadAs<uint32_t>(record + 8));
       }
     case Memory::kDibHeader:
       if ((record = RecordOf(blob, sizeof(BITMAPINFOHEADER))) == nullptr) break;
       {
         const auto h = ReadAs<BITMAPINFOHEADER>(record);
-        return fmt::format("{} x {}, {} bits, compression {}, {} colors", int32_t{h.biWidth}, int32_t{h.biHeight},
-                           uint16_t{h.biBitCount}, uint32_t{h.biCompression}, uint32_t{h.biClrUsed});
+        return Text(h.biWidth, " x ", h.biHeight, ", ", h.biBitCount, " bits, compression ", h.biCompression, ", ",
+                    h.biClrUsed, " colors");
       }
     case Memory::kEscapeData:
       if (blob.bytes == sizeof(DrawingOrigin)) {
         const auto o = ReadAs<DrawingOrigin>(blob.data);
-        return fmt::format("({}, {})", o.x, o.y);
+        return Text("(", o.x, ", ", o.y, ")");
       }
       if (blob.bytes == sizeof(BandRect)) return DescribeRecord(Memory::kRect, blob);
       break;
     case Memory::kLogicalObject:
       if (blob.bytes == sizeof(LogicalPen)) {
         const auto p = ReadAs<LogicalPen>(blob.data);
-        return fmt::format("pen of style {}, {}", uint16_t{p.style}, Color(p.colour));
+        return Text("pen of style ", p.style, ", ", Color(p.colour));
       }
       break;
     case Memory::kString: {
@@ -151,28 +144,28 @@ std::string DescribeRecord(Memory memory, const BlobView& blob) {
       for (std::size_t i = 0; i < blob.bytes; ++i) {
         const uint8_t c = blob.data[i];
         text += c >= 0x20 && c < 0x7F && c != '"' && c != '\\' ? std::string(1, static_cast<char>(c))
-                                                               : fmt::format("\\x{:02X}", c);
+                                                               : Text("\\x", Hex{c, 2});
       }
       return text + "\"";
     }
     default: break;
   }
-  return fmt::format("{} bytes", blob.bytes);
+  return Text(blob.bytes, " bytes");
 }
 
-std::string DescribeLogicalBrush(const calls::CallFile& file, const calls::StoredArgument& argument) {
+std::string DescribeLogicalBrush(const CallFile& file, const StoredArgument& argument) {
   const BlobView& blob = file.Blob(argument.record);
   if (blob.bytes != 12) return "cut off";
-  const auto style = calls::GetLittle<uint16_t>(blob.data), hatch = calls::GetLittle<uint16_t>(blob.data + 6);
-  std::string text = style <= BS_PATTERN ? kBrushStyles[style] : fmt::format("style {}", style);
+  const auto style = GetLittle<uint16_t>(blob.data), hatch = GetLittle<uint16_t>(blob.data + 6);
+  std::string text = style <= BS_PATTERN ? kBrushStyles[style] : Text("style ", style);
   if (argument.isNestedRecord) return text + " " + DescribeBitmap(file.Blob(argument.nestedRecord));
-  text += " " + Color(calls::GetLittle<uint32_t>(blob.data + 2));
-  if (style == BS_HATCHED) text += fmt::format(" {}", hatch < 6 ? kHatchNames[hatch] : "unknown");
+  text += " " + Color(GetLittle<uint32_t>(blob.data + 2));
+  if (style == BS_HATCHED) text += Text(" ", hatch < 6 ? kHatchNames[hatch] : "unknown");
   return text;
 }
 
-std::string DescribePointer(const calls::CallFile& file, Memory memory, const calls::StoredArgument& argument) {
-  const calls::StoredPointer& pointer = argument.pointer;
+std::string DescribePointer(const CallFile& file, Memory memory, const StoredArgument& argument) {
+  const StoredPointer& pointer = argument.pointer;
   if (argument.isRecord) {
     return memory == Memory::kSource ? DescribeBitmap(file.Blob(argument.record))
                                      : DescribeLogicalBrush(file, argument);
@@ -182,14 +175,23 @@ std::string DescribePointer(const calls::CallFile& file, Memory memory, const ca
     case PointerTag::kUnread:
       return memory == Memory::kBand || memory == Memory::kTagPlane ? "memory of the host" : "given";
     case PointerTag::kBlob: return DescribeRecord(memory, file.Blob(pointer.number));
-    case PointerTag::kImage: return fmt::format("font {}", file.Image(pointer.number).root);
-    case PointerTag::kRows: return fmt::format("rows of {} bytes", pointer.rowBytes);
+    case PointerTag::kImage: return Text("font ", file.Image(pointer.number).root);
+    case PointerTag::kRows: return Text("rows of ", pointer.rowBytes, " bytes");
     case PointerTag::kRecord: break;
   }
   return "?";
 }
 
 }  // namespace
+
+void AppendText(std::string& text, const Hex& hex) {
+  char digits[16];
+  const auto end = std::to_chars(digits, digits + sizeof digits, hex.value, 16).ptr;
+  for (std::ptrdiff_t zeros = hex.digits - (end - digits); zeros > 0; --zeros) text += '0';
+  for (const char* at = digits; at != end; ++at) {
+    text += hex.upper && *at >= 'a' ? static_cast<char>(*at - 'a' + 'A') : *at;
+  }
+}
 
 std::string Rop2Name(int rop2) { return kRop2Names[(rop2 - 1) & 15]; }
 
@@ -199,31 +201,29 @@ std::string RasterCodeName(uint32_t rop) {
   }
   // Eight bits say what becomes of D for each of P, S, D.
   const uint32_t index = rop >> 16 & 0xFF;
-  std::string text = fmt::format("0x{:08X} (operation 0x{:02X}", rop, index);
-  text += calls::RopReadsSource(rop) ? ", source" : "";
-  text += calls::RopReadsPattern(rop) ? ", pattern" : "";
+  std::string text = Text("0x", Hex{rop, 8}, " (operation 0x", Hex{index, 2});
+  text += RopReadsSource(rop) ? ", source" : "";
+  text += RopReadsPattern(rop) ? ", pattern" : "";
   return text + ")";
 }
 
-std::vector<DescribedField> DescribeArguments(const calls::CallFile& file, const calls::StoredCall& call) {
-  const calls::EntryPoint& entry = calls::EntryPointOf(call.function);
+std::vector<DescribedField> DescribeArguments(const CallFile& file, const StoredCall& call) {
+  const EntryPoint& entry = EntryPointOf(call.function);
   std::vector<DescribedField> fields;
   for (std::size_t i = 0; i < entry.argumentCount; ++i) {
-    const calls::Argument& argument = entry.arguments[i];
-    const calls::StoredArgument& stored = call.arguments[i];
+    const Argument& argument = entry.arguments[i];
+    const StoredArgument& stored = call.arguments[i];
     const std::string name = argument.name;
     switch (argument.type) {
-      case calls::Type::kHandle:
+      case Type::kHandle:
         if (stored.number < 2) {
           fields.push_back({"device", stored.number == 0 ? "null" : "bad", false});
         } else {
-          fields.push_back({"device", fmt::format("{}", stored.number - 1), true});
+          fields.push_back({"device", Text(stored.number - 1), true});
         }
         break;
-      case calls::Type::kInt32:
-        fields.push_back({name, fmt::format("{}", static_cast<int32_t>(stored.number)), true});
-        break;
-      case calls::Type::kUint32:
+      case Type::kInt32: fields.push_back({name, Text(static_cast<int32_t>(stored.number)), true}); break;
+      case Type::kUint32:
         if (name == "rop") {
           fields.push_back({name, RasterCodeName(stored.number), false});
         } else if (name == "style") {
@@ -235,13 +235,39 @@ std::vector<DescribedField> DescribeArguments(const calls::CallFile& file, const
         } else if (name == "colour") {
           fields.push_back({name, Color(stored.number), false});
         } else {
-          fields.push_back({name, fmt::format("{}", stored.number), true});
+          fields.push_back({name, Text(stored.number), true});
         }
         break;
       default: fields.push_back({name, DescribePointer(file, argument.memory, stored), false});
     }
   }
   return fields;
+}
+
+std::string DescribeCall(const CallFile& file, std::size_t number, const StoredCall& call) {
+  return DescribeCall(number, call, DescribeArguments(file, call));
+}
+
+std::string DescribeCall(std::size_t number, const StoredCall& call, const std::vector<DescribedField>& fields) {
+  const EntryPoint& entry = EntryPointOf(call.function);
+  std::string line = Text(number, " ", entry.name, "(");
+  bool first = true;
+  for (const DescribedField& field : fields) {
+    line += first ? "" : ", ";
+    line += field.name;
+    line += '=';
+    line += field.text;
+    first = false;
+  }
+  line += ")";
+  if (entry.result == Result::kHandle) {
+    line += call.result == 0 ? " = refused" : Text(" = device ", call.result);
+  } else if (entry.result == Result::kSigned) {
+    line += Text(" = ", static_cast<int32_t>(call.result));
+  } else if (entry.result != Result::kNothing) {
+    line += Text(" = 0x", Hex{call.result});
+  }
+  return line + Text(" [", call.nanoseconds, " ns]");
 }
 
 std::string JsonText(const std::string& text) {
@@ -251,7 +277,7 @@ std::string JsonText(const std::string& text) {
       quoted += '\\';
       quoted += c;
     } else if (static_cast<unsigned char>(c) < 0x20) {
-      quoted += fmt::format("\\u{:04x}", static_cast<int>(c));
+      quoted += Text("\\u", Hex{static_cast<unsigned char>(c), 4, false});
     } else {
       quoted += c;
     }
@@ -259,4 +285,4 @@ std::string JsonText(const std::string& text) {
   return quoted + "\"";
 }
 
-}  // namespace qnv::tool
+}  // namespace qnv::calls

@@ -7,7 +7,7 @@
 
 #include "calls/call_file.h"
 
-namespace qnv::tool {
+namespace qnv::calls {
 
 // An argument, or a part of a record, as text; isNumber: may stand in JSON without quotes.
 struct DescribedField {
@@ -15,7 +15,11 @@ struct DescribedField {
   bool isNumber = false;
 };
 
-std::vector<DescribedField> DescribeArguments(const calls::CallFile& file, const calls::StoredCall& call);
+std::vector<DescribedField> DescribeArguments(const CallFile& file, const StoredCall& call);
+
+// The whole call in a line: its number, function, arguments, result and time.
+std::string DescribeCall(const CallFile& file, std::size_t number, const StoredCall& call);
+std::string DescribeCall(std::size_t number, const StoredCall& call, const std::vector<DescribedField>& fields);
 
 // "SRCCOPY", or the formula in reverse Polish form that the code stands for.
 std::string RasterCodeName(uint32_t rop);
@@ -24,4 +28,4 @@ std::string Rop2Name(int rop2);
 // `text` between quotes, as JSON takes it.
 std::string JsonText(const std::string& text);
 
-}  // namespace qnv::tool
+}  // namespace qnv::calls
