@@ -124,6 +124,19 @@ EOF
 then
   fail "the rectangle of the trimmed page differs, or the rest does not"
 fi
+# What may paint there holds what does, and leaves out most of the rest.
+"$tool" dump rect.qnv | grep -vE 'QNV(Enable|Disable|Control|RealizeObject|GetDeviceInfo|ColorInfo)\(' |
+  sed 's/^[0-9]* //; s/ \[.*//; s/=font [0-9]*/=font/' | sort >painted
+expect 0 "" "" dump host.qnv --rect 100,100,200,260
+sed 's/^[0-9]* //; s/ \[.*//; s/=font [0-9]*/=font/' stdout | sort >reached
+[ "$(wc -l <painted)" -eq 13 ] && [ "$(wc -l <reached)" -eq 15 ] || fail "$(wc -l painted reached)"
+[ -z "$(comm -23 painted reached)" ] || fail "calls that paint there are missing: $(comm -23 painted reached)"
+expect 0 "" "" dump host.qnv --rect 100,100,101,101
+grep -c . stdout | grep -qx 1 && grep -qF "code=QNV_CLEAR_BAND" stdout || fail "calls at one pixel: $(cat stdout)"
+expect 1 "" "--rect: LEFT,TOP,RIGHT,BOTTOM is expected, not a" dump host.qnv --rect a
+expect 0 "" "" time host.qnv --runs 1 --slowest 830
+grep -qE '^ +94 +[0-9]+ +57600 +[0-9]+\.[0-9]{3}  QNVControl$' stdout || fail "time of a pixel: $(grep ' 94 ' stdout)"
+grep -qE '^ +0 +[0-9]+ +0 +-  QNVEnable$' stdout || fail "time of a call without pixels: $(grep ' 0 ' stdout)"
 expect 1 "" "--rect: LEFT,TOP,RIGHT,BOTTOM is expected, not 1,2,3" trim host.qnv -o x.qnv --rect 1,2,3
 expect 1 "" "the libraries do not differ" trim host.qnv -o x.qnv --until-differs
 

@@ -5,7 +5,7 @@ namespace qnv::tool {
 
 std::vector<Command> CallCommands(const CallParts& parts) {
   return {RecordCommand(),   ReplayCommand(parts), CheckCommand(parts), DiffCommand(),        TrimCommand(parts),
-          ToCCommand(parts), InfoCommand(),        DumpCommand(),       RenderCommand(parts), TimeCommand(parts)};
+          ToCCommand(parts), InfoCommand(),        DumpCommand(parts),  RenderCommand(parts), TimeCommand(parts)};
 }
 
 }  // namespace qnv::tool

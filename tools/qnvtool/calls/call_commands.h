@@ -27,7 +27,7 @@ Command DiffCommand();
 Command ToCCommand(const CallParts& parts);
 Command TrimCommand(const CallParts& parts);
 Command InfoCommand();
-Command DumpCommand();
+Command DumpCommand(const CallParts& parts);
 Command RenderCommand(const CallParts& parts);
 Command TimeCommand(const CallParts& parts);
 

@@ -37,10 +37,8 @@ Option HashOption(bool* given) {
 }
 
 Option StoredOption(bool* given) {
-  return {.names = "--stored",
-          .placeholder = "",
-          .help = "No compression, for readers without it",
-          .value = Flag{given}};
+  return {
+      .names = "--stored", .placeholder = "", .help = "No compression, for readers without it", .value = Flag{given}};
 }
 
 }  // namespace qnv::tool

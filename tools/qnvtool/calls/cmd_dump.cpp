@@ -8,6 +8,7 @@
 
 #include "calls/describe_call.h"
 #include "qnvtool/base/tool_error.h"
+#include "qnvtool/calls/call_areas.h"
 #include "qnvtool/calls/call_commands.h"
 #include "qnvtool/calls/call_input.h"
 #include "qnvtool/calls/call_options.h"
@@ -16,7 +17,7 @@ namespace qnv::tool {
 namespace {
 
 struct DumpArguments {
-  std::string file, call, rop, color;
+  std::string file, call, rop, color, rect;
   int device = 0, from = 0, count = 2000000000;
   bool json = false;
 };
@@ -60,7 +61,7 @@ void PrintJson(std::size_t number, const calls::StoredCall& call, const std::vec
 
 }  // namespace
 
-Command DumpCommand() {
+Command DumpCommand(const CallParts& parts) {
   auto arguments = std::make_shared<DumpArguments>();
   DumpArguments& a = *arguments;
   Command command{.name = "dump", .summary = "Show the calls of a call file", .options = {}, .run = {}};
@@ -83,23 +84,36 @@ Command DumpCommand() {
        .placeholder = "TEXT",
        .help = "Only calls with a field that holds TEXT, such as 0x00FF00",
        .value = Text{&a.color}},
+      {.names = "--rect",
+       .placeholder = "L,T,R,B",
+       .help = "Only calls that may paint in this rectangle of the page",
+       .value = Text{&a.rect}},
       {.names = "--from", .placeholder = "N", .help = "First call", .value = WholeNumber{&a.from, 0, 2000000000}},
       {.names = "--count",
        .placeholder = "N",
        .help = "How many calls to show",
        .value = WholeNumber{&a.count, 0, 2000000000}},
   };
-  command.run = [arguments] {
+  command.run = [arguments, parts] {
+    BandRect rect{};
+    if (!arguments->rect.empty()) rect = ParseRect(arguments->rect);
     // Which calls are shown is known before the file is read, unless they are chosen by what is in them.
-    const bool chooses = arguments->device != 0 || !arguments->call.empty() || !arguments->rop.empty() ||
-                         !arguments->color.empty();
+    const bool chooses =
+        arguments->device != 0 || !arguments->call.empty() || !arguments->rop.empty() || !arguments->color.empty();
     const auto from = static_cast<std::size_t>(arguments->from);
-    const calls::CallFile file =
-        ReadCallFile(arguments->file, from, chooses ? SIZE_MAX : static_cast<std::size_t>(arguments->count));
+    std::vector<CallArea> areas;
+    calls::CallFile file;
+    if (arguments->rect.empty()) {
+      file = ReadCallFile(arguments->file, from, chooses ? SIZE_MAX : static_cast<std::size_t>(arguments->count));
+    } else {
+      file = ReadCallFile(arguments->file);
+      areas = CallAreas(file, parts.linkedRasteriser(), arguments->file);
+    }
     calls::StoredCall call;
     int shown = 0;
     for (std::size_t i = std::max(from, file.FirstCall()); i < file.EndCall(); ++i) {
       if (shown == arguments->count) break;
+      if (!areas.empty() && !areas[i].area.Meets(rect)) continue;
       file.DecodeCall(file.CallItem(i), &call);
       const auto fields = calls::DescribeArguments(file, call);
       if (!IsWanted(*arguments, call, fields)) continue;

@@ -7,6 +7,7 @@
 
 #include "calls/player.h"
 #include "qnvtool/base/tool_error.h"
+#include "qnvtool/calls/call_areas.h"
 #include "qnvtool/calls/call_commands.h"
 #include "qnvtool/calls/call_input.h"
 #include "qnvtool/calls/call_options.h"
@@ -49,10 +50,15 @@ void Time(const TimeArguments& a, const CallParts& parts) {
   const auto shown = std::min(order.size(), static_cast<std::size_t>(a.slowest));
   std::partial_sort(order.begin(), order.begin() + static_cast<std::ptrdiff_t>(shown), order.end(),
                     [&](std::size_t x, std::size_t y) { return best[x] != best[y] ? best[x] > best[y] : x < y; });
-  fmt::print("{:>10}{:>14}  {}\n", "call", "best ns", "function");
+  const std::vector<CallArea> areas = CallAreas(file, library.functions, a.file);
+  fmt::print("{:>10}{:>14}{:>12}{:>11}  {}\n", "call", "best ns", "pixels", "ns/pixel", "function");
   for (std::size_t i = 0; i < shown; ++i) {
     file.DecodeCall(file.CallItem(order[i]), &call);
-    fmt::print("{:>10}{:>14}  {}\n", order[i], best[order[i]], calls::EntryPointOf(call.function).name);
+    const int64_t pixels = areas[order[i]].pixels;
+    const std::string each =
+        pixels == 0 ? "-" : fmt::format("{:.3f}", static_cast<double>(best[order[i]]) / static_cast<double>(pixels));
+    fmt::print("{:>10}{:>14}{:>12}{:>11}  {}\n", order[i], best[order[i]], pixels, each,
+               calls::EntryPointOf(call.function).name);
   }
 }
 
@@ -61,7 +67,11 @@ void Time(const TimeArguments& a, const CallParts& parts) {
 Command TimeCommand(const CallParts& parts) {
   auto arguments = std::make_shared<TimeArguments>();
   TimeArguments& a = *arguments;
-  Command command{.name = "time", .summary = "Measure the calls of a call file", .options = {}, .run = {}};
+  Command command{.name = "time",
+                  .summary = "Measure the calls of a call file",
+                  .footer = "Pixels are those of the smallest known rectangle that the call can reach.\n",
+                  .options = {},
+                  .run = {}};
   command.options = {
       CallFileArgument(&a.file),
       LibraryOption(&a.library),

@@ -11,6 +11,7 @@
 #include "calls/player.h"
 #include "calls/state_calls.h"
 #include "qnvtool/base/tool_error.h"
+#include "qnvtool/calls/call_areas.h"
 #include "qnvtool/calls/call_commands.h"
 #include "qnvtool/calls/call_input.h"
 #include "qnvtool/calls/call_options.h"
@@ -71,16 +72,6 @@ class CallList {
 
 void Require(const calls::PlayReport& report, const std::string& path) {
   if (!report.error.empty()) throw ToolError(ExitCode::kBadInput, fmt::format("{}: {}", path, report.error));
-}
-
-BandRect ParseRect(const std::string& text) {
-  BandRect rect;
-  char end;
-  if (std::sscanf(text.c_str(), "%d,%d,%d,%d%c", &rect.left, &rect.top, &rect.right, &rect.bottom, &end) != 4 ||
-      rect.left >= rect.right || rect.top >= rect.bottom) {
-    throw ToolError(ExitCode::kUsage, fmt::format("--rect: LEFT,TOP,RIGHT,BOTTOM is expected, not {}", text));
-  }
-  return rect;
 }
 
 // The pixels of a rectangle of the band, and their tags.
