@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "calls/memory_reads.h"
+#include "inspector/engine/call_parts.h"
 #include "inspector/engine/inspector.h"
 
 namespace qnv::inspector {
@@ -113,10 +114,16 @@ bool AnswerCall(OpenFile& file, const JsonValue& question, std::string* out) {
   json.Member("made", row.isMade).Member("differs", row.differs);
   json.Member("line", DescribeCall(calls, number, call)).Name("arguments").List();
   const auto fields = DescribeArguments(calls, call);
+  const std::vector<CallPicture> pictures = PicturesOf(file, number);
   for (std::size_t i = 0; i < fields.size(); ++i) {
     json.Object().Member("name", fields[i].name);
     json.Member("type", kTypeNames[static_cast<std::size_t>(entry.arguments[i].type)]);
-    json.Member("text", fields[i].text).EndObject();
+    json.Member("text", fields[i].text);
+    WriteParts(json, calls, call, i);
+    for (const CallPicture& picture : pictures) {
+      if (picture.argument == i) json.Member("picture", picture.id);
+    }
+    json.EndObject();
   }
   json.EndList().Name("findings").List();
   for (const calls::Finding& finding : history.Findings()) {
@@ -135,18 +142,69 @@ bool AnswerCall(OpenFile& file, const JsonValue& question, std::string* out) {
     json.Value(left + change.rect.right).Value(top + change.rect.bottom).EndList();
   }
   json.Member("pixels", change.pixels).Member("tags", change.tags).EndObject();
-  json.Name("pictures").List().EndList().EndObject();
+  json.Name("pictures").List();
+  for (const CallPicture& picture : pictures) {
+    json.Object().Member("id", picture.id).Member("what", picture.what).Member("label", picture.label);
+    json.Member("width", picture.width).Member("height", picture.height).EndObject();
+  }
+  json.EndList().EndObject();
   return true;
 }
 
-bool DrawPicture(OpenFile&, const JsonValue&, Picture*, std::string* error) {
-  *error = "there is no such picture";
-  return false;
-}
-
-bool DrawChange(OpenFile&, const JsonValue&, Picture*, std::string* error) {
-  *error = "not yet";
-  return false;
+// The changed rectangle and some pixels around it: before the call, after it, or the changed pixels alone.
+bool DrawChange(OpenFile& file, const JsonValue& question, Picture* picture, std::string* error) {
+  constexpr int32_t kMargin = 8;
+  std::size_t number;
+  Change change;
+  if (!CallOf(file, question, &number, error) || !FindChange(file, number, kMargin, &change, error)) return false;
+  if (change.rect.IsEmpty()) {
+    *error = "the call changes nothing";
+    return false;
+  }
+  const Reach whole = BandReach(change.shape);
+  const Reach part{std::max(change.rect.left - kMargin, 0), std::max(change.rect.top - kMargin, change.first),
+                   std::min(change.rect.right + kMargin, whole.right),
+                   std::min(change.rect.bottom + kMargin, change.first + change.rows)};
+  const std::string& which = question["which"].text();
+  const bool isOutline = which == "outline";
+  const std::vector<uint8_t>& plane = which == "before" ? change.bandBefore : change.bandAfter;
+  const uint32_t stride = change.shape.Stride(), tagStride = change.shape.TagStride();
+  const uint32_t pixelBytes = change.shape.PixelBytes();
+  const auto at = [&](int32_t x, int32_t y) {
+    return static_cast<std::size_t>(y - change.first) * stride + static_cast<std::size_t>(x) * pixelBytes;
+  };
+  const auto isChanged = [&](int32_t x, int32_t y) {
+    if (x < 0 || x >= whole.right || y < change.first || y >= change.first + change.rows) return false;
+    if (std::memcmp(&change.bandBefore[at(x, y)], &change.bandAfter[at(x, y)], pixelBytes) != 0) return true;
+    const std::size_t tag = static_cast<std::size_t>(y - change.first) * tagStride + static_cast<std::size_t>(x);
+    return !change.tagsBefore.empty() && change.tagsBefore[tag] != change.tagsAfter[tag];
+  };
+  // Large changes are shown smaller: every so many pixels and rows.
+  constexpr int64_t kMaxPixels = int64_t{1} << 22;
+  int32_t step = 1;
+  while (part.Pixels() / step / step > kMaxPixels) ++step;
+  picture->width = static_cast<uint32_t>((part.right - part.left + step - 1) / step);
+  picture->height = static_cast<uint32_t>((part.bottom - part.top + step - 1) / step);
+  picture->pixels.assign(std::size_t{picture->width} * picture->height * 4, 0);
+  uint8_t* out = picture->pixels.data();
+  for (int32_t y = part.top; y < part.bottom; y += step) {
+    for (int32_t x = part.left; x < part.right; x += step, out += 4) {
+      if (isOutline) {
+        if (!isChanged(x, y)) continue;
+        const bool isInside = isChanged(x - 1, y) && isChanged(x + 1, y) && isChanged(x, y - 1) && isChanged(x, y + 1);
+        out[0] = 230;
+        out[2] = 92;
+        out[3] = isInside ? 90 : 255;
+        continue;
+      }
+      const uint8_t* const pixel = &plane[at(x, y)];
+      out[0] = pixel[pixelBytes - 1];
+      out[1] = pixel[pixelBytes / 2];
+      out[2] = pixel[0];
+      out[3] = 255;
+    }
+  }
+  return true;
 }
 
 }  // namespace qnv::inspector

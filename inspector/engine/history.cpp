@@ -323,6 +323,7 @@ void History::CloseBand(uint32_t number, uint32_t end) {
 uint32_t History::PositionAfter(uint32_t device, int64_t call) const {
   if (call < 0) return 0;
   const auto& items = devices_[device].items;
+  if (call >= static_cast<int64_t>(rows_.size())) return static_cast<uint32_t>(items.size());
   const auto& last = file_.CallItem(static_cast<std::size_t>(call));
   const auto item = static_cast<uint32_t>(&last - file_.Items().data());
   const auto end =

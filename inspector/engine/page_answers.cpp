@@ -2,7 +2,8 @@
 #include <algorithm>
 #include <cstring>
 
-#include "calls/memory_reads.h"
+#include "calls/call_difference.h"
+#include "calls/text.h"
 #include "inspector/engine/inspector.h"
 
 namespace qnv::inspector {
@@ -179,9 +180,146 @@ bool AnswerHeat(OpenFile& file, const JsonValue& question, std::string* out) {
   return true;
 }
 
-bool AnswerCompare(OpenFile&, OpenFile*, std::string* out) {
-  *out = "not yet";
-  return false;
+namespace {
+
+// The pages of two files, compared row by row in squares of some pixels.
+class PageComparison {
+ public:
+  PageComparison(OpenFile& first, OpenFile& second, uint32_t page) : files_{&first, &second}, page_(page) {}
+
+  bool Compare(std::string* error);
+  // Squares that differ, joined with those to the right of them, as far as they are to be listed.
+  const std::vector<calls::Reach>& Rects() const { return rects_; }
+  uint64_t pixels() const { return pixels_; }
+
+ private:
+  static constexpr int64_t kSquare = 16;
+  static constexpr std::size_t kMaxRects = 1000;
+
+  void AddRects(const std::vector<bool>& squares, int64_t top, int64_t bottom);
+
+  OpenFile* files_[2];
+  const uint32_t page_;
+  std::vector<calls::Reach> rects_;
+  uint64_t pixels_ = 0;
+};
+
+void PageComparison::AddRects(const std::vector<bool>& squares, int64_t top, int64_t bottom) {
+  const Page& page = files_[0]->history.Pages()[page_];
+  for (std::size_t i = 0; i < squares.size(); ++i) {
+    if (!squares[i]) continue;
+    std::size_t end = i + 1;
+    while (end < squares.size() && squares[end]) ++end;
+    const int64_t right = std::min(page.right, page.left + static_cast<int64_t>(end) * kSquare);
+    const calls::Reach rect{static_cast<int32_t>(page.left + static_cast<int64_t>(i) * kSquare),
+                            static_cast<int32_t>(top), static_cast<int32_t>(right), static_cast<int32_t>(bottom)};
+    i = end;
+    // The one above it with the same columns grows.
+    const auto above = std::find_if(rects_.rbegin(), rects_.rend(), [&](const calls::Reach& other) {
+      return other.bottom == rect.top && other.left == rect.left && other.right == rect.right;
+    });
+    if (above != rects_.rend()) {
+      above->bottom = rect.bottom;
+    } else if (rects_.size() < kMaxRects) {
+      rects_.push_back(rect);
+    } else {
+      rects_.back().Join(rect);
+    }
+  }
+}
+
+bool PageComparison::Compare(std::string* error) {
+  const Page& page = files_[0]->history.Pages()[page_];
+  const int64_t width = page.right - page.left;
+  const bool hasTags = files_[0]->history.ShapeAtStart(page.device).dualPlane;
+  std::vector<bool> squares;
+  for (int64_t top = page.top; top < page.bottom; top += kSquare) {
+    const int64_t bottom = std::min(page.bottom, top + kSquare);
+    squares.assign(static_cast<std::size_t>((width + kSquare - 1) / kSquare), false);
+    bool differs = false;
+    for (const bool tags : {false, true}) {
+      if (tags && !hasTags) continue;
+      PageRows rows[2];
+      for (std::size_t i = 0; i < 2; ++i) {
+        if (!files_[i]->pictures.RowsOf(page_, tags, top, bottom, &rows[i], error)) return false;
+      }
+      const std::size_t bytes = rows[0].pixelBytes;
+      if (rows[0].bytes == rows[1].bytes) continue;
+      if (rows[0].bytes.size() != rows[1].bytes.size()) {
+        *error = "the pages have pixels of different sizes";
+        return false;
+      }
+      for (std::size_t at = 0; at < rows[0].bytes.size(); at += bytes) {
+        if (std::memcmp(&rows[0].bytes[at], &rows[1].bytes[at], bytes) == 0) continue;
+        if (!tags) ++pixels_;
+        squares[at / bytes % static_cast<std::size_t>(width) / kSquare] = true;
+        differs = true;
+      }
+    }
+    if (differs) AddRects(squares, top, bottom);
+  }
+  return true;
+}
+
+// The first call that differs; the number of calls of the shorter file when it ends first; -1.
+int64_t FirstDifference(const calls::CallFile& a, const calls::CallFile& b, std::string* text) {
+  const std::size_t count = std::min(a.CallCount(), b.CallCount());
+  calls::StoredCall x, y;
+  for (std::size_t i = 0; i < count; ++i) {
+    a.DecodeCall(a.CallItem(i), &x);
+    b.DecodeCall(b.CallItem(i), &y);
+    *text = CallDifference(a, x, b, y);
+    if (!text->empty()) return static_cast<int64_t>(i);
+  }
+  if (a.CallCount() == b.CallCount()) return -1;
+  *text = calls::Text("one file has ", a.CallCount(), " calls, the other ", b.CallCount());
+  return static_cast<int64_t>(count);
+}
+
+}  // namespace
+
+bool AnswerCompare(OpenFile& file, OpenFile* other, std::string* out) {
+  if (other == nullptr) {
+    *out = "the file to compare with is not open";
+    return false;
+  }
+  const auto &pages = file.history.Pages(), &others = other->history.Pages();
+  std::string text, error;
+  const int64_t first = FirstDifference(file.history.File(), other->history.File(), &text);
+  bool same = first < 0 && pages.size() == others.size();
+  if (text.empty() && pages.size() != others.size()) {
+    text = calls::Text("one file has ", pages.size(), " pages, the other ", others.size());
+  }
+  JsonWriter json(out);
+  json.Object().Member("firstDifferent", first).Name("pages").List();
+  for (std::size_t i = 0; i < std::min(pages.size(), others.size()); ++i) {
+    json.Object().Member("page", i);
+    const Page &a = pages[i], &b = others[i];
+    if (a.left != b.left || a.top != b.top || a.right != b.right || a.bottom != b.bottom) {
+      // All of the larger of both differs, as far as can be said.
+      same = false;
+      if (text.empty()) text = calls::Text("page ", i, " has another size");
+      json.Name("rects").List().List().Value(std::min(a.left, b.left)).Value(std::min(a.top, b.top));
+      json.Value(std::max(a.right, b.right)).Value(std::max(a.bottom, b.bottom)).EndList().EndList();
+      json.Member("pixels", (a.right - a.left) * (a.bottom - a.top)).EndObject();
+      continue;
+    }
+    PageComparison comparison(file, *other, static_cast<uint32_t>(i));
+    if (!comparison.Compare(&error)) {
+      *out = error;
+      return false;
+    }
+    json.Name("rects").List();
+    for (const calls::Reach& rect : comparison.Rects()) {
+      json.List().Value(rect.left).Value(rect.top).Value(rect.right).Value(rect.bottom).EndList();
+    }
+    json.EndList().Member("pixels", comparison.pixels()).EndObject();
+    if (comparison.Rects().empty()) continue;
+    same = false;
+    if (text.empty()) text = calls::Text("page ", i, " differs");
+  }
+  json.EndList().Member("same", same).Member("text", text).EndObject();
+  return true;
 }
 
 }  // namespace qnv::inspector

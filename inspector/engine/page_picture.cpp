@@ -208,6 +208,31 @@ const Picture* PagePictures::Draw(View view, int64_t call, std::string* error) {
   return &picture_;
 }
 
+bool PagePictures::RowsOf(uint32_t number, bool tags, int64_t top, int64_t bottom, PageRows* rows, std::string* error) {
+  const Page& page = history_.Pages()[number];
+  std::vector<ShownBand> bands;
+  if (!Show(number, tags, static_cast<int64_t>(page.lastCall) + 1, &bands, error)) return false;
+  const int64_t width = page.right - page.left;
+  constexpr int64_t kMaxWidth = int64_t{1} << 22;
+  if (width > kMaxWidth) {
+    *error = "the page is too wide to be compared";
+    return false;
+  }
+  rows->pixelBytes = tags ? 1 : history_.ShapeAtStart(page.device).PixelBytes();
+  rows->bytes.assign(static_cast<std::size_t>(width * (bottom - top)) * rows->pixelBytes, 0);
+  for (const ShownBand& shown : bands) {
+    const BandOfPage& band = *shown.band;
+    for (int64_t y = std::max(top, band.Top()); y < std::min(bottom, band.Top() + band.size.bottom); ++y) {
+      const uint8_t* const row = RowOf(shown, tags, y);
+      if (row == nullptr) continue;
+      std::memcpy(
+          rows->bytes.data() + static_cast<std::size_t>((y - top) * width + band.Left() - page.left) * rows->pixelBytes,
+          row, static_cast<std::size_t>(band.size.right) * rows->pixelBytes);
+    }
+  }
+  return true;
+}
+
 bool PagePictures::PixelAt(uint32_t page, int64_t x, int64_t y, int64_t call, PagePixel* pixel, std::string* error) {
   *pixel = PagePixel{};
   if (page >= history_.Pages().size()) {

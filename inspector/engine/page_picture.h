@@ -35,6 +35,12 @@ struct PagePixel {
   uint8_t tag = 0;
 };
 
+// Rows of a complete page as bytes of its bands; what lies outside all bands is 0.
+struct PageRows {
+  std::size_t pixelBytes = 0;
+  std::vector<uint8_t> bytes;
+};
+
 class PagePictures {
  public:
   explicit PagePictures(History& history) : history_(history) {}
@@ -43,6 +49,8 @@ class PagePictures {
   // again. Null with *error.
   const Picture* Draw(View view, int64_t call, std::string* error);
   bool PixelAt(uint32_t page, int64_t x, int64_t y, int64_t call, PagePixel* pixel, std::string* error);
+  // The rows [top, bottom) when all calls have been made.
+  bool RowsOf(uint32_t page, bool tags, int64_t top, int64_t bottom, PageRows* rows, std::string* error);
 
  private:
   struct ShownBand {
