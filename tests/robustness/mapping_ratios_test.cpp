@@ -126,6 +126,33 @@ TEST(MappingRatios, TextAsTheModelPaintsIt) {
   EXPECT_GT(changed, 150);
 }
 
+// Glyphs of which a band row shows many rows at once, and a row more columns than fit into a byte: their rows are
+// merged before they are painted, eight columns at a time. Every number of columns is in it, whole bytes and others.
+TEST(MappingRatios, MergedGlyphsOfAnyWidth) {
+  Random random(85);
+  const uint8_t letter = 'a';
+  int changed = 0;
+  for (int16_t width = 10; width <= 420; width = static_cast<int16_t>(width + 10)) {
+    const Font font = RandomFont(random, width, 90);
+    for (int16_t bkMode : {int16_t{TRANSPARENT}, int16_t{OPAQUE}}) {
+      const DeviceOptions options{
+          .kind = QNV_KIND_SCALED, .width = 50, .height = 3, .resolutionA = 200, .resolutionB = 10};
+      ModelledDevice device(options);
+      ASSERT_NE(nullptr, device.model);
+      DRAWMODE mode = TextMode(bkMode), modelMode = mode;
+      const int32_t x = random.Range(0, 60), y = -random.Range(0, 30);
+      QNVDevExtTextOut(device.handle(), x, y, &kWholePage, &letter, 1, font.base(), font.offset(), &mode, nullptr,
+                       nullptr, nullptr, 0);
+      device.model->ExtTextOut(
+          {x, y, &kWholePage, &letter, 1, font.base(), font.offset(), &modelMode, nullptr, nullptr, 0});
+      ASSERT_EQ(device.model->band().bytes(), device.BandBytes()) << width << " columns, mode " << bkMode;
+      ASSERT_TRUE(device.FencesIntact());
+      changed += device.BandBytes() != device.before ? 1 : 0;
+    }
+  }
+  EXPECT_GT(changed, 70);
+}
+
 // 32,767 characters whose glyph has millions of pixels, nearly all of them on the same few of the band.
 TEST(MappingRatios, TextFollowsTheBand) {
   constexpr int16_t kSide = 4000;
