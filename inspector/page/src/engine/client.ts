@@ -20,6 +20,9 @@ export class WorkerEngine implements Engine {
   private readonly waiting: Waiting[] = [];
   private readonly inFlight = new Map<number, Waiting>();
   private nextId = 1;
+  // The engine uses the numbers of closed files again. The page has one for each file that was ever opened, so that
+  // pictures which it keeps are never those of another file.
+  private readonly numbers: number[] = [];
 
   constructor() {
     this.worker.onmessage = ({ data }: MessageEvent<Response>) => {
@@ -41,23 +44,30 @@ export class WorkerEngine implements Engine {
   }
 
   async openPacked(file: string): Promise<number> {
-    return (await this.request({ kind: 'openPacked', file })) as number;
+    return this.numberOf((await this.request({ kind: 'openPacked', file })) as number);
   }
 
   async open(bytes: ArrayBuffer): Promise<number> {
-    return (await this.request({ kind: 'open', bytes }, undefined, [bytes])) as number;
+    return this.numberOf((await this.request({ kind: 'open', bytes }, undefined, [bytes])) as number);
   }
 
   async close(file: number): Promise<void> {
-    await this.request({ kind: 'close', file });
+    await this.request({ kind: 'close', file: this.numbers[file] ?? -1 });
   }
 
   async ask<Answer>(file: number, question: Question, signal?: AbortSignal): Promise<Answer> {
-    return JSON.parse((await this.request({ kind: 'ask', file, question }, signal)) as string) as Answer;
+    const number = this.numbers[file] ?? -1;
+    const sent = question.q === 'compare' ? { ...question, with: this.numbers[question.with] ?? -1 } : question;
+    return JSON.parse((await this.request({ kind: 'ask', file: number, question: sent }, signal)) as string) as Answer;
   }
 
   async draw(file: number, question: DrawQuestion, signal?: AbortSignal): Promise<Pixels> {
-    return (await this.request({ kind: 'draw', file, question }, signal)) as Pixels;
+    return (await this.request({ kind: 'draw', file: this.numbers[file] ?? -1, question }, signal)) as Pixels;
+  }
+
+  private numberOf(engineNumber: number): number {
+    this.numbers.push(engineNumber);
+    return this.numbers.length - 1;
   }
 
   private request(job: Job, signal?: AbortSignal, transfer: Transferable[] = []): Promise<Result> {

@@ -42,7 +42,7 @@ export interface Summary {
   notes: [string, string][];
   devices: Device[];
   pages: Page[];
-  mistakes: { number: number; wrong: string; advice: string; count?: number }[];
+  mistakes: { number: number; wrong: string; advice: string }[]; // all that there are
   totalNs: number;
   truncated: string; // a sentence when the file was not closed, else empty
 }

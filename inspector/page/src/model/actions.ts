@@ -36,7 +36,7 @@ async function addFile(name: string, number: number): Promise<void> {
     name,
     summary,
     columns: decodeColumns(rows),
-    lines: new LineCache(engine, number, noteArrival),
+    lines: new LineCache(engine, number, summary.calls, noteArrival),
   };
   // A third file takes the place of the second.
   const replaced = store.state.files[1];

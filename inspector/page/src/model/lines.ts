@@ -4,6 +4,7 @@ import type { Engine } from '../engine/contract';
 // Rows that are this close are asked for together.
 const kMaxGap = 12;
 const kMaxKept = 20_000;
+const kAhead = 100;
 
 // "17 QNVPixel(device=1, x=3) = 0x0 [90 ns]": the list has number, function and time in columns of their own, and its
 // rows are too short for the device, which is the same in most.
@@ -35,6 +36,7 @@ export class LineCache {
   constructor(
     private readonly engine: Engine,
     private readonly file: number,
+    private readonly calls: number, // in the file
     private readonly onArrival: () => void,
   ) {}
 
@@ -44,7 +46,11 @@ export class LineCache {
 
   want(calls: readonly number[]): void {
     const missing = calls.filter((call) => !this.lines.has(call) && !this.asked.has(call));
-    for (const [first, count] of runsOf(missing)) {
+    for (const [start, length] of runsOf(missing)) {
+      // Where all calls are listed, those that come next are wanted soon.
+      const isWhole = calls.length > 1 && (calls.at(-1) as number) - (calls[0] as number) === calls.length - 1;
+      const first = isWhole ? Math.max(0, start - kAhead) : start;
+      const count = isWhole ? Math.min(this.calls, start + length + kAhead) - first : length;
       for (let call = first; call < first + count; call++) this.asked.add(call);
       void this.engine
         .ask<{ lines: string[] }>(this.file, { q: 'lines', first, count })

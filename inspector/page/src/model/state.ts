@@ -7,7 +7,7 @@ import type { Unit } from './steps';
 import { Store, useStore } from './store';
 
 export interface OpenFile {
-  number: number; // the engine's
+  number: number; // for the engine
   name: string;
   summary: Summary;
   columns: Columns;

@@ -7,6 +7,7 @@ import { formatCount, formatTime, sentence } from '../model/format';
 import { activeFile, useApp } from '../model/state';
 import { EnginePicture } from './engine_picture';
 
+const kPictureNames = { brush: 'Brush', source: 'Source', dib: 'Image', glyph: 'Glyph' };
 const kLongText = 600; // characters
 
 function Findings({ findings }: { findings: Finding[] }) {
@@ -57,7 +58,7 @@ function ArgumentRows({ argument, answer, file }: { argument: Argument; answer: 
       <tr>
         <th scope="row" title={argument.type}>
           {argument.name}
-          {argument.type.includes('*') && <span class="type">{argument.type}</span>}
+          {argument.type.includes('*') && <span class="type">{argument.type.replace('const ', '')}</span>}
         </th>
         <td>
           <Color color={argument.color} />
@@ -72,7 +73,8 @@ function ArgumentRows({ argument, answer, file }: { argument: Argument; answer: 
               ))}
             </div>
           )}
-          {argument.fields && argument.fields.length > 0 && (
+          {/* The text of a rectangle says all that its fields say. */}
+          {argument.fields && argument.fields.length > 0 && !argument.type.includes('BandRect') && (
             <dl class="fields">
               {argument.fields.map((field) => (
                 <Fragment key={field.name}>
@@ -89,8 +91,8 @@ function ArgumentRows({ argument, answer, file }: { argument: Argument; answer: 
             <EnginePicture
               file={file}
               question={{ d: 'picture', call: answer.call, id: picture.id }}
-              label={picture.label || picture.what}
-              room={220}
+              label={kPictureNames[picture.what]}
+              room={picture.what === 'brush' ? 64 : 220}
             />
           )}
         </td>

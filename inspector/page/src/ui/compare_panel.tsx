@@ -1,6 +1,6 @@
 // Two files side by side: what differs, and the way from one difference to the next.
 import { differences, openChosen, revealRect, showCall, stepDifference } from '../model/actions';
-import { formatCount } from '../model/format';
+import { formatCount, sentence } from '../model/format';
 import { store, useApp } from '../model/state';
 import { useRef } from 'preact/hooks';
 
@@ -49,10 +49,15 @@ export function ComparePanel() {
       <header class="call-head">
         <h2>Compare</h2>
         <div class="buttons">
-          <button type="button" disabled={all.length === 0} onClick={() => stepDifference(-1)} title="Shift+D">
-            ‹ Previous difference
+          <button
+            type="button"
+            disabled={all.length === 0}
+            title="Previous difference (Shift+D)"
+            onClick={() => stepDifference(-1)}
+          >
+            ‹ Previous
           </button>
-          <button type="button" disabled={all.length === 0} onClick={() => stepDifference(1)} title="D">
+          <button type="button" disabled={all.length === 0} title="Next difference (d)" onClick={() => stepDifference(1)}>
             Next difference ›
           </button>
         </div>
@@ -76,7 +81,7 @@ export function ComparePanel() {
       ) : (
         <>
           <p class={compare.same ? 'notice notice-good' : 'notice'} data-test="compare-text">
-            {compare.text || (compare.same ? 'Both files hold the same calls and paint the same pages.' : 'The files differ.')}
+            {sentence(compare.text || (compare.same ? 'Both files hold the same calls and paint the same pages' : 'The files differ'))}
           </p>
           {compare.firstDifferent >= 0 && (
             <p>

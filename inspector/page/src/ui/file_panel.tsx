@@ -3,7 +3,8 @@ import { kDiffers, kHasFindings } from '../engine/contract';
 import { setFilter, showPage } from '../model/actions';
 import { describeDevice, formatCount, formatTime, sentence } from '../model/format';
 import { activeFile, useApp } from '../model/state';
-import { useMemo } from 'preact/hooks';
+import { type TalliedMistake, kMaxTallied, tallyFindings } from '../model/findings';
+import { useEffect, useMemo, useState } from 'preact/hooks';
 
 export function FilePanel() {
   const file = useApp(activeFile);
@@ -17,9 +18,15 @@ export function FilePanel() {
     }
     return { findings, differs };
   }, [file]);
+  const [found, setFound] = useState<TalliedMistake[]>([]);
+  useEffect(() => {
+    const controller = new AbortController();
+    setFound([]);
+    if (file) void tallyFindings(file, controller.signal, setFound);
+    return () => controller.abort();
+  }, [file]);
   if (!file) return null;
   const { summary } = file;
-  const found = summary.mistakes.filter(({ count = 0 }) => count > 0);
   return (
     <div class="file-panel">
       <header class="call-head">
@@ -63,12 +70,15 @@ export function FilePanel() {
             {found.map((mistake) => (
               <div key={mistake.number} class="finding">
                 <b>
-                  Mistake {mistake.number}, {formatCount(mistake.count ?? 0)} {mistake.count === 1 ? 'time' : 'times'}
+                  Mistake {mistake.number}, {formatCount(mistake.count)} {mistake.count === 1 ? 'time' : 'times'}
                 </b>
                 <p>{sentence(mistake.wrong)}</p>
                 <p class="advice">{sentence(mistake.advice)}</p>
               </div>
             ))}
+            {counts.findings > kMaxTallied && (
+              <p class="muted">Counted in the first {formatCount(kMaxTallied)} of these calls.</p>
+            )}
             <button type="button" onClick={() => setFilter({ findings: true })}>
               List the {formatCount(counts.findings)} {counts.findings === 1 ? 'call' : 'calls'}
             </button>

@@ -1,6 +1,6 @@
 // One picture of a page: what is to be painted, from state and regions, and what pointer and keys do on it.
 import type { Device, Page, Rect } from '../engine/contract';
-import { differences, engine, fail, setFilterRect, showPixel } from '../model/actions';
+import { differences, engine, fail, setFilterRect, showFile, showPixel } from '../model/actions';
 import { sentence } from '../model/format';
 import { type Camera, type OpenFile, type State, store } from '../model/state';
 import { lastPainting } from '../model/steps';
@@ -45,8 +45,12 @@ export class PageCanvas {
     const failed = (message: string) => fail(sentence(message));
     this.colorRegions = new Regions(engine, 'color', arrived, failed);
     this.tagRegions = new Regions(engine, 'tags', arrived, failed);
-    const resize = new ResizeObserver(() => this.resize());
-    resize.observe(canvas);
+    const resize = new ResizeObserver(([entry]) => this.resize(entry));
+    try {
+      resize.observe(canvas, { box: 'device-pixel-content-box' });
+    } catch {
+      resize.observe(canvas); // browsers without it round by themselves
+    }
     const onState = () => {
       if (store.state.theme !== this.seen.theme) this.readColors();
       // Not painted until the next frame.
@@ -140,18 +144,27 @@ export class PageCanvas {
     this.plan();
   }
 
-  private resize(): void {
+  // The canvas gets exactly the pixels that it has on the screen: stretched by a fraction, single pixels of the page
+  // would have different widths.
+  private resize(entry: ResizeObserverEntry | undefined): void {
     this.density = devicePixelRatio || 1;
     const box = this.canvas.getBoundingClientRect();
-    this.canvas.width = Math.max(1, Math.round(box.width * this.density));
-    this.canvas.height = Math.max(1, Math.round(box.height * this.density));
-    this.view = { width: Math.max(1, box.width - kRuler), height: Math.max(1, box.height - kRuler) };
+    const exact = entry?.devicePixelContentBoxSize?.[0];
+    this.canvas.width = Math.max(1, exact?.inlineSize ?? Math.round(box.width * this.density));
+    this.canvas.height = Math.max(1, exact?.blockSize ?? Math.round(box.height * this.density));
+    this.view = {
+      width: Math.max(1, this.canvas.width / this.density - kRuler),
+      height: Math.max(1, this.canvas.height / this.density - kRuler),
+    };
+    this.request();
     this.paint(); // at once: a resized canvas is empty
   }
 
   private plan(): void {
-    cancelAnimationFrame(this.frame);
-    this.frame = requestAnimationFrame(() => this.paint());
+    this.frame ||= requestAnimationFrame(() => {
+      this.frame = 0;
+      this.paint();
+    });
   }
 
   private request(): void {
@@ -304,7 +317,7 @@ export class PageCanvas {
   }
 
   private pick(pixel: { x: number; y: number }): void {
-    if (store.state.active !== this.index) store.set({ active: this.index, matches: null });
+    showFile(this.index);
     void showPixel(pixel.x, pixel.y);
   }
 

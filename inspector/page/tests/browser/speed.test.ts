@@ -30,12 +30,14 @@ test('50,000 calls', { timeout: 120_000 }, async (context) => {
           const from = performance.now();
           document.body.dispatchEvent(new KeyboardEvent('keydown', { key: pressed, bubbles: true }));
           await new Promise<void>((resolve) => {
-            const look = () => {
-              const panel = document.querySelector<HTMLElement>('.call-panel');
-              if (canvas.dataset['call'] === input.value && panel?.dataset['call'] === input.value) resolve();
-              else requestAnimationFrame(look);
-            };
-            requestAnimationFrame(look);
+            const panel = document.querySelector('.call-panel') as HTMLElement;
+            const observer = new MutationObserver(() => {
+              if (canvas.dataset['call'] !== input.value || panel.dataset['call'] !== input.value) return;
+              observer.disconnect();
+              resolve();
+            });
+            observer.observe(canvas, { attributes: true });
+            observer.observe(panel, { attributes: true });
           });
           taken.push(performance.now() - from);
         }

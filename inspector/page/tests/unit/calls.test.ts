@@ -83,7 +83,7 @@ test('calls that are close are asked for together', () => {
 test('every line is asked for once, and told when it is there', async () => {
   const engine = new StandIn();
   let arrivals = 0;
-  const lines = new LineCache(engine, 0, () => arrivals++);
+  const lines = new LineCache(engine, 0, 60, () => arrivals++);
   lines.want([10, 11, 12]);
   lines.want([11, 12]);
   assert.equal(lines.get(10), undefined);
@@ -91,5 +91,12 @@ test('every line is asked for once, and told when it is there', async () => {
   assert.equal(arrivals, 1);
   assert.equal(lines.get(12), '12 QNVPixel(x=1) = 0x0 [90 ns]');
   lines.want([10, 11, 12]);
-  assert.deepEqual(engine.asked, [{ q: 'lines', first: 10, count: 3 }]);
+  // The whole list is shown: its neighbours are asked for at the same time.
+  assert.deepEqual(engine.asked, [{ q: 'lines', first: 0, count: 60 }]);
+  const filtered = new LineCache(engine, 0, 60, () => arrivals++);
+  filtered.want([10, 40]);
+  assert.deepEqual(engine.asked.slice(1), [
+    { q: 'lines', first: 10, count: 1 },
+    { q: 'lines', first: 40, count: 1 },
+  ]);
 });
