@@ -46,7 +46,7 @@ TEST(Json, ValuesOfAllKinds) {
   EXPECT_EQ(a->items[1].text, "x");
   EXPECT_EQ(a->items[2].items.at(0).kind, Kind::kTrue);
   ASSERT_NE(object.Find("b"), nullptr);
-  EXPECT_EQ(object.Find("b")->members.at(0).second.kind, Kind::kNull);
+  EXPECT_EQ(object.Find("b")->members.at(0).value.kind, Kind::kNull);
   EXPECT_EQ(object.Find("c"), nullptr);
 }
 

@@ -35,13 +35,13 @@ bmp_header() {
 limited=true
 [ "$(ldd "$tool" | grep -c libasan)" -eq 0 ] || limited=false
 
-# The limit counts what the program allocates, stacks included, but no code and no files.
+# The limit counts what the program allocates, stacks included, but no code and no files. Each thread has a stack.
 prints_in() { # MB OUT ARGUMENT...
   local limit=$1 out=$2
   shift 2
   (
     ! $limited || ulimit -d $((limit * 1024)) || exit 1
-    "$tool" print "$@" -q --no-header -o "$out"
+    "$tool" print "$@" -q --no-header --jobs 2 -o "$out"
   )
 }
 
@@ -103,6 +103,11 @@ for ((i = 0; i < 6; ++i)); do cat text.txt; done >long.txt
 prints_in 20 - --paper 60x60mm --margin 5 --dpi 40 --device gray --format ppm long.txt >long.ppm || fail "a long text"
 pages=$(($(wc -c <long.ppm) / (94 * 94 + 13)))
 [ "$pages" -ge 7000 ] || fail "$pages pages of a long text"
+
+# Several large files at a time, two of them at once.
+for i in 1 2 3 4; do ln -s hole.bmp hole-$i.bmp; done
+prints_in 60 '{name}-each.ppm' "${page[@]}" --each hole-?.bmp || fail "600 MB of rows, four times"
+for i in 1 2 3 4; do cmp -s hole.ppm hole-$i-each.ppm || fail "the picture printed among others is another one: $i"; done
 
 # The limits do limit.
 $limited && prints_in 2 none.ppm "${page[@]}" hole.bmp 2>/dev/null && fail "a page was printed in 2 MB: the limit does nothing"

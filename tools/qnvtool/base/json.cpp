@@ -4,6 +4,7 @@
 #include <fmt/core.h>
 
 #include <algorithm>
+#include <utility>
 
 namespace qnv::tool {
 namespace {
@@ -100,8 +101,8 @@ class Parser {
       }
       SkipSpaces();
       if (!Skip(':')) return Fail("no colon");
-      value.members.emplace_back(std::move(name), JsonValue());
-      if (!Value(value.members.back().second, depth + 1)) return false;
+      value.members.push_back({std::move(name), JsonValue()});
+      if (!Value(value.members.back().value, depth + 1)) return false;
       SkipSpaces();
     } while (Skip(','));
     return Skip('}') || Fail("no comma and no }");
@@ -210,8 +211,8 @@ class Parser {
 
 const JsonValue* JsonValue::Find(std::string_view name) const {
   const auto found =
-      std::find_if(members.begin(), members.end(), [&](const auto& member) { return member.first == name; });
-  return found == members.end() ? nullptr : &found->second;
+      std::find_if(members.begin(), members.end(), [&](const JsonMember& member) { return member.name == name; });
+  return found == members.end() ? nullptr : &found->value;
 }
 
 std::optional<JsonValue> ParseJson(std::string_view text, std::string& error) {

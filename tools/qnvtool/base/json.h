@@ -4,21 +4,27 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <utility>
 #include <vector>
 
 namespace qnv::tool {
 
+struct JsonMember;
+
 struct JsonValue {
   enum class Kind { kNull, kFalse, kTrue, kNumber, kString, kArray, kObject };
   Kind kind = Kind::kNull;
-  std::string text;                                        // UTF-8; of a number as it is written
-  std::vector<JsonValue> items;                            // of an array
-  std::vector<std::pair<std::string, JsonValue>> members;  // of an object, each name once
+  std::string text;                 // UTF-8; of a number as it is written
+  std::vector<JsonValue> items;     // of an array
+  std::vector<JsonMember> members;  // of an object, each name once
 
   bool isString() const { return kind == Kind::kString; }
   // The member of this name; null where there is none.
   const JsonValue* Find(std::string_view name) const;
+};
+
+struct JsonMember {
+  std::string name;
+  JsonValue value;
 };
 
 // Parses one value, which must be all that the text holds. On a mistake returns nothing and says in `error` what is

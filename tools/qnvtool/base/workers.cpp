@@ -37,7 +37,7 @@ Workers::~Workers() {
 }
 
 Workers::TaskPtr Workers::Start(std::function<void()> work, const TaskPtr& after) {
-  const auto task = std::make_shared<Task>();
+  auto task = std::make_shared<Task>();
   task->work = std::move(work);
   {
     const std::lock_guard<std::mutex> lock(mutex_);

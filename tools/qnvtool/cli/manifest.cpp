@@ -107,7 +107,9 @@ ListedJob JobOf(const std::string& text, const JobReader& reader) {
   reader.reset();
   std::vector<std::string> files;
   std::string out;
-  for (const auto& [name, value] : object->members) {
+  for (const JsonMember& member : object->members) {
+    const std::string& name = member.name;
+    const JsonValue& value = member.value;
     if (name == "input") {
       files = FilesOf(value);
     } else if (name == "output") {

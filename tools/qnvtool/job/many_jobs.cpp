@@ -16,6 +16,7 @@
 
 #include "qnvtool/base/interruption.h"
 #include "qnvtool/base/ordered_tasks.h"
+#include "qnvtool/base/output_file.h"
 #include "qnvtool/base/progress.h"
 #include "qnvtool/base/tool_error.h"
 #include "qnvtool/job/job_report.h"
