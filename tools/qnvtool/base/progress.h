@@ -6,6 +6,10 @@
 
 namespace qnv::tool {
 
+// What is shown on a terminal of so many columns: a bar, the percentage and the label; without the bar, or with the
+// label cut off, where there is no room. It never fills the last column, behind which terminals begin another line.
+std::string ProgressLine(double done, const std::string& label, int columns);
+
 class Progress {
  public:
   // Shows nothing when not `enabled` or when standard error is no terminal.

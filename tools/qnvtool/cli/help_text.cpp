@@ -110,6 +110,10 @@ constexpr const char* kCompletionEnd = R"(  esac
       fi
     done < <(compgen -f -- "$current")
   fi
+  # A value that goes on, as scaled:A/B does.
+  if [[ ${#COMPREPLY[@]} -eq 1 && ${COMPREPLY[0]} == *[:/] ]]; then
+    compopt -o nospace 2>/dev/null
+  fi
 }
 )";
 

@@ -13,17 +13,32 @@
 namespace qnv::tool {
 namespace {
 
+// The word in quotes that begins at `at`, which moves behind it; a quote that belongs to it is doubled.
+std::string QuotedWord(const std::string& line, std::size_t& at, const FigureLine& where) {
+  std::string word;
+  for (++at; at < line.size(); ++at) {
+    if (line[at] == '"') {
+      ++at;
+      if (at == line.size() || line[at] != '"') return word;
+    }
+    word += line[at];
+  }
+  where.Fail("a quote is not closed");
+}
+
 // Words are separated by blanks; one in double quotes may hold blanks.
-std::vector<std::string> SplitWords(const std::string& line) {
+std::vector<std::string> SplitWords(const std::string& line, const FigureLine& where) {
   std::vector<std::string> words;
   std::size_t at = 0;
   while ((at = line.find_first_not_of(" \t\r", at)) != std::string::npos) {
-    const bool quoted = line[at] == '"';
-    if (quoted) ++at;
-    const std::size_t end = std::min(line.find_first_of(quoted ? "\"" : " \t\r", at), line.size());
+    if (line[at] == '"') {
+      // The quote marks it as text, so that it is never taken for an option.
+      words.push_back('"' + QuotedWord(line, at, where));
+      continue;
+    }
+    const std::size_t end = std::min(line.find_first_of(" \t\r", at), line.size());
     words.push_back(line.substr(at, end - at));
-    if (quoted) words.back().insert(0, 1, '"');  // marks it as text, so that it is never taken for an option
-    at = std::min(end + 1, line.size());
+    at = end;
   }
   return words;
 }
@@ -60,7 +75,7 @@ uint32_t ParseHex(const std::string& digits, const char* field, const FigureLine
 }  // namespace
 
 FigureLine::FigureLine(const std::string& line, std::string where) : where_(std::move(where)) {
-  const std::vector<std::string> all = SplitWords(line);
+  const std::vector<std::string> all = SplitWords(line, *this);
   if (all.empty()) return;
   verb_ = all.front();
   for (std::size_t i = 1; i < all.size(); ++i) {

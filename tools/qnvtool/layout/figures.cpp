@@ -135,12 +135,21 @@ class FigureSetter {
     Add(StrokeRegion(points, Px(pen.widthMm), closed), PenOf(pen), line);
   }
 
+  PicturePtr Open(const std::string& file, const FigureLine& line) const {
+    try {
+      return openImage_(file);
+    } catch (const ToolError& error) {
+      if (error.code() != ExitCode::kBadInput) throw;
+      line.Fail(fmt::format("image: {}", error.what()));
+    }
+  }
+
   // image: a file is read once, however often it is shown.
   void Image(const FigureLine& line) {
     line.Expect(5, {"rop"});
     const std::string file = FileNameOf(PathOf(path_).parent_path() / PathOf(line.Word(0, "FILE")));
     PicturePtr& image = images_[file];
-    if (image == nullptr) image = openImage_(file);
+    if (image == nullptr) image = Open(file, line);
     const bool freeWidth = line.Word(3, "W") == "-";
     const bool freeHeight = line.Word(4, "H") == "-";
     if (freeWidth && freeHeight) line.Fail("image: only one of W and H can be left open");
@@ -203,7 +212,9 @@ std::vector<Page> LayOutFigures(const Bytes& file, const PageSetup& setup, const
                                 const OpenFigureImage& openImage) {
   DecodeTextFile(file, path);  // only for its check that this is text
   FigureSetter setter(setup, path, openImage);
-  const std::string_view text(reinterpret_cast<const char*>(file.data()), file.size());
+  std::string_view text(reinterpret_cast<const char*>(file.data()), file.size());
+  constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+  if (text.substr(0, kByteOrderMark.size()) == kByteOrderMark) text.remove_prefix(kByteOrderMark.size());
   int number = 0;
   for (std::size_t begin = 0; begin < text.size();) {
     const std::size_t end = std::min(text.find('\n', begin), text.size());
