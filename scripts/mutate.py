@@ -1,7 +1,8 @@
 #!/usr/bin/env python3
 """Changes one operator, constant or comparison of the library at a time and counts what the tests catch.
 
-  scripts/mutate.py [--count 500] [--seed 1] [--jobs CORES] [--files REGEX] [--only NUMBER...] [--list]
+  scripts/mutate.py [--count 500] [--seed 1] [--jobs CORES] [--files REGEX] [--only NUMBER...] [--first NUMBER]
+                    [--list]
 
 A mutation is a token that is replaced; a seed always gives the same list for the same sources. Each job has a copy of
 the project under build/mutation, changes a file there, builds what depends on it and runs the suites that can see it,
@@ -207,12 +208,13 @@ def main():
     parser.add_argument("--jobs", type=int, default=os.cpu_count())
     parser.add_argument("--files", default="", help="only files whose name matches this regular expression")
     parser.add_argument("--only", type=int, nargs="*", help="numbers of a list to try again")
+    parser.add_argument("--first", type=int, default=0, help="begin with this number of the list, to go on with a run")
     parser.add_argument("--list", action="store_true", help="print the mutations and try none")
     options = parser.parse_args()
 
     equivalents = read_equivalents()
     order = drawn(all_mutations(options.files), options.seed)
-    numbered = [(n, m) for n, m in enumerate(order) if key_of(m) not in equivalents]
+    numbered = [(n, m) for n, m in enumerate(order) if n >= options.first and key_of(m) not in equivalents]
     if options.only:
         numbered = [(n, m) for n, m in numbered if n in options.only]
     if options.list:
@@ -263,7 +265,8 @@ def main():
                     if item:
                         running.add(pool.submit(attempt, item))
                 if tried and tried % 25 == 0:
-                    print(f"{tried} tried, {caught.total()} caught, {time.time() - start:.0f} s", flush=True)
+                    print(f"{tried} tried up to number {number}, {caught.total()} caught, {time.time() - start:.0f} s",
+                          flush=True)
     total = caught.total() + len(survivors)
     print("caught by", ", ".join(f"{name} {count}" for name, count in caught.most_common()))
     print(f"{caught.total()} of {total} caught ({100 * caught.total() / max(total, 1):.1f} %), seed {options.seed}, "
