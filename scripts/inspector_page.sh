@@ -52,10 +52,16 @@ case ${1-} in
       echo "  FAILED  the built page is older than its sources: run scripts/inspector_page.sh build"
       failed=1
     fi
-    if (cd $page && npx --no-install tsc --noEmit); then
+    if (cd $page && node_modules/.bin/tsc --noEmit); then
       echo "  ok      types"
     else
       echo "  FAILED  types (tsc, above)"
+      failed=$((failed + 1))
+    fi
+    if (cd $page && npm run --silent check-format); then
+      echo "  ok      format"
+    else
+      echo "  FAILED  format: run npm run format in $page"
       failed=$((failed + 1))
     fi
     output=$(mktemp)
@@ -64,7 +70,7 @@ case ${1-} in
     read -r good _ bad _ < <(tail -n 1 "$output")
     sed '$d' "$output"
     [[ $good =~ ^[0-9]+$ && $bad =~ ^[0-9]+$ ]] || { tail -n 1 "$output"; good=0 bad=1; }
-    echo "$((good + 2 - failed)) passed, $((bad + failed)) failed"
+    echo "$((good + 3 - failed)) passed, $((bad + failed)) failed"
     [ $((bad + failed)) -eq 0 ]
     ;;
   *)

@@ -12,7 +12,10 @@ export default async function* report(source) {
       failed++;
       const error = data.details.error?.cause ?? data.details.error;
       yield `  FAILED  ${data.name}\n${String(error?.stack ?? error).replace(/^/gm, '          ')}\n`;
-    } else if (type === 'test:diagnostic' && !/^(tests|suites|pass|fail|cancelled|skipped|todo|duration_ms) /.test(data.message)) {
+    } else if (
+      type === 'test:diagnostic' &&
+      !/^(tests|suites|pass|fail|cancelled|skipped|todo|duration_ms) /.test(data.message)
+    ) {
       yield `          ${data.message}\n`;
     } else if (type === 'test:stdout' || type === 'test:stderr') {
       yield data.message;

@@ -1,6 +1,13 @@
 // Everything a person can do, in functions that change the state. Keys and buttons call the same ones.
 import { WorkerEngine } from '../engine/client';
-import { Abandoned, type CompareAnswer, type Painter, type Rect, type RowsAnswer, type Summary } from '../engine/contract';
+import {
+  Abandoned,
+  type CompareAnswer,
+  type Painter,
+  type Rect,
+  type RowsAnswer,
+  type Summary,
+} from '../engine/contract';
 import { packedEngine, takePackedFiles } from '../engine/embedded';
 import { decodeCalls, decodeColumns } from './columns';
 import { type Filter, isEmpty, kNoFilter, questionOf } from './filter';
@@ -144,7 +151,11 @@ export function showPage(page: number): void {
   const file = activeFile(store.state);
   if (!file) return;
   const shown = file.summary.pages[page];
-  store.set({ page: shown ? page : -1, pixel: null, camera: shown && sameSize(file, page) ? store.state.camera : null });
+  store.set({
+    page: shown ? page : -1,
+    pixel: null,
+    camera: shown && sameSize(file, page) ? store.state.camera : null,
+  });
   showCall(shown ? shown.lastCall : file.columns.count - 1);
 }
 

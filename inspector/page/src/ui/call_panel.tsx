@@ -1,10 +1,10 @@
 // Everything about the current call: arguments, what it changed, what the checker found, its pictures.
 import { Fragment } from 'preact';
-import { useState } from 'preact/hooks';
+import { useMemo, useState } from 'preact/hooks';
 import type { Argument, CallAnswer, Finding } from '../engine/contract';
 import { revealRect, showPageEdge, step } from '../model/actions';
 import { formatCount, formatTime, sentence } from '../model/format';
-import { activeFile, useApp } from '../model/state';
+import { type OpenFile, activeFile, useApp } from '../model/state';
 import { EnginePicture } from './engine_picture';
 
 const kPictureNames = { brush: 'Brush', source: 'Source', dib: 'Image', glyph: 'Glyph' };
@@ -142,16 +142,86 @@ function Changed({ answer, file }: { answer: CallAnswer; file: number }) {
   );
 }
 
+function Answer({ shown, file }: { shown: CallAnswer; file: OpenFile }) {
+  const page = shown.page >= 0 ? file.summary.pages[shown.page] : undefined;
+  const named = new Set(shown.arguments.map(({ picture }) => picture));
+  const others = shown.pictures.filter(({ id }) => !named.has(id));
+  return (
+    <>
+      <dl class="facts">
+        <div>
+          <dt>Time</dt>
+          <dd>{formatTime(shown.ns)}</dd>
+        </div>
+        <div>
+          <dt>Result</dt>
+          <dd class="mono">{String(shown.result)}</dd>
+        </div>
+        <div>
+          <dt>Device</dt>
+          <dd>{shown.device > 0 ? shown.device : '–'}</dd>
+        </div>
+        <div>
+          <dt>Page, band</dt>
+          <dd>{page ? `${page.page + 1}, ${shown.band + 1} of ${page.bands.length}` : '–'}</dd>
+        </div>
+      </dl>
+      {shown.made === false && <p class="notice notice-warn">The replay leaves this call out.</p>}
+      {shown.differs && (
+        <p class="notice notice-bad">The replay gives another result, or another band, than was recorded.</p>
+      )}
+      <Findings findings={shown.findings} />
+      <section class="part">
+        <h3>Arguments</h3>
+        <table class="arguments">
+          <tbody>
+            {shown.arguments.map((argument) => (
+              <ArgumentRows
+                key={`${shown.call}/${argument.name}`}
+                argument={argument}
+                answer={shown}
+                file={file.number}
+              />
+            ))}
+          </tbody>
+        </table>
+      </section>
+      {others.length > 0 && (
+        <section class="part">
+          <h3>Pictures</h3>
+          <div class="pictures-grid">
+            {others.map((picture) => (
+              <EnginePicture
+                key={picture.id}
+                file={file.number}
+                question={{ d: 'picture', call: shown.call, id: picture.id }}
+                label={picture.label || picture.what}
+                room={others.length > 2 ? 72 : 220}
+              />
+            ))}
+          </div>
+        </section>
+      )}
+      <Changed answer={shown} file={file.number} />
+      <section class="part">
+        <h3>As text</h3>
+        <p class="whole-line">
+          <Value key={shown.call} text={shown.line} />
+        </p>
+      </section>
+    </>
+  );
+}
+
 export function CallPanel() {
   const file = useApp(activeFile);
   const call = useApp((state) => state.call);
   const answer = useApp((state) => state.answer);
   const error = useApp((state) => state.answerError);
-  if (!file) return null;
   const shown = error ? null : answer;
-  const page = shown && shown.page >= 0 ? file.summary.pages[shown.page] : undefined;
-  const named = new Set(shown?.arguments.map(({ picture }) => picture));
-  const others = shown?.pictures.filter(({ id }) => !named.has(id)) ?? [];
+  // The same object as before is not looked at again: a step changes the number at once, the rest with the answer.
+  const body = useMemo(() => shown && file && <Answer shown={shown} file={file} />, [shown, file]);
+  if (!file) return null;
   return (
     <div class="call-panel" data-call={shown?.call ?? ''} aria-busy={shown?.call !== call}>
       <header class="call-head">
@@ -159,7 +229,12 @@ export function CallPanel() {
           <span class="muted">{call}</span> {shown?.function ?? ''}
         </h2>
         <div class="buttons">
-          <button type="button" title="First call of the page (Home)" aria-label="First call" onClick={() => showPageEdge('first')}>
+          <button
+            type="button"
+            title="First call of the page (Home)"
+            aria-label="First call"
+            onClick={() => showPageEdge('first')}
+          >
             ⇤
           </button>
           <button type="button" title="Previous call (←)" aria-label="Previous call" onClick={() => step(-1, 'call')}>
@@ -168,7 +243,12 @@ export function CallPanel() {
           <button type="button" title="Next call (→)" aria-label="Next call" onClick={() => step(1, 'call')}>
             ›
           </button>
-          <button type="button" title="Last call of the page (End)" aria-label="Last call" onClick={() => showPageEdge('last')}>
+          <button
+            type="button"
+            title="Last call of the page (End)"
+            aria-label="Last call"
+            onClick={() => showPageEdge('last')}
+          >
             ⇥
           </button>
         </div>
@@ -178,66 +258,7 @@ export function CallPanel() {
           {error}
         </p>
       )}
-      {shown && (
-        <>
-          <dl class="facts">
-            <div>
-              <dt>Time</dt>
-              <dd>{formatTime(shown.ns)}</dd>
-            </div>
-            <div>
-              <dt>Result</dt>
-              <dd class="mono">{String(shown.result)}</dd>
-            </div>
-            <div>
-              <dt>Device</dt>
-              <dd>{shown.device > 0 ? shown.device : '–'}</dd>
-            </div>
-            <div>
-              <dt>Page, band</dt>
-              <dd>{page ? `${page.page + 1}, ${shown.band + 1} of ${page.bands.length}` : '–'}</dd>
-            </div>
-          </dl>
-          {shown.made === false && <p class="notice notice-warn">The replay leaves this call out.</p>}
-          {shown.differs && (
-            <p class="notice notice-bad">The replay gives another result, or another band, than was recorded.</p>
-          )}
-          <Findings findings={shown.findings} />
-          <section class="part">
-            <h3>Arguments</h3>
-            <table class="arguments">
-              <tbody>
-                {shown.arguments.map((argument) => (
-                  <ArgumentRows key={`${shown.call}/${argument.name}`} argument={argument} answer={shown} file={file.number} />
-                ))}
-              </tbody>
-            </table>
-          </section>
-          {others.length > 0 && (
-            <section class="part">
-              <h3>Pictures</h3>
-              <div class="pictures-grid">
-                {others.map((picture) => (
-                  <EnginePicture
-                    key={picture.id}
-                    file={file.number}
-                    question={{ d: 'picture', call: shown.call, id: picture.id }}
-                    label={picture.label || picture.what}
-                    room={others.length > 2 ? 72 : 220}
-                  />
-                ))}
-              </div>
-            </section>
-          )}
-          <Changed answer={shown} file={file.number} />
-          <section class="part">
-            <h3>As text</h3>
-            <p class="whole-line">
-              <Value key={shown.call} text={shown.line} />
-            </p>
-          </section>
-        </>
-      )}
+      {body}
     </div>
   );
 }

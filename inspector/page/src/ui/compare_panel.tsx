@@ -57,7 +57,12 @@ export function ComparePanel() {
           >
             ‹ Previous
           </button>
-          <button type="button" disabled={all.length === 0} title="Next difference (d)" onClick={() => stepDifference(1)}>
+          <button
+            type="button"
+            disabled={all.length === 0}
+            title="Next difference (d)"
+            onClick={() => stepDifference(1)}
+          >
             Next difference ›
           </button>
         </div>
@@ -81,7 +86,10 @@ export function ComparePanel() {
       ) : (
         <>
           <p class={compare.same ? 'notice notice-good' : 'notice'} data-test="compare-text">
-            {sentence(compare.text || (compare.same ? 'Both files hold the same calls and paint the same pages' : 'The files differ'))}
+            {sentence(
+              compare.text ||
+                (compare.same ? 'Both files hold the same calls and paint the same pages' : 'The files differ'),
+            )}
           </p>
           {compare.firstDifferent >= 0 && (
             <p>

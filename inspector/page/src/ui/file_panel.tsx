@@ -35,8 +35,8 @@ export function FilePanel() {
       {summary.truncated !== '' && <p class="notice notice-warn">{sentence(summary.truncated)}</p>}
       {counts.differs > 0 && (
         <p class="notice notice-bad">
-          {formatCount(counts.differs)} {counts.differs === 1 ? 'call gives' : 'calls give'} another result here than was
-          recorded.
+          {formatCount(counts.differs)} {counts.differs === 1 ? 'call gives' : 'calls give'} another result here than
+          was recorded.
         </p>
       )}
       <dl class="facts facts-wide">
@@ -102,7 +102,12 @@ export function FilePanel() {
         <ol class="slowest">
           {summary.pages.map((page) => (
             <li key={page.page}>
-              <button type="button" class="slow" aria-current={page.page === shownPage} onClick={() => showPage(page.page)}>
+              <button
+                type="button"
+                class="slow"
+                aria-current={page.page === shownPage}
+                onClick={() => showPage(page.page)}
+              >
                 <span>Page {page.page + 1}</span>
                 <span class="muted">
                   device {page.device}, {page.bands.length} {page.bands.length === 1 ? 'band' : 'bands'}, calls{' '}

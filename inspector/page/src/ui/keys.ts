@@ -74,7 +74,12 @@ export const kKeys: readonly { title: string; keys: readonly Key[] }[] = [
       { keys: ['z'], shown: 'z', what: 'real size', run: () => activeView()?.zoomTo(1) },
       { keys: ['Z'], shown: 'Shift+Z', what: 'single pixels', run: () => activeView()?.zoomTo(16) },
       { keys: ['c'], shown: 'c', what: 'to what the call changed', run: revealChange },
-      { keys: ['o'], shown: 'o', what: 'outline of what the call changed', run: () => set({ outline: !store.state.outline }) },
+      {
+        keys: ['o'],
+        shown: 'o',
+        what: 'outline of what the call changed',
+        run: () => set({ outline: !store.state.outline }),
+      },
       { keys: ['G'], shown: 'Shift+G', what: 'grid and edges of bands', run: () => set({ grid: !store.state.grid }) },
       { keys: ['t'], shown: 't', what: 'tag plane', run: toggleTags },
       { keys: ['h'], shown: 'h', what: 'heat map: none, time, overdraw', run: cycleHeat },
@@ -84,8 +89,18 @@ export const kKeys: readonly { title: string; keys: readonly Key[] }[] = [
     title: 'Elsewhere',
     keys: [
       { keys: ['/'], shown: '/', what: 'search', run: () => focus('#search') },
-      { keys: ['r'], shown: 'r', what: 'draw a rectangle to filter by', run: () => set({ isDrawingRect: !store.state.isDrawingRect }) },
-      { keys: ['v'], shown: 'v', what: 'focus the page; arrows move over pixels, Enter marks one', run: () => focus('.picture canvas') },
+      {
+        keys: ['r'],
+        shown: 'r',
+        what: 'draw a rectangle to filter by',
+        run: () => set({ isDrawingRect: !store.state.isDrawingRect }),
+      },
+      {
+        keys: ['v'],
+        shown: 'v',
+        what: 'focus the page; arrows move over pixels, Enter marks one',
+        run: () => focus('.picture canvas'),
+      },
       { keys: ['i'], shown: 'i', what: 'focus the list', run: () => focus('.list') },
       { keys: ['s'], shown: 's', what: 'focus the slider', run: () => focus('#slider') },
       ...kPanels.map(({ panel, label }, index) => ({
@@ -109,7 +124,9 @@ function revealChange(): void {
   if (rect && store.state.answer?.call === store.state.call) activeView()?.reveal(rect);
 }
 
-const kByKey = new Map(kKeys.flatMap(({ keys }) => keys.flatMap((key) => key.keys.map((name) => [name, key] as const))));
+const kByKey = new Map(
+  kKeys.flatMap(({ keys }) => keys.flatMap((key) => key.keys.map((name) => [name, key] as const))),
+);
 
 function takesKeys(target: EventTarget | null, key: string): boolean {
   if (target instanceof HTMLInputElement) {

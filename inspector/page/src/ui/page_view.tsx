@@ -54,7 +54,12 @@ function PixelLine() {
   const pixel = useApp((state) => state.pixel);
   const hasRect = useApp((state) => state.isDrawingRect);
   if (hasRect) return <span>Drag a rectangle on the page, or press Esc to leave it.</span>;
-  if (!at) return <span class="muted">{pixel ? `Pixel ${pixel.x}, ${pixel.y} is marked.` : 'Point at a pixel; click it to see which calls wrote it.'}</span>;
+  if (!at)
+    return (
+      <span class="muted">
+        {pixel ? `Pixel ${pixel.x}, ${pixel.y} is marked.` : 'Point at a pixel; click it to see which calls wrote it.'}
+      </span>
+    );
   return (
     <>
       <span class="at">
@@ -89,7 +94,9 @@ export function PageView() {
       </div>
       <div class="pixel-line">
         <PixelLine />
-        <span class="zoom-now">{scale === null ? 'whole page' : `${scale >= 1 ? scale : Number(scale.toPrecision(3))}×`}</span>
+        <span class="zoom-now">
+          {scale === null ? 'whole page' : `${scale >= 1 ? scale : Number(scale.toPrecision(3))}×`}
+        </span>
       </div>
     </section>
   );

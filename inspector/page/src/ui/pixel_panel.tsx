@@ -67,7 +67,10 @@ export function PixelPanel() {
     <div class="pixel-panel" aria-busy={pixel.painters === null}>
       <header class="call-head">
         <h2>
-          Pixel <span class="mono">{pixel.x}, {pixel.y}</span>
+          Pixel{' '}
+          <span class="mono">
+            {pixel.x}, {pixel.y}
+          </span>
         </h2>
       </header>
       {pixel.error ? (

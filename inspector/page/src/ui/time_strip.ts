@@ -21,7 +21,8 @@ export function paintStrip(canvas: HTMLCanvasElement, columns: Columns, page: Pa
   page.bands.forEach((band, index) => {
     context.fillStyle = color(index % 2 === 0 ? 'strip-even' : 'strip-odd');
     const left = index === 0 ? 0 : xOf(band.firstCall);
-    const right = index === page.bands.length - 1 ? canvas.width : xOf((page.bands[index + 1] as typeof band).firstCall);
+    const right =
+      index === page.bands.length - 1 ? canvas.width : xOf((page.bands[index + 1] as typeof band).firstCall);
     context.fillRect(left, 0, right - left, canvas.height);
   });
   // Several calls share a column of pixels; the bar is their sum, on a scale by the square root.

@@ -58,7 +58,13 @@ function Pages() {
   const { pages, devices } = file.summary;
   return (
     <div class="group">
-      <button type="button" aria-label="Previous page" title="Previous page ([)" disabled={page <= 0} onClick={() => stepPage(-1)}>
+      <button
+        type="button"
+        aria-label="Previous page"
+        title="Previous page ([)"
+        disabled={page <= 0}
+        onClick={() => stepPage(-1)}
+      >
         ‹
       </button>
       <select aria-label="Page shown" value={page} onChange={(event) => showPage(Number(event.currentTarget.value))}>
@@ -95,7 +101,11 @@ function Zoom() {
       <button type="button" aria-pressed={isFit} title="Whole page (0)" onClick={() => store.set({ camera: null })}>
         Fit
       </button>
-      <button type="button" title="A pixel of the page is a pixel of the screen (z)" onClick={() => activeView()?.zoomTo(1)}>
+      <button
+        type="button"
+        title="A pixel of the page is a pixel of the screen (z)"
+        onClick={() => activeView()?.zoomTo(1)}
+      >
         1:1
       </button>
     </div>

@@ -213,7 +213,11 @@ export class PageCanvas {
     if (heat) painting.image(heat.canvas, page.left, page.top, page.width, page.height, 0.75);
     if (region) painting.bytes(region, page, device?.kind === 'plain8');
     if (state.grid) painting.grid(page);
-    if (state.grid) painting.bandEdges(page.bands.slice(1).map((band) => band.top), page);
+    if (state.grid)
+      painting.bandEdges(
+        page.bands.slice(1).map((band) => band.top),
+        page,
+      );
     this.paintMarks(painting, state, file, page);
     painting.rulers(page, cursor.state.file === this.index ? cursor.state.at : null);
     this.exact = exact;
@@ -358,9 +362,7 @@ export class PageCanvas {
         y: Math.floor(camera.y + this.view.height / 2 / camera.scale),
       };
       const from = cursor.state.at ?? store.state.pixel;
-      const at = from
-        ? { x: from.x + (direction[0] as number), y: from.y + (direction[1] as number) }
-        : middle;
+      const at = from ? { x: from.x + (direction[0] as number), y: from.y + (direction[1] as number) } : middle;
       const inside = {
         x: Math.max(page.left, Math.min(page.left + page.width - 1, at.x)),
         y: Math.max(page.top, Math.min(page.top + page.height - 1, at.y)),

@@ -7,7 +7,10 @@ import { Session, closeBrowser, writePage } from '../support/browser';
 import { kChanged, kMistakes, kOverlapping } from '../support/hosts';
 import { recordHost, recordPrint, recorded } from '../support/tool';
 
-const axe = readFileSync(createRequire(`${process.env['INSPECTOR_PAGE']}/package.json`).resolve('axe-core/axe.min.js'), 'utf8');
+const axe = readFileSync(
+  createRequire(`${process.env['INSPECTOR_PAGE']}/package.json`).resolve('axe-core/axe.min.js'),
+  'utf8',
+);
 const kSmallPage = ['--paper', '60x40mm', '--dpi', '72', '--margin', '2', '--no-header'];
 let pages: Record<string, string> = {};
 
@@ -31,7 +34,8 @@ interface Violation {
 async function violations(session: Session): Promise<string[]> {
   if (!(await session.page.evaluate(() => 'axe' in window))) await session.page.evaluate(axe);
   const found = await session.page.evaluate(
-    async () => (await (window as unknown as { axe: { run(): Promise<{ violations: Violation[] }> } }).axe.run()).violations,
+    async () =>
+      (await (window as unknown as { axe: { run(): Promise<{ violations: Violation[] }> } }).axe.run()).violations,
   );
   return found.flatMap(({ id, nodes }) =>
     nodes.slice(0, 3).map((node) => `${id}: ${node.target.join(' ')}: ${node.failureSummary.replace(/\s+/g, ' ')}`),

@@ -76,7 +76,9 @@ browserTest('filters and search give the calls that the tool lists', 'dual', asy
   const { page } = session;
   const all = dump(kDual);
   const count = (test: (text: string) => boolean) =>
-    tool(['dump', kDual]).split('\n').filter((line) => line !== '' && test(line.toLowerCase())).length;
+    tool(['dump', kDual])
+      .split('\n')
+      .filter((line) => line !== '' && test(line.toLowerCase())).length;
   await session.press('/');
   await page.keyboard.type('HS_cross');
   const found = count((line) => line.includes('hs_cross'));
@@ -160,7 +162,10 @@ browserTest('keys step through the calls', 'dual', async (session) => {
   assert.equal(await session.press('ArrowRight', 'ArrowRight'), first + 3);
   assert.equal(await session.press('ArrowLeft'), first + 2);
   const drawing = await session.press('.');
-  assert.equal(drawing, all.findIndex((call) => call.call > first + 2 && draws(call.call)));
+  assert.equal(
+    drawing,
+    all.findIndex((call) => call.call > first + 2 && draws(call.call)),
+  );
   assert.ok(draws(await session.press('.')));
   assert.equal(await session.press(','), drawing);
   assert.equal(await session.press('j'), drawing + 1);
@@ -188,7 +193,9 @@ browserTest('every call has the arguments that the tool shows', 'figures', async
     assert.equal(await session.press('Enter'), call.call);
     assert.match(await session.text('.call-head h2'), new RegExp(`^${call.call} ${call.function}`));
     assert.equal((await session.text('.whole-line')).trim(), lines[call.call]?.trim());
-    const names = await session.page.$$eval('.arguments th', (cells) => cells.map((cell) => cell.firstChild?.textContent));
+    const names = await session.page.$$eval('.arguments th', (cells) =>
+      cells.map((cell) => cell.firstChild?.textContent),
+    );
     for (const name of Object.keys(call)) {
       if (!['call', 'function', 'thread', 'returned', 'ns'].includes(name)) assert.ok(names.includes(name), name);
     }
@@ -239,90 +246,117 @@ browserTest('the slider and play move through the page', 'dual', async (session)
   await page.select('select[aria-label=Speed]', '100');
   await page.evaluate(() => (document.activeElement as HTMLElement).blur());
   await page.keyboard.press('Space');
-  await until('playing goes on', async () => Number(await page.$eval('#go-to', (input) => (input as HTMLInputElement).value)) > middle + 5);
+  await until(
+    'playing goes on',
+    async () => Number(await page.$eval('#go-to', (input) => (input as HTMLInputElement).value)) > middle + 5,
+  );
   await page.keyboard.press('Space');
-  await until('a pause', async () => (await page.$eval('.play', (button) => button.getAttribute('aria-label'))) === 'Play');
+  await until(
+    'a pause',
+    async () => (await page.$eval('.play', (button) => button.getAttribute('aria-label'))) === 'Play',
+  );
   const paused = await session.painted();
   await new Promise((resolve) => setTimeout(resolve, 100));
   assert.equal(await session.painted(), paused);
 });
 
-browserTest('a click on a pixel lists every call that changed it, with the values that the tool renders', 'figures', async (session) => {
-  const { page } = session;
-  const calls = dump(figures);
-  await session.press('z');
-  const places: [number, number][] = [
-    [60, 45],
-    [66, 55],
-    [40, 40],
-    [150, 100],
-  ];
-  // The answer of the tool: render the page after every call, and see where the pixel changes.
-  const expected = new Map(places.map((place) => [place.join(), [] as { call: number; value: number[] }[]]));
-  let previous = render(figures, { calls: (calls.find(({ function: name }) => name === 'QNVEnable')?.call ?? 0) + 1 });
-  for (const { call, function: name } of calls) {
-    if (!/Output|Text|BitBlt/.test(name)) continue;
-    const now = render(figures, { calls: call + 1 });
-    for (const [x, y] of places) {
-      const value = now.at(x, y);
-      const isNew = value.join() !== (previous.at(x, y).join() || '255,255,255');
-      if (isNew) expected.get(`${x},${y}`)?.push({ call, value });
-    }
-    previous = now;
-  }
-  for (const [x, y] of places) {
-    const place = await session.screenPlace(x, y);
-    await page.mouse.click(place.x, place.y);
-    await until(`pixel ${x}, ${y}`, async () => {
-      const title = await page.$eval('.side-body', (body) => body.querySelector('.pixel-panel[aria-busy=false] h2')?.textContent);
-      return title === `Pixel ${x}, ${y}`;
+browserTest(
+  'a click on a pixel lists every call that changed it, with the values that the tool renders',
+  'figures',
+  async (session) => {
+    const { page } = session;
+    const calls = dump(figures);
+    await session.press('z');
+    const places: [number, number][] = [
+      [60, 45],
+      [66, 55],
+      [40, 40],
+      [150, 100],
+    ];
+    // The answer of the tool: render the page after every call, and see where the pixel changes.
+    const expected = new Map(places.map((place) => [place.join(), [] as { call: number; value: number[] }[]]));
+    let previous = render(figures, {
+      calls: (calls.find(({ function: name }) => name === 'QNVEnable')?.call ?? 0) + 1,
     });
-    const painters = await page.$$eval('.painter', (entries) =>
-      entries.map((entry) => ({
-        call: Number((entry as HTMLElement).dataset['call']),
-        values: [...entry.querySelectorAll('.bytes')].map((bytes) => bytes.textContent ?? ''),
-      })),
-    );
-    const drawing = painters.filter(({ call }) => calls[call]?.function !== 'QNVControl');
-    const bytes = (value: number[]) =>
-      [...value].reverse().map((byte) => byte.toString(16).toUpperCase().padStart(2, '0')).join(' ');
-    assert.deepEqual(
-      drawing.filter(({ values }) => values[0] !== values[1]).map(({ call, values }) => `${call} ${values[1]}`),
-      expected.get(`${x},${y}`)?.map(({ call, value }) => `${call} ${bytes(value)}`),
-      `pixel ${x}, ${y}`,
-    );
-  }
-  assert.ok((expected.get('60,45')?.length ?? 0) >= 3);
-  // An entry leads to its call.
-  const first = await session.screenPlace(60, 45);
-  await page.mouse.click(first.x, first.y);
-  await until('painters', async () => (await page.$$('.painter')).length > 0);
-  const target = await page.$eval('.painter', (entry) => (entry as HTMLElement).dataset['call']);
-  await page.click('.painter');
-  assert.equal(await session.painted(), Number(target));
-});
+    for (const { call, function: name } of calls) {
+      if (!/Output|Text|BitBlt/.test(name)) continue;
+      const now = render(figures, { calls: call + 1 });
+      for (const [x, y] of places) {
+        const value = now.at(x, y);
+        const isNew = value.join() !== (previous.at(x, y).join() || '255,255,255');
+        if (isNew) expected.get(`${x},${y}`)?.push({ call, value });
+      }
+      previous = now;
+    }
+    for (const [x, y] of places) {
+      const place = await session.screenPlace(x, y);
+      await page.mouse.click(place.x, place.y);
+      await until(`pixel ${x}, ${y}`, async () => {
+        const title = await page.$eval(
+          '.side-body',
+          (body) => body.querySelector('.pixel-panel[aria-busy=false] h2')?.textContent,
+        );
+        return title === `Pixel ${x}, ${y}`;
+      });
+      const painters = await page.$$eval('.painter', (entries) =>
+        entries.map((entry) => ({
+          call: Number((entry as HTMLElement).dataset['call']),
+          values: [...entry.querySelectorAll('.bytes')].map((bytes) => bytes.textContent ?? ''),
+        })),
+      );
+      const drawing = painters.filter(({ call }) => calls[call]?.function !== 'QNVControl');
+      const bytes = (value: number[]) =>
+        [...value]
+          .reverse()
+          .map((byte) => byte.toString(16).toUpperCase().padStart(2, '0'))
+          .join(' ');
+      assert.deepEqual(
+        drawing.filter(({ values }) => values[0] !== values[1]).map(({ call, values }) => `${call} ${values[1]}`),
+        expected.get(`${x},${y}`)?.map(({ call, value }) => `${call} ${bytes(value)}`),
+        `pixel ${x}, ${y}`,
+      );
+    }
+    assert.ok((expected.get('60,45')?.length ?? 0) >= 3);
+    // An entry leads to its call.
+    const first = await session.screenPlace(60, 45);
+    await page.mouse.click(first.x, first.y);
+    await until('painters', async () => (await page.$$('.painter')).length > 0);
+    const target = await page.$eval('.painter', (entry) => (entry as HTMLElement).dataset['call']);
+    await page.click('.painter');
+    assert.equal(await session.painted(), Number(target));
+  },
+);
 
-browserTest('zoomed to single pixels the canvas shows their colors, and the line below it their bytes', 'figures', async (session) => {
-  const { page } = session;
-  const expected = render(figures);
-  await session.press('z');
-  const target = await session.screenPlace(62, 48);
-  await page.mouse.move(target.x, target.y);
-  for (let i = 0; i < 8; i++) await page.keyboard.press('+');
-  await session.painted();
-  const scale = await page.$eval('.picture canvas', (canvas) => Number((canvas as HTMLElement).dataset['camera']?.split(',')[0]));
-  assert.equal(scale, 24);
-  const places: [number, number][] = [];
-  for (let y = 44; y < 52; y++) for (let x = 58; x < 66; x++) places.push([x, y]);
-  const shown = await session.shown(places);
-  places.forEach(([x, y], index) => assert.deepEqual(shown[index], expected.at(x, y), `pixel ${x}, ${y}`));
-  // Between the middles of two pixels lies the grid.
-  const over = await session.screenPlace(63, 47);
-  await page.mouse.move(over.x, over.y);
-  const bytes = [...expected.at(63, 47)].reverse().map((byte) => byte.toString(16).toUpperCase().padStart(2, '0')).join(' ');
-  await until('bytes of the pixel', async () => (await session.texts('[data-test=pixel-bytes]'))[0] === bytes);
-  assert.match(await session.text('.pixel-line'), /x 63 y 47/);
-});
+browserTest(
+  'zoomed to single pixels the canvas shows their colors, and the line below it their bytes',
+  'figures',
+  async (session) => {
+    const { page } = session;
+    const expected = render(figures);
+    await session.press('z');
+    const target = await session.screenPlace(62, 48);
+    await page.mouse.move(target.x, target.y);
+    for (let i = 0; i < 8; i++) await page.keyboard.press('+');
+    await session.painted();
+    const scale = await page.$eval('.picture canvas', (canvas) =>
+      Number((canvas as HTMLElement).dataset['camera']?.split(',')[0]),
+    );
+    assert.equal(scale, 24);
+    const places: [number, number][] = [];
+    for (let y = 44; y < 52; y++) for (let x = 58; x < 66; x++) places.push([x, y]);
+    const shown = await session.shown(places);
+    places.forEach(([x, y], index) => assert.deepEqual(shown[index], expected.at(x, y), `pixel ${x}, ${y}`));
+    // Between the middles of two pixels lies the grid.
+    const over = await session.screenPlace(63, 47);
+    await page.mouse.move(over.x, over.y);
+    const bytes = [...expected.at(63, 47)]
+      .reverse()
+      .map((byte) => byte.toString(16).toUpperCase().padStart(2, '0'))
+      .join(' ');
+    await until('bytes of the pixel', async () => (await session.texts('[data-test=pixel-bytes]'))[0] === bytes);
+    assert.match(await session.text('.pixel-line'), /x 63 y 47/);
+  },
+);
 
 browserTest('tags are those of the tool, and can be laid over the page', 'dual', async (session) => {
   const { page } = session;
@@ -342,7 +376,9 @@ browserTest('tags are those of the tool, and can be laid over the page', 'dual',
   for (const [tag, [x, y]] of seen) {
     const place = await session.screenPlace(x, y);
     await page.mouse.move(place.x, place.y);
-    const scale = await page.$eval('.picture canvas', (canvas) => Number((canvas as HTMLElement).dataset['camera']?.split(',')[0]));
+    const scale = await page.$eval('.picture canvas', (canvas) =>
+      Number((canvas as HTMLElement).dataset['camera']?.split(',')[0]),
+    );
     if (scale < 1) await session.press('z');
     const again = await session.screenPlace(x, y);
     await page.mouse.move(again.x, again.y);
@@ -397,8 +433,13 @@ browserTest('two files: the pixels that differ, and the way through them', 'two'
   assert.ok(differing.length > 0);
   await until('comparison', async () => (await session.texts('.compare-panel h3')).some((text) => /differ/.test(text)));
   const [title = ''] = await session.texts('.compare-panel h3');
-  assert.ok(title.startsWith(`${differing.length.toLocaleString('en-US')} pixels differ`), `${title}: ${differing.length}`);
-  const rects = (await session.texts('.compare-panel .slow .mono')).map((text) => text.match(/\d+/g)?.map(Number) ?? []);
+  assert.ok(
+    title.startsWith(`${differing.length.toLocaleString('en-US')} pixels differ`),
+    `${title}: ${differing.length}`,
+  );
+  const rects = (await session.texts('.compare-panel .slow .mono')).map(
+    (text) => text.match(/\d+/g)?.map(Number) ?? [],
+  );
   for (const [x, y] of differing) {
     const isOutlined = rects.some(([l = 0, t = 0, r = 0, b = 0]) => x >= l && y >= t && x < r && y < b);
     assert.ok(isOutlined, `pixel ${x}, ${y} lies in an outline`);
@@ -407,7 +448,9 @@ browserTest('two files: the pixels that differ, and the way through them', 'two'
   assert.equal((await session.texts('.compare-panel [aria-current=true]')).length, 1);
   await session.press('d');
   await session.press('D');
-  const current = await page.$$eval('.compare-panel .slow', (rows) => rows.findIndex((row) => row.getAttribute('aria-current') === 'true'));
+  const current = await page.$$eval('.compare-panel .slow', (rows) =>
+    rows.findIndex((row) => row.getAttribute('aria-current') === 'true'),
+  );
   assert.equal(current, 0);
   // Each side shows its own file.
   await session.press('0', 'o');
@@ -437,7 +480,10 @@ browserTest('several devices and pages, and what the checker found', 'mistakes',
   assert.equal(pagesShown, 3);
   assert.match((await session.texts('.file-panel')).join(), /color, 24 bits.*gray, 8 bits/s);
   const check = dumpFindings();
-  await until('counted mistakes', async () => (await session.texts('.file-panel .finding b'))[0] === `Mistake 2, ${check} times`);
+  await until(
+    'counted mistakes',
+    async () => (await session.texts('.file-panel .finding b'))[0] === `Mistake 2, ${check} times`,
+  );
   await page.click('.filters input[name=findings]');
   await untilMatches(session, check);
   await session.press('1', 'f');
@@ -445,7 +491,10 @@ browserTest('several devices and pages, and what the checker found', 'mistakes',
   await session.press('f');
   assert.match((await session.texts('.finding')).join(), /Mistake 2.*clip.*record is null/s);
   await session.press(']');
-  assert.match(await page.$eval('select[aria-label="Page shown"]', (select) => (select as HTMLSelectElement).value), /^1$/);
+  assert.match(
+    await page.$eval('select[aria-label="Page shown"]', (select) => (select as HTMLSelectElement).value),
+    /^1$/,
+  );
   const place = await session.screenPlace(6, 6);
   await page.mouse.move(place.x, place.y);
   await until('gray byte', async () => (await session.texts('[data-test=pixel-bytes]'))[0] === '80');
@@ -462,15 +511,20 @@ function dumpFindings(): number {
   return new Set([...said.matchAll(/\bcall (\d+)/g)].map(([, call]) => call)).size;
 }
 
-browserTest('the address leads back to the same place', 'dual', async (session) => {
-  const { page } = session;
-  assert.equal(await session.painted(), 200);
-  const camera = await page.$eval('.picture canvas', (canvas) => (canvas as HTMLElement).dataset['camera']);
-  assert.equal(camera, '16,100,50,20');
-  await until('marked pixel', async () => (await session.texts('.pixel-panel h2'))[0] === 'Pixel 104, 56');
-  await session.press('ArrowRight');
-  await until('address', async () => (await page.evaluate(() => location.hash)).includes('call=201'));
-}, { hash: '#page=0&call=200&view=16,100,50&pixel=104,56' });
+browserTest(
+  'the address leads back to the same place',
+  'dual',
+  async (session) => {
+    const { page } = session;
+    assert.equal(await session.painted(), 200);
+    const camera = await page.$eval('.picture canvas', (canvas) => (canvas as HTMLElement).dataset['camera']);
+    assert.equal(camera, '16,100,50,20');
+    await until('marked pixel', async () => (await session.texts('.pixel-panel h2'))[0] === 'Pixel 104, 56');
+    await session.press('ArrowRight');
+    await until('address', async () => (await page.evaluate(() => location.hash)).includes('call=201'));
+  },
+  { hash: '#page=0&call=200&view=16,100,50&pixel=104,56' },
+);
 
 test('a damaged file gives a sentence', { timeout: 60_000 }, async () => {
   const bytes = Buffer.from(readFileSync(figures));
@@ -532,7 +586,11 @@ browserTest('keys reach everything, and a dialog lists them', 'figures', async (
     const at = await page.evaluate(() => {
       const element = document.activeElement as HTMLElement;
       const part = element.closest('.toolbar, .filters, .list, .picture, .tabs, .side-body, .timeline');
-      return { part: part?.classList[0] ?? '', outline: getComputedStyle(element).outlineStyle, name: element.outerHTML.slice(0, 80) };
+      return {
+        part: part?.classList[0] ?? '',
+        outline: getComputedStyle(element).outlineStyle,
+        name: element.outerHTML.slice(0, 80),
+      };
     });
     if (at.part === '') continue;
     parts.add(at.part);

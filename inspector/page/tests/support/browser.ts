@@ -90,7 +90,9 @@ export class Session {
     const call = await this.page.waitForFunction(() => {
       const input = document.querySelector<HTMLInputElement>('#go-to');
       const canvases = [...document.querySelectorAll<HTMLCanvasElement>('.picture canvas')];
-      const isPainted = canvases.every((canvas) => canvas.dataset['call'] !== undefined && canvas.dataset['call'] !== '');
+      const isPainted = canvases.every(
+        (canvas) => canvas.dataset['call'] !== undefined && canvas.dataset['call'] !== '',
+      );
       const panel = document.querySelector<HTMLElement>('.call-panel');
       const isTold = !panel || panel.getAttribute('aria-busy') === 'false';
       const active = canvases.some((canvas) => canvas.dataset['call'] === input?.value);

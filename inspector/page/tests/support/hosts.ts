@@ -24,7 +24,9 @@ export function manyFigures(count: number): string {
   const lines: string[] = [];
   for (let i = 0; i < count; i++) {
     const place = `${next(5, 190)} ${next(5, 280)}`;
-    const color = `#${next(0, 1 << 24).toString(16).padStart(6, '0')}`;
+    const color = `#${next(0, 1 << 24)
+      .toString(16)
+      .padStart(6, '0')}`;
     if (i % 5 === 0) lines.push(`text ${place} 5 "n${i}"`);
     else if (i % 5 === 1) lines.push(`ellipse ${place} ${next(1, 9)} ${next(1, 9)} fill=${color}`);
     else lines.push(`rect ${place} ${next(1, 12)} ${next(1, 8)} fill=${color}`);

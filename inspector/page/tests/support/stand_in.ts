@@ -15,7 +15,10 @@ export class StandIn implements Engine {
   ask<Answer>(_file: number, question: Question): Promise<Answer> {
     this.asked.push(question);
     if (question.q !== 'lines') return Promise.reject(new Error(`nothing is known about ${question.q}`));
-    const lines = Array.from({ length: question.count }, (_, index) => `${question.first + index} QNVPixel(x=1) = 0x0 [90 ns]`);
+    const lines = Array.from(
+      { length: question.count },
+      (_, index) => `${question.first + index} QNVPixel(x=1) = 0x0 [90 ns]`,
+    );
     return Promise.resolve({ lines } as Answer);
   }
 

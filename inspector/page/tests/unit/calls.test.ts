@@ -60,12 +60,18 @@ test('steps stay within the calls of a page', () => {
 });
 
 test('calls that paint nothing do not make another picture', () => {
-  assert.deepEqual([0, 1, 2].map((call) => lastPainting(columns, call)), [-1, -1, 2]);
+  assert.deepEqual(
+    [0, 1, 2].map((call) => lastPainting(columns, call)),
+    [-1, -1, 2],
+  );
 });
 
 test('a call is found among others, or the one after it', () => {
   const calls = new Uint32Array([2, 5, 9]);
-  assert.deepEqual([0, 2, 3, 5, 9, 10].map((call) => indexOfCall(calls, call)), [0, 0, 1, 1, 2, 3]);
+  assert.deepEqual(
+    [0, 2, 3, 5, 9, 10].map((call) => indexOfCall(calls, call)),
+    [0, 0, 1, 1, 2, 3],
+  );
 });
 
 test('the list shows the arguments of a line', () => {
@@ -76,7 +82,10 @@ test('the list shows the arguments of a line', () => {
 });
 
 test('calls that are close are asked for together', () => {
-  assert.deepEqual(runsOf([9, 3, 4, 5, 400]), [[3, 7], [400, 1]]);
+  assert.deepEqual(runsOf([9, 3, 4, 5, 400]), [
+    [3, 7],
+    [400, 1],
+  ]);
   assert.deepEqual(runsOf([]), []);
 });
 

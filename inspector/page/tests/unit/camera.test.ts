@@ -29,7 +29,10 @@ test('scales above real size are whole numbers, and both ends hold', () => {
   const scales: number[] = [];
   for (let scale = 1 / 64; scales.at(-1) !== scale; scale = nextScale(scale, 1)) scales.push(scale);
   assert.equal(scales.at(-1), 64);
-  assert.deepEqual(scales.filter((scale) => scale >= 1), [1, 2, 3, 4, 6, 8, 12, 16, 24, 32, 48, 64]);
+  assert.deepEqual(
+    scales.filter((scale) => scale >= 1),
+    [1, 2, 3, 4, 6, 8, 12, 16, 24, 32, 48, 64],
+  );
   assert.equal(nextScale(1 / 64, -1), 1 / 64);
   assert.equal(nextScale(5, -1), 4);
   assert.equal(nextScale(5, 1), 6);

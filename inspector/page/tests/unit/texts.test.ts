@@ -39,17 +39,20 @@ test('a filter becomes a question, without what is not complete', () => {
   assert.ok(isEmpty(kNoFilter));
   assert.ok(isEmpty({ ...kNoFilter, text: '  ', code: 'SRC', color: '#12' }));
   assert.ok(!isEmpty({ ...kNoFilter, functions: [3] }));
-  assert.deepEqual(questionOf({ ...kNoFilter, text: ' abc ', functions: [8], code: 'PATCOPY', color: '#12', findings: true }), {
-    q: 'find',
-    text: 'abc',
-    function: [8],
-    device: null,
-    page: null,
-    rect: null,
-    color: null,
-    rop: 0x00f00021,
-    findings: true,
-  });
+  assert.deepEqual(
+    questionOf({ ...kNoFilter, text: ' abc ', functions: [8], code: 'PATCOPY', color: '#12', findings: true }),
+    {
+      q: 'find',
+      text: 'abc',
+      function: [8],
+      device: null,
+      page: null,
+      rect: null,
+      color: null,
+      rop: 0x00f00021,
+      findings: true,
+    },
+  );
 });
 
 test('the address keeps the place', () => {
