@@ -42,8 +42,7 @@ constexpr MistakeText kTexts[kMistakeCount] = {
 
 // Places of arguments.
 constexpr std::size_t kBltSource = 3, kBltRop = 8, kBltBrush = 9, kBltMode = 10, kBltClip = 11;
-constexpr std::size_t kOutStyle = 1, kOutCount = 2, kOutPoints = 3, kOutPen = 4, kOutBrush = 5, kOutMode = 6,
-                      kOutClip = 7;
+constexpr std::size_t kOutStyle = 1, kOutCount = 2, kOutPoints = 3, kOutBrush = 5, kOutMode = 6, kOutClip = 7;
 constexpr std::size_t kTextClip = 3, kTextString = 4, kTextCount = 5, kTextFont = 6, kTextOffset = 7, kTextMode = 8;
 constexpr std::size_t kStretchGet = 1, kStretchBits = 10, kStretchInfo = 11, kStretchRop = 13, kStretchBrush = 14,
                       kStretchMode = 15, kStretchClip = 16;

@@ -27,6 +27,7 @@ check_packages=(
   cups-ipp-utils dbus-daemon cups-daemon cups-core-drivers cups-client cups-filters
   parallel openssh-client openssh-server
   chromium
+  clang-14 wasi-libc libc++-14-dev-wasm32 libclang-rt-14-dev-wasm32
 )
 # The page of the inspector is built and tested with any Node.js from 18.15 on.
 if ! command -v node >/dev/null || ! command -v npm >/dev/null; then

@@ -9,6 +9,7 @@
 #include "qnvtool/input/tiff_reader.h"
 #include "qnvtool/ipp/ipp_printer.h"
 #include "qnvtool/output/documents.h"
+#include "qnvtool/output/gzip.h"
 #include "qnvtool/output/png_writer.h"
 #include "qnvtool/text/iconv_decoder.h"
 #include "qnvtool/text/shaped_font.h"
@@ -45,7 +46,7 @@ int main(int argc, char** argv) {
                                              .decoders = {OpenPng, OpenJpeg, OpenTiff},
                                              .openDecoder = OpenIconvDecoder}),
                                MakePictureCommand()}};
-  for (Command& command : CallCommands({LinkedRasteriser, CreatePngFile})) {
+  for (Command& command : CallCommands({LinkedRasteriser, CreatePngFile, Gzip})) {
     program.commands.push_back(std::move(command));
   }
   return RunProgram(program, argc, argv);

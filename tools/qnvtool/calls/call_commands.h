@@ -16,6 +16,7 @@ namespace qnv::tool {
 struct CallParts {
   std::function<Rasteriser()> linkedRasteriser;
   std::function<std::unique_ptr<PictureWriter>(const std::string&, const PictureForm&)> createPng;
+  std::function<std::vector<uint8_t>(const void* bytes, std::size_t count)> gzip;
 };
 
 std::vector<Command> CallCommands(const CallParts& parts);
@@ -30,5 +31,6 @@ Command InfoCommand();
 Command DumpCommand(const CallParts& parts);
 Command RenderCommand(const CallParts& parts);
 Command TimeCommand(const CallParts& parts);
+Command InspectCommand(const CallParts& parts);
 
 }  // namespace qnv::tool

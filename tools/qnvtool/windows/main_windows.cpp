@@ -7,6 +7,7 @@
 #include "qnvtool/cli/cmd_make_picture.h"
 #include "qnvtool/cli/cmd_print.h"
 #include "qnvtool/output/documents.h"
+#include "qnvtool/output/gzip.h"
 #include "qnvtool/output/png_writer.h"
 #include "qnvtool/windows/gdi_font.h"
 
@@ -40,7 +41,7 @@ int main(int argc, char** argv) {
                                                         .createDocument = CreatePdfDocument,
                                                         .documents = {PictureFormat::kPdf}}}),
                                MakePictureCommand()}};
-  for (Command& command : CallCommands({LinkedRasteriser, CreatePngFile})) {
+  for (Command& command : CallCommands({LinkedRasteriser, CreatePngFile, Gzip})) {
     program.commands.push_back(std::move(command));
   }
   return RunProgram(program, argc, argv);
