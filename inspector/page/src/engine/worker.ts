@@ -6,15 +6,29 @@ import { EngineStopped } from './wasi';
 
 let engine: EngineModule | undefined;
 
+const reasonOf = (error: unknown) => (error instanceof Error ? error.message : String(error)).replace(/\.$/, '');
+
+async function unpackFile(base64: string): Promise<ArrayBuffer> {
+  try {
+    return await unpack(base64);
+  } catch (error) {
+    throw new Error(`the file was not stored whole in this page (${reasonOf(error)})`);
+  }
+}
+
 async function carryOut(job: Job): Promise<Result> {
   if (job.kind === 'start') {
-    engine = await EngineModule.start(await unpack(job.engine));
+    try {
+      engine = await EngineModule.start(await unpack(job.engine));
+    } catch (error) {
+      throw new Error(`the engine of this page cannot be started (${reasonOf(error)})`);
+    }
     return null;
   }
   if (!engine) throw new Error('The engine has not been started.');
   switch (job.kind) {
     case 'openPacked':
-      return engine.open(await unpack(job.file));
+      return engine.open(await unpackFile(job.file));
     case 'open':
       return engine.open(job.bytes);
     case 'close':
@@ -32,7 +46,7 @@ function sentenceOf(error: unknown): string {
     engine = undefined; // its memory may be damaged
     return `The engine failed (${error.message}). Reload the page to start it again.`;
   }
-  return error instanceof Error ? error.message : String(error);
+  return reasonOf(error);
 }
 
 let last: Promise<void> = Promise.resolve();

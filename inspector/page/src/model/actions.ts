@@ -50,6 +50,7 @@ async function addFile(name: string, number: number): Promise<void> {
   if (replaced) void engine.close(replaced.number);
   const files = [...store.state.files.slice(0, 1), file];
   store.set({ files, compare: null, compareError: null, difference: -1 });
+  document.title = `${files.map((one) => one.name).join(', ')} – Call inspector`;
   if (files.length === 1) showPage(summary.pages.length > 0 ? 0 : -1);
   store.set({ phase: 'ready', ...(files.length === 2 ? { panel: 'compare' as const } : {}) });
   if (files.length === 2) void compareFiles();

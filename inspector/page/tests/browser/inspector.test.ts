@@ -543,6 +543,28 @@ test('a damaged file gives a sentence', { timeout: 60_000 }, async () => {
   }
 });
 
+test('a page that was stored badly says so', { timeout: 60_000 }, async () => {
+  const whole = readFileSync(pages['figures'] as string, 'utf8');
+  const cases = [
+    { find: /(id="qnv-engine">.{1000}).{200}/, said: /^The engine of this page cannot be started \(.+\)\.$/ },
+    { find: /(id="qnv-engine">)[^<]*/, said: /^This page has no engine\..*qnvtool inspect/ },
+    {
+      find: /(class="qnv-file"[^>]*>.{1000}).{200}/,
+      said: /^figures\.qnv: The file was not stored whole in this page \(.+\)\.$/,
+    },
+  ];
+  for (const { find, said } of cases) {
+    const broken = whole.replace(find, '$1');
+    assert.notEqual(broken, whole);
+    writeFileSync(inWork('broken.html'), broken);
+    const session = await Session.open(inWork('broken.html'));
+    await session.page.waitForSelector('.error-line');
+    assert.match(await session.text('.error-line span'), said);
+    assert.deepEqual(session.complaints, []);
+    await session.close();
+  }
+});
+
 test('a file that was cut off shows what is there, and says so', { timeout: 60_000 }, async () => {
   const whole = readFileSync(kDual);
   writeFileSync(inWork('cut.qnv'), whole.subarray(0, whole.length - 3000));

@@ -87,6 +87,10 @@ export class Session {
 
   // Until canvas and panel show the current call.
   async painted(): Promise<number> {
+    // What was just pressed reaches the canvas with the next frame.
+    await this.page.evaluate(
+      () => new Promise((resolve) => requestAnimationFrame(() => requestAnimationFrame(() => resolve(0)))),
+    );
     const call = await this.page.waitForFunction(() => {
       const input = document.querySelector<HTMLInputElement>('#go-to');
       const canvases = [...document.querySelectorAll<HTMLCanvasElement>('.picture canvas')];
