@@ -27,7 +27,7 @@ BandPipeline::BandPipeline(Workers& workers, const Rasteriser& rasteriser, const
     : rasteriser_(rasteriser), device_(device), bandRows_(bandRows), sink_(std::move(sink)) {
   // One more than can be painted at a time, for the band that the sink has.
   const int stations = workers.count() == 1 ? 1 : workers.count() + 1;
-  tasks_.emplace(workers, stations, [this](Result result) { HandOver(std::move(result)); });
+  tasks_.emplace(workers, stations, [this](const Result& result) { HandOver(result); });
 }
 
 // A device for a page of this size that nobody uses.
@@ -81,7 +81,7 @@ void BandPipeline::Print(Page page) {
   }
 }
 
-void BandPipeline::HandOver(Result result) {
+void BandPipeline::HandOver(const Result& result) {
   sink_(result.band);
   free_.push_back(result.station);
 }

@@ -51,7 +51,7 @@ class BandPipeline {
   };
 
   Station& StationFor(const Page& page);
-  void HandOver(Result result);
+  void HandOver(const Result& result);
 
   const Rasteriser& rasteriser_;
   const DeviceChoice& device_;
