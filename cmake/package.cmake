@@ -105,6 +105,7 @@ install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs DESTINATION ${qnv_docdir_developmen
   FILES_MATCHING PATTERN *.md PATTERN *.png)
 if(NOT WIN32)
   install(FILES ${PROJECT_SOURCE_DIR}/docs/printing.md DESTINATION ${qnv_docdir_tools}/docs COMPONENT tools)
+  install(FILES ${PROJECT_SOURCE_DIR}/examples/print_array.slurm DESTINATION ${qnv_docdir_tools}/examples COMPONENT tools)
   # The guides refer to the headers as they lie beside them in the sources.
   file(RELATIVE_PATH header_folder /${qnv_docdir_development}/include /${CMAKE_INSTALL_INCLUDEDIR})
   file(MAKE_DIRECTORY ${PROJECT_BINARY_DIR}/packages/include)

@@ -72,7 +72,8 @@ deb_files() { # PACKAGE
         { documents; example_files; printf 'include/%s\n' qnvdrv10.h qnvrec.h; } | sed "s|^|share/doc/$1/|"
         ;;
       qnvtool)
-        printf '%s\n' bin/qnvtool "$library_folder/libqnvrec.so" share/doc/qnvtool/docs/printing.md
+        printf '%s\n' bin/qnvtool "$library_folder/libqnvrec.so"
+        printf 'share/doc/qnvtool/%s\n' docs/printing.md examples/print_array.slurm
         printf '%s\n' lib/cups/filter/qnvfilter share/ppd/qnvdrv10/qnvdrv10.ppd
         printf 'share/%s\n' man/man1/qnvtool.1.gz man/man8/qnvfilter.8.gz bash-completion/completions/qnvtool
         ;;
