@@ -1,36 +1,8 @@
 #!/usr/bin/env bash
 # The commands over call files, and the recorder, as a user calls them: results, messages and exit codes.
 #   call_commands.sh QNVTOOL FOLDER-OF-BUILT-FILES
-set -uo pipefail
-
-tool=$1
-bin=$2
-include=$(cd "$(dirname "${BASH_SOURCE[0]}")/../../include" && pwd)
-work=$(mktemp -d)
-trap 'rm -rf "$work"' EXIT
-cd "$work" || exit 1
-failures=0
-
-fail() {
-  echo "FAILED: $1" >&2
-  failures=$((failures + 1))
-}
-
-# expect CODE OUTPUT ERROR ARGUMENT...: the exit code, a line of standard output and one of standard error that hold
-# these texts; an empty ERROR allows none.
-expect() {
-  local code=$1 output=$2 error=$3
-  shift 3
-  "$tool" "$@" >stdout 2>stderr
-  local got=$?
-  [ "$got" -eq "$code" ] || fail "exit code $got instead of $code: $* ($(cat stderr))"
-  [ -z "$output" ] || grep -qF -- "$output" stdout || fail "no \"$output\" on standard output: $* ($(head -5 stdout))"
-  if [ -n "$error" ]; then
-    grep -qF -- "$error" stderr || fail "no \"$error\" on standard error: $* ($(cat stderr))"
-  else
-    [ ! -s stderr ] || fail "unexpected message $(cat stderr) [$*]"
-  fi
-}
+. "$(dirname "${BASH_SOURCE[0]}")/../support/shell_test.sh"
+include=$root/include
 
 # A whole page of the example host, recorded: the host's picture is not changed, the calls replay, and the rendered page
 # is that picture.
@@ -267,4 +239,4 @@ expect 2 "" "device 1 painted no page 2" render host.qnv -o x.png --page 2
 expect 4 "" "no such library file" replay host.qnv --library nowhere.so
 expect 5 "call 0: QNVEnable and QNVGetDeviceInfo" "host.qnv and page.qnv differ" diff host.qnv page.qnv
 
-[ "$failures" -eq 0 ] || exit 1
+finish_test

@@ -1,22 +1,8 @@
 #!/usr/bin/env bash
 # The formats that hold all pages of a job: other programs accept the files, and show the pixels of the PPM files.
 #   document_formats.sh QNVTOOL FOLDER-OF-BUILT-FILES
-set -uo pipefail
-
-tool=$(realpath "$1")
-work=$(mktemp -d)
-trap 'rm -rf "$work"' EXIT
-cd "$work" || exit 1
-failures=0
-
-fail() {
-  echo "FAILED: $1" >&2
-  failures=$((failures + 1))
-}
-
-for program in pdftoppm pdftotext qpdf tiffinfo tiffcmp pngcheck; do
-  command -v $program >/dev/null || { echo "$program is not installed (scripts/setup.sh check)" >&2; exit 1; }
-done
+. "$(dirname "${BASH_SOURCE[0]}")/../support/shell_test.sh"
+needs_programs pdftoppm pdftotext qpdf tiffinfo tiffcmp pngcheck
 
 "$tool" make-picture photo photo.bmp --width 300 --height 200 || fail "make-picture"
 printf '# A heading\n\nJustified words in a line that is long enough to be broken, with Gr\xc3\xb6\xc3\x9fe, 5 \xe2\x82\xac and \xce\xb1\xce\xb2\xce\xb3.\n' >text.txt
@@ -97,8 +83,4 @@ grep -qF "photo.pdf: is an input file" stderr || fail "message: $(cat stderr)"
 grep -qE '^qnvtool: reading [0-9.]+ ms, layout [0-9.]+ ms, rasterising [0-9.]+ ms, encoding [0-9.]+ ms, writing [0-9.]+ ms, .*together [0-9.]+ ms, elapsed [0-9.]+ ms$' stderr ||
   fail "--timing: $(cat stderr)"
 
-if [ "$failures" -ne 0 ]; then
-  echo "$failures checks failed" >&2
-  exit 1
-fi
-echo "all checks passed"
+finish_test

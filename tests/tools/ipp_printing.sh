@@ -1,30 +1,9 @@
 #!/usr/bin/env bash
 # Sends jobs to printers of the printing system's own test program, and compares what they got with pictures.
 #   ipp_printing.sh QNVTOOL FOLDER-OF-BUILT-FILES
-set -uo pipefail
-
-tool=$(realpath "$1")
-reader=$(realpath "$2")/raster_to_ppm
-work=$(mktemp -d)
-started=()
-# shellcheck disable=SC2317
-finish() {
-  local pid
-  for pid in "${started[@]}"; do kill "$pid" 2>/dev/null; wait "$pid" 2>/dev/null; done
-  rm -rf "$work"
-}
-trap finish EXIT
-cd "$work" || exit 1
-failures=0
-
-fail() {
-  echo "FAILED: $1" >&2
-  failures=$((failures + 1))
-}
-
-for program in dbus-daemon ippeveprinter ipptool; do
-  command -v $program >/dev/null || { echo "$program is not installed (scripts/setup.sh check)" >&2; exit 1; }
-done
+. "$(dirname "${BASH_SOURCE[0]}")/../support/shell_test.sh"
+reader=$bin/raster_to_ppm
+needs_programs dbus-daemon ippeveprinter ipptool
 export TMPDIR=$work/temporary
 mkdir temporary
 
@@ -171,8 +150,4 @@ esac
 
 [ -z "$(ls -A temporary)" ] || fail "temporary files are left: $(ls -A temporary)"
 
-if [ "$failures" -ne 0 ]; then
-  echo "$failures checks failed" >&2
-  exit 1
-fi
-echo "all checks passed"
+finish_test

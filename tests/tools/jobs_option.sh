@@ -1,18 +1,7 @@
 #!/usr/bin/env bash
 # Threads do not change what is written, are ended by signals, and report what goes wrong.
-#   jobs_option.sh QNVTOOL
-set -uo pipefail
-
-tool=$1
-work=$(mktemp -d)
-trap 'rm -rf "$work"' EXIT
-cd "$work" || exit 1
-failures=0
-
-fail() {
-  echo "FAILED: $1" >&2
-  failures=$((failures + 1))
-}
+#   jobs_option.sh QNVTOOL FOLDER-OF-BUILT-FILES
+. "$(dirname "${BASH_SOURCE[0]}")/../support/shell_test.sh"
 
 "$tool" make-picture photo photo.bmp --width 700 --height 500 || fail "make-picture photo"
 "$tool" make-picture map map.bmp --width 500 --height 900 || fail "make-picture map"
@@ -82,4 +71,4 @@ for signal in INT TERM HUP; do
   done
 done
 
-[ $failures -eq 0 ]
+finish_test

@@ -1,19 +1,8 @@
 #!/usr/bin/env bash
 # Large files print in little memory: each under a limit that is far below its size.
-#   memory_use.sh QNVTOOL
-set -uo pipefail
-
-tool=$1
-work=$(mktemp -d)
-trap 'rm -rf "$work"' EXIT
+#   memory_use.sh QNVTOOL FOLDER-OF-BUILT-FILES
+. "$(dirname "${BASH_SOURCE[0]}")/../support/shell_test.sh"
 export TMPDIR=$work # of the program's temporary files, too
-cd "$work" || exit 1
-failures=0
-
-fail() {
-  echo "FAILED: $1" >&2
-  failures=$((failures + 1))
-}
 
 le32() { # NUMBER...: as four bytes each
   local number
@@ -112,8 +101,4 @@ for i in 1 2 3 4; do cmp -s hole.ppm hole-$i-each.ppm || fail "the picture print
 # The limits do limit.
 $limited && prints_in 2 none.ppm "${page[@]}" hole.bmp 2>/dev/null && fail "a page was printed in 2 MB: the limit does nothing"
 
-if [ "$failures" -ne 0 ]; then
-  echo "$failures checks failed" >&2
-  exit 1
-fi
-echo "all checks passed"
+finish_test

@@ -2,35 +2,13 @@
 # The filter in a print queue: what comes out has the pixels that went in. Print servers of this test's own run on
 # free ports of this machine.
 #   print_queue.sh QNVTOOL FOLDER-OF-BUILT-FILES
-set -uo pipefail
-
-tool=$(realpath "$1")
-bin=$(realpath "$2")
-root=$(dirname "$(dirname "$(dirname "$(realpath "${BASH_SOURCE[0]}")")")")
+. "$(dirname "${BASH_SOURCE[0]}")/../support/shell_test.sh"
 filter=$bin/qnvfilter
 reader=$bin/raster_to_ppm
-work=$(mktemp -d)
-servers=()
-# shellcheck disable=SC2317
-finish() {
-  local pid
-  for pid in "${servers[@]}"; do kill "$pid" 2>/dev/null; wait "$pid" 2>/dev/null; done
-  rm -rf "$work"
-}
-trap finish EXIT
 chmod 755 "$work" # the server runs filters as another user
-cd "$work" || exit 1
-failures=0
-
-fail() {
-  echo "FAILED: $1" >&2
-  failures=$((failures + 1))
-}
 
 PATH=$PATH:/usr/sbin
-for program in cupsd lpadmin lp lpstat cupstestppd pdftoppm; do
-  command -v $program >/dev/null || { echo "$program is not installed (scripts/setup.sh check)" >&2; exit 1; }
-done
+needs_programs cupsd lpadmin lp lpstat cupstestppd pdftoppm
 server_bin=/usr/lib/cups
 [ -x $server_bin/filter/pdftopdf ] && [ -x $server_bin/filter/gziptoany ] || { echo "a filter is not installed (scripts/setup.sh check)" >&2; exit 1; }
 
@@ -142,11 +120,11 @@ FileDevice Yes
 CONF
   errors=$folder/log/errors
   cupsd -f -c "$folder/cupsd.conf" -s "$folder/cups-files.conf" >"$folder/output" 2>&1 &
-  servers+=($!)
+  started+=($!)
   export CUPS_SERVER=localhost:$port
   for _ in $(seq 200); do
     lpstat -r 2>/dev/null | grep -q "is running" && return
-    kill -0 "${servers[-1]}" 2>/dev/null || break
+    kill -0 "${started[-1]}" 2>/dev/null || break
     sleep 0.05
   done
   echo "cupsd does not run: $(cat "$folder/output" "$errors")" >&2
@@ -221,8 +199,4 @@ lpadmin -p host1 -E -v "$host/one" -m raw 2>/dev/null && lpadmin -p host2 -E -v 
 make_class farm host1 host2
 class_prints farm host1
 
-if [ "$failures" -ne 0 ]; then
-  echo "$failures checks failed" >&2
-  exit 1
-fi
-echo "all checks passed"
+finish_test

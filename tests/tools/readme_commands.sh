@@ -1,13 +1,8 @@
 #!/usr/bin/env bash
 # Runs the commands of README.md's section on printing as they stand, in a folder that looks like a clone after ./demo.
 #   readme_commands.sh QNVTOOL FOLDER-OF-BUILT-FILES
-set -euo pipefail
-
-tool=$(realpath "$1")
-root=$(dirname "$(dirname "$(dirname "$(realpath "${BASH_SOURCE[0]}")")")")
-work=$(mktemp -d)
-trap 'rm -rf "$work"' EXIT
-cd "$work"
+. "$(dirname "${BASH_SOURCE[0]}")/../support/shell_test.sh"
+set -e
 
 mkdir -p build/linux-x64/bin out
 ln -s "$tool" build/linux-x64/bin/qnvtool
@@ -24,3 +19,4 @@ set -x
 for file in page-01.png page-02.png gray.pgm tags.png overlay.png image.png scaled.png each/photo.pdf each/sample.pdf; do
   [ -s "out/$file" ] || { echo "README.md's commands left no out/$file" >&2; exit 1; }
 done
+finish_test

@@ -55,4 +55,14 @@ std::string MissingRowsNote(int missing, int rows, const std::string& reason) {
                      reason.empty() ? "" : ": ", reason);
 }
 
+void TurnedPicture::TurnSides() {
+  width_ = fileWidth_;
+  height_ = fileHeight_;
+  if (orientation_.swapsSides()) {
+    std::swap(width_, height_);
+    std::swap(xPixelsPerMetre_, yPixelsPerMetre_);
+  }
+  form_.width = width_;
+}
+
 }  // namespace qnv::tool

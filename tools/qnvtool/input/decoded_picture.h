@@ -5,6 +5,7 @@
 #include <memory>
 #include <string>
 
+#include "qnvtool/input/orientation.h"
 #include "qnvtool/input/picture_file.h"
 #include "qnvtool/input/row_store.h"
 
@@ -32,6 +33,19 @@ class DecodedPicture : public PictureFile {
 
   const Input file_;
   const NoteSink notes_;
+};
+
+// A picture whose file says how it is turned when it is shown.
+class TurnedPicture : public DecodedPicture {
+ protected:
+  using DecodedPicture::DecodedPicture;
+
+  // Sets the sides as they are shown, from the members below; the resolutions change places with the sides.
+  void TurnSides();
+
+  Orientation orientation_;
+  int fileWidth_ = 0;
+  int fileHeight_ = 0;
 };
 
 // Says that rows are white because the file does not hold them.

@@ -134,9 +134,9 @@ bool BeginsWith(const jpeg_saved_marker_ptr marker, int type, const char* text, 
   return marker->marker == type && marker->data_length >= size && std::memcmp(marker->data, text, size) == 0;
 }
 
-class JpegPicture final : public DecodedPicture {
+class JpegPicture final : public TurnedPicture {
  public:
-  JpegPicture(const Input& input, const NoteSink& notes) : DecodedPicture(input, notes) {
+  JpegPicture(const Input& input, const NoteSink& notes) : TurnedPicture(input, notes) {
     JpegSession session(file());
     if (!ReadHeader(session)) Fail(session.error);
     const jpeg_decompress_struct& jpeg = session.jpeg;
@@ -155,13 +155,7 @@ class JpegPicture final : public DecodedPicture {
     ReadMarkers(session);
     fileWidth_ = static_cast<int>(jpeg.image_width);
     fileHeight_ = static_cast<int>(jpeg.image_height);
-    width_ = fileWidth_;
-    height_ = fileHeight_;
-    if (orientation_.swapsSides()) {
-      std::swap(width_, height_);
-      std::swap(xPixelsPerMetre_, yPixelsPerMetre_);
-    }
-    form_.width = width_;
+    TurnSides();
     form_.bitCount = colors_ == JCS_GRAYSCALE ? 8 : 24;
     if (colors_ == JCS_GRAYSCALE) {
       for (uint32_t i = 0; i < 256; ++i) form_.table.push_back(i * 0x010101);
@@ -254,9 +248,6 @@ class JpegPicture final : public DecodedPicture {
 
   J_COLOR_SPACE colors_ = JCS_EXT_BGR;
   bool inverted_ = false;
-  Orientation orientation_;
-  int fileWidth_ = 0;
-  int fileHeight_ = 0;
 };
 
 }  // namespace

@@ -107,10 +107,10 @@ class TiffSession {
   std::string error_;  // the first one
 };
 
-class TiffPicture final : public DecodedPicture {
+class TiffPicture final : public TurnedPicture {
  public:
   TiffPicture(const Input& input, const NoteSink& notes, uint64_t directory)
-      : DecodedPicture(input, notes), directory_(directory) {
+      : TurnedPicture(input, notes), directory_(directory) {
     const TiffSession session(file());
     TIFF* const tiff = session.get();
     Select(session);
@@ -126,13 +126,7 @@ class TiffPicture final : public DecodedPicture {
     const auto unit = static_cast<int>(session.Field<uint16_t>(TIFFTAG_RESOLUTIONUNIT, 2));
     xPixelsPerMetre_ = PixelsPerMetre(static_cast<double>(session.Field<float>(TIFFTAG_XRESOLUTION, 0)), unit);
     yPixelsPerMetre_ = PixelsPerMetre(static_cast<double>(session.Field<float>(TIFFTAG_YRESOLUTION, 0)), unit);
-    width_ = fileWidth_;
-    height_ = fileHeight_;
-    if (orientation_.swapsSides()) {
-      std::swap(width_, height_);
-      std::swap(xPixelsPerMetre_, yPixelsPerMetre_);
-    }
-    form_.width = width_;
+    TurnSides();
     uint32_t size = 0;
     void* profile = nullptr;
     if (TIFFGetField(tiff, TIFFTAG_ICCPROFILE, &size, &profile) == 1) Note("its color profile is not used");
@@ -369,9 +363,6 @@ class TiffPicture final : public DecodedPicture {
   bool inMemory_ = false;
   Layout layout_ = Layout::kRgba;
   int bits_ = 8;
-  Orientation orientation_;
-  int fileWidth_ = 0;
-  int fileHeight_ = 0;
 };
 
 class TiffPages final : public PicturePages {
