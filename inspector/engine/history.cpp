@@ -14,8 +14,8 @@ using calls::CallFile;
 using calls::Function;
 using calls::Reach;
 
-// What is replayed between two moments that are kept, in pixels; a call counts as some even when it paints few.
-constexpr uint64_t kCostOfCall = 2000, kCostBetweenMoments = uint64_t{8} << 20;
+// What a call costs even when it paints few pixels.
+constexpr uint64_t kCostOfCall = 2000;
 
 bool EndsBand(Function function, uint32_t code) {
   return function == Function::kDisable ||
@@ -152,7 +152,7 @@ void History::Replay(const HistoryLimits& limits) {
     if (device.cost > momentCost_) Keep(device, row.position + 1, false, played->band, played->tags);
     return true;
   };
-  momentCost_ = kCostBetweenMoments;
+  momentCost_ = limits.costBetweenMoments;
   calls::PlayOptions options;
   options.stopAtFirst = false;
   options.maxPlaneBytes = limits.maxPlaneBytes;

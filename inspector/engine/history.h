@@ -73,6 +73,8 @@ struct HistoryLimits {
   uint64_t maxPlaneBytes = uint64_t{1} << 29;  // of a band
   uint64_t maxKeptBytes = uint64_t{1} << 28;   // contents that are kept
   uint64_t maxLiveBytes = uint64_t{1} << 29;   // planes of devices that are replayed
+  // What is replayed between two moments that are kept, in pixels; a call counts as some even when it paints few.
+  uint64_t costBetweenMoments = uint64_t{8} << 20;
 };
 
 class History {
