@@ -4,7 +4,7 @@ import { readFileSync, writeFileSync } from 'node:fs';
 import { after, before, test } from 'node:test';
 import { Session, closeBrowser, writePage } from '../support/browser';
 import { kChanged, kMistakes, kOverlapping } from '../support/hosts';
-import { dump, inWork, readPlane, recordHost, recordPrint, recorded, render, tool } from '../support/tool';
+import { dump, inWork, readPlane, recordHost, recordPrint, recorded, render, serve, tool } from '../support/tool';
 
 const kSmallPage = ['--paper', '60x40mm', '--dpi', '72', '--margin', '2', '--no-header', '--band-rows', '64'];
 const kDual = recorded('dual.qnv');
@@ -525,6 +525,34 @@ browserTest(
   },
   { hash: '#page=0&call=200&view=16,100,50&pixel=104,56' },
 );
+
+test('the pages that the tool writes and serves show the files they are made for', { timeout: 60_000 }, async () => {
+  const compressed = recordPrint('compressed', kOverlapping, kSmallPage, true);
+  const expected = render(compressed);
+  tool(['inspect', compressed, '-o', 'written.html']);
+  tool(['inspect', compressed, changed, '-o', 'both.html']);
+  const { address, server } = await serve(compressed);
+  try {
+    for (const path of [inWork('written.html'), address]) {
+      const session = await Session.open(path);
+      await session.ready();
+      assert.equal(await matches(session), dump(compressed).length, path);
+      await session.press('z', 'G', 'o');
+      const places: [number, number][] = Array.from({ length: expected.width }, (_, x) => [x, 50]);
+      const row = places.map(([x, y]) => expected.at(x, y));
+      assert.deepEqual(await session.shown(places), row, path);
+      assert.deepEqual(session.complaints, [], path);
+      await session.close();
+    }
+    const session = await Session.open(inWork('both.html'));
+    await session.ready();
+    assert.deepEqual(await session.texts('.picture figcaption'), ['A compressed.qnv', 'B changed.qnv']);
+    assert.deepEqual(session.complaints, []);
+    await session.close();
+  } finally {
+    server.kill('SIGINT');
+  }
+});
 
 test('a damaged file gives a sentence', { timeout: 60_000 }, async () => {
   const bytes = Buffer.from(readFileSync(figures));

@@ -55,6 +55,7 @@ export class Session {
 
   private constructor(readonly page: Page) {}
 
+  // A file, or an address on this machine.
   static async open(path: string, options: { hash?: string; theme?: 'light' | 'dark' } = {}): Promise<Session> {
     const page = await (await theBrowser()).newPage();
     const session = new Session(page);
@@ -66,7 +67,7 @@ export class Session {
       if (message.type() === 'error' || message.type() === 'warn') session.complaints.push(message.text());
     });
     page.on('pageerror', (error) => session.complaints.push(String(error)));
-    const address = pathToFileURL(path).href;
+    const address = path.startsWith('http:') ? path : pathToFileURL(path).href;
     page.on('request', (request) => {
       const url = request.url();
       if (!/^(blob|data):/.test(url) && !url.startsWith(address)) session.complaints.push(`asked for ${url}`);

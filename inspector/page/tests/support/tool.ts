@@ -1,5 +1,5 @@
 // The command line tool, which answers independently of the engine in the page, and the call files of the tests.
-import { execFileSync } from 'node:child_process';
+import { type ChildProcess, execFileSync, spawn } from 'node:child_process';
 import { existsSync, mkdtempSync, readFileSync, rmSync, writeFileSync } from 'node:fs';
 import { tmpdir } from 'node:os';
 import { join, resolve } from 'node:path';
@@ -26,14 +26,14 @@ export function tool(args: string[], environment: Record<string, string> = {}): 
   });
 }
 
-// Records what the tool itself prints.
-export function recordPrint(name: string, figures: string, options: string[]): string {
+// Records what the tool itself prints, with one thread: each has a device of its own, and so a part of the page.
+export function recordPrint(name: string, figures: string, options: string[], compress = false): string {
   writeFileSync(inWork(`${name}.fig`), figures);
   const file = inWork(`${name}.qnv`);
   const recorder = ['--library', join(bin, 'libqnvrec.so')];
-  tool(['print', `${name}.fig`, '-q', '-o', `${name}.ppm`, ...options, ...recorder], {
+  tool(['print', `${name}.fig`, '-q', '--jobs', '1', '-o', `${name}.ppm`, ...options, ...recorder], {
     QNVREC_FILE: file,
-    QNVREC_COMPRESS: '0',
+    QNVREC_COMPRESS: compress ? '1' : '0',
     QNVREC_LIBRARY: join(bin, 'libqnvdrv10.so'),
   });
   return file;
@@ -46,7 +46,7 @@ export function recordHost(name: string, source: string): string {
   execFileSync(process.env['CC'] ?? 'cc', [inWork(`${name}.c`), '-o', inWork(name), ...options]);
   const file = inWork(`${name}.qnv`);
   execFileSync(inWork(name), [], {
-    stdio: 'ignore',
+    stdio: ['ignore', 'ignore', 'pipe'], // the recorder tells its findings there
     env: {
       ...process.env,
       LD_PRELOAD: join(bin, 'libqnvrec.so'),
@@ -57,6 +57,21 @@ export function recordHost(name: string, source: string): string {
     },
   });
   return file;
+}
+
+// Serves the inspector for a file; the address is its first line.
+export async function serve(file: string): Promise<{ address: string; server: ChildProcess }> {
+  const server = spawn(join(bin, 'qnvtool'), ['inspect', file, '--serve'], { stdio: ['ignore', 'pipe', 'inherit'] });
+  const address = await new Promise<string>((resolve, reject) => {
+    let said = '';
+    server.stdout.on('data', (text: Buffer) => {
+      said += text.toString();
+      const line = /^(http:\S+)\n/.exec(said);
+      if (line?.[1]) resolve(line[1]);
+    });
+    server.on('exit', (code) => reject(new Error(`the server ended with ${code}`)));
+  });
+  return { address, server };
 }
 
 export interface Plane {
