@@ -1,18 +1,7 @@
 #!/usr/bin/env bash
 # Many files in one run: --each.
-#   many_files.sh QNVTOOL
-set -uo pipefail
-
-tool=$1
-work=$(mktemp -d)
-trap 'rm -rf "$work"' EXIT
-cd "$work" || exit 1
-failures=0
-
-fail() {
-  echo "FAILED: $1" >&2
-  failures=$((failures + 1))
-}
+#   many_files.sh QNVTOOL FOLDER-OF-BUILT-FILES
+. "$(dirname "${BASH_SOURCE[0]}")/../support/shell_test.sh"
 
 small=(--paper 80x60mm --margin 5 --dpi 60)
 
@@ -144,5 +133,4 @@ echo more >>out/text-02.pdf
 printed 1
 printed 0
 [ "$(wc -l <report.jsonl)" -eq 12 ] || fail "$(wc -l <report.jsonl) lines in the report"
-
-[ $failures -eq 0 ]
+finish_test

@@ -1,12 +1,8 @@
 #!/usr/bin/env bash
 # One manifest on several machines: GNU parallel over ssh, with two servers of this test's own on free ports of this
 # machine, and the script for Slurm arrays.
-#   print_farm.sh QNVTOOL
-set -uo pipefail
-
-tool=$(realpath "$1")
-root=$(dirname "$(dirname "$(dirname "$(realpath "${BASH_SOURCE[0]}")")")")
-work=$(mktemp -d)
+#   print_farm.sh QNVTOOL FOLDER-OF-BUILT-FILES
+. "$(dirname "${BASH_SOURCE[0]}")/../support/shell_test.sh"
 declare -A server_of=()
 stop() { # HOST: ends its server
   kill "${server_of[$1]}" 2>/dev/null
@@ -17,20 +13,11 @@ stop() { # HOST: ends its server
 finish() {
   local host
   for host in "${!server_of[@]}"; do stop "$host"; done
-  rm -rf "$work"
+  clean_up
 }
 trap finish EXIT
-cd "$work" || exit 1
-failures=0
 
-fail() {
-  echo "FAILED: $1" >&2
-  failures=$((failures + 1))
-}
-
-for program in parallel ssh ssh-keygen /usr/sbin/sshd; do
-  command -v $program >/dev/null || { echo "$program is not installed (scripts/setup.sh check)" >&2; exit 1; }
-done
+needs_programs parallel ssh ssh-keygen /usr/sbin/sshd
 
 mkdir in out
 for i in 1 2 3; do printf 'Text number %s.\n' $i >in/$i.txt; done
@@ -145,5 +132,4 @@ farm --filter-hosts
 [ "$(printed)" -eq 3 ] || fail "after a loss $(printed) jobs were printed: $(cat stdout stderr)"
 [ "$(sort -u hosts.log)" = left ] || fail "printed by $(sort hosts.log | uniq -c)"
 diff -r out expected || fail "pages after a loss"
-
-[ $failures -eq 0 ]
+finish_test

@@ -1,18 +1,7 @@
 #!/usr/bin/env bash
 # Jobs from a manifest: mistakes in it, reports, runs that are killed and resumed, shares of several machines.
-#   print_manifest.sh QNVTOOL
-set -uo pipefail
-
-tool=$1
-work=$(mktemp -d)
-trap 'rm -rf "$work"' EXIT
-cd "$work" || exit 1
-failures=0
-
-fail() {
-  echo "FAILED: $1" >&2
-  failures=$((failures + 1))
-}
+#   print_manifest.sh QNVTOOL FOLDER-OF-BUILT-FILES
+. "$(dirname "${BASH_SOURCE[0]}")/../support/shell_test.sh"
 
 mkdir in out
 for i in 1 2 3; do printf 'Text number %s, of one page.\n' $i >in/$i.txt; done
@@ -232,5 +221,4 @@ for file in out/*; do
 done
 run 0 "${killed[@]}" --report report.jsonl
 diff -r out expected || fail "the pages after SIGTERM"
-
-[ $failures -eq 0 ]
+finish_test
