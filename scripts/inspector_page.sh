@@ -52,6 +52,12 @@ case ${1-} in
       echo "  FAILED  the built page is older than its sources: run scripts/inspector_page.sh build"
       failed=1
     fi
+    if scripts/inspector_engine.sh check; then
+      echo "  ok      the built engine is made of these sources"
+    else
+      echo "  FAILED  the built engine is older than its sources"
+      failed=$((failed + 1))
+    fi
     if (cd $page && node_modules/.bin/tsc --noEmit); then
       echo "  ok      types"
     else
@@ -70,7 +76,7 @@ case ${1-} in
     read -r good _ bad _ < <(tail -n 1 "$output")
     sed '$d' "$output"
     [[ $good =~ ^[0-9]+$ && $bad =~ ^[0-9]+$ ]] || { tail -n 1 "$output"; good=0 bad=1; }
-    echo "$((good + 3 - failed)) passed, $((bad + failed)) failed"
+    echo "$((good + 4 - failed)) passed, $((bad + failed)) failed"
     [ $((bad + failed)) -eq 0 ]
     ;;
   *)

@@ -111,7 +111,8 @@ class WatchedPage {
           const auto* const at = plane.data() + static_cast<std::size_t>(y) * shape.Stride() +
                                  static_cast<std::size_t>(x) * shape.PixelBytes();
           std::vector<uint8_t> value(at, at + shape.PixelBytes());
-          if (shape.dualPlane) value.push_back(tagPlane[static_cast<std::size_t>(y) * shape.TagStride() + x]);
+          if (shape.dualPlane)
+            value.push_back(tagPlane[static_cast<std::size_t>(y) * shape.TagStride() + static_cast<std::size_t>(x)]);
           return value;
         };
         const std::vector<uint8_t> before = valueOf(band, tags), after = valueOf(device.band, device.tags);
