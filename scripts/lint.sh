@@ -7,7 +7,7 @@
 # Prints the findings of each file, and "N passed, N failed" at the end.
 set -uo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.." || exit 1
-root=$PWD tree=$PWD/build/tidy scope='^(src|calls|recorder|tools)/'
+root=$PWD tree=$PWD/build/tidy scope='^(src|calls|recorder|inspector|tools)/'
 
 program=$(command -v clang-tidy-14 || command -v clang-tidy) || {
   echo "lint: clang-tidy is not installed: run scripts/setup.sh check" >&2
@@ -17,7 +17,7 @@ export program
 
 only=()
 case ${1-} in
-  --all) scope='^(src|calls|recorder|tools|tests|bench|fuzz)/' ;;
+  --all) scope='^(src|calls|recorder|inspector|tools|tests|bench|fuzz)/' ;;
   -*)
     sed -n '2,/^set /{/^#/s/^# \{0,1\}//p}' "${BASH_SOURCE[0]}" >&2
     exit 2
