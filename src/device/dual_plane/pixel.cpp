@@ -18,8 +18,6 @@ uint32_t DualPlaneDevice::Pixel(int32_t x, int32_t y, const PixelArguments& a) {
 
 // Tags may reach pixels outside the clip: coordinates left of or above 0 widen it, and a clip of four zeros does not
 // limit tags. So PolyPixel visits everything in the band.
-PixelReach DualPlaneDevice::Reach(const Rect&) const {
-  return {state_.bandRect, state_.bandRect, nullptr};
-}
+PixelReach DualPlaneDevice::Reach(const Rect&) const { return {state_.bandRect, state_.bandRect, nullptr}; }
 
 }  // namespace qnv

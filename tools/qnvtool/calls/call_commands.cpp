@@ -4,8 +4,8 @@
 namespace qnv::tool {
 
 std::vector<Command> CallCommands(const CallParts& parts) {
-  return {RecordCommand(),      ReplayCommand(parts), CheckCommand(parts), DiffCommand(),
-          TrimCommand(parts),   ToCCommand(parts),    InfoCommand(),       DumpCommand(parts),
+  return {RecordCommand(),      ReplayCommand(parts), CheckCommand(parts),  DiffCommand(),
+          TrimCommand(parts),   ToCCommand(parts),    InfoCommand(),        DumpCommand(parts),
           RenderCommand(parts), TimeCommand(parts),   InspectCommand(parts)};
 }
 
