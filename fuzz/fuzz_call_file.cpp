@@ -1,5 +1,6 @@
 // Fuzz target: call files. The input is the contents of a block, or, where it begins as a file does, a whole file. What
 // can be read is replayed and checked; calls that need more than the file holds must be refused before they are made.
+// The engine of the inspector opens it, too, and is asked for calls, their pictures, and places of a page.
 #include <cstring>
 #include <vector>
 
@@ -7,6 +8,8 @@
 #include "calls/checker.h"
 #include "calls/hash.h"
 #include "calls/player.h"
+#include "calls/text.h"
+#include "inspector/engine/inspector.h"
 
 namespace {
 
@@ -27,6 +30,27 @@ qnv::calls::Bytes FileOf(const uint8_t* items, std::size_t size) {
   AppendLittle(bytes, qnv::calls::Hash64(items, size, qnv::calls::Hash64(bytes.data() + block, 16)));
   bytes.insert(bytes.end(), items, items + size);
   return bytes;
+}
+
+// Asks what depends on most of the file.
+void Inspect(const qnv::calls::Bytes& bytes, std::size_t calls) {
+  qnv::inspector::HistoryLimits limits;
+  limits.maxFileBytes = kMaxBytes;
+  limits.maxPlaneBytes = uint64_t{1} << 20;
+  limits.maxLiveBytes = uint64_t{1} << 22;
+  limits.maxKeptBytes = uint64_t{1} << 20;
+  limits.costBetweenMoments = 20000;
+  qnv::inspector::Inspector inspector(qnv::calls::LinkedFunctions(), limits);
+  if (inspector.Open(bytes.data(), bytes.size()) < 0) return;
+  inspector.Ask(0, R"({"q":"summary"})");
+  inspector.Ask(0, R"({"q":"rows"})");
+  for (std::size_t call = 0; call < calls; call += calls / 8 + 1) {
+    inspector.Ask(0, qnv::calls::Text("{\"q\":\"call\",\"call\":", call, "}"));
+    inspector.Draw(0, qnv::calls::Text("{\"d\":\"picture\",\"call\":", call, ",\"id\":0}"));
+    inspector.Draw(0, qnv::calls::Text("{\"d\":\"page\",\"page\":0,\"call\":", call,
+                                       ",\"left\":0,\"top\":0,\"width\":300,\"height\":200,\"columns\":30}"));
+    inspector.Ask(0, qnv::calls::Text("{\"q\":\"painters\",\"page\":0,\"x\":", call, ",\"y\":", call / 2, "}"));
+  }
 }
 
 }  // namespace
@@ -68,5 +92,6 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, std::size_t size) {
   options.maxPlaneBytes = kMaxBytes;
   options.end = kMaxCalls;
   player.Play(options, watcher);
+  if (file.CallCount() <= kMaxCalls) Inspect(bytes, file.CallCount());
   return 0;
 }
