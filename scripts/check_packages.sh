@@ -193,9 +193,12 @@ component_holds() { # TREE COMPONENT FILES
 # ---- qnvtool --------------------------------------------------------------------------------------------------------
 long_options() { sed 's/\\-/-/g' | grep -oE -- '--[a-z][a-z-]*' | sort -u; }
 
-options_of_help() {
-  local command
-  for command in '' print make-picture record replay check diff trim to-c info dump render time; do "$tool" $command --help || return 1; done | long_options
+options_of_help() { # of the program and of each command that it lists
+  local command commands
+  commands=$("$tool" --help | sed -n '/^Subcommands:/,/^$/s/^  \([a-z-]*\) .*/\1/p')
+  [ "$(wc -w <<<"$commands")" -ge 12 ] || { echo "only these commands: $commands" >&2; return 1; }
+  # shellcheck disable=SC2086
+  for command in '' $commands; do "$tool" $command --help || return 1; done | long_options
 }
 
 man_page_is_true() {
