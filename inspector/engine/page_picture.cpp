@@ -167,6 +167,20 @@ bool PagePictures::IsSameRow(const View& view, const std::vector<ShownBand>& ban
   return true;
 }
 
+uint64_t PagePictures::SingleVersion(const View& view, const std::vector<ShownBand>& bands, int64_t row) const {
+  const int64_t first = view.top + EdgeOf(row, view.rows, view.height);
+  const int64_t end = view.top + EdgeOf(row + 1, view.rows, view.height);
+  uint64_t single = 2;
+  for (const ShownBand& shown : bands) {
+    const BandOfPage& band = *shown.band;
+    if (band.Top() >= end || band.Top() + band.size.bottom <= first) continue;
+    const uint64_t version = shown.isBlank ? 0 : !shown.versions.empty() && shown.versions.front() == 1 ? 1 : 2;
+    if (version == 2 || (single != 2 && single != version)) return 2;
+    single = version;
+  }
+  return single;
+}
+
 const Picture* PagePictures::Draw(View view, int64_t call, std::string* error) {
   if (view.page >= history_.Pages().size()) {
     *error = "there is no such page";
@@ -198,10 +212,27 @@ const Picture* PagePictures::Draw(View view, int64_t call, std::string* error) {
     picture_.width = static_cast<uint32_t>(view.columns);
     picture_.height = static_cast<uint32_t>(view.rows);
     picture_.pixels.assign(static_cast<std::size_t>(view.columns * view.rows) * 4, 0);
+    const std::size_t pixels = static_cast<std::size_t>(view.columns * view.rows);
+    for (std::size_t i = 0; i < 2; ++i) {
+      isKept_[i].assign(static_cast<std::size_t>(view.rows), false);
+      keptRows_[i].assign(pixels <= kMaxKeptPixels ? pixels * 4 : 0, 0);
+    }
   }
   for (int64_t row = 0; row < view.rows; ++row) {
     if (isKnown && IsSameRow(view, bands, row)) continue;
-    PaintRow(view, bands, row, picture_.pixels.data() + static_cast<std::size_t>(row * view.columns) * 4);
+    const std::size_t at = static_cast<std::size_t>(row * view.columns) * 4;
+    const std::size_t bytes = static_cast<std::size_t>(view.columns) * 4;
+    uint8_t* const out = picture_.pixels.data() + at;
+    const uint64_t kind = SingleVersion(view, bands, row);
+    const bool mayKeep = kind < 2 && !keptRows_[kind].empty();
+    if (mayKeep && isKept_[kind][static_cast<std::size_t>(row)]) {
+      std::memcpy(out, keptRows_[kind].data() + at, bytes);
+      continue;
+    }
+    PaintRow(view, bands, row, out);
+    if (!mayKeep) continue;
+    std::memcpy(keptRows_[kind].data() + at, out, bytes);
+    isKept_[kind][static_cast<std::size_t>(row)] = true;
   }
   versions_.clear();
   for (ShownBand& shown : bands) versions_.push_back(std::move(shown.versions));

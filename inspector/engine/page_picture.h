@@ -65,6 +65,8 @@ class PagePictures {
   // A row of the band's memory; null for blank bands.
   const uint8_t* RowOf(const ShownBand& shown, bool tags, int64_t y);
   void PaintRow(const View& view, const std::vector<ShownBand>& bands, int64_t row, uint8_t* out);
+  // 0 or 1 when the versions of all that a row of the picture shows are that: blank or complete. Else 2.
+  uint64_t SingleVersion(const View& view, const std::vector<ShownBand>& bands, int64_t row) const;
   bool IsSameRow(const View& view, const std::vector<ShownBand>& bands, int64_t row) const;
   void AddRow(const View& view, const ShownBand& shown, int64_t y);
 
@@ -79,6 +81,11 @@ class PagePictures {
   View view_;
   std::vector<std::vector<uint64_t>> versions_;
   Picture picture_;
+  // Rows of the same view that showed nothing but bands that were blank (0) or complete (1): they look the same
+  // whenever they do so again.
+  static constexpr std::size_t kMaxKeptPixels = std::size_t{1} << 22;
+  std::vector<uint8_t> keptRows_[2];
+  std::vector<bool> isKept_[2];
 };
 
 }  // namespace qnv::inspector

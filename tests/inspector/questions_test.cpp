@@ -242,6 +242,26 @@ TEST(Drawing, ShowsThePageAtAnyCall) {
   }
 }
 
+// One view at calls in any order: rows that are kept from one picture to the next are those of a first picture.
+TEST(Drawing, KeepsOnlyRowsThatAreTheSame) {
+  for (const char* const name : {"dual", "scaled-90-60"}) {
+    const calls::Bytes bytes = Page(name);
+    Inspector inspector(LinkedFunctions());
+    Open(inspector, bytes);
+    const int64_t count = Ask(inspector, R"({"q":"summary"})")["calls"].Whole();
+    for (int64_t i = 0; i < 25; ++i) {
+      const std::string view =
+          calls::Text("{\"d\":\"page\",\"page\":0,\"call\":", i * 211 % (count / 3), ",\"left\":0,\"top\":0,",
+                      "\"width\":496,\"height\":702,\"columns\":50,\"rows\":71}");
+      ASSERT_TRUE(inspector.Draw(0, view)) << inspector.Text();
+      Inspector fresh(LinkedFunctions());
+      Open(fresh, bytes);
+      ASSERT_TRUE(fresh.Draw(0, view));
+      ASSERT_EQ(inspector.LastPicture().pixels, fresh.LastPicture().pixels) << name << ", " << view;
+    }
+  }
+}
+
 TEST(Drawing, AveragesPixels) {
   RecordedHost host("average", {false, false});
   std::vector<uint8_t> band(12 * 2);
