@@ -163,15 +163,15 @@ CallFile::Status CallFile::ReadIndex(FileBytes& bytes, std::vector<BlockPlace>* 
   }
   const uint64_t at = GetLittle<uint64_t>(footer);
   Block block;
-  const Status status = ReadBlock(bytes, at, kMaxFileBytes, &block);
+  Status status = ReadBlock(bytes, at, kMaxFileBytes, &block);
   if (status.error != FileError::kNone) return status;
-  const auto damaged = Failure(FileError::kDamaged, at, "the index is damaged");
+  const auto damaged = [at] { return Failure(FileError::kDamaged, at, "the index is damaged"); };
   ByteReader reader(block.data.data(), block.data.size());
   const uint64_t calls = reader.Number(), blobs = reader.Number(), images = reader.Number(), count = reader.Number();
   // Every number takes at least a byte somewhere in the file.
   if (block.kind != BlockKind::kIndex || block.end != size - kFooterBytes ||
       std::max({calls, blobs, images}) > kMaxItems || count > block.data.size()) {
-    return damaged;
+    return damaged();
   }
   BlockPlace before{kFileHeaderBytes, 0, 1, 1};
   for (uint64_t i = 0; i <= count; ++i) {
@@ -179,7 +179,7 @@ CallFile::Status CallFile::ReadIndex(FileBytes& bytes, std::vector<BlockPlace>* 
     if (i < count) place = {reader.Number(), reader.Number(), reader.Number(), reader.Number()};
     if (!reader.ok() || place.offset < before.offset || place.firstCall < before.firstCall ||
         place.firstBlob < before.firstBlob || place.firstImage < before.firstImage) {
-      return damaged;
+      return damaged();
     }
     places->push_back(place);
     before = place;

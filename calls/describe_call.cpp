@@ -185,7 +185,7 @@ std::string DescribePointer(const CallFile& file, Memory memory, const StoredArg
 }  // namespace
 
 void AppendText(std::string& text, const Hex& hex) {
-  char digits[16];
+  char digits[16] = {};
   const auto end = std::to_chars(digits, digits + sizeof digits, hex.value, 16).ptr;
   for (std::ptrdiff_t zeros = hex.digits - (end - digits); zeros > 0; --zeros) text += '0';
   for (const char* at = digits; at != end; ++at) {

@@ -1,5 +1,6 @@
 // Places of pages: what painted a pixel, what stands there, and how time and paint are spread.
 #include <algorithm>
+#include <cmath>
 #include <cstring>
 
 #include "calls/call_difference.h"
@@ -176,7 +177,7 @@ bool AnswerHeat(OpenFile& file, const JsonValue& question, std::string* out) {
   float max = 0;
   for (const float value : values) max = std::max(max, value);
   JsonWriter json(out);
-  json.Object().Member("max", static_cast<uint64_t>(max + 0.5F)).Base64("values", values).EndObject();
+  json.Object().Member("max", static_cast<uint64_t>(std::llround(max))).Base64("values", values).EndObject();
   return true;
 }
 
