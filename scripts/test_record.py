@@ -9,9 +9,9 @@
                                                 the state that counts is that of the question before
 
 A test depends on its command, its environment, the processor, the installed packages, and on files. A test program:
-itself, the shared libraries beside it, and every file of the project that is neither C++ nor prose (pictures, corpora,
-recorded pages, scripts). Everything else, such as a test that is a script: every file of the project and every program
-of its build. The record is build/test_record.json; without it everything runs.
+itself, the shared libraries beside it, and the data of the folders that test programs read (pictures, corpora, recorded
+pages). Everything else, such as a test that is a script: every file of the project and every program of its build. The
+record is build/test_record.json; without it everything runs.
 """
 import hashlib
 import json
@@ -26,7 +26,8 @@ BUILD = ROOT / "build"
 RECORD = BUILD / "test_record.json"
 ASKED = BUILD / "test_record_asked.json"
 HASHES = BUILD / "test_record_hashes.json"
-PROSE_AND_SOURCES = (".cpp", ".h", ".c", ".md")
+DATA_FOLDERS = ("tests", "fuzz", "examples")
+NO_DATA = (".cpp", ".h", ".c", ".in", ".md", ".sh", ".py")
 
 
 def read_json(path):
@@ -71,6 +72,10 @@ class Hashes:
 def project_files():
     names = subprocess.check_output(["git", "ls-files", "-coz", "--exclude-standard"], cwd=ROOT, text=True).split("\0")
     return [ROOT / name for name in filter(None, names)]
+
+
+def is_data(path):
+    return path.relative_to(ROOT).parts[0] in DATA_FOLDERS and path.suffix not in NO_DATA
 
 
 def machine():
@@ -134,7 +139,7 @@ def main():
     if action == "script":
         ask([(name, f"{name}/{name}", everything)])
     else:
-        data = place + hashes.of_all([path for path in files if path.suffix not in PROSE_AND_SOURCES])
+        data = place + hashes.of_all([path for path in files if is_data(path)])
         listing = json.loads(subprocess.check_output(["ctest", "--preset", name, "--show-only=json-v1"], cwd=ROOT))
         ask([(test["name"], f"{name}/{test['name']}", key_of_test(test, BUILD / name, hashes, data, everything))
              for test in listing["tests"]])

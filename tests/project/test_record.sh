@@ -5,13 +5,13 @@ set -euo pipefail
 source_root=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
 folder=$(mktemp -d)
 trap 'rm -rf "$folder"' EXIT
-mkdir -p "$folder/scripts" "$folder/build/fake/bin" "$folder/tools" "$folder/data"
+mkdir -p "$folder/scripts" "$folder/build/fake/bin" "$folder/tools" "$folder/tests"
 cp "$source_root/scripts/test_record.py" "$folder/scripts/"
 cd "$folder"
 printf 'build/\ntools/\n' >.gitignore
 git init -q .
 echo one >build/fake/bin/program && echo one >build/fake/bin/library.so && echo one >build/fake/bin/other
-echo one >data/picture.ppm && echo one >source.cpp && echo one >words.md && echo one >scripts/test.sh
+echo one >tests/picture.ppm && echo one >source.cpp && echo one >words.md && echo one >scripts/test.sh
 
 # What the real ctest says about two tests.
 cat >tools/ctest <<END
@@ -51,10 +51,10 @@ expect "at first" compiled shell
 changed build/fake/bin/program compiled shell
 changed build/fake/bin/library.so compiled shell
 changed build/fake/bin/other shell
-changed data/picture.ppm compiled shell
+changed tests/picture.ppm compiled shell
 changed source.cpp shell
 changed words.md shell
-changed scripts/test.sh compiled shell
+changed scripts/test.sh shell
 pass_all
 sed -i 's/--fast/--slow/' tools/ctest
 expect "with other arguments" compiled
@@ -74,7 +74,7 @@ expect "with a broken record" compiled shell
 
 # What is stored is the state before the tests ran, not one that came while they did.
 scripts/test_record.py tests fake >/dev/null
-echo three >>data/picture.ppm
+echo three >>tests/picture.ppm
 store "compiled 12 0 1.5" "shell 3 0 2"
 expect "a change while the tests ran" compiled shell
 
