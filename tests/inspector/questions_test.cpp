@@ -275,6 +275,7 @@ TEST(Drawing, AveragesPixels) {
   // Blue in the first of the four pixels that become one.
   QNV_RECORDED_CALL(host, pixel, kPixel, device, 0, 0, 0x000000FF, &mode, &clip);
   const calls::Bytes bytes = host.Finish();
+  QNVDisable(device);  // not in the file: the host of that one never ended its device
   Inspector inspector(LinkedFunctions());
   Open(inspector, bytes);
   ASSERT_TRUE(inspector.Draw(0, R"({"d":"page","page":0,"call":2,"plane":"color","left":0,"top":0,"width":6,
@@ -451,7 +452,9 @@ TEST(Questions, CompareTwoFiles) {
     DRAWMODE mode{};
     mode.Rop2 = R2_COPYPEN;
     QNV_RECORDED_CALL(host, polyPixel, kPolyPixel, device, 20, 10, 39, 17, color, &mode, &rect);
-    return host.Finish();
+    const calls::Bytes bytes = host.Finish();
+    QNVDisable(device);
+    return bytes;
   };
   Open(inspector, pageWith(0x00123456));
   Open(inspector, pageWith(0x00123457));

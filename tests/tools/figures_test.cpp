@@ -105,7 +105,8 @@ TEST_F(Figures, AByteOrderMarkIsLeftOut) {
 TEST_F(Figures, QuotesHoldBlanksAndQuotes) {
   const auto texts = [&](const std::string& word) {
     std::string latin;
-    for (const auto& run : ItemAt<TextLine>(LayOut("text 1 2 9 " + word + "\n").at(0), 0).runs) latin += run.latin;
+    const auto pages = LayOut("text 1 2 9 " + word + "\n");
+    for (const auto& run : ItemAt<TextLine>(pages.at(0), 0).runs) latin += run.latin;
     return latin;
   };
   EXPECT_EQ(texts("\"a \"\"b\"\"\""), "a \"b\"");
