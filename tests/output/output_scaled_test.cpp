@@ -144,21 +144,26 @@ TEST(OutputScaled, GrayModeGraysWhatItWrites) {
   for (uint32_t i = 0; i < 64; ++i) hatch.cells[i] = i % 2 == 0 ? 0xFF0180FF : 0;  // even columns
   for (const Case& c : cases) {
     for (bool solid : {true, false}) {
-      SCOPED_TRACE(Text(c.rop2, solid ? ", solid" : ", hatched"));
-      ScaledDevice device({.bitsPerPixel = 0, .width = 9, .height = 2});
-      PlaneImage expected = BandImage(device);
-      for (int32_t row = 0; row < 2; ++row) {
-        for (uint32_t column = 0; column < 9; ++column) expected.SetColor(column, row, 0x102030 + column * 0x070503);
+      for (uint32_t width : {9u, 700u}) {  // a row in one piece, and in several
+        SCOPED_TRACE(Text(c.rop2, solid ? ", solid, " : ", hatched, ", width));
+        ScaledDevice device({.bitsPerPixel = 0, .width = static_cast<uint16_t>(width), .height = 2});
+        PlaneImage expected = BandImage(device);
+        for (int32_t row = 0; row < 2; ++row) {
+          for (uint32_t column = 0; column < width; ++column) {
+            expected.SetColor(column, row, (0x102030 + column * 0x070503) & 0xFFFFFF);
+          }
+        }
+        LoadBand(&device, expected);
+        const DRAWMODE mode = MakeDrawMode({.rop2 = c.rop2, .bkMode = TRANSPARENT});
+        for (uint32_t column = 2; column < width - 2; ++column) {
+          if (!solid && column % 2 != 0) continue;
+          const uint32_t result = c.result(solid ? 0xFF8001u : 0x0180FFu, expected.Color(column, 1));
+          expected.SetColor(column, 1, Regrayed(result));
+        }
+        PaintRow(device, 2, static_cast<int16_t>(width - 2), 1,
+                 {.pen = solid ? &pen : nullptr, .brush = solid ? nullptr : &hatch, .drawMode = &mode});
+        EXPECT_TRUE(BandShows(device, expected));
       }
-      LoadBand(&device, expected);
-      const DRAWMODE mode = MakeDrawMode({.rop2 = c.rop2, .bkMode = TRANSPARENT});
-      for (int32_t column = 2; column < 7; ++column) {
-        if (!solid && column % 2 != 0) continue;
-        const uint32_t result = c.result(solid ? 0xFF8001u : 0x0180FFu, expected.Color(column, 1));
-        expected.SetColor(column, 1, Regrayed(result));
-      }
-      PaintRow(device, 2, 7, 1, {.pen = solid ? &pen : nullptr, .brush = solid ? nullptr : &hatch, .drawMode = &mode});
-      EXPECT_TRUE(BandShows(device, expected));
     }
   }
 }
