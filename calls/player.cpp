@@ -40,10 +40,12 @@ const PlayedDevice* Player::Device(uint32_t number) const {
   return number < devices_.size() && devices_[number].handle != nullptr ? &devices_[number] : nullptr;
 }
 
-void Player::SetContents(uint32_t number, const PlayedDevice& from) {
-  PlayedDevice& device = devices_[number];
-  if (device.band.size() == from.band.size()) std::copy(from.band.begin(), from.band.end(), device.band.begin());
-  if (device.tags.size() == from.tags.size()) std::copy(from.tags.begin(), from.tags.end(), device.tags.begin());
+void Player::SetContents(uint32_t number, const PlaneContents& contents) {
+  const auto fill = [](GuardedPlane& plane, const std::vector<uint8_t>& bytes) {
+    if (plane.size() == bytes.size()) std::copy(bytes.begin(), bytes.end(), plane.begin());
+  };
+  fill(devices_[number].band, contents.band);
+  fill(devices_[number].tags, contents.tags);
 }
 
 // The bands get all the memory that the rectangles of the file ever ask for.
@@ -161,7 +163,7 @@ bool Player::Compare(const PlacedCall& prepared, uintptr_t result, std::string* 
 bool Player::CompareBands(const StoredCall& call, bool before, std::string* what, PlayReport* report) const {
   const PlayedDevice* const device = Device(call.Device());
   if (device == nullptr) return true;
-  const auto compare = [&](uint32_t flag, const std::vector<uint8_t>& plane, uint64_t bytes, uint64_t expected,
+  const auto compare = [&](uint32_t flag, const GuardedPlane& plane, uint64_t bytes, uint64_t expected,
                            const char* name) {
     if ((call.flags & flag) == 0) return true;
     ++report->compared;
@@ -178,6 +180,19 @@ bool Player::CompareBands(const StoredCall& call, bool before, std::string* what
   }
   return compare(kHasBandAfter, device->band, band, call.bandAfter, "band") &&
          compare(kHasTagsAfter, device->tags, tags, call.tagsAfter, "tag plane");
+}
+
+bool Player::CompareGuards(PlayedDevice* device, bool nearOnly, std::string* what) const {
+  const std::size_t bytes = nearOnly ? GuardedPlane::kNearBytes : GuardedPlane::kGuardBytes;
+  for (GuardedPlane* const plane : {&device->band, &device->tags}) {
+    const std::ptrdiff_t changed = plane->ChangedGuard(bytes);
+    if (changed == 0) continue;
+    *what = Text("byte ", changed < 0 ? -changed : changed, changed < 0 ? " before" : " behind",
+                 plane == &device->band ? " the band" : " the tag plane", " was written");
+    plane->RenewGuards();
+    return false;
+  }
+  return true;
 }
 
 PlayReport Player::Play(const PlayOptions& options) { return Play(options, Watcher{}); }
@@ -213,7 +228,7 @@ PlayReport Player::Play(const PlayOptions& options, const Watcher& watcher) {
         StoredBand band;
         file_.DecodeBand(*prepared.item, &band);
         PlayedDevice& device = devices_[band.device];
-        std::vector<uint8_t>& plane = band.plane == 0 ? device.band : device.tags;
+        GuardedPlane& plane = band.plane == 0 ? device.band : device.tags;
         const BlobView& blob = file_.Blob(band.blob);
         if (blob.bytes > plane.size()) {
           report.error = PlaceOf(*prepared.item) + ": the contents are larger than the band";
@@ -248,8 +263,12 @@ PlayReport Player::Play(const PlayOptions& options, const Watcher& watcher) {
           report.error = PlaceOf(*prepared.item) + ": with this device the bands are too large";
           return report;
         }
-        if (slots.at[2] != 0) newDevice.band.resize(static_cast<std::size_t>(bandBytes_[made]) + 1);
-        if (slots.at[3] != 0) newDevice.tags.resize(static_cast<std::size_t>(tagBytes_[made]) + 1);
+        // A band without pixels has an address, too.
+        const auto planeOf = [](uint64_t bytes) {
+          return GuardedPlane(static_cast<std::size_t>(std::max<uint64_t>(bytes, 1)));
+        };
+        if (slots.at[2] != 0) newDevice.band = planeOf(bandBytes_[made]);
+        if (slots.at[3] != 0) newDevice.tags = planeOf(tagBytes_[made]);
         slots.at[2] = reinterpret_cast<uintptr_t>(newDevice.band.data());
         slots.at[3] = reinterpret_cast<uintptr_t>(newDevice.tags.data());
       }
@@ -287,6 +306,9 @@ PlayReport Player::Play(const PlayOptions& options, const Watcher& watcher) {
             differs(what)) {
           return report;
         }
+        // All guards where the band may end, the near ones after every call.
+        const bool endsBand = stored.function == Function::kControl || stored.function == Function::kDisable;
+        if (number != 0 && !CompareGuards(&devices_[number], !endsBand, &what) && differs(what)) return report;
       }
       if (watcher.after && !watcher.after({prepared.call, stored, slots, result, nanoseconds})) {
         report.completed = true;

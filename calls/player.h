@@ -11,6 +11,7 @@
 #include "calls/call_file.h"
 #include "calls/call_placer.h"
 #include "calls/device_shape.h"
+#include "calls/guarded_plane.h"
 #include "calls/invoke.h"
 #include "calls/memory_reads.h"
 
@@ -20,7 +21,12 @@ namespace qnv::calls {
 struct PlayedDevice {
   DeviceHandle* handle = nullptr;
   DeviceShape shape;
-  std::vector<uint8_t> band, tags;  // empty: the host gave none
+  GuardedPlane band, tags;  // empty: the host gave none
+};
+
+// What the planes of a device hold at a time.
+struct PlaneContents {
+  std::vector<uint8_t> band, tags;
 };
 
 // What differs from the file.
@@ -30,7 +36,8 @@ struct Difference {
 };
 
 struct PlayOptions {
-  bool compare = true;                              // results, outputs, and the checksums that the file has
+  bool compare =
+      true;  // results, outputs, the checksums that the file has, and that nothing beside the bands is written
   bool stopAtFirst = true;                          // at the first difference
   uint64_t maxPlaneBytes = uint64_t{1} << 30;       // files that ask for larger bands are refused
   uint64_t maxAllBytes = UINT64_MAX;                // of all devices at a time
@@ -76,13 +83,14 @@ class Player {
   // Devices by number; null before the call that makes them and for numbers that the file does not have.
   const PlayedDevice* Device(uint32_t number) const;
   // Gives the planes of a device other contents, of the same size, while a watcher runs.
-  void SetContents(uint32_t number, const PlayedDevice& from);
+  void SetContents(uint32_t number, const PlaneContents& contents);
 
  private:
   bool Prepare(const FileItem& item, std::size_t call, PlacedCall* prepared, std::string* error);
   bool FindBandSizes(uint64_t maxPlaneBytes, std::string* error);
   bool Compare(const PlacedCall& prepared, uintptr_t result, std::string* what);
   bool CompareBands(const StoredCall& call, bool before, std::string* what, PlayReport* report) const;
+  bool CompareGuards(PlayedDevice* device, bool nearOnly, std::string* what) const;
   void End();
 
   const CallFile& file_;

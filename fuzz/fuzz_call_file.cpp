@@ -5,9 +5,8 @@
 #include <vector>
 
 #include "calls/call_file.h"
-#include "calls/checker.h"
+#include "calls/checked_replay.h"
 #include "calls/hash.h"
-#include "calls/player.h"
 #include "calls/text.h"
 #include "inspector/engine/inspector.h"
 
@@ -74,24 +73,12 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, std::size_t size) {
     }
   }
   if (status.error != FileError::kNone && status.error != FileError::kTruncated) return 0;
-  CallChecker checker([](const Finding&) {});
   Player player(file, LinkedFunctions());
-  Player::Watcher watcher;
-  watcher.before = [&](std::size_t call, const StoredCall& stored, const Slots& slots) {
-    checker.Before(call, stored.function, slots, stored.Device());
-    return true;
-  };
-  watcher.after = [&](const Player::MadeCall& made) {
-    const bool isNew = made.stored.function == Function::kEnable;
-    checker.After(made.stored.function, made.slots, isNew ? made.stored.result : made.stored.Device(),
-                  static_cast<uint32_t>(made.result));
-    return true;
-  };
   PlayOptions options;
   options.stopAtFirst = false;
   options.maxPlaneBytes = kMaxBytes;
   options.end = kMaxCalls;
-  player.Play(options, watcher);
+  PlayChecked(player, options, [](const Finding&) {});
   if (file.CallCount() <= kMaxCalls) Inspect(bytes, file.CallCount());
   return 0;
 }

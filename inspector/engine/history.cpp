@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <cstring>
 
-#include "calls/player.h"
+#include "calls/checked_replay.h"
 #include "calls/text.h"
 
 namespace qnv::inspector {
@@ -90,7 +90,6 @@ void History::Index() {
 
 void History::Replay(const HistoryLimits& limits) {
   calls::Player player(file_, functions_);
-  calls::CallChecker checker([&](const calls::Finding& finding) { findings_.push_back(finding); });
   const auto positionOf = [&](std::size_t call) { return rows_[call].position; };
   // Contents that were set since the last item of the device.
   const auto noteContents = [&](TrackedDevice& device, uint32_t position) {
@@ -101,7 +100,6 @@ void History::Replay(const HistoryLimits& limits) {
   calls::Player::Watcher watcher;
   watcher.before = [&](std::size_t call, const calls::StoredCall& stored, const calls::Slots& slots) {
     const uint32_t number = stored.Device();
-    checker.Before(call, stored.function, slots, number);
     if (number == 0) return true;
     TrackedDevice& device = devices_[number];
     noteContents(device, positionOf(call));
@@ -119,7 +117,6 @@ void History::Replay(const HistoryLimits& limits) {
     const uint32_t number = makes ? stored.result : stored.Device();
     CallRow& row = rows_[made.call];
     row.isMade = true;
-    checker.After(stored.function, made.slots, number, static_cast<uint32_t>(made.result));
     if (number == 0) return true;
     TrackedDevice& device = devices_[number];
     const calls::PlayedDevice* const played = player.Device(number);
@@ -157,7 +154,8 @@ void History::Replay(const HistoryLimits& limits) {
   options.stopAtFirst = false;
   options.maxPlaneBytes = limits.maxPlaneBytes;
   options.maxAllBytes = limits.maxLiveBytes;
-  const calls::PlayReport report = player.Play(options, watcher);
+  const calls::PlayReport report = PlayChecked(
+      player, options, [&](const calls::Finding& finding) { findings_.push_back(finding); }, watcher);
   for (const calls::Difference& difference : report.differences) rows_[difference.call].differs = true;
   if (!report.error.empty()) {
     shortcoming_ += (shortcoming_.empty() ? "" : "; ") + report.error;
@@ -215,8 +213,8 @@ void History::NoteChange(TrackedDevice& device, Function function, const Reach& 
   mark(device.changedTags, device.tagLayout);
 }
 
-void History::Keep(TrackedDevice& device, uint32_t position, bool completesBand, const std::vector<uint8_t>& band,
-                   const std::vector<uint8_t>& tags) {
+void History::Keep(TrackedDevice& device, uint32_t position, bool completesBand, std::span<const uint8_t> band,
+                   std::span<const uint8_t> tags) {
   Moment moment;
   moment.position = position;
   moment.completesBand = completesBand;
@@ -226,7 +224,7 @@ void History::Keep(TrackedDevice& device, uint32_t position, bool completesBand,
     moment.calls.assign(1, SIZE_MAX);
   }
   const Moment* const before = device.moments.empty() ? nullptr : &device.moments.back();
-  const auto pack = [&](const std::vector<uint8_t>& plane, const GroupLayout& layout, std::vector<bool>& changed,
+  const auto pack = [&](std::span<const uint8_t> plane, const GroupLayout& layout, std::vector<bool>& changed,
                         const RowGroups* last) {
     RowGroups groups(layout.Count());
     for (std::size_t i = 0; i < groups.size(); ++i) {

@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <map>
 #include <memory>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -152,8 +153,8 @@ class History {
   void Index();
   void Replay(const HistoryLimits& limits);
   void NoteChange(TrackedDevice& device, calls::Function function, const calls::Reach& reach);
-  void Keep(TrackedDevice& device, uint32_t position, bool completesBand, const std::vector<uint8_t>& band,
-            const std::vector<uint8_t>& tags);
+  void Keep(TrackedDevice& device, uint32_t position, bool completesBand, std::span<const uint8_t> band,
+            std::span<const uint8_t> tags);
   void GiveUpMoments();
   void CloseBand(uint32_t number, uint32_t end);
   bool Restore(uint32_t number, LiveDevice* live, const Moment& moment, std::string* error);

@@ -6,7 +6,7 @@
 #include <fstream>
 #include <iterator>
 
-#include "calls/checker.h"
+#include "calls/checked_replay.h"
 
 namespace qnv::test {
 
@@ -21,23 +21,15 @@ calls::PlayReport ReplayExactly(const std::string& name, const calls::Bytes& byt
   const calls::CallFile::Status status = calls::CallFile::Read(bytes.data(), bytes.size(), &file);
   EXPECT_EQ(status.error, calls::FileError::kNone) << name << ", byte " << status.offset << ": " << status.message;
   calls::Player player(file, calls::LinkedFunctions());
-  calls::CallChecker checker(
-      [&](const calls::Finding& finding) { ADD_FAILURE() << name << ": " << Describe(finding); });
   calls::Player::Watcher watcher;
-  watcher.before = [&](std::size_t call, const calls::StoredCall& stored, const calls::Slots& slots) {
-    checker.Before(call, stored.function, slots, stored.Device());
+  watcher.before = [&](std::size_t, const calls::StoredCall& stored, const calls::Slots&) {
     if (atEnd && stored.function == calls::Function::kDisable && player.Device(stored.Device()) != nullptr) {
       atEnd(stored.Device(), *player.Device(stored.Device()));
     }
     return true;
   };
-  watcher.after = [&](const calls::Player::MadeCall& made) {
-    const bool isNew = made.stored.function == calls::Function::kEnable;
-    checker.After(made.stored.function, made.slots, isNew ? made.stored.result : made.stored.Device(),
-                  static_cast<uint32_t>(made.result));
-    return true;
-  };
-  const calls::PlayReport report = player.Play({}, watcher);
+  const auto found = [&](const calls::Finding& finding) { ADD_FAILURE() << name << ": " << Describe(finding); };
+  const calls::PlayReport report = PlayChecked(player, {}, found, watcher);
   EXPECT_TRUE(report.completed) << name << ": " << report.error;
   EXPECT_EQ(report.skipped, 0u) << name;
   for (const calls::Difference& difference : report.differences) {

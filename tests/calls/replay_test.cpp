@@ -95,6 +95,72 @@ TEST(Replay, TellsABandThatDiffers) {
   EXPECT_EQ(report.differences[0].what.substr(0, 32), "QNVDisable: the band before the ");
 }
 
+// A library whose pixels also change a byte beside a plane of their device.
+uint8_t* strayByte = nullptr;
+uint32_t StrayPixel(DeviceHandle* handle, int32_t x, int32_t y, uint32_t color, const DRAWMODE* mode,
+                    const BandRect* clip) {
+  *strayByte ^= 0x10;
+  return QNVPixel(handle, x, y, color, mode, clip);
+}
+
+TEST(Replay, TellsWhatIsWrittenBesideTheBands) {
+  RecordedHost host("stray");
+  const DeviceDescription description{QNV_KIND_RASTER, 24, 300, 8, 4, 300};
+  const BandRect rect{0, 0, 8, 4};
+  uint8_t band[24 * 4] = {}, tags[8 * 4] = {};
+  DeviceHandle* const device = QNV_RECORDED_CALL(host, enable, kEnable, &description, &rect, band, tags);
+  QNV_RECORDED_CALL(host, control, kControl, device, QNV_CLEAR_BAND, nullptr, nullptr);
+  DRAWMODE mode{};
+  mode.Rop2 = R2_COPYPEN;
+  for (int x = 0; x < 2; ++x) QNV_RECORDED_CALL(host, pixel, kPixel, device, x, 1, 0x00112233, &mode, &rect);
+  QNV_RECORDED_CALL(host, disable, kDisable, device);
+  const CallFile file = FileOf(host.Finish());
+  calls::Functions wrong = LinkedFunctions();
+  wrong.pixel = StrayPixel;
+  const struct {
+    bool tags;
+    std::ptrdiff_t at;  // of the byte, in the plane
+    std::size_t call;   // at which it is told
+    const char* what;
+  } cases[] = {
+      {false, -1, 2, "QNVPixel: byte 1 before the band was written"},
+      {false, -64, 2, "QNVPixel: byte 64 before the band was written"},
+      {false, 24 * 4, 2, "QNVPixel: byte 1 behind the band was written"},
+      {true, -2, 2, "QNVPixel: byte 2 before the tag plane was written"},
+      {true, 8 * 4 + 63, 2, "QNVPixel: byte 64 behind the tag plane was written"},
+      // Too far away to be looked at after every call: found when the band ends.
+      {false, -65, 4, "QNVDisable: byte 65 before the band was written"},
+      {true, 8 * 4 + 4095, 4, "QNVDisable: byte 4096 behind the tag plane was written"},
+  };
+  for (const auto& c : cases) {
+    Player player(file, wrong);
+    bool once = false;
+    Player::Watcher watcher;
+    watcher.before = [&](std::size_t call, const calls::StoredCall&, const calls::Slots&) {
+      static uint8_t harmless = 0;
+      strayByte = &harmless;
+      const calls::PlayedDevice* const played = player.Device(1);
+      if (call == 2 && !once && played != nullptr) {
+        once = true;
+        strayByte = const_cast<uint8_t*>((c.tags ? played->tags : played->band).data()) + c.at;
+      }
+      return true;
+    };
+    if (calls::GuardedPlane::kIsInaccessible) {
+      EXPECT_DEATH(player.Play({}, watcher), "use-after-poison") << c.what;
+      continue;
+    }
+    const PlayReport report = player.Play({.stopAtFirst = false}, watcher);
+    ASSERT_EQ(report.differences.size(), 1u) << c.what;
+    EXPECT_EQ(report.differences[0].call, c.call) << c.what;
+    EXPECT_EQ(report.differences[0].what, c.what);
+    EXPECT_TRUE(once && report.completed) << c.what;
+    // Who does not compare is not told.
+    once = false;
+    EXPECT_TRUE(player.Play({.compare = false}, watcher).differences.empty()) << c.what;
+  }
+}
+
 TEST(Replay, GivesPixelsToWatchers) {
   const CallFile file = FileOf(RecordSamplePage("watch", kSampleDevices[2].description, true, {}));
   Player player(file, LinkedFunctions());

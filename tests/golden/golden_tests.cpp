@@ -71,7 +71,7 @@ const std::vector<Scene>& AllScenes() {
 PlaneImage PictureOf(const Shown& shown, const calls::PlayedDevice& device) {
   const calls::DeviceShape& shape = device.shape;
   const bool isBand = shown.plane == Plane::kBand;
-  const std::vector<uint8_t>& plane = isBand ? device.band : device.tags;
+  const calls::GuardedPlane& plane = isBand ? device.band : device.tags;
   const uint32_t channels = isBand ? shape.PixelBytes() : 1, stride = isBand ? shape.Stride() : shape.TagStride();
   std::vector<uint8_t> bytes;
   for (uint32_t row = 0; row < shape.description.height; ++row) {

@@ -32,8 +32,8 @@ std::vector<Planes> WatchEveryCall(const calls::Bytes& bytes) {
   calls::Player::Watcher watcher;
   watcher.before = [&](std::size_t call, const calls::StoredCall& stored, const calls::Slots&) {
     if (const calls::PlayedDevice* const device = player.Device(stored.Device())) {
-      planes[call].before = device->band;
-      planes[call].tagsBefore = device->tags;
+      planes[call].before.assign(device->band.begin(), device->band.end());
+      planes[call].tagsBefore.assign(device->tags.begin(), device->tags.end());
     }
     return true;
   };
@@ -43,8 +43,8 @@ std::vector<Planes> WatchEveryCall(const calls::Bytes& bytes) {
     Planes& state = planes[made.call];
     state.isKnown = true;
     state.shape = device->shape;
-    state.after = device->band;
-    state.tagsAfter = device->tags;
+    state.after.assign(device->band.begin(), device->band.end());
+    state.tagsAfter.assign(device->tags.begin(), device->tags.end());
     return true;
   };
   const calls::PlayReport report = player.Play({.compare = false}, watcher);

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cstring>
 #include <map>
+#include <span>
 
 #include "calls/describe_call.h"
 #include "calls/exact_replay.h"
@@ -80,8 +81,8 @@ class WatchedPage {
     watcher.before = [&](std::size_t call, const calls::StoredCall& stored, const calls::Slots&) {
       if (call > page.lastCall) return false;
       if (const calls::PlayedDevice* const device = player.Device(stored.Device())) {
-        band = device->band;
-        tags = device->tags;
+        band.assign(device->band.begin(), device->band.end());
+        tags.assign(device->tags.begin(), device->tags.end());
       }
       return true;
     };
@@ -107,7 +108,7 @@ class WatchedPage {
     const calls::Reach size = BandReach(shape);
     for (int32_t y = 0; y < size.bottom; ++y) {
       for (int32_t x = 0; x < size.right; ++x) {
-        const auto valueOf = [&](const std::vector<uint8_t>& plane, const std::vector<uint8_t>& tagPlane) {
+        const auto valueOf = [&](std::span<const uint8_t> plane, std::span<const uint8_t> tagPlane) {
           const auto* const at = plane.data() + static_cast<std::size_t>(y) * shape.Stride() +
                                  static_cast<std::size_t>(x) * shape.PixelBytes();
           std::vector<uint8_t> value(at, at + shape.PixelBytes());

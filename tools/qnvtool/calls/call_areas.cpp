@@ -7,6 +7,7 @@
 
 #include "calls/player.h"
 #include "qnvtool/base/tool_error.h"
+#include "qnvtool/calls/call_input.h"
 
 namespace qnv::tool {
 
@@ -25,8 +26,7 @@ std::vector<CallArea> CallAreas(const calls::CallFile& file, const calls::Functi
                    reach.Pixels()};
     return true;
   };
-  const calls::PlayReport report = player.Play({.compare = false}, watcher);
-  if (!report.error.empty()) throw ToolError(ExitCode::kBadInput, fmt::format("{}: {}", path, report.error));
+  Completed(player.Play({.compare = false}, watcher), path);
   return areas;
 }
 

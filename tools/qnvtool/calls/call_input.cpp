@@ -38,6 +38,11 @@ CalledLibrary OpenCalledLibrary(const std::string& path, const CallParts& parts)
   return library;
 }
 
+calls::PlayReport Completed(calls::PlayReport report, const std::string& path) {
+  if (!report.error.empty()) throw ToolError(ExitCode::kBadInput, fmt::format("{}: {}", path, report.error));
+  return report;
+}
+
 std::string PlaceOf(const calls::CallFile& file, std::size_t call) {
   const calls::FileItem& item = file.CallItem(call);
   return fmt::format("block at {}, item at byte {}", item.blockOffset, item.position);

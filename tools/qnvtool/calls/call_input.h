@@ -5,6 +5,7 @@
 
 #include "calls/call_file.h"
 #include "calls/invoke.h"
+#include "calls/player.h"
 #include "qnvtool/calls/call_commands.h"
 
 namespace qnv::tool {
@@ -21,6 +22,10 @@ struct CalledLibrary {
   std::string name;  // for messages
 };
 CalledLibrary OpenCalledLibrary(const std::string& path, const CallParts& parts);
+
+// The report of a replay that came to its end. Throws ToolError (bad input) with the place where a file cannot be
+// replayed.
+calls::PlayReport Completed(calls::PlayReport report, const std::string& path);
 
 // "block at 24, item at byte 7" of a call.
 std::string PlaceOf(const calls::CallFile& file, std::size_t call);

@@ -4,8 +4,7 @@
 #include <map>
 #include <memory>
 
-#include "calls/checker.h"
-#include "calls/player.h"
+#include "calls/checked_replay.h"
 #include "qnvtool/base/tool_error.h"
 #include "qnvtool/calls/call_commands.h"
 #include "qnvtool/calls/call_input.h"
@@ -23,23 +22,11 @@ void Check(const CheckArguments& a, const CallParts& parts) {
   const calls::CallFile file = ReadCallFile(a.file);
   const CalledLibrary library = OpenCalledLibrary("", parts);
   std::map<calls::Mistake, int> counts;
-  calls::CallChecker checker([&](const calls::Finding& finding) {
+  const auto found = [&](const calls::Finding& finding) {
     if (++counts[finding.mistake] <= a.shown) fmt::print("{}\n", calls::Describe(finding));
-  });
+  };
   calls::Player player(file, library.functions);
-  calls::Player::Watcher watcher;
-  watcher.before = [&](std::size_t call, const calls::StoredCall& stored, const calls::Slots& slots) {
-    checker.Before(call, stored.function, slots, stored.Device());
-    return true;
-  };
-  watcher.after = [&](const calls::Player::MadeCall& made) {
-    const bool isNew = made.stored.function == calls::Function::kEnable;
-    checker.After(made.stored.function, made.slots, isNew ? made.stored.result : made.stored.Device(),
-                  static_cast<uint32_t>(made.result));
-    return true;
-  };
-  const calls::PlayReport report = player.Play({.compare = false}, watcher);
-  if (!report.error.empty()) throw ToolError(ExitCode::kBadInput, fmt::format("{}: {}", a.file, report.error));
+  const calls::PlayReport report = Completed(PlayChecked(player, {.compare = false}, found), a.file);
   int findings = 0;
   for (const auto& [mistake, count] : counts) {
     findings += count;

@@ -104,8 +104,7 @@ void Render(const RenderArguments& a, const CallParts& parts) {
     if (made.stored.Device() == wanted && (cleared || calls::EntryPointOf(made.stored.function).draws)) painted = true;
     return true;
   };
-  const calls::PlayReport report = player.Play({.compare = false}, watcher);
-  if (!report.error.empty()) throw ToolError(ExitCode::kBadInput, fmt::format("{}: {}", a.file, report.error));
+  Completed(player.Play({.compare = false}, watcher), a.file);
   if (painted) {
     // A host that ended without freeing its device.
     calls::StoredCall last;

@@ -6,7 +6,6 @@
 #include <numeric>
 
 #include "calls/player.h"
-#include "qnvtool/base/tool_error.h"
 #include "qnvtool/calls/call_areas.h"
 #include "qnvtool/calls/call_commands.h"
 #include "qnvtool/calls/call_input.h"
@@ -37,9 +36,7 @@ void Time(const TimeArguments& a, const CallParts& parts) {
       best[made.call] = std::min(best[made.call], made.nanoseconds);
       return true;
     };
-    const calls::PlayReport report = player.Play({.compare = false}, watcher);
-    if (!report.error.empty()) throw ToolError(ExitCode::kBadInput, fmt::format("{}: {}", a.file, report.error));
-    bestRun = std::min(bestRun, report.nanoseconds);
+    bestRun = std::min(bestRun, Completed(player.Play({.compare = false}, watcher), a.file).nanoseconds);
   }
   fmt::print("{} calls; best of {} runs: {:.3f} ms; when recorded: {:.3f} ms\n", file.CallCount(), a.runs,
              static_cast<double>(bestRun) / 1e6, static_cast<double>(recorded) / 1e6);

@@ -94,7 +94,7 @@ class CProgram {
         if (device == nullptr) throw ToolError(ExitCode::kLibrary, "the library refuses a device of the file");
         const uint32_t number = made.stored.result;
         definitions_ += fmt::format("static DeviceHandle *device{};\n", number);
-        const auto plane = [&](const char* name, const std::vector<uint8_t>& bytes) {
+        const auto plane = [&](const char* name, const calls::GuardedPlane& bytes) {
           if (bytes.empty()) return;
           definitions_ += fmt::format("static unsigned char {}{}[{}];\n", name, number, bytes.size());
         };
@@ -104,8 +104,7 @@ class CProgram {
       AddCall(made.call, made.stored);
       return true;
     };
-    const calls::PlayReport report = player.Play({.compare = false}, watcher);
-    if (!report.error.empty()) throw ToolError(ExitCode::kBadInput, fmt::format("{}: {}", path, report.error));
+    Completed(player.Play({.compare = false}, watcher), path);
     fmt::print(out_, "{}{}\nint main(void) {{\n", kHead, definitions_);
     for (const std::string& setUp : setUps_) fmt::print(out_, "{}", setUp);
     fmt::print(out_, "{}  return failed;\n}}\n", body_);

@@ -70,10 +70,6 @@ class CallList {
   std::map<std::size_t, std::vector<std::size_t>> patternOf_;
 };
 
-void Require(const calls::PlayReport& report, const std::string& path) {
-  if (!report.error.empty()) throw ToolError(ExitCode::kBadInput, fmt::format("{}: {}", path, report.error));
-}
-
 // The pixels of a rectangle of the band, and their tags.
 uint64_t HashOfRect(const calls::PlayedDevice& device, const BandRect& rect) {
   const BandRect& band = device.shape.rect;
@@ -84,7 +80,7 @@ uint64_t HashOfRect(const calls::PlayedDevice& device, const BandRect& rect) {
   const int64_t bottom = std::min<int64_t>(int64_t{rect.bottom} - band.top, size.height);
   uint64_t hash = 0;
   if (left >= right) return hash;
-  const auto add = [&](const std::vector<uint8_t>& plane, uint32_t stride, uint32_t pixelBytes) {
+  const auto add = [&](const calls::GuardedPlane& plane, uint32_t stride, uint32_t pixelBytes) {
     if (plane.empty()) return;
     for (int64_t row = top; row < bottom; ++row) {
       const auto first = static_cast<std::size_t>(row * stride + left * pixelBytes);
@@ -118,7 +114,7 @@ void KeepTouching(const calls::CallFile& file, const calls::Functions& functions
     }
     return true;
   };
-  Require(player.Play({.compare = false}, watcher), a.file);
+  Completed(player.Play({.compare = false}, watcher), a.file);
 }
 
 // Leaves out calls as long as the libraries still differ: halves, then quarters, and so on down to single calls.
@@ -174,21 +170,20 @@ void Trim(const TrimArguments& a, const CallParts& parts) {
     for (std::size_t i = from; i < list.size() && i - from < static_cast<std::size_t>(a.count); ++i) list.Keep(i);
   }
   // What the bands hold where the range begins.
-  std::map<uint32_t, calls::PlayedDevice> contents;
+  std::map<uint32_t, calls::PlaneContents> contents;
   if (isRange && from != 0) {
     calls::Player player(file, library.functions);
-    Require(player.Play({.compare = false}, {.before =
-                                                 [&](std::size_t call, const calls::StoredCall&, const calls::Slots&) {
-                                                   if (call < from) return true;
-                                                   for (uint32_t d = 1; d <= file.DeviceCount(); ++d) {
-                                                     if (player.Device(d) == nullptr) continue;
-                                                     contents[d] = *player.Device(d);
-                                                     contents[d].handle = nullptr;
-                                                   }
-                                                   return false;
-                                                 },
-                                             .after = {}}),
-            a.file);
+    calls::Player::Watcher watcher;
+    watcher.before = [&](std::size_t call, const calls::StoredCall&, const calls::Slots&) {
+      if (call < from) return true;
+      for (uint32_t d = 1; d <= file.DeviceCount(); ++d) {
+        const calls::PlayedDevice* const device = player.Device(d);
+        if (device == nullptr) continue;
+        contents[d] = {{device->band.begin(), device->band.end()}, {device->tags.begin(), device->tags.end()}};
+      }
+      return false;
+    };
+    Completed(player.Play({.compare = false}, watcher), a.file);
   }
   std::FILE* const out = std::fopen(a.out.c_str(), "wb");
   if (out == nullptr) throw ToolError(ExitCode::kCannotWrite, fmt::format("{}: cannot be written", a.out));
@@ -217,8 +212,8 @@ void Trim(const TrimArguments& a, const CallParts& parts) {
       capture.After(made.slots, made.result, made.nanoseconds, &pending);
       return true;
     };
-    Require(player.Play({.compare = false, .keep = [&](std::size_t call) { return list.IsKept(call); }}, watcher),
-            a.file);
+    Completed(player.Play({.compare = false, .keep = [&](std::size_t call) { return list.IsKept(call); }}, watcher),
+              a.file);
   }
   capture.Close();
   if (capture.Failed()) throw ToolError(ExitCode::kCannotWrite, fmt::format("{}: cannot be written", a.out));

@@ -23,7 +23,7 @@ PictureForm FormOf(const calls::PlayedDevice& device, bool tags, const PlaneSize
 
 void WriteDevicePicture(const calls::PlayedDevice& device, bool tags, const std::string& path, const CallParts& parts) {
   const PlaneSize size = SizeOf(device);
-  const std::vector<uint8_t>& plane = tags ? device.tags : device.band;
+  const calls::GuardedPlane& plane = tags ? device.tags : device.band;
   if (size.width == 0 || size.height == 0 || plane.empty()) return;
   const auto writer = parts.createPng(path, FormOf(device, tags, size));
   writer->WriteRows(plane.data(), tags ? device.shape.TagStride() : device.shape.Stride(), size.height);
