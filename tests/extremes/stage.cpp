@@ -192,9 +192,10 @@ BandRect Stage::AllowedPixels(const Limits& limits, bool tags) const {
   const bool allZero = clip.left == 0 && clip.top == 0 && clip.right == 0 && clip.bottom == 0;
   if (limits.none || allZero) return all;
   if (limits.widens || tags) {
+    // Not every step of a call widens the clip; where the widened edge wraps around, the given one is the farther.
     const int32_t left = Sum(limits.left, originX_), top = Sum(limits.top, originY_);
-    if (left < 0) clip.left = Sum(clip.left, left);
-    if (top < 0) clip.top = Sum(clip.top, top);
+    if (left < 0) clip.left = std::min(clip.left, Sum(clip.left, left));
+    if (top < 0) clip.top = std::min(clip.top, Sum(clip.top, top));
   }
   int64_t edges[4] = {clip.left, clip.top, clip.right, clip.bottom};
   if (tags) {
