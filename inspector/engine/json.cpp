@@ -3,6 +3,8 @@
 
 #include <cstdlib>
 
+#include "calls/base64.h"
+
 namespace qnv::inspector {
 
 class JsonValue::Reader {
@@ -151,19 +153,10 @@ int64_t JsonValue::Whole(int64_t otherwise) const {
 }
 
 JsonWriter& JsonWriter::Base64(std::string_view name, const void* bytes, std::size_t count) {
-  static const char kDigits[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
   Name(name);
   Separate();
-  const auto* const at = static_cast<const uint8_t*>(bytes);
   out_ += '"';
-  for (std::size_t i = 0; i < count; i += 3) {
-    const std::size_t left = count - i;
-    const uint32_t three = static_cast<uint32_t>(at[i]) << 16 | (left > 1 ? static_cast<uint32_t>(at[i + 1]) << 8 : 0) |
-                           (left > 2 ? at[i + 2] : 0u);
-    const char four[4] = {kDigits[three >> 18], kDigits[three >> 12 & 63], left > 1 ? kDigits[three >> 6 & 63] : '=',
-                          left > 2 ? kDigits[three & 63] : '='};
-    out_.append(four, sizeof four);
-  }
+  calls::AppendBase64(out_, bytes, count);
   out_ += '"';
   return *this;
 }

@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <memory>
 
+#include "calls/base64.h"
 #include "calls/file_bytes.h"
 #include "calls/stored_copy.h"
 #include "qnvtool/base/output_file.h"
@@ -22,22 +23,6 @@ struct InspectArguments {
   bool serve = false;
   int port = 0;
 };
-
-std::string Base64(const std::vector<uint8_t>& bytes) {
-  static constexpr char kDigits[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
-  std::string text;
-  text.reserve((bytes.size() + 2) / 3 * 4);
-  for (std::size_t i = 0; i < bytes.size(); i += 3) {
-    const std::size_t left = bytes.size() - i;
-    const uint32_t three =
-        static_cast<uint32_t>(bytes[i] << 16 | (left > 1 ? bytes[i + 1] << 8 : 0) | (left > 2 ? bytes[i + 2] : 0));
-    text += kDigits[three >> 18];
-    text += kDigits[three >> 12 & 63];
-    text += left > 1 ? kDigits[three >> 6 & 63] : '=';
-    text += left > 2 ? kDigits[three & 63] : '=';
-  }
-  return text;
-}
 
 // The name of a file without its folder, as the value of an attribute.
 std::string NameInPage(const std::string& path) {
@@ -71,8 +56,10 @@ std::string MakePage(const InspectArguments& a, const CallParts& parts) {
   const std::size_t end = page.rfind("</body>");
   if (end == std::string::npos) throw ToolError(ExitCode::kLibrary, "the page of the inspector is damaged");
   const auto element = [&](const std::string& attributes, const void* bytes, std::size_t count) {
-    return fmt::format("<script type=\"application/octet-stream\" {}>{}</script>\n", attributes,
-                       Base64(parts.gzip(bytes, count)));
+    const std::vector<uint8_t> packed = parts.gzip(bytes, count);
+    std::string text = fmt::format("<script type=\"application/octet-stream\" {}>", attributes);
+    calls::AppendBase64(text, packed.data(), packed.size());
+    return text + "</script>\n";
   };
   std::string elements = element("id=\"qnv-engine\"", InspectorEngine().data(), InspectorEngine().size());
   for (const std::string* path : {&a.file, &a.second}) {
