@@ -21,13 +21,7 @@ namespace {
 FontShelf OpenFonts(const PrintOptions& options, int dpi, NoteSink note) {
   const auto system = std::make_shared<FontSystem>(std::move(note));
   return FontShelf([&options, system, dpi](FontRole role, double points) {
-    const std::string& name = role == FontRole::kBody      ? options.bodyFont
-                              : role == FontRole::kHeading ? options.headingFont
-                                                           : options.listingFont;
-    const char* const fallback = role == FontRole::kBody      ? "serif"
-                                 : role == FontRole::kHeading ? "sans:bold"
-                                                              : "monospace";
-    return OpenShapedFont(system, name, fallback, points, dpi);
+    return OpenShapedFont(system, options.fonts.Of(role), FontNames().Of(role), points, dpi);
   });
 }
 

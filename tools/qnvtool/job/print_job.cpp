@@ -21,7 +21,7 @@ namespace {
 std::vector<std::string> InputsOf(const PrintOptions& options) {
   std::vector<std::string> inputs = options.files;
   std::error_code error;
-  for (const std::string& font : {options.bodyFont, options.headingFont, options.listingFont}) {
+  for (const std::string& font : {options.fonts.body, options.fonts.heading, options.fonts.listing}) {
     if (std::filesystem::exists(PathOf(font), error)) inputs.push_back(font);  // else a name for fontconfig
   }
   if (!options.library.empty()) inputs.push_back(options.library);

@@ -42,9 +42,7 @@ struct PrintOptions {
   DeviceChoice device;
   int bandRows = 256;  // 0: whole pages
   PictureStyle pictures;
-  std::string bodyFont = "serif";
-  std::string headingFont = "sans:bold";
-  std::string listingFont = "monospace";
+  FontNames fonts;
   double points = 11;
   TextOptions text;
   bool header = true;

@@ -4,6 +4,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <string>
 #include <utility>
 
 #include "qnvtool/text/font.h"
@@ -12,6 +13,17 @@ namespace qnv::tool {
 
 // What a font is used for.
 enum class FontRole { kBody, kHeading, kListing };
+
+// Names of fonts, or of their files; initially the generic names, for which some installed font always stands.
+struct FontNames {
+  std::string body = "serif";
+  std::string heading = "sans:bold";
+  std::string listing = "monospace";
+
+  const std::string& Of(FontRole role) const {
+    return role == FontRole::kBody ? body : role == FontRole::kHeading ? heading : listing;
+  }
+};
 
 class FontShelf {
  public:

@@ -16,10 +16,7 @@ namespace {
 
 FontShelf OpenFonts(const PrintOptions& options, int dpi, NoteSink note) {
   return FontShelf([&options, note = std::move(note), dpi](FontRole role, double points) {
-    const std::string& name = role == FontRole::kBody      ? options.bodyFont
-                              : role == FontRole::kHeading ? options.headingFont
-                                                           : options.listingFont;
-    return OpenGdiFont(name, points, dpi, note);
+    return OpenGdiFont(options.fonts.Of(role), points, dpi, note);
   });
 }
 
