@@ -488,7 +488,7 @@ check "$runtime_package: what programs depend on" test \
 check "libqnvdrv10-dev: control details" deb_control libqnvdrv10-dev Section='^libdevel$' \
   "Depends=^$runtime_package \(= ${version//./\\.}\)\$"
 check "qnvtool: control details" deb_control qnvtool Section='^text$' \
-  Depends='(^|, )'{libc6,zlib1g,libcups2,libfreetype6,libharfbuzz0b,libfribidi0,libunibreak'[0-9]*',libjpeg62-turbo,libtiff6,libpng16-16,libfontconfig1,libzstd1}' ' \
+  Depends='(^|, )'{libc6,zlib1g,libcups2,libfreetype6,libharfbuzz0b,libfribidi0,libunibreak'[0-9]*',libjpeg62-turbo,libtiff6,libpng16-16,libfontconfig1,libzstd1,libmicrohttpd12}' ' \
   Recommends="(^|, )$runtime_package(,|\$)"
 check "apt can install all of them" can_be_installed "${deb[@]}"
 check "no library search path" no_search_paths

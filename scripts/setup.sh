@@ -12,7 +12,7 @@ mode=${1:-check}
 demo_packages=(
   cmake ninja-build g++ pkg-config
   libpng-dev libjpeg-dev libtiff-dev libcups2-dev libfreetype-dev libfontconfig-dev libcli11-dev libfmt-dev
-  libzstd-dev libharfbuzz-dev libfribidi-dev libunibreak-dev
+  libzstd-dev libharfbuzz-dev libfribidi-dev libunibreak-dev libmicrohttpd-dev
   fontconfig fonts-dejavu-core fonts-liberation2
 )
 # g++-12-multilib instead of g++-multilib, because the latter conflicts with every cross compiler. It lacks the link to

@@ -89,15 +89,17 @@ for method in ('POST', 'PUT', 'DELETE', 'OPTIONS'):
     assert reply.status == 405 and reply.getheader('Allow') == 'GET, HEAD', method
 assert ask('GET', '/etc/passwd')[0].status == 404
 assert ask('GET', '/?call=3')[0].status == 200
-raw = socket.create_connection(('127.0.0.1', port), timeout=20)
-raw.sendall(b'nonsense\r\n\r\n')
-assert raw.recv(100).startswith(b'HTTP/1.1 400 ')
-raw = socket.create_connection(('127.0.0.1', port), timeout=20)
-raw.sendall(b'GET / HTTP/1.1\r\nX: ' + b'x' * 20000)  # without end: closed, not collected
-try:
-    assert raw.recv(100) == b''
-except ConnectionResetError:
-    pass
+def ask_raw(request):
+    raw = socket.create_connection(('127.0.0.1', port), timeout=20)
+    raw.sendall(request)
+    return raw.recv(100)
+assert ask_raw(b'GET /\r\n\r\n').startswith(b'HTTP/1.1 400 ')
+assert ask_raw(b'nonsense\r\n\r\n') == b''  # closed
+assert ask_raw(b'GET / HTTP/1.1\r\nX: ' + b'x' * 20000).startswith(b'HTTP/1.1 431 ')  # without end: not collected
+# One name of this machine does not help another host.
+for names in ((b'pages.example', b'127.0.0.1:%d' % port), (b'127.0.0.1:%d' % port, b'pages.example')):
+    hosts = b''.join(b'Host: %s\r\n' % name for name in names)
+    assert ask_raw(b'GET / HTTP/1.1\r\n' + hosts + b'\r\n').startswith(b'HTTP/1.1 403 '), names
 EOF
 # On this machine only.
 port=$(sed 's/.*:\([0-9]*\)\/$/\1/' url)

@@ -2,6 +2,7 @@
 #include <utility>
 
 #include "qnvtool/calls/call_commands.h"
+#include "qnvtool/calls/local_server.h"
 #include "qnvtool/cli/cmd_make_picture.h"
 #include "qnvtool/cli/cmd_print.h"
 #include "qnvtool/input/jpeg_reader.h"
@@ -40,7 +41,7 @@ int main(int argc, char** argv) {
                                              .decoders = {OpenPng, OpenJpeg, OpenTiff},
                                              .openDecoder = OpenIconvDecoder}),
                                MakePictureCommand()}};
-  for (Command& command : CallCommands({LinkedRasteriser, CreatePngFile, Gzip})) {
+  for (Command& command : CallCommands({LinkedRasteriser, CreatePngFile, Gzip, ServeLocalPage})) {
     program.commands.push_back(std::move(command));
   }
   return RunProgram(program, argc, argv);

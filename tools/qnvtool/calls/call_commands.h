@@ -12,11 +12,16 @@
 
 namespace qnv::tool {
 
+// Serves a page to browsers on this machine; see local_server.h.
+using ServePage = void (*)(const std::string& page, uint16_t port,
+                           const std::function<void(const std::string& url)>& isReady);
+
 // What the commands need of the program.
 struct CallParts {
   std::function<Rasteriser()> linkedRasteriser;
   std::function<std::unique_ptr<PictureWriter>(const std::string&, const PictureForm&)> createPng;
   std::function<std::vector<uint8_t>(const void* bytes, std::size_t count)> gzip;
+  ServePage servePage = nullptr;  // may be absent
 };
 
 std::vector<Command> CallCommands(const CallParts& parts);

@@ -13,7 +13,6 @@
 #include "qnvtool/calls/call_input.h"
 #include "qnvtool/calls/call_options.h"
 #include "qnvtool/calls/inspector_files.h"
-#include "qnvtool/calls/local_server.h"
 
 namespace qnv::tool {
 namespace {
@@ -76,9 +75,12 @@ void Inspect(const InspectArguments& a, const CallParts& parts) {
   if (a.serve == !a.out.empty()) {
     throw ToolError(ExitCode::kUsage, "either -o names the page to write, or --serve shows it");
   }
+  if (a.serve && parts.servePage == nullptr) {
+    throw ToolError(ExitCode::kUsage, "--serve works on Linux; write a page with -o and open it");
+  }
   const std::string page = MakePage(a, parts);
   if (a.serve) {
-    ServePage(page, static_cast<uint16_t>(a.port), [](const std::string& url) {
+    parts.servePage(page, static_cast<uint16_t>(a.port), [](const std::string& url) {
       fmt::print("{}\n", url);
       std::fflush(stdout);
     });

@@ -12,6 +12,6 @@ namespace qnv::tool {
 // network.
 //
 // Requests must name this machine in their Host header: pages of other hosts, whose names lead here, get nothing.
-void ServePage(const std::string& page, uint16_t port, const std::function<void(const std::string& url)>& isReady);
+void ServeLocalPage(const std::string& page, uint16_t port, const std::function<void(const std::string& url)>& isReady);
 
 }  // namespace qnv::tool
