@@ -18,6 +18,11 @@ enum SkipKind : uint32_t {
   kImageColumns,
   kImageRows,
   kRleRowsAbove,
+  // What other bands show of a page: each call lies below the band.
+  kBox,
+  kFigure,
+  kTextLine,
+  kImage,
 };
 
 // Adds a row of small calls; the name of the band is appended.
@@ -128,6 +133,39 @@ std::unique_ptr<Job> MakeClippedImageJob(std::unique_ptr<DeviceFixture> device, 
   });
 }
 
+// Calls of a page for which another band is responsible.
+constexpr int kBelow = 5000;
+
+std::unique_ptr<Job> MakeFigureBelowJob(std::unique_ptr<DeviceFixture> device) {
+  std::vector<int16_t> points = {kBelow};
+  for (int row = 0; row < 100; ++row) {
+    points.push_back(100);
+    points.push_back(300);
+  }
+  device->MakeBrush(Brush::kSolid);
+  return MakeDeviceJob(std::move(device), [points = std::move(points)](DeviceFixture& d, int) {
+    d.library().Output(d.handle(), OS_ROW_SPANS, 100, points.data(), nullptr, &d.brush, &d.mode, &d.clip);
+  });
+}
+
+std::unique_ptr<Job> MakeTextBelowJob(std::unique_ptr<DeviceFixture> device) {
+  Random random(9);
+  std::string line;
+  for (int i = 0; i < 130; ++i) line += RandomCharacter(random);
+  return MakeDeviceJob(std::move(device), [line, font = MakeRasterFont(8, 16)](DeviceFixture& d, int) {
+    d.library().ExtTextOut(d.handle(), 80, kBelow, &d.clip, line.data(), static_cast<int32_t>(line.size()), font.data(),
+                           0, &d.mode, nullptr, nullptr, nullptr, 0);
+  });
+}
+
+std::unique_ptr<Job> MakeImageBelowJob(std::unique_ptr<DeviceFixture> device) {
+  DibSource dib = MakeDib(device->memory(), {24, false, false, 1, 1}, 400, 300);
+  return MakeDeviceJob(std::move(device), [dib = std::move(dib)](DeviceFixture& d, int) {
+    d.library().StretchDIBits(d.handle(), 0, 100, kBelow, 900, 675, 0, 0, dib.width, dib.height, dib.bits,
+                              dib.info.data(), nullptr, SRCCOPY, nullptr, &d.mode, &d.clip);
+  });
+}
+
 std::unique_ptr<Job> MakeSkipJob(std::unique_ptr<DeviceFixture> device, uint32_t kind) {
   switch (kind) {
     case kClippedPixel:
@@ -143,7 +181,15 @@ std::unique_ptr<Job> MakeSkipJob(std::unique_ptr<DeviceFixture> device, uint32_t
     case kSpansBelow: return MakeLongSpanListJob(std::move(device), false);
     case kImageColumns: return MakeClippedImageJob(std::move(device), false, 20000, 16, 8, 16);
     case kImageRows: return MakeClippedImageJob(std::move(device), false, 64, 20000, 64, 8);
-    default: return MakeClippedImageJob(std::move(device), true, 64, 20000, 64, 8);
+    case kRleRowsAbove: return MakeClippedImageJob(std::move(device), true, 64, 20000, 64, 8);
+    case kBox:
+      device->MakeBrush(Brush::kSolid);
+      return MakeDeviceJob(std::move(device), [](DeviceFixture& d, int) {
+        d.library().BitBlt(d.handle(), 100, kBelow, nullptr, 0, 0, 120, 40, PATCOPY, &d.brush, &d.mode, &d.clip);
+      });
+    case kFigure: return MakeFigureBelowJob(std::move(device));
+    case kTextLine: return MakeTextBelowJob(std::move(device));
+    default: return MakeImageBelowJob(std::move(device));
   }
 }
 
@@ -208,8 +254,12 @@ void AddCallRows(std::vector<Row>& rows) {
                                              "skip_10000_spans_below",
                                              "skip_20000_image_columns",
                                              "skip_20000_image_rows",
-                                             "skip_20000_rle_rows"};
-    for (spec.code = kClippedPixel; spec.code <= kRleRowsAbove; ++spec.code) Add(rows, kNames[spec.code], spec);
+                                             "skip_20000_rle_rows",
+                                             "skip_box",
+                                             "skip_figure",
+                                             "skip_text_line",
+                                             "skip_image"};
+    for (spec.code = kClippedPixel; spec.code <= kImage; ++spec.code) Add(rows, kNames[spec.code], spec);
   }
 }
 

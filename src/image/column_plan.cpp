@@ -66,12 +66,20 @@ constexpr std::size_t kMaxConverted = 6;
 
 }  // namespace
 
-bool ColumnPlan::Make(const Stepping& stepping, const SourceMapping& mapping, uint32_t bitCount, PixelTarget target,
-                      ImageBuffers& buffers) {
+bool ColumnPlan::Make(const Stepping& stepping, const SourceMapping& mapping, uint32_t bitCount, PixelTarget target) {
+  const Request request{stepping, mapping.left, mapping.mirrorX, bitCount, target};
+  if (made_ && request == request_) return true;
+  request_ = request;
+  made_ = MakeNew();
+  return made_;
+}
+
+bool ColumnPlan::MakeNew() {
+  const auto& [stepping, left, mirrorX, bitCount, target] = request_;
   bytesPerPixel_ = BytesOf(target);
   sourceBytes_ = bitCount / 8;
-  const int32_t first = mapping.mirrorX ? mapping.left + mapping.columns - 1 : mapping.left;
-  const int32_t advance = mapping.mirrorX ? -1 : 1;
+  const int32_t first = mirrorX ? left + stepping.sourcePixels - 1 : left;
+  const int32_t advance = mirrorX ? -1 : 1;
 
   ColumnOrder order;
   if (IsOneToOne(stepping)) {
@@ -83,38 +91,38 @@ bool ColumnPlan::Make(const Stepping& stepping, const SourceMapping& mapping, ui
   }
   if (count_ == 0) return true;
   sourceCount_ = order.lastWalked - order.firstWalked + 1;
-  low_ = first + (mapping.mirrorX ? order.lastWalked : order.firstWalked) * advance;
+  low_ = first + (mirrorX ? order.lastWalked : order.firstWalked) * advance;
 
   if (order.consecutive && order.ascending) {
-    order_ = mapping.mirrorX ? Order::kBackward : Order::kForward;
-    return !mapping.mirrorX || TakeConverted(static_cast<std::size_t>(count_) * bytesPerPixel_, buffers);
+    order_ = mirrorX ? Order::kBackward : Order::kForward;
+    return !mirrorX || TakeConverted(static_cast<std::size_t>(count_) * bytesPerPixel_);
   }
   factor_ = order.Factor();
-  if (factor_ != 0 && !mapping.mirrorX) {
+  if (factor_ != 0 && !mirrorX) {
     order_ = Order::kRepeated;
-    return TakeConverted(static_cast<std::size_t>(sourceCount_) * bytesPerPixel_, buffers);
+    return TakeConverted(static_cast<std::size_t>(sourceCount_) * bytesPerPixel_);
   }
   order_ = Order::kIndexed;
-  if (!PlanIndices(stepping, first, advance, buffers)) return false;
+  if (!PlanIndices(first, advance)) return false;
   if (!order.ascending) return true;
   const std::size_t count = static_cast<std::size_t>(count_);
   const std::size_t sourceCount = static_cast<std::size_t>(sourceCount_);
   const std::size_t bytes = sourceCount * bytesPerPixel_;
   const bool enlarges = stepping.step >= 65536;
   if (enlarges || (ConvertsBeforeDecimation(bitCount, target) && bytes <= kMaxConverted * count)) {
-    if (!TakeConverted(bytes, buffers)) return false;
-    if (PlanGroups(bytesPerPixel_, bytes + kGroupBytes, buffers)) order_ = Order::kConvertedFirst;
+    if (!TakeConverted(bytes)) return false;
+    if (PlanGroups(bytesPerPixel_, bytes + kGroupBytes)) order_ = Order::kConvertedFirst;
   } else if (sourceBytes_ > 0) {
-    if (!TakeConverted(count * sourceBytes_, buffers)) return false;
-    if (PlanGroups(sourceBytes_, sourceCount * sourceBytes_, buffers)) order_ = Order::kGatheredFirst;
+    if (!TakeConverted(count * sourceBytes_)) return false;
+    if (PlanGroups(sourceBytes_, sourceCount * sourceBytes_)) order_ = Order::kGatheredFirst;
   }
   return true;
 }
 
-bool ColumnPlan::PlanIndices(const Stepping& stepping, int32_t first, int32_t advance, ImageBuffers& buffers) {
-  auto* indices = buffers.columns.Take<uint16_t>(static_cast<std::size_t>(count_));
+bool ColumnPlan::PlanIndices(int32_t first, int32_t advance) {
+  auto* indices = indexBuffer_.Take<uint16_t>(static_cast<std::size_t>(count_));
   if (indices == nullptr) return false;
-  WalkColumns(stepping, [&](int32_t i, int32_t begin, int32_t end) {
+  WalkColumns(request_.stepping, [&](int32_t i, int32_t begin, int32_t end) {
     std::fill(indices + begin, indices + end, static_cast<uint16_t>(first + i * advance));
   });
   indices_ = indices;
@@ -123,12 +131,12 @@ bool ColumnPlan::PlanIndices(const Stepping& stepping, int32_t first, int32_t ad
 
 // Translates indices_ into groups for ShuffleRow. readable: bytes that may be read from the pixel low_ on. False when a
 // group would hold a single pixel only, or without memory.
-bool ColumnPlan::PlanGroups(std::size_t bytesPerPixel, std::size_t readable, ImageBuffers& buffers) {
+bool ColumnPlan::PlanGroups(std::size_t bytesPerPixel, std::size_t readable) {
   const std::size_t count = static_cast<std::size_t>(count_);
   groupPixels_ = PixelsPerGroup(indices_, count, bytesPerPixel);
   if (groupPixels_ < 2 || readable < kGroupBytes) return false;
   const std::size_t groupCount = (count + groupPixels_ - 1) / groupPixels_;
-  auto* groups = buffers.groups.Take<ShuffleGroup>(groupCount);
+  auto* groups = groupBuffer_.Take<ShuffleGroup>(groupCount);
   if (groups == nullptr) return false;
   std::memset(groups, 0, groupCount * sizeof *groups);
   groups_ = groups;
@@ -146,8 +154,8 @@ bool ColumnPlan::PlanGroups(std::size_t bytesPerPixel, std::size_t readable, Ima
 }
 
 // Takes the buffer for a row between two steps. A group may read a few bytes past the last pixel; those are cleared.
-bool ColumnPlan::TakeConverted(std::size_t bytes, ImageBuffers& buffers) {
-  converted_ = buffers.converted.Take<uint8_t>(bytes + kGroupBytes);
+bool ColumnPlan::TakeConverted(std::size_t bytes) {
+  converted_ = convertedBuffer_.Take<uint8_t>(bytes + kGroupBytes);
   if (converted_ == nullptr) return false;
   std::memset(converted_ + bytes, 0, kGroupBytes);
   return true;

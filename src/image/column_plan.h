@@ -1,22 +1,22 @@
 // Converts a source row into the visible columns of the destination: mirrored, enlarged or made smaller. Which source
-// column goes where is the same for all rows, so it is planned once per call and applied to each row.
+// column goes where is the same for all rows, so it is planned once and applied to each row. A device keeps its plan:
+// hosts pass an image to every band, and it has the same columns in all of them.
 #pragma once
 
 #include <cstdint>
 
-#include "image/image_buffers.h"
 #include "image/row_converters.h"
 #include "image/row_stepping.h"
 #include "image/source_mapping.h"
+#include "image/work_buffer.h"
 
 namespace qnv {
 
 class ColumnPlan {
  public:
-  // Makes the plan. bitCount: depth of the source rows. The lists of the plan are kept in `buffers` until the next
-  // call. False without memory.
-  bool Make(const Stepping& stepping, const SourceMapping& mapping, uint32_t bitCount, PixelTarget target,
-            ImageBuffers& buffers);
+  // Makes the plan, or keeps the one that is there when it is the same. bitCount: depth of the source rows. False
+  // without memory.
+  bool Make(const Stepping& stepping, const SourceMapping& mapping, uint32_t bitCount, PixelTarget target);
 
   // Converts a row. out: the first visible destination column; only columns that a source column covers are written.
   void Apply(uint8_t* out, const uint8_t* row, const RowConverter& converter, const ConverterContext& context) const;
@@ -32,10 +32,24 @@ class ColumnPlan {
     kIndexed,         // source columns looked up one by one
   };
 
-  bool PlanIndices(const Stepping& stepping, int32_t first, int32_t advance, ImageBuffers& buffers);
-  bool PlanGroups(std::size_t bytesPerPixel, std::size_t readable, ImageBuffers& buffers);
-  bool TakeConverted(std::size_t bytes, ImageBuffers& buffers);
+  // All that a plan depends on.
+  struct Request {
+    Stepping stepping{};
+    int32_t left = 0;
+    bool mirrorX = false;
+    uint32_t bitCount = 0;
+    PixelTarget target = PixelTarget::kBand24;
 
+    bool operator==(const Request&) const = default;
+  };
+
+  bool MakeNew();
+  bool PlanIndices(int32_t first, int32_t advance);
+  bool PlanGroups(std::size_t bytesPerPixel, std::size_t readable);
+  bool TakeConverted(std::size_t bytes);
+
+  Request request_;
+  bool made_ = false;  // what follows is the plan for request_
   Order order_ = Order::kForward;
   std::size_t sourceBytes_ = 0;           // bytes of a source pixel; 0: several pixels in a byte
   std::size_t bytesPerPixel_ = 3;         // of a converted pixel
@@ -47,6 +61,7 @@ class ColumnPlan {
   std::size_t groupPixels_ = 0;           // destination pixels of a group
   std::size_t factor_ = 0;                // kRepeated: how often
   uint8_t* converted_ = nullptr;          // the row between two steps
+  WorkBuffer indexBuffer_, groupBuffer_, convertedBuffer_;
 };
 
 }  // namespace qnv

@@ -42,7 +42,7 @@ bool ImageTransfer::Prepare(const PaintState& paint, const Rect& bandRect, Pixel
   walk_ = RowWalk(MakeStepping(mapping.dstTop, mapping.dstHeight, mapping.rows, topInBand,
                                WrapSubtract(clipped_.bottom, clipped_.top)));
   const Stepping columns = MakeStepping(mapping.dstLeft, mapping.dstWidth, mapping.columns, leftInBand_, Width());
-  if (!columns_.Make(columns, mapping, rowBits, target_, buffers_)) return false;
+  if (!buffers_.columns.Make(columns, mapping, rowBits, target_)) return false;
   // Rows are painted from the top down. That runs backwards through rows stored bottom-up; a top-down bitmap counts as
   // mirrored here.
   firstRow_ = mapping.mirrorY ? mapping.top : mapping.top + mapping.rows - 1;
@@ -57,7 +57,7 @@ const uint8_t* ImageTransfer::SourceRow(int32_t stored) const {
 
 void ImageTransfer::ConvertRow(uint8_t* out) {
   const int32_t stored = firstRow_ + walk_.Index() * rowAdvance_;
-  columns_.Apply(out, SourceRow(stored), convert_, ConverterContext{colors_, *rows_});
+  buffers_.columns.Apply(out, SourceRow(stored), convert_, ConverterContext{colors_, *rows_});
 }
 
 uint8_t* ImageTransfer::TakeRowBuffer(int32_t before) {

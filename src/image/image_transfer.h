@@ -5,9 +5,9 @@
 #include <algorithm>
 #include <cstdint>
 
-#include "image/column_plan.h"
 #include "image/dib.h"
 #include "image/image_arguments.h"
+#include "image/image_buffers.h"
 #include "image/rle_rows.h"
 #include "image/row_converters.h"
 #include "image/row_stepping.h"
@@ -74,7 +74,6 @@ class ImageTransfer {
   RowWalk walk_{Stepping{}};
   int32_t firstRow_ = 0;    // stored row that is painted first
   int32_t rowAdvance_ = 1;  // +1 or -1
-  ColumnPlan columns_;
   RowConverter convert_{};
   PixelColors colors_;
   const RowKernels* rows_ = nullptr;

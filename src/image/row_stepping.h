@@ -22,6 +22,8 @@ struct Stepping {
   int32_t start;  // position before the first source pixel, 16.16, from the first visible destination pixel
   int32_t sourcePixels;
   uint16_t dstPixels;  // visible destination pixels
+
+  bool operator==(const Stepping&) const = default;
 };
 
 // dst, dstExtent: destination of the source rectangle, 16.16; a negative extent is mirrored. clipStart: first visible

@@ -6,6 +6,20 @@
 namespace qnv {
 namespace {
 
+// False when no span of the list can lie inside the limits. It is asked before anything is prepared: a page has many
+// bands, and a call paints in few of them. True where that is not known without reading more of the list.
+template <class Mapping>
+bool ReachesRows(const Mapping&, const Rect& limits, Origin origin, SpanStyle style, const OutputArguments& a) {
+  if (limits.left >= limits.right || limits.top >= limits.bottom) return false;
+  if (!Mapping::kOneToOne || style == SpanStyle::kBandedSpans) return true;
+  // The row that the list begins with, and how many there are: one after another, without gaps.
+  const bool oneRow = style == SpanStyle::kScanlines;
+  const int64_t first = int64_t{SpanWords(a.points).At(oneRow ? 1 : 0)} + origin.y;
+  const int64_t end = first + (oneRow || a.count == 0 ? 1 : a.count);
+  if (first < INT32_MIN || end > INT32_MAX) return true;  // numbers that wrap
+  return first < limits.bottom && end > limits.top;
+}
+
 // Output on a band that a mapping leads to.
 template <class Mapping>
 int16_t PaintOutputOn(const PaintState& paint, const BandView& band, const Mapping& mapping, bool regray,
@@ -25,6 +39,7 @@ int16_t PaintOutputOn(const PaintState& paint, const BandView& band, const Mappi
   const Rect limits{MaxOf(band.rect.left, mapping.ToBand(clip.left)), MaxOf(band.rect.top, mapping.ToBand(clip.top)),
                     MinOf(band.rect.right, mapping.ToBand(clip.right)),
                     MinOf(band.rect.bottom, mapping.ToBand(clip.bottom))};
+  if (!ReachesRows(mapping, limits, paint.origin, style, a)) return 1;
   SpanPainter painter(band, paint.rows, paint.fillPattern, regray);
   if (!painter.Paints()) return 1;
   SpanLists<Mapping>(mapping, painter, limits, paint.origin, scratch).Paint(style, a.count, a.points);

@@ -79,6 +79,9 @@ bool OpenSource(const Format& format, const BltArguments& a, int32_t x, int32_t 
 template <class Format, class Mapping>
 void Transfer(const PaintState& paint, const BandView& band, const Format& format, const Mapping& mapping, bool regray,
               const BltArguments& a) {
+  // First what ends most calls: a page has many bands, and a call paints in few of them.
+  const Rect callerBand = mapping.CallerRect(band.rect);
+  if (LiesOutside(a, paint.origin, callerBand)) return;
   const uint32_t upperHalf = a.rop >> 16;
   const uint8_t index = RopIndex(a.rop);
   const FillPattern* pattern = nullptr;
@@ -96,7 +99,6 @@ void Transfer(const PaintState& paint, const BandView& band, const Format& forma
     }
   }
   const Rect clip = Shifted(*a.clip, paint.origin.x, paint.origin.y);
-  const Rect callerBand = mapping.CallerRect(band.rect);
   TransferArea area;
   SourceRows source;
   const bool usesSource = RopUsesSource(index);

@@ -13,6 +13,14 @@ Rect Destination(const BltArguments& a, Origin origin) {
 
 }  // namespace
 
+bool LiesOutside(const BltArguments& a, Origin origin, const Rect& band) {
+  // Clip and source only make the destination smaller.
+  const int32_t top = WrapAdd(a.destY, origin.y);
+  if (top >= band.bottom || WrapAdd(top, a.height) <= band.top) return true;
+  const int32_t left = WrapAdd(a.destX, origin.x);
+  return left >= band.right || WrapAdd(left, a.width) <= band.left;
+}
+
 bool FillArea(const BltArguments& a, Origin origin, const Rect& clip, const Rect& band, TransferArea* area) {
   Rect dest = Destination(a, origin);
   if (!IsAllZero(clip) && !RectIntersect(dest, dest, clip)) return false;

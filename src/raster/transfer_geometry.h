@@ -25,6 +25,10 @@ constexpr Rect WidenedClip(const Rect& clip, int32_t left, int32_t top) {
   return widened;
 }
 
+// Whether no pixel of the destination lies in the band, so that there is no area whatever the operation is. False does
+// not mean that there is one.
+bool LiesOutside(const BltArguments& a, Origin origin, const Rect& band);
+
 // The area of an operation that reads no source. clip: with the origin added; four zeros do not limit. False when
 // nothing is to be painted.
 bool FillArea(const BltArguments& a, Origin origin, const Rect& clip, const Rect& band, TransferArea* area);

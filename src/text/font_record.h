@@ -35,9 +35,10 @@ class FontRecord {
 
   // Pixels.
   uint16_t TableWidth(uint16_t index) const { return Read<uint16_t>(Entry(index)); }
-  // The widths of n one-byte characters, added up. It is all that a text beside the band needs, and documents have much
-  // more of that than of any other: every band gets the whole page.
-  int32_t TableWidthOf(const uint8_t* string, int32_t n) const;
+  // The widths of n one-byte characters, added up; the low 16 bits, which are all that any result shows. It is all that
+  // a text beside the band needs, and documents have much more of that than of any other: every band gets the whole
+  // page.
+  uint16_t TableWidthOf(const uint8_t* string, int32_t n) const;
   // The bits of a glyph: columns of eight pixels, Height() bytes each, bit 0x80 leftmost.
   const uint8_t* Glyph(uint16_t index) const {
     const uint8_t* offset = Entry(index) + 2;

@@ -277,6 +277,61 @@ TEST(TextAdvance, ResultIsTheAdvanceWhereverTheTextLies) {
   }
 }
 
+// Widths beside the band are added up many at a time: strings of every length, all codes inside the table or one of
+// them outside, tables of both forms, and one that holds no code at all.
+TEST(TextAdvance, LongStringsBesideTheBand) {
+  struct Range {
+    uint8_t first, last, defaultChar;
+  };
+  TestDevice device({.width = 20, .height = 4});
+  uint32_t state = 1;
+  const auto below = [&state](uint32_t end) {
+    state = state * 1664525 + 1013904223;
+    return (state >> 8) % end;
+  };
+  for (const Range& range :
+       {Range{0, 255, 0}, Range{32, 126, 3}, Range{200, 255, 55}, Range{65, 65, 0}, Range{90, 60, 7}}) {
+    const uint32_t entries = range.first <= range.last ? range.last - range.first + 1u : 8;
+    for (const std::size_t entryBytes : {std::size_t{4}, std::size_t{6}}) {
+      const std::size_t table = entryBytes == 4 ? 49 : 82;
+      std::vector<uint8_t> bytes(table + entries * entryBytes, 0xEE);
+      bytes[0] = 0;
+      bytes[1] = entryBytes == 4 ? 0x02 : 0x00;
+      bytes[22] = 4;
+      bytes[23] = 0;
+      bytes[24] = 1;
+      bytes[29] = range.first;
+      bytes[30] = range.last;
+      bytes[31] = range.defaultChar;
+      for (std::size_t i = 0; i < entries; ++i) {
+        bytes[table + i * entryBytes] = static_cast<uint8_t>(below(256));
+        bytes[table + i * entryBytes + 1] = static_cast<uint8_t>(below(256));
+      }
+      const Font font(bytes, 0);
+      for (int32_t length = 0; length <= 140; ++length) {
+        // A code outside the table at a place of the string, or nowhere.
+        const int32_t stranger = static_cast<int32_t>(below(180));
+        std::string text;
+        uint16_t expected = 0;
+        for (int32_t i = 0; i < length; ++i) {
+          const uint8_t code = static_cast<uint8_t>(i == stranger ? below(256) : range.first + below(entries));
+          const bool inside = range.first <= code && code <= range.last;
+          const std::size_t at = table + entryBytes * (inside ? code - range.first : range.defaultChar);
+          expected = static_cast<uint16_t>(expected + (bytes[at] | bytes[at + 1] << 8));
+          text += static_cast<char>(code);
+        }
+        SCOPED_TRACE(testing::Message() << length << " codes, table from " << int{range.first} << ", entries of "
+                                        << entryBytes << " bytes");
+        DRAWMODE mode = TextMode();
+        EXPECT_EQ(length == 0 ? Extent(4, 0) : static_cast<int16_t>(expected),
+                  DrawTextAt(device, 0, 100, text, font, mode));
+        EXPECT_EQ(Extent(4, expected), MeasureText(device, text, font, mode));
+      }
+    }
+  }
+  EXPECT_TRUE(BandUntouched(device));
+}
+
 // ---- The call's other arguments.
 
 int32_t CallWith(const TestDevice& device, const char* text, int32_t count, const void* fontBase, uint32_t fontOffset,

@@ -258,19 +258,27 @@ class ColumnPlanTest : public test::KernelTest {
     PixelColors colors{};
     for (std::size_t i = 0; i < table_.size(); ++i) colors.table.entries[i] = Packed(table_[i], target);
     colors.masks = FiveBitMasks(target);
-    ColumnPlan plan;
-    ASSERT_TRUE(plan.Make(stepping, mapping, bitCount, target, buffers_));
     SCOPED_TRACE(testing::Message() << bitCount << " bits, target " << static_cast<int>(target) << ", step "
                                     << stepping.step << " from " << stepping.start << ", " << stepping.sourcePixels
                                     << " columns from " << mapping.left << " into " << stepping.dstPixels
                                     << (mirrored ? ", mirrored" : ""));
-    test::CheckRow(old, expected, 0, [&](uint8_t* out) {
-      plan.Apply(out, row, RowConverterFor(bitCount, target), ConverterContext{colors, kernels()});
-    });
+    // One plan serves all cases, as on a device: made anew, asked for once more, and after a plan for another row.
+    const auto check = [&] {
+      ASSERT_TRUE(plan_.Make(stepping, mapping, bitCount, target));
+      test::CheckRow(old, expected, 0, [&](uint8_t* out) {
+        plan_.Apply(out, row, RowConverterFor(bitCount, target), ConverterContext{colors, kernels()});
+      });
+    };
+    check();
+    check();
+    SourceMapping shifted = mapping;
+    ++shifted.left;
+    ASSERT_TRUE(plan_.Make(stepping, shifted, bitCount, target));
+    check();
   }
 
   std::vector<uint32_t> table_ = std::vector<uint32_t>(256);
-  ImageBuffers buffers_;
+  ColumnPlan plan_;
 };
 
 TEST_P(ColumnPlanTest, EveryFormatScaleAndDirection) {

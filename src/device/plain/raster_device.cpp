@@ -30,7 +30,7 @@ void RasterDevice::ClearBand() {
   ClearWords(state_.buffer, WrapAdd(rowBytes, 3) / 4, state_.description.height, 0xFF);
 }
 
-BandView RasterDevice::BandOf(uint32_t bytesPerPixel) const {
+BandView RasterDevice::BandOfOtherDepth(uint32_t bytesPerPixel) const {
   BandView band = Band();
   band.bytesPerPixel = bytesPerPixel;
   if (state_.buffer != nullptr && bytesPerPixel > DescribedBytes()) {

@@ -31,8 +31,10 @@ class RasterDevice : public Device {
     const Rect rect = state_.buffer != nullptr ? Rect{state_.bandRect} : Rect{0, 0, 0, 0};
     return {state_.buffer, state_.stride, rect, DescribedBytes()};
   }
-  // The band, seen in pixels of another depth; limited to what lies in memory of the described size.
-  BandView BandOf(uint32_t bytesPerPixel) const;
+  // The band, seen in pixels of a depth; limited to what lies in memory of the described size.
+  BandView BandOf(uint32_t bytesPerPixel) const {
+    return bytesPerPixel == DescribedBytes() ? Band() : BandOfOtherDepth(bytesPerPixel);
+  }
 
  protected:
   bool ConvertsToGray() const override { return state_.description.bitsPerPixel == 8; }
@@ -45,6 +47,9 @@ class RasterDevice : public Device {
 
   // Bytes a pixel.
   uint32_t DescribedBytes() const { return state_.Is24() ? 3 : 1; }
+
+ private:
+  BandView BandOfOtherDepth(uint32_t bytesPerPixel) const;
 };
 
 class RasterDevice24 : public RasterDevice {
