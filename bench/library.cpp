@@ -71,11 +71,12 @@ std::string FileNameOf(const std::string& path) {
   return separator == std::string::npos ? path : path.substr(separator + 1);
 }
 
-// The folder of this program with the name of the library file.
-std::string Library::DefaultPath() {
+std::string ProgramFolder() {
   const std::string program = ProgramPath();
-  return program.substr(0, program.size() - FileNameOf(program).size()) + kLibraryFile;
+  return program.substr(0, program.size() - FileNameOf(program).size());
 }
+
+std::string Library::DefaultPath() { return ProgramFolder() + kLibraryFile; }
 
 std::unique_ptr<Library> Library::Open(const std::string& path, std::string& error) {
   // A bare file name means the working folder, not the loader's search path.

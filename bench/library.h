@@ -49,6 +49,9 @@ class Library {
   std::string fileName_;
 };
 
+// The folder of this program, with its last separator.
+std::string ProgramFolder();
+
 // The part of a path behind its last separator.
 std::string FileNameOf(const std::string& path);
 

@@ -11,6 +11,7 @@
 #include "bench_table.h"
 #include "memory_limits.h"
 #include "options.h"
+#include "page_calls.h"
 #include "report.h"
 
 namespace qnv::bench {
@@ -254,6 +255,19 @@ void TestLimitLoops() {
   }
 }
 
+// The recorded page lies beside the program and can be put in place for every kind of device that has page rows.
+void TestPage() {
+  // 60 boxes, a photograph, 40 figures and 60 lines of text.
+  constexpr std::size_t kCalls = 60 + 1 + 40 + 60;
+  for (const Row& row : AllRows()) {
+    if (row.spec.operation != Operation::kPage) continue;
+    std::string error;
+    const std::unique_ptr<PageCalls> page = PageCalls::Read(row.spec.band, error);
+    Expect(page != nullptr, row.name + ": " + error);
+    if (page != nullptr) Expect(page->count() == kCalls, row.name + " makes another number of calls");
+  }
+}
+
 }  // namespace
 
 bool SelfTest() {
@@ -265,6 +279,7 @@ bool SelfTest() {
   TestJson();
   TestReport();
   TestLimitLoops();
+  TestPage();
   std::printf("self-test: %d checks, %d failed\n", checks, failures);
   return failures == 0;
 }

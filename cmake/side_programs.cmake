@@ -1,11 +1,14 @@
 # The programs beside the library: benchmark, fuzz targets, examples. A folder without sources is skipped.
 
-# The benchmark opens the library by path, so it is linked with nothing of this project.
+# The benchmark opens the library by path and is not linked with it. The page that it paints is a call file, which lies
+# beside it.
 file(GLOB bench_sources CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/bench/*.cpp)
 if(bench_sources AND NOT QNV_FUZZ)
   add_executable(qnvbench ${bench_sources})
   target_include_directories(qnvbench PRIVATE ${PROJECT_SOURCE_DIR}/include)
-  target_link_libraries(qnvbench PRIVATE qnv_options ${CMAKE_DL_LIBS})
+  target_link_libraries(qnvbench PRIVATE calls qnv_options ${CMAKE_DL_LIBS})
+  configure_file(${PROJECT_SOURCE_DIR}/bench/pages/qnvbench_page.qnv
+    ${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/qnvbench_page.qnv COPYONLY)
   qnv_unity(qnvbench 9)
   # The measured code is in the library, so -O1 is enough. Only the loops that measure the memory itself need -O2.
   target_compile_options(qnvbench PRIVATE ${QNV_PROGRAM_OPTIONS} $<$<CONFIG:RelWithDebInfo>:-O1>)

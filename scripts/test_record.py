@@ -26,7 +26,7 @@ BUILD = ROOT / "build"
 RECORD = BUILD / "test_record.json"
 ASKED = BUILD / "test_record_asked.json"
 HASHES = BUILD / "test_record_hashes.json"
-DATA_FOLDERS = ("tests", "fuzz", "examples")
+DATA_FOLDERS = ("tests", "fuzz", "examples", "bench")
 NO_DATA = (".cpp", ".h", ".c", ".in", ".md", ".sh", ".py")
 
 

@@ -200,6 +200,15 @@ TEST(Replay, PaintsTheRecordedPages) {
   }
 }
 
+// What qnvbench measures as a page: on a color, a gray and a dual-plane device 161 drawing calls each, with a checksum
+// after every one of them and at the end of the band.
+TEST(Replay, PaintsThePageOfTheBenchmark) {
+  const PlayReport report =
+      ReplayExactly("page", ReadAll(std::string(QNV_TEST_SOURCE_DIR) + "/../bench/pages/qnvbench_page.qnv"));
+  EXPECT_EQ(report.made, 510u);
+  EXPECT_EQ(report.compared, 4u * (161 + 1));
+}
+
 // Four threads, each with devices of its own: the calls of each device are in order, and paint what they painted.
 TEST(Replay, KeepsTheOrderOfEachDevice) {
   constexpr int kThreads = 4, kDevices = 3, kPixels = 400;
