@@ -3,7 +3,7 @@ import { render } from 'preact';
 import { openEmbedded } from './model/actions';
 import { followAddress, keepAddress } from './model/address';
 import { followCurrentCall } from './model/current_call';
-import { readTheme } from './model/theme';
+import { startTheme } from './model/theme';
 import { App } from './ui/app';
 import { listenToKeys } from './ui/keys';
 import { connectViews } from './view/views';
@@ -14,7 +14,7 @@ import './styles/calls.css';
 import './styles/page.css';
 import './styles/panels.css';
 
-readTheme();
+startTheme();
 const root = document.getElementById('app');
 if (root) render(<App />, root);
 listenToKeys();

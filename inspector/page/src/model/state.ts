@@ -70,7 +70,8 @@ export interface State {
   playUnit: Unit;
   speed: number; // steps a second
 
-  theme: Theme;
+  theme: Theme; // as chosen
+  colors: 'light' | 'dark'; // as shown
   isHelpOpen: boolean;
   arrivals: number; // counts lines that arrived: the list draws itself again
 }
@@ -105,6 +106,7 @@ export const kInitialState: State = {
   playUnit: 'drawing',
   speed: 20,
   theme: 'system',
+  colors: 'light',
   isHelpOpen: false,
   arrivals: 0,
 };

@@ -4,7 +4,10 @@ import { type Theme, store } from './state';
 const kKey = 'qnv-inspector-theme';
 const kThemes: readonly Theme[] = ['system', 'light', 'dark'];
 
-export function readTheme(): void {
+const systemIsDark = () => matchMedia('(prefers-color-scheme: dark)');
+
+// Takes the theme that was chosen before, and from then on follows the system where none was.
+export function startTheme(): void {
   let theme: Theme = 'system';
   try {
     const kept = localStorage.getItem(kKey);
@@ -13,12 +16,13 @@ export function readTheme(): void {
     // Pages that are opened as files may have no storage.
   }
   applyTheme(theme);
+  systemIsDark().addEventListener('change', () => applyTheme(store.state.theme));
 }
 
 export function applyTheme(theme: Theme): void {
-  if (theme === 'system') delete document.documentElement.dataset['theme'];
-  else document.documentElement.dataset['theme'] = theme;
-  store.set({ theme });
+  const colors = theme !== 'system' ? theme : systemIsDark().matches ? 'dark' : 'light';
+  document.documentElement.dataset['theme'] = colors;
+  store.set({ theme, colors });
   try {
     localStorage.setItem(kKey, theme);
   } catch {

@@ -6,6 +6,7 @@ import { revealRect, showPageEdge, step } from '../model/actions';
 import { formatCount, formatTime, sentence } from '../model/format';
 import { type OpenFile, activeFile, useApp } from '../model/state';
 import { EnginePicture } from './engine_picture';
+import { StepButton } from './step_button';
 
 const kPictureNames = { brush: 'Brush', source: 'Source', dib: 'Image', glyph: 'Glyph' };
 const kLongText = 600; // characters
@@ -229,28 +230,10 @@ export function CallPanel() {
           <span class="muted">{call}</span> {shown?.function ?? ''}
         </h2>
         <div class="buttons">
-          <button
-            type="button"
-            title="First call of the page (Home)"
-            aria-label="First call"
-            onClick={() => showPageEdge('first')}
-          >
-            ⇤
-          </button>
-          <button type="button" title="Previous call (←)" aria-label="Previous call" onClick={() => step(-1, 'call')}>
-            ‹
-          </button>
-          <button type="button" title="Next call (→)" aria-label="Next call" onClick={() => step(1, 'call')}>
-            ›
-          </button>
-          <button
-            type="button"
-            title="Last call of the page (End)"
-            aria-label="Last call"
-            onClick={() => showPageEdge('last')}
-          >
-            ⇥
-          </button>
+          <StepButton label="First call of the page" text="⇤" keys="Home" onClick={() => showPageEdge('first')} />
+          <StepButton label="Previous call" text="‹" keys="←" onClick={() => step(-1, 'call')} />
+          <StepButton label="Next call" text="›" keys="→" onClick={() => step(1, 'call')} />
+          <StepButton label="Last call of the page" text="⇥" keys="End" onClick={() => showPageEdge('last')} />
         </div>
       </header>
       {error && (

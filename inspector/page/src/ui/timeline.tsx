@@ -6,6 +6,7 @@ import { formatTime } from '../model/format';
 import { togglePlay } from '../model/playback';
 import { activeFile, shownPage, store, useApp } from '../model/state';
 import type { Unit } from '../model/steps';
+import { StepButton } from './step_button';
 import { kStripHeight, paintStrip } from './time_strip';
 
 const kSpeeds = [1, 2, 5, 10, 20, 50, 100, 500, 2000];
@@ -14,35 +15,17 @@ function Strip() {
   const canvas = useRef<HTMLCanvasElement>(null);
   const file = useApp(activeFile);
   const page = useApp(shownPage);
-  const theme = useApp((state) => state.theme);
+  const colors = useApp((state) => state.colors);
   useEffect(() => {
     const element = canvas.current;
     if (!element || !file || !page) return;
     const paint = () => paintStrip(element, file.columns, page);
     const observer = new ResizeObserver(paint);
     observer.observe(element);
-    const dark = matchMedia('(prefers-color-scheme: dark)');
-    dark.addEventListener('change', paint);
-    return () => {
-      observer.disconnect();
-      dark.removeEventListener('change', paint);
-    };
-  }, [file, page, theme]);
+    return () => observer.disconnect();
+  }, [file, page, colors]);
   return <canvas ref={canvas} class="strip" style={{ height: `${kStripHeight}px` }} aria-hidden="true" />;
 }
-
-interface StepButtonProps {
-  label: string;
-  text: string;
-  keys: string;
-  onClick: () => void;
-}
-
-const StepButton = ({ label, text, keys, onClick }: StepButtonProps) => (
-  <button type="button" aria-label={label} title={`${label} (${keys})`} onClick={onClick}>
-    {text}
-  </button>
-);
 
 export function Timeline() {
   const file = useApp(activeFile);

@@ -52,22 +52,18 @@ export class PageCanvas {
       resize.observe(canvas); // browsers without it round by themselves
     }
     const onState = () => {
-      if (store.state.theme !== this.seen.theme) this.readColors();
+      if (store.state.colors !== this.seen.colors) this.readColors();
       // Not painted until the next frame.
       if (store.state.call !== this.seen.call || store.state.page !== this.seen.page) this.exact = false;
       this.seen = store.state;
       this.request(); // at once, not only with the next frame
       this.plan();
     };
-    const dark = matchMedia('(prefers-color-scheme: dark)');
-    const onDark = () => this.readColors();
-    dark.addEventListener('change', onDark);
     this.undo.push(
       () => resize.disconnect(),
       store.subscribe(onState),
       cursor.subscribe(() => this.plan()),
       heatArrivals.subscribe(() => this.plan()),
-      () => dark.removeEventListener('change', onDark),
       () => cancelAnimationFrame(this.frame),
     );
     this.listen('pointerdown', (event) => this.press(event));

@@ -604,6 +604,39 @@ test('a file that was cut off shows what is there, and says so', { timeout: 60_0
   await session.close();
 });
 
+browserTest('the theme is that of the system until one is chosen', 'figures', async (session) => {
+  const { page } = session;
+  // The background of the page, and of the canvas in a corner.
+  const shows = (theme: string, ...colors: string[]) =>
+    until(`${theme} colors`, async () => {
+      await session.painted();
+      const seen = await page.evaluate(() => {
+        const canvas = document.querySelector<HTMLCanvasElement>('.picture canvas') as HTMLCanvasElement;
+        const context = canvas.getContext('2d') as CanvasRenderingContext2D;
+        const { data } = context.getImageData(canvas.width - 1, canvas.height - 1, 1, 1);
+        const corner = `rgb(${[...data.subarray(0, 3)].join(', ')})`;
+        return [document.documentElement.dataset['theme'], getComputedStyle(document.body).backgroundColor, corner];
+      });
+      return seen.join() === [theme, ...colors].join();
+    });
+  const light = ['light', 'rgb(243, 245, 247)', 'rgb(228, 232, 237)'] as const;
+  const dark = ['dark', 'rgb(20, 24, 29)', 'rgb(13, 16, 20)'] as const;
+  const system = (value: string) => page.emulateMediaFeatures([{ name: 'prefers-color-scheme', value }]);
+  await shows(...light);
+  await system('dark');
+  await shows(...dark);
+  await page.select('select[aria-label=Theme]', 'light');
+  await shows(...light);
+  await page.reload();
+  await session.ready();
+  await shows(...light);
+  await system('light');
+  await page.select('select[aria-label=Theme]', 'dark');
+  await shows(...dark);
+  await page.select('select[aria-label=Theme]', 'system');
+  await shows(...light);
+});
+
 browserTest('a page without files opens one that is chosen, and a second one to compare', 'none', async (session) => {
   const { page } = session;
   assert.match(await session.text('.open-box h2'), /Open a call file/);
