@@ -23,76 +23,64 @@ std::string WebColor(uint32_t color) {
   return Text("#", calls::Hex{rgb, 6, false});
 }
 
-class FieldWriter {
- public:
-  explicit FieldWriter(JsonWriter& json) : json_(json) { json_.Name("fields").List(); }
-  ~FieldWriter() { json_.EndList(); }
-  FieldWriter(const FieldWriter&) = delete;
-  FieldWriter& operator=(const FieldWriter&) = delete;
-
-  template <class T>
-  FieldWriter& Add(const char* name, T value) {
-    json_.Object().Member("name", name).Member("text", Text(value)).EndObject();
-    return *this;
-  }
-  FieldWriter& Color(const char* name, uint32_t color) {
-    json_.Object().Member("name", name).Member("text", Text("0x", calls::Hex{color, 6}));
-    json_.Member("color", WebColor(color)).EndObject();
-    return *this;
-  }
-
- private:
-  JsonWriter& json_;
+struct ColorField {
+  uint32_t color;
 };
+
+template <class T>
+void WriteField(JsonWriter& json, const char* name, T value) {
+  json.Object().Member("name", name).Member("text", Text(value)).EndObject();
+}
+
+void WriteField(JsonWriter& json, const char* name, ColorField field) {
+  json.Object().Member("name", name).Member("text", Text("0x", calls::Hex{field.color, 6}));
+  json.Member("color", WebColor(field.color)).EndObject();
+}
+
+void WriteEachField(JsonWriter&) {}
+
+template <class T, class... Rest>
+void WriteEachField(JsonWriter& json, const char* name, T value, Rest... rest) {
+  WriteField(json, name, value);
+  WriteEachField(json, rest...);
+}
+
+// Names and values of a record by turns. By value, because fields of packed records cannot be referred to.
+template <class... Parts>
+void WriteFields(JsonWriter& json, Parts... parts) {
+  json.Name("fields").List();
+  WriteEachField(json, parts...);
+  json.EndList();
+}
 
 void WriteRecord(JsonWriter& json, Memory memory, const calls::BlobView& blob) {
   const auto holds = [&](std::size_t bytes) { return blob.bytes >= bytes; };
   if ((memory == Memory::kRect && holds(16)) || (memory == Memory::kEscapeData && blob.bytes == 16)) {
     const auto r = ReadAs<BandRect>(blob.data);
-    FieldWriter(json).Add("left", r.left).Add("top", r.top).Add("right", r.right).Add("bottom", r.bottom);
+    WriteFields(json, "left", r.left, "top", r.top, "right", r.right, "bottom", r.bottom);
   } else if (memory == Memory::kEscapeData && blob.bytes == 8) {
     const auto o = ReadAs<DrawingOrigin>(blob.data);
-    FieldWriter(json).Add("x", o.x).Add("y", o.y);
+    WriteFields(json, "x", o.x, "y", o.y);
   } else if (memory == Memory::kDescription && holds(sizeof(DeviceDescription))) {
     const auto d = ReadAs<DeviceDescription>(blob.data);
-    FieldWriter(json)
-        .Add("kind", d.kind)
-        .Add("bitsPerPixel", d.bitsPerPixel)
-        .Add("resolutionA", d.resolutionA)
-        .Add("width", d.width)
-        .Add("height", d.height)
-        .Add("resolutionB", d.resolutionB);
+    WriteFields(json, "kind", d.kind, "bitsPerPixel", d.bitsPerPixel, "resolutionA", d.resolutionA, "width", d.width,
+                "height", d.height, "resolutionB", d.resolutionB);
   } else if ((memory == Memory::kDrawMode || memory == Memory::kTextDrawMode) && holds(sizeof(DRAWMODE))) {
     const auto m = ReadAs<DRAWMODE>(blob.data);
-    FieldWriter(json)
-        .Add("Rop2", calls::Rop2Name(m.Rop2))
-        .Add("bkMode", m.bkMode == OPAQUE ? "OPAQUE" : "TRANSPARENT")
-        .Color("bkColor", m.bkColor)
-        .Color("TextColor", m.TextColor)
-        .Add("TBreakExtra", m.TBreakExtra)
-        .Add("BreakErr", m.BreakErr)
-        .Add("BreakCount", m.BreakCount)
-        .Add("CharacterExtra", m.CharacterExtra);
+    WriteFields(json, "Rop2", calls::Rop2Name(m.Rop2), "bkMode", m.bkMode == OPAQUE ? "OPAQUE" : "TRANSPARENT",
+                "bkColor", ColorField{m.bkColor}, "TextColor", ColorField{m.TextColor}, "TBreakExtra", m.TBreakExtra,
+                "BreakErr", m.BreakErr, "BreakCount", m.BreakCount, "CharacterExtra", m.CharacterExtra);
   } else if (memory == Memory::kPen && holds(sizeof(PhysicalPen))) {
     const auto p = ReadAs<PhysicalPen>(blob.data);
-    FieldWriter(json).Add("style", p.style).Add("widthX", p.widthX).Add("widthY", p.widthY).Color("colour", p.colour);
+    WriteFields(json, "style", p.style, "widthX", p.widthX, "widthY", p.widthY, "colour", ColorField{p.colour});
   } else if (memory == Memory::kBrush && holds(calls::kSolidBrushBytes)) {
-    FieldWriter(json)
-        .Add("style", ReadAs<uint16_t>(blob.data))
-        .Add("hatch", ReadAs<uint16_t>(blob.data + 2))
-        .Add("patternDepth", ReadAs<uint16_t>(blob.data + 4))
-        .Add("hatchScale", Text(int{blob.data[6]}, " x ", int{blob.data[7]}))
-        .Color("colour", ReadAs<uint32_t>(blob.data + 8));
+    WriteFields(json, "style", ReadAs<uint16_t>(blob.data), "hatch", ReadAs<uint16_t>(blob.data + 2), "patternDepth",
+                ReadAs<uint16_t>(blob.data + 4), "hatchScale", Text(int{blob.data[6]}, " x ", int{blob.data[7]}),
+                "colour", ColorField{ReadAs<uint32_t>(blob.data + 8)});
   } else if (memory == Memory::kDibHeader && holds(sizeof(BITMAPINFOHEADER))) {
     const auto h = ReadAs<BITMAPINFOHEADER>(blob.data);
-    FieldWriter(json)
-        .Add("biSize", h.biSize)
-        .Add("biWidth", h.biWidth)
-        .Add("biHeight", h.biHeight)
-        .Add("biBitCount", h.biBitCount)
-        .Add("biCompression", h.biCompression)
-        .Add("biSizeImage", h.biSizeImage)
-        .Add("biClrUsed", h.biClrUsed);
+    WriteFields(json, "biSize", h.biSize, "biWidth", h.biWidth, "biHeight", h.biHeight, "biBitCount", h.biBitCount,
+                "biCompression", h.biCompression, "biSizeImage", h.biSizeImage, "biClrUsed", h.biClrUsed);
   }
 }
 
@@ -121,12 +109,8 @@ void WriteParts(JsonWriter& json, const calls::CallFile& file, const calls::Stor
     const calls::BlobView& blob = file.Blob(stored.record);
     if (blob.bytes != sizeof(calls::SourceFields)) return;
     const auto f = ReadAs<calls::SourceFields>(blob.data);
-    FieldWriter(json)
-        .Add("bmWidth", f.width)
-        .Add("bmHeight", f.height)
-        .Add("bmWidthBytes", f.widthBytes)
-        .Add("bmPlanes", int{f.planes})
-        .Add("bmBitsPixel", int{f.bitsPixel});
+    WriteFields(json, "bmWidth", f.width, "bmHeight", f.height, "bmWidthBytes", f.widthBytes, "bmPlanes", int{f.planes},
+                "bmBitsPixel", int{f.bitsPixel});
     return;
   }
   if (stored.pointer.tag != PointerTag::kBlob) return;

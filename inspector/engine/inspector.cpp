@@ -33,12 +33,17 @@ OpenFile* Inspector::FileOf(int32_t file) {
                                                                      : nullptr;
 }
 
-bool Inspector::Ask(int32_t number, std::string_view text) {
+OpenFile* Inspector::Read(int32_t number, std::string_view text, JsonValue* question) {
   OpenFile* const file = FileOf(number);
-  if (file == nullptr) return Fail("this file is not open");
+  const bool isRead = file != nullptr && JsonValue::Parse(text, question);
+  text_ = file == nullptr ? "this file is not open" : isRead ? "" : "the question is no JSON";
+  return isRead ? file : nullptr;
+}
+
+bool Inspector::Ask(int32_t number, std::string_view text) {
   JsonValue question;
-  if (!JsonValue::Parse(text, &question)) return Fail("the question is no JSON");
-  text_.clear();
+  OpenFile* const file = Read(number, text, &question);
+  if (file == nullptr) return false;
   const std::string& kind = question["q"].text();
   if (kind == "summary") return AnswerSummary(*file, &text_);
   if (kind == "rows") return AnswerRows(*file, &text_);
@@ -56,11 +61,9 @@ bool Inspector::Ask(int32_t number, std::string_view text) {
 }
 
 bool Inspector::Draw(int32_t number, std::string_view text) {
-  OpenFile* const file = FileOf(number);
-  if (file == nullptr) return Fail("this file is not open");
   JsonValue question;
-  if (!JsonValue::Parse(text, &question)) return Fail("the question is no JSON");
-  text_.clear();
+  OpenFile* const file = Read(number, text, &question);
+  if (file == nullptr) return false;
   const std::string& kind = question["d"].text();
   if (kind == "picture") return DrawPicture(*file, question, &picture_, &text_);
   if (kind == "change") return DrawChange(*file, question, &picture_, &text_);

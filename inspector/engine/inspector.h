@@ -41,6 +41,8 @@ class Inspector {
 
  private:
   OpenFile* FileOf(int32_t file);
+  // The file that a question is about; null with a sentence as the text when it cannot be answered.
+  OpenFile* Read(int32_t file, std::string_view text, JsonValue* question);
   bool Fail(std::string message);
 
   const calls::Functions functions_;
