@@ -1,6 +1,8 @@
-// Fuzz target: call files. The input is the contents of a block, or, where it begins as a file does, a whole file. What
-// can be read is replayed and checked; calls that need more than the file holds must be refused before they are made.
-// The engine of the inspector opens it, too, and is asked for calls, their pictures, and places of a page.
+// Fuzz target: call files. The input is the contents of a block, or, where it begins as a file does, a whole file. One
+// with wrong checksums is read as it is, and again with right ones, so that changes of a file get further than to its
+// checksums. What can be read is replayed and checked; calls that need more than the file holds must be refused before
+// they are made. The engine of the inspector opens it, too, and is asked for calls, their pictures, and places of a
+// page.
 #include <cstring>
 #include <vector>
 
@@ -31,6 +33,20 @@ qnv::calls::Bytes FileOf(const uint8_t* items, std::size_t size) {
   return bytes;
 }
 
+// The header and every block get the checksum that they should have.
+void CorrectSums(qnv::calls::Bytes& bytes) {
+  using namespace qnv::calls;
+  if (bytes.size() < kFileHeaderBytes) return;
+  PutLittle(bytes.data() + 16, Hash64(bytes.data(), 16));
+  std::size_t at = kFileHeaderBytes;
+  while (bytes.size() - at >= kBlockHeaderBytes) {
+    const std::size_t stored = GetLittle<uint32_t>(bytes.data() + at + 8), data = at + kBlockHeaderBytes;
+    if (stored > bytes.size() - data) return;
+    PutLittle(bytes.data() + at + 16, Hash64(bytes.data() + data, stored, Hash64(bytes.data() + at, 16)));
+    at = data + stored;
+  }
+}
+
 // Asks what depends on most of the file.
 void Inspect(const qnv::calls::Bytes& bytes, std::size_t calls) {
   qnv::inspector::HistoryLimits limits;
@@ -57,9 +73,13 @@ void Inspect(const qnv::calls::Bytes& bytes, std::size_t calls) {
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, std::size_t size) {
   using namespace qnv::calls;
   const bool isFile = size >= 4 && std::memcmp(data, kFileMagic, 4) == 0;
-  const Bytes bytes = isFile ? Bytes(data, data + size) : FileOf(data, size);
+  Bytes bytes = isFile ? Bytes(data, data + size) : FileOf(data, size);
   CallFile file;
-  const CallFile::Status status = CallFile::Read(bytes.data(), bytes.size(), &file, kMaxBytes);
+  CallFile::Status status = CallFile::Read(bytes.data(), bytes.size(), &file, kMaxBytes);
+  if (isFile && status.error == FileError::kDamaged) {
+    CorrectSums(bytes);
+    status = CallFile::Read(bytes.data(), bytes.size(), &file, kMaxBytes);
+  }
   // A file that can be read whole can be read in part, with the same calls.
   if (isFile) {
     FileBytes memory(bytes.data(), bytes.size());

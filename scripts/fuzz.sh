@@ -10,6 +10,11 @@
 #
 #   scripts/fuzz.sh --minimize [TARGET...]
 # Rewrites fuzz/corpus/TARGET: few small inputs that reach as many edges as it and build/PRESET/corpus/TARGET together.
+#
+#   scripts/fuzz.sh --record
+# Makes fuzz/corpus/sequence_calls what fuzz/corpus/sequences is: each input recorded as a call file, which can be looked
+# at, replayed by every build, and mutated by the target "call_file". Takes random_tests and the recorder of
+# build/linux-x64.
 set -uo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.." || exit 1
 
@@ -21,16 +26,38 @@ usage() {
 preset=fuzz
 build=
 minimize=
+record=
 while [ $# -gt 0 ]; do
   case $1 in
     --preset) preset=${2:-} && shift 2 || usage ;;
     --new) build=1 && shift ;;
     --minimize) minimize=1 && shift ;;
+    --record) record=1 && shift ;;
     -*) usage ;;
     *) break ;;
   esac
 done
 time=
+if [ -n "$record" ]; then
+  bin=$PWD/build/linux-x64/bin calls=fuzz/corpus/sequence_calls
+  mkdir -p "$calls"
+  for file in "$calls"/*.qnv; do
+    [ -e "fuzz/corpus/sequences/$(basename "$file" .qnv)" ] || rm -f "$file"
+  done
+  # Those that are there stay as they are, because every recording has other durations.
+  for input in fuzz/corpus/sequences/*; do
+    file=$calls/$(basename "$input").qnv
+    [ ! -e "$file" ] || continue
+    QNVREC_FILE=$file QNVREC_HASH=call QNVREC_COMPRESS=0 QNVREC_LIBRARY=$bin/libqnvdrv10.so LD_PRELOAD=$bin/libqnvrec.so \
+      "$bin/random_tests" --files "$input" >"$file.log" 2>&1 && [ -s "$file" ] && rm "$file.log" || {
+      tail -n 3 "$file.log"
+      rm -f "$file" "$file.log"
+      exit 1
+    }
+  done
+  printf '%5d call files, %s\n' "$(find "$calls" -type f | wc -l)" "$(du -sh --apparent-size "$calls" | cut -f1)"
+  exit 0
+fi
 [ -n "$minimize" ] || { time=${1:-} && shift || usage; }
 targets=("$@")
 
@@ -88,8 +115,11 @@ export seconds
 # fuzz_one TARGET: prints one line
 fuzz_one() {
   local target=$1 log=$tree/fuzz_$1.log status executions edges features inputs found verdict=ok
-  "$tree/bin/fuzz_$target" -max_total_time="$seconds" -timeout=10 -rss_limit_mb=2048 -max_len=2048 -len_control=0 \
-    -print_final_stats=1 -artifact_prefix="$tree/findings/$target/" "$tree/corpus/$target" "fuzz/corpus/$target" \
+  local seeds=("fuzz/corpus/$target") longest=2048
+  # Whole files are of no use when they are cut.
+  [ "$target" != call_file ] || seeds+=(fuzz/corpus/sequence_calls) longest=8192
+  "$tree/bin/fuzz_$target" -max_total_time="$seconds" -timeout=10 -rss_limit_mb=2048 -max_len=$longest -len_control=0 \
+    -print_final_stats=1 -artifact_prefix="$tree/findings/$target/" "$tree/corpus/$target" "${seeds[@]}" \
     >"$log" 2>&1 </dev/null
   status=$?
   executions=$(sed -n 's/^stat::number_of_executed_units: *//p' "$log")

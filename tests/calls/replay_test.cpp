@@ -1,7 +1,9 @@
 // Recorded pages, made again.
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <map>
+#include <set>
 #include <thread>
 
 #include "calls/hash.h"
@@ -207,6 +209,21 @@ TEST(Replay, PaintsThePageOfTheBenchmark) {
       ReplayExactly("page", ReadAll(std::string(QNV_TEST_SOURCE_DIR) + "/../bench/pages/qnvbench_page.qnv"));
   EXPECT_EQ(report.made, 510u);
   EXPECT_EQ(report.compared, 4u * (161 + 1));
+}
+
+// The inputs of the fuzz target "sequences" are there as call files, too (scripts/fuzz.sh --record). random_tests
+// replays them.
+TEST(FuzzSeeds, AreCallFiles) {
+  const std::string corpus = std::string(QNV_TEST_SOURCE_DIR) + "/../fuzz/corpus/";
+  std::set<std::string> inputs, recorded;
+  for (const auto& entry : std::filesystem::directory_iterator(corpus + "sequences")) {
+    inputs.insert(entry.path().filename().string() + ".qnv");
+  }
+  for (const auto& entry : std::filesystem::directory_iterator(corpus + "sequence_calls")) {
+    recorded.insert(entry.path().filename().string());
+  }
+  EXPECT_GT(inputs.size(), 300u);
+  EXPECT_EQ(inputs, recorded);
 }
 
 // Four threads, each with devices of its own: the calls of each device are in order, and paint what they painted.

@@ -10,6 +10,7 @@
 #include <fstream>
 #include <iterator>
 
+#include "random/call_file_case.h"
 #include "random/calls.h"
 #include "random/file_case.h"
 #include "random/random_case.h"
@@ -50,7 +51,7 @@ struct Options {
   uint64_t to = 100000;
   bool one = false;
   const char* family = nullptr;
-  const char* files = nullptr;  // a file or a folder
+  std::vector<const char*> files;  // or folders
 };
 
 // Returns the failure, empty when the case passed.
@@ -100,7 +101,8 @@ int Usage() {
                "  --from A --to B  run cases A .. B-1\n"
                "  --case N       run one case and print every call\n"
                "  --family NAME  only cases of one family: blit, output, text, image, pixel, sequence\n"
-               "  --files PATH   the cases of a file, printing every call, or of all files of a folder\n");
+               "  --files PATH   the cases of a file, printing every call, or of all files of a folder: inputs of the\n"
+               "                 fuzz target \"sequences\", and call files\n");
   return 2;
 }
 
@@ -123,7 +125,7 @@ bool ParseOptions(int count, char** arguments, Options* options) {
                                [&](const Family& family) { return std::strcmp(family.name, value) == 0; });
       options->family = value;
     } else if (name == "--files") {
-      options->files = value;
+      options->files.push_back(value);
     } else {
       return false;
     }
@@ -183,7 +185,9 @@ void RunFile(const std::filesystem::path& path, bool verbose, CallMemory& memory
   const bool readable = !file.bad() && file.is_open();
   g_running = path.string();
   cases.Add(g_running, verbose, [&](bool say, CaseTotals& totals) {
-    return readable ? RunFileCase(bytes.data(), bytes.size(), memory, say, totals) : std::string("cannot be read");
+    if (!readable) return std::string("cannot be read");
+    if (IsCallFile(bytes)) return RunCallFile(bytes, totals);
+    return RunFileCase(bytes.data(), bytes.size(), memory, say, totals);
   });
 }
 
@@ -202,9 +206,8 @@ int Main(int count, char** arguments) {
   WatchForCrashes();
   CallMemory memory;
   Cases cases;
-  if (options.files != nullptr) {
-    RunFiles(options.files, memory, cases);
-  } else {
+  for (const char* where : options.files) RunFiles(where, memory, cases);
+  if (options.files.empty()) {
     RunNumbers(options, memory, cases);
   }
   return cases.Close();

@@ -54,6 +54,7 @@ class BandModel : public Model {
   BandModel(const DeviceDescription& description, const BandRect& bandRect, Plane band);
 
   const Plane& band() const override { return plane_; }
+  void SetContents(const std::vector<uint8_t>& band, const std::vector<uint8_t>&) override { plane_.SetBytes(band); }
   uint32_t Control(uint32_t code, const void* data) override;
   uint32_t ColorInfo(uint32_t color) const override;
   uint32_t RealizeObject(uint32_t kind, const void* input, void* output) const override;

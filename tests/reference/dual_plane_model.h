@@ -22,6 +22,10 @@ class DualPlaneModel : public Model {
 
   const Plane& band() const override { return color_.band(); }
   const Plane* tags() const override { return &tags_.band(); }
+  void SetContents(const std::vector<uint8_t>& band, const std::vector<uint8_t>& tags) override {
+    color_.SetContents(band, {});
+    tags_.SetContents(tags, {});
+  }
   uint32_t Control(uint32_t code, const void* data) override;
   uint32_t ColorInfo(uint32_t color) const override { return own_.ColorInfo(color); }
   uint32_t RealizeObject(uint32_t kind, const void* input, void* output) const override {

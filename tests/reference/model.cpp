@@ -42,6 +42,11 @@ void Plane::FillStart(std::size_t count, uint8_t value) {
   std::fill_n(bytes_.begin(), count, value);
 }
 
+void Plane::SetBytes(const std::vector<uint8_t>& bytes) {
+  if (bytes.size() != bytes_.size()) std::abort();
+  bytes_ = bytes;
+}
+
 uint32_t Model::PolyPixel(int32_t x1, int32_t y1, int32_t x2, int32_t y2, uint32_t color, const DRAWMODE* drawMode,
                           const BandRect* clip) {
   for (int y = std::min(y1, y2); y <= std::max(y1, y2); ++y) {

@@ -28,6 +28,7 @@ class Plane {
   uint32_t Read(int column, int row) const;
   void Write(int column, int row, uint32_t value);
   void FillStart(std::size_t count, uint8_t value);
+  void SetBytes(const std::vector<uint8_t>& bytes);
 
  private:
   std::size_t Offset(int column, int row) const;
@@ -88,6 +89,8 @@ class Model {
 
   virtual const Plane& band() const = 0;
   virtual const Plane* tags() const { return nullptr; }
+  // The host has painted into its planes by itself. The sizes are those of the planes.
+  virtual void SetContents(const std::vector<uint8_t>& band, const std::vector<uint8_t>& tags) = 0;
 
   virtual uint32_t Control(uint32_t code, const void* data) = 0;
   virtual uint32_t ColorInfo(uint32_t color) const = 0;
