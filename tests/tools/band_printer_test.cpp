@@ -148,6 +148,29 @@ TEST(BandPrinter, ThePictureDoesNotDependOnTheBands) {
   }
 }
 
+// Keeps the rows of a band, and those above it.
+struct KeptBand {
+  Printed rows;
+  Printed above;
+};
+
+KeptBand Keep(const tool::PaintedBand& band, const DeviceChoice& device, int rowsAbove) {
+  KeptBand kept;
+  kept.rows = kept.above = {band.width, band.height, device.bandBytesPerPixel(), {}, {}};
+  Append(band.view, kept.rows);
+  tool::BandView above = band.view;
+  above.rows = std::min(rowsAbove, band.view.top);
+  above.pixels -= above.stride * static_cast<std::size_t>(above.rows);
+  if (above.tags != nullptr) above.tags -= above.tagStride * static_cast<std::size_t>(above.rows);
+  Append(above, kept.above);
+  return kept;
+}
+
+// Whether `part` is the end of `whole`.
+bool Ends(const std::vector<uint8_t>& whole, const std::vector<uint8_t>& part) {
+  return part.size() <= whole.size() && std::equal(part.rbegin(), part.rend(), whole.rbegin());
+}
+
 // Pages of several sizes, with the same picture on two of them, on several threads.
 TEST(BandPipeline, ThePicturesDoNotDependOnTheThreads) {
   for (const char* name : {"color", "gray", "dual", "scaled:120/77"}) {
@@ -158,62 +181,90 @@ TEST(BandPipeline, ThePicturesDoNotDependOnTheThreads) {
     const std::vector<Page> pages = {full, PicturePage(130, 170, image, {10, 20, 110, 160}), full,
                                      PicturePage(230, 300, image, {0, 0, 230, 300}),
                                      Page{.width = 90, .height = 40, .items = {}}};
+    std::vector<Printed> expected;
+    for (const Page& page : pages) expected.push_back(PrintPage(page, device, 0));
+    // Bands of the height that is wanted, of several of those parts, and of whole pages.
+    const struct {
+      int bandRows;
+      int unit;
+      int rowsAbove;
+    } cases[] = {{7, 1, 0},   {64, 1, 0},    {0, 1, 0},  {7, 32, 5},
+                 {64, 16, 3}, {64, 16, 100}, {0, 16, 4}, {tool::kAutomaticBandRows, 64, 5}};
     for (const int threads : {1, 2, 3, 8}) {
-      for (const int bandRows : {7, 64, 0}) {
+      for (const auto& c : cases) {
         std::vector<Printed> printed;
+        bool isAboveRight = true;
         tool::Workers workers(threads);
         const tool::Rasteriser rasteriser = tool::LinkedRasteriser();
-        tool::BandPipeline pipeline(workers, rasteriser, device, bandRows, [&](const tool::PaintedBand& band) {
-          if (band.index == 0) printed.push_back({band.width, band.height, device.bandBytesPerPixel(), {}, {}});
-          Append(band.view, printed.back());
-        });
+        tool::BandPipeline pipeline(
+            workers, rasteriser, device, c.bandRows, [&](const Page&, const tool::PictureSize&) -> tool::PageWork {
+              return {c.unit, c.rowsAbove, [&](const tool::PaintedBand& band) {
+                        EXPECT_EQ(band.view.top % c.unit, 0);
+                        const KeptBand kept = Keep(band, device, c.rowsAbove);
+                        return [&, band, kept] {
+                          if (band.index == 0)
+                            printed.push_back({band.width, band.height, device.bandBytesPerPixel(), {}, {}});
+                          Printed& page = printed.back();
+                          isAboveRight =
+                              isAboveRight && Ends(page.pixels, kept.above.pixels) && Ends(page.tags, kept.above.tags);
+                          page.pixels.insert(page.pixels.end(), kept.rows.pixels.begin(), kept.rows.pixels.end());
+                          page.tags.insert(page.tags.end(), kept.rows.tags.begin(), kept.rows.tags.end());
+                        };
+                      }};
+            });
         for (const Page& page : pages) pipeline.Print(page);
         pipeline.Finish();
-        ASSERT_EQ(printed.size(), pages.size());
-        for (std::size_t i = 0; i < pages.size(); ++i) {
-          EXPECT_TRUE(printed[i] == PrintPage(pages[i], device, 0))
-              << name << ": page " << i << " in bands of " << bandRows << " rows by " << threads << " threads";
-        }
+        EXPECT_TRUE(printed == expected) << name << ": bands of " << c.bandRows << " rows by " << threads << " threads";
+        EXPECT_TRUE(isAboveRight) << name << ": bands of " << c.bandRows << " rows by " << threads << " threads";
       }
     }
   }
 }
 
-// What a sink or a band throws ends the work of all threads, and the caller gets it.
+// What the work or a band throws ends the work of all threads, and the caller gets it.
 TEST(BandPipeline, FailuresReachTheCaller) {
   const DeviceChoice device = Device("color");
   const tool::Rasteriser rasteriser = tool::LinkedRasteriser();
-  const Page page = PicturePage(200, 800, Image(24, 50, 70), {10, 20, 110, 760});
-  for (const int threads : {1, 2, 8}) {
-    tool::Workers workers(threads);
-    int bands = 0;
-    const auto print = [&] {
-      tool::BandPipeline pipeline(workers, rasteriser, device, 16, [&](const tool::PaintedBand&) {
-        if (++bands == 9) throw tool::ToolError(tool::ExitCode::kCannotWrite, "full");
-      });
-      for (int i = 0; i < 3; ++i) pipeline.Print(page);
-      pipeline.Finish();
-    };
-    try {
-      print();
-      ADD_FAILURE() << "nothing was thrown";
-    } catch (const tool::ToolError& error) {
-      EXPECT_STREQ(error.what(), "full");
+  const Page pictures = PicturePage(200, 800, Image(24, 50, 70), {10, 20, 110, 760});
+  const Page empty{.width = 200, .height = 800, .items = {}};
+  for (const Page& page : {pictures, empty}) {
+    for (const int threads : {1, 2, 8}) {
+      tool::Workers workers(threads);
+      int bands = 0;
+      const auto messageOf = [&](const tool::Rasteriser& one, auto work) {
+        bands = 0;
+        try {
+          tool::BandPipeline pipeline(workers, one, device, 16, [&](const Page&, const tool::PictureSize&) {
+            return tool::PageWork{1, 0, work};
+          });
+          for (int i = 0; i < 3; ++i) pipeline.Print(page);
+          pipeline.Finish();
+        } catch (const tool::ToolError& error) {
+          return std::string(error.what());
+        }
+        return std::string("nothing was thrown");
+      };
+      const auto count = [&](const tool::PaintedBand&) {
+        return [&] {
+          if (++bands == 9) throw tool::ToolError(tool::ExitCode::kCannotWrite, "full");
+        };
+      };
+      EXPECT_EQ(messageOf(rasteriser, count), "full");
+      EXPECT_EQ(bands, 9);
+      const auto failAt = [&](const tool::PaintedBand& band) {
+        if (band.index == 5) throw tool::ToolError(tool::ExitCode::kCannotWrite, "no memory");
+        return [&] { ++bands; };
+      };
+      EXPECT_EQ(messageOf(rasteriser, failAt), "no memory");
+      EXPECT_EQ(bands, 5);
+      tool::Rasteriser refusing = rasteriser;
+      refusing.control = [](DeviceHandle*, uint32_t, const void*, void*) { return uint32_t{0}; };
+      EXPECT_EQ(messageOf(refusing, count).rfind("the library refuses escape", 0), 0u);
+      EXPECT_EQ(bands, 0);
     }
-    EXPECT_EQ(bands, 9);
-
-    tool::Rasteriser refusing = rasteriser;
-    refusing.control = [](DeviceHandle*, uint32_t, const void*, void*) { return uint32_t{0}; };
-    tool::BandPipeline pipeline(workers, refusing, device, 16, [&](const tool::PaintedBand&) {});
-    const auto printRefused = [&] {
-      pipeline.Print(page);
-      pipeline.Finish();
-    };
-    EXPECT_THROW(printRefused(), tool::ToolError) << threads;
   }
 }
 
-// Enlarged and reduced by factors whose row boundaries come near the middle of page rows.
 TEST(BandPrinter, ImagesOfAnyScaleDoNotDependOnTheBands) {
   const DeviceChoice device = Device("gray");
   for (int i = 0; i < 40; ++i) {

@@ -69,14 +69,17 @@ std::vector<NoisePage> SomePages() {
           {17, 9, 97, Pixels::kTags}};
 }
 
-void WriteDocument(PictureFormat format, const std::string& path, const std::vector<NoisePage>& pages, int bandRows) {
-  tool::Workers workers(2);
-  const auto document = tool::CreateDocument(format, path, static_cast<int>(pages.size()), workers);
+// `unitsOfBand`: how many pieces are encoded at a time.
+void WriteDocument(PictureFormat format, const std::string& path, const std::vector<NoisePage>& pages,
+                   int unitsOfBand) {
+  const auto document = tool::CreateDocument(format, path, static_cast<int>(pages.size()));
   for (const NoisePage& page : pages) {
     const auto picture = document->StartPage(page.form, {});
+    const auto encoder = tool::CreateEncoder(format, page.form);
+    const int bandRows = std::min(page.form.height, encoder->unit() * unitsOfBand);
     for (int y = 0; y < page.form.height; y += bandRows) {
-      picture->WriteRows(page.rows.data() + static_cast<std::size_t>(y) * page.stride, page.stride,
-                         std::min(bandRows, page.form.height - y));
+      picture->Write(encoder->Encode({page.rows.data() + static_cast<std::size_t>(y) * page.stride, page.stride, y,
+                                      std::min(bandRows, page.form.height - y)}));
     }
     picture->Finish();
   }
@@ -217,10 +220,10 @@ TEST(DocumentFormats, CompleteOrNotThere) {
     const std::string path = DocumentFile("unfinished");
     std::ofstream(path) << "old";
     {
-      tool::Workers workers(2);
-      const auto document = tool::CreateDocument(format, path, 1, workers);
+      const auto document = tool::CreateDocument(format, path, 1);
       const auto picture = document->StartPage(pages[0].form, {});
-      picture->WriteRows(pages[0].rows.data(), pages[0].stride, 30);
+      picture->Write(
+          tool::CreateEncoder(format, pages[0].form)->Encode({pages[0].rows.data(), pages[0].stride, 0, 30}));
       picture->Finish();
     }
     EXPECT_EQ(ContentOf(path), "old") << static_cast<int>(format);

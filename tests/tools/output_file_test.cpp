@@ -9,6 +9,7 @@
 #include <fstream>
 #include <iterator>
 
+#include "qnvtool/output/documents.h"
 #include "qnvtool/output/output_names.h"
 #include "qnvtool/output/picture_writer.h"
 #include "qnvtool/output/png_writer.h"
@@ -93,12 +94,14 @@ TEST_F(OutputFile, FollowsSymbolicLinks) {
 
 TEST_F(OutputFile, PictureFilesAppearWhenFinished) {
   const uint8_t rows[] = {10, 20, 30, 40};
-  for (const auto create : {tool::CreatePngFile, tool::CreatePnmFile}) {
+  for (const auto format : {tool::PictureFormat::kPng, tool::PictureFormat::kPnm}) {
     const std::string path = Path("picture");
     Put(path, "old");
     const auto write = [&](bool finish) {
-      const auto writer = create(path, {2, 2, 300, tool::PictureForm::Pixels::kGray});
-      writer->WriteRows(rows, 2, 2);
+      const tool::PictureForm form{2, 2, 300, tool::PictureForm::Pixels::kGray};
+      const auto writer =
+          format == tool::PictureFormat::kPng ? tool::CreatePngFile(path, form) : tool::CreatePnmFile(path, form);
+      writer->Write(tool::CreateEncoder(format, form)->Encode({rows, 2, 0, 2}));
       if (finish) writer->Finish();
     };
     write(false);

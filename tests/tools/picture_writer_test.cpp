@@ -11,6 +11,7 @@
 #include <utility>
 
 #include "qnvtool/output/png_writer.h"
+#include "qnvtool/output/row_deflate.h"
 #include "tool_errors.h"
 
 namespace qnv::test {
@@ -51,12 +52,7 @@ constexpr uint8_t kTags[] = {0, 1, 3, 99, 3, 2, 1, 99};
 
 PngFile WriteAndRead(Form pixels, const uint8_t* first, std::size_t stride) {
   const std::string path = TempFile("writer.png");
-  {
-    const auto writer = tool::CreatePngFile(path, {3, 2, 300, pixels});
-    writer->WriteRows(first, stride, 1);
-    writer->WriteRows(first + stride, stride, 1);
-    writer->Finish();
-  }
+  tool::WritePngFile(path, {3, 2, 300, pixels}, first, stride);
   return ReadPng(path);
 }
 
@@ -106,31 +102,37 @@ TEST(PictureWriter, LargePng) {
     const std::size_t row = i / kRow;
     pixels[i] = row % 300 < 100 ? static_cast<uint8_t>(random >> 24) : static_cast<uint8_t>(row * i % kRow / 40);
   }
-  const auto write = [&](const std::string& path, int rows) {
-    const auto writer = tool::CreatePngFile(path, {kWidth, kHeight, 300, Form::kColor});
-    for (int y = 0; y < kHeight; y += rows) {
-      writer->WriteRows(pixels.data() + static_cast<std::size_t>(y) * kRow, kRow, std::min(rows, kHeight - y));
-    }
-    writer->Finish();
-  };
+  const PictureForm form{kWidth, kHeight, 300, Form::kColor};
   const std::string path = TempFile("large.png");
-  write(path, kHeight);
+  tool::WritePngFile(path, form, pixels.data(), kRow);
   PngFile png = ReadPng(path);
   EXPECT_EQ(png.width, kWidth);
   EXPECT_EQ(png.height, kHeight);
   for (std::size_t i = 0; i + 2 < png.pixels.size(); i += 3) std::swap(png.pixels[i], png.pixels[i + 2]);
   EXPECT_TRUE(png.pixels == pixels);
 
-  const std::string bands = TempFile("bands.png");
-  write(bands, 17);
-  EXPECT_TRUE(BytesOf(bands) == png.file) << "the file depends on the height of the bands";
+  // Bands of one piece and of several, each with no more rows above it in memory than are asked for.
+  const auto encoder = tool::CreateDeflateEncoder(form);
+  ASSERT_EQ(encoder->unit(), 128);
+  ASSERT_EQ(encoder->rowsAbove(), 32768 / 3604 + 2);
+  for (const int rows : {128, 384}) {
+    const std::string bands = TempFile("bands.png");
+    const auto writer = tool::CreatePngFile(bands, form);
+    for (int top = 0; top < kHeight; top += rows) {
+      const int above = std::min(top, encoder->rowsAbove());
+      const int count = std::min(rows, kHeight - top);
+      const std::vector<uint8_t> band(pixels.begin() + (top - above) * std::ptrdiff_t{kRow},
+                                      pixels.begin() + (top + count) * std::ptrdiff_t{kRow});
+      writer->Write(encoder->Encode({band.data() + static_cast<std::size_t>(above) * kRow, kRow, top, count}));
+    }
+    writer->Finish();
+    EXPECT_TRUE(BytesOf(bands) == png.file) << "the file depends on the height of the bands: " << rows;
+  }
 }
 
 std::string WriteAndReadPnm(Form pixels, const uint8_t* first, std::size_t stride) {
   const std::string path = TempFile("writer.pnm");
-  const auto writer = tool::CreatePnmFile(path, {3, 2, 300, pixels});
-  writer->WriteRows(first, stride, 2);
-  writer->Finish();
+  tool::WritePnmFile(path, {3, 2, 300, pixels}, first, stride);
   return BytesOf(path);
 }
 
@@ -168,13 +170,9 @@ TEST(PictureWriter, FormatsByName) {
 }
 
 TEST(PictureWriter, FailuresNameTheFile) {
-  for (const auto create : {tool::CreatePngFile, tool::CreatePnmFile}) {
+  for (const auto write : {tool::WritePngFile, tool::WritePnmFile}) {
     const auto errorOf = [&](const std::string& path) {
-      return ErrorOf(tool::ExitCode::kCannotWrite, [&] {
-        const auto writer = create(path, {3, 2, 300, Form::kGray});
-        writer->WriteRows(kGray, 4, 2);
-        writer->Finish();
-      });
+      return ErrorOf(tool::ExitCode::kCannotWrite, [&] { write(path, {3, 2, 300, Form::kGray}, kGray, 4); });
     };
     EXPECT_EQ(errorOf("/no such folder/x").rfind("/no such folder/x: cannot be written", 0), 0u);
     EXPECT_EQ(errorOf("/dev/full").rfind("/dev/full: cannot be written", 0), 0u);

@@ -204,15 +204,16 @@ class PageDevice {
 void PrintPage(const tool::Rasteriser& rasteriser, PageSource& source, const PageForm& form, int page,
                tool::PageDocument& output) {
   using Pixels = tool::PictureForm::Pixels;
-  const auto picture =
-      output.StartPage({form.width, form.height, form.dpi, form.gray ? Pixels::kGray : Pixels::kColor}, {});
+  const tool::PictureForm pictureForm{form.width, form.height, form.dpi, form.gray ? Pixels::kGray : Pixels::kColor};
+  const auto picture = output.StartPage(pictureForm, {});
+  const auto encoder = tool::CreatePlainEncoder(pictureForm);
   PageDevice device(rasteriser, form, page);
   RowsBitmap bitmap(form);
   for (int top = 0; top < form.height; top += kBandRows) {
     const int rows = std::min(kBandRows, form.height - top);
     bitmap.Read(source, rows);
     device.Paint(bitmap, top, rows);
-    picture->WriteRows(device.band(), device.stride(), rows);
+    picture->Write(encoder->Encode({device.band(), device.stride(), top, rows}));
   }
   picture->Finish();
   fmt::print(stderr, "PAGE: {} 1\n", page);

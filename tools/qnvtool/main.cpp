@@ -36,12 +36,12 @@ int main(int argc, char** argv) {
                   .version = QNVTOOL_VERSION,
                   .commands = {PrintCommand({.openFonts = OpenFonts,
                                              .linked = LinkedRasteriser,
-                                             .output = {CreatePngFileWith, CreateDocument},
+                                             .output = {CreatePngFile, CreateDocument, CreateEncoder},
                                              .openPrinter = OpenIppPrinter,
                                              .decoders = {OpenPng, OpenJpeg, OpenTiff},
                                              .openDecoder = OpenIconvDecoder}),
                                MakePictureCommand()}};
-  for (Command& command : CallCommands({LinkedRasteriser, CreatePngFile, Gzip, ServeLocalPage})) {
+  for (Command& command : CallCommands({LinkedRasteriser, WritePngFile, Gzip, ServeLocalPage})) {
     program.commands.push_back(std::move(command));
   }
   return RunProgram(program, argc, argv);

@@ -19,7 +19,8 @@ using ServePage = void (*)(const std::string& page, uint16_t port,
 // What the commands need of the program.
 struct CallParts {
   std::function<Rasteriser()> linkedRasteriser;
-  std::function<std::unique_ptr<PictureWriter>(const std::string&, const PictureForm&)> createPng;
+  // Writes a picture that is in memory.
+  std::function<void(const std::string& path, const PictureForm&, const uint8_t* first, std::size_t stride)> writePng;
   std::function<std::vector<uint8_t>(const void* bytes, std::size_t count)> gzip;
   ServePage servePage = nullptr;  // may be absent
 };

@@ -11,6 +11,7 @@
 #include "qnvtool/calls/call_input.h"
 #include "qnvtool/calls/call_options.h"
 #include "qnvtool/calls/plane_picture.h"
+#include "qnvtool/output/row_encoder.h"
 
 namespace qnv::tool {
 namespace {
@@ -117,10 +118,11 @@ void Render(const RenderArguments& a, const CallParts& parts) {
   form.width = static_cast<int>(page.width);
   form.height = static_cast<int>(page.height);
   const auto write = [&](const std::string& path, const std::vector<uint8_t>& plane, std::size_t rowBytes) {
-    const auto writer =
-        FormatOf(path, "") == PictureFormat::kPng ? parts.createPng(path, form) : CreatePnmFile(path, form);
-    writer->WriteRows(plane.data(), rowBytes, form.height);
-    writer->Finish();
+    if (FormatOf(path, "") == PictureFormat::kPng) {
+      parts.writePng(path, form, plane.data(), rowBytes);
+    } else {
+      WritePnmFile(path, form, plane.data(), rowBytes);
+    }
   };
   write(a.out, page.pixels, static_cast<std::size_t>(page.width) * page.pixelBytes);
   if (a.tags.empty()) return;

@@ -25,9 +25,8 @@ void WriteDevicePicture(const calls::PlayedDevice& device, bool tags, const std:
   const PlaneSize size = SizeOf(device);
   const calls::GuardedPlane& plane = tags ? device.tags : device.band;
   if (size.width == 0 || size.height == 0 || plane.empty()) return;
-  const auto writer = parts.createPng(path, FormOf(device, tags, size));
-  writer->WriteRows(plane.data(), tags ? device.shape.TagStride() : device.shape.Stride(), size.height);
-  writer->Finish();
+  parts.writePng(path, FormOf(device, tags, size), plane.data(),
+                 tags ? device.shape.TagStride() : device.shape.Stride());
 }
 
 }  // namespace qnv::tool

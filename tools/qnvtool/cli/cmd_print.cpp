@@ -372,7 +372,8 @@ std::vector<Option> PrintOptionList(PrintArguments* arguments) {
        .completions = "color gray dual scaled: scaled-gray:"},
       {.names = "--band-rows",
        .placeholder = "N",
-       .help = "Rows of a band, 0 for whole pages (default 256). The picture does not depend on it",
+       .help = "Most rows that are painted at a time, 0 for whole pages (default: about half a megabyte). The files do "
+               "not depend on it",
        .value = WholeNumber{&options.bandRows, 0, 1000000},
        .group = device},
       {.names = "--library",

@@ -46,7 +46,7 @@ PrintJob::PrintJob(const PrintOptions& options, const PrintParts& parts, Workers
     : options_(options),
       workers_(workers),
       output_({options.out, options.tags, options.overlay}, options.format, options.device, parts.output,
-              options.compression, workers) {
+              options.compression) {
   CheckEncoding(options.text);
   rasteriser_ = ChooseRasteriser(options.library, parts);
   imposition_.emplace(OrientedPaper(options.paper, options.orientation), options.device.pageDpi, options.marginMm,
@@ -82,16 +82,24 @@ PrintJob::~PrintJob() = default;
 
 void PrintJob::Paint(const ProgressSink& progress) {
   int number = 0;  // of the sheet
-  BandPipeline pipeline(workers_, *rasteriser_, options_.device, options_.bandRows, [&](const PaintedBand& band) {
+  const auto deliver = [&](const PaintedBand& band, const EncodedBand& rows) {
     if (band.index == 0) {
-      output_.StartPage(*band.page, band.width, band.height);
+      output_.StartPage(*band.page, {band.width, band.height});
       ++number;
     }
-    output_.Write(band.view);
+    output_.Write(rows);
     progress(number, static_cast<double>(band.index + 1) / band.bands);
     ThrowIfInterrupted();
     if (band.index + 1 == band.bands) output_.FinishPage();
-  });
+  };
+  const auto begin = [&](const Page&, const PictureSize& size) -> PageWork {
+    const std::shared_ptr<const BandEncoder> encoder = output_.EncoderFor(size);
+    return {encoder->unit(), encoder->rowsAbove(), [&deliver, encoder](const PaintedBand& band) {
+              auto rows = std::make_shared<const EncodedBand>(encoder->Encode(band.view));
+              return [&deliver, band, rows] { deliver(band, *rows); };
+            }};
+  };
+  BandPipeline pipeline(workers_, *rasteriser_, options_.device, options_.bandRows, begin);
   for (Page sheet; pages_->Next(sheet);) pipeline.Print(std::move(sheet));
   pipeline.Finish();
   output_.Finish();

@@ -11,6 +11,7 @@
 #include "qnvtool/layout/picture_layout.h"
 #include "qnvtool/layout/text_document.h"
 #include "qnvtool/output/job_output.h"
+#include "qnvtool/paint/band_pipeline.h"
 #include "qnvtool/paint/device_choice.h"
 #include "qnvtool/paint/rasteriser.h"
 #include "qnvtool/text/font_shelf.h"
@@ -40,7 +41,7 @@ struct PrintOptions {
   int pagesOnSheet = 1;  // 1, 2, 4, 6 or 9
   int copies = 1;
   DeviceChoice device;
-  int bandRows = 256;  // 0: whole pages
+  int bandRows = kAutomaticBandRows;  // 0: whole pages
   PictureStyle pictures;
   FontNames fonts;
   double points = 11;

@@ -42,9 +42,51 @@ bool OutputParts::CanWrite(PictureFormat format) const {
          (documents.empty() || std::find(documents.begin(), documents.end(), format) != documents.end());
 }
 
+BandEncoder::BandEncoder(std::unique_ptr<RowEncoder> picture, std::unique_ptr<RowEncoder> tags,
+                         std::unique_ptr<RowEncoder> overlay)
+    : picture_(std::move(picture)), tags_(std::move(tags)), overlay_(std::move(overlay)) {
+  for (const auto* const encoder : {&picture_, &tags_, &overlay_}) {
+    if (*encoder == nullptr) continue;
+    unit_ = std::max(unit_, (*encoder)->unit());
+    rowsAbove_ = std::max(rowsAbove_, (*encoder)->rowsAbove());
+  }
+}
+
+EncodedBand BandEncoder::Encode(const BandView& band) const {
+  const PhaseTimer timer(Phase::kEncoding);
+  EncodedBand result;
+  result.picture = picture_->Encode({band.pixels, band.stride, band.top, band.rows});
+  if (tags_ != nullptr) result.tags = tags_->Encode({band.tags, band.tagStride, band.top, band.rows});
+  if (overlay_ != nullptr) result.overlay = EncodeOverlay(band);
+  return result;
+}
+
+// Mixes the pixels of images with the color that images have in the tag legend.
+EncodedRows BandEncoder::EncodeOverlay(const BandView& band) const {
+  const PictureForm& form = overlay_->form();
+  const auto width = static_cast<std::size_t>(form.width);
+  const std::size_t stride = DeviceRowSize(form);
+  const int above = std::min(overlay_->rowsAbove(), band.top);
+  std::vector<uint8_t> tinted;
+  for (int i = -above; i < band.rows; ++i) {
+    const uint8_t* const pixels = band.pixels + static_cast<std::ptrdiff_t>(band.stride) * i;
+    const uint8_t* const tags = band.tags + static_cast<std::ptrdiff_t>(band.tagStride) * i;
+    const std::size_t row = tinted.size();
+    tinted.insert(tinted.end(), pixels, pixels + stride);
+    for (std::size_t x = 0; x < width; ++x) {
+      if (tags[x] != QNV_TAG_IMAGE) continue;
+      for (std::size_t byte = 0; byte < 3; ++byte) {
+        uint8_t& value = tinted[row + x * 3 + byte];
+        value = static_cast<uint8_t>((value + (kTagImage >> 8 * byte & 0xFF) + 1) / 2);
+      }
+    }
+  }
+  return overlay_->Encode({tinted.data() + stride * static_cast<std::size_t>(above), stride, band.top, band.rows});
+}
+
 JobOutput::JobOutput(const PageNames& wanted, const std::string& format, const DeviceChoice& device,
-                     const OutputParts& parts, int compression, Workers& workers)
-    : device_(device), parts_(parts), compression_(compression), workers_(workers) {
+                     const OutputParts& parts, int compression)
+    : device_(device), parts_(parts), compression_(compression) {
   Choose(picture_, wanted.picture, format, device.isGray());
   for (const std::string& extra : {wanted.tags, wanted.overlay}) {
     if (extra.empty()) continue;
@@ -95,22 +137,38 @@ void JobOutput::Start(Kind& kind, const std::string& path, const PictureForm& fo
   if (kind.format == PictureFormat::kPnm) {
     kind.picture = CreatePnmFile(path, form);
   } else if (kind.format == PictureFormat::kPng) {
-    kind.picture = parts_.createPng(workers_, path, form);
+    kind.picture = parts_.createPng(path, form);
   } else {
     if (kind.document == nullptr) {
-      kind.document = parts_.createDocument(kind.format, path, static_cast<int>(names_.size()), workers_);
+      kind.document = parts_.createDocument(kind.format, path, static_cast<int>(names_.size()));
     }
     kind.picture = kind.document->StartPage(form, words);
   }
 }
 
-void JobOutput::StartPage(const Page& page, int width, int height) {
-  const PhaseTimer timer(Phase::kEncoding);
+PictureForm JobOutput::FormOf(const PictureSize& size) const {
   using Pixels = PictureForm::Pixels;
-  const PageNames& names = names_.at(next_++);
-  PictureForm form{width, height, device_.bandDpi, Pixels::kColor, compression_};
+  PictureForm form{size.width, size.height, device_.bandDpi, Pixels::kColor, compression_};
   if (device_.kind == DeviceChoice::Kind::kGray) form.pixels = Pixels::kGray;
   if (device_.kind == DeviceChoice::Kind::kScaledGray) form.pixels = Pixels::kGrayOf3;
+  return form;
+}
+
+std::shared_ptr<const BandEncoder> JobOutput::EncoderFor(const PictureSize& size) const {
+  const auto create = [&](const Kind& kind, const PictureForm& form) {
+    if (kind.wanted.empty()) return std::unique_ptr<RowEncoder>();
+    return kind.format == PictureFormat::kPnm ? CreatePlainEncoder(form) : parts_.createEncoder(kind.format, form);
+  };
+  const PictureForm form = FormOf(size);
+  PictureForm tags = form;
+  tags.pixels = PictureForm::Pixels::kTags;
+  return std::make_shared<const BandEncoder>(create(picture_, form), create(tags_, tags), create(overlay_, form));
+}
+
+void JobOutput::StartPage(const Page& page, const PictureSize& size) {
+  const PhaseTimer timer(Phase::kEncoding);
+  const PageNames& names = names_.at(next_++);
+  PictureForm form = FormOf(size);
   std::vector<PageWord> words;
   if (picture_.format == PictureFormat::kPdf) {
     words = WordsOf(page);
@@ -122,33 +180,15 @@ void JobOutput::StartPage(const Page& page, int width, int height) {
   }
   Start(picture_, names.picture, form, words);
   Start(overlay_, names.overlay, form, {});
-  form.pixels = Pixels::kTags;
+  form.pixels = PictureForm::Pixels::kTags;
   Start(tags_, names.tags, form, {});
-  width_ = static_cast<std::size_t>(width);
 }
 
-void JobOutput::Write(const BandView& band) {
+void JobOutput::Write(const EncodedBand& band) {
   const PhaseTimer timer(Phase::kEncoding);
-  picture_.picture->WriteRows(band.pixels, band.stride, band.rows);
-  if (tags_.picture != nullptr) tags_.picture->WriteRows(band.tags, band.tagStride, band.rows);
-  if (overlay_.picture != nullptr) WriteOverlay(band);
-}
-
-// Mixes the pixels of images with the color that images have in the tag legend.
-void JobOutput::WriteOverlay(const BandView& band) {
-  for (int i = 0; i < band.rows; ++i) {
-    const uint8_t* const pixels = band.pixels + static_cast<std::size_t>(i) * band.stride;
-    const uint8_t* const tags = band.tags + static_cast<std::size_t>(i) * band.tagStride;
-    tinted_.assign(pixels, pixels + width_ * 3);
-    for (std::size_t x = 0; x < width_; ++x) {
-      if (tags[x] != QNV_TAG_IMAGE) continue;
-      for (std::size_t byte = 0; byte < 3; ++byte) {
-        uint8_t& value = tinted_[x * 3 + byte];
-        value = static_cast<uint8_t>((value + (kTagImage >> 8 * byte & 0xFF) + 1) / 2);
-      }
-    }
-    overlay_.picture->WriteRows(tinted_.data(), tinted_.size(), 1);
-  }
+  picture_.picture->Write(band.picture);
+  if (tags_.picture != nullptr) tags_.picture->Write(band.tags);
+  if (overlay_.picture != nullptr) overlay_.picture->Write(band.overlay);
 }
 
 void JobOutput::FinishPage() {

@@ -21,7 +21,7 @@ constexpr int kFonts = 3;  // the dictionary of all fonts, which all pages refer
 
 class PdfDocument final : public PageDocument {
  public:
-  PdfDocument(const std::string& path, Workers& workers) : file_(path), workers_(workers) {
+  explicit PdfDocument(const std::string& path) : file_(path) {
     // The bytes of the comment show programs that the file is binary.
     Write("%PDF-1.4\n%\xE2\xE3\xCF\xD3\n");
   }
@@ -107,7 +107,6 @@ class PdfDocument final : public PageDocument {
   }
 
   OutputFile file_;
-  Workers& workers_;
   std::size_t position_ = 0;
   std::vector<std::size_t> offsets_ = {0, 0, 0, 0};  // of the objects, by number
   std::vector<int> pages_;
@@ -132,11 +131,10 @@ class PdfPicture final : public PictureWriter {
         form.width, form.height, ColorSpaceOf(form.pixels), form.pixels == PictureForm::Pixels::kColor ? 3 : 1,
         form.width, lengthObject_));
     begin_ = document_.position_;
-    data_.emplace(document_.workers_, form, document_.file_.path(),
-                  [this](const RowDeflate::Piece& piece) { document_.Write(piece.data(), piece.size()); });
+    data_.emplace([this](const std::vector<uint8_t>& piece) { document_.Write(piece.data(), piece.size()); });
   }
 
-  void WriteRows(const uint8_t* first, std::size_t stride, int rows) override { data_->WriteRows(first, stride, rows); }
+  void Write(const EncodedRows& rows) override { data_->Write(rows); }
 
   void Finish() override {
     data_->Finish();
@@ -149,7 +147,7 @@ class PdfPicture final : public PictureWriter {
   PdfDocument& document_;
   const int lengthObject_;
   std::size_t begin_ = 0;
-  std::optional<RowDeflate> data_;
+  std::optional<ZlibStream> data_;
 };
 
 std::unique_ptr<PictureWriter> PdfDocument::StartPage(const PictureForm& form, const std::vector<PageWord>& words) {
@@ -173,8 +171,6 @@ std::unique_ptr<PictureWriter> PdfDocument::StartPage(const PictureForm& form, c
 
 }  // namespace
 
-std::unique_ptr<PageDocument> CreatePdfFile(const std::string& path, Workers& workers) {
-  return std::make_unique<PdfDocument>(path, workers);
-}
+std::unique_ptr<PageDocument> CreatePdfFile(const std::string& path) { return std::make_unique<PdfDocument>(path); }
 
 }  // namespace qnv::tool

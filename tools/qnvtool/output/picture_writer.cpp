@@ -18,32 +18,31 @@ namespace {
 // A binary PNM file: a header in text, then the rows.
 class PnmWriter final : public PictureWriter {
  public:
-  PnmWriter(const std::string& path, const PictureForm& form) : file_(path), form_(form) {
+  PnmWriter(const std::string& path, const PictureForm& form) : file_(path) {
     const int kind = form.pixels == PictureForm::Pixels::kColor ? 6 : 5;
-    Write(fmt::format("P{}\n{} {}\n255\n", kind, form.width, form.height));
+    const std::string header = fmt::format("P{}\n{} {}\n255\n", kind, form.width, form.height);
+    file_.Write(header.data(), header.size());
   }
 
-  void WriteRows(const uint8_t* first, std::size_t stride, int rows) override {
-    for (int row = 0; row < rows; ++row) {
-      ConvertRow(form_, first + static_cast<std::size_t>(row) * stride, row_);
-      Write(row_);
-    }
+  void Write(const EncodedRows& rows) override {
+    for (const EncodedPiece& piece : rows) file_.Write(piece.bytes.data(), piece.bytes.size());
   }
 
   void Finish() override { file_.Close(); }
 
  private:
-  template <class Text>
-  void Write(const Text& bytes) {
-    file_.Write(bytes.data(), bytes.size());
-  }
-
   OutputFile file_;
-  const PictureForm form_;
-  std::vector<uint8_t> row_;
 };
 
 }  // namespace
+
+std::size_t FileRowSize(const PictureForm& form) {
+  return static_cast<std::size_t>(form.width) * (form.pixels == PictureForm::Pixels::kColor ? 3 : 1);
+}
+
+std::size_t DeviceRowSize(const PictureForm& form) {
+  return FileRowSize(form) * (form.pixels == PictureForm::Pixels::kGrayOf3 ? 3 : 1);
+}
 
 void ConvertRow(const PictureForm& form, const uint8_t* row, std::vector<uint8_t>& result) {
   const auto width = static_cast<std::size_t>(form.width);

@@ -1,4 +1,4 @@
-// Picture files, written row by row as the bands are finished. A file gets its name when it is complete.
+// Picture files, written part by part as the bands are finished. A file gets its name when it is complete.
 #pragma once
 
 #include <cstdint>
@@ -33,16 +33,29 @@ inline constexpr uint32_t kTagTextCell = 0xF2C300;
 inline constexpr uint32_t kTagGraphics = 0xE8EEF4;
 inline constexpr uint32_t kTagImage = 0xC8102E;
 
+// A piece of what a file holds of its rows, as the RowEncoder of the format makes it.
+struct EncodedPiece {
+  std::vector<uint8_t> bytes;
+  uint32_t checksum = 0;  // in zlib streams: Adler-32 of what was compressed
+  std::size_t size = 0;   // of the same, bytes
+};
+
+using EncodedRows = std::vector<EncodedPiece>;
+
 class PictureWriter {
  public:
   virtual ~PictureWriter() = default;
 
-  // The next `rows` rows of the picture. Throws ToolError (cannot write).
-  virtual void WriteRows(const uint8_t* first, std::size_t stride, int rows) = 0;
+  // The next rows of the picture. Throws ToolError (cannot write).
+  virtual void Write(const EncodedRows& rows) = 0;
 
   // Ends the file. A file that is not finished is removed. Throws ToolError (cannot write).
   virtual void Finish() = 0;
 };
+
+// Bytes of a row in the byte order of files, and of the same row as devices have it.
+std::size_t FileRowSize(const PictureForm& form);
+std::size_t DeviceRowSize(const PictureForm& form);
 
 // Converts a row to the byte order of files: red, green, blue, or one byte a pixel.
 void ConvertRow(const PictureForm& form, const uint8_t* row, std::vector<uint8_t>& result);

@@ -22,15 +22,12 @@ void AppendBig32(Buffer& buffer, uint32_t value) {
 
 class PngWriter final : public PictureWriter {
  public:
-  // `workers`: null for threads of its own, one for each core.
-  PngWriter(Workers* workers, const std::string& path, const PictureForm& form) : file_(path), form_(form) {
-    if (workers == nullptr) workers = &ownWorkers_.emplace(CoreCount());
+  PngWriter(const std::string& path, const PictureForm& form) : file_(path), form_(form) {
     WriteHeader();
-    data_ = std::make_unique<RowDeflate>(*workers, form, file_.path(),
-                                         [this](const Buffer& piece) { WriteChunk("IDAT", piece); });
+    data_.emplace([this](const Buffer& piece) { WriteChunk("IDAT", piece); });
   }
 
-  void WriteRows(const uint8_t* first, std::size_t stride, int rows) override { data_->WriteRows(first, stride, rows); }
+  void Write(const EncodedRows& rows) override { data_->Write(rows); }
 
   void Finish() override {
     data_->Finish();
@@ -39,8 +36,6 @@ class PngWriter final : public PictureWriter {
   }
 
  private:
-  void Write(const Buffer& bytes) { file_.Write(bytes.data(), bytes.size()); }
-
   // A chunk: length, type, data, checksum.
   void WriteChunk(const char (&type)[5], const Buffer& data) {
     Buffer chunk;
@@ -49,11 +44,12 @@ class PngWriter final : public PictureWriter {
     chunk.insert(chunk.end(), type, type + 4);
     chunk.insert(chunk.end(), data.begin(), data.end());
     AppendBig32(chunk, static_cast<uint32_t>(crc32(0, chunk.data() + 4, static_cast<uInt>(data.size() + 4))));
-    Write(chunk);
+    file_.Write(chunk.data(), chunk.size());
   }
 
   void WriteHeader() {
-    Write({0x89, 'P', 'N', 'G', '\r', '\n', 0x1A, '\n'});
+    constexpr uint8_t kSignature[] = {0x89, 'P', 'N', 'G', '\r', '\n', 0x1A, '\n'};
+    file_.Write(kSignature, sizeof kSignature);
     constexpr uint8_t kGray = 0, kColor = 2, kPalette = 3;
     const bool tags = form_.pixels == PictureForm::Pixels::kTags;
     Buffer header;
@@ -89,18 +85,18 @@ class PngWriter final : public PictureWriter {
 
   OutputFile file_;
   const PictureForm form_;
-  std::optional<Workers> ownWorkers_;
-  std::unique_ptr<RowDeflate> data_;
+  std::optional<ZlibStream> data_;
 };
 
 }  // namespace
 
 std::unique_ptr<PictureWriter> CreatePngFile(const std::string& path, const PictureForm& form) {
-  return std::make_unique<PngWriter>(nullptr, path, form);
+  return std::make_unique<PngWriter>(path, form);
 }
 
-std::unique_ptr<PictureWriter> CreatePngFileWith(Workers& workers, const std::string& path, const PictureForm& form) {
-  return std::make_unique<PngWriter>(&workers, path, form);
+void WritePngFile(const std::string& path, const PictureForm& form, const uint8_t* first, std::size_t stride) {
+  Workers workers(CoreCount());
+  WritePicture(workers, *CreateDeflateEncoder(form), first, stride, *CreatePngFile(path, form));
 }
 
 }  // namespace qnv::tool

@@ -89,17 +89,21 @@ cups_page_header2_t HeaderOf(const PictureForm& form, int pages) {
 
 class RasterPicture final : public PictureWriter {
  public:
-  RasterPicture(RasterDocument& document, const PictureForm& form) : document_(document), form_(form) {
+  RasterPicture(RasterDocument& document, const PictureForm& form)
+      : document_(document), rowSize_(FileRowSize(form)), row_(rowSize_) {
     cups_page_header2_t header = HeaderOf(form, document.pages_);
     if (header.cupsWidth == 0) CannotWrite(document_.file_.path(), "the page has no size that raster files can name");
     document_.Check(cupsRasterWriteHeader2(document_.raster_, &header) != 0);
   }
 
-  void WriteRows(const uint8_t* first, std::size_t stride, int rows) override {
-    for (int row = 0; row < rows; ++row) {
-      ConvertRow(form_, first + static_cast<std::size_t>(row) * stride, row_);
-      const auto size = static_cast<unsigned>(row_.size());
-      document_.Check(cupsRasterWritePixels(document_.raster_, row_.data(), size) == size);
+  void Write(const EncodedRows& rows) override {
+    for (const EncodedPiece& piece : rows) {
+      for (std::size_t at = 0; at < piece.bytes.size(); at += rowSize_) {
+        // libcups takes rows that may be changed.
+        std::memcpy(row_.data(), piece.bytes.data() + at, rowSize_);
+        const auto size = static_cast<unsigned>(rowSize_);
+        document_.Check(cupsRasterWritePixels(document_.raster_, row_.data(), size) == size);
+      }
     }
   }
 
@@ -107,7 +111,7 @@ class RasterPicture final : public PictureWriter {
 
  private:
   RasterDocument& document_;
-  const PictureForm form_;
+  const std::size_t rowSize_;
   std::vector<uint8_t> row_;
 };
 

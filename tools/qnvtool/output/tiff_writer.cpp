@@ -1,17 +1,19 @@
-// Writes TIFF files through libtiff. The strips are compressed here, by several threads at the same time.
+// Writes TIFF files through libtiff. The strips are compressed here, by any thread.
 #include <tiffio.h>
 #include <zlib.h>
 
+#include <algorithm>
 #include <array>
+#include <bit>
 #include <cerrno>
 #include <cstdarg>
 #include <cstdio>
 #include <cstring>
 #include <mutex>
+#include <new>
 #include <string>
 #include <vector>
 
-#include "qnvtool/base/ordered_tasks.h"
 #include "qnvtool/base/output_file.h"
 #include "qnvtool/base/phase_times.h"
 #include "qnvtool/output/documents.h"
@@ -69,36 +71,53 @@ void KeepMessage(thandle_t handle, const char*, const char* format, va_list argu
   StreamOf(handle).message = text.data();
 }
 
-// Rows as the file has them: each byte but the first ones of a row as its difference from the pixel before.
-struct Strip {
-  Buffer rows;
-  std::size_t rowSize = 0;
-  std::size_t step = 1;  // bytes of a pixel
-  bool predicted = true;
-  int level = kDeflateLevel;
-};
+// Each strip is a zlib stream. In predicted ones each byte but the first ones of a row is its difference from the pixel
+// before.
+class StripEncoder final : public RowEncoder {
+ public:
+  explicit StripEncoder(const PictureForm& form)
+      : RowEncoder(form),
+        unit_(static_cast<int>(std::bit_floor(std::max<std::size_t>(kStripBytes / FileRowSize(form), 1)))) {}
 
-// The zlib stream of a strip; empty when there is no memory.
-Buffer Compress(Strip strip) {
-  if (strip.predicted) {
-    for (std::size_t row = 0; row < strip.rows.size(); row += strip.rowSize) {
-      for (std::size_t i = strip.rowSize; i-- > strip.step;) {
-        uint8_t& value = strip.rows[row + i];
-        value = static_cast<uint8_t>(value - strip.rows[row + i - strip.step]);
-      }
+  int unit() const override { return unit_; }
+  int rowsAbove() const override { return 0; }
+  bool isPredicted() const { return form_.pixels != PictureForm::Pixels::kTags; }
+
+  EncodedRows Encode(const PictureRowsView& view) const override {
+    EncodedRows strips;
+    for (int row = 0; row < view.rows; row += unit_) {
+      strips.push_back({Compress(view, row, std::min(row + unit_, view.rows)), 0, 0});
     }
+    return strips;
   }
-  uLongf size = compressBound(static_cast<uLong>(strip.rows.size()));
-  Buffer result(size);
-  const int status =
-      compress2(result.data(), &size, strip.rows.data(), static_cast<uLong>(strip.rows.size()), strip.level);
-  result.resize(status == Z_OK ? size : 0);
-  return result;
-}
+
+ private:
+  Buffer Compress(const PictureRowsView& view, int begin, int end) const {
+    thread_local Buffer rows, row, compressed;  // fresh memory for every strip costs time
+    rows.clear();
+    const std::size_t step = form_.pixels == PictureForm::Pixels::kColor ? 3 : 1;  // bytes of a pixel
+    for (int i = begin; i < end; ++i) {
+      ConvertRow(form_, view.Row(i), row);
+      for (std::size_t at = row.size(); isPredicted() && at-- > step;) {
+        row[at] = static_cast<uint8_t>(row[at] - row[at - step]);
+      }
+      rows.insert(rows.end(), row.begin(), row.end());
+    }
+    uLongf size = compressBound(static_cast<uLong>(rows.size()));
+    compressed.resize(size);
+    const int level = form_.compression == kDefaultCompression ? kDeflateLevel : form_.compression;
+    if (compress2(compressed.data(), &size, rows.data(), static_cast<uLong>(rows.size()), level) != Z_OK) {
+      throw std::bad_alloc();
+    }
+    return {compressed.begin(), compressed.begin() + static_cast<std::ptrdiff_t>(size)};
+  }
+
+  const int unit_;
+};
 
 class TiffDocument final : public PageDocument {
  public:
-  TiffDocument(const std::string& path, int pages, Workers& workers) : file_(path), pages_(pages), workers_(workers) {
+  TiffDocument(const std::string& path, int pages) : file_(path), pages_(pages) {
     if (!file_.isSeekable()) {
       copied_ = std::tmpfile();  // libtiff goes back to earlier places
       if (copied_ == nullptr) file_.Fail();
@@ -154,7 +173,6 @@ class TiffDocument final : public PageDocument {
 
   OutputFile file_;
   const int pages_;
-  Workers& workers_;
   int started_ = 0;
   std::FILE* copied_ = nullptr;  // where the file itself is not seekable
   TiffStream stream_;
@@ -163,26 +181,19 @@ class TiffDocument final : public PageDocument {
 
 class TiffPicture final : public PictureWriter {
  public:
-  TiffPicture(TiffDocument& document, const PictureForm& form)
-      : document_(document),
-        form_(form),
-        tasks_(document.workers_, document.workers_.count(), [this](Buffer strip) { WriteStrip(std::move(strip)); }) {
+  TiffPicture(TiffDocument& document, const PictureForm& form) : document_(document) {
     const bool color = form.pixels == PictureForm::Pixels::kColor;
-    strip_.step = color ? 3 : 1;
-    strip_.rowSize = static_cast<std::size_t>(form.width) * strip_.step;
-    strip_.predicted = form.pixels != PictureForm::Pixels::kTags;
-    if (form.compression != kDefaultCompression) strip_.level = form.compression;
-    rowsOfStrip_ = std::max<std::size_t>(kStripBytes / strip_.rowSize, 1);
+    const StripEncoder encoder(form);
     TIFF* const tiff = document.tiff_;
     TIFFSetField(tiff, TIFFTAG_IMAGEWIDTH, static_cast<uint32_t>(form.width));
     TIFFSetField(tiff, TIFFTAG_IMAGELENGTH, static_cast<uint32_t>(form.height));
     TIFFSetField(tiff, TIFFTAG_BITSPERSAMPLE, 8);
     TIFFSetField(tiff, TIFFTAG_SAMPLESPERPIXEL, color ? 3 : 1);
     TIFFSetField(tiff, TIFFTAG_COMPRESSION, COMPRESSION_ADOBE_DEFLATE);
-    TIFFSetField(tiff, TIFFTAG_PREDICTOR, strip_.predicted ? PREDICTOR_HORIZONTAL : PREDICTOR_NONE);
+    TIFFSetField(tiff, TIFFTAG_PREDICTOR, encoder.isPredicted() ? PREDICTOR_HORIZONTAL : PREDICTOR_NONE);
     TIFFSetField(tiff, TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG);
     TIFFSetField(tiff, TIFFTAG_ORIENTATION, ORIENTATION_TOPLEFT);
-    TIFFSetField(tiff, TIFFTAG_ROWSPERSTRIP, static_cast<uint32_t>(rowsOfStrip_));
+    TIFFSetField(tiff, TIFFTAG_ROWSPERSTRIP, static_cast<uint32_t>(encoder.unit()));
     TIFFSetField(tiff, TIFFTAG_RESOLUTIONUNIT, RESUNIT_INCH);
     TIFFSetField(tiff, TIFFTAG_XRESOLUTION, static_cast<double>(form.dpi));
     TIFFSetField(tiff, TIFFTAG_YRESOLUTION, static_cast<double>(form.dpi));
@@ -195,17 +206,15 @@ class TiffPicture final : public PictureWriter {
     }
   }
 
-  void WriteRows(const uint8_t* first, std::size_t stride, int rows) override {
-    for (int row = 0; row < rows; ++row) {
-      ConvertRow(form_, first + static_cast<std::size_t>(row) * stride, row_);
-      strip_.rows.insert(strip_.rows.end(), row_.begin(), row_.end());
-      if (strip_.rows.size() == rowsOfStrip_ * strip_.rowSize) StartStrip();
+  void Write(const EncodedRows& rows) override {
+    const PhaseTimer timer(Phase::kWriting);
+    for (EncodedPiece strip : rows) {  // libtiff takes bytes that may be changed
+      const auto size = static_cast<tmsize_t>(strip.bytes.size());
+      document_.Check(TIFFWriteRawStrip(document_.tiff_, strips_++, strip.bytes.data(), size) == size);
     }
   }
 
   void Finish() override {
-    if (!strip_.rows.empty()) StartStrip();
-    tasks_.Finish();
     const PhaseTimer timer(Phase::kWriting);
     document_.Check(TIFFWriteDirectory(document_.tiff_) == 1);
   }
@@ -224,29 +233,8 @@ class TiffPicture final : public PictureWriter {
     TIFFSetField(document_.tiff_, TIFFTAG_COLORMAP, map[0].data(), map[1].data(), map[2].data());
   }
 
-  void StartStrip() {
-    Strip strip = strip_;
-    strip_.rows.clear();
-    tasks_.Start([strip = std::move(strip)] {
-      const PhaseTimer timer(Phase::kEncoding);
-      return Compress(strip);
-    });
-  }
-
-  void WriteStrip(Buffer strip) {
-    if (strip.empty()) CannotWrite(document_.file_.path(), "no memory");
-    const PhaseTimer timer(Phase::kWriting);
-    const auto size = static_cast<tmsize_t>(strip.size());
-    document_.Check(TIFFWriteRawStrip(document_.tiff_, strips_++, strip.data(), size) == size);
-  }
-
   TiffDocument& document_;
-  const PictureForm form_;
-  std::size_t rowsOfStrip_ = 0;
-  Buffer row_;
-  Strip strip_;          // being filled
   uint32_t strips_ = 0;  // written
-  OrderedTasks<Buffer> tasks_;
 };
 
 std::unique_ptr<PictureWriter> TiffDocument::StartPage(const PictureForm& form, const std::vector<PageWord>&) {
@@ -255,8 +243,10 @@ std::unique_ptr<PictureWriter> TiffDocument::StartPage(const PictureForm& form, 
 
 }  // namespace
 
-std::unique_ptr<PageDocument> CreateTiffFile(const std::string& path, int pages, Workers& workers) {
-  return std::make_unique<TiffDocument>(path, pages, workers);
+std::unique_ptr<PageDocument> CreateTiffFile(const std::string& path, int pages) {
+  return std::make_unique<TiffDocument>(path, pages);
 }
+
+std::unique_ptr<RowEncoder> CreateStripEncoder(const PictureForm& form) { return std::make_unique<StripEncoder>(form); }
 
 }  // namespace qnv::tool

@@ -25,28 +25,43 @@ DeviceDescription Describe(const DeviceChoice& device, int width, int height) {
   return description;
 }
 
+// Band rows after which a band row is a page row exactly again; 0 where all are.
+int GuardRows(const DeviceChoice& device) {
+  return device.isScaled() ? device.bandDpi / std::gcd(device.pageDpi, device.bandDpi) : 0;
+}
+
+std::size_t StrideOf(const DeviceChoice& device, std::size_t width) {
+  return (width * static_cast<std::size_t>(device.bandBytesPerPixel()) + 3) & ~std::size_t{3};
+}
+
 }  // namespace
 
-BandPrinter::BandPrinter(const Rasteriser& rasteriser, const DeviceChoice& device, int pageWidth, int pageHeight,
-                         int bandRows)
-    : rasteriser_(rasteriser), device_(device) {
-  const bool dual = device.kind == DeviceChoice::Kind::kDual;
+PictureSize PictureSizeOf(const Rasteriser& rasteriser, const DeviceChoice& device, int pageWidth, int pageHeight) {
   DeviceDescription description = Describe(device, pageWidth, pageHeight);
-  if (dual) description.kind = QNV_KIND_DUAL_PLANE;
+  if (device.kind == DeviceChoice::Kind::kDual) description.kind = QNV_KIND_DUAL_PLANE;
   DeviceSize size{};
-  if (rasteriser_.getDeviceInfo(&description, &size) != sizeof size) {
+  if (rasteriser.getDeviceInfo(&description, &size) != sizeof size) {
     throw ToolError(ExitCode::kLibrary, fmt::format("--device {}: the library does not have this device", device.name));
   }
-  if (device.isScaled()) guard_ = device.bandDpi / std::gcd(device.pageDpi, device.bandDpi);
-  const auto tooLarge = [&](uint32_t side) { return side == 0 || side > uint32_t{kMaxSide} - 2 * uint32_t(guard_); };
-  stride_ = (std::size_t{size.width} * static_cast<std::size_t>(device.bandBytesPerPixel()) + 3) & ~std::size_t{3};
-  if (tooLarge(size.width) || tooLarge(size.height) || stride_ > kMaxStride) {
+  const auto tooLarge = [&](uint32_t side) {
+    return side == 0 || side > uint32_t{kMaxSide} - 2 * static_cast<uint32_t>(GuardRows(device));
+  };
+  if (tooLarge(size.width) || tooLarge(size.height) || StrideOf(device, size.width) > kMaxStride) {
     throw ToolError(ExitCode::kUsage, fmt::format("the page would have {} x {} pixels, which is too large for --device "
                                                   "{}",
                                                   size.width, size.height, device.name));
   }
-  width_ = static_cast<int>(size.width);
-  height_ = static_cast<int>(size.height);
+  return {static_cast<int>(size.width), static_cast<int>(size.height)};
+}
+
+BandPrinter::BandPrinter(const Rasteriser& rasteriser, const DeviceChoice& device, int pageWidth, int pageHeight,
+                         int bandRows)
+    : rasteriser_(rasteriser), device_(device), guard_(GuardRows(device)) {
+  const PictureSize size = PictureSizeOf(rasteriser, device, pageWidth, pageHeight);
+  const bool dual = device.kind == DeviceChoice::Kind::kDual;
+  width_ = size.width;
+  height_ = size.height;
+  stride_ = StrideOf(device, static_cast<std::size_t>(width_));
   bandRows_ = bandRows <= 0 ? height_ : std::min(bandRows, height_);
   const std::size_t rows = static_cast<std::size_t>(bandRows_) + 2 * static_cast<std::size_t>(guard_);
   band_.resize(stride_ * rows);
@@ -82,26 +97,25 @@ void BandPrinter::Control(uint32_t code, const void* data) const {
 // Every item of the page is painted into every band that it touches.
 void BandPrinter::Print(const Page& page, const Sink& sink) {
   const PagePainter painter(rasteriser_, handle_, device_, page);
-  for (int index = 0; index < bands(); ++index) sink(PrintBand(painter, index));
+  for (int top = 0; top < height_; top += bandRows_) {
+    sink(PrintRows(painter, top, std::min(bandRows_, height_ - top)));
+  }
 }
 
-Rect BandPrinter::ViewOf(int index) const {
-  const int top = index * bandRows_;
-  const Extent extent = ExtentOf(top, std::min(bandRows_, height_ - top));
+Rect BandPrinter::ViewOf(int top, int rows) const {
+  const Extent extent = ExtentOf(top, rows);
   const auto onPage = [&](int value) { return ScaleRounded(value, device_.pageDpi, device_.bandDpi); };
   return {0, onPage(extent.top), onPage(width_), onPage(extent.bottom)};
 }
 
-BandView BandPrinter::PrintBand(const PagePainter& page, int index) {
-  const int top = index * bandRows_;
-  const int rows = std::min(bandRows_, height_ - top);
+BandView BandPrinter::PrintRows(const PagePainter& page, int top, int rows) {
   const Extent extent = ExtentOf(top, rows);
   const DrawingOrigin origin{0, 0};
   const BandRect rect{0, extent.top, width_, extent.bottom};
   Control(QNV_SET_ORIGIN, &origin);
   Control(QNV_SET_BAND_RECT, &rect);
   Control(QNV_CLEAR_BAND, nullptr);
-  page.Paint(handle_, ViewOf(index));
+  page.Paint(handle_, ViewOf(top, rows));
   const std::size_t skipped = static_cast<std::size_t>(top - extent.top);  // rows above the band proper
   return {top,
           rows,

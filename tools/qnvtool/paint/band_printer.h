@@ -12,7 +12,17 @@
 
 namespace qnv::tool {
 
-// A finished band, in pixels of the picture. The memory is valid during the call of the sink only.
+// The size of the picture of a page, in pixels of the device.
+struct PictureSize {
+  int width = 0;
+  int height = 0;
+};
+
+// Throws ToolError: library when it does not make such a device, usage when a page of pageWidth x pageHeight pixels at
+// device.pageDpi is too large for it.
+PictureSize PictureSizeOf(const Rasteriser& rasteriser, const DeviceChoice& device, int pageWidth, int pageHeight);
+
+// Painted rows, in pixels of the picture.
 struct BandView {
   int top = 0;
   int rows = 0;
@@ -27,8 +37,7 @@ class BandPrinter {
   using Sink = std::function<void(const BandView&)>;
 
   // For pages of pageWidth x pageHeight pixels at device.pageDpi. `bandRows` counts rows of the picture, 0 or more
-  // than the page means the whole page. Throws ToolError: library when it does not make such a device, usage when
-  // the page is too large for it.
+  // than the page means the whole page. Throws ToolError as PictureSizeOf does.
   BandPrinter(const Rasteriser& rasteriser, const DeviceChoice& device, int pageWidth, int pageHeight, int bandRows);
   ~BandPrinter();
   BandPrinter(const BandPrinter&) = delete;
@@ -36,9 +45,7 @@ class BandPrinter {
 
   int width() const { return width_; }  // of the picture, pixels
   int height() const { return height_; }
-  int bands() const { return (height_ + bandRows_ - 1) / bandRows_; }
-
-  std::size_t bandBytes() const { return band_.size() + tags_.size(); }
+  int bandRows() const { return bandRows_; }
 
   // Paints a page and passes its bands to `sink`, from the top of the page to the bottom.
   void Print(const Page& page, const Sink& sink);
@@ -46,11 +53,11 @@ class BandPrinter {
   // For preparing a PagePainter.
   DeviceHandle* device() const { return handle_; }
 
-  // The page rows that band `index` shows.
-  Rect ViewOf(int index) const;
+  // The page rows that rows of the picture show.
+  Rect ViewOf(int top, int rows) const;
 
-  // Paints a band. The result is valid until the next call.
-  BandView PrintBand(const PagePainter& page, int index);
+  // Paints as many rows as a band has, or fewer. The result is valid until the next call.
+  BandView PrintRows(const PagePainter& page, int top, int rows);
 
  private:
   // Rows of the picture that the memory holds for a band; the sink gets those in the middle.
@@ -65,10 +72,10 @@ class BandPrinter {
 
   const Rasteriser rasteriser_;
   const DeviceChoice device_;
+  const int guard_;  // rows that the memory of a band may have above and below it
   int width_ = 0;
   int height_ = 0;
   int bandRows_ = 0;
-  int guard_ = 0;  // band rows after which a band row is a page row exactly again; 0 where all are
   std::size_t stride_ = 0;
   std::size_t tagStride_ = 0;
   std::vector<uint8_t> band_;

@@ -9,6 +9,7 @@
 #include "qnvtool/output/documents.h"
 #include "qnvtool/output/gzip.h"
 #include "qnvtool/output/png_writer.h"
+#include "qnvtool/output/row_deflate.h"
 #include "qnvtool/windows/gdi_font.h"
 
 namespace qnv::tool {
@@ -20,8 +21,13 @@ FontShelf OpenFonts(const PrintOptions& options, int dpi, NoteSink note) {
   });
 }
 
-std::unique_ptr<PageDocument> CreatePdfDocument(PictureFormat, const std::string& path, int, Workers& workers) {
-  return CreatePdfFile(path, workers);
+std::unique_ptr<PageDocument> CreatePdfDocument(PictureFormat, const std::string& path, int) {
+  return CreatePdfFile(path);
+}
+
+// Both formats compress alike.
+std::unique_ptr<RowEncoder> CreatePngOrPdfEncoder(PictureFormat, const PictureForm& form) {
+  return CreateDeflateEncoder(form);
 }
 
 }  // namespace
@@ -34,11 +40,12 @@ int main(int argc, char** argv) {
                   .version = QNVTOOL_VERSION,
                   .commands = {PrintCommand({.openFonts = OpenFonts,
                                              .linked = LinkedRasteriser,
-                                             .output = {.createPng = CreatePngFileWith,
+                                             .output = {.createPng = CreatePngFile,
                                                         .createDocument = CreatePdfDocument,
+                                                        .createEncoder = CreatePngOrPdfEncoder,
                                                         .documents = {PictureFormat::kPdf}}}),
                                MakePictureCommand()}};
-  for (Command& command : CallCommands({LinkedRasteriser, CreatePngFile, Gzip})) {
+  for (Command& command : CallCommands({LinkedRasteriser, WritePngFile, Gzip})) {
     program.commands.push_back(std::move(command));
   }
   return RunProgram(program, argc, argv);
