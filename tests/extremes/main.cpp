@@ -9,6 +9,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <vector>
 
 #include "extremes/stage.h"
 
@@ -133,9 +134,12 @@ class Runner {
     painting_ += paints ? 1 : 0;
     if (options_.verbose && !paints) std::printf("begins with a call that paints nothing:\n");
     const BandRect band = stage.BandOf(Values(CommonFields(stage.device())));
+    std::vector<std::vector<int64_t>> extremes;
+    for (const Field& field : scene.fields) {
+      extremes.push_back(field.bits == 0 ? std::vector<int64_t>{} : ExtremesOf(field, band));
+    }
     for (std::size_t i = 0; i < scene.fields.size(); ++i) {
-      if (scene.fields[i].bits == 0) continue;
-      for (int64_t value : ExtremesOf(scene.fields[i], band)) {
+      for (int64_t value : extremes[i]) {
         values.Set(i, value);
         current.changes[0] = {&scene.fields[i], value};
         if (!options_.pairs) {
@@ -143,8 +147,7 @@ class Runner {
           continue;
         }
         for (std::size_t j = i + 1; j < scene.fields.size(); ++j) {
-          if (scene.fields[j].bits == 0) continue;
-          for (int64_t other : ExtremesOf(scene.fields[j], band)) {
+          for (int64_t other : extremes[j]) {
             if (pair_++ % options_.shares != options_.share) continue;
             values.Set(j, other);
             current.changes[1] = {&scene.fields[j], other};
