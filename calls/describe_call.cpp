@@ -270,19 +270,4 @@ std::string DescribeCall(std::size_t number, const StoredCall& call, const std::
   return line + Text(" [", call.nanoseconds, " ns]");
 }
 
-std::string JsonText(const std::string& text) {
-  std::string quoted = "\"";
-  for (const char c : text) {
-    if (c == '"' || c == '\\') {
-      quoted += '\\';
-      quoted += c;
-    } else if (static_cast<unsigned char>(c) < 0x20) {
-      quoted += Text("\\u", Hex{static_cast<unsigned char>(c), 4, false});
-    } else {
-      quoted += c;
-    }
-  }
-  return quoted + "\"";
-}
-
 }  // namespace qnv::calls

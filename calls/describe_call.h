@@ -25,7 +25,4 @@ std::string DescribeCall(std::size_t number, const StoredCall& call, const std::
 std::string RasterCodeName(uint32_t rop);
 std::string Rop2Name(int rop2);
 
-// `text` between quotes, as JSON takes it.
-std::string JsonText(const std::string& text);
-
 }  // namespace qnv::calls

@@ -12,6 +12,7 @@ mode=${1:-check}
 demo_packages=(
   cmake ninja-build g++ pkg-config
   libpng-dev libjpeg-dev libtiff-dev libcups2-dev libfreetype-dev libfontconfig-dev libcli11-dev libfmt-dev
+  nlohmann-json3-dev
   libzstd-dev libharfbuzz-dev libfribidi-dev libunibreak-dev libmicrohttpd-dev
   fontconfig fonts-dejavu-core fonts-liberation2
 )

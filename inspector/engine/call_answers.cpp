@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "calls/describe_call.h"
 #include "calls/memory_reads.h"
 #include "inspector/engine/call_parts.h"
 #include "inspector/engine/inspector.h"

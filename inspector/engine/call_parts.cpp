@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "calls/describe_call.h"
 #include "calls/memory_reads.h"
 #include "calls/raster_formula.h"
 

@@ -7,7 +7,7 @@
 #include <utility>
 #include <vector>
 
-#include "calls/describe_call.h"
+#include "calls/json_text.h"
 #include "calls/text.h"
 
 namespace qnv::inspector {
@@ -49,14 +49,14 @@ class JsonWriter {
   JsonWriter& EndList() { return End(']'); }
   JsonWriter& Name(std::string_view name) {
     Separate();
-    out_ += calls::JsonText(std::string(name));
+    out_ += calls::JsonText(name);
     out_ += ':';
     first_ = true;
     return *this;
   }
   JsonWriter& Value(std::string_view text) {
     Separate();
-    out_ += calls::JsonText(std::string(text));
+    out_ += calls::JsonText(text);
     return *this;
   }
   JsonWriter& Value(const char* text) { return Value(std::string_view(text)); }

@@ -3,6 +3,7 @@
 #include <cstdlib>
 #include <limits>
 
+#include "calls/describe_call.h"
 #include "calls/memory_reads.h"
 #include "inspector/engine/inspector.h"
 

@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "calls/call_difference.h"
+#include "calls/describe_call.h"
 #include "calls/text.h"
 #include "inspector/engine/inspector.h"
 

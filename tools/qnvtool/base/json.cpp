@@ -1,209 +1,134 @@
-// Reads JSON strictly: no comments, no trailing commas, no repeated names.
+// Reads JSON with the parser of nlohmann-json. It is asked for events, because its own values drop what is needed here:
+// repeated names, and numbers as they are written.
 #include "qnvtool/base/json.h"
 
 #include <fmt/core.h>
 
 #include <algorithm>
+#include <nlohmann/json.hpp>
 #include <utility>
 
 namespace qnv::tool {
 namespace {
 
-constexpr int kMaxDepth = 32;
+using Library = nlohmann::json;
 
-bool IsDigit(char c) { return c >= '0' && c <= '9'; }
+constexpr std::size_t kMaxDepth = 32;
 
-void AppendUtf8(char32_t code, std::string& text) {
-  const auto append = [&](char32_t byte) { text += static_cast<char>(static_cast<unsigned char>(byte)); };
-  if (code < 0x80) {
-    append(code);
-  } else if (code < 0x800) {
-    append(0xC0 | code >> 6);
-    append(0x80 | (code & 0x3F));
-  } else if (code < 0x10000) {
-    append(0xE0 | code >> 12);
-    append(0x80 | (code >> 6 & 0x3F));
-    append(0x80 | (code & 0x3F));
-  } else {
-    append(0xF0 | code >> 18);
-    append(0x80 | (code >> 12 & 0x3F));
-    append(0x80 | (code >> 6 & 0x3F));
-    append(0x80 | (code & 0x3F));
-  }
+// The parser refuses bytes that are no UTF-8, but names of files may hold any. So it gets every byte from 0x80 on as
+// one of the last characters of Unicode, U+10FF80 to U+10FFFF, which have no meaning and these four bytes:
+std::string Hidden(char c) {
+  const auto byte = static_cast<unsigned char>(c);
+  return {'\xF4', '\x8F', static_cast<char>(0xBC | byte >> 6), static_cast<char>(0x80 | (byte & 0x3F))};
 }
 
-// Every function returns false after a mistake, which error_ tells.
-class Parser {
- public:
-  explicit Parser(std::string_view text) : text_(text) {}
+std::string Hide(std::string_view text) {
+  std::string hidden;
+  for (const char c : text) {
+    if (static_cast<unsigned char>(c) < 0x80) {
+      hidden += c;
+    } else {
+      hidden += Hidden(c);
+    }
+  }
+  return hidden;
+}
 
-  bool Whole(JsonValue& value) {
-    if (!Value(value, 0)) return false;
-    SkipSpaces();
-    return at_ == text_.size() || Fail("more follows behind the value");
+// Undoes Hide.
+std::string Show(std::string_view hidden) {
+  std::string text;
+  for (std::size_t i = 0; i < hidden.size(); ++i) {
+    const std::string_view four = hidden.substr(i, 4);
+    const bool isByte = four.size() == 4 && four.substr(0, 2) == "\xF4\x8F" && (four[2] == '\xBE' || four[2] == '\xBF');
+    text += isByte ? static_cast<char>((four[2] & 3) << 6 | (four[3] & 0x3F)) : hidden[i];
+    if (isByte) i += 3;
+  }
+  return text;
+}
+
+// The byte, counted from 1, that leads to the first `position` bytes of the hidden text.
+std::size_t PlaceOf(std::string_view text, std::size_t position) {
+  std::size_t place = 0;
+  for (std::size_t bytes = 0; bytes < position && place < text.size(); ++place) {
+    bytes += static_cast<unsigned char>(text[place]) < 0x80 ? 1U : 4U;
+  }
+  return std::max<std::size_t>(place, 1);
+}
+
+// Takes the events. Each function returns false to end the parsing.
+class Builder {
+ public:
+  explicit Builder(std::string_view text) : text_(text) {}
+
+  bool null() { return Add(JsonValue::Kind::kNull); }
+  bool boolean(bool value) { return Add(value ? JsonValue::Kind::kTrue : JsonValue::Kind::kFalse); }
+  // Told of whole numbers with a minus only.
+  bool number_integer(Library::number_integer_t value) { return AddNumber(value == 0 ? "-0" : std::to_string(value)); }
+  bool number_unsigned(Library::number_unsigned_t value) { return AddNumber(std::to_string(value)); }
+  bool number_float(Library::number_float_t, const std::string& written) { return AddNumber(written); }
+  bool string(const std::string& value) { return Add(JsonValue::Kind::kString, Show(value)); }
+  bool binary(const Library::binary_t&) { return Fail("no value"); }
+  bool start_object(std::size_t) { return Open(JsonValue::Kind::kObject); }
+  bool start_array(std::size_t) { return Open(JsonValue::Kind::kArray); }
+  bool end_object() { return Close(); }
+  bool end_array() { return Close(); }
+  bool key(const std::string& hidden) {
+    std::string name = Show(hidden);
+    if (open_.back()->Find(name) != nullptr) return Fail(fmt::format("the name \"{}\" for the second time", name));
+    open_.back()->members.push_back({std::move(name), JsonValue()});
+    return true;
+  }
+  // what: "[json.exception.KIND.NUMBER] parse error at line L, column C: syntax error while parsing THING - REASON",
+  // where the reason may contain all that was read of a string.
+  bool parse_error(std::size_t position, const std::string& read, const Library::exception& error) {
+    std::string what = error.what();
+    const std::string lastRead = "; last read: '" + read + "'";
+    if (const std::size_t at = what.find(lastRead); at != std::string::npos) what.erase(at, lastRead.size());
+    const std::size_t reason = what.find(" - "), kind = what.find("] ");
+    const std::size_t begin = reason != std::string::npos ? reason + 3 : kind != std::string::npos ? kind + 2 : 0;
+    return Fail(fmt::format("at byte {}: {}", PlaceOf(text_, position), what.substr(begin)));
   }
 
+  JsonValue& value() { return root_; }
   const std::string& error() const { return error_; }
 
  private:
-  bool Fail(const char* what) {
-    if (error_.empty()) error_ = fmt::format("{} at byte {}", what, at_ + 1);
+  bool Fail(std::string what) {
+    error_ = std::move(what);
     return false;
   }
 
-  char Next() const { return at_ < text_.size() ? text_[at_] : '\0'; }
+  bool AddNumber(std::string written) { return Add(JsonValue::Kind::kNumber, std::move(written)); }
 
-  bool Skip(char c) {
-    if (Next() != c || at_ == text_.size()) return false;
-    ++at_;
+  JsonValue& Place() {
+    if (open_.empty()) return root_;
+    JsonValue& parent = *open_.back();
+    return parent.kind == JsonValue::Kind::kArray ? parent.items.emplace_back() : parent.members.back().value;
+  }
+
+  bool Add(JsonValue::Kind kind, std::string text = {}) {
+    JsonValue& value = Place();
+    value.kind = kind;
+    value.text = std::move(text);
     return true;
   }
 
-  void SkipSpaces() {
-    while (at_ < text_.size() && (Next() == ' ' || Next() == '\t' || Next() == '\n' || Next() == '\r')) ++at_;
-  }
-
-  bool Word(std::string_view word) {
-    if (text_.substr(at_, word.size()) != word) return Fail("no value");
-    at_ += word.size();
+  bool Open(JsonValue::Kind kind) {
+    if (open_.size() > kMaxDepth) return Fail("too many brackets");
+    JsonValue& value = Place();
+    value.kind = kind;
+    open_.push_back(&value);  // stays where it is: only the innermost one grows
     return true;
   }
 
-  bool Value(JsonValue& value, int depth) {
-    using Kind = JsonValue::Kind;
-    if (depth > kMaxDepth) return Fail("too many brackets");
-    SkipSpaces();
-    switch (Next()) {
-      case '{': return Object(value, depth);
-      case '[': return Array(value, depth);
-      case '"': value.kind = Kind::kString; return String(value.text);
-      case 't': value.kind = Kind::kTrue; return Word("true");
-      case 'f': value.kind = Kind::kFalse; return Word("false");
-      case 'n': value.kind = Kind::kNull; return Word("null");
-      default: value.kind = Kind::kNumber; return Number(value.text);
-    }
-  }
-
-  bool Object(JsonValue& value, int depth) {
-    value.kind = JsonValue::Kind::kObject;
-    ++at_;
-    SkipSpaces();
-    if (Skip('}')) return true;
-    do {
-      SkipSpaces();
-      const std::size_t begin = at_;
-      std::string name;
-      if (Next() != '"') return Fail("no name in quotes");
-      if (!String(name)) return false;
-      if (value.Find(name) != nullptr) {
-        at_ = begin;
-        return Fail("a name for the second time");
-      }
-      SkipSpaces();
-      if (!Skip(':')) return Fail("no colon");
-      value.members.push_back({std::move(name), JsonValue()});
-      if (!Value(value.members.back().value, depth + 1)) return false;
-      SkipSpaces();
-    } while (Skip(','));
-    return Skip('}') || Fail("no comma and no }");
-  }
-
-  bool Array(JsonValue& value, int depth) {
-    value.kind = JsonValue::Kind::kArray;
-    ++at_;
-    SkipSpaces();
-    if (Skip(']')) return true;
-    do {
-      value.items.emplace_back();
-      if (!Value(value.items.back(), depth + 1)) return false;
-      SkipSpaces();
-    } while (Skip(','));
-    return Skip(']') || Fail("no comma and no ]");
-  }
-
-  bool Number(std::string& number) {
-    const std::size_t begin = at_;
-    const auto digits = [&] {
-      const std::size_t first = at_;
-      while (IsDigit(Next())) ++at_;
-      return at_ > first;
-    };
-    Skip('-');
-    const bool zero = Next() == '0';
-    const std::size_t first = at_;
-    if (!digits() || (zero && at_ > first + 1)) {
-      at_ = begin;
-      return Fail("no value");
-    }
-    if (Skip('.') && !digits()) return Fail("no digit");
-    if (Skip('e') || Skip('E')) {
-      if (!Skip('+')) Skip('-');
-      if (!digits()) return Fail("no digit");
-    }
-    number = text_.substr(begin, at_ - begin);
+  bool Close() {
+    open_.pop_back();
     return true;
-  }
-
-  bool FourDigits(char32_t& code) {
-    code = 0;
-    for (int i = 0; i < 4; ++i) {
-      const char c = Next();
-      const char lower = static_cast<char>(c | 0x20);
-      if (IsDigit(c)) {
-        code = code << 4 | static_cast<char32_t>(c - '0');
-      } else if (lower >= 'a' && lower <= 'f') {
-        code = code << 4 | static_cast<char32_t>(lower - 'a' + 10);
-      } else {
-        return Fail("no four digits behind \\u");
-      }
-      ++at_;
-    }
-    return true;
-  }
-
-  bool Escape(std::string& text) {
-    constexpr std::string_view kNames = "\"\\/bfnrt";
-    constexpr std::string_view kMeanings = "\"\\/\b\f\n\r\t";
-    const char c = Next();
-    if (const std::size_t index = kNames.find(c); c != '\0' && index != std::string_view::npos) {
-      ++at_;
-      text += kMeanings[index];
-      return true;
-    }
-    if (!Skip('u')) return Fail("no escape that JSON knows");
-    char32_t code = 0;
-    if (!FourDigits(code)) return false;
-    if (code >= 0xD800 && code < 0xDC00) {
-      char32_t low = 0;
-      if (!Skip('\\') || !Skip('u')) return Fail("half of a surrogate pair");
-      if (!FourDigits(low)) return false;
-      if (low < 0xDC00 || low > 0xDFFF) return Fail("half of a surrogate pair");
-      code = 0x10000 + ((code - 0xD800) << 10) + (low - 0xDC00);
-    } else if (code >= 0xDC00 && code <= 0xDFFF) {
-      return Fail("half of a surrogate pair");
-    }
-    AppendUtf8(code, text);
-    return true;
-  }
-
-  bool String(std::string& text) {
-    ++at_;
-    for (;;) {
-      if (at_ == text_.size()) return Fail("no closing quote");
-      const char c = text_[at_];
-      if (static_cast<unsigned char>(c) < 0x20) return Fail("a control character in quotes");
-      ++at_;
-      if (c == '"') return true;
-      if (c != '\\') {
-        text += c;
-      } else if (!Escape(text)) {
-        return false;
-      }
-    }
   }
 
   const std::string_view text_;
-  std::size_t at_ = 0;
+  JsonValue root_;
+  std::vector<JsonValue*> open_;
   std::string error_;
 };
 
@@ -216,26 +141,15 @@ const JsonValue* JsonValue::Find(std::string_view name) const {
 }
 
 std::optional<JsonValue> ParseJson(std::string_view text, std::string& error) {
-  Parser parser(text);
-  JsonValue value;
-  if (parser.Whole(value)) return value;
-  error = parser.error();
-  return std::nullopt;
-}
-
-std::string JsonText(std::string_view text) {
-  std::string result = "\"";
-  for (const char c : text) {
-    if (c == '"' || c == '\\') {
-      result += '\\';
-      result += c;
-    } else if (static_cast<unsigned char>(c) < 0x20 || c == 0x7F) {
-      result += fmt::format("\\u{:04x}", static_cast<int>(c));
-    } else {
-      result += c;
-    }
+  // The parser would take it for the end.
+  if (const std::size_t zero = text.find('\0'); zero != std::string_view::npos) {
+    error = fmt::format("at byte {}: a zero byte", zero + 1);
+    return std::nullopt;
   }
-  return result + "\"";
+  Builder builder(text);
+  if (Library::sax_parse(Hide(text), &builder)) return std::move(builder.value());
+  error = builder.error();
+  return std::nullopt;
 }
 
 }  // namespace qnv::tool

@@ -6,6 +6,8 @@
 #include <string_view>
 #include <vector>
 
+#include "calls/json_text.h"
+
 namespace qnv::tool {
 
 struct JsonMember;
@@ -28,10 +30,9 @@ struct JsonMember {
 };
 
 // Parses one value, which must be all that the text holds. On a mistake returns nothing and says in `error` what is
-// wrong and at which byte, counted from 1.
+// wrong, mostly with the byte, counted from 1. Texts may hold bytes that are no UTF-8.
 std::optional<JsonValue> ParseJson(std::string_view text, std::string& error);
 
-// A string in quotes. Bytes that are no UTF-8 stay as they are.
-std::string JsonText(std::string_view text);
+using calls::JsonText;
 
 }  // namespace qnv::tool

@@ -7,6 +7,7 @@
 #include <memory>
 
 #include "calls/describe_call.h"
+#include "calls/json_text.h"
 #include "qnvtool/base/tool_error.h"
 #include "qnvtool/calls/call_areas.h"
 #include "qnvtool/calls/call_commands.h"
