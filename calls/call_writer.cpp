@@ -46,6 +46,7 @@ CallWriter::CallWriter(std::FILE* file, bool compress) : file_(file), compress_(
   Write(header, sizeof header);
   open_.offset = offset_;
   raw_.reserve(2 * kBlockBytes);
+  later_.reserve(2 * kBlockBytes);
 }
 
 void CallWriter::Write(const void* bytes, std::size_t count) {
@@ -77,18 +78,21 @@ void CallWriter::WriteBlock(BlockKind kind, const Bytes& raw) {
 }
 
 void CallWriter::Flush() {
-  if (raw_.empty()) return;
+  if (Collected() == 0) return;
   places_.push_back(open_);
+  raw_.insert(raw_.end(), later_.begin(), later_.end());
   WriteBlock(BlockKind::kItems, raw_);
   raw_.clear();
+  later_.clear();
   open_ = {offset_, calls_, blobCount_ + 1, imageCount_ + 1};
 }
 
 void CallWriter::Append(ItemKind kind, const uint8_t* payload, std::size_t bytes) {
   uint8_t head[1 + kMaxNumberBytes];
   head[0] = static_cast<uint8_t>(kind);
-  raw_.insert(raw_.end(), head, PutNumber(head + 1, bytes));
-  raw_.insert(raw_.end(), payload, payload + bytes);
+  Bytes& to = kind == ItemKind::kBlob || kind == ItemKind::kImage ? raw_ : later_;
+  to.insert(to.end(), head, PutNumber(head + 1, bytes));
+  to.insert(to.end(), payload, payload + bytes);
 }
 
 uint32_t CallWriter::Blob(const void* memory, std::size_t bytes) {
@@ -96,7 +100,7 @@ uint32_t CallWriter::Blob(const void* memory, std::size_t bytes) {
   const uint32_t number = blobs_.Find(Hash64(memory, bytes), bytes, &isNew);
   if (isNew) {
     // Blobs are not cut: a block is closed before one that would make it large.
-    if (raw_.size() + bytes > kBlockBytes) Flush();
+    if (Collected() + bytes > kBlockBytes) Flush();
     Append(ItemKind::kBlob, static_cast<const uint8_t*>(memory), bytes);
     blobCount_ = number;
   }
@@ -145,7 +149,7 @@ void CallWriter::Found(uint32_t mistake, uint64_t call, uint32_t function, uint3
 void CallWriter::Call(const uint8_t* payload, std::size_t bytes) {
   Append(ItemKind::kCall, payload, bytes);
   ++calls_;
-  if (raw_.size() >= kBlockBytes) Flush();
+  if (Collected() >= kBlockBytes) Flush();
 }
 
 void CallWriter::Close() {

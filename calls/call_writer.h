@@ -69,6 +69,7 @@ class CallWriter {
     uint32_t firstBlob, firstImage;
   };
   void Append(ItemKind kind, const uint8_t* payload, std::size_t bytes);
+  std::size_t Collected() const { return raw_.size() + later_.size(); }
   void WriteBlock(BlockKind kind, const Bytes& raw);
   void Write(const void* bytes, std::size_t count);
 
@@ -76,7 +77,9 @@ class CallWriter {
   const bool compress_;
   bool failed_ = false;
   uint64_t offset_ = 0;
-  Bytes raw_, stored_, item_;
+  // The items of the block that is collected: memory first, then what names it. Like beside like compresses better.
+  Bytes raw_, later_;
+  Bytes stored_, item_;
   BlobIndex blobs_;
   uint32_t blobCount_ = 0, imageCount_ = 0;
   uint64_t calls_ = 0;
