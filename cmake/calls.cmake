@@ -1,7 +1,8 @@
 # Calls on file: the library that writes, reads and replays them, for every target, and the recorder.
 #
-# Blocks are compressed by zstd where its library is installed for the target, which is the development machine's own.
-# Elsewhere they are stored as they are, and only such files can be read.
+# Blocks are compressed by zstd: by its library where that is installed for the target, which is the development
+# machine's own, else by its sources where scripts/zstd.sh has fetched them. Elsewhere blocks are stored as they are, and
+# only such files can be read.
 file(GLOB calls_sources CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/calls/*.cpp)
 add_library(calls STATIC ${calls_sources})
 target_include_directories(calls PUBLIC ${PROJECT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/include)
@@ -16,14 +17,29 @@ qnv_unity(calls 20)
 set_target_properties(calls PROPERTIES EXCLUDE_FROM_ALL ON)
 
 set(QNV_ZSTD OFF)
+set(QNV_ZSTD_SOURCES ${PROJECT_SOURCE_DIR}/.cache/zstd CACHE PATH "Sources of zstd for targets without its library")
 if(CMAKE_SIZEOF_VOID_P EQUAL 8 AND NOT CMAKE_CROSSCOMPILING AND NOT QNV_SANITIZERS STREQUAL "memory")
   find_path(QNV_ZSTD_DIR zstd.h)
   find_library(QNV_ZSTD_LIBRARY zstd)
   if(QNV_ZSTD_DIR AND QNV_ZSTD_LIBRARY)
     set(QNV_ZSTD ON)
-    target_compile_definitions(calls PRIVATE QNV_ZSTD)
     target_link_libraries(calls PRIVATE ${QNV_ZSTD_LIBRARY})
   endif()
+elseif(CMAKE_SIZEOF_VOID_P EQUAL 4 AND EXISTS ${QNV_ZSTD_SOURCES}/lib/zstd.h)
+  set(QNV_ZSTD ON)
+  file(GLOB zstd_sources CONFIGURE_DEPENDS ${QNV_ZSTD_SOURCES}/lib/common/*.c ${QNV_ZSTD_SOURCES}/lib/compress/*.c
+    ${QNV_ZSTD_SOURCES}/lib/decompress/*.c)
+  add_library(zstd STATIC EXCLUDE_FROM_ALL ${zstd_sources})
+  target_include_directories(zstd SYSTEM PUBLIC ${QNV_ZSTD_SOURCES}/lib)
+  # Nothing of it is exported, and its hash function has names of its own.
+  target_compile_definitions(zstd PRIVATE ZSTD_DISABLE_ASM ZSTD_LEGACY_SUPPORT=0 XXH_NAMESPACE=ZSTD_ ZSTDLIB_VISIBLE=
+    ZSTDERRORLIB_VISIBLE=)
+  target_compile_options(zstd PRIVATE -w -O2 -g0 -ffunction-sections -fdata-sections)
+  set_target_properties(zstd PROPERTIES POSITION_INDEPENDENT_CODE ON C_VISIBILITY_PRESET hidden)
+  target_link_libraries(calls PRIVATE zstd)
+endif()
+if(QNV_ZSTD)
+  target_compile_definitions(calls PRIVATE QNV_ZSTD)
 endif()
 
 # The recorder: a drop-in with the exports and ordinals of the library, from the same export list, and a function of

@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# Installs the Debian packages that are missing, and says which. Prints nothing when none is missing.
+# Installs the Debian packages that are missing, and says which. Prints nothing when none is missing. For "check" it also
+# fetches the sources that scripts/zstd.sh names.
 #
 #   scripts/setup.sh demo      what ./demo needs
 #   scripts/setup.sh check     also what ./check needs: 32-bit, Windows and ARM compilers, test framework, package tools,
@@ -56,7 +57,14 @@ missing=()
 for package in "${wanted[@]}"; do
   grep -qxF -- "$package" <<<"$installed" || missing+=("$package")
 done
+
+# The 32-bit builds do without the sources of zstd when they cannot be had.
+fetch_sources() {
+  [ "$mode" != check ] || "${BASH_SOURCE[0]%/*}/zstd.sh" ||
+    echo "setup: going on without zstd in the 32-bit builds" >&2
+}
 if [ ${#missing[@]} -eq 0 ]; then
+  fetch_sources
   exit 0
 fi
 
@@ -84,4 +92,5 @@ if ! apt_get install -y --no-install-recommends "${missing[@]}"; then
   echo "setup: apt-get install failed (its output is above)" >&2
   exit 1
 fi
+fetch_sources
 echo "setup: done"

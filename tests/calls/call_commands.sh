@@ -96,6 +96,13 @@ EOF
 then
   fail "the rectangle of the trimmed page differs, or the rest does not"
 fi
+# A file whose blocks are stored is written again, compressed.
+QNVREC_FILE=stored.qnv QNVREC_COMPRESS=0 QNVREC_LIBRARY=$bin/libqnvdrv10.so LD_PRELOAD=$bin/libqnvrec.so \
+  "$bin/example_host" stored.bmp || fail "record without compression"
+expect 0 "830 calls, 432 of them drawing calls, of 830" "" trim stored.qnv -o compressed.qnv
+expect 0 "830 calls compared, 0 differences" "" diff stored.qnv compressed.qnv
+expect 0 " 0 differences" "" replay compressed.qnv
+[ "$(stat -c %s compressed.qnv)" -lt $(($(stat -c %s stored.qnv) / 3)) ] || fail "trim does not compress"
 # What may paint there holds what does, and leaves out most of the rest.
 "$tool" dump rect.qnv | grep -vE 'QNV(Enable|Disable|Control|RealizeObject|GetDeviceInfo|ColorInfo)\(' |
   sed 's/^[0-9]* //; s/ \[.*//; s/=font [0-9]*/=font/' | sort >painted
