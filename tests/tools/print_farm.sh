@@ -36,8 +36,9 @@ lines_of() { # REPORT: the lines of the manifest in it
 mkdir out
 for ((task = 0; task <= 8; task += 2)); do
   for printed in 1 0; do
-    SLURM_ARRAY_TASK_ID=$task SLURM_ARRAY_TASK_MIN=0 SLURM_ARRAY_TASK_STEP=2 SLURM_ARRAY_TASK_COUNT=5 SLURM_CPUS_PER_TASK=2 \
-      QNVTOOL=$tool bash "$root/examples/print_array.slurm" jobs.jsonl "${small[@]}" >stdout 2>stderr ||
+    SLURM_ARRAY_TASK_ID=$task SLURM_ARRAY_TASK_MIN=0 SLURM_ARRAY_TASK_MAX=8 SLURM_ARRAY_TASK_STEP=2 \
+      SLURM_ARRAY_TASK_COUNT=5 SLURM_CPUS_PER_TASK=2 QNVTOOL=$tool \
+      bash "$root/examples/print_array.slurm" jobs.jsonl "${small[@]}" >stdout 2>stderr ||
       fail "task $task of the array: $(cat stderr)"
     share=$((task < 6 ? 3 : 2))
     grep -qF "$share jobs: $((share * printed)) printed, $((share - share * printed)) printed before" stdout ||
@@ -50,6 +51,21 @@ diff -r out expected || fail "pages of the array"
 SLURM_ARRAY_TASK_ID=1 QNVTOOL=$tool bash "$root/examples/print_array.slurm" jobs.jsonl >stdout 2>stderr &&
   fail "a job that is no array"
 grep -qF 'sbatch --array=1-N' stderr || fail "a job that is no array: $(cat stderr)"
+# Some tasks of an array again, which have to know how many there were.
+some_tasks() { # MIN MAX COUNT ID
+  SLURM_ARRAY_TASK_MIN=$1 SLURM_ARRAY_TASK_MAX=$2 SLURM_ARRAY_TASK_COUNT=$3 SLURM_ARRAY_TASK_ID=$4 QNVTOOL=$tool \
+    bash "$root/examples/print_array.slurm" jobs.jsonl "${small[@]}" >stdout 2>stderr
+}
+for list in '2 2 1 2' '1 5 3 5' '2 3 2 3'; do
+  # shellcheck disable=SC2086
+  some_tasks $list && fail "some tasks of an array: $list"
+  grep -qF 'SHARDS=N sbatch --array=LIST' stderr || fail "some tasks of an array: $list: $(cat stderr)"
+done
+rm out/2.pdf
+SHARDS=5 some_tasks 2 2 1 2 || fail "the second of five tasks"
+grep -qF '3 jobs: 0 printed, 3 printed before' stdout && fail "the second of five tasks printed before"
+[ "$(lines_of jobs.report-2-of-5.jsonl)" = "2 2 7 12 " ] || fail "the second of five: $(cat jobs.report-2-of-5.jsonl)"
+diff -r out expected || fail "pages of the second of five tasks"
 rm -rf out jobs.report* && mkdir out
 
 # Two ssh servers, as two machines that share a folder. Run by root, the server wants a folder that the service makes.
