@@ -136,7 +136,8 @@ first=$(array --array=1-3)
 diff -r out expected || fail "pages of the array"
 cmp <(jobs_of one.jsonl) <(jobs_of jobs.report-?-of-3.jsonl) || fail "reports of the array"
 for number in 1 2 3; do
-  grep -q '4 printed\|3 printed' qnvprint-"$first"-$number.log || fail "task $number: $(cat qnvprint-"$first"-$number.log)"
+  log=qnvprint-$first-$number.log
+  grep -q '4 printed\|3 printed' "$log" || fail "task $number: $(cat "$log")"
 done
 
 # The same again prints nothing; pages that are missing are printed by the task whose they are.
@@ -150,7 +151,7 @@ diff -r out expected || fail "pages after the second array"
 # Other numbers of tasks, steps and limits: each still has its own share.
 rm -rf out jobs.report* && mkdir out
 third=$(array --array=0-9:4%2)
-[ "$(states "$third")" = " 3 COMPLETED " ] || fail "an array in steps: $(states "$third") $(cat ./qnvprint-"$third"-*.log)"
+[ "$(states "$third")" = " 3 COMPLETED " ] || fail "an array in steps: $(states "$third")"
 diff -r out expected || fail "pages of an array in steps"
 [ "$(wc -l <jobs.report-1-of-3.jsonl)" -eq 4 ] || fail "the first share of an array in steps"
 
