@@ -35,20 +35,14 @@ void Convert24(uint8_t* out, const uint8_t* pixels, std::size_t count, const Con
   }
 }
 
-// Converts pixels of 16, 24 or 32 bits to gray levels, by way of three-byte pixels in pieces that stay in the cache.
+// Converts pixels of 16, 24 or 32 bits to gray levels.
 template <uint32_t kBits>
 void ConvertGray(uint8_t* out, const uint8_t* pixels, std::size_t count, const ConverterContext& context) {
   const PixelRows& image = *context.rows.image;
-  if constexpr (kBits == 24) {
-    image.GrayRow24(out, pixels, count);
+  if constexpr (kBits == 16) {
+    image.GrayRow16(out, pixels, count, context.colors.masks);
   } else {
-    constexpr std::size_t kPiece = 256;
-    uint8_t colors[3 * kPiece];
-    for (std::size_t done = 0; done < count; done += kPiece) {
-      const std::size_t piece = std::min(kPiece, count - done);
-      Convert24<PixelTarget::kGray8, kBits>(colors, pixels + kBits / 8 * done, piece, context);
-      image.GrayRow24(out + done, colors, piece);
-    }
+    (kBits == 24 ? image.GrayRow24 : image.GrayRow32)(out, pixels, count);
   }
 }
 

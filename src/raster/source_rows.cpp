@@ -10,7 +10,7 @@ namespace qnv {
 const uint8_t* SourceRows::Fetch(const RowKernels& rows, int32_t row, int32_t column, const uint16_t* indices,
                                  std::size_t count, uint8_t* chunk) const {
   if (form == SourceForm::kGray) return first + row * stride + column;
-  if (form == SourceForm::kBlueGreenRed) return first + row * stride + std::ptrdiff_t{column} * 3;
+  if (form == SourceForm::kBlueGreenRed) return ThreeBytesAt(row, column);
   FetchInto(rows, row, column, indices, count, chunk);
   return chunk;
 }

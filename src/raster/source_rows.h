@@ -40,6 +40,11 @@ struct SourceRows {
     return (form == SourceForm::kRedGreenBlue || IsInBandOrder()) && stride == bytes;
   }
 
+  // The bytes of a pixel of three bytes; row and column as for Fetch.
+  const uint8_t* ThreeBytesAt(int32_t row, int32_t column) const {
+    return first + row * stride + std::ptrdiff_t{column} * 3;
+  }
+
   // Returns the address of the band bytes of `count` pixels, either in the memory of the host or converted into
   // `chunk`. row, column: counted from the first pixel of the transfer. indices: null for consecutive pixels, else the
   // column of each pixel, counted from `column`.

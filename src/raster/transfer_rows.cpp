@@ -41,6 +41,9 @@ void TransferRows::PaintSourceRun(uint8_t* dst, int32_t bandRow, int32_t sourceR
   const std::size_t pixels = static_cast<std::size_t>(run.count);
   const bool patterned = shape_ == Shape::kSourcePattern;
   const ByteMasks byteMasks = masks_.WithoutPattern();
+  if (!patterned && source_->form == SourceForm::kRedGreenBlue && run.indices == nullptr) {
+    return rows_.RopSwapRow24(dst, source_->ThreeBytesAt(sourceRow, run.callerColumn), pixels, byteMasks);
+  }
   TileMasks tiles{};
   if (patterned) tiles = masks_.At(masks_.RowOf(bandRow), masks_.PhaseOf(run.bandColumn));
   SourceRows::Chunk chunk;

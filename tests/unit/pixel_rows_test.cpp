@@ -23,6 +23,9 @@ void AppendPixel(Bytes* row, std::size_t bytesPerPixel, uint32_t packed) {
 // Three bytes of a row as a packed pixel.
 uint32_t PixelAt(const Bytes& row, std::size_t at) { return Packed(row[at], row[at + 1], row[at + 2]); }
 
+// Rows from which on palettes of 256 colors may be looked up another way are shorter.
+constexpr std::size_t kMaxTabled = 360;
+
 class PixelRowsTest : public KernelTest {
  protected:
   const PixelRows& rows() const { return *kernels().image; }
@@ -43,11 +46,12 @@ class PixelRowsTest : public KernelTest {
     }
   }
 
-  // Runs kernel(dst, source, pixels) for every count on as many random bytes as sourceBytes(pixels) says, and compares
-  // each pixel with pixelOf(source, its number), packed.
+  // Runs kernel(dst, source, pixels) for every count up to `most` on as many random bytes as sourceBytes(pixels) says,
+  // and compares each pixel with pixelOf(source, its number), packed.
   template <class SourceBytes, class Kernel, class PixelOf>
-  void CheckCounts(std::size_t bytesPerPixel, SourceBytes sourceBytes, Kernel kernel, PixelOf pixelOf) {
-    for (std::size_t pixels = 0; pixels <= kMaxPixels; ++pixels) {
+  void CheckCounts(std::size_t bytesPerPixel, SourceBytes sourceBytes, Kernel kernel, PixelOf pixelOf,
+                   std::size_t most = kMaxPixels) {
+    for (std::size_t pixels = 0; pixels <= most; ++pixels) {
       const Bytes source = Random(sourceBytes(pixels));
       Bytes expected;
       for (std::size_t i = 0; i < pixels; ++i) AppendPixel(&expected, bytesPerPixel, pixelOf(source, i));
@@ -67,7 +71,7 @@ TEST_P(PixelRowsTest, ExpandBytes) {
     const auto expand = bytes == 3 ? rows().ExpandBytesRow24 : rows().ExpandBytesRow8;
     CheckCounts(
         bytes, Pixels(1), [&](uint8_t* d, const uint8_t* s, std::size_t pixels) { expand(d, s, pixels, table.data()); },
-        [&](const Bytes& s, std::size_t i) { return table[s[i]]; });
+        [&](const Bytes& s, std::size_t i) { return table[s[i]]; }, kMaxTabled);
   }
 }
 
@@ -87,7 +91,7 @@ TEST_P(PixelRowsTest, ExpandNibbles) {
   }
 }
 
-TEST_P(PixelRowsTest, UnpackRow16) {
+TEST_P(PixelRowsTest, SixteenBits) {
   constexpr ComponentMask kWide{0xBF00, 0, 1};  // its sum does not fit a byte
   constexpr ComponentMask kFive{0x001F, 11, 5}, kHigh{0xFFFF, 0, 8}, kLow{0x00FF, 8, 8};
   constexpr PixelMasks kMasks[] = {{{kFive, {0x03E0, 6, 5}, {0x7C00, 1, 5}}},
@@ -108,6 +112,13 @@ TEST_P(PixelRowsTest, UnpackRow16) {
           };
           return Packed(component(masks.component[0]), component(masks.component[1]), component(masks.component[2]));
         });
+    CheckCounts(
+        1, Pixels(2), [&](uint8_t* d, const uint8_t* s, std::size_t pixels) { rows().GrayRow16(d, s, pixels, masks); },
+        [&](const Bytes& s, std::size_t i) {
+          const uint32_t pixel = static_cast<uint32_t>(s[2 * i] | s[2 * i + 1] << 8);
+          const ComponentMask* const m = masks.component;
+          return GrayLevel(m[2].Extract(pixel), m[1].Extract(pixel), m[0].Extract(pixel));
+        });
   }
 }
 
@@ -117,6 +128,8 @@ TEST_P(PixelRowsTest, PixelsOneByOne) {
               [](const Bytes& s, std::size_t i) { return Packed(s[4 * i + 2], s[4 * i + 1], s[4 * i]); });
   CheckCounts(1, Pixels(3), rows().GrayRow24,
               [](const Bytes& s, std::size_t i) { return GrayLevel(s[3 * i + 2], s[3 * i + 1], s[3 * i]); });
+  CheckCounts(1, Pixels(4), rows().GrayRow32,
+              [](const Bytes& s, std::size_t i) { return GrayLevel(s[4 * i + 2], s[4 * i + 1], s[4 * i]); });
   CheckCounts(3, Pixels(1), rows().TripleRow24, [](const Bytes& s, std::size_t i) { return s[i] * 0x010101u; });
   CheckCounts(
       3, Pixels(3),
@@ -145,11 +158,12 @@ TEST_P(PixelRowsTest, Repeat) {
 
 // The division by 100 is done by multiplication: every sum that can occur, through gray and near-gray pixels.
 TEST_P(PixelRowsTest, GrayOfEverySum) {
-  Bytes source, expected;
+  Bytes source, fourBytes, expected;
   for (uint32_t blue = 0; blue < 256; blue += 5) {
     for (uint32_t green = 0; green < 256; ++green) {
       for (uint32_t red = 0; red < 256; red += 3) {
         AppendPixel(&source, 3, Packed(blue, green, red));
+        AppendPixel(&fourBytes, 4, Packed(blue, green, red) | green << 24);
         AppendPixel(&expected, 1, GrayLevel(red, green, blue));
       }
     }
@@ -157,6 +171,27 @@ TEST_P(PixelRowsTest, GrayOfEverySum) {
   Bytes gray(expected.size());
   rows().GrayRow24(gray.data(), source.data(), gray.size());
   ASSERT_EQ(expected, gray);
+  rows().GrayRow32(gray.data(), fourBytes.data(), gray.size());
+  ASSERT_EQ(expected, gray);
+}
+
+// The same for every 16-bit pixel, under masks that give every component eight levels or more.
+TEST_P(PixelRowsTest, GrayOfEverySixteenBits) {
+  constexpr PixelMasks kMasks[] = {{{{0x001F, 11, 5}, {0x03E0, 6, 5}, {0x7C00, 1, 5}}},
+                                   {{{0x001F, 11, 5}, {0x07E0, 5, 6}, {0xF800, 0, 5}}},
+                                   {{{0x00FF, 8, 8}, {0xFF00, 0, 8}, {0x0FF0, 4, 8}}}};
+  Bytes source;
+  for (uint32_t pixel = 0; pixel < 65536; ++pixel) AppendPixel(&source, 2, pixel);
+  for (const PixelMasks& masks : kMasks) {
+    const ComponentMask* const m = masks.component;
+    Bytes expected;
+    for (uint32_t pixel = 0; pixel < 65536; ++pixel) {
+      AppendPixel(&expected, 1, GrayLevel(m[2].Extract(pixel), m[1].Extract(pixel), m[0].Extract(pixel)));
+    }
+    Bytes gray(expected.size());
+    rows().GrayRow16(gray.data(), source.data(), gray.size(), masks);
+    ASSERT_EQ(expected, gray);
+  }
 }
 
 TEST_P(PixelRowsTest, MarkRow24) {

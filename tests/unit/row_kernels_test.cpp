@@ -118,6 +118,26 @@ TEST_P(RowKernelsTest, RowsOfASource) {
   }
 }
 
+TEST_P(RowKernelsTest, RopSwapRow24) {
+  const auto check = [&](std::size_t pixels, std::size_t alignment) {
+    const Bytes bits = Random(3 * pixels);
+    const uint8_t* const source = SourceAtFence(bits);
+    const std::size_t combination = pixels + alignment;  // all sixteen pass by
+    const auto mask = [&](unsigned bit) { return static_cast<uint8_t>((combination >> bit & 1) != 0 ? 0xFF : 0); };
+    const ByteMasks m{mask(0), mask(1), mask(2), mask(3)};
+    Check(
+        3 * pixels, alignment, [&](uint8_t* dst) { rows().RopSwapRow24(dst, source, pixels, m); },
+        [&](std::size_t i, uint8_t d) {
+          return Combine(d, bits[i / 3 * 3 + (2 - i % 3)], m.and1, m.and2, m.xor1, m.xor2);
+        });
+  };
+  ForEachRow(2 * kMaxPixels, check);
+  constexpr std::size_t kLong[] = {511, 512, 513, 2047, 2048, 2049, 4200};  // other ways, and more than one piece
+  for (const std::size_t pixels : kLong) {
+    for (std::size_t alignment = 0; alignment < kAlignments; ++alignment) check(pixels, alignment);
+  }
+}
+
 TEST_P(RowKernelsTest, SwapRow24) {
   ForEachRow(kMaxPixels, [&](std::size_t pixels, std::size_t alignment) {
     const Bytes bits = Random(3 * pixels);

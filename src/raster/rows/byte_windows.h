@@ -88,15 +88,15 @@ inline constexpr bool kStaysInside = [] {
   return true;
 }();
 
-// Stores one of the three vectors of a block.
+// One of the three vectors of a block.
 template <class Map, std::size_t kVector>
-void RearrangeVector(uint8_t* dst, const uint8_t* source) {
+Vector32 RearrangedVector(const uint8_t* source) {
   constexpr const Windows& w = kWindows<Map>[kVector];
   static_assert(w.complete);
   const Vector32 low = Shuffle(Vector32::Load(source + w.low), Vector32::Load(w.fromLow));
   const Vector32 high = Shuffle(Vector32::Load(source + w.high), Vector32::Load(w.fromHigh));
   const Vector32 both = low | high;
-  (Map::kBackward ? Vector32{_mm256_permute4x64_epi64(both.v, 0x4E)} : both).Store(dst + 32 * kVector);
+  return Map::kBackward ? Vector32{_mm256_permute4x64_epi64(both.v, 0x4E)} : both;
 }
 
 // Rearranges a row of at least kMinRearranged pixels. For maps whose loads reach outside a block, edge(i) is called to
@@ -113,9 +113,9 @@ void RearrangeRow(uint8_t* dst, const uint8_t* source, std::size_t pixels, Edge 
   CoverWithBlocks(innerPixels, PixelsToAlignment<3>(inner), [&](std::size_t i) {
     const std::size_t first = kEdge + (Map::kBackward ? innerPixels - kBlockPixels - i : i);
     const uint8_t* const block = source + static_cast<std::size_t>(Map::kSourceBytes) * first;
-    RearrangeVector<Map, 0>(inner + 3 * i, block);
-    RearrangeVector<Map, 1>(inner + 3 * i, block);
-    RearrangeVector<Map, 2>(inner + 3 * i, block);
+    RearrangedVector<Map, 0>(block).Store(inner + 3 * i);
+    RearrangedVector<Map, 1>(block).Store(inner + 3 * i + 32);
+    RearrangedVector<Map, 2>(block).Store(inner + 3 * i + 64);
   });
 }
 

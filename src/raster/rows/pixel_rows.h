@@ -54,6 +54,9 @@ using PackSwapRow32 = PackRow32;
 
 // Gray levels of blue, green, red pixels, weighted 11, 59, 30.
 using GrayRow24 = void(uint8_t* dst, const uint8_t* source, std::size_t pixels);
+// The same of pixels of four bytes, of which the last does not count, and of 16-bit pixels; masks: blue, green, red.
+using GrayRow32 = GrayRow24;
+using GrayRow16 = void(uint8_t* dst, const uint8_t* source, std::size_t pixels, const PixelMasks& masks);
 
 // Replaces each pixel by a gray level in all three bytes. Intended: the first byte, blue, is weighted 30 and the last
 // 11.
@@ -90,6 +93,8 @@ using ShuffleRow = void(uint8_t* dst, const uint8_t* source, const ShuffleGroup*
   X(PackRow32)            \
   X(PackSwapRow32)        \
   X(GrayRow24)            \
+  X(GrayRow32)            \
+  X(GrayRow16)            \
   X(RegrayRow24)          \
   X(TripleRow24)          \
   X(MarkRow24)            \

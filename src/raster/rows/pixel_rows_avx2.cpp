@@ -3,6 +3,7 @@
 #include "raster/rows/gray_weights.h"
 #include "raster/rows/pixel_blocks.h"
 #include "raster/rows/row_tables.h"
+#include "raster/rows/vector16.h"
 #include "raster/rows/vector32.h"
 
 namespace qnv::avx2 {
@@ -49,6 +50,9 @@ Vector32 TablePlane(const uint32_t* table, int byte) {
 // Shorter rows are converted faster without the planes of the table, which take as long to set up as dozens of pixels.
 constexpr std::size_t kMinNibbles = 96;
 
+// For shorter rows of 256 gray levels the tables take longer to set up than they save.
+constexpr std::size_t kMinLevels = 128;
+
 // The colors of eight palette indices: two loads for each pixel, its index and its color.
 __m256i EightEntries(const uint8_t* source, const uint32_t* table) {
   const auto four = [table](const uint8_t* p) {
@@ -60,22 +64,29 @@ __m256i EightEntries(const uint8_t* source, const uint32_t* table) {
   return _mm256_inserti128_si256(_mm256_castsi128_si256(four(source)), four(source + 4), 1);
 }
 
+// Sixteen weighted sums divided by kGrayDivisor: exact for sums up to 25500.
+__m256i Hundredth(__m256i sums) { return _mm256_srli_epi16(_mm256_mulhi_epu16(sums, _mm256_set1_epi16(5243)), 3); }
+
+// The weighted sums of eight pixels of four bytes, 32 bits each.
+__m256i WeightedSums(__m256i pixels, Vector32 weights) {
+  return _mm256_madd_epi16(_mm256_maddubs_epi16(pixels, weights.v), _mm256_set1_epi16(1));
+}
+
+// The gray levels of 32 pixels, eight sums in each vector.
+__m256i GrayLevels(__m256i a, __m256i b, __m256i c, __m256i d) {
+  const __m256i grays = _mm256_packus_epi16(Hundredth(_mm256_packs_epi32(a, b)), Hundredth(_mm256_packs_epi32(c, d)));
+  return _mm256_permutevar8x32_epi32(grays, _mm256_setr_epi32(0, 4, 1, 5, 2, 6, 3, 7));
+}
+
 // The gray levels of 32 pixels. Of each eight pixels the second load starts four bytes early, so that none leaves the
 // block.
 __m256i GrayBlock(const uint8_t* source, Vector32 weights) {
   const Vector32 spread{_mm256_setr_epi8(0, 1, 2, -1, 3, 4, 5, -1, 6, 7, 8, -1, 9, 10, 11, -1,  //
                                          4, 5, 6, -1, 7, 8, 9, -1, 10, 11, 12, -1, 13, 14, 15, -1)};
-  const auto eight = [&](const uint8_t* p) {  // sums, 32 bits each
-    const __m256i pixels = Shuffle(Vector32::Halves(p, p + 8), spread).v;
-    return _mm256_madd_epi16(_mm256_maddubs_epi16(pixels, weights.v), _mm256_set1_epi16(1));
+  const auto eight = [&](const uint8_t* p) {
+    return WeightedSums(Shuffle(Vector32::Halves(p, p + 8), spread).v, weights);
   };
-  const auto hundredth = [](__m256i v) {  // exact for sums up to 25500
-    return _mm256_srli_epi16(_mm256_mulhi_epu16(v, _mm256_set1_epi16(5243)), 3);
-  };
-  const __m256i low = _mm256_packs_epi32(eight(source), eight(source + 24));
-  const __m256i high = _mm256_packs_epi32(eight(source + 48), eight(source + 72));
-  const __m256i grays = _mm256_packus_epi16(hundredth(low), hundredth(high));
-  return _mm256_permutevar8x32_epi32(grays, _mm256_setr_epi32(0, 4, 1, 5, 2, 6, 3, 7));
+  return GrayLevels(eight(source), eight(source + 24), eight(source + 48), eight(source + 72));
 }
 
 // Stores each of 32 bytes three times.
@@ -199,11 +210,77 @@ void ExpandBytesRow24(uint8_t* dst, const uint8_t* source, std::size_t pixels, c
   });
 }
 
+// Looks 32 indices up in sixteen tables of sixteen gray levels. A byte shuffle gives 0 for an index whose top bit is
+// set. So each half of the tables is looked up in turn with indices that decrease by 16 and end below 0; what is stored
+// of a table is how it differs from the one before, and the exclusive or of all that is found is the last one reached.
+void ExpandBytesRow8(uint8_t* dst, const uint8_t* source, std::size_t pixels, const uint32_t* table) {
+  if (pixels < kMinLevels) return plain::ExpandBytesRow8(dst, source, pixels, table);
+  alignas(32) uint8_t levels[256];
+  alignas(32) uint8_t changes[256];
+  const auto eight = [table](std::size_t i) {
+    return _mm256_and_si256(_mm256_loadu_si256(reinterpret_cast<const __m256i*>(table + i)), _mm256_set1_epi32(0xFF));
+  };
+  for (std::size_t i = 0; i < 256; i += 32) {
+    const __m256i low = _mm256_packus_epi32(eight(i), eight(i + 8));
+    const __m256i high = _mm256_packus_epi32(eight(i + 16), eight(i + 24));
+    const __m256i bytes = _mm256_packus_epi16(low, high);
+    Vector32{_mm256_permutevar8x32_epi32(bytes, _mm256_setr_epi32(0, 4, 1, 5, 2, 6, 3, 7))}.Store(levels + i);
+  }
+  const auto load = [](const uint8_t* p) { return Vector16::Load(p); };
+  for (std::size_t i = 0; i < 256; i += 16) {
+    (i % 128 == 0 ? load(levels + i) : load(levels + i) ^ load(levels + i - 16)).Store(changes + i);
+  }
+  const __m256i sixteen = _mm256_set1_epi8(16);
+  CoverWithBlocks(pixels, PixelsToAlignment<1>(dst), [&](std::size_t i) {
+    Vector32 low = Vector32::Load(source + i);
+    Vector32 high = low ^ Vector32::Fill(0x80);
+    Vector32 found = Vector32::Fill(0);
+    for (std::size_t t = 0; t < 128; t += 16) {
+      found = found ^ Shuffle(Vector32::Twice(changes + t), low) ^ Shuffle(Vector32::Twice(changes + 128 + t), high);
+      low.v = _mm256_subs_epi8(low.v, sixteen);
+      high.v = _mm256_subs_epi8(high.v, sixteen);
+    }
+    found.Store(dst + i);
+  });
+}
+
 void GrayRow24(uint8_t* dst, const uint8_t* source, std::size_t pixels) {
   if (pixels < kBlockPixels) return ssse3::GrayRow24(dst, source, pixels);
   const Vector32 weights{_mm256_set1_epi32(static_cast<int>(kBandWeights))};
   CoverWithBlocks(pixels, PixelsToAlignment<1>(dst),
                   [=](std::size_t i) { Vector32{GrayBlock(source + 3 * i, weights)}.Store(dst + i); });
+}
+
+void GrayRow32(uint8_t* dst, const uint8_t* source, std::size_t pixels) {
+  if (pixels < kBlockPixels) return ssse3::GrayRow32(dst, source, pixels);
+  const Vector32 weights{_mm256_set1_epi32(static_cast<int>(kBandWeights))};
+  CoverWithBlocks(pixels, PixelsToAlignment<1>(dst), [=](std::size_t i) {
+    const auto eight = [=](const uint8_t* p) { return WeightedSums(Vector32::Load(p).v, weights); };
+    const uint8_t* const p = source + 4 * i;
+    Vector32{GrayLevels(eight(p), eight(p + 32), eight(p + 64), eight(p + 96))}.Store(dst + i);
+  });
+}
+
+void GrayRow16(uint8_t* dst, const uint8_t* source, std::size_t pixels, const PixelMasks& masks) {
+  const ComponentMask* const m = masks.component;
+  if (pixels < kBlockPixels || !FitsByte(m[0]) || !FitsByte(m[1]) || !FitsByte(m[2])) {
+    return ssse3::GrayRow16(dst, source, pixels, masks);
+  }
+  const ComponentFactors blue(m[0]), green(m[1]), red(m[2]);
+  CoverWithBlocks(pixels, PixelsToAlignment<1>(dst), [&](std::size_t i) {
+    const auto sixteen = [&](const uint8_t* p) {
+      const __m256i v = Vector32::Load(p).v;
+      const auto weighted = [](__m256i component, uint32_t weight) {
+        return _mm256_mullo_epi16(component, _mm256_set1_epi16(static_cast<int16_t>(weight)));
+      };
+      const __m256i sum =
+          _mm256_add_epi16(weighted(blue.Extract(v), kBlueWeight), weighted(green.Extract(v), kGreenWeight));
+      return Hundredth(_mm256_add_epi16(sum, weighted(red.Extract(v), kRedWeight)));
+    };
+    // Packing works in halves of a vector and leaves the eight pixels of each half in the order 0, 2, 1, 3.
+    const __m256i grays = _mm256_packus_epi16(sixteen(source + 2 * i), sixteen(source + 2 * i + 32));
+    Vector32{_mm256_permute4x64_epi64(grays, 0xD8)}.Store(dst + i);
+  });
 }
 
 // The gray level of a gray pixel is the pixel itself, so blocks may overlap.
@@ -223,13 +300,15 @@ void TripleRow24(uint8_t* dst, const uint8_t* source, std::size_t pixels) {
 // Marks, repetitions and shuffles are those of ssse3.
 constinit const PixelRows kPixelRows = {
     .ExpandBytesRow24 = avx2::ExpandBytesRow24,
-    .ExpandBytesRow8 = plain::ExpandBytesRow8,
+    .ExpandBytesRow8 = avx2::ExpandBytesRow8,
     .ExpandNibblesRow24 = avx2::ExpandNibblesRow24,
     .ExpandNibblesRow8 = avx2::ExpandNibblesRow8,
     .UnpackRow16 = avx2::UnpackRow16,
     .PackRow32 = avx2::PackRow32,
     .PackSwapRow32 = avx2::PackSwapRow32,
     .GrayRow24 = avx2::GrayRow24,
+    .GrayRow32 = avx2::GrayRow32,
+    .GrayRow16 = avx2::GrayRow16,
     .RegrayRow24 = avx2::RegrayRow24,
     .TripleRow24 = avx2::TripleRow24,
     .MarkRow24 = ssse3::MarkRow24,

@@ -81,6 +81,20 @@ void GrayRow24(uint8_t* dst, const uint8_t* source, std::size_t pixels) {
   }
 }
 
+void GrayRow32(uint8_t* dst, const uint8_t* source, std::size_t pixels) {
+  for (std::size_t i = 0; i < pixels; ++i) {
+    dst[i] = GrayOf(source[4 * i + 2], source[4 * i + 1], source[4 * i]);
+  }
+}
+
+void GrayRow16(uint8_t* dst, const uint8_t* source, std::size_t pixels, const PixelMasks& masks) {
+  for (std::size_t i = 0; i < pixels; ++i) {
+    const uint32_t pixel = static_cast<uint32_t>(source[2 * i] | source[2 * i + 1] << 8);
+    const ComponentMask* const m = masks.component;
+    dst[i] = GrayOf(m[2].Extract(pixel), m[1].Extract(pixel), m[0].Extract(pixel));
+  }
+}
+
 void RegrayRow24(uint8_t* dst, std::size_t pixels) {
   for (std::size_t i = 0; i < pixels; ++i, dst += 3) {
     dst[0] = dst[1] = dst[2] = GrayOf(dst[0], dst[1], dst[2]);
@@ -127,6 +141,8 @@ constinit const PixelRows kPixelRows = {
     .PackRow32 = plain::PackRow32,
     .PackSwapRow32 = plain::PackSwapRow32,
     .GrayRow24 = plain::GrayRow24,
+    .GrayRow32 = plain::GrayRow32,
+    .GrayRow16 = plain::GrayRow16,
     .RegrayRow24 = plain::RegrayRow24,
     .TripleRow24 = plain::TripleRow24,
     .MarkRow24 = plain::MarkRow24,

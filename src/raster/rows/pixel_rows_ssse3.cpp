@@ -96,6 +96,18 @@ __m128i SixteenGrays(const uint8_t* source, __m128i weights) {
   return _mm_packus_epi16(hundredth(a), hundredth(b));
 }
 
+// Gray levels by way of three-byte pixels, in pieces that stay in the cache. convert(colors, source, pixels)
+template <std::size_t kSourceBytes, class Convert>
+void GrayByPieces(uint8_t* dst, const uint8_t* source, std::size_t pixels, Convert convert) {
+  constexpr std::size_t kPiece = 256;
+  uint8_t colors[3 * kPiece];
+  for (std::size_t done = 0; done < pixels; done += kPiece) {
+    const std::size_t piece = pixels - done < kPiece ? pixels - done : kPiece;
+    convert(colors, source + kSourceBytes * done, piece);
+    ssse3::GrayRow24(dst + done, colors, piece);
+  }
+}
+
 // Stores each of sixteen bytes three times.
 void StoreTriples(uint8_t* dst, __m128i sixteen) {
   Store16(dst, _mm_shuffle_epi8(sixteen, _mm_setr_epi8(0, 0, 0, 1, 1, 1, 2, 2, 2, 3, 3, 3, 4, 4, 4, 5)));
@@ -212,6 +224,16 @@ void GrayRow24(uint8_t* dst, const uint8_t* source, std::size_t pixels) {
   plain::GrayRow24(dst, source, pixels);
 }
 
+void GrayRow32(uint8_t* dst, const uint8_t* source, std::size_t pixels) {
+  GrayByPieces<4>(dst, source, pixels, ssse3::PackRow32);
+}
+
+void GrayRow16(uint8_t* dst, const uint8_t* source, std::size_t pixels, const PixelMasks& masks) {
+  GrayByPieces<2>(dst, source, pixels, [&masks](uint8_t* colors, const uint8_t* piece, std::size_t count) {
+    ssse3::UnpackRow16(colors, piece, count, masks);
+  });
+}
+
 void RegrayRow24(uint8_t* dst, std::size_t pixels) {
   for (; pixels >= 18; pixels -= 16, dst += 48) StoreTriples(dst, SixteenGrays(dst, RegrayWeights()));
   plain::RegrayRow24(dst, pixels);
@@ -287,6 +309,8 @@ constinit const PixelRows kPixelRows = {
     .PackRow32 = ssse3::PackRow32,
     .PackSwapRow32 = ssse3::PackSwapRow32,
     .GrayRow24 = ssse3::GrayRow24,
+    .GrayRow32 = ssse3::GrayRow32,
+    .GrayRow16 = ssse3::GrayRow16,
     .RegrayRow24 = ssse3::RegrayRow24,
     .TripleRow24 = ssse3::TripleRow24,
     .MarkRow24 = ssse3::MarkRow24,

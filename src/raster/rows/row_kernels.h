@@ -60,6 +60,9 @@ using MinimumRow = void(uint8_t* dst, const uint8_t* source, std::size_t bytes);
 // Exchanges bytes 0 and 2 of each pixel: source 3 * pixels bytes red, green, blue.
 using SwapRow24 = void(uint8_t* dst, const uint8_t* source, std::size_t pixels);
 
+// RopSourceRow with a source whose red and blue are exchanged first: 3 * pixels bytes red, green, blue.
+using RopSwapRow24 = void(uint8_t* dst, const uint8_t* source, std::size_t pixels, const ByteMasks& masks);
+
 // Source of one bit a pixel, most significant bit first, starting at bit `offset` (0..7, 0 the most significant) of
 // *bits. Set and clear bits become the packed colors `set` and `clear` (in 8-bit bands their low bytes).
 using ExpandBitsRow24 = void(uint8_t* dst, const uint8_t* bits, std::size_t offset, std::size_t pixels, uint32_t set,
@@ -84,6 +87,7 @@ using PaintGlyph8 = ExpandGlyph24;
   X(CopyRow)               \
   X(MinimumRow)            \
   X(SwapRow24)             \
+  X(RopSwapRow24)          \
   X(ExpandBitsRow24)       \
   X(ExpandBitsRow8)        \
   X(ExpandGlyph24)         \

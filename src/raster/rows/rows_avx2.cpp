@@ -1,8 +1,12 @@
 // Level avx2: row kernels with vectors of 32 bytes, or blocks of 32 pixels.
+#include <cstring>
+#include <iterator>
+
 #include "raster/rows/byte_windows.h"
 #include "raster/rows/row_tables.h"
 #include "raster/rows/rows_bits.h"
 #include "raster/rows/rows_bits_wide.h"
+#include "raster/rows/rows_in_pieces.h"
 #include "raster/rows/rows_vector.h"
 #include "raster/rows/vector16.h"
 #include "raster/rows/vector32.h"
@@ -27,6 +31,36 @@ struct Eight24Wide {
   friend Eight24Wide operator&(Eight24Wide a, Eight24Wide b) { return {_mm256_and_si256(a.v, b.v)}; }
   friend Eight24Wide operator^(Eight24Wide a, Eight24Wide b) { return {_mm256_xor_si256(a.v, b.v)}; }
 };
+
+// Blocks of 32 pixels that follow one another. out: the band or other memory.
+struct SwapBlocks {
+  uint8_t* out;
+  const uint8_t* band;
+  const uint8_t* source;
+  std::size_t count;
+};
+
+// Exchanges red and blue of the source pixels and combines them with the band, part by part. kAnds, kXors: whether the
+// source takes part in the and mask and in the xor mask.
+template <bool kAnds, bool kXors>
+void RopSwapBlocks(const SwapBlocks* part, const SwapBlocks* end, const ByteMasks& masks) {
+  const Vector32 and2 = Vector32::Fill(masks.and2), xor2 = Vector32::Fill(masks.xor2);
+  const auto combined = [=](Vector32 d, Vector32 s) {
+    return (d & (kAnds ? s ^ and2 : and2)) ^ (kXors ? s ^ xor2 : xor2);
+  };
+  for (; part != end; ++part) {
+    uint8_t* out = part->out;
+    const uint8_t *band = part->band, *source = part->source;
+    for (std::size_t left = part->count; left != 0; --left, out += 96, band += 96, source += 96) {
+      combined(Vector32::Load(band), RearrangedVector<SwapMap, 0>(source)).Store(out);
+      combined(Vector32::Load(band + 32), RearrangedVector<SwapMap, 1>(source)).Store(out + 32);
+      combined(Vector32::Load(band + 64), RearrangedVector<SwapMap, 2>(source)).Store(out + 64);
+    }
+  }
+}
+
+// In shorter rows stores across cache lines cost less than computing a block twice.
+constexpr std::size_t kMinAligned = 512;
 
 }  // namespace
 
@@ -65,6 +99,41 @@ void SwapRow24(uint8_t* dst, const uint8_t* source, std::size_t pixels) {
   RearrangeRow<SwapMap>(dst, source, pixels, [=](std::size_t i) { plain::SwapRow24(dst + 3 * i, source + 3 * i, 1); });
 }
 
+// Both in one pass. The first and the last pixel are left to the plain kernels, because the loads of a block reach
+// beyond it. The first and the last block overlap others, so they are computed from the old bytes of the band before
+// anything is stored.
+void RopSwapRow24(uint8_t* dst, const uint8_t* source, std::size_t pixels, const ByteMasks& masks) {
+  const bool readsSource = masks.and1 != 0 || masks.xor1 != 0;
+  if (pixels < kMinRearranged || !readsSource) {
+    return RopSwapInPieces<avx2::SwapRow24, avx2::RopSourceRow>(dst, source, pixels, masks);
+  }
+  const auto edge = [&](std::size_t pixel) {
+    uint8_t* const d = dst + 3 * pixel;
+    const uint8_t* const p = source + 3 * pixel;
+    for (std::size_t i = 0; i < 3; ++i) {
+      const uint32_t s = p[2 - i];
+      d[i] = static_cast<uint8_t>((d[i] & ((s & masks.and1) ^ masks.and2)) ^ ((s & masks.xor1) ^ masks.xor2));
+    }
+  };
+  edge(0);
+  edge(pixels - 1);
+  uint8_t* const band = dst + 3;
+  source += 3;
+  const std::size_t last = pixels - 2 - kBlockPixels;
+  const std::size_t second = pixels < kMinAligned ? 0 : PixelsToAlignment<3>(band);
+  alignas(32) uint8_t firstBlock[96], lastBlock[96];
+  const SwapBlocks parts[] = {
+      {lastBlock, band + 3 * last, source + 3 * last, 1},
+      {firstBlock, band, source, second == 0 ? 0u : 1u},
+      {band + 3 * second, band + 3 * second, source + 3 * second, (last - second + kBlockPixels - 1) / kBlockPixels}};
+  const auto blocks = masks.and1 == 0   ? RopSwapBlocks<false, true>
+                      : masks.xor1 == 0 ? RopSwapBlocks<true, false>
+                                        : RopSwapBlocks<true, true>;
+  blocks(parts, std::end(parts), masks);
+  if (second != 0) std::memcpy(band, firstBlock, sizeof firstBlock);
+  std::memcpy(band + 3 * last, lastBlock, sizeof lastBlock);
+}
+
 void ExpandBitsRow24(uint8_t* dst, const uint8_t* bits, std::size_t offset, std::size_t pixels, uint32_t set,
                      uint32_t clear) {
   if (pixels < kBlockPixels) return sse2::ExpandBitsRow24(dst, bits, offset, pixels, set, clear);
@@ -90,6 +159,7 @@ constinit const RowKernels kRowKernels = {
     .CopyRow = avx2::CopyRow,
     .MinimumRow = avx2::MinimumRow,
     .SwapRow24 = avx2::SwapRow24,
+    .RopSwapRow24 = avx2::RopSwapRow24,
     .ExpandBitsRow24 = avx2::ExpandBitsRow24,
     .ExpandBitsRow8 = avx2::ExpandBitsRow8,
     .ExpandGlyph24 = sse2::ExpandGlyph24,

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "raster/rows/row_tables.h"
+#include "raster/rows/rows_in_pieces.h"
 #include "raster/rows/store_pixel.h"
 #include "raster/rows/tile.h"
 
@@ -93,6 +94,10 @@ void SwapRow24(uint8_t* dst, const uint8_t* source, std::size_t pixels) {
   }
 }
 
+void RopSwapRow24(uint8_t* dst, const uint8_t* source, std::size_t pixels, const ByteMasks& masks) {
+  RopSwapInPieces<plain::SwapRow24, plain::RopSourceRow>(dst, source, pixels, masks);
+}
+
 void ExpandBitsRow24(uint8_t* dst, const uint8_t* bits, std::size_t offset, std::size_t pixels, uint32_t set,
                      uint32_t clear) {
   ExpandBits<3>(dst, bits, offset, pixels, set, clear);
@@ -128,6 +133,7 @@ constinit const RowKernels kRowKernels = {
     .CopyRow = plain::CopyRow,
     .MinimumRow = plain::MinimumRow,
     .SwapRow24 = plain::SwapRow24,
+    .RopSwapRow24 = plain::RopSwapRow24,
     .ExpandBitsRow24 = plain::ExpandBitsRow24,
     .ExpandBitsRow8 = plain::ExpandBitsRow8,
     .ExpandGlyph24 = plain::ExpandGlyph24,

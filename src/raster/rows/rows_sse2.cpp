@@ -1,6 +1,7 @@
 // Level sse2: row kernels with vectors of 16 bytes. Image kernels are the plain ones, because SSE2 has no byte shuffle.
 #include "raster/rows/row_tables.h"
 #include "raster/rows/rows_bits.h"
+#include "raster/rows/rows_in_pieces.h"
 #include "raster/rows/rows_swap.h"
 #include "raster/rows/rows_vector.h"
 #include "raster/rows/vector16.h"
@@ -32,6 +33,10 @@ void MinimumRow(uint8_t* dst, const uint8_t* source, std::size_t bytes) {
 }
 
 void SwapRow24(uint8_t* dst, const uint8_t* source, std::size_t pixels) { SwapRow24Of<Vector16>(dst, source, pixels); }
+
+void RopSwapRow24(uint8_t* dst, const uint8_t* source, std::size_t pixels, const ByteMasks& masks) {
+  RopSwapInPieces<sse2::SwapRow24, sse2::RopSourceRow>(dst, source, pixels, masks);
+}
 
 void ExpandBitsRow24(uint8_t* dst, const uint8_t* bits, std::size_t offset, std::size_t pixels, uint32_t set,
                      uint32_t clear) {
@@ -68,6 +73,7 @@ constinit const RowKernels kRowKernels = {
     .CopyRow = sse2::CopyRow,
     .MinimumRow = sse2::MinimumRow,
     .SwapRow24 = sse2::SwapRow24,
+    .RopSwapRow24 = sse2::RopSwapRow24,
     .ExpandBitsRow24 = sse2::ExpandBitsRow24,
     .ExpandBitsRow8 = sse2::ExpandBitsRow8,
     .ExpandGlyph24 = sse2::ExpandGlyph24,

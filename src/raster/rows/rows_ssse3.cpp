@@ -3,6 +3,7 @@
 #include <tmmintrin.h>
 
 #include "raster/rows/row_tables.h"
+#include "raster/rows/rows_in_pieces.h"
 
 namespace qnv::ssse3 {
 
@@ -16,6 +17,10 @@ void SwapRow24(uint8_t* dst, const uint8_t* source, std::size_t pixels) {
   plain::SwapRow24(dst, source, pixels);
 }
 
+void RopSwapRow24(uint8_t* dst, const uint8_t* source, std::size_t pixels, const ByteMasks& masks) {
+  RopSwapInPieces<ssse3::SwapRow24, sse2::RopSourceRow>(dst, source, pixels, masks);
+}
+
 // All but the exchange of red and blue are those of sse2.
 constinit const RowKernels kRowKernels = {
     .FillTileRow = sse2::FillTileRow,
@@ -25,6 +30,7 @@ constinit const RowKernels kRowKernels = {
     .CopyRow = sse2::CopyRow,
     .MinimumRow = sse2::MinimumRow,
     .SwapRow24 = ssse3::SwapRow24,
+    .RopSwapRow24 = ssse3::RopSwapRow24,
     .ExpandBitsRow24 = sse2::ExpandBitsRow24,
     .ExpandBitsRow8 = sse2::ExpandBitsRow8,
     .ExpandGlyph24 = sse2::ExpandGlyph24,
