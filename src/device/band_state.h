@@ -29,7 +29,7 @@ struct BandState {
   // pattern has a period of 0 and paints nothing.
   FillPattern fillPattern{};
   uint32_t stride = 0;  // bytes from one band row to the next
-  const RowKernels* rows = &KernelsFor(DetectCpuLevel());
+  const RowKernels* rows = &KernelsFor(DetectCpuLevel(), HasFastStrings());
   ScratchBuffer scratch{kScratchBytes};
   ImageBuffers imageBuffers;
 

@@ -11,15 +11,22 @@ void* __wrap_malloc(std::size_t bytes);
 void* __wrap_calloc(std::size_t count, std::size_t bytes);
 void* __wrap_realloc(void* block, std::size_t bytes);
 void __wrap_free(void* block);
-// The library's question which instructions the processor has. Virtual machines take long to answer it, and a million
-// devices ask it.
+// The library's questions which instructions the processor has, and whether some are fast. Virtual machines take long
+// to answer them, and a million devices ask them.
 uint8_t __real__ZN3qnv14DetectCpuLevelEv();
 uint8_t __wrap__ZN3qnv14DetectCpuLevelEv();
+bool __real__ZN3qnv14HasFastStringsEv();
+bool __wrap__ZN3qnv14HasFastStringsEv();
 }
 
 uint8_t __wrap__ZN3qnv14DetectCpuLevelEv() {
   static const uint8_t level = __real__ZN3qnv14DetectCpuLevelEv();
   return level;
+}
+
+bool __wrap__ZN3qnv14HasFastStringsEv() {
+  static const bool fast = __real__ZN3qnv14HasFastStringsEv();
+  return fast;
 }
 
 namespace {

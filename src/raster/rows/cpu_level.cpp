@@ -1,5 +1,5 @@
 // Detects the level: checks the list in levels.h from the lowest level on and stops at the first that the processor or
-// the operating system lacks.
+// the operating system lacks. Also asks for fast string instructions.
 #include "raster/rows/cpu_level.h"
 
 #if defined(__x86_64__) || defined(__i386__)
@@ -65,6 +65,15 @@ CpuLevel ProcessorLevel() { return CpuLevel::kPlain; }
 #endif
 
 }  // namespace
+
+bool HasFastStrings() {
+#if defined(__x86_64__) || defined(__i386__)
+  constexpr uint32_t kErms = 1u << 9;
+  return (Cpuid(7).b & kErms) != 0;
+#else
+  return false;
+#endif
+}
 
 CpuLevel DetectCpuLevel() {
   const CpuLevel level = ProcessorLevel();

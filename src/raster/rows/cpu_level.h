@@ -18,4 +18,7 @@ enum class CpuLevel : uint8_t {
 // The highest level whose instructions the processor has and whose registers the operating system saves.
 CpuLevel DetectCpuLevel();
 
+// Whether the processor says that its string instructions are fast (ERMS).
+bool HasFastStrings();
+
 }  // namespace qnv

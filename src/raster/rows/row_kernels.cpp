@@ -5,7 +5,12 @@
 
 namespace qnv {
 
-const RowKernels& KernelsFor(CpuLevel level) {
+const RowKernels& KernelsFor(CpuLevel level, bool fastStrings) {
+#if defined(__x86_64__) || defined(__i386__)
+  if (level == CpuLevel::kAvx2 && fastStrings) return avx2::kFastStringKernels;
+#else
+  static_cast<void>(fastStrings);
+#endif
   static constexpr const RowKernels* kTables[] = {
 #define QNV_LEVEL(name, ...) &name::kRowKernels,
       QNV_KERNEL_LEVELS(QNV_LEVEL)

@@ -106,7 +106,8 @@ struct RowKernels {
 };
 
 // The kernels of a level. Entries that a level does not specialise come from the levels below; the plain kernels
-// define what each entry does. Requires: a level that the processor has.
-const RowKernels& KernelsFor(CpuLevel level);
+// define what each entry does. fastStrings: long rows may be copied by string instructions. Requires: a level that the
+// processor has.
+const RowKernels& KernelsFor(CpuLevel level, bool fastStrings = false);
 
 }  // namespace qnv

@@ -20,4 +20,11 @@ QNV_KERNEL_LEVELS(QNV_DECLARE_LEVEL)
 #undef QNV_DECLARE_LEVEL
 #undef QNV_DECLARE_KERNEL
 
+#if defined(__x86_64__) || defined(__i386__)
+namespace avx2 {
+// The table for processors with fast string instructions.
+extern const RowKernels kFastStringKernels;
+}  // namespace avx2
+#endif
+
 }  // namespace qnv

@@ -59,6 +59,14 @@ void RopSwapBlocks(const SwapBlocks* part, const SwapBlocks* end, const ByteMask
   }
 }
 
+// For long rows the copy instruction is fastest where it is fast at all, because it does not read the cache lines that
+// it overwrites.
+void CopyByString(uint8_t* dst, const uint8_t* source, std::size_t bytes) {
+  constexpr std::size_t kLong = 16384;
+  if (bytes < kLong) return CopyRowOf<Vector32, Vector16>(dst, source, bytes);
+  __asm__ volatile("rep movsb" : "+D"(dst), "+S"(source), "+c"(bytes) : : "memory");
+}
+
 // In shorter rows stores across cache lines cost less than computing a block twice.
 constexpr std::size_t kMinAligned = 512;
 
@@ -84,12 +92,8 @@ void MinimumRow(uint8_t* dst, const uint8_t* source, std::size_t bytes) {
   MinimumRowOf<Vector32, Vector16>(dst, source, bytes);
 }
 
-// For long rows the copy instruction of the processor is fastest, because it does not read the cache lines that it
-// overwrites.
 void CopyRow(uint8_t* dst, const uint8_t* source, std::size_t bytes) {
-  constexpr std::size_t kLong = 16384;
-  if (bytes < kLong) return CopyRowOf<Vector32, Vector16>(dst, source, bytes);
-  __asm__ volatile("rep movsb" : "+D"(dst), "+S"(source), "+c"(bytes) : : "memory");
+  CopyRowOf<Vector32, Vector16>(dst, source, bytes);
 }
 
 // In the kernels that follow rows shorter than a block are passed to the levels below.
@@ -150,23 +154,32 @@ void PaintGlyph24(uint8_t* dst, std::size_t stride, const GlyphColumn& column, c
   PaintGlyphOf<Eight24Wide>(dst, stride, column, colors);
 }
 
+namespace {
+
 // The glyph kernels that this level does not specialise are those of sse2.
-constinit const RowKernels kRowKernels = {
-    .FillTileRow = avx2::FillTileRow,
-    .RopTileRow = avx2::RopTileRow,
-    .RopSourceRow = avx2::RopSourceRow,
-    .RopSourceTileRow = avx2::RopSourceTileRow,
-    .CopyRow = avx2::CopyRow,
-    .MinimumRow = avx2::MinimumRow,
-    .SwapRow24 = avx2::SwapRow24,
-    .RopSwapRow24 = avx2::RopSwapRow24,
-    .ExpandBitsRow24 = avx2::ExpandBitsRow24,
-    .ExpandBitsRow8 = avx2::ExpandBitsRow8,
-    .ExpandGlyph24 = sse2::ExpandGlyph24,
-    .ExpandGlyph8 = sse2::ExpandGlyph8,
-    .PaintGlyph24 = avx2::PaintGlyph24,
-    .PaintGlyph8 = sse2::PaintGlyph8,
-    .image = &kPixelRows,
-};
+constexpr RowKernels TableWith(kernel::CopyRow* copy) {
+  return {
+      .FillTileRow = avx2::FillTileRow,
+      .RopTileRow = avx2::RopTileRow,
+      .RopSourceRow = avx2::RopSourceRow,
+      .RopSourceTileRow = avx2::RopSourceTileRow,
+      .CopyRow = copy,
+      .MinimumRow = avx2::MinimumRow,
+      .SwapRow24 = avx2::SwapRow24,
+      .RopSwapRow24 = avx2::RopSwapRow24,
+      .ExpandBitsRow24 = avx2::ExpandBitsRow24,
+      .ExpandBitsRow8 = avx2::ExpandBitsRow8,
+      .ExpandGlyph24 = sse2::ExpandGlyph24,
+      .ExpandGlyph8 = sse2::ExpandGlyph8,
+      .PaintGlyph24 = avx2::PaintGlyph24,
+      .PaintGlyph8 = sse2::PaintGlyph8,
+      .image = &kPixelRows,
+  };
+}
+
+}  // namespace
+
+constinit const RowKernels kRowKernels = TableWith(avx2::CopyRow);
+constinit const RowKernels kFastStringKernels = TableWith(CopyByString);
 
 }  // namespace qnv::avx2
