@@ -33,6 +33,17 @@ void CoverWithBlocks(std::size_t pixels, std::size_t second, Block block) {
   block(pixels - kBlockPixels);
 }
 
+// The same for blocks of much code, which is not copied for the first and the last block.
+template <class Block>
+void CoverWithLargeBlocks(std::size_t pixels, std::size_t second, Block block) {
+  const std::size_t last = pixels - kBlockPixels;
+  for (std::size_t i = 0, next = second;; next = i + kBlockPixels) {
+    block(i);
+    if (i == last) return;
+    i = next < last ? next : last;
+  }
+}
+
 // Stores 32 pixels as 96 bytes. Each vector holds eight of them, a pixel in the lower three bytes of every four.
 inline void StoreBlock(uint8_t* dst, __m256i a, __m256i b, __m256i c, __m256i d) {
   const __m256i pack = _mm256_setr_epi8(0, 1, 2, 4, 5, 6, 8, 9, 10, 12, 13, 14, -1, -1, -1, -1,  //

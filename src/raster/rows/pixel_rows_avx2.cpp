@@ -231,7 +231,7 @@ void ExpandBytesRow8(uint8_t* dst, const uint8_t* source, std::size_t pixels, co
     (i % 128 == 0 ? load(levels + i) : load(levels + i) ^ load(levels + i - 16)).Store(changes + i);
   }
   const __m256i sixteen = _mm256_set1_epi8(16);
-  CoverWithBlocks(pixels, PixelsToAlignment<1>(dst), [&](std::size_t i) {
+  CoverWithLargeBlocks(pixels, PixelsToAlignment<1>(dst), [&](std::size_t i) {
     Vector32 low = Vector32::Load(source + i);
     Vector32 high = low ^ Vector32::Fill(0x80);
     Vector32 found = Vector32::Fill(0);
@@ -267,7 +267,7 @@ void GrayRow16(uint8_t* dst, const uint8_t* source, std::size_t pixels, const Pi
     return ssse3::GrayRow16(dst, source, pixels, masks);
   }
   const ComponentFactors blue(m[0]), green(m[1]), red(m[2]);
-  CoverWithBlocks(pixels, PixelsToAlignment<1>(dst), [&](std::size_t i) {
+  CoverWithLargeBlocks(pixels, PixelsToAlignment<1>(dst), [&](std::size_t i) {
     const auto sixteen = [&](const uint8_t* p) {
       const __m256i v = Vector32::Load(p).v;
       const auto weighted = [](__m256i component, uint32_t weight) {
