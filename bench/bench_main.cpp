@@ -57,8 +57,7 @@ bool ReadReport(const std::string& path, Report& report, std::string& error) {
     error = "cannot be read";
     return false;
   }
-  Json json;
-  return Json::Parse(text, json, error) && ReportFromJson(json, report, error);
+  return ReportFromJson(text, report, error);
 }
 
 // A run: measures the chosen rows, prints and writes the report. Returns the exit code.
@@ -84,7 +83,7 @@ int Measure(const Options& options, const RowFilter& filter) {
   PrintLimits(report);
   PrintDerived(report);
   if (!options.compare.empty()) PrintComparison(before, report);
-  if (!options.json.empty() && !WriteTextFile(options.json, ReportToJson(report).Write(2))) {
+  if (!options.json.empty() && !WriteTextFile(options.json, ReportToJson(report))) {
     return Fail(options.json + ": cannot be written", 1);
   }
   if (!options.csv.empty() && !WriteTextFile(options.csv, ReportToCsv(report))) {

@@ -6,8 +6,6 @@
 #include <utility>
 #include <vector>
 
-#include "json.h"
-
 namespace qnv::bench {
 
 // The result of a row.
@@ -77,9 +75,9 @@ void PrintRowHeading();
 void PrintRow(const RowResult& row);
 void PrintDerived(const Report& report);
 
-Json ReportToJson(const Report& report);
-// Reads limits, rows and derived figures; false when the value is no report.
-bool ReportFromJson(const Json& json, Report& report, std::string& error);
+std::string ReportToJson(const Report& report);
+// Reads limits, rows and derived figures; false when the text is no report.
+bool ReportFromJson(const std::string& text, Report& report, std::string& error);
 bool WriteTextFile(const std::string& path, const std::string& text);
 bool ReadTextFile(const std::string& path, std::string& text);
 

@@ -3,9 +3,12 @@
 # The benchmark opens the library by path and is not linked with it. The page that it paints is a call file, which lies
 # beside it.
 file(GLOB bench_sources CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/bench/*.cpp)
-if(bench_sources AND NOT QNV_FUZZ)
+if(bench_sources AND NOT QNV_JSON_DIR)
+  message(STATUS "No qnvbench: nlohmann-json is missing")
+elseif(bench_sources AND NOT QNV_FUZZ)
   add_executable(qnvbench ${bench_sources})
   target_include_directories(qnvbench PRIVATE ${PROJECT_SOURCE_DIR}/include)
+  target_include_directories(qnvbench SYSTEM PRIVATE ${QNV_HEADER_LINKS})
   target_link_libraries(qnvbench PRIVATE calls qnv_options ${CMAKE_DL_LIBS})
   configure_file(${PROJECT_SOURCE_DIR}/bench/pages/qnvbench_page.qnv
     ${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/qnvbench_page.qnv COPYONLY)
