@@ -115,5 +115,31 @@ TEST(PolyPixel, AsTheModelPaints) {
   }
 }
 
+// A thousand points on one gray pixel, each of which turns its level into another: the levels repeat after one, two, or
+// many of them.
+TEST(PolyPixel, PointsOnOneGrayPixel) {
+  Random random(2718);
+  const DeviceOptions options{.kind = QNV_KIND_SCALED, .bitsPerPixel = 0, .resolutionA = 65535, .resolutionB = 1};
+  TestDevice device(options);
+  const DeviceDescription description{options.kind,  options.bitsPerPixel, options.resolutionA,
+                                      options.width, options.height,       options.resolutionB};
+  const BandRect band{0, 0, static_cast<int32_t>(options.width), static_cast<int32_t>(options.height)};
+  const std::vector<uint8_t> colors = device.BandBytes();
+  const auto model = reference::MakeModel(&description, &band, &colors, nullptr);
+  ASSERT_NE(nullptr, model);
+  DRAWMODE mode = MakeDrawMode();
+  for (int16_t rop = 1; rop <= 16; ++rop) {
+    mode.Rop2 = rop;
+    for (int i = 0; i < 40; ++i) {
+      const auto color = static_cast<uint32_t>(random.Range(0, 0xFFFFFF));
+      const int32_t last = random.Range(600, 1400);
+      QNVPolyPixel(device.handle(), 0, 0, last, 1, color, &mode, &kEverywhere);
+      model->PolyPixel(0, 0, last, 1, color, &mode, &kEverywhere);
+      ASSERT_EQ(model->band().bytes(), device.BandBytes()) << "rop " << rop << ", " << color << ", " << last;
+    }
+  }
+  EXPECT_TRUE(device.FencesIntact());
+}
+
 }  // namespace
 }  // namespace qnv::test
