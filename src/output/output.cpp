@@ -12,12 +12,12 @@ template <class Mapping>
 bool ReachesRows(const Mapping&, const Rect& limits, Origin origin, SpanStyle style, const OutputArguments& a) {
   if (limits.left >= limits.right || limits.top >= limits.bottom) return false;
   if (!Mapping::kOneToOne || style == SpanStyle::kBandedSpans) return true;
+  constexpr int32_t kFar = 1 << 30;
+  if (origin.y < -kFar || origin.y > kFar) return true;  // numbers could wrap
   // The row that the list begins with, and how many there are: one after another, without gaps.
   const bool oneRow = style == SpanStyle::kScanlines;
-  const int64_t first = int64_t{SpanWords(a.points).At(oneRow ? 1 : 0)} + origin.y;
-  const int64_t end = first + (oneRow || a.count == 0 ? 1 : a.count);
-  if (first < INT32_MIN || end > INT32_MAX) return true;  // numbers that wrap
-  return first < limits.bottom && end > limits.top;
+  const int32_t first = SpanWords(a.points).At(oneRow ? 1 : 0) + origin.y;
+  return first < limits.bottom && first + (oneRow || a.count == 0 ? 1 : a.count) > limits.top;
 }
 
 // Output on a band that a mapping leads to.
