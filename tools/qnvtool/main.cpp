@@ -1,10 +1,8 @@
 // qnvtool: its commands, with fonts, picture formats and the library that it is linked with.
 #include <utility>
 
-#include "qnvtool/calls/call_commands.h"
 #include "qnvtool/calls/local_server.h"
-#include "qnvtool/cli/cmd_make_picture.h"
-#include "qnvtool/cli/cmd_print.h"
+#include "qnvtool/calls/tool_program.h"
 #include "qnvtool/input/jpeg_reader.h"
 #include "qnvtool/input/png_reader.h"
 #include "qnvtool/input/tiff_reader.h"
@@ -31,18 +29,11 @@ FontShelf OpenFonts(const PrintOptions& options, int dpi, NoteSink note) {
 
 int main(int argc, char** argv) {
   using namespace qnv::tool;
-  Program program{.name = "qnvtool",
-                  .summary = "prints and inspects with the band rasteriser",
-                  .version = QNVTOOL_VERSION,
-                  .commands = {PrintCommand({.openFonts = OpenFonts,
-                                             .linked = LinkedRasteriser,
-                                             .output = {CreatePngFile, CreateDocument, CreateEncoder},
-                                             .openPrinter = OpenIppPrinter,
-                                             .decoders = {OpenPng, OpenJpeg, OpenTiff},
-                                             .openDecoder = OpenIconvDecoder}),
-                               MakePictureCommand()}};
-  for (Command& command : CallCommands({LinkedRasteriser, WritePngFile, Gzip, ServeLocalPage})) {
-    program.commands.push_back(std::move(command));
-  }
-  return RunProgram(program, argc, argv);
+  const PrintParts print{.openFonts = OpenFonts,
+                         .linked = LinkedRasteriser,
+                         .output = {CreatePngFile, CreateDocument, CreateEncoder},
+                         .openPrinter = OpenIppPrinter,
+                         .decoders = {OpenPng, OpenJpeg, OpenTiff},
+                         .openDecoder = OpenIconvDecoder};
+  return RunTool(print, {LinkedRasteriser, WritePngFile, Gzip, ServeLocalPage}, QNVTOOL_VERSION, argc, argv);
 }

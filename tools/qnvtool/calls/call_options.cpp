@@ -13,12 +13,9 @@ Option CallFileArgument(std::string* path, const std::string& name) {
 }
 
 Option CallFileOut(std::string* path) {
-  return {.names = "-o,--out",
-          .placeholder = "FILE.qnv",
-          .help = "Call file to write",
-          .value = Text{path},
-          .required = true,
-          .fileTypes = "qnv"};
+  Option out = CallFileArgument(path, "-o,--out");
+  out.help = "Call file to write";
+  return out;
 }
 
 Option LibraryOption(std::string* path) {

@@ -3,9 +3,7 @@
 #include <string>
 #include <utility>
 
-#include "qnvtool/calls/call_commands.h"
-#include "qnvtool/cli/cmd_make_picture.h"
-#include "qnvtool/cli/cmd_print.h"
+#include "qnvtool/calls/tool_program.h"
 #include "qnvtool/output/documents.h"
 #include "qnvtool/output/gzip.h"
 #include "qnvtool/output/png_writer.h"
@@ -35,18 +33,11 @@ std::unique_ptr<RowEncoder> CreatePngOrPdfEncoder(PictureFormat, const PictureFo
 
 int main(int argc, char** argv) {
   using namespace qnv::tool;
-  Program program{.name = "qnvtool",
-                  .summary = "prints and inspects with the band rasteriser",
-                  .version = QNVTOOL_VERSION,
-                  .commands = {PrintCommand({.openFonts = OpenFonts,
-                                             .linked = LinkedRasteriser,
-                                             .output = {.createPng = CreatePngFile,
-                                                        .createDocument = CreatePdfDocument,
-                                                        .createEncoder = CreatePngOrPdfEncoder,
-                                                        .documents = {PictureFormat::kPdf}}}),
-                               MakePictureCommand()}};
-  for (Command& command : CallCommands({LinkedRasteriser, WritePngFile, Gzip})) {
-    program.commands.push_back(std::move(command));
-  }
-  return RunProgram(program, argc, argv);
+  const PrintParts print{.openFonts = OpenFonts,
+                         .linked = LinkedRasteriser,
+                         .output = {.createPng = CreatePngFile,
+                                    .createDocument = CreatePdfDocument,
+                                    .createEncoder = CreatePngOrPdfEncoder,
+                                    .documents = {PictureFormat::kPdf}}};
+  return RunTool(print, {LinkedRasteriser, WritePngFile, Gzip}, QNVTOOL_VERSION, argc, argv);
 }
