@@ -115,7 +115,7 @@ def read_equivalents():
 
 
 def key_of(mutation):
-    return (mutation.file, mutation.text, f"{mutation.old.strip()} -> {mutation.new.strip()}")
+    return (mutation.file, mutation.text, f"{mutation.old.strip()} -> {mutation.new.strip()}".strip())
 
 
 # Each suite: the target that it needs and the command, relative to the build folder.
