@@ -49,7 +49,9 @@ uint16_t FontRecord::TableWidthOf(const uint8_t* string, int32_t n) const {
   uint32_t sum = 0;
   const auto addOneByOne = [&](int32_t i, int32_t end) {
     for (; i < end; ++i) {
-      const std::size_t index = string[i] < first || string[i] > last ? info_.dfDefaultChar : string[i] - first;
+      const uint8_t code = string[i];
+      const bool isInside = code >= first && code <= last;
+      const std::size_t index = isInside ? code - first : info_.dfDefaultChar;
       sum += Read<uint16_t>(entries + (isShort ? 4 : 6) * index);
     }
   };
