@@ -48,11 +48,12 @@ auto OnDevice(const DeviceHandle* handle, const Call& call) -> decltype(call(*De
 DeviceHandle* Enable(const DeviceDescription* description, const BandRect* bandRect, void* buffer, void* secondBuffer) {
   auto* const band = static_cast<uint8_t*>(buffer);
   auto* const tags = static_cast<uint8_t*>(secondBuffer);
+  // What the planes hold is read before each call. Here even their memory may be missing, if the device is refused.
   std::vector<uint8_t> bandContents, tagContents;
   if (description != nullptr && bandRect != nullptr) {
     const uint32_t bytes = description->kind == QNV_KIND_SCALED || description->bitsPerPixel == 24 ? 3 : 1;
-    bandContents = Contents(band, std::size_t{(description->width * bytes + 3) & ~3u} * description->height);
-    tagContents = Contents(tags, std::size_t{(description->width + 3) & ~3u} * description->height);
+    bandContents.resize(std::size_t{(description->width * bytes + 3) & ~3u} * description->height);
+    tagContents.resize(std::size_t{(description->width + 3) & ~3u} * description->height);
   }
   std::unique_ptr<reference::Model> model = reference::MakeModel(
       description, bandRect, band == nullptr ? nullptr : &bandContents, tags == nullptr ? nullptr : &tagContents);

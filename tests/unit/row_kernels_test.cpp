@@ -120,7 +120,7 @@ TEST_P(RowKernelsTest, RowsOfASource) {
 
 // The table that devices of this machine use may copy long rows another way.
 TEST(FastStrings, CopyRow) {
-  const kernel::CopyRow* const copy = KernelsFor(DetectCpuLevel(), HasFastStrings()).CopyRow;
+  kernel::CopyRow* const copy = KernelsFor(DetectCpuLevel(), HasFastStrings()).CopyRow;
   std::mt19937 random(4711);
   for (const std::size_t bytes :
        {std::size_t{0}, std::size_t{100}, std::size_t{16383}, std::size_t{16384}, std::size_t{20001}}) {

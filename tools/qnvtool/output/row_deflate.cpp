@@ -10,6 +10,7 @@
 #include <new>
 #include <utility>
 
+#include "qnvtool/base/reused.h"
 #include "qnvtool/output/run_deflate.h"
 
 namespace qnv::tool {
@@ -56,7 +57,7 @@ struct Scratch {
   int level = kNoLevel;  // of the stream
 };
 
-thread_local Scratch scratch;
+Reused<Scratch> scratches;
 
 // Writes the difference of a row from the one above. Most parts of most rows do not differ, which is found out much
 // faster than they are converted. Returns the number of parts that differ.
@@ -123,6 +124,8 @@ class DeflateEncoder final : public RowEncoder {
 
   // Compresses rows [begin, end) of the view as a part of a raw deflate stream.
   EncodedPiece Compress(const PictureRowsView& view, int begin, int end, bool last) const {
+    const auto loan = scratches.Take();
+    Scratch& scratch = *loan;
     EncodedPiece block;
     const std::size_t rows = static_cast<std::size_t>(end - begin);
     block.size = rows * rowSize_;
@@ -138,7 +141,7 @@ class DeflateEncoder final : public RowEncoder {
       return block;
     }
 
-    z_stream& stream = StreamOf(hasLevel ? form_.compression : kLevel);
+    z_stream& stream = StreamOf(scratch, hasLevel ? form_.compression : kLevel);
     if (knownSize != 0) {
       FilterRows(view, begin - (known - 1), begin, scratch.filtered.data());
       const std::size_t used = std::min(kDictionary, knownSize);
@@ -157,8 +160,8 @@ class DeflateEncoder final : public RowEncoder {
     return block;
   }
 
-  // This thread's, at its beginning.
-  static z_stream& StreamOf(int level) {
+  // At its beginning.
+  static z_stream& StreamOf(Scratch& scratch, int level) {
     if (scratch.level == level) {
       deflateReset(&scratch.stream);
     } else {

@@ -8,6 +8,8 @@
 #include <cstring>
 #include <iterator>
 
+#include "qnvtool/base/reused.h"
+
 namespace qnv::tool {
 namespace {
 
@@ -248,7 +250,9 @@ void FindRuns(const uint8_t* bytes, std::size_t size, Tokens& result) {
 }  // namespace
 
 uint32_t DeflateRuns(const uint8_t* bytes, std::size_t size, DeflateEnd end, std::vector<uint8_t>& result) {
-  thread_local Tokens tokens;
+  static Reused<Tokens> reused;
+  const auto loan = reused.Take();
+  Tokens& tokens = *loan;
   FindRuns(bytes, size, tokens);
   ++tokens.counts[kEndOfBlock];
   if (size == 0) ++tokens.counts[0];  // a code has at least two symbols

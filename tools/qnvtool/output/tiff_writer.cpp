@@ -16,6 +16,7 @@
 
 #include "qnvtool/base/output_file.h"
 #include "qnvtool/base/phase_times.h"
+#include "qnvtool/base/reused.h"
 #include "qnvtool/output/documents.h"
 
 namespace qnv::tool {
@@ -92,8 +93,14 @@ class StripEncoder final : public RowEncoder {
   }
 
  private:
+  struct Scratch {
+    Buffer rows, row, compressed;
+  };
+
   Buffer Compress(const PictureRowsView& view, int begin, int end) const {
-    thread_local Buffer rows, row, compressed;  // fresh memory for every strip costs time
+    static Reused<Scratch> reused;
+    const auto loan = reused.Take();
+    auto& [rows, row, compressed] = *loan;
     rows.clear();
     const std::size_t step = form_.pixels == PictureForm::Pixels::kColor ? 3 : 1;  // bytes of a pixel
     for (int i = begin; i < end; ++i) {
