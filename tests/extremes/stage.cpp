@@ -192,10 +192,12 @@ BandRect Stage::AllowedPixels(const Limits& limits, bool tags) const {
   const bool allZero = clip.left == 0 && clip.top == 0 && clip.right == 0 && clip.bottom == 0;
   if (limits.none || allZero) return all;
   if (limits.widens || tags) {
-    // Not every step of a call widens the clip; where the widened edge wraps around, the given one is the farther.
-    const int32_t left = Sum(limits.left, originX_), top = Sum(limits.top, originY_);
-    if (left < 0) clip.left = std::min(clip.left, Sum(clip.left, left));
-    if (top < 0) clip.top = std::min(clip.top, Sum(clip.top, top));
+    // Tags are also written within the clip as given: where the widened edge wraps around, that one is the farther.
+    const auto widen = [&](int32_t& edge, int32_t by) {
+      if (by < 0) edge = tags ? std::min(edge, Sum(edge, by)) : Sum(edge, by);
+    };
+    widen(clip.left, Sum(limits.left, originX_));
+    widen(clip.top, Sum(limits.top, originY_));
   }
   int64_t edges[4] = {clip.left, clip.top, clip.right, clip.bottom};
   if (tags) {
