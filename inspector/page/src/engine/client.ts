@@ -2,10 +2,8 @@
 // that is no longer wanted (its signal is aborted) costs nothing.
 import { Abandoned, type DrawQuestion, type Engine, type Pixels, type Question } from './contract';
 import type { Job, Request, Response, Result } from './messages';
+import { RequestQueue } from './queue';
 import EngineWorker from './worker?worker&inline';
-
-// One is computed while the next is already there.
-const kMaxInFlight = 2;
 
 interface Waiting {
   job: Job;
@@ -17,7 +15,7 @@ interface Waiting {
 
 export class WorkerEngine implements Engine {
   private readonly worker = new EngineWorker();
-  private readonly waiting: Waiting[] = [];
+  private readonly waiting = new RequestQueue<Waiting>();
   private readonly inFlight = new Map<number, Waiting>();
   private nextId = 1;
   // The engine uses the numbers of closed files again. The page has one for each file that was ever opened, so that
@@ -34,7 +32,7 @@ export class WorkerEngine implements Engine {
     };
     this.worker.onerror = (event) => {
       const error = new Error(`The engine cannot run here: ${event.message || 'its worker did not start'}.`);
-      for (const request of [...this.inFlight.values(), ...this.waiting.splice(0)]) request.reject(error);
+      for (const request of [...this.inFlight.values(), ...this.waiting.takeAll()]) request.reject(error);
       this.inFlight.clear();
     };
   }
@@ -72,15 +70,14 @@ export class WorkerEngine implements Engine {
 
   private request(job: Job, signal?: AbortSignal, transfer: Transferable[] = []): Promise<Result> {
     return new Promise((resolve, reject) => {
-      this.waiting.push({ job, transfer, signal, resolve, reject });
+      this.waiting.add({ job, transfer, signal, resolve, reject });
       this.sendMore();
     });
   }
 
   private sendMore(): void {
-    while (this.inFlight.size < kMaxInFlight) {
-      const request = this.waiting.shift();
-      if (!request) return;
+    const take = () => this.waiting.take(this.inFlight.values());
+    for (let request = take(); request; request = take()) {
       if (request.signal?.aborted) {
         request.reject(new Abandoned());
         continue;

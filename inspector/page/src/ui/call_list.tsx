@@ -1,14 +1,17 @@
 // The list of calls: all of them, or those that the filters leave.
+import type { VNode } from 'preact';
+import { useRef } from 'preact/hooks';
 import { kDiffers, kDraws, kHasFindings, kSkipped } from '../engine/contract';
 import { clearFilter, showCall } from '../model/actions';
 import { formatCount, formatTime, shortFunction } from '../model/format';
 import { argumentsOf } from '../model/lines';
-import { activeFile, useApp } from '../model/state';
+import { type OpenFile, activeFile, useApp } from '../model/state';
 import { indexOfCall } from '../model/steps';
 import { Filters } from './filters';
 import { VirtualList } from './virtual_list';
 
 const kRowHeight = 24;
+const kMaxKept = 500; // drawn rows
 
 function Marks({ flags }: { flags: number }) {
   if (flags & kDiffers) {
@@ -41,6 +44,8 @@ export function CallList() {
   const matchError = useApp((state) => state.matchError);
   const call = useApp((state) => state.call);
   useApp((state) => state.arrivals);
+  // Preact does not look again at what it has drawn from the same object.
+  const drawn = useRef(new Map<number, { file: OpenFile; line: string | undefined; row: VNode }>());
   if (!file) return null;
   const { columns, lines } = file;
   const rows = matches ? matches.length : columns.count;
@@ -51,7 +56,9 @@ export function CallList() {
   const draw = (row: number) => {
     const at = callAt(row);
     const line = lines.get(at);
-    return (
+    const known = drawn.current.get(at);
+    if (known && known.file === file && known.line === line) return known.row;
+    const content = (
       <>
         <span class="row-number">{at}</span>
         <Marks flags={columns.flags[at] ?? 0} />
@@ -60,6 +67,9 @@ export function CallList() {
         <span class="row-time">{formatTime(columns.ns[at] ?? 0)}</span>
       </>
     );
+    if (drawn.current.size >= kMaxKept) drawn.current.clear();
+    drawn.current.set(at, { file, line, row: content });
+    return content;
   };
 
   return (

@@ -19,6 +19,12 @@ export function VirtualList(props: Props) {
   const { rows, rowHeight, selected } = props;
   const box = useRef<HTMLDivElement>(null);
   const [scroll, setScroll] = useState(0);
+  // The same as scroll. To ask the element for it makes the browser compute its layout.
+  const scrolled = useRef(0);
+  const moveTo = (position: number) => {
+    scrolled.current = position;
+    setScroll(position);
+  };
   const [height, setHeight] = useState(600);
 
   useEffect(() => {
@@ -32,12 +38,11 @@ export function VirtualList(props: Props) {
   useLayoutEffect(() => {
     const element = box.current;
     if (!element || selected < 0) return;
-    const target = scrollTo(selected, element.scrollTop, rows, rowHeight, element.clientHeight);
-    if (Math.abs(target - element.scrollTop) >= 1) {
-      element.scrollTop = target;
-      setScroll(element.scrollTop);
-    }
-  }, [selected, rows]);
+    const target = scrollTo(selected, scrolled.current, rows, rowHeight, height);
+    if (Math.abs(target - scrolled.current) < 1) return;
+    element.scrollTop = target;
+    moveTo(element.scrollTop);
+  }, [selected, rows, height]);
 
   const shown = windowAt(Math.min(scroll, Math.max(0, rows * rowHeight - height)), rows, rowHeight, height);
   useEffect(() => props.onSight(shown.first, shown.count));
@@ -63,27 +68,25 @@ export function VirtualList(props: Props) {
       {...(selected >= shown.first && selected < shown.first + shown.count
         ? { 'aria-activedescendant': props.idOf(selected) }
         : {})}
-      onScroll={(event) => setScroll(event.currentTarget.scrollTop)}
+      onScroll={(event) => moveTo(event.currentTarget.scrollTop)}
       onKeyDown={move}
     >
       <div class="list-space" style={{ height: `${shown.height}px` }} role="presentation">
-        <div class="list-rows" style={{ transform: `translateY(${shown.top}px)` }} role="presentation">
-          {drawn.map((row) => (
-            <div
-              key={row}
-              id={props.idOf(row)}
-              class={`row ${props.classOf(row)}`}
-              style={{ height: `${rowHeight}px` }}
-              role="option"
-              aria-selected={row === selected}
-              aria-posinset={row + 1}
-              aria-setsize={rows}
-              onClick={() => props.onSelect(row)}
-            >
-              {props.draw(row)}
-            </div>
-          ))}
-        </div>
+        {drawn.map((row, index) => (
+          <div
+            key={row}
+            id={props.idOf(row)}
+            class={`row ${props.classOf(row)}`}
+            style={{ height: `${rowHeight}px`, top: `${shown.top + index * rowHeight}px` }}
+            role="option"
+            aria-selected={row === selected}
+            aria-posinset={row + 1}
+            aria-setsize={rows}
+            onClick={() => props.onSelect(row)}
+          >
+            {props.draw(row)}
+          </div>
+        ))}
       </div>
     </div>
   );

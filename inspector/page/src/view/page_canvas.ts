@@ -9,6 +9,7 @@ import { cursor, moveCursor } from './cursor';
 import { heatArrivals, heatMap } from './heat_layer';
 import { type Colors, Painting, kRuler, readColors } from './painting';
 import { type Region, Regions, partInSight } from './regions';
+import { Rulers } from './rulers';
 
 const kClickDistance = 4; // CSS pixels; a longer way is a drag
 const kMaxDifferences = 1000;
@@ -34,6 +35,10 @@ export class PageCanvas {
   private readonly undo: (() => void)[] = [];
   private seen: State = store.state;
   private exact = true; // the last painting showed the current call everywhere
+  private painted: unknown[] = []; // what the canvas shows
+  private mark: Rect | null = null; // what the call that the canvas shows has changed
+  private markPage: Page | undefined;
+  private readonly rulers = new Rulers();
 
   constructor(
     private readonly canvas: HTMLCanvasElement,
@@ -152,6 +157,7 @@ export class PageCanvas {
       width: Math.max(1, this.canvas.width / this.density - kRuler),
       height: Math.max(1, this.canvas.height / this.density - kRuler),
     };
+    this.painted = [];
     this.request();
     this.paint(); // at once: a resized canvas is empty
   }
@@ -166,22 +172,21 @@ export class PageCanvas {
   private request(): void {
     const page = this.page();
     if (!page || this.view.width === 0) return;
-    this.forRegions(this.colorRegions, page, () => undefined);
-    if (store.state.tags && this.device(page)?.hasTags) this.forRegions(this.tagRegions, page, () => undefined);
+    this.regionsOf(this.colorRegions, page);
+    if (store.state.tags && this.device(page)?.hasTags) this.regionsOf(this.tagRegions, page);
   }
 
   private device(page: Page): Device | undefined {
     return this.file()?.summary.devices.find(({ number }) => number === page.device);
   }
 
-  // Draws what is in sight of a plane, or what was, and says whether it is right.
-  private forRegions(regions: Regions, page: Page, draw: (region: Region) => void): boolean {
+  // What is in sight of a plane, or what was, the lowest first; exact says whether it is what the current call left.
+  private regionsOf(regions: Regions, page: Page): { shown: Region[]; exact: boolean } {
     const file = this.file();
     const part = partInSight(this.camera(), page, this.view, this.density);
-    if (!file || !part) return true;
+    if (!file || !part) return { shown: [], exact: true };
     const region = regions.get(file.number, page.page, lastPainting(file.columns, this.call()), part);
-    for (const one of region ? [region] : regions.before()) draw(one);
-    return region !== undefined;
+    return region ? { shown: [region], exact: true } : { shown: regions.before(), exact: false };
   }
 
   private paint(): void {
@@ -189,42 +194,81 @@ export class PageCanvas {
     const file = this.file();
     const page = this.page();
     const camera = this.camera();
-    const painting = new Painting(this.context, camera, this.view, this.density, this.colors);
     if (!file || !page) {
-      painting.clear({ left: 0, top: 0, width: 0, height: 0 });
+      new Painting(this.context, camera, this.view, this.density, this.colors).clear();
+      this.painted = [];
       this.exact = true;
       return;
     }
-    painting.clear(page);
-    let region: Region | undefined;
-    let exact = this.forRegions(this.colorRegions, page, (one) => {
-      painting.region(one);
-      region = one;
-    });
     const device = this.device(page);
-    if (state.tags && device?.hasTags) {
-      exact = this.forRegions(this.tagRegions, page, (one) => painting.region(one, state.tagOpacity)) && exact;
+    const colors = this.regionsOf(this.colorRegions, page);
+    const hasTags = state.tags && device?.hasTags;
+    const tags = hasTags ? this.regionsOf(this.tagRegions, page) : { shown: [], exact: true };
+    const exact = colors.exact && tags.exact;
+    const isActive = state.files[state.active] === file;
+    // The mark moves together with the picture.
+    const { answer } = state;
+    if (page !== this.markPage) this.mark = null;
+    this.markPage = page;
+    if (exact && (!isActive || answer?.call === state.call)) {
+      this.mark = isActive && answer?.page === page.page ? answer.changed.rect : null;
     }
-    const heat = heatMap(file, page, state.heat);
-    if (heat) painting.image(heat.canvas, page.left, page.top, page.width, page.height, 0.75);
-    if (region) painting.bytes(region, page, device?.kind === 'plain8');
-    if (state.grid) painting.grid(page);
-    if (state.grid)
-      painting.bandEdges(
-        page.bands.slice(1).map((band) => band.top),
-        page,
-      );
-    this.paintMarks(painting, state, file, page);
-    painting.rulers(page, cursor.state.file === this.index ? cursor.state.at : null);
     this.exact = exact;
+    const heat = heatMap(file, page, state.heat);
+    const { pixel } = state;
+    // Painting takes longer than all else of a step: only what shows something else than the last one is done.
+    const at = cursor.state.file === this.index ? cursor.state.at : null;
+    const shows = [
+      file,
+      page,
+      camera.scale,
+      camera.x,
+      camera.y,
+      this.view,
+      this.density,
+      this.colors,
+      ...colors.shown,
+      null,
+      ...tags.shown,
+      hasTags ? state.tagOpacity : 0,
+      heat,
+      state.grid,
+      state.outline ? this.mark : null,
+      state.filter.rect,
+      state.filter.page,
+      cursor.state.rect,
+      pixel && pixel.page === page.page ? `${pixel.x},${pixel.y}` : '',
+      at ? `${at.x},${at.y},${cursor.state.byKeys}` : '',
+      state.files.length,
+      state.compare,
+      state.difference,
+    ];
+    if (shows.length !== this.painted.length || shows.some((one, index) => !Object.is(one, this.painted[index]))) {
+      this.painted = shows;
+      const painting = new Painting(this.context, camera, this.view, this.density, this.colors);
+      painting.clear(page);
+      for (const region of colors.shown) painting.region(region);
+      for (const region of tags.shown) painting.region(region, state.tagOpacity);
+      if (heat) painting.image(heat.canvas, page.left, page.top, page.width, page.height, 0.75);
+      const top = colors.shown.at(-1);
+      if (top) painting.bytes(top, page, device?.kind === 'plain8');
+      if (state.grid) {
+        painting.grid(page);
+        painting.bandEdges(
+          page.bands.slice(1).map((band) => band.top),
+          page,
+        );
+      }
+      this.paintMarks(painting, state, page);
+      this.rulers.paint(painting, page, at);
+    }
     this.canvas.dataset['call'] = exact ? String(this.call()) : '';
     // Where page pixels are on the canvas, for tests.
     this.canvas.dataset['camera'] = `${camera.scale},${camera.x},${camera.y},${kRuler}`;
   }
 
-  private paintMarks(painting: Painting, state: State, file: OpenFile, page: Page): void {
+  private paintMarks(painting: Painting, state: State, page: Page): void {
     const { colors } = this;
-    const isActive = state.files[state.active] === file;
     if (state.files.length === 2) {
       const all = differences(state.compare);
       let drawn = 0;
@@ -237,11 +281,7 @@ export class PageCanvas {
       painting.frame(state.filter.rect, colors.pixel, { dashed: true });
     }
     if (cursor.state.rect) painting.frame(cursor.state.rect, colors.pixel, { dashed: true });
-    const { answer } = state;
-    const changed = answer?.changed.rect;
-    if (state.outline && isActive && changed && answer.call === state.call && answer.page === page.page) {
-      painting.frame(changed, colors.mark);
-    }
+    if (state.outline && this.mark) painting.frame(this.mark, colors.mark);
     if (state.pixel && state.pixel.page === page.page) {
       const { x, y } = state.pixel;
       painting.frame([x, y, x + 1, y + 1], colors.pixel, { thick: true });

@@ -1,7 +1,7 @@
 // Draws one view of a page onto its canvas: regions, overlays, grid, rulers and marks, from plain values.
 import type { Rect } from '../engine/contract';
 import type { Camera } from '../model/state';
-import { type PageBox, type Size, kBytesScale, kGridScale, rulerStep } from './camera';
+import { type PageBox, type Size, kBytesScale, kGridScale } from './camera';
 import type { Region } from './regions';
 
 export const kRuler = 20; // CSS pixels, at the left and at the top
@@ -48,20 +48,21 @@ export class Painting {
     readonly colors: Colors,
   ) {}
 
-  private x(pageX: number): number {
+  x(pageX: number): number {
     return Math.round((kRuler + (pageX - this.camera.x) * this.camera.scale) * this.density);
   }
 
-  private y(pageY: number): number {
+  y(pageY: number): number {
     return Math.round((kRuler + (pageY - this.camera.y) * this.camera.scale) * this.density);
   }
 
-  clear(page: PageBox): void {
+  clear(page?: PageBox): void {
     const { context, colors, density } = this;
     context.setTransform(1, 0, 0, 1, 0, 0);
     context.globalAlpha = 1;
     context.fillStyle = colors.surface;
     context.fillRect(0, 0, (this.view.width + kRuler) * density, (this.view.height + kRuler) * density);
+    if (!page) return;
     context.fillStyle = colors.paper;
     this.box([page.left, page.top, page.left + page.width, page.top + page.height], (x, y, width, height) =>
       context.fillRect(x, y, width, height),
@@ -72,7 +73,8 @@ export class Painting {
     const { context } = this;
     const screen = this.camera.scale * this.density * (width / picture.width);
     context.imageSmoothingEnabled = screen < 1;
-    context.imageSmoothingQuality = 'medium';
+    // Pictures are never reduced to less than half: no pixel between two others is left out.
+    context.imageSmoothingQuality = 'low';
     context.globalAlpha = opacity;
     const x = this.x(left);
     const y = this.y(top);
@@ -174,64 +176,5 @@ export class Painting {
         });
       }
     }
-  }
-
-  rulers(page: PageBox, cursor: { x: number; y: number } | null): void {
-    const { context, colors, density, camera, view } = this;
-    const ruler = kRuler * density;
-    const width = view.width * density + ruler;
-    const height = view.height * density + ruler;
-    context.fillStyle = colors.ruler;
-    context.fillRect(0, 0, width, ruler);
-    context.fillRect(0, 0, ruler, height);
-    if (cursor) {
-      context.fillStyle = colors.grid;
-      const size = Math.max(1, camera.scale * density);
-      if (this.x(cursor.x) >= ruler) context.fillRect(this.x(cursor.x), 0, size, ruler);
-      if (this.y(cursor.y) >= ruler) context.fillRect(0, this.y(cursor.y), ruler, size);
-    }
-    context.font = `${10 * density}px system-ui, sans-serif`;
-    context.fillStyle = colors.rulerText;
-    context.strokeStyle = colors.border;
-    context.lineWidth = 1;
-    context.textAlign = 'left';
-    context.textBaseline = 'middle';
-    const step = rulerStep(camera.scale);
-    context.save();
-    context.beginPath();
-    context.rect(ruler, 0, width, ruler);
-    context.clip();
-    context.beginPath();
-    for (let x = Math.ceil(page.left / step) * step; x <= page.left + page.width; x += step) {
-      const at = this.x(x) + 0.5;
-      if (at < -100 || at > width) continue;
-      context.moveTo(at, ruler * 0.55);
-      context.lineTo(at, ruler);
-      context.fillText(String(x), at + 3 * density, ruler * 0.42);
-    }
-    context.stroke();
-    context.restore();
-    context.save();
-    context.beginPath();
-    context.rect(0, ruler, ruler, height);
-    context.clip();
-    context.beginPath();
-    for (let y = Math.ceil(page.top / step) * step; y <= page.top + page.height; y += step) {
-      const at = this.y(y) + 0.5;
-      if (at < -100 || at > height + 100) continue;
-      context.moveTo(ruler * 0.55, at);
-      context.lineTo(ruler, at);
-      context.save();
-      context.translate(ruler * 0.42, at - 3 * density);
-      context.rotate(-Math.PI / 2);
-      context.fillText(String(y), 0, 0);
-      context.restore();
-    }
-    context.stroke();
-    context.restore();
-    context.fillStyle = colors.ruler;
-    context.fillRect(0, 0, ruler, ruler);
-    context.strokeStyle = colors.border;
-    context.strokeRect(ruler - 0.5, ruler - 0.5, width, height);
   }
 }
