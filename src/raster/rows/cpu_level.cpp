@@ -32,27 +32,29 @@ bool SystemSaves(uint32_t state) {
   return (low & state) == state;
 }
 
-// What a level needs: bits of a CPUID register, and register sets that the operating system saves.
+// What a level needs: bits of the registers of a CPUID leaf, and register sets that the operating system saves.
 struct LevelNeeds {
   CpuLevel level;
-  uint32_t leaf;
-  uint32_t CpuidRegisters::*where;
-  uint32_t bits, state;
+  uint32_t leaf, b, c, d;
+  uint32_t state;
 };
 
 constexpr LevelNeeds kNeeds[] = {
-#define QNV_LEVEL(name, constant, options, leaf, where, bits, state) \
-  {CpuLevel::constant, leaf, &CpuidRegisters::where, bits, state},
+#define QNV_LEVEL(name, constant, options, leaf, b, c, d, state) {CpuLevel::constant, leaf, b, c, d, state},
     QNV_KERNEL_LEVELS(QNV_LEVEL)
 #undef QNV_LEVEL
 };
 
+bool Announced(const LevelNeeds& needs) {
+  if (needs.leaf == 0) return true;  // every processor has it
+  const CpuidRegisters has = Cpuid(needs.leaf);
+  return (has.b & needs.b) == needs.b && (has.c & needs.c) == needs.c && (has.d & needs.d) == needs.d;
+}
+
 CpuLevel ProcessorLevel() {
   CpuLevel highest = CpuLevel::kPlain;
   for (const LevelNeeds& needs : kNeeds) {
-    // Leaf 0: a level that every processor has.
-    const bool has = needs.leaf == 0 || (Cpuid(needs.leaf).*needs.where & needs.bits) == needs.bits;
-    if (!has || !SystemSaves(needs.state)) break;
+    if (!Announced(needs) || !SystemSaves(needs.state)) break;
     highest = needs.level;
   }
   return highest;

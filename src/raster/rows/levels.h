@@ -3,18 +3,19 @@
 // NAME::kRowKernels (more files with the suffix _NAME if one is not enough).
 //
 // X(NAME, constant of CpuLevel, compiler options of the level's files,
-//   CPUID leaf, register and bits that announce the instructions; leaf 0: every processor has them,
+//   CPUID leaf, and the bits of its registers EBX, ECX and EDX that announce the instructions; leaf 0: every processor
+//   has them,
 //   bits of XCR0: registers that the operating system must save)
 //
 // The build reads the list as text: one X(...) a line, the first three arguments on it.
 #pragma once
 
 #if defined(__x86_64__) || defined(__i386__)
-#define QNV_KERNEL_LEVELS(X)                      \
-  X(plain, kPlain, "", 0, a, 0, 0)                \
-  X(sse2, kSse2, "-msse2", 1, d, bit_SSE2, 0)     \
-  X(ssse3, kSsse3, "-mssse3", 1, c, bit_SSSE3, 0) \
-  X(avx2, kAvx2, "-mavx2", 7, b, bit_AVX2, 0x06)
+#define QNV_KERNEL_LEVELS(X)                         \
+  X(plain, kPlain, "", 0, 0, 0, 0, 0)                \
+  X(sse2, kSse2, "-msse2", 1, 0, 0, bit_SSE2, 0)     \
+  X(ssse3, kSsse3, "-mssse3", 1, 0, bit_SSSE3, 0, 0) \
+  X(avx2, kAvx2, "-mavx2", 7, bit_AVX2, 0, 0, 0x06)
 #else
-#define QNV_KERNEL_LEVELS(X) X(plain, kPlain, "", 0, a, 0, 0)
+#define QNV_KERNEL_LEVELS(X) X(plain, kPlain, "", 0, 0, 0, 0, 0)
 #endif

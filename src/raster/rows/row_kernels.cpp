@@ -6,17 +6,13 @@
 namespace qnv {
 
 const RowKernels& KernelsFor(CpuLevel level, bool fastStrings) {
-#if defined(__x86_64__) || defined(__i386__)
-  if (level == CpuLevel::kAvx2 && fastStrings) return avx2::kFastStringKernels;
-#else
-  static_cast<void>(fastStrings);
-#endif
   static constexpr const RowKernels* kTables[] = {
 #define QNV_LEVEL(name, ...) &name::kRowKernels,
       QNV_KERNEL_LEVELS(QNV_LEVEL)
 #undef QNV_LEVEL
   };
-  return *kTables[static_cast<std::size_t>(level)];
+  const RowKernels& table = *kTables[static_cast<std::size_t>(level)];
+  return fastStrings && table.withStrings != nullptr ? *table.withStrings : table;
 }
 
 }  // namespace qnv

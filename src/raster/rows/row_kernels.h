@@ -103,6 +103,8 @@ struct RowKernels {
 
   // The kernels of images.
   const PixelRows* image;
+  // This table with string instructions for long copies, or null for a level that never uses them.
+  const RowKernels* withStrings = nullptr;
 };
 
 // The kernels of a level. Entries that a level does not specialise come from the levels below; the plain kernels

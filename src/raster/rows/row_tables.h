@@ -22,8 +22,8 @@ QNV_KERNEL_LEVELS(QNV_DECLARE_LEVEL)
 
 #if defined(__x86_64__) || defined(__i386__)
 namespace avx2 {
-// The table for processors with fast string instructions.
-extern const RowKernels kFastStringKernels;
+// Copies by vectors, but long rows by string instructions.
+kernel::CopyRow CopyByString;
 }  // namespace avx2
 #endif
 

@@ -59,14 +59,6 @@ void RopSwapBlocks(const SwapBlocks* part, const SwapBlocks* end, const ByteMask
   }
 }
 
-// For long rows the copy instruction is fastest where it is fast at all, because it does not read the cache lines that
-// it overwrites.
-void CopyByString(uint8_t* dst, const uint8_t* source, std::size_t bytes) {
-  constexpr std::size_t kLong = 16384;
-  if (bytes < kLong) return CopyRowOf<Vector32, Vector16>(dst, source, bytes);
-  __asm__ volatile("rep movsb" : "+D"(dst), "+S"(source), "+c"(bytes) : : "memory");
-}
-
 // In shorter rows stores across cache lines cost less than computing a block twice.
 constexpr std::size_t kMinAligned = 512;
 
@@ -94,6 +86,14 @@ void MinimumRow(uint8_t* dst, const uint8_t* source, std::size_t bytes) {
 
 void CopyRow(uint8_t* dst, const uint8_t* source, std::size_t bytes) {
   CopyRowOf<Vector32, Vector16>(dst, source, bytes);
+}
+
+// For long rows the copy instruction is fastest where it is fast at all, because it does not read the cache lines that
+// it overwrites.
+void CopyByString(uint8_t* dst, const uint8_t* source, std::size_t bytes) {
+  constexpr std::size_t kLong = 16384;
+  if (bytes < kLong) return CopyRowOf<Vector32, Vector16>(dst, source, bytes);
+  __asm__ volatile("rep movsb" : "+D"(dst), "+S"(source), "+c"(bytes) : : "memory");
 }
 
 // In the kernels that follow rows shorter than a block are passed to the levels below.
@@ -157,7 +157,7 @@ void PaintGlyph24(uint8_t* dst, std::size_t stride, const GlyphColumn& column, c
 namespace {
 
 // The glyph kernels that this level does not specialise are those of sse2.
-constexpr RowKernels TableWith(kernel::CopyRow* copy) {
+constexpr RowKernels TableWith(kernel::CopyRow* copy, const RowKernels* withStrings) {
   return {
       .FillTileRow = avx2::FillTileRow,
       .RopTileRow = avx2::RopTileRow,
@@ -174,12 +174,14 @@ constexpr RowKernels TableWith(kernel::CopyRow* copy) {
       .PaintGlyph24 = avx2::PaintGlyph24,
       .PaintGlyph8 = sse2::PaintGlyph8,
       .image = &kPixelRows,
+      .withStrings = withStrings,
   };
 }
 
+constinit const RowKernels kFastStringKernels = TableWith(avx2::CopyByString, nullptr);
+
 }  // namespace
 
-constinit const RowKernels kRowKernels = TableWith(avx2::CopyRow);
-constinit const RowKernels kFastStringKernels = TableWith(CopyByString);
+constinit const RowKernels kRowKernels = TableWith(avx2::CopyRow, &kFastStringKernels);
 
 }  // namespace qnv::avx2
