@@ -44,7 +44,7 @@ look_at() {
     --suppress=useInitializationList --suppress=cppcheckError --suppress=missingIncludeSystem \
     --template='{file}:{line}: error: {message} [{id}]' --template-location='' --error-exitcode=1 \
     -D__x86_64__ "${includes[@]}" "$file" || status=1
-  [[ $file =~ _(sse2|ssse3|avx2)\.cpp$ ]] || analyzer=(-fanalyzer)
+  [[ $file =~ _(sse2|ssse3|avx2|avx512)\.cpp$ ]] || analyzer=(-fanalyzer)
   g++ "${flags[@]}" -O2 "${analyzer[@]}" -Wold-style-cast -Wnull-dereference -Werror -c -o /dev/null "$file" || status=1
   return $status
 }

@@ -9,8 +9,9 @@ compiler=${QNV_WASM_CXX:-clang++-14}
 
 # What the module is made of. It records nothing, and has the row kernels that every processor can run.
 sources() {
-  find src calls inspector/engine -name '*.cpp' \
-    ! -name '*_avx2.cpp' ! -name '*_ssse3.cpp' ! -name '*_sse2.cpp' \
+  local vector_levels
+  vector_levels=$(sed -n 's/^ *X(\([a-z0-9]*\), k.*/\1/p' src/raster/rows/levels.h | grep -vx plain | sort -u | paste -sd '|')
+  find src calls inspector/engine -name '*.cpp' -regextype posix-extended ! -regex ".*_($vector_levels)\.cpp" \
     ! -name call_capture.cpp ! -name call_writer.cpp ! -name font_memory.cpp ! -name stored_copy.cpp |
     LC_ALL=C sort
 }

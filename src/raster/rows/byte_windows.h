@@ -14,19 +14,21 @@
 namespace qnv {
 namespace {
 
-// Maps: for each of the 96 destination bytes of a block the source byte that goes there, counted from the first source
-// byte of the block. kSourceBytes: bytes of a source pixel. kBackward: the source of the row is read from its end, so
-// the second half of a block comes first.
+// Maps: for each destination byte of a block, 96 of them here, the source byte that goes there, counted from the first
+// source byte of the block. kSourceBytes: bytes of a source pixel. kBackward: the source of the row is read from its
+// end, so the second half of a block comes first.
 struct SwapMap {
   static constexpr bool kBackward = false;
   static constexpr std::ptrdiff_t kSourceBytes = 3;
   static constexpr std::ptrdiff_t From(std::ptrdiff_t byte) { return byte / 3 * 3 + 2 - byte % 3; }
 };
-struct ReverseMap {
+template <std::ptrdiff_t kPixels>
+struct ReverseMapOf {
   static constexpr bool kBackward = true;
   static constexpr std::ptrdiff_t kSourceBytes = 3;
-  static constexpr std::ptrdiff_t From(std::ptrdiff_t byte) { return (31 - byte / 3) * 3 + byte % 3; }
+  static constexpr std::ptrdiff_t From(std::ptrdiff_t byte) { return (kPixels - 1 - byte / 3) * 3 + byte % 3; }
 };
+using ReverseMap = ReverseMapOf<std::ptrdiff_t{kBlockPixels}>;
 struct PackMap {
   static constexpr bool kBackward = false;
   static constexpr std::ptrdiff_t kSourceBytes = 4;

@@ -13,14 +13,15 @@ namespace {
 // 32 pixels of three bytes are three vectors of 32 bytes.
 inline constexpr std::size_t kBlockPixels = 32;
 
-// The number of pixels from dst to an aligned address, 1..32. The second block of a row begins there, so that it and
-// the following ones do not straddle cache lines.
-template <std::size_t kBytesPerPixel>
+// The number of pixels from dst to an aligned address, 1..kBlock: 32 pixels are whole vectors of 32 bytes, 64 of 64
+// bytes. The second block of a row begins there, so that it and the following ones do not straddle cache lines.
+template <std::size_t kBytesPerPixel, std::size_t kBlock = kBlockPixels>
 std::size_t PixelsToAlignment(const uint8_t* dst) {
   static_assert(kBytesPerPixel == 1 || kBytesPerPixel == 3);
-  // Solves (dst + 3 * pixels) % 32 == 0 by the inverse of 3 modulo 32: 3 * 11 = 33.
-  constexpr std::size_t kInverse = kBytesPerPixel == 3 ? 11 : 1;
-  return kBlockPixels - reinterpret_cast<uintptr_t>(dst) * kInverse % kBlockPixels;
+  static_assert(kBlock == 32 || kBlock == 64);
+  // Solves (dst + 3 * pixels) % 64 == 0 by the inverse of 3 modulo 64: 3 * 43 = 129. It holds modulo 32 too.
+  constexpr std::size_t kInverse = kBytesPerPixel == 3 ? 43 : 1;
+  return kBlock - reinterpret_cast<uintptr_t>(dst) * kInverse % kBlock;
 }
 
 // Calls block(i) for the first pixel i of each block until all of [0, pixels) is covered. second: the pixel where the
@@ -34,10 +35,10 @@ void CoverWithBlocks(std::size_t pixels, std::size_t second, Block block) {
 }
 
 // The same for blocks of much code, which is not copied for the first and the last block.
-template <class Block>
+template <std::size_t kBlock = kBlockPixels, class Block>
 void CoverWithLargeBlocks(std::size_t pixels, std::size_t second, Block block) {
-  const std::size_t last = pixels - kBlockPixels;
-  for (std::size_t i = 0, next = second;; next = i + kBlockPixels) {
+  const std::size_t last = pixels - kBlock;
+  for (std::size_t i = 0, next = second;; next = i + kBlock) {
     block(i);
     if (i == last) return;
     i = next < last ? next : last;
