@@ -130,14 +130,20 @@ template <std::size_t kBytesPerPixel>
 inline constexpr ByteMaskTable<kBytesPerPixel> kByteMasks;
 
 // Calls row(dst, mask, all) for each row of a glyph's column. mask: the bytes of the set pixels that are painted, the
-// lowest bit for the byte at dst; all: those of all pixels that are painted.
+// lowest bit for the byte at dst; all: those of all pixels that are painted. Whole columns of eight pixels take a
+// shorter loop than clipped ones.
 template <std::size_t kBytesPerPixel, class Row>
 void ForEachGlyphRow(uint8_t* dst, std::size_t stride, const GlyphColumn& column, Row row) {
+  const auto& masks = kByteMasks<kBytesPerPixel>.mask;
   const uint32_t all = (uint32_t{1} << kBytesPerPixel * column.pixels) - 1;
-  const std::size_t skipped = kBytesPerPixel * column.offset;
   const uint8_t* const end = column.bytes + column.rows;
+  if (column.pixels == 8) {
+    for (const uint8_t* bits = column.bytes; bits != end; ++bits, dst += stride) row(dst, masks[*bits], all);
+    return;
+  }
+  const std::size_t skipped = kBytesPerPixel * column.offset;
   for (const uint8_t* bits = column.bytes; bits != end; ++bits, dst += stride) {
-    row(dst, kByteMasks<kBytesPerPixel>.mask[*bits] >> skipped & all, all);
+    row(dst, masks[*bits] >> skipped & all, all);
   }
 }
 

@@ -18,6 +18,20 @@ namespace {
 // 64 pixels of three bytes are three vectors of 64 bytes.
 inline constexpr std::size_t kWideBlockPixels = 64;
 
+// Calls block(i) for the first pixel i of each block of 64 until all of [0, pixels) is covered; blocks may overlap.
+// second: the pixel where the second block begins, 1..64. One copy of the block's code, in an inner loop that only
+// counts, serves the first block, those between and the last one.
+// Requires: at least one block.
+template <class Block>
+void CoverWithWideBlocks(std::size_t pixels, std::size_t second, Block block) {
+  const std::size_t last = pixels - kWideBlockPixels;
+  const std::size_t begin[3] = {0, second, last};
+  const std::size_t end[3] = {last == 0 ? 0u : 1u, last, last + 1};
+  for (std::size_t part = 0; part < 3; ++part) {
+    for (std::size_t i = begin[part]; i < end[part]; i += kWideBlockPixels) block(i);
+  }
+}
+
 // Where a destination vector comes from: a load, its permutation, and up to two more loads of single bytes, which take
 // them to their places.
 struct Moves {
@@ -48,16 +62,37 @@ constexpr Moves MakeMoves(std::ptrdiff_t vector) {
 template <class Map>
 inline constexpr Moves kMoves[3] = {MakeMoves<Map>(0), MakeMoves<Map>(1), MakeMoves<Map>(2)};
 
+// A mask in a mask register, where it stays: 32-bit code would otherwise make masks anew each time.
+inline __mmask64 HeldMask(uint64_t mask) {
+  __mmask64 held = mask;
+  __asm__("" : "+k"(held));
+  return held;
+}
+
+// The masks of the single bytes of a block.
+template <class Map>
+struct SingleMasks {
+  __mmask64 of[3][2];
+
+  SingleMasks() {
+    for (std::size_t v = 0; v < 3; ++v) {
+      for (std::size_t i = 0; i < 2; ++i) {
+        if (kMoves<Map>[v].singleMask[i] != 0) of[v][i] = HeldMask(kMoves<Map>[v].singleMask[i]);
+      }
+    }
+  }
+};
+
 // One of the three vectors of a block. mask: its bytes that are wanted; source bytes beyond those are not read.
 template <class Map, std::size_t kVector, class... Mask>
-Vector64 MovedVector(const uint8_t* source, Mask... mask) {
+Vector64 MovedVector(const uint8_t* source, const SingleMasks<Map>& single, Mask... mask) {
   constexpr const Moves& m = kMoves<Map>[kVector];
   __m512i v = Permute(Vector64::Load(source + m.load, mask...), Vector64::Load(m.index)).v;
   if constexpr (m.singleMask[0] != 0) {
-    v = _mm512_mask_loadu_epi8(v, (m.singleMask[0] & ... & mask), source + m.single[0]);
+    v = _mm512_mask_loadu_epi8(v, (single.of[kVector][0] & ... & mask), source + m.single[0]);
   }
   if constexpr (m.singleMask[1] != 0) {
-    v = _mm512_mask_loadu_epi8(v, (m.singleMask[1] & ... & mask), source + m.single[1]);
+    v = _mm512_mask_loadu_epi8(v, (single.of[kVector][1] & ... & mask), source + m.single[1]);
   }
   return {v};
 }
@@ -98,9 +133,9 @@ Vector64 PairedVector(const uint8_t* source) {
 
 // Stores a row of at least one block of 64 pixels; blocks may overlap. vectors(block, source): stores the block.
 template <class Map, class StoreVectors>
-void MoveRow(uint8_t* dst, const uint8_t* source, std::size_t pixels, StoreVectors store) {
+void MoveRow(uint8_t* dst, const uint8_t* source, std::size_t pixels, const StoreVectors& store) {
   const std::size_t second = PixelsToAlignment<3, kWideBlockPixels>(dst);
-  CoverWithLargeBlocks<kWideBlockPixels>(pixels, second, [=](std::size_t i) {
+  CoverWithWideBlocks(pixels, second, [=, &store](std::size_t i) {
     const std::size_t first = Map::kBackward ? pixels - kWideBlockPixels - i : i;
     store(dst + 3 * i, source + static_cast<std::size_t>(Map::kSourceBytes) * first);
   });
@@ -109,10 +144,11 @@ void MoveRow(uint8_t* dst, const uint8_t* source, std::size_t pixels, StoreVecto
 // Rows by the first and by the second kind of moves.
 template <class Map>
 void MoveSingles(uint8_t* dst, const uint8_t* source, std::size_t pixels) {
-  MoveRow<Map>(dst, source, pixels, [](uint8_t* out, const uint8_t* block) {
-    MovedVector<Map, 0>(block).Store(out);
-    MovedVector<Map, 1>(block).Store(out + 64);
-    MovedVector<Map, 2>(block).Store(out + 128);
+  const SingleMasks<Map> single;
+  MoveRow<Map>(dst, source, pixels, [&](uint8_t* out, const uint8_t* block) {
+    MovedVector<Map, 0>(block, single).Store(out);
+    MovedVector<Map, 1>(block, single).Store(out + 64);
+    MovedVector<Map, 2>(block, single).Store(out + 128);
   });
 }
 

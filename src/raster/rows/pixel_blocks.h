@@ -35,10 +35,10 @@ void CoverWithBlocks(std::size_t pixels, std::size_t second, Block block) {
 }
 
 // The same for blocks of much code, which is not copied for the first and the last block.
-template <std::size_t kBlock = kBlockPixels, class Block>
+template <class Block>
 void CoverWithLargeBlocks(std::size_t pixels, std::size_t second, Block block) {
-  const std::size_t last = pixels - kBlock;
-  for (std::size_t i = 0, next = second;; next = i + kBlock) {
+  const std::size_t last = pixels - kBlockPixels;
+  for (std::size_t i = 0, next = second;; next = i + kBlockPixels) {
     block(i);
     if (i == last) return;
     i = next < last ? next : last;

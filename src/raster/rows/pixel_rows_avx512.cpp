@@ -36,10 +36,10 @@ struct BlockTable {
 constexpr BlockTable kPixelOf{[](std::size_t i) { return i / 3; }};
 constexpr BlockTable kPlaceOf{[](std::size_t i) { return i % 3; }};
 
-// Calls block(i) for blocks of 64 pixels; see CoverWithLargeBlocks.
+// Calls block(i) for blocks of 64 pixels; see CoverWithWideBlocks.
 template <std::size_t kBytesPerPixel, class Block>
 void ForEachBlock(const uint8_t* dst, std::size_t pixels, Block block) {
-  CoverWithLargeBlocks<kWideBlockPixels>(pixels, PixelsToAlignment<kBytesPerPixel, kWideBlockPixels>(dst), block);
+  CoverWithWideBlocks(pixels, PixelsToAlignment<kBytesPerPixel, kWideBlockPixels>(dst), block);
 }
 
 // ---- Palettes
@@ -112,8 +112,8 @@ void ForEachNibbleBlock(uint8_t* dst, const uint8_t* source, bool odd, std::size
     Plain(dst + kBytesPerPixel * pixels, source + pixels / 2, false, 1, table);
   }
   // Blocks must begin with a whole byte of the source, so that all but the last lie as the first one does.
-  CoverWithLargeBlocks<kWideBlockPixels>(pixels, kWideBlockPixels,
-                                         [=](std::size_t i) { block(dst + kBytesPerPixel * i, source + i / 2); });
+  CoverWithWideBlocks(pixels, kWideBlockPixels,
+                      [=](std::size_t i) { block(dst + kBytesPerPixel * i, source + i / 2); });
 }
 
 // ---- Pixels of 16 bits

@@ -138,7 +138,8 @@ void SwapPart(uint8_t* dst, const uint8_t* source, std::size_t pixels, const Com
     constexpr std::size_t kAt = 64 * vector;
     if (3 * pixels <= kAt) return;
     const __mmask64 mask = FirstBytes(3 * pixels - kAt < 64 ? 3 * pixels - kAt : 64);
-    combine(Vector64::Load(dst + kAt, mask), MovedVector<SwapMap, vector>(source, mask)).Store(dst + kAt, mask);
+    combine(Vector64::Load(dst + kAt, mask), MovedVector<SwapMap, vector>(source, SingleMasks<SwapMap>(), mask))
+        .Store(dst + kAt, mask);
   };
   part(std::integral_constant<std::size_t, 0>{});
   part(std::integral_constant<std::size_t, 1>{});
@@ -154,10 +155,11 @@ void CombineSwapped(uint8_t* dst, const uint8_t* source, std::size_t pixels, con
     source += 3 * head;
     pixels -= head;
   }
+  const SingleMasks<SwapMap> single;
   for (; pixels >= kWideBlockPixels; pixels -= kWideBlockPixels, dst += 192, source += 192) {
-    combine(Vector64::Load(dst), MovedVector<SwapMap, 0>(source)).Store(dst);
-    combine(Vector64::Load(dst + 64), MovedVector<SwapMap, 1>(source)).Store(dst + 64);
-    combine(Vector64::Load(dst + 128), MovedVector<SwapMap, 2>(source)).Store(dst + 128);
+    combine(Vector64::Load(dst), MovedVector<SwapMap, 0>(source, single)).Store(dst);
+    combine(Vector64::Load(dst + 64), MovedVector<SwapMap, 1>(source, single)).Store(dst + 64);
+    combine(Vector64::Load(dst + 128), MovedVector<SwapMap, 2>(source, single)).Store(dst + 128);
   }
   SwapPart(dst, source, pixels, combine);
 }
