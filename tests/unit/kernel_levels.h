@@ -28,8 +28,8 @@ inline constexpr KernelLevel kKernelLevels[] = {
 inline std::string KernelLevelName(const testing::TestParamInfo<KernelLevel>& info) { return info.param.name; }
 
 // Every count up to this one, and every alignment of the widest vector.
-inline constexpr std::size_t kMaxPixels = 200;
-inline constexpr std::size_t kAlignments = 32;
+inline constexpr std::size_t kMaxPixels = 300;
+inline constexpr std::size_t kAlignments = 64;
 
 using Bytes = std::vector<uint8_t>;
 

@@ -1,4 +1,4 @@
-// Image rows of every level against the formula that they stand for: all counts up to 200, sources that end at a
+// Image rows of every level against the formula that they stand for: all counts up to 300, sources that end at a
 // fence, destinations between fences.
 #include "raster/rows/pixel_rows.h"
 

@@ -1,4 +1,4 @@
-// Every kernel of every level that this machine has, against the formula it stands for: all counts up to 200, all
+// Every kernel of every level that this machine has, against the formula it stands for: all counts up to 300, all
 // alignments, and fences around what it may touch.
 #include "raster/rows/row_kernels.h"
 
