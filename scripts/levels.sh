@@ -3,7 +3,7 @@
 # every level of src/raster/rows/levels.h that the build has beyond what its compiler options take for granted: the
 # library itself detects the level, and an instruction of a higher one ends the program.
 #   scripts/levels.sh [CASES [BUILD_TREE...]]     1000 random cases, build/linux-x64 and build/linux-x86
-# qemu knows no AVX-512: for that level it says so, and scripts/emulate.sh runs it in another emulator.
+# qemu knows no AVX-512: for that level it says so, and scripts/emulate_avx512.sh runs it in another emulator.
 # One line for each processor, "N passed, N failed" at the end. Needs the package qemu-user and the programs
 # random_tests and unit_tests. The plain level is what the preset linux-arm64 runs.
 set -uo pipefail
@@ -20,7 +20,7 @@ trees=("${@:2}")
 # A processor of each level; both presets compile for SSE2, so that there is none below.
 declare -A processors=([sse2]=Opteron_G1 [ssse3]=Conroe [avx2]=Haswell)
 # Levels that qemu has no processor for, each with what runs them instead.
-declare -A elsewhere=([avx512]=scripts/emulate.sh)
+declare -A elsewhere=([avx512]=scripts/emulate_avx512.sh)
 mapfile -t levels < <(sed -n 's/^  X(\([a-z0-9]*\), k.*/\1/p' src/raster/rows/levels.h | awk '!seen[$0]++')
 # A few that use every kind of vector code; all of them take minutes under an emulator.
 kernel_tests='*RowKernelsTest.FillTileRow*:*RowKernelsTest.SwapRow24*:*PixelRowsTest.Reverse*'

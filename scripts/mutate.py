@@ -51,7 +51,7 @@ SKIPPED_LINE = re.compile(r"\s*(#|//|\*|/\*|using |namespace |template|static_as
 # The smaller or larger of two values, where < and <= give the same.
 MIN_OR_MAX = re.compile(r"(\S+) [<>]=? (\S+) \? (?:\1 : \2|\2 : \1)\b")
 # The kernels of avx512 are left out where the processor cannot run them: no suite would see a change.
-HAS_AVX512 = "avx512_vbmi" in Path("/proc/cpuinfo").read_text().split()
+HAS_AVX512 = "avx512_vbmi" in pathlib.Path("/proc/cpuinfo").read_text().split()
 AVX512_ONLY = r"_avx512\.cpp$|rows/(bit_vectors|byte_moves|vector64)\.h$"
 SKIPPED_FILE = re.compile(r"entry/record_layout\.cpp$" + ("" if HAS_AVX512 else "|" + AVX512_ONLY))
 
