@@ -124,7 +124,7 @@ bool IsPlain(const ComponentMask& m) {
   return m.fill >= 4 && m.fill <= 8 && (m.mask << m.up >> 8 & 0xFF) == (0xFF00u >> m.fill & 0xFF);
 }
 
-// The highest bit of a component in a pixel; component bits are those from there down.
+// The lowest bit of a component in a pixel.
 uint32_t LowestBit(const ComponentMask& m) { return 16 - m.up - m.fill; }
 
 // A value for each component, in the order of bytes, as a vector for bytes that begin at byte `v` of a pixel.
@@ -195,18 +195,19 @@ template <bool kSix>
 void GrayBlocks16(uint8_t* dst, const uint8_t* source, std::size_t pixels, const PixelMasks& masks) {
   const ComponentMask* const m = masks.component;
   const WeightTable blue(m[0], kBlueWeight), green(m[1], kGreenWeight), red(m[2], kRedWeight);
-  const __m128i blueAt = _mm_cvtsi32_si128(static_cast<int>(LowestBit(m[0])));
-  const __m128i greenAt = _mm_cvtsi32_si128(static_cast<int>(LowestBit(m[1])));
-  const __m128i redAt = _mm_cvtsi32_si128(static_cast<int>(LowestBit(m[2])));
+  const __m512i blueAt = _mm512_set1_epi16(static_cast<int16_t>(LowestBit(m[0])));
+  const __m512i greenAt = _mm512_set1_epi16(static_cast<int16_t>(LowestBit(m[1])));
+  const __m512i redAt = _mm512_set1_epi16(static_cast<int16_t>(LowestBit(m[2])));
   ForEachBlock<1>(dst, pixels, [&](std::size_t i) {
-    // The permutations ignore the bits above those of the component.
+    // The permutations ignore the bits above those of the component. Each word has its own count: a shift of all by one
+    // count takes a step of the permuting unit too.
     const auto hundredfold = [&](const uint8_t* p) {
       const __m512i v = Vector64::Load(p).v;
-      const __m512i g = _mm512_srl_epi16(v, greenAt);
+      const __m512i g = _mm512_srlv_epi16(v, greenAt);
       const __m512i byGreen =
           kSix ? _mm512_permutex2var_epi16(green.low, g, green.high) : _mm512_permutexvar_epi16(g, green.low);
-      const __m512i byBlue = _mm512_permutexvar_epi16(_mm512_srl_epi16(v, blueAt), blue.low);
-      const __m512i byRed = _mm512_permutexvar_epi16(_mm512_srl_epi16(v, redAt), red.low);
+      const __m512i byBlue = _mm512_permutexvar_epi16(_mm512_srlv_epi16(v, blueAt), blue.low);
+      const __m512i byRed = _mm512_permutexvar_epi16(_mm512_srlv_epi16(v, redAt), red.low);
       return _mm512_mulhi_epu16(_mm512_add_epi16(_mm512_add_epi16(byBlue, byGreen), byRed), _mm512_set1_epi16(5243));
     };
     // Eight times the levels of both halves become bytes next to each other, which a permutation puts in order.
