@@ -5,7 +5,9 @@
 # emulator bochs starts a Debian kernel with the test programs and nothing else.
 #   scripts/emulate_avx512.sh [OPTION...] [BUILD_TREE...]     build/linux-x64 and build/linux-x86
 #     --cases N          random cases (300)
-#     --filter PATTERN   the unit tests, a filter of GoogleTest (the tests of kernels on the highest level)
+#     --filter PATTERN   the unit tests, a filter of GoogleTest (those of the level avx512)
+#     --step N           tests with many rows take every N-th alignment, others for each count (7; 1 is all; a prime is
+#                        best, because it differs for all sizes of pixels)
 #     --processor NAME   only this one (corei3_cnl, corei7_skylake_x or corei7_haswell_4770); may be repeated
 #     --limit SECONDS    ends an emulator that takes longer (1500)
 #     --at-once N        emulators at the same time (as many as the machine has processors)
@@ -27,12 +29,13 @@ fail() {
 
 # The highest level of each processor.
 declare -A highest=([corei3_cnl]=avx512 [corei7_skylake_x]=avx2 [corei7_haswell_4770]=avx2)
-cases=300 filter='' limit=1500 at_once=$(nproc) processors=()
+cases=300 filter='' step=7 limit=1500 at_once=$(nproc) processors=()
 while [[ ${1:-} == --* ]]; do
   [ $# -ge 2 ] || usage
   case $1 in
     --cases) cases=$2 ;;
     --filter) filter=$2 ;;
+    --step) step=$2 ;;
     --processor) processors+=("$2") ;;
     --limit) limit=$2 ;;
     --at-once) at_once=$2 ;;
@@ -40,7 +43,7 @@ while [[ ${1:-} == --* ]]; do
   esac
   shift 2
 done
-[[ $cases =~ ^[0-9]+$ && $limit =~ ^[0-9]+$ && $at_once =~ ^[1-9][0-9]*$ && $filter != *[[:space:]]* ]] || usage
+[[ $cases =~ ^[0-9]+$ && $step =~ ^[1-9][0-9]*$ && $limit =~ ^[0-9]+$ && $at_once =~ ^[1-9][0-9]*$ && $filter != *[[:space:]]* ]] || usage
 [ ${#processors[@]} -gt 0 ] || processors=(corei3_cnl corei7_skylake_x corei7_haswell_4770)
 for processor in "${processors[@]}"; do [ -n "${highest[$processor]:-}" ] || usage; done
 trees=("$@")
@@ -75,13 +78,12 @@ fetch_kernel() {
     echo "emulate_avx512.sh: fetching a kernel into .cache/emulator (27 MB, once)" >&2
     package=$(apt-cache depends linux-image-cloud-amd64 2>/dev/null | awk '$1 == "Depends:" {print $2; exit}')
     [ -n "$package" ] || fail "no package linux-image-cloud-amd64; does apt-get update help?"
-    (cd "$work/kernel" && apt-get -q -o APT::Sandbox::User=root download "$package") >"$work/log" 2>&1 </dev/null &&
-      dpkg-deb --fsys-tarfile "$work"/kernel/*.deb | tar -xf - -C "$work/kernel" --wildcards './boot/vmlinuz-*' || {
+    (cd "$work/kernel" && apt-get -q -o APT::Sandbox::User=root download "$package") >"$work/log" 2>&1 </dev/null || {
       cat "$work/log" >&2
-      fail "could not fetch the kernel"
+      fail "could not fetch the package $package"
     }
-    mkdir -p .cache/emulator
-    mv "$work"/kernel/boot/vmlinuz-* .cache/emulator/vmlinuz || exit 1
+    dpkg-deb --fsys-tarfile "$work"/kernel/*.deb | tar -xf - -C "$work/kernel" --wildcards './boot/vmlinuz-*' &&
+      mkdir -p .cache/emulator && mv "$work"/kernel/boot/vmlinuz-* .cache/emulator/vmlinuz || exit 1
   fi
   exec 9>&-
 }
@@ -126,14 +128,15 @@ emulate() { # PROCESSOR TREE DIR
   cp .cache/emulator/vmlinuz "$3/disc/" || return
   cp /usr/lib/ISOLINUX/isolinux.bin /usr/lib/syslinux/modules/bios/ldlinux.c32 "$3/disc/isolinux/" || return
   # The emulator gives wrong sizes for the compact form of saved registers (XSAVEC, XSAVES) and for protection keys, and
-  # loses ticks of the timer that counts with the time stamp counter. The other parameters make the start quicker.
+  # loses ticks of the timer that counts with the time stamp counter. Most other parameters make the start quicker;
+  # one that the kernel does not know is a variable of the environment.
   cat >"$3/disc/isolinux/isolinux.cfg" <<END
 DEFAULT tests
 PROMPT 0
 LABEL tests
   KERNEL /vmlinuz
   INITRD /files
-  APPEND console=ttyS0 quiet panic=-1 noxsaves clearcpuid=pku,ospke,xsaves,xsavec lapic=notscdeadline idle=halt nokaslr mitigations=off cryptomgr.notests lsm=capability audit=0 tsc=reliable no_timer_check initcall_blacklist=load_system_certificate_list
+  APPEND console=ttyS0 quiet panic=-1 noxsaves clearcpuid=pku,ospke,xsaves,xsavec lapic=notscdeadline idle=halt nokaslr mitigations=off cryptomgr.notests lsm=capability audit=0 tsc=reliable no_timer_check initcall_blacklist=load_system_certificate_list QNV_ALIGNMENT_STEP=$step
 END
   xorriso -as mkisofs -quiet -o "$3/disc.iso" -b isolinux/isolinux.bin -c isolinux/boot.cat -no-emul-boot \
     -boot-load-size 4 -boot-info-table "$3/disc" 2>"$3/xorriso.log" || return

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <cstdlib>
 #include <random>
 #include <string>
 #include <vector>
@@ -30,6 +31,13 @@ inline std::string KernelLevelName(const testing::TestParamInfo<KernelLevel>& in
 // Every count up to this one, and every alignment of the widest vector.
 inline constexpr std::size_t kMaxPixels = 300;
 inline constexpr std::size_t kAlignments = 64;
+
+// The environment variable QNV_ALIGNMENT_STEP=N makes tests with many rows take each count at every N-th alignment, for
+// emulators: first at another one for the next count, so that all alignments are there for N counts together.
+inline std::size_t AlignmentStep() {
+  const char* const step = std::getenv("QNV_ALIGNMENT_STEP");
+  return step != nullptr ? std::max<std::size_t>(1, std::strtoul(step, nullptr, 10)) : 1;
+}
 
 using Bytes = std::vector<uint8_t>;
 

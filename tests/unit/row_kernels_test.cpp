@@ -54,8 +54,9 @@ class RowKernelsTest : public KernelTest {
   // Calls check(count, alignment): every count up to kMaxPixels, some from there to `most`, at every alignment.
   template <class CheckCount>
   static void ForEachRow(std::size_t most, CheckCount check) {
+    const std::size_t step = AlignmentStep();
     for (std::size_t count = 0; count <= most; count += count < kMaxPixels ? 1 : 37) {
-      for (std::size_t alignment = 0; alignment < kAlignments; ++alignment) check(count, alignment);
+      for (std::size_t alignment = count % step; alignment < kAlignments; alignment += step) check(count, alignment);
     }
   }
 
