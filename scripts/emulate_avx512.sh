@@ -49,6 +49,12 @@ for processor in "${processors[@]}"; do [ -n "${highest[$processor]:-}" ] || usa
 trees=("$@")
 [ ${#trees[@]} -gt 0 ] || trees=(build/linux-x64 build/linux-x86)
 
+for tree in "${trees[@]}"; do
+  for program in unit_tests random_tests golden_tests; do
+    [ -x "$tree/bin/$program" ] || fail "there is no program $tree/bin/$program"
+  done
+done
+
 missing=()
 for need in bochs:/usr/bin/bochs bochsbios:/usr/share/bochs/BIOS-bochs-latest cpio:/usr/bin/cpio \
   bochs-term:/usr/lib/x86_64-linux-gnu/bochs/plugins/libbx_term_gui.so vgabios:/usr/share/vgabios/vgabios.bin \
@@ -59,12 +65,13 @@ done
 [ ${#missing[@]} -eq 0 ] || fail "these packages are missing: ${missing[*]}"
 
 work=$(mktemp -d)
-# Ends what still runs; bochs itself does not end at SIGTERM, timeout sends SIGKILL after it.
+# Ends what still runs: bochs does not end at SIGTERM, but when the timeout that started it ends.
 finish() {
   local pid
-  for pid in "$work"/*/pid; do [ ! -e "$pid" ] || kill "$(cat "$pid")" 2>/dev/null; done
+  for pid in "$work"/*/pid; do [ ! -e "$pid" ] || kill -KILL "$(cat "$pid")"; done
+  wait
   rm -rf "$work"
-}
+} 2>/dev/null
 trap finish EXIT
 trap 'exit 130' INT TERM
 
@@ -161,7 +168,7 @@ debug: action=ignore
 END
   # The package is built with bochs's debugger, which waits for the command to begin.
   echo c >"$3/begin"
-  TERM=vt100 timeout -k 5 -s KILL "$limit" bochs -q -f "$3/bochsrc" -rc "$3/begin" \
+  TERM=vt100 timeout -s KILL "$limit" setpriv --pdeathsig KILL bochs -q -f "$3/bochsrc" -rc "$3/begin" \
     </dev/null >"$3/terminal" 2>&1 &
   echo $! >"$3/pid"
   wait $!
