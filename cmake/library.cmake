@@ -11,9 +11,15 @@ set_target_properties(qnvdrv10_objects PROPERTIES
 target_include_directories(qnvdrv10_objects PRIVATE ${PROJECT_SOURCE_DIR}/include ${PROJECT_SOURCE_DIR}/src)
 target_link_libraries(qnvdrv10_objects PRIVATE qnv_options)
 target_compile_options(qnvdrv10_objects PRIVATE ${QNV_LIBRARY_WARNINGS} -fno-exceptions -fno-rtti)
+# Most sources are so short that reading these takes longer than compiling them.
+target_compile_options(qnvdrv10_objects PRIVATE ${QNV_PRECOMPILED_OPTIONS})
+target_precompile_headers(qnvdrv10_objects PRIVATE <algorithm> <cstddef> <cstdint> <cstdlib> <cstring>)
 if(WIN32)
   # No exception passes through the library, so unwind tables would only make the file larger.
   target_compile_options(qnvdrv10_objects PRIVATE -fno-asynchronous-unwind-tables -fno-unwind-tables)
+else()
+  # The delivered DLL has a file with all debug information beside it.
+  target_compile_options(qnvdrv10_objects PRIVATE ${QNV_PROGRAM_OPTIONS})
 endif()
 if(QNV_SANITIZERS)
   target_compile_options(qnvdrv10_objects PRIVATE -fno-sanitize=vptr)  # it needs run-time type information
