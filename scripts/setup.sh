@@ -23,6 +23,7 @@ check_packages=(
   binutils googletest g++-12-multilib g++-mingw-w64-i686-posix libz-mingw-w64-dev
   dpkg-dev unzip clang llvm lld
   clang-tidy clang-format cppcheck libclang-rt-dev ccache
+  libclang-14-dev llvm-14-dev
   g++-aarch64-linux-gnu qemu-user
   fonts-lohit-deva fonts-droid-fallback
   poppler-utils qpdf libtiff-tools pngcheck

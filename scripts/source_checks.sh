@@ -78,9 +78,9 @@ check_source() {
 
 # check_batch NUMBER "FILE FLAGS"...: sources that have the same flags as one text, so that the headers of the system
 # are read and looked at once. The line markers keep every source a main file, which is what analyzers follow paths in.
-# Where something is found, or where two sources define the same name, each is looked at alone.
+# Where something is found, or where two sources define the same name, each half is looked at for itself.
 check_batch() {
-  local text=$tree/batch_$1.cpp line flags beside=()
+  local number=$1 text=$tree/batch_$1.cpp line flags beside=()
   shift
   if [ $# -gt 1 ] && [ "${one_by_one-}" = "" ]; then
     for line; do
@@ -94,6 +94,9 @@ check_batch() {
       for line; do state_of "${line%% *}" "${flags[@]}" >"$(record_of "${line%% *}")"; done
       return
     fi
+    check_batch "$number.1" "${@:1:$#/2}"
+    check_batch "$number.2" "${@:$#/2+1}"
+    return
   fi
   for line; do check_source "$line"; done
 }

@@ -25,7 +25,7 @@ constexpr int64_t kMaxPixels = int64_t{1} << 30;
 
 // One of the pages of a device, as far as bands covered it. A band that does not lie below the one before it begins a
 // new page.
-struct Page {
+struct RenderedPage {
   int64_t left = 0, top = 0, width = 0, height = 0;
   uint32_t pixelBytes = 0;
   std::vector<uint8_t> pixels, tags;
@@ -79,7 +79,7 @@ void Render(const RenderArguments& a, const CallParts& parts) {
   }
   const CalledLibrary library = OpenCalledLibrary(a.library, parts);
   calls::Player player(file, library.functions);
-  Page page;
+  RenderedPage page;
   page.wanted = a.page;
   PictureForm form;
   bool painted = false;

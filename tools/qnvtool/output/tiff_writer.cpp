@@ -165,7 +165,7 @@ class TiffDocument final : public PageDocument {
   }
 
  private:
-  friend class TiffPicture;
+  friend class TiffPictureWriter;
 
   void CheckStream() const {
     if (stream_.error != 0) CannotWrite(file_.path(), std::strerror(stream_.error));
@@ -186,9 +186,9 @@ class TiffDocument final : public PageDocument {
   TIFF* tiff_ = nullptr;
 };
 
-class TiffPicture final : public PictureWriter {
+class TiffPictureWriter final : public PictureWriter {
  public:
-  TiffPicture(TiffDocument& document, const PictureForm& form) : document_(document) {
+  TiffPictureWriter(TiffDocument& document, const PictureForm& form) : document_(document) {
     const bool color = form.pixels == PictureForm::Pixels::kColor;
     const StripEncoder encoder(form);
     TIFF* const tiff = document.tiff_;
@@ -245,7 +245,7 @@ class TiffPicture final : public PictureWriter {
 };
 
 std::unique_ptr<PictureWriter> TiffDocument::StartPage(const PictureForm& form, const std::vector<PageWord>&) {
-  return std::make_unique<TiffPicture>(*this, form);
+  return std::make_unique<TiffPictureWriter>(*this, form);
 }
 
 }  // namespace

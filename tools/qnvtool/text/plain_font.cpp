@@ -9,7 +9,7 @@ namespace qnv::tool {
 namespace {
 
 constexpr char32_t kNoBreakSpace = 0xA0;
-constexpr std::size_t kMaxRun = 30000;  // the rasteriser counts characters in 16 bits
+constexpr std::size_t kMaxRunLength = 30000;  // the rasteriser counts characters in 16 bits
 constexpr int kMaxGap = 32767;
 
 class PlainText final : public ShapedText {
@@ -101,7 +101,7 @@ void PlainFont::Append(std::vector<TextRun>& runs, char32_t code) {
   const Wide* const wide = isLatin ? nullptr : &WideOf(code);
   const bool fits = !runs.empty() && runs.back().codes.empty() == isLatin &&
                     (isLatin || runs.back().sheet == wide->sheet) &&
-                    std::max(runs.back().latin.size(), runs.back().codes.size()) < kMaxRun;
+                    std::max(runs.back().latin.size(), runs.back().codes.size()) < kMaxRunLength;
   if (!fits) runs.emplace_back();
   TextRun& run = runs.back();
   if (isLatin) {
