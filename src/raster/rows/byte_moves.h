@@ -75,9 +75,11 @@ struct SingleMasks {
   __mmask64 of[3][2];
 
   SingleMasks() {
+    constexpr const Moves(&moves)[3] = kMoves<Map>;
     for (std::size_t v = 0; v < 3; ++v) {
       for (std::size_t i = 0; i < 2; ++i) {
-        if (kMoves<Map>[v].singleMask[i] != 0) of[v][i] = HeldMask(kMoves<Map>[v].singleMask[i]);
+        const uint64_t mask = moves[v].singleMask[i];
+        if (mask != 0) of[v][i] = HeldMask(mask);
       }
     }
   }
