@@ -13,8 +13,22 @@ set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
 all_presets=(linux-x64 linux-x86 win32)
-# The levels of row kernels, lowest first, without the highest, which the full library uses.
-mapfile -t levels < <(sed -n 's/^ *X(\([a-z0-9]*\), k.*/\1/p' src/raster/rows/levels.h)
+# has_level OPTION...: whether this processor has the instructions that these compiler options allow
+has_level() {
+  local option flags
+  flags=$(grep -m 1 '^flags' /proc/cpuinfo)
+  for option; do
+    # The kernel writes the names of newer instructions with an underscore.
+    [[ " $flags " == *" ${option#-m} "* || " $flags " == *" ${option/#-mavx512v/avx512_v} "* ]] || return 1
+  done
+}
+
+# The levels of row kernels that this processor has, lowest first, without the highest, which the full library uses.
+levels=()
+while IFS=$'\t' read -r name options; do
+  # shellcheck disable=SC2086  # several options
+  ! has_level $options || levels+=("$name")
+done < <(sed -n 's/^ *X(\([a-z0-9]*\), k[A-Za-z0-9]*, "\([^"]*\)".*/\1\t\2/p' src/raster/rows/levels.h | awk '!seen[$1]++')
 unset 'levels[-1]'
 document=docs/benchmarks.md
 results=build/bench
