@@ -76,6 +76,17 @@ make_prefix() {
     [ -e "$WINEPREFIX/drive_c/windows/system32/kernel32.dll" ]
 }
 
+# The server and the services of Windows outlive the program that starts them. Started here they do not keep that
+# program's output open, whose reader would wait for them. The server's status is 2 where it runs already.
+start_server() {
+  (
+    flock 9
+    if wine "$tree/usr/lib/wine/wineserver" 9>&-; then
+      wine timeout -k 5 60 "$tree/usr/lib/wine/wine" wineboot.exe 9>&- || true
+    fi
+  ) 9>"$cache/lock" </dev/null >/dev/null 2>&1
+}
+
 stop_server() {
   wine timeout -k 5 30 "$tree/usr/lib/wine/wineserver" -k 2>/dev/null || true # fails when no server runs
 }
@@ -114,6 +125,7 @@ case ${1-} in
     ;;
   *)
     setup
+    start_server
     LD_LIBRARY_PATH=$tree/usr/lib/i386-linux-gnu:$tree/lib/i386-linux-gnu \
       exec timeout -k 10 "${QNV_WINE_TIMEOUT:-1800}" "$tree/usr/lib/wine/wine" "$@"
     ;;
