@@ -250,26 +250,30 @@ const char* LimitName(LimitKind kind) {
 
 // Which of the loops is fastest differs between processors, and between caches and memory.
 const std::vector<LimitLoop>& LimitLoops() {
-  static const std::vector<LimitLoop> loops = {
-      {"memset", LimitKind::kStore, Always, StoreLibc},
-      {"rep stosb", LimitKind::kStore, Always, StoreRep},
-      {"sse2", LimitKind::kStore, Always, StoreSse2},
-      {"avx2", LimitKind::kStore, HasAvx2, StoreAvx2},
-      {"avx2 aligned", LimitKind::kStore, HasAvx2, StoreAvx2Aligned},
-      {"memcpy", LimitKind::kCopy, Always, CopyLibc},
-      {"rep movsb", LimitKind::kCopy, Always, CopyRep},
-      {"sse2", LimitKind::kCopy, Always, CopySse2},
-      {"avx2", LimitKind::kCopy, HasAvx2, CopyAvx2},
-      {"sse2", LimitKind::kReadModifyWrite, Always, XorSse2},
-      {"avx2", LimitKind::kReadModifyWrite, HasAvx2, XorAvx2},
-      {"avx2 by one", LimitKind::kReadModifyWrite, HasAvx2, XorAvx2Single},
-      {"avx2 by two", LimitKind::kReadModifyWrite, HasAvx2, XorAvx2Pairs},
-      {"avx2 by three", LimitKind::kReadModifyWrite, HasAvx2, XorAvx2Triples},
-      {"avx2 aligned", LimitKind::kReadModifyWrite, HasAvx2, XorAvx2Aligned},
-      {"sse2", LimitKind::kCombine, Always, CombineSse2},
-      {"avx2", LimitKind::kCombine, HasAvx2, CombineAvx2},
-      {"avx2 by two", LimitKind::kCombine, HasAvx2, CombineAvx2Pairs},
-  };
+  static const std::vector<LimitLoop> loops = [] {
+    std::vector<LimitLoop> all = {
+        {"memset", LimitKind::kStore, Always, StoreLibc},
+        {"rep stosb", LimitKind::kStore, Always, StoreRep},
+        {"sse2", LimitKind::kStore, Always, StoreSse2},
+        {"avx2", LimitKind::kStore, HasAvx2, StoreAvx2},
+        {"avx2 aligned", LimitKind::kStore, HasAvx2, StoreAvx2Aligned},
+        {"memcpy", LimitKind::kCopy, Always, CopyLibc},
+        {"rep movsb", LimitKind::kCopy, Always, CopyRep},
+        {"sse2", LimitKind::kCopy, Always, CopySse2},
+        {"avx2", LimitKind::kCopy, HasAvx2, CopyAvx2},
+        {"sse2", LimitKind::kReadModifyWrite, Always, XorSse2},
+        {"avx2", LimitKind::kReadModifyWrite, HasAvx2, XorAvx2},
+        {"avx2 by one", LimitKind::kReadModifyWrite, HasAvx2, XorAvx2Single},
+        {"avx2 by two", LimitKind::kReadModifyWrite, HasAvx2, XorAvx2Pairs},
+        {"avx2 by three", LimitKind::kReadModifyWrite, HasAvx2, XorAvx2Triples},
+        {"avx2 aligned", LimitKind::kReadModifyWrite, HasAvx2, XorAvx2Aligned},
+        {"sse2", LimitKind::kCombine, Always, CombineSse2},
+        {"avx2", LimitKind::kCombine, HasAvx2, CombineAvx2},
+        {"avx2 by two", LimitKind::kCombine, HasAvx2, CombineAvx2Pairs},
+    };
+    all.insert(all.end(), Avx512LimitLoops().begin(), Avx512LimitLoops().end());
+    return all;
+  }();
   return loops;
 }
 

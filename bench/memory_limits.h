@@ -30,6 +30,7 @@ struct LimitLoop {
 };
 
 const std::vector<LimitLoop>& LimitLoops();
+const std::vector<LimitLoop>& Avx512LimitLoops();  // those of them with vectors of 64 bytes
 
 // A rectangle of bytes in the band, and one of the same size in the source memory.
 struct LimitSurface {

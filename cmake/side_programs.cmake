@@ -15,7 +15,8 @@ elseif(bench_sources AND NOT QNV_FUZZ)
   qnv_unity(qnvbench 9)
   # The measured code is in the library, so -O1 is enough. Only the loops that measure the memory itself need -O2.
   target_compile_options(qnvbench PRIVATE ${QNV_PROGRAM_OPTIONS} $<$<CONFIG:RelWithDebInfo>:-O1>)
-  set_source_files_properties(${PROJECT_SOURCE_DIR}/bench/memory_limits.cpp PROPERTIES
+  set_source_files_properties(${PROJECT_SOURCE_DIR}/bench/memory_limits.cpp
+    ${PROJECT_SOURCE_DIR}/bench/memory_limits_avx512.cpp PROPERTIES
     COMPILE_OPTIONS $<$<CONFIG:RelWithDebInfo>:-O2>)
   # Built and tested where it is of use to a user; scripts/bench.sh builds it for the other presets.
   if(QNV_SANITIZERS OR NOT (QNV_TOOLS OR WIN32))
