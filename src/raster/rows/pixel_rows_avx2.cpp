@@ -1,6 +1,7 @@
 // Level avx2: image kernels in blocks of 32 pixels. Rows shorter than a block are passed to the levels below.
 #include "raster/rows/byte_windows.h"
 #include "raster/rows/gray_weights.h"
+#include "raster/rows/nibble_rows.h"
 #include "raster/rows/pixel_blocks.h"
 #include "raster/rows/row_tables.h"
 #include "raster/rows/vector16.h"
@@ -156,48 +157,32 @@ void UnpackRow16(uint8_t* dst, const uint8_t* source, std::size_t pixels, const 
 // pixel in the low half of a byte and a last one in the high half are converted by themselves.
 void ExpandNibblesRow24(uint8_t* dst, const uint8_t* source, bool odd, std::size_t pixels, const uint32_t* table) {
   if (pixels < kMinNibbles) return ssse3::ExpandNibblesRow24(dst, source, odd, pixels, table);
-  if (odd) {
-    plain::ExpandNibblesRow24(dst, source++, true, 1, table);
-    dst += 3;
-    --pixels;
-  }
-  if (pixels % 2 != 0) {
-    --pixels;
-    plain::ExpandNibblesRow24(dst + 3 * pixels, source + pixels / 2, false, 1, table);
-  }
+  const WholeBytes row = PaintHalfBytes<3, plain::ExpandNibblesRow24>(dst, source, odd, pixels, table);
   const Vector32 planes[3] = {TablePlane(table, 0), TablePlane(table, 1), TablePlane(table, 2)};
   // The unpack instructions work in halves of a vector: pixels 0..3, 8..11, 16..19 and 24..27 go into the lower one.
   const Vector32 order{_mm256_setr_epi8(0, 1, 4, 5, 8, 9, 12, 13, -1, -1, -1, -1, -1, -1, -1, -1,  //
                                         2, 3, 6, 7, 10, 11, 14, 15, -1, -1, -1, -1, -1, -1, -1, -1)};
-  CoverWithBlocks(pixels, kBlockPixels, [&](std::size_t i) {
-    const Vector32 indices{Nibbles(Shuffle(Vector32::Twice(source + i / 2), order))};
+  CoverWithBlocks(row.pixels, kBlockPixels, [&](std::size_t i) {
+    const Vector32 indices{Nibbles(Shuffle(Vector32::Twice(row.source + i / 2), order))};
     const __m256i first = Shuffle(planes[0], indices).v;
     const __m256i second = Shuffle(planes[1], indices).v;
     const __m256i third = Shuffle(planes[2], indices).v;
     const __m256i zero = _mm256_setzero_si256();
     const __m256i lowPairs = _mm256_unpacklo_epi8(first, second), highPairs = _mm256_unpackhi_epi8(first, second);
     const __m256i lowThird = _mm256_unpacklo_epi8(third, zero), highThird = _mm256_unpackhi_epi8(third, zero);
-    StoreBlock(dst + 3 * i, _mm256_unpacklo_epi16(lowPairs, lowThird), _mm256_unpackhi_epi16(lowPairs, lowThird),
+    StoreBlock(row.dst + 3 * i, _mm256_unpacklo_epi16(lowPairs, lowThird), _mm256_unpackhi_epi16(lowPairs, lowThird),
                _mm256_unpacklo_epi16(highPairs, highThird), _mm256_unpackhi_epi16(highPairs, highThird));
   });
 }
 
 void ExpandNibblesRow8(uint8_t* dst, const uint8_t* source, bool odd, std::size_t pixels, const uint32_t* table) {
   if (pixels < kMinNibbles) return ssse3::ExpandNibblesRow8(dst, source, odd, pixels, table);
-  if (odd) {
-    plain::ExpandNibblesRow8(dst, source++, true, 1, table);
-    ++dst;
-    --pixels;
-  }
-  if (pixels % 2 != 0) {
-    --pixels;
-    plain::ExpandNibblesRow8(dst + pixels, source + pixels / 2, false, 1, table);
-  }
+  const WholeBytes row = PaintHalfBytes<1, plain::ExpandNibblesRow8>(dst, source, odd, pixels, table);
   const Vector32 plane = TablePlane(table, 0);
   const Vector32 order{_mm256_setr_epi8(0, 1, 2, 3, 4, 5, 6, 7, -1, -1, -1, -1, -1, -1, -1, -1,  //
                                         8, 9, 10, 11, 12, 13, 14, 15, -1, -1, -1, -1, -1, -1, -1, -1)};
-  CoverWithBlocks(pixels, kBlockPixels, [&](std::size_t i) {
-    Shuffle(plane, Vector32{Nibbles(Shuffle(Vector32::Twice(source + i / 2), order))}).Store(dst + i);
+  CoverWithBlocks(row.pixels, kBlockPixels, [&](std::size_t i) {
+    Shuffle(plane, Vector32{Nibbles(Shuffle(Vector32::Twice(row.source + i / 2), order))}).Store(row.dst + i);
   });
 }
 

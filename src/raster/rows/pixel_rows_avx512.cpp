@@ -3,7 +3,9 @@
 
 #include "raster/rows/byte_moves.h"
 #include "raster/rows/gray_weights.h"
+#include "raster/rows/nibble_rows.h"
 #include "raster/rows/pixel_blocks.h"
+#include "raster/rows/repeated_rows.h"
 #include "raster/rows/row_tables.h"
 #include "raster/rows/vector64.h"
 
@@ -97,23 +99,14 @@ Vector64 Nibbles(const uint8_t* source) {
 // For shorter rows the levels below are as fast.
 constexpr std::size_t kMinNibbles = kWideBlockPixels + 2;
 
-// Calls block(i) for blocks of 64 pixels of an image with 16 colors. A first pixel in the low half of a byte and a last
-// one in the high half are left to the plain kernel.
+// Calls block(dst, source) for blocks of 64 pixels of an image with 16 colors.
 template <std::size_t kBytesPerPixel, auto Plain, class Block>
 void ForEachNibbleBlock(uint8_t* dst, const uint8_t* source, bool odd, std::size_t pixels, const uint32_t* table,
                         Block block) {
-  if (odd) {
-    Plain(dst, source++, true, 1, table);
-    dst += kBytesPerPixel;
-    --pixels;
-  }
-  if (pixels % 2 != 0) {
-    --pixels;
-    Plain(dst + kBytesPerPixel * pixels, source + pixels / 2, false, 1, table);
-  }
+  const WholeBytes row = PaintHalfBytes<kBytesPerPixel, Plain>(dst, source, odd, pixels, table);
   // Blocks must begin with a whole byte of the source, so that all but the last lie as the first one does.
-  CoverWithWideBlocks(pixels, kWideBlockPixels,
-                      [=](std::size_t i) { block(dst + kBytesPerPixel * i, source + i / 2); });
+  CoverWithWideBlocks(row.pixels, kWideBlockPixels,
+                      [=](std::size_t i) { block(row.dst + kBytesPerPixel * i, row.source + i / 2); });
 }
 
 // ---- Pixels of 16 bits
@@ -267,13 +260,9 @@ void Repeat(uint8_t* dst, const uint8_t* source, std::size_t blocks) {
 
 template <std::size_t kBytesPerPixel, auto Below>
 void RepeatRow(uint8_t* dst, const uint8_t* source, std::size_t pixels, std::size_t factor) {
-  const std::size_t blocks = pixels / 64;
-  switch (factor) {
-    case 2: Repeat<kBytesPerPixel, 2>(dst, source, blocks); break;
-    case 4: Repeat<kBytesPerPixel, 4>(dst, source, blocks); break;
-    default: Repeat<kBytesPerPixel, 8>(dst, source, blocks); break;
-  }
-  Below(dst + 64 * kBytesPerPixel * blocks, source + 64 / factor * kBytesPerPixel * blocks, pixels % 64, factor);
+  RepeatInBlocks<kBytesPerPixel, 64, Below>(dst, source, pixels, factor, [=](auto constant, std::size_t blocks) {
+    Repeat<kBytesPerPixel, constant>(dst, source, blocks);
+  });
 }
 
 }  // namespace

@@ -3,6 +3,8 @@
 #include <tmmintrin.h>
 
 #include "raster/rows/gray_weights.h"
+#include "raster/rows/nibble_rows.h"
+#include "raster/rows/repeated_rows.h"
 #include "raster/rows/row_tables.h"
 
 namespace qnv::ssse3 {
@@ -152,13 +154,9 @@ void Repeat(uint8_t* dst, const uint8_t* source, std::size_t blocks) {
 
 template <std::size_t kBytesPerPixel, auto Plain>
 void RepeatRow(uint8_t* dst, const uint8_t* source, std::size_t pixels, std::size_t factor) {
-  const std::size_t blocks = pixels / 16;
-  switch (factor) {
-    case 2: Repeat<kBytesPerPixel, 2>(dst, source, blocks); break;
-    case 4: Repeat<kBytesPerPixel, 4>(dst, source, blocks); break;
-    default: Repeat<kBytesPerPixel, 8>(dst, source, blocks); break;
-  }
-  Plain(dst + 16 * kBytesPerPixel * blocks, source + 16 / factor * kBytesPerPixel * blocks, pixels % 16, factor);
+  RepeatInBlocks<kBytesPerPixel, 16, Plain>(dst, source, pixels, factor, [=](auto constant, std::size_t blocks) {
+    Repeat<kBytesPerPixel, constant>(dst, source, blocks);
+  });
 }
 
 }  // namespace
@@ -173,34 +171,24 @@ void PackSwapRow32(uint8_t* dst, const uint8_t* source, std::size_t pixels) {
 
 void ExpandNibblesRow24(uint8_t* dst, const uint8_t* source, bool odd, std::size_t pixels, const uint32_t* table) {
   if (pixels < kMinNibbles) return plain::ExpandNibblesRow24(dst, source, odd, pixels, table);
-  if (odd) {
-    plain::ExpandNibblesRow24(dst, source, true, 1, table);
-    ++source;
-    dst += 3;
-    --pixels;
-  }
+  auto [out, bytes, left] = PaintHalfBytes<3, plain::ExpandNibblesRow24>(dst, source, odd, pixels, table);
   const __m128i planes[3] = {TablePlane(table, 0), TablePlane(table, 1), TablePlane(table, 2)};
-  for (; pixels >= 16; pixels -= 16, source += 8, dst += 48) {
-    const __m128i indices = SixteenNibbles(source);
-    StorePlanes(dst, _mm_shuffle_epi8(planes[0], indices), _mm_shuffle_epi8(planes[1], indices),
+  for (; left >= 16; left -= 16, bytes += 8, out += 48) {
+    const __m128i indices = SixteenNibbles(bytes);
+    StorePlanes(out, _mm_shuffle_epi8(planes[0], indices), _mm_shuffle_epi8(planes[1], indices),
                 _mm_shuffle_epi8(planes[2], indices));
   }
-  plain::ExpandNibblesRow24(dst, source, false, pixels, table);
+  plain::ExpandNibblesRow24(out, bytes, false, left, table);
 }
 
 void ExpandNibblesRow8(uint8_t* dst, const uint8_t* source, bool odd, std::size_t pixels, const uint32_t* table) {
   if (pixels < kMinNibbles) return plain::ExpandNibblesRow8(dst, source, odd, pixels, table);
-  if (odd) {
-    plain::ExpandNibblesRow8(dst, source, true, 1, table);
-    ++source;
-    ++dst;
-    --pixels;
-  }
+  auto [out, bytes, left] = PaintHalfBytes<1, plain::ExpandNibblesRow8>(dst, source, odd, pixels, table);
   const __m128i plane = TablePlane(table, 0);
-  for (; pixels >= 16; pixels -= 16, source += 8, dst += 16) {
-    Store16(dst, _mm_shuffle_epi8(plane, SixteenNibbles(source)));
+  for (; left >= 16; left -= 16, bytes += 8, out += 16) {
+    Store16(out, _mm_shuffle_epi8(plane, SixteenNibbles(bytes)));
   }
-  plain::ExpandNibblesRow8(dst, source, false, pixels, table);
+  plain::ExpandNibblesRow8(out, bytes, false, left, table);
 }
 
 // Sixteen pixels at a time, component by component.
