@@ -44,11 +44,13 @@ look_at() {
     --suppress=useInitializationList --suppress=cppcheckError --suppress=missingIncludeSystem \
     --template='{file}:{line}: error: {message} [{id}]' --template-location='' --error-exitcode=1 \
     -D__x86_64__ "${includes[@]}" "$file" || status=1
-  [[ $file =~ _(sse2|ssse3|avx2|avx512)\.cpp$ ]] || analyzer=(-fanalyzer)
+  [[ $file =~ _($vector_levels)\.cpp$ ]] || analyzer=(-fanalyzer)
   g++ "${flags[@]}" -O2 "${analyzer[@]}" -Wold-style-cast -Wnull-dereference -Werror -c -o /dev/null "$file" || status=1
   return $status
 }
 
+vector_levels=$(scripts/kernel_levels.sh | cut -f 1 | grep -vx plain | paste -sd '|')
+export vector_levels
 configure_sources
 mapfile -t list < <(sources_with_flags)
 check_sources "${list[@]}"

@@ -28,7 +28,7 @@ levels=()
 while IFS=$'\t' read -r name options; do
   # shellcheck disable=SC2086  # several options
   ! has_level $options || levels+=("$name")
-done < <(sed -n 's/^ *X(\([a-z0-9]*\), k[A-Za-z0-9]*, "\([^"]*\)".*/\1\t\2/p' src/raster/rows/levels.h | awk '!seen[$1]++')
+done < <(scripts/kernel_levels.sh)
 unset 'levels[-1]'
 document=docs/benchmarks.md
 results=build/bench

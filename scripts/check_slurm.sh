@@ -2,17 +2,12 @@
 # Prints a manifest as an array of a real Slurm, with examples/print_array.slurm: munged, slurmctld and slurmd of this
 # script's own run on free ports of this machine, as the user who calls it, and end with it.
 #   scripts/check_slurm.sh [BUILD-TREE]    build/linux-x64 by default
-# Needs: apt-get install --no-install-recommends slurmctld slurmd slurm-client munge
+# Installs Slurm where it is missing.
 here=$(dirname "$(dirname "$(realpath "${BASH_SOURCE[0]}")")")
+"$here/scripts/setup.sh" slurm >&2 || exit 1
 set -- "${1:-$here/build/linux-x64}/bin/qnvtool" "${1:-$here/build/linux-x64}/bin"
 . "$here/tests/support/shell_test.sh"
 PATH=$PATH:/usr/sbin
-for program in munged slurmctld slurmd sbatch squeue scancel scontrol; do
-  command -v $program >/dev/null || {
-    echo "$program is not installed: apt-get install --no-install-recommends slurmctld slurmd slurm-client munge" >&2
-    exit 1
-  }
-done
 
 # An installed Slurm has its files elsewhere and is not touched.
 stop() {

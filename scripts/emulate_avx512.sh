@@ -12,8 +12,8 @@
 #     --limit SECONDS    ends an emulator that takes longer (1500)
 #     --at-once N        emulators at the same time (as many as the machine has processors)
 # One line for each processor and build, "N passed, N failed" at the end; on processors without the level only a few
-# tests run. Needs the programs unit_tests, random_tests and golden_tests, and the packages bochs, bochsbios, bochs-term,
-# vgabios, isolinux, syslinux-common, xorriso and cpio. Fetches the kernel, 27 MB, once into .cache/emulator.
+# tests run. Needs the programs unit_tests, random_tests and golden_tests. Installs the emulator where it is missing, and
+# fetches the kernel, 27 MB, once into .cache/emulator.
 set -uo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.." || exit 1
 root=$PWD
@@ -55,14 +55,7 @@ for tree in "${trees[@]}"; do
   done
 done
 
-missing=()
-for need in bochs:/usr/bin/bochs bochsbios:/usr/share/bochs/BIOS-bochs-latest cpio:/usr/bin/cpio \
-  bochs-term:/usr/lib/x86_64-linux-gnu/bochs/plugins/libbx_term_gui.so vgabios:/usr/share/vgabios/vgabios.bin \
-  isolinux:/usr/lib/ISOLINUX/isolinux.bin syslinux-common:/usr/lib/syslinux/modules/bios/ldlinux.c32 \
-  xorriso:/usr/bin/xorriso; do
-  [ -e "${need#*:}" ] || missing+=("${need%%:*}")
-done
-[ ${#missing[@]} -eq 0 ] || fail "these packages are missing: ${missing[*]}"
+scripts/setup.sh emulator >&2 || exit 1
 
 work=$(mktemp -d)
 # Ends what still runs: bochs does not end at SIGTERM, but when the timeout that started it ends.
@@ -96,7 +89,7 @@ fetch_kernel() {
 }
 fetch_kernel
 
-mapfile -t levels < <(sed -n 's/^  X(\([a-z0-9]*\), k.*/\1/p' src/raster/rows/levels.h | awk '!seen[$0]++')
+mapfile -t levels < <(scripts/kernel_levels.sh | cut -f 1)
 # A quick test that every level has: it tells which levels the processor is seen to have.
 witness='*PixelRowsTest.ShuffleRow/*'
 g++ -O2 -static -s tests/levels/guest_init.cpp -o "$work/init" || fail "cannot build tests/levels/guest_init.cpp"

@@ -10,7 +10,7 @@ compiler=${QNV_WASM_CXX:-clang++-14}
 # What the module is made of. It records nothing, and has the row kernels that every processor can run.
 sources() {
   local vector_levels
-  vector_levels=$(sed -n 's/^ *X(\([a-z0-9]*\), k.*/\1/p' src/raster/rows/levels.h | grep -vx plain | sort -u | paste -sd '|')
+  vector_levels=$(scripts/kernel_levels.sh | cut -f 1 | grep -vx plain | paste -sd '|')
   find src calls inspector/engine -name '*.cpp' -regextype posix-extended ! -regex ".*_($vector_levels)\.cpp" \
     ! -name call_capture.cpp ! -name call_writer.cpp ! -name font_memory.cpp ! -name stored_copy.cpp |
     LC_ALL=C sort

@@ -37,8 +37,8 @@ BLOCK_BYTES = {"RopTileRow": 64, "RopSourceRow": 64, "RopSourceTileRow": 64, "Mi
 
 def levels():
     """Name and compiler options of the levels, lowest first."""
-    found = re.findall(r'^ *X\((\w+), k\w+, "([^"]*)"', (ROWS / "levels.h").read_text(), re.M)
-    return dict(found)
+    lines = subprocess.run(ROOT / "scripts/kernel_levels.sh", check=True, capture_output=True, text=True).stdout
+    return dict(line.split("\t") for line in lines.splitlines())
 
 
 def kernels_of(level):

@@ -21,7 +21,7 @@ trees=("${@:2}")
 declare -A processors=([sse2]=Opteron_G1 [ssse3]=Conroe [avx2]=Haswell)
 # Levels that qemu has no processor for, each with what runs them instead.
 declare -A elsewhere=([avx512]=scripts/emulate_avx512.sh)
-mapfile -t levels < <(sed -n 's/^  X(\([a-z0-9]*\), k.*/\1/p' src/raster/rows/levels.h | awk '!seen[$0]++')
+mapfile -t levels < <(scripts/kernel_levels.sh | cut -f 1)
 # A few that use every kind of vector code; all of them take minutes under an emulator.
 kernel_tests=(RowKernelsTest.RowsOfASource RowKernelsTest.SwapRow24 PixelRowsTest.PixelsOneByOne PixelRowsTest.ShuffleRow)
 passed=0

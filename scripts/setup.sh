@@ -6,6 +6,10 @@
 #   scripts/setup.sh check     also what ./check needs: 32-bit, Windows and ARM compilers, test framework, package tools,
 #                              formatter, linter, analyzer, fuzzer, compiler cache, fonts of other scripts, Chromium
 #                              and Node.js (the default)
+#   scripts/setup.sh emulator  what scripts/emulate_avx512.sh needs
+#   scripts/setup.sh slurm     what scripts/check_slurm.sh needs
+#   scripts/setup.sh valgrind  what scripts/valgrind.sh needs
+# Those scripts call it themselves.
 set -euo pipefail
 
 mode=${1:-check}
@@ -37,11 +41,17 @@ if ! command -v node >/dev/null || ! command -v npm >/dev/null; then
   check_packages+=(nodejs npm)
 fi
 
+emulator_packages=(bochs bochsbios bochs-term vgabios isolinux syslinux-common xorriso cpio)
+slurm_packages=(slurmctld slurmd slurm-client munge)
+
 case $mode in
+  emulator) wanted=("${emulator_packages[@]}") ;;
+  slurm) wanted=("${slurm_packages[@]}") ;;
+  valgrind) wanted=(valgrind) ;;
   demo) wanted=("${demo_packages[@]}") ;;
   check) wanted=("${demo_packages[@]}" "${check_packages[@]}") ;;
   *)
-    echo "usage: scripts/setup.sh [demo|check]" >&2
+    echo "usage: scripts/setup.sh [demo|check|emulator|slurm|valgrind]" >&2
     exit 2
     ;;
 esac

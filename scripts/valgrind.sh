@@ -2,8 +2,8 @@
 # Runs tests under valgrind: no access outside of what was allocated, no decision on memory that nothing wrote, nothing
 # leaked.
 #   scripts/valgrind.sh [BUILD_TREE [PROGRAM [ARGUMENT...]]]     build/linux-x64, interface_tests
-# Prints what valgrind finds, and "N passed, N failed" at the end. Needs the package valgrind; takes twenty to fifty
-# times the time of the program.
+# Prints what valgrind finds, and "N passed, N failed" at the end. Installs valgrind where it is missing; takes
+# twenty to fifty times the time of the program.
 set -uo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.." || exit 1
 case ${1-} in
@@ -12,10 +12,7 @@ case ${1-} in
     exit 2
     ;;
 esac
-command -v valgrind >/dev/null || {
-  echo "valgrind: not installed: apt-get install valgrind" >&2
-  exit 1
-}
+scripts/setup.sh valgrind >&2 || exit 1
 tree=${1:-build/linux-x64} program=${2:-interface_tests}
 log=$tree/valgrind_$program.log
 start=$SECONDS
