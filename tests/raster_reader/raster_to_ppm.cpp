@@ -6,6 +6,7 @@
 #include <png.h>
 #include <unistd.h>
 
+#include <cstddef>
 #include <cstdint>
 #include <cstdio>
 #include <string>
@@ -15,10 +16,9 @@ namespace {
 
 using Pixels = std::vector<uint8_t>;
 
-void WritePpm(unsigned width, unsigned height, const Pixels& rgb) {
-  std::printf("P6\n%u %u\n255\n", width, height);
-  std::fwrite(rgb.data(), 1, rgb.size(), stdout);
-}
+void WriteHead(unsigned width, unsigned height) { std::printf("P6\n%u %u\n255\n", width, height); }
+
+void WritePixels(const Pixels& rgb) { std::fwrite(rgb.data(), 1, rgb.size(), stdout); }
 
 bool ConvertPng(const char* path) {
   png_image image{};
@@ -27,7 +27,8 @@ bool ConvertPng(const char* path) {
   image.format = PNG_FORMAT_RGB;
   Pixels pixels(PNG_IMAGE_SIZE(image));
   if (png_image_finish_read(&image, nullptr, pixels.data(), 0, nullptr) == 0) return false;
-  WritePpm(image.width, image.height, pixels);
+  WriteHead(image.width, image.height);
+  WritePixels(pixels);
   return true;
 }
 
@@ -41,13 +42,14 @@ int ConvertRaster(const char* path) {
   while (cupsRasterReadHeader2(raster, &header) != 0) {
     const bool gray = header.cupsColorSpace == CUPS_CSPACE_SW;
     if (header.cupsBitsPerColor != 8 || (!gray && header.cupsColorSpace != CUPS_CSPACE_SRGB)) return -1;
-    Pixels rgb;
+    WriteHead(header.cupsWidth, header.cupsHeight);
     Pixels row(header.cupsBytesPerLine);
+    Pixels rgb(gray ? 3 * row.size() : 0);
     for (unsigned y = 0; y < header.cupsHeight; ++y) {
       if (cupsRasterReadPixels(raster, row.data(), header.cupsBytesPerLine) != header.cupsBytesPerLine) return -1;
-      for (const uint8_t byte : row) rgb.insert(rgb.end(), gray ? 3 : 1, byte);
+      for (std::size_t i = 0; i < rgb.size(); ++i) rgb[i] = row[i / 3];
+      WritePixels(gray ? rgb : row);
     }
-    WritePpm(header.cupsWidth, header.cupsHeight, rgb);
     ++pages;
   }
   cupsRasterClose(raster);

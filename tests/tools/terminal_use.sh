@@ -59,9 +59,9 @@ for command in "print map.bmp -o -" "make-picture map -" "print map.bmp -o - --f
     fail "$command on a terminal: $code $said"
 done
 
-# Progress: a page at 1200 dpi of the smallest level takes longer than the second after which progress is shown.
+# Progress: these pages take longer than the second after which progress is shown.
 for columns in 20 49 50 80; do
-  python3 terminal.py $columns stderr "$tool" print map.bmp map.bmp map.bmp --dpi 1200 --crop --compression 9 --jobs 1 \
+  python3 terminal.py $columns stderr "$tool" print map.bmp map.bmp map.bmp --dpi 900 --crop --compression 9 --jobs 1 \
     -o page.png >progress || fail "print at $columns columns"
   tr '\r' '\n' <progress | sed 's/\x1b\[K//g' | sort -u | grep . >lines
   grep -qE '^(\[#+\.*\] )? *[0-9]+%  page [123] of 3' lines || fail "$columns columns: no progress: $(cat lines)"
