@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <zlib.h>
 
+#include <cstddef>
 #include <string>
 #include <utility>
 #include <vector>
@@ -25,7 +26,7 @@ Data Inflate(const Data& stream, std::size_t size) {
   const int status = inflate(&decoder, Z_FINISH);
   EXPECT_EQ(status, Z_STREAM_END) << (decoder.msg != nullptr ? decoder.msg : "");
   EXPECT_EQ(decoder.avail_in, 0u);
-  result.resize(result.size() - decoder.avail_out);
+  result.erase(result.end() - static_cast<std::ptrdiff_t>(decoder.avail_out), result.end());
   inflateEnd(&decoder);
   return result;
 }
