@@ -69,9 +69,9 @@ QNV_AVX512 void Combine(uint8_t* d, const uint8_t* s, std::size_t n) {
                           _mm512_xor_si512(_mm512_maskz_loadu_epi8(mask, d), _mm512_maskz_loadu_epi8(mask, s)));
 }
 
-}  // namespace
-
 bool HasAvx512() { return __builtin_cpu_supports("avx512f") != 0 && __builtin_cpu_supports("avx512bw") != 0; }
+
+}  // namespace
 
 const std::vector<LimitLoop>& Avx512LimitLoops() {
   static const std::vector<LimitLoop> loops = {

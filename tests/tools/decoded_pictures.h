@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cstddef>
+#include <cstdint>
 #include <cstdio>
 #include <functional>
 #include <string>
@@ -37,8 +39,8 @@ inline uint32_t ColorOf(const WholePicture& picture, int x, int y) {
 
 using ColorAt = std::function<uint32_t(int x, int y)>;
 
-inline void ExpectColors(const WholePicture& picture, const ColorAt& expected, int rows = -1) {
-  for (int y = 0; y < (rows < 0 ? picture.height : rows); ++y) {
+inline void ExpectColors(const WholePicture& picture, const ColorAt& expected) {
+  for (int y = 0; y < picture.height; ++y) {
     for (int x = 0; x < picture.width; ++x) {
       ASSERT_EQ(ColorOf(picture, x, y), expected(x, y)) << x << ',' << y;
     }
@@ -65,7 +67,33 @@ struct Tried {
 inline Tried Try(const FileBytes& file) {
   Tried tried;
   tried.error = InputErrorOf([&] { tried.picture = ReadWhole(file, kDecoders); });
+  EXPECT_EQ(tried.error.find('\n'), std::string::npos) << tried.error;
   return tried;
+}
+
+// The first `size` bytes of a file, in a block of their own.
+inline FileBytes CutTo(const FileBytes& whole, std::size_t size) {
+  return {whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(size)};
+}
+
+// How many of the files that break off at every length still give a picture.
+inline int ReadOfCutFiles(const FileBytes& whole) {
+  int read = 0;
+  for (std::size_t size = 0; size < whole.size(); ++size) read += Try(CutTo(whole, size)).error.empty() ? 1 : 0;
+  return read;
+}
+
+// How many of the files are refused in which one byte, from the one at `first` on, has these bits inverted.
+inline int RefusedOfDamagedFiles(const FileBytes& whole, std::size_t first, const std::vector<uint8_t>& bits) {
+  int refused = 0;
+  for (std::size_t at = first; at < whole.size(); ++at) {
+    for (const uint8_t inverted : bits) {
+      FileBytes damaged = whole;
+      damaged[at] ^= inverted;
+      refused += Try(damaged).error.empty() ? 0 : 1;
+    }
+  }
+  return refused;
 }
 
 // Files cut at every length: an error, or the upper rows as they should be, the rest white, and a note that says how
@@ -75,8 +103,7 @@ inline int ExpectCutFilesAreRead(const FileBytes& whole, const ColorAt& expected
   int rowsBefore = 0;
   for (std::size_t size = 0; size < whole.size(); ++size) {
     SCOPED_TRACE(testing::Message() << "cut to " << size << " of " << whole.size());
-    const Tried tried = Try({whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(size)});
-    EXPECT_EQ(tried.error.find('\n'), std::string::npos);
+    const Tried tried = Try(CutTo(whole, size));
     if (!tried.error.empty()) {
       EXPECT_EQ(pictures, 0) << tried.error;  // once the headers are there, there is a picture
       continue;

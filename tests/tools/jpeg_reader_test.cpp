@@ -158,7 +158,7 @@ TEST(JpegReader, ExifDataMayBeAnything) {
   const FileBytes whole = ExifData(6, false, 100);
   ASSERT_EQ(tool::ReadExif(whole.data(), whole.size()).orientation.number, 6);
   for (std::size_t size = 0; size < whole.size(); ++size) {
-    const FileBytes cut(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(size));  // a block of its own
+    const FileBytes cut = CutTo(whole, size);
     const int number = tool::ReadExif(cut.data(), cut.size()).orientation.number;
     EXPECT_TRUE(number == 6 || number == 1) << size;
   }
@@ -183,27 +183,13 @@ TEST(JpegReader, FilesMayBreakOffAnywhere) {
   EXPECT_GT(pictures, 500);
   for (const JpegSample& other : {JpegSample{.progressive = true, .value = Smooth}, JpegSample{.value = Smooth},
                                   JpegSample{.exif = ExifData(6, true), .value = Smooth}}) {
-    const FileBytes bytes = other.Bytes();
-    int read = 0;
-    for (std::size_t size = 0; size < bytes.size(); ++size) {
-      const Tried tried = Try({bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(size)});
-      if (tried.error.empty()) ++read;
-    }
-    EXPECT_GT(read, 100);
+    EXPECT_GT(ReadOfCutFiles(other.Bytes()), 100);
   }
 }
 
 TEST(JpegReader, DamagedBytesDoNoHarm) {
   const FileBytes whole = JpegSample{.value = Smooth}.Bytes();
-  int refused = 0;
-  for (std::size_t at = 3; at < whole.size(); ++at) {
-    for (const int value : {0x01, 0x80, 0xFF}) {
-      FileBytes spoiled = whole;
-      spoiled[at] = static_cast<uint8_t>(spoiled[at] ^ value);
-      refused += Try(spoiled).error.empty() ? 0 : 1;
-    }
-  }
-  EXPECT_GT(refused, 20);
+  EXPECT_GT(RefusedOfDamagedFiles(whole, 3, {0x01, 0x80, 0xFF}), 20);
 }
 
 }  // namespace
